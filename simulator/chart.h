@@ -1,0 +1,30 @@
+// The printed chessboard: squares about the inner corners, and a white border.
+
+#pragma once
+
+#include <vector>
+
+#include <Eigen/Core>
+
+namespace trackedcam::simulator {
+
+struct Chart {
+  int cols = 9;                // inner corners along a row
+  int rows = 6;                // inner corners along a column
+  double squareMetres = 0.03;  // edge of a square
+
+  /// The inner corners in frame Chart, metres: row by row, columns fastest.
+  std::vector<Eigen::Vector3d> Corners() const;
+
+  /// Points along the edge of the paper in frame Chart, metres: enough to follow it through a lens.
+  std::vector<Eigen::Vector3d> PaperOutline() const;
+
+  /// The centre of the paper in frame Chart, and its width and height, metres.
+  Eigen::Vector3d Centre() const;
+  Eigen::Vector2d PaperSize() const;
+};
+
+/// White around the outer squares, in squares.
+constexpr int kBorderSquares = 1;
+
+}  // namespace trackedcam::simulator

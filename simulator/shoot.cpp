@@ -1,0 +1,128 @@
+#include "simulator/shoot.h"
+
+#include <utility>
+
+#include "simulator/angle.h"
+#include "simulator/chart_poses.h"
+#include "simulator/random.h"
+
+namespace trackedcam::simulator {
+namespace {
+
+constexpr double kMetresPerMm = 1e-3;
+
+// The angle keeps clear of 0 and 180 degrees, where a rotation has no definite axis.
+Eigen::Isometry3d DrawTransform_Cam_Tc(Random& random) {
+  const double angle = Radians(random.Uniform(105, 120));
+  const Eigen::Vector3d axis = Eigen::Vector3d(1, 0.4, -0.3) + 0.2 * random.Direction();
+  return Eigen::Translation3d(Eigen::Vector3d(0.03, -0.11, -0.06) + 0.02 * random.Direction()) *
+         Eigen::AngleAxisd(angle, axis.normalized());
+}
+
+// As on a drawing: in hundredths of a degree and tenths of a millimetre.
+Mounting DrawMounting(Random& random) {
+  const Eigen::Vector3d angles = Eigen::Vector3d(12, -8, 5) + 4 * random.Direction();
+  const Eigen::Vector3d metres = Eigen::Vector3d(0.1, -0.05, 0.02) + 0.01 * random.Direction();
+  return {(angles * 1e2).array().round() / 1e2, (metres * 1e4).array().round() / 1e4};
+}
+
+// Carried about by hand, roughly upright, a few metres from the tracking system's origin.
+Eigen::Isometry3d DrawTransform_Base_Chart(Random& random) {
+  const Eigen::Isometry3d stand =
+      Eigen::Translation3d(0.4, 1.1, -1.8) *
+      Eigen::AngleAxisd(Radians(160), Eigen::Vector3d(1, 0.1, 0.2).normalized());
+  return stand * random.Displacement(Radians(random.Uniform(0, 30)), random.Uniform(0, 0.5));
+}
+
+Eigen::Isometry3d WithNoise(const Eigen::Isometry3d& pose, const ShootOptions& options,
+                            Random& random) {
+  const Eigen::Vector3d turn = Radians(options.trackerNoiseDegrees) * random.NormalVector();
+  const Eigen::Vector3d shift = options.trackerNoiseMm * kMetresPerMm * random.NormalVector();
+  Eigen::Isometry3d noise(Eigen::Translation3d{shift});
+  if (const double angle = turn.norm(); angle > 0) {
+    noise.rotate(Eigen::AngleAxisd(angle, turn / angle));
+  }
+  return pose * noise;
+}
+
+void TrackPhotograph(Photograph& photograph, const ShootOptions& options, Random& random) {
+  photograph.trackedTc = WithNoise(photograph.Transform_Base_Tc, options, random);
+  photograph.trackedTr = WithNoise(photograph.Transform_Base_Tr, options, random);
+  if (photograph.flaw == Flaw::kSlippedTracker) {
+    Eigen::Isometry3d& slipped =
+        random.Uniform(0, 1) < 0.5 ? photograph.trackedTc : photograph.trackedTr;
+    slipped =
+        slipped * random.Displacement(Radians(options.slipDegrees), options.slipMm * kMetresPerMm);
+  }
+}
+
+// The flaws asked for, in random order.
+std::vector<Flaw> DrawFlaws(const ShootOptions& options) {
+  std::vector<Flaw> flaws;
+  flaws.insert(flaws.end(), options.missing, Flaw::kMissing);
+  flaws.insert(flaws.end(), options.notAnImage, Flaw::kNotAnImage);
+  flaws.insert(flaws.end(), options.withoutChart, Flaw::kWithoutChart);
+  flaws.insert(flaws.end(), options.outliers, Flaw::kSlippedTracker);
+  flaws.resize(options.photographs, Flaw::kNone);
+  Random random(options.seed, Draw::kFlaws);
+  for (std::size_t left = flaws.size(); left > 1; --left) {
+    std::swap(flaws[left - 1], flaws[random.Bits() % left]);
+  }
+  return flaws;
+}
+
+std::string PhotographPath(int index) {
+  const std::string number = std::to_string(index);
+  const std::string zeros(number.size() < 3 ? 3 - number.size() : 0, '0');
+  return "photos/img_" + zeros + number + ".jpg";
+}
+
+Photograph TakePhotograph(const Shoot& shoot, int index, Flaw flaw,
+                          const Eigen::Isometry3d& Transform_Cam_Chart) {
+  Random random(shoot.options.seed, Draw::kTrackers, index);
+  const Eigen::Isometry3d Transform_Base_Chart = DrawTransform_Base_Chart(random);
+  Photograph photograph;
+  photograph.path = PhotographPath(index);
+  photograph.flaw = flaw;
+  photograph.Transform_Cam_Chart = Transform_Cam_Chart;
+  photograph.Transform_Base_Tc =
+      Transform_Base_Chart * Transform_Cam_Chart.inverse() * shoot.Transform_Cam_Tc;
+  photograph.Transform_Base_Tr = Transform_Base_Chart * shoot.trueMounting.Transform().inverse();
+  TrackPhotograph(photograph, shoot.options, random);
+  for (const Eigen::Vector3d& corner : shoot.options.chart.Corners()) {
+    photograph.corners.push_back(shoot.lens.Project(Transform_Cam_Chart * corner));
+  }
+  return photograph;
+}
+
+}  // namespace
+
+std::vector<Eigen::Matrix4d> Shoot::Matrices(Eigen::Isometry3d Photograph::*transform) const {
+  std::vector<Eigen::Matrix4d> matrices;
+  for (const Photograph& photograph : photographs) {
+    matrices.push_back((photograph.*transform).matrix());
+  }
+  return matrices;
+}
+
+Shoot SimulateShoot(const ShootOptions& options) {
+  CheckOptions(options);
+  Random random(options.seed, Draw::kRig);
+  Shoot shoot;
+  shoot.options = options;
+  shoot.lens = LensOf(options);
+  shoot.Transform_Cam_Tc = DrawTransform_Cam_Tc(random);
+  shoot.nominalMounting = DrawMounting(random);
+  const Eigen::Isometry3d error = random.Displacement(Radians(options.mountingErrorDegrees),
+                                                      options.mountingErrorMm * kMetresPerMm);
+  shoot.trueMounting = MountingOf(shoot.nominalMounting.Transform() * error);
+
+  const std::vector<Flaw> flaws = DrawFlaws(options);
+  const std::vector<Eigen::Isometry3d> poses = DrawChartPoses(options);
+  for (int i = 0; i < options.photographs; ++i) {
+    shoot.photographs.push_back(TakePhotograph(shoot, i, flaws[i], poses[i]));
+  }
+  return shoot;
+}
+
+}  // namespace trackedcam::simulator

@@ -1,0 +1,95 @@
+#include "simulator/shoot_options.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#include "simulator/number_text.h"
+
+namespace trackedcam::simulator {
+namespace {
+
+// Written so that a value that is no number is refused as well.
+void Require(bool isMet, const std::string& demand) {
+  if (!isMet) {
+    throw std::invalid_argument(demand);
+  }
+}
+
+void RequireAtLeast(const std::string& name, double value, double least) {
+  Require(std::isfinite(value) && value >= least,
+          name + " must be at least " + ToText(least) + ", not " + ToText(value) + ".");
+}
+
+void RequireAbove0(const std::string& name, double value) {
+  Require(std::isfinite(value) && value > 0, name + " must be above 0, not " + ToText(value) + ".");
+}
+
+void RequireWithin(const std::string& name, double value, double least, double most) {
+  Require(value >= least && value <= most, name + " must be from " + ToText(least) + " to " +
+                                               ToText(most) + ", not " + ToText(value) + ".");
+}
+
+void CheckCounts(const ShootOptions& options) {
+  RequireAtLeast("photographs", options.photographs, 1);
+  RequireAtLeast("missing", options.missing, 0);
+  RequireAtLeast("notAnImage", options.notAnImage, 0);
+  RequireAtLeast("withoutChart", options.withoutChart, 0);
+  RequireAtLeast("outliers", options.outliers, 0);
+  const double flawed =
+      0.0 + options.missing + options.notAnImage + options.withoutChart + options.outliers;
+  Require(flawed <= options.photographs,
+          "missing, notAnImage, withoutChart and outliers are " + ToText(flawed) +
+              " together, more than photographs: ask for fewer, or raise photographs.");
+}
+
+void CheckChart(const Chart& chart) {
+  RequireAtLeast("chart.cols", chart.cols, 3);
+  RequireAtLeast("chart.rows", chart.rows, 3);
+  RequireAbove0("chart.squareMetres", chart.squareMetres);
+  Require(chart.cols != chart.rows,
+          "chart.cols and chart.rows must differ: nobody can tell the first corner of a board that "
+          "looks the same from all sides.");
+}
+
+void CheckLens(const ShootOptions& options) {
+  const Lens lens = LensOf(options);
+  RequireAbove0("fx", lens.fx);
+  RequireAbove0("fy", lens.fy);
+  const double right = options.imageWidth;
+  const double bottom = options.imageHeight;
+  for (const Eigen::Vector2d& corner :
+       {Eigen::Vector2d(-1, -1), {right, -1}, {-1, bottom}, {right, bottom}}) {
+    Require(lens.Reaches(corner),
+            "The lens cannot see the whole picture: choose k1 and k2 nearer to 0, a longer focal "
+            "length or a principal point nearer to the centre.");
+  }
+}
+
+}  // namespace
+
+void CheckOptions(const ShootOptions& options) {
+  CheckCounts(options);
+  RequireAtLeast("imageWidth", options.imageWidth, 64);
+  RequireAtLeast("imageHeight", options.imageHeight, 64);
+  CheckLens(options);
+  RequireAbove0("sensorWidthMm", options.sensorWidthMm);
+  RequireAbove0("sensorHeightMm", options.sensorHeightMm);
+  CheckChart(options.chart);
+  RequireWithin("blurPixels", options.blurPixels, 0, 50);
+  RequireAtLeast("noiseGreyLevels", options.noiseGreyLevels, 0);
+  RequireWithin("unevenLight", options.unevenLight, 0, 1);
+  RequireWithin("jpegQuality", options.jpegQuality, 1, 100);
+  RequireAtLeast("trackerNoiseMm", options.trackerNoiseMm, 0);
+  RequireAtLeast("trackerNoiseDegrees", options.trackerNoiseDegrees, 0);
+  RequireAtLeast("slipMm", options.slipMm, 0);
+  RequireAtLeast("slipDegrees", options.slipDegrees, 0);
+  RequireAtLeast("mountingErrorMm", options.mountingErrorMm, 0);
+  RequireWithin("mountingErrorDegrees", options.mountingErrorDegrees, 0, 60);
+}
+
+Lens LensOf(const ShootOptions& options) {
+  return options.lens.value_or(DefaultLens(options.imageWidth, options.imageHeight));
+}
+
+}  // namespace trackedcam::simulator
