@@ -1,0 +1,59 @@
+// trackedcam: calibrates a tracked camera from the command line.
+
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include "app/calibrate_command.h"
+#include "app/config_file.h"
+#include "app/help_formatter.h"
+#include "app/simulate_command.h"
+
+namespace {
+
+constexpr int kFailure = 1;
+constexpr int kWrongUsage = 2;
+
+constexpr const char* kFooter = R"(Examples:
+  trackedcam simulate shoot
+  trackedcam calibrate --config shoot/shoot.toml
+
+'trackedcam COMMAND --help' shows the options of a command.)";
+
+int Run(int argc, char** argv) {
+  CLI::App program("Calibrates a tracked camera from photographs of a tracked chessboard chart",
+                   "trackedcam");
+  program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
+  program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
+  program.footer(kFooter);
+  trackedcam::app::AddConfigFile(program);
+
+  int status = 0;
+  trackedcam::app::AddCalibrateCommand(program, status);
+  trackedcam::app::AddSimulateCommand(program, status);
+  try {
+    program.parse(argc, argv);
+    if (program.get_subcommands().empty()) {
+      throw CLI::ValidationError("name a command; trackedcam --help lists them");
+    }
+  } catch (const CLI::Success& success) {
+    return program.exit(success);
+  } catch (const CLI::ParseError& error) {
+    std::cerr << "trackedcam: " << error.what() << '\n';
+    return kWrongUsage;
+  }
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "trackedcam: " << error.what() << '\n';
+    return kFailure;
+  }
+}

@@ -1,0 +1,37 @@
+// Everything of the program that differs between operating systems.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <string_view>
+
+namespace trackedcam::app {
+
+bool IsTerminal(std::FILE* stream);
+
+/// While it lives, what the process writes to standard output arrives here instead. Below the
+/// streams, at the file descriptor, so that it holds for libraries as well.
+class StdoutPipe {
+ public:
+  /// @throws std::system_error
+  StdoutPipe();
+  ~StdoutPipe();
+  StdoutPipe(const StdoutPipe&) = delete;
+  StdoutPipe& operator=(const StdoutPipe&) = delete;
+
+  /// Waits for output. Returns how many bytes it read; 0 after Restore when nothing is left.
+  std::size_t Read(char* buffer, std::size_t size);
+
+  /// Writes to where standard output led before.
+  void WriteToOriginal(std::string_view text);
+
+  /// Standard output leads where it did before.
+  void Restore();
+
+ private:
+  int original_;
+  int readEnd_;
+};
+
+}  // namespace trackedcam::app

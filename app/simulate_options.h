@@ -1,0 +1,19 @@
+#pragma once
+
+#include <filesystem>
+
+#include <CLI/CLI.hpp>
+
+#include "simulator/shoot_options.h"
+
+namespace trackedcam::app {
+
+struct SimulateOptions {
+  std::filesystem::path folder;
+  simulator::ShootOptions shoot;
+};
+
+/// Adds the options to the command, with the simulator's own defaults.
+void AddSimulateOptions(CLI::App& command, SimulateOptions& options);
+
+}  // namespace trackedcam::app

@@ -1,0 +1,24 @@
+// What a result code means to whoever shot the photographs.
+
+#pragma once
+
+#include <string>
+
+namespace trackedcam::app {
+
+struct Verdict {
+  std::string words;
+  std::string advice;
+};
+
+/// A code that the library does not document gets a verdict that says so.
+Verdict VerdictOf(int code);
+
+/// True where the outputs may be used.
+bool IsUsable(int code);
+
+constexpr int kSuccess = 0;
+constexpr int kTooFewPhotographs = 4;
+constexpr int kNewShootRecommended = 99;
+
+}  // namespace trackedcam::app
