@@ -1,0 +1,14 @@
+#!/bin/sh
+# Installs what is needed, builds a release, simulates a shoot and calibrates it.
+# Usage: scripts/demo.sh [FOLDER]   (build/demo by default)
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install_packages.sh
+cmake --preset release
+cmake --build --preset release --target trackedcam_host
+
+folder="${1:-build/demo}"
+trackedcam=build/release/app/trackedcam
+"$trackedcam" simulate "$folder"
+"$trackedcam" calibrate --config "$folder/shoot.toml"

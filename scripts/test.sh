@@ -1,0 +1,8 @@
+#!/bin/sh
+# Installs what is needed, builds, and runs all tests.
+# Usage: scripts/test.sh [PRESET]   (dev, release or asan; dev by default)
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install_packages.sh
+cmake --workflow --preset "${1:-dev}"

@@ -1,0 +1,122 @@
+#include "app/calibrate_options.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "app/config_file.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::app {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kConfig = R"(# a shoot
+[calibrate]
+data = "data.csv"   # the rows
+sensor = "36x20.25"
+board = "9x6"
+square = 0.03
+chart-rotation = "12,-8,5"
+chart-translation = [0.1, -0.05, 0.02]
+invert-tracker-quaternions = true
+log-folder = "log #1, in"
+)";
+
+class CalibrateOptionsTest : public testing::Test {
+ protected:
+  CalibrateOptionsTest() {
+    test::WriteFile(folder.File("data.csv"), "1,a.jpg\n");
+    test::WriteFile(folder.File("other.csv"), "1,a.jpg\n");
+    test::WriteFile(config, kConfig);
+  }
+
+  void Parse(std::vector<std::string> arguments) {
+    CLI::App program("", "trackedcam");
+    AddConfigFile(program);
+    CLI::App* command = program.add_subcommand("calibrate")->fallthrough();
+    AddCalibrateOptions(*command, options);
+    command->callback([this] { ++calls; });
+    arguments.insert(arguments.begin(), "calibrate");
+    std::reverse(arguments.begin(), arguments.end());
+    program.parse(arguments);
+  }
+
+  std::string ErrorOf(const std::vector<std::string>& arguments) {
+    try {
+      Parse(arguments);
+    } catch (const CLI::ParseError& error) {
+      return error.what();
+    }
+    return "no error";
+  }
+
+  test::TemporaryFolder folder;
+  std::string config = folder.File("shoot.toml");
+  CalibrateOptions options;
+  int calls = 0;
+};
+
+TEST_F(CalibrateOptionsTest, ComeFromTheConfigurationFile) {
+  Parse({"--config", config});
+  EXPECT_EQ(calls, 1);
+  EXPECT_THAT(options.sensor, ElementsAre(36, 20.25));
+  EXPECT_THAT(options.board, ElementsAre(9, 6));
+  EXPECT_EQ(options.square, 0.03);
+  EXPECT_THAT(options.chartTrackerRotation, ElementsAre(12, -8, 5));
+  EXPECT_THAT(options.chartTrackerTranslation, ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_TRUE(options.invertTrackerQuaternions);
+  EXPECT_EQ(options.expectedRecords, std::nullopt);
+  EXPECT_FALSE(options.verbose);
+}
+
+TEST_F(CalibrateOptionsTest, HavePathsRelativeToTheConfigurationFile) {
+  Parse({"--config", config});
+  EXPECT_EQ(options.data, folder.Path() / "data.csv");
+  EXPECT_EQ(options.logFolder, folder.Path() / "log #1, in");
+  EXPECT_TRUE(options.result.empty());
+}
+
+TEST_F(CalibrateOptionsTest, OfTheCommandLineWinOverTheFile) {
+  Parse({"--config", config, "--data", folder.File("other.csv"), "--square", "0.05",
+         "--chart-rotation", "-1,2,3", "--expected-records", "7", "--log-folder", "logs"});
+  EXPECT_EQ(options.data, folder.Path() / "other.csv");
+  EXPECT_EQ(options.square, 0.05);
+  EXPECT_THAT(options.chartTrackerRotation, ElementsAre(-1, 2, 3));
+  EXPECT_EQ(options.expectedRecords, 7);
+  EXPECT_THAT(options.board, ElementsAre(9, 6));
+  EXPECT_EQ(options.logFolder, std::filesystem::current_path() / "logs");
+}
+
+TEST_F(CalibrateOptionsTest, AreCheckedInTheConfigurationFileToo) {
+  test::WriteFile(config, std::string(kConfig) + "expected-records = few\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("--expected-records: few is not a number"));
+}
+
+TEST_F(CalibrateOptionsTest, MustBeKnown) {
+  test::WriteFile(config, std::string(kConfig) + "squarre = 0.04\n");
+  EXPECT_THAT(ErrorOf({"--config", config}),
+              HasSubstr("--config: there is no option calibrate.squarre"));
+  test::WriteFile(config, "square = 0.04\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("--config: there is no option square"));
+}
+
+TEST_F(CalibrateOptionsTest, NameFilesAndFoldersThatExist) {
+  EXPECT_EQ(ErrorOf({"--config", "missing.toml"}), "--config: there is no file missing.toml");
+  EXPECT_EQ(ErrorOf({"--config", config, "--data", "missing.csv"}),
+            "--data: there is no file missing.csv");
+  EXPECT_EQ(ErrorOf({"--config", config, "--truth", "missing.json"}),
+            "--truth: there is no file missing.json");
+  EXPECT_EQ(ErrorOf({"--config", config, "--working-folder", "missing"}),
+            "--working-folder: there is no folder missing");
+}
+
+TEST_F(CalibrateOptionsTest, AreRequired) {
+  EXPECT_EQ(ErrorOf({}), "--data is required");
+}
+
+}  // namespace
+}  // namespace trackedcam::app

@@ -1,0 +1,164 @@
+#include <cmath>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "host_program.h"
+
+namespace trackedcam::app {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class HostProgramShoot : public testing::Test {
+ protected:
+  ProgramRun Run(const std::vector<std::string>& arguments) {
+    return RunHostProgram(folder.Path(), arguments);
+  }
+
+  ProgramRun Simulate(std::vector<std::string> more = {}) {
+    std::vector<std::string> arguments = {"simulate", "shoot",   "--photographs",
+                                          "14",       "--image", "960x540"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Run(arguments);
+  }
+
+  ProgramRun Calibrate(std::vector<std::string> more = {}) {
+    std::vector<std::string> arguments = {"calibrate", "--config", "shoot/shoot.toml"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Run(arguments);
+  }
+
+  Json Read(const std::string& name) const {
+    return Json::parse(test::ReadFile(folder.File("shoot/" + name)));
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(HostProgramShoot, SimulateNamesTheNextCommand) {
+  const ProgramRun run = Simulate();
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, AllOf(HasSubstr("14 photographs"),
+                             HasSubstr("trackedcam calibrate --config shoot/shoot.toml\n")));
+}
+
+TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
+  Simulate({"--missing", "1", "--without-chart", "1"});
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, AllOf(HasSubstr("found        truth"), HasSubstr("off the truth"),
+                             HasSubstr("(missing or not an image)"), HasSubstr("(board not found)"),
+                             HasSubstr("Success"), HasSubstr("result.json")));
+
+  const Json result = Read("result.json");
+  const Json truth = Read("truth.json");
+  EXPECT_EQ(result["code"], 0);
+  EXPECT_EQ(result["imageSize"], truth["imageSize"]);
+  EXPECT_NEAR(result["normFocal"][0], truth["normFocal"][0].get<double>(), 0.005);
+  EXPECT_NEAR(result["normCenter"][1], truth["normCenter"][1].get<double>(), 0.005);
+  for (const int i : {3, 7, 11}) {
+    EXPECT_NEAR(result["transformCamTc"][i], truth["transformCamTc"][i].get<double>(), 0.002);
+  }
+  EXPECT_EQ(result["used"].size() + result["dropped"].size(), 14U);
+  EXPECT_LT(result["reprojectionErrorPixels"], 1);
+}
+
+TEST_F(HostProgramShoot, LeavesALogAndImages) {
+  Simulate();
+  Calibrate();
+  const Json result = Read("result.json");
+  EXPECT_THAT(test::ReadFile(result["log"]),
+              HasSubstr("Camera and Tracker Calibration successful."));
+  EXPECT_EQ(result["images"].size(), result["used"].size());
+  EXPECT_THAT(result["images"], Not(IsEmpty()));
+  for (const Json& image : result["images"]) {
+    EXPECT_TRUE(fs::is_regular_file(fs::u8path(image.get<std::string>()))) << image;
+  }
+}
+
+TEST_F(HostProgramShoot, ShowsTheLibrarysLinesWhenAsked) {
+  Simulate();
+  EXPECT_THAT(Calibrate().out, Not(HasSubstr("Camera Tracker Calibration start.")));
+  EXPECT_THAT(Calibrate({"--verbose"}).out,
+              AllOf(HasSubstr("\tCamera Tracker Calibration start.\n"), HasSubstr("str_line:"),
+                    HasSubstr("Success")));
+}
+
+TEST_F(HostProgramShoot, CanBeMoved) {
+  Simulate();
+  fs::create_directory(folder.Path() / "archive");
+  fs::rename(folder.Path() / "shoot", folder.Path() / "archive" / "shoot #2, day");
+  const ProgramRun run = Run({"calibrate", "--config", "archive/shoot #2, day/shoot.toml"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_TRUE(fs::is_regular_file(folder.Path() / "archive" / "shoot #2, day" / "result.json"));
+}
+
+TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
+  Simulate();
+  fs::create_directory(folder.Path() / "elsewhere");
+  fs::rename(folder.Path() / "shoot" / "photos", folder.Path() / "elsewhere" / "photos");
+  EXPECT_EQ(Calibrate().status, 1);
+  EXPECT_EQ(Read("result.json")["dropped"].size(), 14U);
+  EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);
+}
+
+TEST_F(HostProgramShoot, FailsWithFewPhotographs) {
+  Simulate({"--not-an-image", "3"});
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.error, "trackedcam: error 4: Fewer than 12 photographs can be used.\n");
+  EXPECT_THAT(run.out, AllOf(HasSubstr("Photographs: 11 of 14 used"), HasSubstr("Next: ")));
+  const Json result = Read("result.json");
+  EXPECT_EQ(result["code"], 4);
+  EXPECT_EQ(result["message"], "Amount of valid images < 12.");
+  EXPECT_EQ(result["normFocal"], Json::array());
+}
+
+TEST_F(HostProgramShoot, SaysWhenTheBoardIsGivenInSquares) {
+  Simulate();
+  const ProgramRun run = Calibrate({"--board", "10x7"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(
+      run.error,
+      "trackedcam: No board of 10x7 inner corners was found in any photograph: --board counts "
+      "inner corners, so a chart of 10x7 squares is 9x6.\n");
+  EXPECT_EQ(Read("result.json")["code"], 4);
+}
+
+TEST_F(HostProgramShoot, FailsWhenFewerRecordsAreExpected) {
+  Simulate();
+  const ProgramRun run = Calibrate({"--expected-records", "5"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.out, HasSubstr("Next: Leave out --expected-records"));
+  EXPECT_EQ(Read("result.json")["code"], 7);
+  EXPECT_EQ(Read("result.json")["transformCamTc"], Json::array());
+}
+
+TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
+  Simulate({"--tracker-noise-mm", "8"});
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.error, "trackedcam: warning: Usable, but a new calibration is recommended.\n");
+  EXPECT_EQ(Read("result.json")["code"], 99);
+  EXPECT_EQ(Read("result.json")["message"], "Recalibration is recommended.");
+}
+
+TEST_F(HostProgramShoot, AnExceptionLeavesNoEarlierResult) {
+  Simulate();
+  test::WriteFile(folder.File("shoot/result.json"), "of an earlier run");
+  test::WriteFile(folder.File("shoot/tracker_data.csv"),
+                  "1,\xFF.jpg,1,1,1,1,1,1,1,1,1,1,1,1,1,1\n");
+  EXPECT_EQ(Calibrate().status, 1);
+  EXPECT_FALSE(fs::exists(folder.Path() / "shoot" / "result.json"));
+}
+
+}  // namespace
+}  // namespace trackedcam::app

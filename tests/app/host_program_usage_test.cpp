@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+
+#include "host_program.h"
+
+namespace trackedcam::app {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class HostProgramUsage : public testing::Test {
+ protected:
+  ProgramRun Run(const std::vector<std::string>& arguments) {
+    return RunHostProgram(folder.Path(), arguments);
+  }
+
+  // Wrong usage: status 2 and one line on standard error only.
+  void ExpectUsageError(const std::vector<std::string>& arguments, const std::string& message) {
+    const ProgramRun run = Run(arguments);
+    EXPECT_EQ(run.status, 2) << message;
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.error, AllOf(StartsWith("trackedcam: "), HasSubstr(message)));
+    EXPECT_EQ(run.error.find('\n'), run.error.size() - 1) << run.error;
+  }
+
+  // A command line without an error, but for what is added to it.
+  std::vector<std::string> Calibrate(const std::vector<std::string>& added) {
+    test::WriteFile(folder.File("data.csv"), "Time,Image\n1,a.jpg\n");
+    std::vector<std::string> arguments = {
+        "calibrate", "--sensor",     "36x20", "--chart-rotation", "1,2,3", "--chart-translation",
+        "1,2,3",     "--log-folder", "log"};
+    arguments.insert(arguments.end(), added.begin(), added.end());
+    return arguments;
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(HostProgramUsage, HelpNamesTheCommands) {
+  const ProgramRun run = Run({"--help"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, AllOf(HasSubstr("calibrate"), HasSubstr("simulate"), HasSubstr("--config")));
+}
+
+TEST_F(HostProgramUsage, HelpOfACommandNamesItsOptions) {
+  const ProgramRun calibrate = Run({"calibrate", "--help"});
+  EXPECT_EQ(calibrate.status, 0);
+  for (const char* option :
+       {"--data", "--sensor", "--board", "--square", "--chart-rotation", "--chart-translation",
+        "--invert-tracker-quaternions", "--expected-records", "--log-folder", "--result", "--truth",
+        "--working-folder", "--verbose", "--config", "Exit status"}) {
+    EXPECT_THAT(calibrate.out, HasSubstr(option));
+  }
+  const ProgramRun simulate = Run({"simulate", "--help"});
+  EXPECT_EQ(simulate.status, 0);
+  EXPECT_THAT(simulate.out, HasSubstr("--photographs N=20"));
+}
+
+TEST_F(HostProgramUsage, VersionIsShown) {
+  const ProgramRun run = Run({"--version"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.out, "trackedcam " TRACKEDCAM_VERSION "\n");
+}
+
+TEST_F(HostProgramUsage, NeedsAKnownCommand) {
+  ExpectUsageError({}, "name a command");
+  ExpectUsageError({"calibarte"}, "calibarte");
+  ExpectUsageError({"calibrate", "--sqare", "0.03"}, "--data is required");
+}
+
+TEST_F(HostProgramUsage, NeedsADataFile) {
+  ExpectUsageError(Calibrate({"--data", "none.csv", "--board", "9x6", "--square", "0.03"}),
+                   "--data: there is no file none.csv");
+}
+
+TEST_F(HostProgramUsage, NeedsRows) {
+  test::WriteFile(folder.File("empty.csv"), "Time,Image\n");
+  ExpectUsageError(Calibrate({"--data", "empty.csv", "--board", "9x6", "--square", "0.03"}),
+                   "empty.csv has no row");
+  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "log"));
+}
+
+TEST_F(HostProgramUsage, NeedsMetresAndInnerCorners) {
+  ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "9x6", "--square", "30"}),
+                   "--square: 30 is 30 metres; a square of 30 millimetres is --square 0.03");
+  ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "2x6", "--square", "0.03"}),
+                   "at least 3 inner corners");
+}
+
+TEST_F(HostProgramUsage, NeedsWritableOutput) {
+  test::WriteFile(folder.File("file"), "");
+  ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "9x6", "--square", "0.03",
+                              "--result", folder.Path().u8string()}),
+                   "is a folder, not a file");
+  ExpectUsageError({"calibrate", "--data", "data.csv", "--sensor", "36x20", "--chart-rotation",
+                    "1,2,3", "--chart-translation", "1,2,3", "--board", "9x6", "--square", "0.03",
+                    "--log-folder", "file"},
+                   "--log-folder: cannot create the folder");
+}
+
+TEST_F(HostProgramUsage, SimulateNamesWhatCannotBe) {
+  ExpectUsageError({"simulate", "shoot", "--photographs", "0"}, "photographs must be at least 1");
+  ExpectUsageError({"simulate", "shoot", "--board", "9by6"}, "--board: 9by6 is not");
+}
+
+TEST_F(HostProgramUsage, AnExceptionIsShownAndFails) {
+  test::WriteFile(folder.File("bad.csv"), "1,\xFF.jpg,1,1,1,1,1,1,1,1,1,1,1,1,1,1\n");
+  const ProgramRun run =
+      Run(Calibrate({"--data", "bad.csv", "--board", "9x6", "--square", "0.03"}));
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.error, EndsWith("trackedcam: bad conversion\n"));
+}
+
+}  // namespace
+}  // namespace trackedcam::app

@@ -1,0 +1,98 @@
+#include "app/option_values.h"
+
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <gmock/gmock.h>
+
+namespace trackedcam::app {
+namespace {
+
+using testing::ElementsAre;
+
+template <class Parse>
+std::string ErrorOf(Parse parse, const std::string& text) {
+  try {
+    parse("--option", text);
+  } catch (const CLI::ValidationError& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(OptionValues, AreReadWhole) {
+  EXPECT_THAT(ParseSensor("", "36x20.25"), ElementsAre(36, 20.25));
+  EXPECT_THAT(ParseImageSize("", "1920x1080"), ElementsAre(1920, 1080));
+  EXPECT_THAT(ParseBoard("", "9x6"), ElementsAre(9, 6));
+  EXPECT_THAT(ParseTriple("", "12,-8,5"), ElementsAre(12, -8, 5));
+  EXPECT_THAT(ParseTriple("", "1e-3, -.5, 0"), ElementsAre(0.001, -0.5, 0));
+  EXPECT_THAT(ParseLens("", "9,8,7,6,-0.1,0"), ElementsAre(9, 8, 7, 6, -0.1, 0));
+  EXPECT_EQ(ParseSquare("", "0.03"), 0.03);
+  EXPECT_EQ(ParseCount("", "0"), 0);
+}
+
+TEST(OptionValues, SensorHasTwoLengths) {
+  for (const char* text : {"", "36", "36x", "36*20", "0x20", "36x-1", "36x20x3", "nanx20"}) {
+    EXPECT_EQ(
+        ErrorOf(ParseSensor, text),
+        "--option: " + std::string(text) + " is not WIDTHxHEIGHT in millimetres, such as 36x20.25");
+  }
+}
+
+TEST(OptionValues, ImageSizeHasTwoWholeNumbers) {
+  for (const char* text : {"1920", "1920x0", "1920.5x1080", "99999999999x1"}) {
+    EXPECT_EQ(
+        ErrorOf(ParseImageSize, text),
+        "--option: " + std::string(text) + " is not WIDTHxHEIGHT in pixels, such as 1920x1080");
+  }
+}
+
+TEST(OptionValues, BoardHasTwoNumbersOfCorners) {
+  for (const char* text : {"", "9", "9x", "9,6", "9.0x6", "9x6x"}) {
+    EXPECT_EQ(ErrorOf(ParseBoard, text),
+              "--option: " + std::string(text) + " is not COLSxROWS of inner corners, such as 9x6");
+  }
+}
+
+TEST(OptionValues, BoardHasThreeCornersInEachDirection) {
+  EXPECT_THAT(ParseBoard("", "3x3"), ElementsAre(3, 3));
+  for (const char* text : {"2x6", "9x2", "-9x6"}) {
+    EXPECT_EQ(ErrorOf(ParseBoard, text),
+              "--option: " + std::string(text) +
+                  " is too small: the chart needs at least 3 inner corners (4 squares) in each "
+                  "direction");
+  }
+}
+
+TEST(OptionValues, TripleHasThreeNumbers) {
+  for (const char* text : {"", "1,2", "1,2,3,4", "1,2,x", "1;2;3", "1,2,inf"}) {
+    EXPECT_EQ(
+        ErrorOf(ParseTriple, text),
+        "--option: " + std::string(text) + " is not three numbers X,Y,Z, such as 0.1,-0.05,0.02");
+  }
+}
+
+TEST(OptionValues, SquareIsInMetres) {
+  EXPECT_EQ(ErrorOf(ParseSquare, "30"),
+            "--option: 30 is 30 metres; a square of 30 millimetres is --option 0.03");
+  EXPECT_EQ(ErrorOf(ParseSquare, "1"),
+            "--option: 1 is 1 metres; a square of 1 millimetres is --option 0.001");
+  EXPECT_EQ(ParseSquare("", "0.999"), 0.999);
+}
+
+TEST(OptionValues, SquareIsALength) {
+  for (const char* text : {"", "0", "-0.03", "nan", "0.03m", "0,03"}) {
+    EXPECT_EQ(ErrorOf(ParseSquare, text),
+              "--option: " + std::string(text) + " is not a length in metres, such as 0.03");
+  }
+}
+
+TEST(OptionValues, CountIsAWholeNumber) {
+  for (const char* text : {"", "-1", "4.5", "many"}) {
+    EXPECT_EQ(ErrorOf(ParseCount, text),
+              "--option: " + std::string(text) + " is not a number of records, such as 40");
+  }
+}
+
+}  // namespace
+}  // namespace trackedcam::app

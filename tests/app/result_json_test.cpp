@@ -1,0 +1,104 @@
+#include "app/result_json.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+namespace trackedcam::app {
+namespace {
+
+using Json = nlohmann::json;
+
+CalibrationReport GoodReport() {
+  CalibrationReport report;
+  report.outputs = {{1920, 1080},
+                    {0.9, 1.6},
+                    {0.5, 0.49},
+                    {-0.1, 1.0 / 3.0, 0, 0, 0},
+                    {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
+                    {58.1, 34.7},
+                    {32.4}};
+  report.record.libraryVersion = "v1.1.0";
+  report.record.photographs = {{"a.jpg", std::nullopt},
+                               {"b.jpg", DropReason::kNotLoaded},
+                               {"c.jpg", DropReason::kBoardNotFound},
+                               {"d.jpg", DropReason::kOutlier}};
+  report.record.lensError = 0.2;
+  report.record.reprojectionError = 1.5;
+  report.record.spread = 0.001;
+  report.record.lastMessage = "Camera and Tracker Calibration successful.";
+  report.log = "/logs/log.txt";
+  report.images = {"/logs/Reproject_a.jpg"};
+  return report;
+}
+
+TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
+  const Json json = Json::parse(ResultJsonText(GoodReport()));
+  EXPECT_EQ(json["code"], 0);
+  EXPECT_EQ(json["message"], "No error");
+  EXPECT_EQ(json["imageSize"], Json({1920, 1080}));
+  EXPECT_EQ(json["normFocal"], Json({0.9, 1.6}));
+  EXPECT_EQ(json["normCenter"], Json({0.5, 0.49}));
+  EXPECT_EQ(json["distortion"][1].get<double>(), 1.0 / 3.0);
+  EXPECT_EQ(json["transformCamTc"].size(), 16U);
+  EXPECT_EQ(json["transformCamTc"][7], -0.02);
+  EXPECT_EQ(json["fieldOfView"], Json({58.1, 34.7}));
+  EXPECT_EQ(json["focalLengthMm"], Json::array({32.4}));
+  EXPECT_EQ(json["lensErrorPixels"], 0.2);
+  EXPECT_EQ(json["reprojectionErrorPixels"], 1.5);
+  EXPECT_EQ(json["translationSpreadMetres"], 0.001);
+}
+
+TEST(ResultJson, ListsPhotographsAndFiles) {
+  const Json json = Json::parse(ResultJsonText(GoodReport()));
+  EXPECT_EQ(json["used"], Json::array({"a.jpg"}));
+  EXPECT_EQ(json["dropped"],
+            Json::parse(R"([{"photograph": "b.jpg", "reason": "missing or not an image"},
+                            {"photograph": "c.jpg", "reason": "board not found"},
+                            {"photograph": "d.jpg", "reason": "outlier"}])"));
+  EXPECT_EQ(json["log"], "/logs/log.txt");
+  EXPECT_EQ(json["images"], Json::array({"/logs/Reproject_a.jpg"}));
+  EXPECT_EQ(json["versions"]["library"], "v1.1.0");
+  EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
+}
+
+TEST(ResultJson, HasNullForWhatIsNoNumber) {
+  CalibrationReport report = GoodReport();
+  report.outputs.normFocal[0] = std::numeric_limits<double>::quiet_NaN();
+  report.record.spread = -std::numeric_limits<double>::infinity();
+  report.record.reprojectionError = std::nullopt;
+  const Json json = Json::parse(ResultJsonText(report));
+  EXPECT_TRUE(json["normFocal"][0].is_null());
+  EXPECT_EQ(json["normFocal"][1], 1.6);
+  EXPECT_TRUE(json["translationSpreadMetres"].is_null());
+  EXPECT_TRUE(json["reprojectionErrorPixels"].is_null());
+}
+
+TEST(ResultJson, OfAFailureHasEmptyListsAndTheMessage) {
+  CalibrationReport report;
+  report.code = 4;
+  report.record.errorMessage = "Amount of valid images < 12.";
+  report.record.lastMessage = "Error code 4: Amount of valid images < 12.";
+  const Json json = Json::parse(ResultJsonText(report));
+  EXPECT_EQ(json["code"], 4);
+  EXPECT_EQ(json["message"], "Amount of valid images < 12.");
+  EXPECT_EQ(json["imageSize"], Json::array());
+  EXPECT_EQ(json["transformCamTc"], Json::array());
+  EXPECT_EQ(json["used"], Json::array());
+}
+
+TEST(ResultJson, OfWrongUseHasTheLastLine) {
+  CalibrationReport report;
+  report.code = -1;
+  report.record.lastMessage = "chartTrackerRotation has 2 elements, needs 3.";
+  EXPECT_EQ(ResultJson(report)["message"], "chartTrackerRotation has 2 elements, needs 3.");
+}
+
+TEST(ResultJson, IsValidWhateverBytesAPathHas) {
+  CalibrationReport report = GoodReport();
+  report.record.photographs[0].path = "a\xFF\"b.jpg";
+  EXPECT_EQ(Json::parse(ResultJsonText(report))["used"][0], "a\uFFFD\"b.jpg");
+}
+
+}  // namespace
+}  // namespace trackedcam::app

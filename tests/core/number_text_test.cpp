@@ -1,0 +1,77 @@
+#include "core/number_text.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "core/platform.h"
+#include "support/foreign_locale.h"
+
+namespace trackedcam {
+namespace {
+
+std::string Printf(double number) {
+  char text[400];
+  std::snprintf(text, sizeof text, "%f", number);
+  return text;
+}
+
+TEST(NumberText, IsWhatPrintfGives) {
+  const double limits[] = {0.0,
+                           -0.0,
+                           1.5,
+                           0.015F,
+                           0.0000005,
+                           1e22,
+                           std::numeric_limits<double>::max(),
+                           -std::numeric_limits<double>::max(),
+                           std::numeric_limits<double>::denorm_min(),
+                           std::numeric_limits<double>::infinity(),
+                           -std::numeric_limits<double>::infinity(),
+                           std::numeric_limits<double>::quiet_NaN(),
+                           std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0)};
+  for (const double number : limits) {
+    EXPECT_EQ(ToText(number), Printf(number));
+  }
+}
+
+TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
+  std::mt19937_64 random(7);
+  for (int i = 0; i < 20000; ++i) {
+    const std::uint64_t bits = random();
+    double number = 0;
+    std::memcpy(&number, &bits, sizeof number);
+    ASSERT_EQ(ToText(number), Printf(number));
+    const double halfway = std::ldexp(static_cast<double>(bits >> 40), -7);
+    ASSERT_EQ(ToText(halfway), Printf(halfway));
+  }
+}
+
+TEST(NumberText, KeepsItsDigitsInAnyLocale) {
+  const test::ForeignLocale locale;
+  ASSERT_EQ(Printf(1234.5), "1234,500000") << "the locale is not in force";
+  EXPECT_EQ(ToText(1234.5), "1234.500000");
+  EXPECT_EQ(ToText(-1234567), "-1234567");
+}
+
+TEST(ParseNumber, ReadsWhatAtofReads) {
+  for (const char* text : {"0.1", " \t12.5", "12:30:05.123", "1e3x", "-0", "+7", "", "abc", "inf",
+                           "-Infinity", "0x1.8p3", "1e999", "4e-320", ".5", "5.", "1,5"}) {
+    EXPECT_EQ(ParseNumber(text), std::atof(text)) << text;
+  }
+  EXPECT_TRUE(std::isnan(ParseNumber("nan")));
+}
+
+TEST(ParseNumber, KeepsTheDecimalPointInAnyLocale) {
+  const test::ForeignLocale locale;
+  EXPECT_EQ(ParseNumber("0.25"), 0.25);
+  EXPECT_EQ(ParseNumber("0,25"), 0.0);
+}
+
+}  // namespace
+}  // namespace trackedcam

@@ -1,0 +1,168 @@
+// What a whole run finds, against what is true.
+
+#include <cmath>
+#include <cstdlib>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include "shoots/calibrate_shoot.h"
+#include "shoots/expected_log.h"
+#include "simulator/write_shoot.h"
+#include "support/foreign_locale.h"
+#include "support/transform_matchers.h"
+
+namespace trackedcam::test {
+namespace {
+
+namespace sim = simulator;
+namespace fs = std::filesystem;
+
+void ExpectLens(const Calibrated& result, const sim::Shoot& shoot, double relative) {
+  const double width = shoot.options.imageWidth;
+  const double height = shoot.options.imageHeight;
+  ASSERT_EQ(result.imageSize, (std::vector<double>{width, height}));
+  EXPECT_NEAR(result.normFocal[0], shoot.lens.fx / width, relative * shoot.lens.fx / width);
+  EXPECT_NEAR(result.normFocal[1], shoot.lens.fy / height, relative * shoot.lens.fy / height);
+  EXPECT_NEAR(result.normCenter[0], shoot.lens.cx / width, relative);
+  EXPECT_NEAR(result.normCenter[1], shoot.lens.cy / height, relative);
+  const double focalLengthMm = shoot.lens.fy * shoot.options.sensorHeightMm / height;
+  EXPECT_NEAR(result.focalLengthMm[0], focalLengthMm, relative * focalLengthMm);
+}
+
+TEST(Accuracy, OfAPerfectShoot) {
+  sim::ShootOptions options;
+  options.noiseGreyLevels = 0;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  SCOPED_TRACE("seed " + std::to_string(options.seed));
+  const TemporaryFolder folder;
+  const Calibrated result = CalibrateShoot(shoot, folder);
+  EXPECT_EQ(result.code, 0);
+  EXPECT_THAT(result.Transform_Cam_Tc(),
+              IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 0.0002, 0.02));
+  ExpectLens(result, shoot, 0.001);
+  EXPECT_NEAR(result.distortion[0], shoot.lens.k1, 0.002);
+  EXPECT_NEAR(result.distortion[1], shoot.lens.k2, 0.02);
+}
+
+TEST(Accuracy, OfATrackerThatIsNoisy) {
+  sim::ShootOptions options;
+  options.imageWidth = 1280;
+  options.imageHeight = 720;
+  options.photographs = 30;
+  options.trackerNoiseMm = 1;
+  options.trackerNoiseDegrees = 0.1;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const TemporaryFolder folder;
+  const Calibrated result = CalibrateShoot(shoot, folder);
+  EXPECT_EQ(result.code, 0);
+  // One photograph's error: 1 mm from each tracker along each axis, and 0.1 degree of the chart's
+  // tracker at the camera's distance of about 0.7 m, 1.2 mm; three times the mean's, of all axes.
+  const double metres = 3 * std::sqrt(3 * (2 * 1.0 + 1.2 * 1.2) / 30) / 1000;
+  const double degrees = 3 * std::sqrt(3 * 2 * 0.1 * 0.1 / 30);
+  EXPECT_THAT(result.Transform_Cam_Tc(),
+              IsTransformNear(shoot.Transform_Cam_Tc.matrix(), metres, degrees));
+  ExpectLens(result, shoot, 0.002);
+}
+
+TEST(Accuracy, IsNotSpoiledByOutliers) {
+  sim::ShootOptions options;
+  options.imageWidth = 1280;
+  options.imageHeight = 720;
+  options.outliers = 3;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const TemporaryFolder folder;
+  const Calibrated result = CalibrateShoot(shoot, folder);
+  EXPECT_EQ(result.code, 0);
+  const std::vector<std::size_t> removed = RemovedIndices(result.log);
+  for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
+    if (shoot.photographs[i].flaw == sim::Flaw::kSlippedTracker) {
+      EXPECT_NE(std::find(removed.begin(), removed.end(), i), removed.end()) << i;
+    }
+  }
+}
+
+TEST(Accuracy, IsTheSameForEveryFormOfTheDataFile) {
+  sim::ShootOptions options;
+  options.photographs = 14;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  const TemporaryFolder plainFolder;
+  const Calibrated plain = CalibrateShoot(sim::SimulateShoot(options), plainFolder);
+  EXPECT_EQ(plain.code, 0);
+
+  options.windowsLineEnds = true;
+  options.byteOrderMark = true;
+  const TemporaryFolder windowsFolder;
+  const ForeignLocale locale;
+  const Calibrated windows = CalibrateShoot(sim::SimulateShoot(options), windowsFolder);
+  EXPECT_EQ(windows.transformCamTc, plain.transformCamTc);
+  EXPECT_EQ(windows.log, plain.log);
+}
+
+TEST(Accuracy, ImprovesOnANominalMountingThatIsWrong) {
+  sim::ShootOptions options;
+  options.photographs = 16;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  options.mountingErrorMm = 3;
+  options.mountingErrorDegrees = 0.3;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const TemporaryFolder folder;
+  const Calibrated result = CalibrateShoot(shoot, folder);
+  EXPECT_EQ(result.code, 0);
+  // The error of the mounting goes into the result, but no more than that.
+  EXPECT_THAT(result.Transform_Cam_Tc(),
+              IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 0.008, 0.6));
+}
+
+TEST(Outputs, AreAppendedToWhatTheHostPassesIn) {
+  sim::ShootOptions options;
+  options.photographs = 14;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const TemporaryFolder folder;
+  const Calibrated first = CalibrateShoot(shoot, folder);
+  ASSERT_EQ(first.code, 0);
+  ASSERT_EQ(fs::remove(fs::u8path(OnlyLogIn(folder.Path().u8string()))), true);
+
+  Calibrated filled;
+  filled.normFocal = {0.5, 0.5};
+  filled.focalLengthMm = {1000};
+  const Calibrated second = Calibrate(ArgumentsFor(shoot, folder), filled);
+  EXPECT_EQ(second.normFocal.size(), 4u);
+  EXPECT_EQ(second.normFocal[2], first.normFocal[0]);
+  // The fields of view follow the first elements, which are the host's own: 90 degrees each.
+  EXPECT_NEAR(second.fieldOfView[0], 90.00000105, 1e-8);
+  EXPECT_NEAR(second.fieldOfView[1], 90.00000105, 1e-8);
+  EXPECT_EQ(second.focalLengthMm, (std::vector<double>{1000, first.focalLengthMm[0]}));
+  EXPECT_NE(std::find(second.log.begin(), second.log.end(), "FoV_H : 90.000001 degree."),
+            second.log.end());
+  EXPECT_NE(std::find(second.log.begin(), second.log.end(), "Focal length (mm) : 1000.000000 mm."),
+            second.log.end());
+}
+
+TEST(ReprojectedImages, AreWrittenForThePhotographsThatAreLeft) {
+  sim::ShootOptions options;
+  options.photographs = 14;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const TemporaryFolder folder;
+  fs::create_directories(folder.Path() / "Reproject_photos");
+  const Calibrated result = CalibrateShoot(shoot, folder);
+  ASSERT_EQ(result.code, 0);
+  const std::vector<std::size_t> removed = RemovedIndices(result.log);
+  EXPECT_FALSE(removed.empty());
+  for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
+    const std::string image = folder.File("Reproject_" + shoot.photographs[i].path);
+    const bool isLeft = std::find(removed.begin(), removed.end(), i) == removed.end();
+    EXPECT_EQ(fs::exists(fs::u8path(image)), isLeft) << i;
+    if (isLeft) {
+      EXPECT_EQ(cv::imread(image).size(), cv::Size(960, 540));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace trackedcam::test

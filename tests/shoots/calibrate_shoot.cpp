@@ -1,0 +1,71 @@
+#include "shoots/calibrate_shoot.h"
+
+#include "simulator/write_shoot.h"
+#include "support/log_lines.h"
+#include "trackedcam/trackedcam.h"
+
+namespace trackedcam::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class WorkingFolder {
+ public:
+  explicit WorkingFolder(const fs::path& folder) { fs::current_path(folder); }
+  ~WorkingFolder() { fs::current_path(before_); }
+  WorkingFolder(const WorkingFolder&) = delete;
+  WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+ private:
+  fs::path before_ = fs::current_path();
+};
+
+std::vector<double> Numbers(const Eigen::Vector3d& vector) {
+  return {vector.x(), vector.y(), vector.z()};
+}
+
+}  // namespace
+
+HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder& folder) {
+  const simulator::ShootOptions& options = shoot.options;
+  return {folder.File("tracker_data.csv"),
+          options.sensorWidthMm,
+          options.sensorHeightMm,
+          options.chart.cols,
+          options.chart.rows,
+          options.chart.squareMetres,
+          Numbers(shoot.nominalMounting.anglesDegrees),
+          Numbers(shoot.nominalMounting.translationMetres),
+          folder.Path().u8string(),
+          options.invertedQuaternions,
+          options.photographs};
+}
+
+Calibrated Calibrate(const HostArguments& arguments, Calibrated result) {
+  const fs::path dataPath = fs::u8path(arguments.dataPath);
+  const WorkingFolder workingFolder(fs::is_directory(dataPath.parent_path())
+                                        ? dataPath.parent_path()
+                                        : fs::temp_directory_path());
+  result.code = Calibration(
+      arguments.dataPath, arguments.sensorWidth, arguments.sensorHeight, arguments.boardCols,
+      arguments.boardRows, arguments.squareSize, arguments.chartTrackerRotation,
+      arguments.chartTrackerTranslation, result.imageSize, result.normFocal, result.normCenter,
+      result.distortion, result.transformCamTc, result.fieldOfView, result.focalLengthMm,
+      arguments.logFolder, arguments.Flag_ModifyQuat, arguments.Num_TrackerData);
+  result.log = ReadLogLines(OnlyLogIn(arguments.logFolder));
+  return result;
+}
+
+Calibrated CalibrateShoot(const simulator::Shoot& shoot, const TemporaryFolder& folder) {
+  simulator::WriteShoot(shoot, folder.Path());
+  return Calibrate(ArgumentsFor(shoot, folder));
+}
+
+Eigen::Matrix4d Calibrated::Transform_Cam_Tc() const {
+  if (transformCamTc.size() != 16) {
+    return Eigen::Matrix4d::Constant(std::nan(""));
+  }
+  return Eigen::Matrix<double, 4, 4, Eigen::RowMajor>(transformCamTc.data());
+}
+
+}  // namespace trackedcam::test

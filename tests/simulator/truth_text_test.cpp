@@ -1,0 +1,103 @@
+#include "simulator/truth_text.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace trackedcam::simulator {
+namespace {
+
+using nlohmann::json;
+
+class TruthTextTest : public testing::Test {
+ protected:
+  TruthTextTest() {
+    options.photographs = 8;
+    options.missing = options.notAnImage = options.withoutChart = 1;
+    options.outliers = 2;
+    options.mountingErrorMm = 3;
+    options.mountingErrorDegrees = 1;
+    shoot = SimulateShoot(options);
+    truth = json::parse(TruthText(shoot));
+  }
+
+  ShootOptions options;
+  Shoot shoot;
+  json truth;
+};
+
+json Listed(const Eigen::Vector3d& vector) {
+  return {vector.x(), vector.y(), vector.z()};
+}
+
+json RowByRow(const Eigen::Isometry3d& transform) {
+  const Eigen::Matrix<double, 4, 4, Eigen::RowMajor> rows = transform.matrix();
+  return std::vector<double>(rows.data(), rows.data() + rows.size());
+}
+
+TEST_F(TruthTextTest, HoldsTheLens) {
+  const Lens& lens = shoot.lens;
+  EXPECT_EQ(truth["imageSize"], json({1920, 1080}));
+  EXPECT_EQ(truth["lensPixels"],
+            json({{"fx", lens.fx}, {"fy", lens.fy}, {"cx", lens.cx}, {"cy", lens.cy}}));
+  EXPECT_EQ(truth["normFocal"], json({lens.fx / 1920, lens.fy / 1080}));
+  EXPECT_EQ(truth["normCenter"], json({lens.cx / 1920, lens.cy / 1080}));
+  EXPECT_EQ(truth["distortion"], json({lens.k1, lens.k2, 0, 0, 0}));
+}
+
+TEST_F(TruthTextTest, HoldsTheFieldsOfViewInDegrees) {
+  shoot.lens.fx = 960;
+  shoot.lens.fy = 540 / std::sqrt(3);
+  truth = json::parse(TruthText(shoot));
+  EXPECT_NEAR(truth["fieldOfView"][0], 90, 1e-12);
+  EXPECT_NEAR(truth["fieldOfView"][1], 120, 1e-12);
+}
+
+TEST_F(TruthTextTest, HoldsTheTransformBetweenCameraAndTrackerRowByRow) {
+  EXPECT_EQ(truth["transformCamTc"], RowByRow(shoot.Transform_Cam_Tc));
+}
+
+TEST_F(TruthTextTest, HoldsTrueAndNominalMounting) {
+  for (const auto& [name, mounting] :
+       {std::pair("true", shoot.trueMounting), {"nominal", shoot.nominalMounting}}) {
+    const json figures = truth["mounting"][name];
+    EXPECT_EQ(figures["rotationDegrees"], Listed(mounting.anglesDegrees));
+    EXPECT_EQ(figures["translationMetres"], Listed(mounting.translationMetres));
+    EXPECT_EQ(figures["transformTrChart"], RowByRow(mounting.Transform()));
+  }
+  EXPECT_NE(truth["mounting"]["true"], truth["mounting"]["nominal"]);
+}
+
+TEST_F(TruthTextTest, ListsThePosesOfEveryPhotograph) {
+  ASSERT_EQ(truth["photographs"].size(), shoot.photographs.size());
+  for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
+    const Photograph& photograph = shoot.photographs[i];
+    const json listed = truth["photographs"][i];
+    EXPECT_EQ(listed["photograph"], photograph.path);
+    EXPECT_EQ(listed["transformCamChart"], RowByRow(photograph.Transform_Cam_Chart));
+    EXPECT_EQ(listed["transformBaseTc"], RowByRow(photograph.Transform_Base_Tc));
+    EXPECT_EQ(listed["transformBaseTr"], RowByRow(photograph.Transform_Base_Tr));
+  }
+}
+
+TEST_F(TruthTextTest, ListsOutliersAndUnusablePhotographs) {
+  json outliers = json::array();
+  json unusable = json::array();
+  const std::map<Flaw, std::string> reasons = {{Flaw::kMissing, "missing"},
+                                               {Flaw::kNotAnImage, "not an image"},
+                                               {Flaw::kWithoutChart, "without chart"}};
+  for (const Photograph& photograph : shoot.photographs) {
+    if (photograph.flaw == Flaw::kSlippedTracker) {
+      outliers.push_back(photograph.path);
+    } else if (photograph.flaw != Flaw::kNone) {
+      unusable.push_back(
+          {{"photograph", photograph.path}, {"reason", reasons.at(photograph.flaw)}});
+    }
+  }
+  EXPECT_EQ(outliers.size(), 2U);
+  EXPECT_EQ(unusable.size(), 3U);
+  EXPECT_EQ(truth["outliers"], outliers);
+  EXPECT_EQ(truth["unusable"], unusable);
+}
+
+}  // namespace
+}  // namespace trackedcam::simulator

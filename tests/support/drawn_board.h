@@ -1,0 +1,33 @@
+// Photographs of a chessboard as a plain drawing, seen from straight above.
+
+#pragma once
+
+#include <string>
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+namespace trackedcam::test {
+
+/// A board of (cols + 1) x (rows + 1) squares on white; its first inner corner, where four squares
+/// of `square` pixels meet, lies between the pixels (first.x - 1) and first.x, and likewise in y.
+inline cv::Mat DrawnBoard(cv::Size image, cv::Point first, int square, int cols, int rows) {
+  cv::Mat picture(image, CV_8UC3, cv::Scalar::all(255));
+  for (int r = 0; r <= rows; ++r) {
+    for (int c = 0; c <= cols; ++c) {
+      if ((r + c) % 2 == 0) {
+        const cv::Point corner = first + cv::Point((c - 1) * square, (r - 1) * square);
+        cv::rectangle(picture, cv::Rect(corner, cv::Size(square, square)), cv::Scalar::all(0),
+                      cv::FILLED);
+      }
+    }
+  }
+  return picture;
+}
+
+inline std::string WriteImage(const std::string& path, const cv::Mat& image) {
+  cv::imwrite(path, image);
+  return path;
+}
+
+}  // namespace trackedcam::test
