@@ -47,6 +47,9 @@ void PrepareOutput(const CalibrateOptions& options, const std::vector<std::strin
       throw CLI::ValidationError("--result",
                                  options.result.u8string() + " is a folder, not a file");
     }
+    if (options.result == options.data || options.result == options.truth) {
+      throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
+    }
     CreateFolder("--result", options.result.parent_path());
     // A run that is broken off must not leave the figures of the one before.
     fs::remove(options.result);

@@ -1,5 +1,7 @@
 #include "app/lens_table.h"
 
+#include <array>
+
 #include "app/number_text.h"
 #include "app/table_row.h"
 
@@ -16,7 +18,7 @@ struct Row {
   bool isShareOfSize;  // of the image's width or height, shown in pixels
 };
 
-constexpr Row kRows[] = {
+constexpr std::array<Row, 11> kRows = {{
     {"image width, px", &CalibrationOutputs::imageSize, 0, 0, false},
     {"image height, px", &CalibrationOutputs::imageSize, 1, 0, false},
     {"focal length, mm", &CalibrationOutputs::focalLengthMm, 0, 3, false},
@@ -28,7 +30,7 @@ constexpr Row kRows[] = {
     {"distortion k2", &CalibrationOutputs::distortion, 1, 5, false},
     {"horizontal field of view, deg", &CalibrationOutputs::fieldOfView, 0, 3, false},
     {"vertical field of view, deg", &CalibrationOutputs::fieldOfView, 1, 3, false},
-};
+}};
 
 std::string TextOf(const Row& row, const CalibrationOutputs& outputs) {
   const double scale = row.isShareOfSize ? outputs.imageSize.at(row.index) : 1;

@@ -1,3 +1,4 @@
+#include <array>
 #include <cerrno>
 #include <iostream>
 #include <system_error>
@@ -30,8 +31,8 @@ bool IsTerminal(std::FILE* stream) {
 StdoutPipe::StdoutPipe() {
   FlushStreams();
   original_ = Checked(dup(STDOUT_FILENO));
-  int ends[2] = {};
-  Checked(pipe(ends));
+  std::array<int, 2> ends = {};
+  Checked(pipe(ends.data()));
   readEnd_ = ends[0];
   // Standard output becomes the only way in, so that restoring it ends the pipe.
   Checked(dup2(ends[1], STDOUT_FILENO));

@@ -76,7 +76,8 @@ void RunProgress::FollowStages(const std::string& message) {
     BeginStage("Measuring the error", UsedPhotographs(record_).size());
   } else if (After("Mean_Transform_Chart_Tr : ", message)) {
     BeginStage("Writing the images", UsedPhotographs(record_).size());
-  } else if (After("Image ", message) && message.find(" reprojection error : ") != message.npos) {
+  } else if (After("Image ", message) &&
+             message.find(" reprojection error : ") != std::string::npos) {
     ShowDone(progress_.done + 1);
   }
 }
@@ -112,7 +113,7 @@ void RunProgress::RecordFigure(const std::string& message) {
 void RunProgress::RecordError(const std::string& message) {
   if (const auto rest = After("Error code ", message)) {
     const std::size_t colon = rest->find(": ");
-    record_.errorMessage = colon == rest->npos ? *rest : rest->substr(colon + 2);
+    record_.errorMessage = colon == std::string::npos ? *rest : rest->substr(colon + 2);
   }
 }
 

@@ -14,13 +14,14 @@ std::vector<Eigen::Vector3d> Chart::Corners() const {
 
 std::vector<Eigen::Vector3d> Chart::PaperOutline() const {
   constexpr int kSteps = 16;
-  const Eigen::Vector2d half = PaperSize() / 2;
+  const Eigen::Vector3d right(PaperSize().x() / 2, 0, 0);
+  const Eigen::Vector3d down(0, PaperSize().y() / 2, 0);
   std::vector<Eigen::Vector3d> outline;
   for (int step = 0; step < kSteps; ++step) {
     const double along = 2.0 * step / kSteps - 1;
     for (const double side : {-1, 1}) {
-      outline.push_back(Centre() + Eigen::Vector3d(side * along * half.x(), side * half.y(), 0));
-      outline.push_back(Centre() + Eigen::Vector3d(side * half.x(), -side * along * half.y(), 0));
+      outline.emplace_back(Centre() + side * (along * right + down));
+      outline.emplace_back(Centre() + side * (right - along * down));
     }
   }
   return outline;

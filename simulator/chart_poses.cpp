@@ -33,7 +33,7 @@ class ChartPoses {
   Eigen::Isometry3d DrawSeen(double tiltSide, Random& random) const {
     constexpr int kTries = 10000;
     for (int i = 0; i < kTries; ++i) {
-      const Eigen::Isometry3d pose = Draw(tiltSide, random);
+      Eigen::Isometry3d pose = Draw(tiltSide, random);
       if (IsFacing(pose) && Fits(pose)) {
         return pose;
       }

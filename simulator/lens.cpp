@@ -54,8 +54,8 @@ Eigen::Vector2d Lens::Ray(const Eigen::Vector2d& pixel) const {
 bool Lens::Reaches(const Eigen::Vector2d& pixel) const {
   constexpr int kSteps = 1000;
   const double target = Distorted(pixel).norm();
-  const double step = 2 * target / kSteps;
-  for (double radius = 0; radius <= 2 * target; radius += step) {
+  for (int step = 0; step <= kSteps; ++step) {
+    const double radius = 2 * target * step / kSteps;
     if (Growth(*this, radius) <= 0) {
       return false;
     }

@@ -101,6 +101,13 @@ TEST_F(HostProgramUsage, NeedsWritableOutput) {
                    "--log-folder: cannot create the folder");
 }
 
+TEST_F(HostProgramUsage, NeverOverwritesItsInput) {
+  ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "9x6", "--square", "0.03",
+                              "--result", "data.csv"}),
+                   "data.csv would be overwritten");
+  EXPECT_TRUE(std::filesystem::exists(folder.Path() / "data.csv"));
+}
+
 TEST_F(HostProgramUsage, SimulateNamesWhatCannotBe) {
   ExpectUsageError({"simulate", "shoot", "--photographs", "0"}, "photographs must be at least 1");
   ExpectUsageError({"simulate", "shoot", "--board", "9by6"}, "--board: 9by6 is not");

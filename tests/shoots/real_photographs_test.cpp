@@ -24,9 +24,8 @@ const cv::Size kBoard(9, 6);
 std::vector<fs::path> Photographs() {
   std::vector<fs::path> photographs;
   for (int i = 1; i <= 14; ++i) {
-    char name[16];
-    std::snprintf(name, sizeof name, "left%02d.jpg", i);
-    const fs::path path = fs::path(TRACKEDCAM_REAL_PHOTOGRAPHS) / name;
+    const std::string number = (i < 10 ? "0" : "") + std::to_string(i);
+    const fs::path path = fs::path(TRACKEDCAM_REAL_PHOTOGRAPHS) / ("left" + number + ".jpg");
     if (fs::exists(path)) {
       photographs.push_back(path);
     }

@@ -1,6 +1,7 @@
 #include "simulator/shoot.h"
 
-#include <algorithm>
+#include <array>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -106,7 +107,7 @@ TEST_P(ShootTest, TheCornersAreListedRowByRowWithinThePicture) {
 
 TEST_P(ShootTest, TheChartIsTiltedToAllSides) {
   const Shoot shoot = SimulateShoot(options);
-  int toSide[2][2] = {};
+  std::array<std::array<int, 2>, 2> toSide = {};
   for (const Photograph& photograph : shoot.photographs) {
     const Eigen::Vector3d normal = photograph.Transform_Cam_Chart.linear().col(2);
     EXPECT_GT(normal.head<2>().norm(), std::sin(Radians(10)));
