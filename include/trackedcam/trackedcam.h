@@ -2,8 +2,8 @@
 //
 // Frames: Cam (the camera's optical frame: x right, y down, z forward), Tc (the tracker on the
 // camera), Base (the tracking system), Tr (the tracker on the chart), Chart (the chessboard: origin
-// in the first inner corner, x along a row, y along a column). Transform_A_B takes coordinates given
-// in frame B into frame A: p_A = Transform_A_B * p_B.
+// in the first inner corner, x along a row, y along a column). Transform_A_B takes coordinates
+// given in frame B into frame A: p_A = Transform_A_B * p_B.
 //
 // Text is UTF-8. Lengths are metres, angles degrees, sensor sizes and focal lengths millimetres.
 
@@ -28,10 +28,10 @@ extern "C" {
 /// Calibrates the lens and the transform between the camera and its tracker from one shoot.
 ///
 /// @param dataPath Path of the tracker data file: comma-separated text with one row for each
-///   photograph: time, path of the photograph (absolute, or relative to the working directory of the
-///   process), then for the tracker on the camera and after it for the one on the chart: position
-///   x, y, z in the base frame (metres) and orientation quaternion w, x, y, z. Lines that begin with
-///   "T", such as the header "Time,...", are skipped.
+///   photograph: time, path of the photograph (absolute, or relative to the working directory of
+///   the process), then for the tracker on the camera and after it for the one on the chart:
+///   position x, y, z in the base frame (metres) and orientation quaternion w, x, y, z. Lines that
+///   begin with "T", such as the header "Time,...", are skipped.
 /// @param sensorWidth Width of the camera's sensor, millimetres. Used for focalLengthMm only.
 /// @param sensorHeight Height of the camera's sensor, millimetres. Used for focalLengthMm only.
 /// @param boardCols Inner corners of the chessboard along a row (one less than its squares).
@@ -97,9 +97,90 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
                                std::vector<double>& imageSize, std::vector<double>& normFocal,
                                std::vector<double>& normCenter, std::vector<double>& distortion,
                                std::vector<double>& transformCamTc,
-                               std::vector<double>& fieldOfView,
-                               std::vector<double>& focalLengthMm, std::string logFolder,
-                               bool Flag_ModifyQuat, int Num_TrackerData) noexcept(false);
+                               std::vector<double>& fieldOfView, std::vector<double>& focalLengthMm,
+                               std::string logFolder, bool Flag_ModifyQuat,
+                               int Num_TrackerData) noexcept(false);
+
+/// The four functions below hand Transform_Cam_Tc to an engine: they give the offset from the
+/// camera's tracker to the camera in that engine's axes. In common to them:
+///
+/// @param transformCamTc Transform_Cam_Tc as Calibration hands it out: sixteen values row by row,
+///   translation in metres at 3, 7 and 11. What is behind the sixteenth is ignored.
+/// @param[out] translationCm Three values: x, y, z, centimetres.
+/// @param logFolder An existing folder for the log of the call, as for Calibration.
+///
+/// Outputs are appended to and never cleared: pass empty vectors. Where a log line shows an output
+/// of CamAxisToUE5, CamAxisToUE5_ExportxN, or the lens figures of CamAxisToAximmetry, it shows the
+/// first elements of the vector, which are the caller's own when it comes in filled.
+///
+/// All return -1 for wrong use by the host: an input vector holds fewer elements than are read (the
+/// log says which). Nothing is then filled. Threads and exceptions are as for Calibration. Rx, Ry
+/// and Rz are right-handed elementary rotations.
+
+/// For Unreal Engine 4: left-handed, x forward, y right, z up, seen from the camera.
+///
+/// @param[out] rotationDeg Three values, degrees: roll, pitch, yaw. The rotation block of the
+/// offset
+///   is Rz(yaw) * Ry(-pitch) * Rx(-roll).
+///
+/// Angles and translation are computed in single precision.
+///
+/// @return
+///   -  0 success.
+///   -  3 gimbal lock: the pitch is within about 0.08 degree of 90 or -90, where roll and yaw
+///   cannot
+///     be told apart. Nothing is filled.
+///   - -1 transformCamTc has fewer than 16 elements. Nothing is filled.
+TRACKEDCAM_API int CamAxisToUE4(std::vector<double> transformCamTc,
+                                std::vector<double>& rotationDeg,
+                                std::vector<double>& translationCm,
+                                std::string logFolder) noexcept(false);
+
+/// For Unreal Engine 5. The axes of Cam stay (x right, y down, z forward) and the hand is not
+/// changed; of the tracker's axes x stays x, z becomes y and y becomes -z.
+///
+/// @param[out] quaternionXyzw Four values: the quaternion of the offset's rotation, x, y, z, w. Its
+///   sign is free: where the rotation's trace is not positive, w may be negative.
+///
+/// All is computed in double precision. There is no gimbal lock.
+///
+/// @return 0, or -1 when transformCamTc has fewer than 16 elements.
+TRACKEDCAM_API int CamAxisToUE5(std::vector<double> transformCamTc,
+                                std::vector<double>& quaternionXyzw,
+                                std::vector<double>& translationCm,
+                                std::string logFolder) noexcept(false);
+
+/// For Unreal Engine 5 with other axes, right-handed both: those of the camera are x up, y forward,
+/// z left; those of the tracker are -z, -y, -x of Tc. All else is as for CamAxisToUE5.
+///
+/// @return 0, or -1 when transformCamTc has fewer than 16 elements.
+TRACKEDCAM_API int CamAxisToUE5_ExportxN(std::vector<double> transformCamTc,
+                                         std::vector<double>& quaternionXyzw,
+                                         std::vector<double>& translationCm,
+                                         std::string logFolder) noexcept(false);
+
+/// For Aximmetry: left-handed, x right, y up, z forward, seen from the camera.
+///
+/// @param normFocal The first two values that Calibration hands out: fx / width, fy / height.
+/// @param normCenter The same for the principal point: cx / width, cy / height.
+/// @param[out] fovX One value: the horizontal field of view, degrees.
+/// @param[out] lensCentre Two values: cx / width - 0.5 and -(cy / height - 0.5), the shift of the
+///   principal point to the right and upwards, in parts of the image.
+/// @param[out] rotationDeg Three values a, degrees: the rotation block of the offset is
+///   Ry(a[1]) * Rx(a[0]) * Rz(a[2]).
+///
+/// The lens figures are computed in double precision, angles and translation in single. In gimbal
+/// lock (a[0] within about 0.09 degree of 90 or -90) a[0] is 90 or -90, a[1] is 0 and a[2] takes
+/// what is left; the log says so, and the call succeeds.
+///
+/// @return 0, or -1 when normFocal or normCenter has fewer than 2 elements or transformCamTc fewer
+///   than 16.
+TRACKEDCAM_API int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCenter,
+                                      std::vector<double> transformCamTc, std::vector<double>& fovX,
+                                      std::vector<double>& lensCentre,
+                                      std::vector<double>& rotationDeg,
+                                      std::vector<double>& translationCm,
+                                      std::string logFolder) noexcept(false);
 
 }  // extern "C"
 

@@ -1,5 +1,6 @@
 #include "api/calibration_steps.h"
 #include "api/camera_tracker_run.h"
+#include "api/input_length.h"
 #include "calib/calibrate_camera.h"
 #include "core/number_text.h"
 #include "core/version.h"
@@ -51,13 +52,13 @@ int Calibration(std::string dataPath, double sensorWidth, double sensorHeight, i
     return code;
   }
 
-  constexpr int spareInteger = 11;
-  constexpr int spareFlag = 1;
+  constexpr int kSpareInteger = 11;
+  constexpr int kSpareFlag = 1;
   if (const ResultCode code = Calibrate_Camera(
           log, data.rms, data.imageSize, data.cameraMatrix, data.distortion, data.Rot_Cam_Chart_vec,
           data.Trans_Cam_Chart_vec, data.imagePaths, data.records, data.objectPoints,
-          data.boardTemplate, data.imagePoints, boardCols, boardRows, spareInteger, spareInteger,
-          kLensErrorLimit, spareFlag, Num_TrackerData)) {
+          data.boardTemplate, data.imagePoints, boardCols, boardRows, kSpareInteger, kSpareInteger,
+          kLensErrorLimit, kSpareFlag, Num_TrackerData)) {
     return code;
   }
   HandOutLens(log, data, sensorWidth, sensorHeight,

@@ -11,10 +11,6 @@
 
 namespace trackedcam {
 
-/// Returns 0, or -1 with a line that names the argument when it has fewer elements than are read.
-ResultCode CheckLength(const RunLog& log, const std::string& argument,
-                       const std::vector<double>& elements, std::size_t needed);
-
 /// The board's inner corners in the chart's frame; empty for a board without rows or columns.
 BoardTemplate MakeBoardTemplate(const RunLog& log, int boardCols, int boardRows, double squareSize);
 

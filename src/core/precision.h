@@ -13,8 +13,12 @@ namespace trackedcam {
 /// the outlier filter's degrees.
 constexpr double kShortPi = 3.1415926535;
 
-/// 180 / pi rounded to single precision and used in double: the fields of view.
+/// 180 / pi rounded to single precision and used in double: the fields of view, Unreal Engine's
+/// roll.
 constexpr double kDegreesPerRadian = 57.295780181884766;
+
+/// The same in single precision: the engines' other angles.
+constexpr float kDegreesPerRadianSingle = 57.29578F;
 
 /// A running sum that is kept in single precision: rounded after each addition.
 class FloatSum {

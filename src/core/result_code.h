@@ -16,6 +16,7 @@ namespace result {
 constexpr ResultCode kSuccess = 0;
 constexpr ResultCode kDataFileNotOpened = 1;
 constexpr ResultCode kRecordsAndImagesDiffer = 2;
+constexpr ResultCode kGimbalLock = 3;
 constexpr ResultCode kTooFewImages = 4;
 constexpr ResultCode kLensErrorTooLarge = 5;
 constexpr ResultCode kTranslationSpreadTooLarge = 6;

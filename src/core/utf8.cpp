@@ -53,10 +53,11 @@ std::uint32_t TakeCodePoint(std::string_view& text) {
   std::uint32_t codePoint = lead & sequence.leadBits;
   text.remove_prefix(1);
   for (int i = 0; i < sequence.continuationBytes; ++i) {
-    if (text.empty() || (static_cast<unsigned char>(text.front()) & 0xC0) != 0x80) {
+    const unsigned char byte = text.empty() ? 0 : static_cast<unsigned char>(text.front());
+    if ((byte & 0xC0u) != 0x80) {
       Fail();
     }
-    codePoint = (codePoint << 6) | (static_cast<unsigned char>(text.front()) & 0x3Fu);
+    codePoint = (codePoint << 6) | (byte & 0x3Fu);
     text.remove_prefix(1);
   }
   if (codePoint < sequence.leastCodePoint || !IsCharacter(codePoint)) {

@@ -102,11 +102,5 @@ TEST_F(CalibrationStepsTest, LogsTheFirstFocalLengthInTheHostsList) {
   EXPECT_EQ(LogLines()[7], "Focal length (mm) : 77.000000 mm.");
 }
 
-TEST_F(CalibrationStepsTest, ListsThatAreTooShortAreNamedWithBothLengths) {
-  EXPECT_EQ(CheckLength(log, "chartTrackerRotation", {1, 2}, 3), -1);
-  EXPECT_EQ(LogLines(), std::vector<std::string>{"chartTrackerRotation has 2 elements, needs 3."});
-  EXPECT_EQ(CheckLength(log, "chartTrackerRotation", {1, 2, 3, 4}, 3), 0);
-}
-
 }  // namespace
 }  // namespace trackedcam
