@@ -30,6 +30,19 @@ std::string Join(std::initializer_list<double> numbers) {
   return text;
 }
 
+using AxisChangeStage = ResultCode (*)(RunLog, const Transform&, Transform&);
+
+// From the boundary form to the offset in the engine's axes, both of which are logged.
+Transform ChangeAxes(const RunLog& log, const std::string& engine, AxisChangeStage change,
+                     const std::vector<double>& transformCamTc) {
+  const Transform Transform_Cam_Tc = TransformFromVector(transformCamTc);
+  LogTransform(log, "Transform_Cam_Tc : ", Transform_Cam_Tc);
+  Transform Transform_Tc_Cam;
+  change(log, Transform_Cam_Tc, Transform_Tc_Cam);  // cannot fail
+  LogTransform(log, "Transform_Tc_Cam_" + engine + " : ", Transform_Tc_Cam);
+  return Transform_Tc_Cam;
+}
+
 Quaternion RotationOf(const RunLog& log, const Transform& transform) {
   Eigen::Matrix3d rotation;
   RotationBlock(log, transform, rotation);
@@ -54,8 +67,7 @@ void LogPlacement(const RunLog& log, const std::string& engine, const EulerAngle
 }
 
 // The two exports to Unreal Engine 5 differ in their axes and in their name.
-ResultCode ExportToUE5(const std::string& name,
-                       ResultCode (*changeAxes)(RunLog, const Transform&, Transform&),
+ResultCode ExportToUE5(const std::string& name, AxisChangeStage changeAxes,
                        const std::vector<double>& transformCamTc,
                        std::vector<double>& quaternionXyzw, std::vector<double>& translationCm,
                        const std::string& logFolder) {
@@ -64,13 +76,7 @@ ResultCode ExportToUE5(const std::string& name,
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
     return code;
   }
-  const Transform Transform_Cam_Tc = TransformFromVector(transformCamTc);
-  LogTransform(log, "Transform_Cam_Tc : ", Transform_Cam_Tc);
-  Transform Transform_Tc_Cam;
-  if (const ResultCode code = changeAxes(log, Transform_Cam_Tc, Transform_Tc_Cam)) {
-    return code;
-  }
-  LogTransform(log, "Transform_Tc_Cam_UE5 : ", Transform_Tc_Cam);
+  const Transform Transform_Tc_Cam = ChangeAxes(log, "UE5", changeAxes, transformCamTc);
 
   const Quaternion rotation = RotationOf(log, Transform_Tc_Cam);
   for (const double component : {rotation.x(), rotation.y(), rotation.z(), rotation.w()}) {
@@ -100,13 +106,7 @@ int CamAxisToUE4(std::vector<double> transformCamTc, std::vector<double>& rotati
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
     return code;
   }
-  const Transform Transform_Cam_Tc = TransformFromVector(transformCamTc);
-  LogTransform(log, "Transform_Cam_Tc : ", Transform_Cam_Tc);
-  Transform Transform_Tc_Cam;
-  if (const ResultCode code = AxisChangeUE4(log, Transform_Cam_Tc, Transform_Tc_Cam)) {
-    return code;
-  }
-  LogTransform(log, "Transform_Tc_Cam_UE4 : ", Transform_Tc_Cam);
+  const Transform Transform_Tc_Cam = ChangeAxes(log, "UE4", AxisChangeUE4, transformCamTc);
 
   EulerAngles angles = {};
   if (const ResultCode code = QuatToEulerUE(log, RotationOf(log, Transform_Tc_Cam), angles)) {
@@ -159,13 +159,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
   WriteRunLogLine(log, "FoVX : " + ToText(fovX[0]));
   WriteRunLogLine(log, "AximmetryCxy : " + Join({lensCentre[0], lensCentre[1]}));
 
-  const Transform Transform_Cam_Tc = TransformFromVector(transformCamTc);
-  LogTransform(log, "Transform_Cam_Tc : ", Transform_Cam_Tc);
-  Transform Transform_Tc_Cam;
-  if (const ResultCode code = AxisChangeAximmetry(log, Transform_Cam_Tc, Transform_Tc_Cam)) {
-    return code;
-  }
-  LogTransform(log, "Transform_Tc_Cam_AX : ", Transform_Tc_Cam);
+  const Transform Transform_Tc_Cam = ChangeAxes(log, "AX", AxisChangeAximmetry, transformCamTc);
 
   EulerAngles angles = {};
   if (const ResultCode code =

@@ -276,9 +276,18 @@ TEST_F(AximmetryExport, AgreesWithTheSlowWay) {
 
 TEST_F(AximmetryExport, NamesTheInputThatIsTooShort) {
   const Numbers fifteen(kShifted.begin(), kShifted.end() - 1);
-  EXPECT_EQ(Export({0.5}, {0.5, 0.5}, kShifted), -1);
-  EXPECT_EQ(Export({0.5, 0.5}, {}, kShifted), -1);
-  EXPECT_EQ(Export({0.5, 0.5}, {0.5, 0.5}, fifteen), -1);
+  const auto expectRefused = [&](const Numbers& normFocal, const Numbers& normCenter,
+                                 const Numbers& transform, const std::string& line) {
+    const test::TemporaryFolder own;
+    EXPECT_EQ(CamAxisToAximmetry(normFocal, normCenter, transform, fovX, lensCentre, rotation,
+                                 translation, own.Path().u8string()),
+              -1);
+    EXPECT_EQ(test::ReadLogLines(test::OnlyLogIn(own.Path().u8string())),
+              (std::vector<std::string>{"Version : v1.1.0", "CamAxisToAximmetry start.", line}));
+  };
+  expectRefused({0.5}, {0.5, 0.5}, kShifted, "normFocal has 1 elements, needs 2.");
+  expectRefused({0.5, 0.5}, {}, kShifted, "normCenter has 0 elements, needs 2.");
+  expectRefused({0.5, 0.5}, {0.5, 0.5}, fifteen, "transformCamTc has 15 elements, needs 16.");
   EXPECT_TRUE(fovX.empty() && lensCentre.empty() && rotation.empty() && translation.empty());
 }
 
