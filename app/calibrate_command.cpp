@@ -8,7 +8,10 @@
 
 #include "app/calibrate_options.h"
 #include "app/calibration_run.h"
+#include "app/create_folder.h"
 #include "app/data_file.h"
+#include "app/engine_summary.h"
+#include "app/json_file.h"
 #include "app/reprojected_images.h"
 #include "app/result_json.h"
 #include "app/summary.h"
@@ -28,16 +31,8 @@ constexpr const char* kFooter = R"(Examples:
 With --config FILE the options come from a file, where they stand below [calibrate] as in
 "square = 0.03". Paths in it are relative to its folder; the command line wins over it.
 
-Exit status: 0 calibrated (code 0, or 99 with a warning), 1 failed, 2 wrong usage.)";
-
-void CreateFolder(const std::string& option, const fs::path& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) {
-    throw CLI::ValidationError(
-        option, "cannot create the folder " + folder.u8string() + ": " + error.message());
-  }
-}
+Exit status: 0 calibrated (code 0, or 99 with a warning), 1 failed (also an export by gimbal lock),
+2 wrong usage.)";
 
 void PrepareOutput(const CalibrateOptions& options, const std::vector<std::string>& photographs) {
   CreateFolder("--log-folder", options.logFolder);
@@ -58,7 +53,7 @@ void PrepareOutput(const CalibrateOptions& options, const std::vector<std::strin
 
 void WriteResult(const fs::path& path, const CalibrationReport& report) {
   std::ofstream file(path, std::ios::binary);
-  file << ResultJsonText(report);
+  file << JsonText(ResultJson(report));
   file.close();
   if (!file) {
     throw std::runtime_error("cannot write " + path.u8string());
@@ -85,6 +80,28 @@ void Warn(const CalibrateOptions& options, const CalibrationReport& report) {
             << VerdictOf(report.code).words << '\n';
 }
 
+// False when an engine refuses the result.
+bool HandToEngines(const CalibrateOptions& options, CalibrationReport& report) {
+  bool isDone = true;
+  for (const Engine* engine : options.exports) {
+    report.exports.push_back(
+        ExportToEngine(*engine, report.outputs, options.logFolder, options.verbose));
+    isDone = isDone && report.exports.back().code == 0;
+  }
+  return isDone;
+}
+
+void PrintExports(const CalibrationReport& report) {
+  for (const EngineExport& engineExport : report.exports) {
+    std::cout << '\n';
+    PrintEngineExport(std::cout, engineExport);
+  }
+  std::cout.flush();
+  for (const EngineExport& engineExport : report.exports) {
+    PrintProblem(std::cerr, engineExport);
+  }
+}
+
 int Calibrate(const CalibrateOptions& options) {
   const std::vector<std::string> photographs = ReadPhotographPaths(options.data);
   std::optional<CalibrationOutputs> truth;
@@ -95,14 +112,17 @@ int Calibrate(const CalibrateOptions& options) {
   fs::current_path(options.workingFolder.empty() ? options.data.parent_path()
                                                  : options.workingFolder);
 
-  const CalibrationReport report = RunCalibration(options, photographs.size());
+  CalibrationReport report = RunCalibration(options, photographs.size());
+  // Engines get no figures of a failed calibration.
+  const bool isDone = IsUsable(report.code) && HandToEngines(options, report);
   PrintSummary(std::cout, report, truth ? &*truth : nullptr);
   if (!options.result.empty()) {
     WriteResult(options.result, report);
   }
   std::cout.flush();
   Warn(options, report);
-  return IsUsable(report.code) ? 0 : 1;
+  PrintExports(report);
+  return isDone ? 0 : 1;
 }
 
 }  // namespace

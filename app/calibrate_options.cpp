@@ -2,24 +2,17 @@
 
 #include <string>
 
+#include "app/add_path.h"
 #include "app/add_value.h"
 #include "app/option_values.h"
 
 namespace trackedcam::app {
 namespace {
 
-namespace fs = std::filesystem;
-
-CLI::Option* AddPath(CLI::App& command, const std::string& name, fs::path& path,
-                     const std::string& form, const std::string& description) {
-  const auto store = [&path](const std::string& text) {
-    path = fs::absolute(fs::u8path(text)).lexically_normal();
-  };
-  return command.add_option_function<std::string>(name, store, description)->type_name(form);
-}
-
 std::string RequireFolder(const std::string& path) {
-  return fs::is_directory(fs::u8path(path)) ? "" : "there is no folder " + path;
+  return std::filesystem::is_directory(std::filesystem::u8path(path))
+             ? ""
+             : "there is no folder " + path;
 }
 
 }  // namespace
@@ -68,6 +61,9 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->required()
       ->group("Output");
   AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")
+      ->group("Output");
+  AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
+           "Hand the result to engines as well: a list of\nue4, ue5, ue5-xn, aximmetry")
       ->group("Output");
   AddPath(command, "--truth", options.truth, "FILE.json",
           "Compare with the truth of a simulated shoot")

@@ -5,8 +5,11 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include <CLI/CLI.hpp>
+
+#include "app/engine.h"
 
 namespace trackedcam::app {
 
@@ -20,7 +23,8 @@ struct CalibrateOptions {
   bool invertTrackerQuaternions = false;
   std::optional<int> expectedRecords;
   std::filesystem::path logFolder;
-  std::filesystem::path result;         // empty: not wanted
+  std::filesystem::path result;  // empty: not wanted
+  std::vector<const Engine*> exports;
   std::filesystem::path truth;          // empty: not known
   std::filesystem::path workingFolder;  // empty: the data file's
   bool verbose = false;

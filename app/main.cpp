@@ -8,6 +8,7 @@
 
 #include "app/calibrate_command.h"
 #include "app/config_file.h"
+#include "app/export_command.h"
 #include "app/help_formatter.h"
 #include "app/simulate_command.h"
 
@@ -19,6 +20,7 @@ constexpr int kWrongUsage = 2;
 constexpr const char* kFooter = R"(Examples:
   trackedcam simulate shoot
   trackedcam calibrate --config shoot/shoot.toml
+  trackedcam export ue4 --result shoot/result.json
 
 'trackedcam COMMAND --help' shows the options of a command.)";
 
@@ -32,6 +34,7 @@ int Run(int argc, char** argv) {
 
   int status = 0;
   trackedcam::app::AddCalibrateCommand(program, status);
+  trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
   try {
     program.parse(argc, argv);

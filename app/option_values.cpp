@@ -3,6 +3,7 @@
 #include <cmath>
 #include <filesystem>
 #include <optional>
+#include <sstream>
 #include <string_view>
 
 #include <CLI/CLI.hpp>
@@ -124,6 +125,26 @@ int ParseCount(const std::string& option, const std::string& text) {
     Reject(option, text + " is not a number of records, such as 40");
   }
   return *count;
+}
+
+const Engine* ParseEngine(const std::string& option, const std::string& text) {
+  std::string names;
+  for (const Engine& engine : kEngines) {
+    if (engine.name == Trim(text)) {
+      return &engine;
+    }
+    names += (names.empty() ? "" : ", ") + std::string(engine.name);
+  }
+  Reject(option, text + " is not one of " + names);
+}
+
+std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text) {
+  std::vector<const Engine*> engines;
+  std::istringstream names(text + ',');
+  for (std::string name; std::getline(names, name, ',');) {
+    engines.push_back(ParseEngine(option, name));
+  }
+  return engines;
 }
 
 std::string RequireFile(const std::string& path) {

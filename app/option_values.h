@@ -4,6 +4,9 @@
 
 #include <array>
 #include <string>
+#include <vector>
+
+#include "app/engine.h"
 
 namespace trackedcam::app {
 
@@ -30,6 +33,12 @@ double ParseSquare(const std::string& option, const std::string& text);
 
 /// "40": a whole number of at least 0.
 int ParseCount(const std::string& option, const std::string& text);
+
+/// "ue4": the name of an engine.
+const Engine* ParseEngine(const std::string& option, const std::string& text);
+
+/// "ue5,aximmetry": names of engines.
+std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text);
 
 /// A check of an option: nothing when the path names a file, else what is wrong.
 std::string RequireFile(const std::string& path);

@@ -1,8 +1,7 @@
 #include "app/result_json.h"
 
-#include <cmath>
-#include <optional>
-
+#include "app/engine_json.h"
+#include "app/json_file.h"
 #include "app/verdict.h"
 
 namespace trackedcam::app {
@@ -19,22 +18,6 @@ std::string Message(const CalibrationReport& report) {
   return record.errorMessage.empty() ? record.lastMessage : record.errorMessage;
 }
 
-Json Number(double number) {
-  return std::isfinite(number) ? Json(number) : Json(nullptr);
-}
-
-Json Number(const std::optional<double>& number) {
-  return number ? Number(*number) : Json(nullptr);
-}
-
-Json List(const std::vector<double>& numbers) {
-  Json list = Json::array();
-  for (const double number : numbers) {
-    list.push_back(Number(number));
-  }
-  return list;
-}
-
 Json Dropped(const RunRecord& record) {
   Json dropped = Json::array();
   for (const Photograph& photograph : record.photographs) {
@@ -44,6 +27,14 @@ Json Dropped(const RunRecord& record) {
     }
   }
   return dropped;
+}
+
+Json Exports(const CalibrationReport& report) {
+  Json exports = Json::object();
+  for (const EngineExport& engineExport : report.exports) {
+    exports[std::string(engineExport.engine->name)] = EngineJson(engineExport);
+  }
+  return exports;
 }
 
 Json Images(const CalibrationReport& report) {
@@ -62,26 +53,23 @@ Json ResultJson(const CalibrationReport& report) {
   return {
       {"code", report.code},
       {"message", Message(report)},
-      {"imageSize", List(outputs.imageSize)},
-      {"normFocal", List(outputs.normFocal)},
-      {"normCenter", List(outputs.normCenter)},
-      {"distortion", List(outputs.distortion)},
-      {"transformCamTc", List(outputs.transformCamTc)},
-      {"fieldOfView", List(outputs.fieldOfView)},
-      {"focalLengthMm", List(outputs.focalLengthMm)},
-      {"lensErrorPixels", Number(record.lensError)},
-      {"reprojectionErrorPixels", Number(record.reprojectionError)},
-      {"translationSpreadMetres", Number(record.spread)},
+      {"imageSize", NumbersJson(outputs.imageSize)},
+      {"normFocal", NumbersJson(outputs.normFocal)},
+      {"normCenter", NumbersJson(outputs.normCenter)},
+      {"distortion", NumbersJson(outputs.distortion)},
+      {"transformCamTc", NumbersJson(outputs.transformCamTc)},
+      {"fieldOfView", NumbersJson(outputs.fieldOfView)},
+      {"focalLengthMm", NumbersJson(outputs.focalLengthMm)},
+      {"lensErrorPixels", NumberJson(record.lensError)},
+      {"reprojectionErrorPixels", NumberJson(record.reprojectionError)},
+      {"translationSpreadMetres", NumberJson(record.spread)},
       {"used", UsedPhotographs(record)},
       {"dropped", Dropped(record)},
+      {"exports", Exports(report)},
       {"log", report.log.u8string()},
       {"images", Images(report)},
       {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
   };
-}
-
-std::string ResultJsonText(const CalibrationReport& report) {
-  return ResultJson(report).dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace trackedcam::app

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include <nlohmann/json.hpp>
 
 #include "app/calibration_report.h"
@@ -11,8 +9,5 @@ namespace trackedcam::app {
 /// Every figure of a run at full precision, for other programs. A figure that is not finite, or
 /// that the run did not get to, is null.
 nlohmann::ordered_json ResultJson(const CalibrationReport& report);
-
-/// The JSON text of the report. Bytes of a path that are not UTF-8 are replaced.
-std::string ResultJsonText(const CalibrationReport& report);
 
 }  // namespace trackedcam::app

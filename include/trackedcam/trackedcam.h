@@ -120,16 +120,14 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
 /// For Unreal Engine 4: left-handed, x forward, y right, z up, seen from the camera.
 ///
 /// @param[out] rotationDeg Three values, degrees: roll, pitch, yaw. The rotation block of the
-/// offset
-///   is Rz(yaw) * Ry(-pitch) * Rx(-roll).
+///   offset is Rz(yaw) * Ry(-pitch) * Rx(-roll).
 ///
 /// Angles and translation are computed in single precision.
 ///
 /// @return
 ///   -  0 success.
 ///   -  3 gimbal lock: the pitch is within about 0.08 degree of 90 or -90, where roll and yaw
-///   cannot
-///     be told apart. Nothing is filled.
+///     cannot be told apart. Nothing is filled.
 ///   - -1 transformCamTc has fewer than 16 elements. Nothing is filled.
 TRACKEDCAM_API int CamAxisToUE4(std::vector<double> transformCamTc,
                                 std::vector<double>& rotationDeg,

@@ -110,6 +110,41 @@ TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);
 }
 
+TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
+  Simulate();
+  const ProgramRun run = Calibrate({"--export", "ue5,aximmetry"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("\nUnreal Engine 5, right-handed\n"),
+                             HasSubstr("\nAximmetry, left-handed\n")));
+  const Json exports = Read("result.json")["exports"];
+  ASSERT_EQ(exports.size(), 2U);
+
+  // The same figures as from a command of its own.
+  for (const auto& [engine, expected] : exports.items()) {
+    const ProgramRun alone = Run({"export", engine, "--result", "shoot/result.json", "--json"});
+    EXPECT_EQ(alone.status, 0) << alone.error;
+    const Json figures = Json::parse(alone.out);
+    for (const char* key : {"translationCm", "rotationDeg", "quaternionXyzw", "fovX"}) {
+      EXPECT_EQ(figures[key], expected[key]) << key;
+    }
+    EXPECT_EQ(fs::u8path(figures["log"].get<std::string>()).parent_path().filename(), "shoot");
+  }
+  EXPECT_NEAR(exports["aximmetry"]["fovX"][0], Read("result.json")["fieldOfView"][0].get<double>(),
+              1e-6);
+}
+
+TEST_F(HostProgramShoot, OfAFailedCalibrationGoesToNoEngine) {
+  Simulate({"--not-an-image", "3"});
+  const ProgramRun run = Calibrate({"--export", "ue5"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
+  EXPECT_EQ(Read("result.json")["exports"], Json::object());
+  const ProgramRun alone = Run({"export", "ue5", "--result", "shoot/result.json"});
+  EXPECT_EQ(alone.status, 1);
+  EXPECT_THAT(alone.error, HasSubstr("is of a calibration that failed, code 4"));
+  EXPECT_EQ(alone.out, "");
+}
+
 TEST_F(HostProgramShoot, FailsWithFewPhotographs) {
   Simulate({"--not-an-image", "3"});
   const ProgramRun run = Calibrate();

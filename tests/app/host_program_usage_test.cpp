@@ -42,7 +42,8 @@ TEST_F(HostProgramUsage, HelpNamesTheCommands) {
   const ProgramRun run = Run({"--help"});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.error, "");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("calibrate"), HasSubstr("simulate"), HasSubstr("--config")));
+  EXPECT_THAT(run.out, AllOf(HasSubstr("calibrate"), HasSubstr("simulate"), HasSubstr("export"),
+                             HasSubstr("--config")));
 }
 
 TEST_F(HostProgramUsage, HelpOfACommandNamesItsOptions) {
@@ -50,8 +51,8 @@ TEST_F(HostProgramUsage, HelpOfACommandNamesItsOptions) {
   EXPECT_EQ(calibrate.status, 0);
   for (const char* option :
        {"--data", "--sensor", "--board", "--square", "--chart-rotation", "--chart-translation",
-        "--invert-tracker-quaternions", "--expected-records", "--log-folder", "--result", "--truth",
-        "--working-folder", "--verbose", "--config", "Exit status"}) {
+        "--invert-tracker-quaternions", "--expected-records", "--log-folder", "--result",
+        "--export", "--truth", "--working-folder", "--verbose", "--config", "Exit status"}) {
     EXPECT_THAT(calibrate.out, HasSubstr(option));
   }
   const ProgramRun simulate = Run({"simulate", "--help"});

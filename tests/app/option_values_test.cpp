@@ -94,5 +94,17 @@ TEST(OptionValues, CountIsAWholeNumber) {
   }
 }
 
+TEST(OptionValues, EnginesGoByName) {
+  EXPECT_EQ(ParseEngine("", "ue5-xn"), &kEngines[2]);
+  EXPECT_THAT(ParseEngines("", "ue4, aximmetry"), ElementsAre(&kEngines[0], &kEngines[3]));
+  for (const char* text : {"", "UE4", "ue4,ue5"}) {
+    EXPECT_EQ(ErrorOf(ParseEngine, text),
+              "--option: " + std::string(text) + " is not one of ue4, ue5, ue5-xn, aximmetry");
+  }
+  EXPECT_EQ(ErrorOf(ParseEngines, "ue4,ue3"),
+            "--option: ue3 is not one of ue4, ue5, ue5-xn, aximmetry");
+  EXPECT_NE(ErrorOf(ParseEngines, "ue4,"), "no error");
+}
+
 }  // namespace
 }  // namespace trackedcam::app

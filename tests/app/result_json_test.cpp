@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/json_file.h"
+
 namespace trackedcam::app {
 namespace {
 
@@ -33,7 +35,7 @@ CalibrationReport GoodReport() {
 }
 
 TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
-  const Json json = Json::parse(ResultJsonText(GoodReport()));
+  const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
   EXPECT_EQ(json["code"], 0);
   EXPECT_EQ(json["message"], "No error");
   EXPECT_EQ(json["imageSize"], Json({1920, 1080}));
@@ -50,7 +52,7 @@ TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
 }
 
 TEST(ResultJson, ListsPhotographsAndFiles) {
-  const Json json = Json::parse(ResultJsonText(GoodReport()));
+  const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
   EXPECT_EQ(json["used"], Json::array({"a.jpg"}));
   EXPECT_EQ(json["dropped"],
             Json::parse(R"([{"photograph": "b.jpg", "reason": "missing or not an image"},
@@ -67,7 +69,7 @@ TEST(ResultJson, HasNullForWhatIsNoNumber) {
   report.outputs.normFocal[0] = std::numeric_limits<double>::quiet_NaN();
   report.record.spread = -std::numeric_limits<double>::infinity();
   report.record.reprojectionError = std::nullopt;
-  const Json json = Json::parse(ResultJsonText(report));
+  const Json json = Json::parse(JsonText(ResultJson(report)));
   EXPECT_TRUE(json["normFocal"][0].is_null());
   EXPECT_EQ(json["normFocal"][1], 1.6);
   EXPECT_TRUE(json["translationSpreadMetres"].is_null());
@@ -79,7 +81,7 @@ TEST(ResultJson, OfAFailureHasEmptyListsAndTheMessage) {
   report.code = 4;
   report.record.errorMessage = "Amount of valid images < 12.";
   report.record.lastMessage = "Error code 4: Amount of valid images < 12.";
-  const Json json = Json::parse(ResultJsonText(report));
+  const Json json = Json::parse(JsonText(ResultJson(report)));
   EXPECT_EQ(json["code"], 4);
   EXPECT_EQ(json["message"], "Amount of valid images < 12.");
   EXPECT_EQ(json["imageSize"], Json::array());
@@ -97,7 +99,7 @@ TEST(ResultJson, OfWrongUseHasTheLastLine) {
 TEST(ResultJson, IsValidWhateverBytesAPathHas) {
   CalibrationReport report = GoodReport();
   report.record.photographs[0].path = "a\xFF\"b.jpg";
-  EXPECT_EQ(Json::parse(ResultJsonText(report))["used"][0], "a\uFFFD\"b.jpg");
+  EXPECT_EQ(Json::parse(JsonText(ResultJson(report)))["used"][0], "a\uFFFD\"b.jpg");
 }
 
 }  // namespace
