@@ -1,5 +1,5 @@
 #!/bin/sh
-# Installs what is needed, builds a release, simulates a shoot and calibrates it.
+# Installs what is needed, builds a release, simulates a shoot, calibrates it and hands the result to every engine.
 # Usage: scripts/demo.sh [FOLDER]   (build/demo by default)
 set -eu
 cd "$(dirname "$0")/.."
@@ -12,3 +12,7 @@ folder="${1:-build/demo}"
 trackedcam=build/release/app/trackedcam
 "$trackedcam" simulate "$folder"
 "$trackedcam" calibrate --config "$folder/shoot.toml"
+for engine in ue4 ue5 ue5-xn aximmetry; do
+  echo
+  "$trackedcam" export "$engine" --result "$folder/result.json"
+done

@@ -1,0 +1,73 @@
+"""Checks the page on engines: its example against its words, the figures and pictures against the program.
+
+Usage: check_engines.py SOURCE_ROOT PROGRAM
+"""
+
+import json
+import math
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import textwrap
+
+root, program = pathlib.Path(sys.argv[1]), sys.argv[2]
+engines = root / "docs/engines"
+page = re.sub(r"\s+", " ", (root / "docs/engines.md").read_text(encoding="utf-8"))
+examples = re.findall(r"(?:^    .*\n)+", (root / "docs/engines.md").read_text(encoding="utf-8"), re.MULTILINE)
+examples = [textwrap.dedent(example) for example in examples]
+
+
+def number(pattern):
+    return float(re.search(pattern, page)[1])
+
+
+forward, right, down = number(r"(\d+) cm in front"), number(r"(\d+) cm to its right"), number(r"(\d+) cm below")
+pan, tilt, roll = number(r"panned (\d+)°"), number(r"tilted (\d+)°"), number(r"rolled (\d+)°")
+focal, shift_right = number(r"lens is ([\d.]+) image widths"), number(r"lies ([\d.]+) image widths to the right")
+shift_up = number(r"and ([\d.]+) image heights above")
+
+
+def quaternion(*turns):
+    """The product of turns about an axis by degrees, as x, y, z, w."""
+    x, y, z, w = 0.0, 0.0, 0.0, 1.0
+    for axis, degrees in turns:
+        s, c = math.sin(math.radians(degrees) / 2), math.cos(math.radians(degrees) / 2)
+        a, b, d = (s * component for component in axis)
+        x, y, z, w = (w * a + x * c + y * d - z * b, w * b - x * d + y * c + z * a,
+                      w * d + x * b - y * a + z * c, w * c - x * a - y * b - z * d)
+    return [x, y, z, w]
+
+
+# A turn to the right is one about down, upwards about right, clockwise about forward.
+EXPECTED = {
+    "ue4": {"translationCm": [forward, right, -down], "rotationDeg": [roll, tilt, pan]},
+    "ue5": {"translationCm": [right, down, forward],
+            "quaternionXyzw": quaternion(((0, 1, 0), pan), ((1, 0, 0), tilt), ((0, 0, 1), roll))},
+    "ue5-xn": {"translationCm": [-down, forward, -right],
+               "quaternionXyzw": quaternion(((-1, 0, 0), pan), ((0, 0, -1), tilt), ((0, 1, 0), roll))},
+    "aximmetry": {"translationCm": [right, down, -forward], "rotationDeg": [-tilt, pan, -roll],
+                  "fovX": [math.degrees(2 * math.atan(0.5 / focal))],
+                  "lensCentre": [shift_right, shift_up]},
+}
+
+faults = []
+with tempfile.TemporaryDirectory() as scratch:
+    for name, expected in EXPECTED.items():
+        command = [program, "export", name, "--result", engines / "example.json", "--log-folder", scratch]
+        text = subprocess.run(command, check=True, capture_output=True, encoding="utf-8").stdout
+        if text not in examples:
+            faults.append(f"{name}: the page does not show\n{text}")
+        figures = json.loads(subprocess.run([*command, "--json"], check=True, capture_output=True).stdout)
+        for key, values in expected.items():
+            if len(figures[key]) != len(values) or any(
+                    abs(a - b) > 1e-4 for a, b in zip(figures[key], values)):
+                faults.append(f"{name}: {key} is {figures[key]}, the words say {values}")
+    subprocess.run([sys.executable, engines / "draw_axes.py", program, scratch], check=True)
+    for name in EXPECTED:
+        if (pathlib.Path(scratch) / f"{name}.svg").read_bytes() != (engines / f"{name}.svg").read_bytes():
+            faults.append(f"docs/engines/{name}.svg is not what draw_axes.py draws")
+
+print("\n".join(faults) or "words, figures and pictures agree")
+sys.exit(1 if faults else 0)
