@@ -1,11 +1,12 @@
 #!/bin/sh
-# Installs what is needed, builds a release, simulates a shoot, calibrates it and hands the result to every engine.
+# Installs what is needed, builds a release, simulates a shoot, calibrates it and hands the result to
+# every engine.
 # Usage: scripts/demo.sh [FOLDER]   (build/demo by default)
 set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install_packages.sh
-cmake --preset release
+cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
 cmake --build --preset release --target trackedcam_host
 
 folder="${1:-build/demo}"

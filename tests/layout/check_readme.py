@@ -1,4 +1,4 @@
-"""Checks that the README's snippet is the marked part of the example, and that its links lead somewhere.
+"""Checks that the README's snippets are the marked parts of the examples, and that its links lead somewhere.
 
 Usage: check_readme.py SOURCE_ROOT
 """
@@ -10,16 +10,20 @@ import textwrap
 
 root = pathlib.Path(sys.argv[1])
 readme = (root / "README.md").read_text(encoding="utf-8")
-example = (root / "examples/01_calibrate.cpp").read_text(encoding="utf-8")
 
 faults = []
-marked = re.search(r"// README begin\n(.*?)\s*// README end", example, re.DOTALL)
-snippet = re.search(r"```cpp\n(.*?)\n```", readme, re.DOTALL)
-if not marked or not snippet or textwrap.dedent(marked[1]) != snippet[1]:
-    faults.append("the snippet differs from the marked part of examples/01_calibrate.cpp")
+snippets = re.findall(r"```cpp\n(.*?)\n```", readme, re.DOTALL)
+for example in sorted((root / "examples").glob("*.cpp")):
+    marked = re.findall(r"// README begin\n(.*?)\s*// README end", example.read_text(encoding="utf-8"), re.DOTALL)
+    for part in map(textwrap.dedent, marked):
+        if part in snippets:
+            snippets.remove(part)
+        else:
+            faults.append(f"the README does not show the marked part of {example.name}")
+faults += [f"no example has the snippet\n{snippet}" for snippet in snippets]
 for link in re.findall(r"\]\(([^)#]+)\)", readme):
     if not (root / link).exists():
         faults.append(f"{link} does not exist")
 
-print("\n".join(faults) or "the snippet is the example's and all links lead somewhere")
+print("\n".join(faults) or "every snippet is an example's and every link leads somewhere")
 sys.exit(1 if faults else 0)

@@ -1,0 +1,55 @@
+# What a user gets, and where it goes.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/trackedcam)
+
+install(
+  TARGETS trackedcam
+  EXPORT trackedcamTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md
+              ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# find_package(trackedcam CONFIG)
+install(
+  EXPORT trackedcamTargets
+  NAMESPACE trackedcam::
+  FILE trackedcamConfig.cmake
+  DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/trackedcamConfigVersion.cmake
+                                 COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/trackedcamConfigVersion.cmake DESTINATION ${package_dir})
+
+# pkg-config trackedcam, wherever the tree is moved to
+file(RELATIVE_PATH PREFIX_FROM_PC_FILE /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/trackedcam.pc.in ${PROJECT_BINARY_DIR}/trackedcam.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/trackedcam.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TARGET trackedcam_host)
+  file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(trackedcam_host PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_programs})
+  install(TARGETS trackedcam_host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+  find_program(LOWDOWN lowdown)
+  if(LOWDOWN)
+    set(man_page ${PROJECT_BINARY_DIR}/trackedcam.1)
+    set(man_page_source ${PROJECT_SOURCE_DIR}/docs/trackedcam.1.md)
+    add_custom_command(
+      OUTPUT ${man_page}
+      COMMAND ${LOWDOWN} -s -Tman --out-no-smarty -Mtitle=TRACKEDCAM -Msection=1
+              "-Msource=trackedcam ${PROJECT_VERSION}" -o ${man_page} ${man_page_source}
+      DEPENDS ${man_page_source}
+      VERBATIM)
+    add_custom_target(trackedcam_man_page ALL DEPENDS ${man_page})
+    install(FILES ${man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  else()
+    message(STATUS "Without lowdown there is no man page.")
+  endif()
+endif()

@@ -1,0 +1,35 @@
+"""Builds the examples against an installed tree with find_package, and runs them.
+
+Usage: check_find_package.py BUILD SOURCE
+"""
+
+import pathlib
+import tempfile
+
+from stranger import SOURCE, check_examples, install, run
+
+with tempfile.TemporaryDirectory() as name:
+    scratch = pathlib.Path(name)
+    prefix, build = scratch / "prefix", scratch / "build"
+    install(prefix)
+    for file in (prefix / "lib/cmake/trackedcam").iterdir():
+        for private in ["opencv", "Eigen"]:
+            assert private not in file.read_text(encoding="utf-8"), f"{file} names {private}"
+
+    # Moved, as a package that is unpacked elsewhere is.
+    prefix = prefix.rename(scratch / "moved")
+    run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
+    run("cmake", "--build", build)
+    check_examples(build, prefix / "bin/trackedcam", scratch)
+
+    # A version that is not there is not taken.
+    (scratch / "newer").mkdir()
+    (scratch / "newer/CMakeLists.txt").write_text(
+        "cmake_minimum_required(VERSION 3.25)\nproject(newer LANGUAGES NONE)\n"
+        "foreach(version 1 1.0 1.1 1.1.0)\n  find_package(trackedcam ${version} CONFIG REQUIRED)\n"
+        "endforeach()\n"
+        "foreach(version 0.9 1.2 2)\n  find_package(trackedcam ${version} CONFIG QUIET)\n"
+        "  if(trackedcam_FOUND)\n    message(FATAL_ERROR \"${version} was taken\")\n  endif()\n"
+        "endforeach()\n", encoding="utf-8")
+    run("cmake", "-S", scratch / "newer", "-B", scratch / "newer/build", f"-DCMAKE_PREFIX_PATH={prefix}")
+print("the examples build and run")

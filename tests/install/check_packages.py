@@ -1,0 +1,64 @@
+"""Makes the packages, installs the .deb into a root of its own, and checks what is there.
+
+Usage: check_packages.py BUILD SOURCE
+"""
+
+import os
+import pathlib
+import tarfile
+import tempfile
+
+from stranger import BUILD, run
+
+FILES = {
+    "bin/trackedcam",
+    "include/trackedcam/trackedcam.h",
+    "lib/libtrackedcam.so",
+    "lib/libtrackedcam.so.1",
+    "lib/cmake/trackedcam/trackedcamConfig.cmake",
+    "lib/cmake/trackedcam/trackedcamConfigVersion.cmake",
+    "lib/pkgconfig/trackedcam.pc",
+    "share/doc/trackedcam/LICENSE",
+    "share/doc/trackedcam/README.md",
+    "share/doc/trackedcam/docs/conventions.md",
+    "share/doc/trackedcam/examples/01_calibrate.cpp",
+    "share/man/man1/trackedcam.1",
+}
+
+
+def check_content(prefix):
+    missing = sorted(file for file in FILES if not (prefix / file).is_file())
+    assert not missing, f"{missing} are missing"
+    elsewhere = [file for file in prefix.rglob("*")
+                 if file.relative_to(prefix).parts[0] not in ("bin", "include", "lib", "share")]
+    assert not elsewhere, f"{elsewhere} stand in no standard place"
+    assert "SONAME               libtrackedcam.so.1\n" in run("objdump", "-p", prefix / "lib/libtrackedcam.so")
+    assert run(prefix / "bin/trackedcam", "--version").startswith("trackedcam 1.")
+
+
+def check_deb(deb, root):
+    depends = run("dpkg-deb", "--field", deb, "Depends")
+    for library in ["core", "imgproc", "imgcodecs", "calib3d"]:
+        assert f"libopencv-{library}4" in depends, f"{library} is missing in {depends}"
+    for foreign in ["dev", "eigen", "gtest", "cli11"]:
+        assert foreign not in depends, f"{foreign} is in {depends}"
+
+    # A root without any package has nothing to depend on, nor to configure with.
+    for folder in ["info", "updates", "triggers"]:
+        (root / "var/lib/dpkg" / folder).mkdir(parents=True)
+    (root / "var/lib/dpkg/status").touch()
+    run("dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--log=/dev/null", "--unpack", deb)
+    assert "Status: install ok unpacked" in run("dpkg", f"--root={root}", "--status", "trackedcam")
+    check_content(root / "usr")
+
+
+with tempfile.TemporaryDirectory() as name:
+    scratch = pathlib.Path(name)
+    # dpkg finds its helpers there, also when a user runs the tests.
+    os.environ["PATH"] += ":/usr/sbin:/sbin"
+    run("cpack", "-G", "DEB;TGZ", "-B", scratch / "packages", cwd=BUILD)
+    check_deb(next((scratch / "packages").glob("*.deb")), scratch / "root")
+    with tarfile.open(next((scratch / "packages").glob("*.tar.gz"))) as archive:
+        archive.extractall(scratch)
+    check_content(next(scratch.glob("trackedcam-*")))
+print("the packages hold what they should")

@@ -1,0 +1,24 @@
+"""Builds the examples against an installed tree with pkg-config, and runs them.
+
+Usage: check_pkg_config.py BUILD SOURCE
+"""
+
+import os
+import pathlib
+import shlex
+import tempfile
+
+from stranger import SOURCE, check_examples, install, run
+
+with tempfile.TemporaryDirectory() as name:
+    scratch = pathlib.Path(name)
+    install(scratch / "prefix")
+    os.environ["PKG_CONFIG_PATH"] = str(scratch / "prefix/lib/pkgconfig")
+    os.environ["LD_LIBRARY_PATH"] = str(scratch / "prefix/lib")
+    flags = shlex.split(run("pkg-config", "--cflags", "--libs", "trackedcam >= 1.1"))
+    for source in (SOURCE / "examples").glob("*.cpp"):
+        # C++11 is enough for a host.
+        run(os.environ["CXX"], *shlex.split(os.environ["CXXFLAGS"]), "-std=c++11", source, *flags, "-o",
+            scratch / f"example_{source.stem}")
+    check_examples(scratch, scratch / "prefix/bin/trackedcam", scratch)
+print("the examples build and run")
