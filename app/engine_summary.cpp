@@ -13,6 +13,7 @@ void PrintNames(std::ostream& out, const std::string& label, const Axes& names) 
 void PrintFigures(std::ostream& out, const std::string& label, const std::vector<double>& figures,
                   int decimals) {
   std::vector<std::string> texts;
+  texts.reserve(figures.size());
   for (const double figure : figures) {
     texts.push_back(Fixed(figure, decimals));
   }
