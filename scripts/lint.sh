@@ -1,9 +1,9 @@
 #!/bin/sh
-# Checks the format (clang-format 14), the scripts (shellcheck) and the code (clang-tidy).
+# Checks the format, the scripts (shellcheck) and the code (clang-tidy 14, and the warnings of clang).
 set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install_packages.sh
-git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
-shellcheck scripts/*.sh .ci/run
+scripts/format.sh --check
+git ls-files '*.sh' .ci/run | xargs shellcheck
 cmake --workflow --preset tidy
