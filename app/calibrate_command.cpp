@@ -1,10 +1,8 @@
 #include "app/calibrate_command.h"
 
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 
 #include "app/calibrate_options.h"
 #include "app/calibration_run.h"
@@ -12,6 +10,7 @@
 #include "app/data_file.h"
 #include "app/engine_summary.h"
 #include "app/json_file.h"
+#include "app/output_file.h"
 #include "app/reprojected_images.h"
 #include "app/result_json.h"
 #include "app/summary.h"
@@ -38,26 +37,17 @@ void PrepareOutput(const CalibrateOptions& options, const std::vector<std::strin
   CreateFolder("--log-folder", options.logFolder);
   CreateReprojectedImageFolders(options.logFolder, photographs);
   if (!options.result.empty()) {
-    if (fs::is_directory(options.result)) {
-      throw CLI::ValidationError("--result",
-                                 options.result.u8string() + " is a folder, not a file");
-    }
     if (options.result == options.data || options.result == options.truth) {
       throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
     }
-    CreateFolder("--result", options.result.parent_path());
+    PrepareOutputFile("--result", options.result);
     // A run that is broken off must not leave the figures of the one before.
     fs::remove(options.result);
   }
 }
 
 void WriteResult(const fs::path& path, const CalibrationReport& report) {
-  std::ofstream file(path, std::ios::binary);
-  file << JsonText(ResultJson(report));
-  file.close();
-  if (!file) {
-    throw std::runtime_error("cannot write " + path.u8string());
-  }
+  WriteOutputFile(path, JsonText(ResultJson(report)));
   std::cout << "Result: " << path.u8string() << '\n';
 }
 

@@ -31,8 +31,8 @@ struct CalibrateOptions {
 };
 
 /// The options whose value is a path.
-constexpr std::array<const char*, 5> kPathOptions = {"data", "log-folder", "result", "truth",
-                                                     "working-folder"};
+constexpr std::array<const char*, 6> kPathOptions = {"data",   "log-folder", "out",
+                                                     "result", "truth",      "working-folder"};
 
 /// Adds the options to the command; when it is parsed they are checked and stored, every path as an
 /// absolute one.

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/calibrate_command.h"
+#include "app/chart_command.h"
 #include "app/config_file.h"
 #include "app/export_command.h"
 #include "app/help_formatter.h"
@@ -34,6 +35,7 @@ int Run(int argc, char** argv) {
 
   int status = 0;
   trackedcam::app::AddCalibrateCommand(program, status);
+  trackedcam::app::AddChartCommand(program, status);
   trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
   try {

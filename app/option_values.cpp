@@ -1,5 +1,6 @@
 #include "app/option_values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <optional>
@@ -60,6 +61,25 @@ std::optional<std::array<int, 2>> SplitIntegers(std::string_view text) {
   return std::array<int, 2>{*first, *second};
 }
 
+// A unit moves the point, exactly: "12.7mm" is the number 12.7e-3.
+std::optional<double> ParseMetres(std::string_view text) {
+  const std::string_view unit = text.substr(std::max<std::size_t>(text.size(), 2) - 2);
+  if (unit != "mm" && unit != "cm") {
+    return ParseNumber(text);
+  }
+  text.remove_suffix(unit.size());
+  return ParseNumber(std::string(Trim(text)) + (unit == "mm" ? "e-3" : "e-2"));
+}
+
+template <class Named>
+std::string NamesOf(const Named& all) {
+  std::string names;
+  for (const auto& one : all) {
+    names += (names.empty() ? "" : ", ") + std::string(one.name);
+  }
+  return names;
+}
+
 }  // namespace
 
 std::array<double, 2> ParseSensor(const std::string& option, const std::string& text) {
@@ -108,15 +128,25 @@ std::array<double, 6> ParseLens(const std::string& option, const std::string& te
 }
 
 double ParseSquare(const std::string& option, const std::string& text) {
-  const auto square = ParseNumber(text);
+  const auto square = ParseMetres(text);
   if (!square || !std::isfinite(*square) || *square <= 0) {
-    Reject(option, text + " is not a length in metres, such as 0.03");
+    Reject(option, text + " is not a length in metres, such as 0.03, or with a unit, such as 30mm");
   }
   if (*square >= 1) {
-    Reject(option, text + " is " + text + " metres; a square of " + text + " millimetres is " +
+    const std::string number = Shortest(*square);
+    Reject(option, text + " is " + number + " metres; a square of " + number + " millimetres is " +
                        option + " " + Shortest(*square / kMillimetresPerMetre));
   }
   return *square;
+}
+
+Paper ParsePaper(const std::string& option, const std::string& text) {
+  for (const Paper& paper : kPapers) {
+    if (CLI::detail::to_lower(std::string(paper.name)) == CLI::detail::to_lower(text)) {
+      return paper;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(kPapers));
 }
 
 int ParseCount(const std::string& option, const std::string& text) {
@@ -128,14 +158,12 @@ int ParseCount(const std::string& option, const std::string& text) {
 }
 
 const Engine* ParseEngine(const std::string& option, const std::string& text) {
-  std::string names;
   for (const Engine& engine : kEngines) {
     if (engine.name == Trim(text)) {
       return &engine;
     }
-    names += (names.empty() ? "" : ", ") + std::string(engine.name);
   }
-  Reject(option, text + " is not one of " + names);
+  Reject(option, text + " is not one of " + NamesOf(kEngines));
 }
 
 std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/engine.h"
+#include "app/paper.h"
 
 namespace trackedcam::app {
 
@@ -28,8 +29,11 @@ std::array<double, 3> ParseTriple(const std::string& option, const std::string& 
 /// "1600,1600,955,545,-0.05,0.02": fx, fy, cx, cy in pixels, k1, k2.
 std::array<double, 6> ParseLens(const std::string& option, const std::string& text);
 
-/// "0.03": metres, above 0 and below 1.
+/// "0.03", which is metres, "3cm" or "30mm": metres, above 0 and below 1.
 double ParseSquare(const std::string& option, const std::string& text);
+
+/// "A3": the name of a paper, in upper or lower case.
+Paper ParsePaper(const std::string& option, const std::string& text);
 
 /// "40": a whole number of at least 0.
 int ParseCount(const std::string& option, const std::string& text);

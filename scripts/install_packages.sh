@@ -9,11 +9,13 @@ as_root() {
 # libopenblas0-pthread: the lens solves ten times as fast as with the reference LAPACK.
 # opencv-doc: the photographs of a real chessboard that a test calibrates.
 # dpkg-dev, file: packaging finds the dependencies; lowdown: the man page.
+# poppler-utils, librsvg2-bin: a test renders the printed chart.
 # locales: a test runs the library in a host with a decimal comma.
 packages="
   cmake g++ ninja-build python3
   libopencv-dev libeigen3-dev libopenblas0-pthread
   libcli11-dev nlohmann-json3-dev
+  libcairo2-dev poppler-utils librsvg2-bin
   libgtest-dev libgmock-dev opencv-doc locales
   dpkg-dev file lowdown pkgconf
   clang clang-format clang-tidy shellcheck

@@ -28,6 +28,8 @@ TEST(OptionValues, AreReadWhole) {
   EXPECT_THAT(ParseTriple("", "1e-3, -.5, 0"), ElementsAre(0.001, -0.5, 0));
   EXPECT_THAT(ParseLens("", "9,8,7,6,-0.1,0"), ElementsAre(9, 8, 7, 6, -0.1, 0));
   EXPECT_EQ(ParseSquare("", "0.03"), 0.03);
+  EXPECT_EQ(ParseSquare("", "12.7mm"), 0.0127);
+  EXPECT_EQ(ParseSquare("", "3 cm"), 0.03);
   EXPECT_EQ(ParseCount("", "0"), 0);
 }
 
@@ -77,13 +79,16 @@ TEST(OptionValues, SquareIsInMetres) {
             "--option: 30 is 30 metres; a square of 30 millimetres is --option 0.03");
   EXPECT_EQ(ErrorOf(ParseSquare, "1"),
             "--option: 1 is 1 metres; a square of 1 millimetres is --option 0.001");
+  EXPECT_EQ(ErrorOf(ParseSquare, "300cm"),
+            "--option: 300cm is 3 metres; a square of 3 millimetres is --option 0.003");
   EXPECT_EQ(ParseSquare("", "0.999"), 0.999);
 }
 
 TEST(OptionValues, SquareIsALength) {
-  for (const char* text : {"", "0", "-0.03", "nan", "0.03m", "0,03"}) {
+  for (const char* text : {"", "0", "-0.03", "nan", "0.03m", "0,03", "mm", "-3cm", "infmm"}) {
     EXPECT_EQ(ErrorOf(ParseSquare, text),
-              "--option: " + std::string(text) + " is not a length in metres, such as 0.03");
+              "--option: " + std::string(text) +
+                  " is not a length in metres, such as 0.03, or with a unit, such as 30mm");
   }
 }
 
@@ -91,6 +96,15 @@ TEST(OptionValues, CountIsAWholeNumber) {
   for (const char* text : {"", "-1", "4.5", "many"}) {
     EXPECT_EQ(ErrorOf(ParseCount, text),
               "--option: " + std::string(text) + " is not a number of records, such as 40");
+  }
+}
+
+TEST(OptionValues, PapersGoByName) {
+  EXPECT_EQ(ParsePaper("", "A3").longSide, 420);
+  EXPECT_EQ(ParsePaper("", "letter").name, "Letter");
+  for (const char* text : {"", "A", "A9", "A44"}) {
+    EXPECT_EQ(ErrorOf(ParsePaper, text), "--option: " + std::string(text) +
+                                             " is not one of A0, A1, A2, A3, A4, Letter, Tabloid");
   }
 }
 
