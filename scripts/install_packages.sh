@@ -18,7 +18,7 @@ packages="
   libcairo2-dev poppler-utils librsvg2-bin
   libgtest-dev libgmock-dev opencv-doc locales
   dpkg-dev file lowdown pkgconf
-  clang clang-format clang-tidy shellcheck
+  clang clang-format clang-tidy shellcheck doxygen
 "
 
 missing=""

@@ -1,11 +1,17 @@
-// trackedcam: calibrates a tracked camera from photographs of a tracked chessboard chart.
-//
-// Frames: Cam (the camera's optical frame: x right, y down, z forward), Tc (the tracker on the
-// camera), Base (the tracking system), Tr (the tracker on the chart), Chart (the chessboard: origin
-// in the first inner corner, x along a row, y along a column). Transform_A_B takes coordinates
-// given in frame B into frame A: p_A = Transform_A_B * p_B.
-//
-// Text is UTF-8. Lengths are metres, angles degrees, sensor sizes and focal lengths millimetres.
+/// @mainpage
+///
+/// trackedcam calibrates a tracked camera from photographs of a tracked chessboard chart. Its five
+/// functions are declared in trackedcam.h.
+///
+/// Frames: Cam (the camera's optical frame: x right, y down, z forward), Tc (the tracker on the
+/// camera), Base (the tracking system), Tr (the tracker on the chart), Chart (the chessboard:
+/// origin in the first inner corner, x along a row, y along a column). Transform_A_B takes
+/// coordinates given in frame B into frame A: p_A = Transform_A_B * p_B.
+///
+/// Text is UTF-8. Lengths are metres, angles degrees, sensor sizes and focal lengths millimetres.
+
+/// @file
+/// The functions that the library exports.
 
 #ifndef TRACKEDCAM_TRACKEDCAM_H
 #define TRACKEDCAM_TRACKEDCAM_H
@@ -101,13 +107,10 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
                                std::string logFolder, bool Flag_ModifyQuat,
                                int Num_TrackerData) noexcept(false);
 
-/// The four functions below hand Transform_Cam_Tc to an engine: they give the offset from the
-/// camera's tracker to the camera in that engine's axes. In common to them:
+/// @defgroup engines Exports to engines
 ///
-/// @param transformCamTc Transform_Cam_Tc as Calibration hands it out: sixteen values row by row,
-///   translation in metres at 3, 7 and 11. What is behind the sixteenth is ignored.
-/// @param[out] translationCm Three values: x, y, z, centimetres.
-/// @param logFolder An existing folder for the log of the call, as for Calibration.
+/// Four functions hand Transform_Cam_Tc to an engine: they give the offset from the camera's
+/// tracker to the camera in that engine's axes.
 ///
 /// Outputs are appended to and never cleared: pass empty vectors. Where a log line shows an output
 /// of CamAxisToUE5, CamAxisToUE5_ExportxN, or the lens figures of CamAxisToAximmetry, it shows the
@@ -116,11 +119,17 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
 /// All return -1 for wrong use by the host: an input vector holds fewer elements than are read (the
 /// log says which). Nothing is then filled. Threads and exceptions are as for Calibration. Rx, Ry
 /// and Rz are right-handed elementary rotations.
+///
+/// @{
 
 /// For Unreal Engine 4: left-handed, x forward, y right, z up, seen from the camera.
 ///
+/// @param transformCamTc Transform_Cam_Tc as Calibration hands it out: sixteen values row by row,
+///   translation in metres at 3, 7 and 11. What is behind the sixteenth is ignored.
 /// @param[out] rotationDeg Three values, degrees: roll, pitch, yaw. The rotation block of the
 ///   offset is Rz(yaw) * Ry(-pitch) * Rx(-roll).
+/// @param[out] translationCm Three values: x, y, z, centimetres.
+/// @param logFolder An existing folder for the log of the call, as for Calibration.
 ///
 /// Angles and translation are computed in single precision.
 ///
@@ -137,8 +146,11 @@ TRACKEDCAM_API int CamAxisToUE4(std::vector<double> transformCamTc,
 /// For Unreal Engine 5. The axes of Cam stay (x right, y down, z forward) and the hand is not
 /// changed; of the tracker's axes x stays x, z becomes y and y becomes -z.
 ///
+/// @param transformCamTc As for CamAxisToUE4.
 /// @param[out] quaternionXyzw Four values: the quaternion of the offset's rotation, x, y, z, w. Its
 ///   sign is free: where the rotation's trace is not positive, w may be negative.
+/// @param[out] translationCm Three values: x, y, z, centimetres.
+/// @param logFolder As for CamAxisToUE4.
 ///
 /// All is computed in double precision. There is no gimbal lock.
 ///
@@ -151,6 +163,11 @@ TRACKEDCAM_API int CamAxisToUE5(std::vector<double> transformCamTc,
 /// For Unreal Engine 5 with other axes, right-handed both: those of the camera are x up, y forward,
 /// z left; those of the tracker are -z, -y, -x of Tc. All else is as for CamAxisToUE5.
 ///
+/// @param transformCamTc As for CamAxisToUE4.
+/// @param[out] quaternionXyzw As for CamAxisToUE5.
+/// @param[out] translationCm As for CamAxisToUE5.
+/// @param logFolder As for CamAxisToUE4.
+///
 /// @return 0, or -1 when transformCamTc has fewer than 16 elements.
 TRACKEDCAM_API int CamAxisToUE5_ExportxN(std::vector<double> transformCamTc,
                                          std::vector<double>& quaternionXyzw,
@@ -161,11 +178,14 @@ TRACKEDCAM_API int CamAxisToUE5_ExportxN(std::vector<double> transformCamTc,
 ///
 /// @param normFocal The first two values that Calibration hands out: fx / width, fy / height.
 /// @param normCenter The same for the principal point: cx / width, cy / height.
+/// @param transformCamTc As for CamAxisToUE4.
 /// @param[out] fovX One value: the horizontal field of view, degrees.
 /// @param[out] lensCentre Two values: cx / width - 0.5 and -(cy / height - 0.5), the shift of the
 ///   principal point to the right and upwards, in parts of the image.
 /// @param[out] rotationDeg Three values a, degrees: the rotation block of the offset is
 ///   Ry(a[1]) * Rx(a[0]) * Rz(a[2]).
+/// @param[out] translationCm Three values: x, y, z, centimetres.
+/// @param logFolder As for CamAxisToUE4.
 ///
 /// The lens figures are computed in double precision, angles and translation in single. In gimbal
 /// lock (a[0] within about 0.09 degree of 90 or -90) a[0] is 90 or -90, a[1] is 0 and a[2] takes
@@ -179,6 +199,8 @@ TRACKEDCAM_API int CamAxisToAximmetry(std::vector<double> normFocal, std::vector
                                       std::vector<double>& rotationDeg,
                                       std::vector<double>& translationCm,
                                       std::string logFolder) noexcept(false);
+
+/// @}
 
 }  // extern "C"
 
