@@ -13,8 +13,8 @@
 namespace trackedcam {
 namespace {
 
-// Axes of a tracker in the axes of the solving stages: x and z point the other way round, y and z
-// change places. Built from the angles, since the cut pi shows in the last digits.
+// Axes of a tracker in the axes of the solving stages: all three point the other way round, and y
+// and z change places. Built from the angles, since the cut pi shows in the last digits.
 Transform MakeTrackerAxisFix() {
   const Quaternion rotation = QuaternionFromAnglesXyz({kShortPi / 2, 0, kShortPi});
   return MakeTransform(RotationFromQuaternion(rotation), Eigen::Vector3d::Zero());
