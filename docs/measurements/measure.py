@@ -230,7 +230,7 @@ def mistakes():
     cases = {
         "none": {},
         "quaternions inverted": {"invert_tracker_quaternions": "true"},
-        "square in millimetres": {"square": 30},
+        "square ten times too large": {"square": 0.3},
         "board turned: 6x9 for 9x6": {"board": "6x9"},
         "board too small: 8x5 for 9x6": {"board": "8x5"},
         "board counted in squares: 10x7 for 9x6": {"board": "10x7"},

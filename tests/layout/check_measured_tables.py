@@ -24,6 +24,9 @@ for page in sorted(docs.rglob("*.md")):
     text = page.read_text(encoding="utf-8")
     for name, table in re.findall(r"<!-- (\S+\.csv) -->\n((?:\|.*\n)+)", text):
         shown.add(name)
+        if name not in files:
+            faults.append(f"{page.name}: {name} does not exist")
+            continue
         header, _, *lines = table.splitlines()
         rows = [dict(zip(cells(header), cells(line))) for line in lines]
         with open(files[name], encoding="utf-8", newline="") as file:
