@@ -179,7 +179,7 @@ def slips():
                 simulate(seed, outliers=outliers, slip_mm=mm, slip_degrees=degrees, **NOISE)
                 runs.append(calibrate())
                 kept += len(set(read("truth.json")["outliers"]).intersection(read("result.json")["used"]))
-            yield ({"Slip": f"{mm} mm and {degrees}°", "in": outliers} | summary(runs)
+            yield ({"Slip": f"{mm} mm and {degrees}°", "Slipped of 40": outliers} | summary(runs)
                    | {"Kept": f"{kept} of {outliers * len(SEEDS)}"})
 
 
