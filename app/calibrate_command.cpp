@@ -52,7 +52,7 @@ void WriteResult(const fs::path& path, const CalibrationReport& report) {
 }
 
 void Warn(const CalibrateOptions& options, const CalibrationReport& report) {
-  if (report.code == kSuccess) {
+  if (report.code == kSuccess && IsUsable(report)) {
     return;
   }
   std::cerr << "trackedcam: ";
@@ -66,8 +66,8 @@ void Warn(const CalibrateOptions& options, const CalibrationReport& report) {
               << ".\n";
     return;
   }
-  std::cerr << (IsUsable(report.code) ? "warning: " : "error " + std::to_string(report.code) + ": ")
-            << VerdictOf(report.code).words << '\n';
+  std::cerr << (IsUsable(report) ? "warning: " : "error " + std::to_string(report.code) + ": ")
+            << VerdictOf(report).words << '\n';
 }
 
 // False when an engine refuses the result.
@@ -104,7 +104,7 @@ int Calibrate(const CalibrateOptions& options) {
 
   CalibrationReport report = RunCalibration(options, photographs.size());
   // Engines get no figures of a failed calibration.
-  const bool isDone = IsUsable(report.code) && HandToEngines(options, report);
+  const bool isDone = IsUsable(report) && HandToEngines(options, report);
   PrintSummary(std::cout, report, truth ? &*truth : nullptr);
   if (!options.result.empty()) {
     WriteResult(options.result, report);

@@ -55,9 +55,9 @@ void PrintPhotographs(std::ostream& out, const RunRecord& record) {
 }
 
 void PrintVerdict(std::ostream& out, const CalibrationReport& report) {
-  const Verdict verdict = VerdictOf(report.code);
+  const Verdict verdict = VerdictOf(report);
   out << '\n'
-      << (IsUsable(report.code) ? "" : "Failed, code " + std::to_string(report.code) + ": ")
+      << (IsUsable(report) ? "" : "Failed, code " + std::to_string(report.code) + ": ")
       << verdict.words << "\nNext: " << verdict.advice << '\n';
 }
 

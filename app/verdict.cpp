@@ -1,5 +1,7 @@
 #include "app/verdict.h"
 
+#include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace trackedcam::app {
@@ -65,6 +67,19 @@ Verdict VerdictOf(int code) {
 
 bool IsUsable(int code) {
   return code == kSuccess || code == kNewShootRecommended;
+}
+
+Verdict VerdictOf(const CalibrationReport& report) {
+  return IsUsable(report.code) && !IsUsable(report)
+             ? Verdict{"The transform is not a number.",
+                       "Correct the data file: a pose of a tracker is nan, inf or far too large."}
+             : VerdictOf(report.code);
+}
+
+bool IsUsable(const CalibrationReport& report) {
+  const std::vector<double>& transform = report.outputs.transformCamTc;
+  return IsUsable(report.code) && std::all_of(transform.begin(), transform.end(),
+                                              [](double number) { return std::isfinite(number); });
 }
 
 }  // namespace trackedcam::app

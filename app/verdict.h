@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "app/calibration_report.h"
+
 namespace trackedcam::app {
 
 struct Verdict {
@@ -16,6 +18,11 @@ Verdict VerdictOf(int code);
 
 /// True where the outputs may be used.
 bool IsUsable(int code);
+
+/// The same of a whole run. The library hands out the transform of a data file that holds nan as a
+/// success; here it is a failure.
+Verdict VerdictOf(const CalibrationReport& report);
+bool IsUsable(const CalibrationReport& report);
 
 constexpr int kSuccess = 0;
 constexpr int kTooFewPhotographs = 4;

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <regex>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -184,6 +185,19 @@ TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
   EXPECT_EQ(run.error, "trackedcam: warning: Usable, but a new calibration is recommended.\n");
   EXPECT_EQ(Read("result.json")["code"], 99);
   EXPECT_EQ(Read("result.json")["message"], "Recalibration is recommended.");
+}
+
+TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
+  Simulate();
+  std::string data = test::ReadFile(folder.File("shoot/tracker_data.csv"));
+  // The position of the camera's tracker along x, in each row.
+  data = std::regex_replace(data, std::regex("(\n[^,\n]*,[^,\n]*),[^,\n]*"), "$1,nan");
+  test::WriteFile(folder.File("shoot/tracker_data.csv"), data);
+  const ProgramRun run = Calibrate({"--export", "ue5"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.error, "trackedcam: error 0: The transform is not a number.\n");
+  EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
+  EXPECT_TRUE(Read("result.json")["transformCamTc"][3].is_null());
 }
 
 TEST_F(HostProgramShoot, AnExceptionLeavesNoEarlierResult) {

@@ -1,5 +1,7 @@
 #include "app/summary.h"
 
+#include <cmath>
+#include <limits>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -88,6 +90,19 @@ TEST(Verdict, IsUsableForSuccessAndWarningOnly) {
   for (const int code : {1, 2, 4, 5, 6, 7, 13, 14, 15, -1, 1000}) {
     EXPECT_FALSE(IsUsable(code)) << code;
   }
+}
+
+TEST(Verdict, OfATransformThatIsNoNumberIsAFailure) {
+  CalibrationReport report = GoodReport();
+  EXPECT_TRUE(IsUsable(report));
+  EXPECT_EQ(VerdictOf(report).words, VerdictOf(0).words);
+  for (const double number : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+    report.outputs.transformCamTc[5] = number;
+    EXPECT_FALSE(IsUsable(report));
+    EXPECT_EQ(VerdictOf(report).words, "The transform is not a number.");
+  }
+  report.code = 4;
+  EXPECT_EQ(VerdictOf(report).words, VerdictOf(4).words);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-"""Checks that the README's snippets are the marked parts of the examples, and that its links lead somewhere.
+"""Checks that the README's snippets are the marked parts of the examples.
 
 Usage: check_readme.py SOURCE_ROOT
 """
@@ -21,9 +21,6 @@ for example in sorted((root / "examples").glob("*.cpp")):
         else:
             faults.append(f"the README does not show the marked part of {example.name}")
 faults += [f"no example has the snippet\n{snippet}" for snippet in snippets]
-for link in re.findall(r"\]\(([^)#]+)\)", readme):
-    if not (root / link).exists():
-        faults.append(f"{link} does not exist")
 
-print("\n".join(faults) or "every snippet is an example's and every link leads somewhere")
+print("\n".join(faults) or "every snippet is an example's")
 sys.exit(1 if faults else 0)
