@@ -24,7 +24,4 @@ std::tm LocalTime();
 /// Makes the console show UTF-8. Doing nothing, or failing, is no error.
 void UseUtf8Console();
 
-/// What atof gives in the C locale, whatever locale the host has set.
-double ParseNumber(const char* text);
-
 }  // namespace trackedcam

@@ -1,5 +1,3 @@
-#include <locale.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <time.h>
 
@@ -33,12 +31,5 @@ std::tm LocalTime() {
 }
 
 void UseUtf8Console() {}
-
-double ParseNumber(const char* text) {
-  const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-  const double number = strtod_l(text, nullptr, cLocale);
-  freelocale(cLocale);
-  return number;
-}
 
 }  // namespace trackedcam

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "core/number_text.h"
 #include "core/platform.h"
 #include "core/utf8.h"
 
@@ -98,7 +99,7 @@ ResultCode ReadTrackerData(RunLog log, const std::string& dataPath,
       if (i == kPathField) {
         imagePaths.push_back(fields[i]);
       } else {
-        record.push_back(ParseNumber(fields[i].c_str()));
+        record.push_back(ParseNumber(fields[i]));
       }
     }
     if (const ResultCode code = AppendRecord(log, record, records)) {
