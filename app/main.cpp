@@ -1,5 +1,7 @@
 // trackedcam: calibrates a tracked camera from the command line.
 
+#include "app/main.h"
+
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -54,7 +56,7 @@ int Run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int trackedcam::app::Main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {

@@ -5,6 +5,13 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+# Which of the files platform_*.cpp a folder takes.
+if(WIN32)
+  set(TRACKEDCAM_PLATFORM windows)
+else()
+  set(TRACKEDCAM_PLATFORM posix)
+endif()
+
 add_library(trackedcam_compile_options INTERFACE)
 target_compile_features(trackedcam_compile_options INTERFACE cxx_std_17)
 

@@ -3,6 +3,9 @@
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "core/platform.h"
+#include "core/utf8.h"
+
 namespace trackedcam {
 namespace {
 
@@ -32,8 +35,14 @@ void DrawCorners(cv::Mat& photograph, const Corners& detected, const Corners& pr
 void WriteReprojectedImage(const cv::Mat& image, const std::string& folder,
                            const std::string& imagePath) {
   const std::string name = imagePath.substr(imagePath.find_last_of('\\') + 1);
+  const std::string path = folder + "//Reproject_" + name;
   try {
-    cv::imwrite(folder + "//Reproject_" + name, image);
+    // Encoded in memory, by the end of the name: the image library cannot open every path.
+    std::vector<unsigned char> bytes;
+    cv::imencode(path, image, bytes);
+    if (const File file = OpenFile(WideFromUtf8(path), "wb")) {
+      std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+    }
   } catch (const cv::Exception&) {
     // The image is an extra: the figures of the run do not depend on it.
   }

@@ -32,11 +32,8 @@ TEST_F(ChartCommand, SaysOnThePageHowToCalibrate) {
   EXPECT_THAT(run.out, AllOf(HasSubstr("new folder/chart.PDF\n"),
                              HasSubstr("trackedcam calibrate --board 9x6 --square 0.03 ")));
 
-  const std::string text = folder.File("text");
-  const std::string read =
-      "pdftotext " + Quoted(folder.File("new folder/chart.PDF")) + ' ' + Quoted(text);
-  ASSERT_EQ(std::system(read.c_str()), 0);
-  EXPECT_THAT(test::ReadFile(text),
+  ASSERT_EQ(RunTool(folder.Path(), "pdftotext", {"new folder/chart.PDF", "text"}), 0);
+  EXPECT_THAT(test::ReadFile(folder.File("text")),
               AllOf(HasSubstr("trackedcam calibrate --board 9x6 --square 0.03\n"),
                     HasSubstr("the board measures 300 × 210 mm."), HasSubstr("0 mm"),
                     HasSubstr("\n300\n")));

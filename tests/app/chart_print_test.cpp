@@ -46,14 +46,13 @@ class ChartPrint : public testing::TestWithParam<Request> {
          std::to_string(request.board.width) + 'x' + std::to_string(request.board.height),
          "--square", request.square, "--paper", request.paper, "--out", request.out});
     ASSERT_EQ(run.status, 0) << run.error;
-    const std::string file = Quoted(folder.File(request.out));
-    const std::string picture = folder.File("page");
-    const std::string render =
-        std::filesystem::path(request.out).extension() == ".pdf"
-            ? "pdftoppm -r 254 -png -singlefile " + file + ' ' + Quoted(picture)
-            : "rsvg-convert -d 254 -p 254 " + file + " -o " + Quoted(picture + ".png");
-    ASSERT_EQ(std::system(render.c_str()), 0) << render;
-    page = cv::imread(picture + ".png", cv::IMREAD_GRAYSCALE);
+    const int status = std::filesystem::path(request.out).extension() == ".pdf"
+                           ? RunTool(folder.Path(), "pdftoppm",
+                                     {"-r", "254", "-png", "-singlefile", request.out, "page"})
+                           : RunTool(folder.Path(), "rsvg-convert",
+                                     {"-d", "254", "-p", "254", request.out, "-o", "page.png"});
+    ASSERT_EQ(status, 0) << test::ReadFile(folder.File("tool_error"));
+    page = cv::imread(folder.File("page.png"), cv::IMREAD_GRAYSCALE);
     ASSERT_FALSE(page.empty());
   }
 

@@ -1,13 +1,12 @@
-// The built program, run as a process of its own.
+// The built program and others, each run as a process of its own.
 
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <sys/wait.h>
 #include <vector>
 
+#include "support/platform.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::app {
@@ -18,23 +17,20 @@ struct ProgramRun {
   std::string error;
 };
 
-inline std::string Quoted(const std::string& argument) {
-  return '\'' + argument + '\'';
-}
-
 /// Runs the program in a folder, which also gets what it writes to its two streams.
 inline ProgramRun RunHostProgram(const std::filesystem::path& folder,
                                  const std::vector<std::string>& arguments) {
-  const std::string out = (folder / "standard_output").u8string();
-  const std::string error = (folder / "standard_error").u8string();
-  std::string command =
-      "cd " + Quoted(folder.u8string()) + " && " + Quoted(TRACKEDCAM_HOST_PROGRAM);
-  for (const std::string& argument : arguments) {
-    command += ' ' + Quoted(argument);
-  }
-  command += " >" + Quoted(out) + " 2>" + Quoted(error);
-  const int result = std::system(command.c_str());
-  return {WIFEXITED(result) ? WEXITSTATUS(result) : -1, test::ReadFile(out), test::ReadFile(error)};
+  const std::filesystem::path out = folder / "standard_output";
+  const std::filesystem::path error = folder / "standard_error";
+  const int status = test::RunProgram(std::filesystem::absolute(TRACKEDCAM_HOST_PROGRAM), arguments,
+                                      folder, out, error);
+  return {status, test::ReadText(out.u8string()), test::ReadText(error.u8string())};
+}
+
+/// Runs a tool that is installed on this machine in a folder, and returns its exit status.
+inline int RunTool(const std::filesystem::path& folder, const std::string& tool,
+                   const std::vector<std::string>& arguments) {
+  return test::RunProgram(tool, arguments, folder, folder / "tool_output", folder / "tool_error");
 }
 
 }  // namespace trackedcam::app

@@ -102,6 +102,19 @@ TEST_F(HostProgramShoot, CanBeMoved) {
   EXPECT_TRUE(fs::is_regular_file(folder.Path() / "archive" / "shoot #2, day" / "result.json"));
 }
 
+TEST_F(HostProgramShoot, TakesNamesOfAnyLanguage) {
+  ASSERT_EQ(Run({"simulate", "撮影é", "--photographs", "14", "--image", "960x540"}).status, 0);
+  const ProgramRun run = Run({"calibrate", "--config", "撮影é/shoot.toml", "--log-folder", "記録é",
+                              "--result", "résultat_結果.json"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, HasSubstr("résultat_結果.json"));
+  const Json result = Json::parse(test::ReadFile(folder.File("résultat_結果.json")));
+  EXPECT_EQ(result["images"].size(), result["used"].size());
+  for (const Json& image : result["images"]) {
+    EXPECT_TRUE(fs::is_regular_file(fs::u8path(image.get<std::string>()))) << image;
+  }
+}
+
 TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   Simulate();
   fs::create_directory(folder.Path() / "elsewhere");

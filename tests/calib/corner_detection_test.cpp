@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "support/drawn_board.h"
+#include "support/image_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam {

@@ -3,9 +3,10 @@
 #include <cmath>
 
 #include "calib/reprojected_image.h"
-#include "support/drawn_board.h"
+#include "support/image_file.h"
 #include "support/pose_lists.h"
 #include "support/stage_test.h"
+#include "support/working_folder.h"
 
 namespace trackedcam {
 namespace {
@@ -108,7 +109,7 @@ TEST_F(ReprojectionErrorTest, IsDrawnWhenImagesAreWritten) {
   EXPECT_EQ(Measure(false), 0);
   EXPECT_FALSE(fs::exists(fs::u8path(folder.File("Reproject_img_07.png"))));
   EXPECT_EQ(Measure(true), 0);
-  const cv::Mat image = cv::imread(folder.File("Reproject_img_07.png"));
+  const cv::Mat image = test::ReadImage(folder.File("Reproject_img_07.png"));
   ASSERT_EQ(image.size(), cv::Size(100, 80));
   EXPECT_EQ(image.at<cv::Vec3b>(40, 20), kRed);
   EXPECT_EQ(image.at<cv::Vec3b>(40, 50), kBlue);
@@ -116,12 +117,12 @@ TEST_F(ReprojectionErrorTest, IsDrawnWhenImagesAreWritten) {
 }
 
 TEST_F(ReprojectionErrorTest, AppendsAPathWithForwardSlashesWhole) {
-  const std::string photograph = GreyImage("a.png");
-  fs::create_directories(
-      fs::u8path(folder.Path().u8string() + "//Reproject_" + folder.Path().u8string()));
-  AddPhotograph(photograph, {0, 0});
+  GreyImage("photos/a.png");
+  fs::create_directory(folder.Path() / "Reproject_photos");
+  AddPhotograph("photos/a.png", {0, 0});
+  const test::WorkingFolder workingFolder(folder.Path());
   EXPECT_EQ(Measure(true), 0);
-  EXPECT_TRUE(fs::exists(fs::u8path(folder.Path().u8string() + "//Reproject_" + photograph)));
+  EXPECT_TRUE(fs::exists(folder.Path() / "Reproject_photos" / "a.png"));
 }
 
 TEST_F(ReprojectionErrorTest, GoesOnWithoutAnImageThatCannotBeWritten) {

@@ -5,6 +5,7 @@
 
 #include "core/utf8.h"
 #include "support/log_lines.h"
+#include "support/platform.h"
 #include "support/stage_test.h"
 
 namespace trackedcam {
@@ -36,13 +37,14 @@ TEST_F(RunLogTest, WritesTimeTabMessageAndLineEndToFileAndConsole) {
   const std::string console = ConsoleOf([&] { WriteRunLogLine(log, "Start OrganizeRT."); });
   const std::regex line(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\tStart OrganizeRT\.\n)");
   EXPECT_TRUE(std::regex_match(console, line)) << console;
-  EXPECT_EQ(test::ReadFile(Utf8FromWide(log.path)), console);
+  EXPECT_EQ(test::ReadText(Utf8FromWide(log.path)), console);
 }
 
-TEST_F(RunLogTest, LeavesTabsLineFeedsAndUtf8AsTheyAre) {
+TEST_F(RunLogTest, HasTheLineEndsOfTheSystemAndLeavesTabsAndUtf8) {
   WriteRunLogLine(log, "a\tb\nc 撮影");
   const std::string content = test::ReadFile(Utf8FromWide(log.path));
-  EXPECT_EQ(content.substr(content.find('\t')), "\ta\tb\nc 撮影\n");
+  EXPECT_EQ(content.substr(content.find('\t')),
+            std::string("\ta\tb") + test::kLineEnd + "c 撮影" + test::kLineEnd);
 }
 
 TEST_F(RunLogTest, WithoutAFolderGoesToTheConsoleOnly) {

@@ -1,5 +1,6 @@
 """What the checks of the installed tree share: an installed tree, a shoot, and running the examples."""
 
+import os
 import pathlib
 import re
 import subprocess
@@ -17,19 +18,24 @@ def run(*command, **options):
     return done.stdout
 
 
+def run_program(program, *arguments, **options):
+    """Runs a program that was built, through the emulator where it is for another system."""
+    return run(*filter(None, [os.environ.get("EMULATOR")]), program, *arguments, **options)
+
+
 def install(prefix):
     run("cmake", "--install", BUILD, "--prefix", prefix)
 
 
 def check_examples(folder, program, scratch):
     """Runs the built examples of a folder on a shoot that the installed program simulates."""
-    run(program, "simulate", scratch / "shoot", "--photographs", "14", "--image", "960x540")
+    run_program(program, "simulate", scratch / "shoot", "--photographs", "14", "--image", "960x540")
     (scratch / "log").mkdir()
-    calibrated = run(folder / "example_01_calibrate", scratch / "shoot/tracker_data.csv", scratch / "log",
-                     cwd=scratch / "shoot")
+    calibrated = run_program(folder / "example_01_calibrate", scratch / "shoot/tracker_data.csv",
+                             scratch / "log", cwd=scratch / "shoot")
     if not re.search(r"^\d+\.\d mm, camera tracker at -?\d", calibrated, re.MULTILINE):
         sys.exit(f"01_calibrate prints\n{calibrated}")
-    exported = run(folder / "example_02_export_to_engine", scratch / "log")
+    exported = run_program(folder / "example_02_export_to_engine", scratch / "log")
     for line in ["location 12.00 2.00 -8.00 cm", "roll 5.00, pitch 10.00, yaw 30.00 degrees"]:
         if line not in exported.splitlines():
             sys.exit(f"02_export_to_engine does not print {line} but\n{exported}")

@@ -3,8 +3,7 @@
 #include <regex>
 #include <stdexcept>
 
-#include <opencv2/imgcodecs.hpp>
-
+#include "support/image_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam {
@@ -13,10 +12,7 @@ namespace {
 class LoadImageTest : public test::StageTest {
  protected:
   std::string WriteImage(const std::string& name, const cv::Mat& image) {
-    std::vector<unsigned char> bytes;
-    cv::imencode(".png", image, bytes);
-    test::WriteFile(folder.File(name), std::string(bytes.begin(), bytes.end()));
-    return folder.File(name);
+    return test::WriteImage(folder.File(name), image);
   }
 };
 

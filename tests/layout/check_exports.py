@@ -1,18 +1,26 @@
 """Compares the functions that the public header declares with those that the library exports.
 
-Usage: check_exports.py HEADER NM LIBRARY
+Usage: check_exports.py HEADER LIBRARY NM OBJDUMP
 """
 
 import re
 import subprocess
 import sys
 
-header, nm, library = sys.argv[1:]
+header, library, nm, objdump = sys.argv[1:]
 with open(header, encoding="utf-8") as file:
     declared = set(re.findall(r"^TRACKEDCAM_API \w+ (\w+)\(", file.read(), re.MULTILINE))
-table = subprocess.run([nm, "-D", "--defined-only", library], check=True, capture_output=True,
-                       text=True).stdout
-exported = {line.split()[-1] for line in table.splitlines()}
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+if library.endswith(".dll"):
+    names = output_of(objdump, "-p", library).split("[Ordinal/Name Pointer] Table\n")[1].split("\n\n")[0]
+    exported = set(re.findall(r"\[ *\d+\] (\S+)$", names, re.MULTILINE))
+else:
+    exported = {line.split()[-1] for line in output_of(nm, "-D", "--defined-only", library).splitlines()}
 
 for name in sorted(declared - exported):
     print(f"{name} is declared and not exported")

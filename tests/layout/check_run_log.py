@@ -10,7 +10,7 @@ import sys
 import tempfile
 
 # Texts of the sources that reach no log.
-SILENT = {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d-%H.%M.%S", "Time,", "bad conversion", "date", "now", "rb",
+SILENT = {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d-%H.%M.%S", "Time,", "bad conversion", "date", "now", "rb", "wb",
           "//Reproject_"}
 # Its messages stand on the page of the result codes.
 MESSAGES = "src/core/result_code.cpp"

@@ -3,12 +3,11 @@
 #include <cmath>
 #include <cstdlib>
 
-#include <opencv2/imgcodecs.hpp>
-
 #include "shoots/calibrate_shoot.h"
 #include "shoots/expected_log.h"
 #include "simulator/write_shoot.h"
 #include "support/foreign_locale.h"
+#include "support/image_file.h"
 #include "support/transform_matchers.h"
 
 namespace trackedcam::test {
@@ -159,7 +158,7 @@ TEST(ReprojectedImages, AreWrittenForThePhotographsThatAreLeft) {
     const bool isLeft = std::find(removed.begin(), removed.end(), i) == removed.end();
     EXPECT_EQ(fs::exists(fs::u8path(image)), isLeft) << i;
     if (isLeft) {
-      EXPECT_EQ(cv::imread(image).size(), cv::Size(960, 540));
+      EXPECT_EQ(ReadImage(image).size(), cv::Size(960, 540));
     }
   }
 }

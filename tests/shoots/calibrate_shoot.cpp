@@ -2,23 +2,13 @@
 
 #include "simulator/write_shoot.h"
 #include "support/log_lines.h"
+#include "support/working_folder.h"
 #include "trackedcam/trackedcam.h"
 
 namespace trackedcam::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-class WorkingFolder {
- public:
-  explicit WorkingFolder(const fs::path& folder) { fs::current_path(folder); }
-  ~WorkingFolder() { fs::current_path(before_); }
-  WorkingFolder(const WorkingFolder&) = delete;
-  WorkingFolder& operator=(const WorkingFolder&) = delete;
-
- private:
-  fs::path before_ = fs::current_path();
-};
 
 std::vector<double> Numbers(const Eigen::Vector3d& vector) {
   return {vector.x(), vector.y(), vector.z()};

@@ -5,10 +5,10 @@
 #include <Eigen/Geometry>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core/eigen.hpp>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include "shoots/calibrate_shoot.h"
+#include "support/image_file.h"
 #include "support/log_lines.h"
 #include "support/random_transform.h"
 #include "support/transform_matchers.h"
@@ -25,7 +25,7 @@ std::vector<fs::path> Photographs() {
   std::vector<fs::path> photographs;
   for (int i = 1; i <= 14; ++i) {
     const std::string number = (i < 10 ? "0" : "") + std::to_string(i);
-    const fs::path path = fs::path(TRACKEDCAM_REAL_PHOTOGRAPHS) / ("left" + number + ".jpg");
+    const fs::path path = fs::absolute(TRACKEDCAM_REAL_PHOTOGRAPHS) / ("left" + number + ".jpg");
     if (fs::exists(path)) {
       photographs.push_back(path);
     }
@@ -42,7 +42,7 @@ std::vector<Eigen::Isometry3d> ChartPoses(const std::vector<fs::path>& photograp
   }
   std::vector<std::vector<cv::Point2f>> corners;
   for (const fs::path& photograph : photographs) {
-    const cv::Mat grey = cv::imread(photograph.string(), cv::IMREAD_GRAYSCALE);
+    const cv::Mat grey = ReadImage(photograph.u8string(), cv::IMREAD_GRAYSCALE);
     EXPECT_TRUE(cv::findChessboardCorners(grey, kBoard, corners.emplace_back()));
     cv::cornerSubPix(grey, corners.back(), {5, 5}, {-1, -1}, {cv::TermCriteria::COUNT, 50, 0});
   }
@@ -90,7 +90,7 @@ TEST(RealPhotographs, GiveTheirLensAndTheTransformThatWasPutIn) {
     const Eigen::Isometry3d Transform_Base_Tr(RandomTransform(random));
     const Eigen::Isometry3d Transform_Base_Tc =
         Transform_Base_Tr * chartPoses[i].inverse() * Transform_Cam_Tc;
-    data += std::to_string(i) + "," + photographs[i].string() + Reported(Transform_Base_Tc) +
+    data += std::to_string(i) + "," + photographs[i].u8string() + Reported(Transform_Base_Tc) +
             Reported(Transform_Base_Tr) + "\n";
   }
   const TemporaryFolder folder;

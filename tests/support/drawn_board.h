@@ -2,9 +2,6 @@
 
 #pragma once
 
-#include <string>
-
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
 namespace trackedcam::test {
@@ -23,11 +20,6 @@ inline cv::Mat DrawnBoard(cv::Size image, cv::Point first, int square, int cols,
     }
   }
   return picture;
-}
-
-inline std::string WriteImage(const std::string& path, const cv::Mat& image) {
-  cv::imwrite(path, image);
-  return path;
 }
 
 }  // namespace trackedcam::test

@@ -3,6 +3,7 @@
 #include <clocale>
 #include <locale>
 #include <stdexcept>
+#include <string>
 
 namespace trackedcam::test {
 
@@ -10,14 +11,24 @@ namespace trackedcam::test {
 class ForeignLocale {
  public:
   ForeignLocale() {
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
-      throw std::runtime_error("The locale de_DE.UTF-8 is not on this machine.");
+    // The streams get a comma of our own: not every C++ runtime knows the system's locales.
+    std::locale::global(std::locale(std::locale::classic(), new DecimalComma));
+    // The names on Linux and on Windows.
+    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr &&
+        std::setlocale(LC_ALL, "German_Germany.1252") == nullptr) {
+      throw std::runtime_error("The machine has no German locale.");
     }
-    std::locale::global(std::locale("de_DE.UTF-8"));
   }
   ~ForeignLocale() { std::locale::global(std::locale::classic()); }
   ForeignLocale(const ForeignLocale&) = delete;
   ForeignLocale& operator=(const ForeignLocale&) = delete;
+
+ private:
+  class DecimalComma : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+  };
 };
 
 }  // namespace trackedcam::test

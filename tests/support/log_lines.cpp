@@ -19,7 +19,7 @@ const std::regex kAnyNumber(R"(-?(\d+\.\d{6}|nan|inf))");
 
 std::vector<std::string> ReadLogLines(const std::string& path) {
   std::vector<std::string> messages;
-  std::ifstream file(fs::u8path(path), std::ios::binary);
+  std::ifstream file(fs::u8path(path));
   const std::regex stamp(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\t)");
   for (std::string line; std::getline(file, line);) {
     std::smatch match;

@@ -36,14 +36,26 @@ void WriteFile(const std::string& path, const std::string& content) {
   }
 }
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(fs::u8path(path), std::ios::binary);
+namespace {
+
+std::string ReadAll(const std::string& path, std::ios::openmode mode) {
+  std::ifstream file(fs::u8path(path), mode);
   if (!file) {
     throw std::runtime_error("cannot read " + path);
   }
   std::ostringstream content;
   content << file.rdbuf();
   return content.str();
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+  return ReadAll(path, std::ios::in | std::ios::binary);
+}
+
+std::string ReadText(const std::string& path) {
+  return ReadAll(path, std::ios::in);
 }
 
 StageTest::StageTest() {

@@ -32,6 +32,9 @@ class TemporaryFolder {
 void WriteFile(const std::string& path, const std::string& content);
 std::string ReadFile(const std::string& path);
 
+/// With a line feed for each line end, whatever the system writes.
+std::string ReadText(const std::string& path);
+
 class StageTest : public testing::Test {
  protected:
   StageTest();

@@ -1,0 +1,43 @@
+"""Makes the zip for Windows, unpacks it, and builds and runs the examples with what is in it.
+
+Usage: check_zip.py BUILD SOURCE
+"""
+
+import os
+import pathlib
+import shutil
+import tempfile
+import zipfile
+
+from stranger import BUILD, SOURCE, check_examples, run
+
+FILES = {
+    "bin/trackedcam.dll",
+    "bin/trackedcam.exe",
+    "include/trackedcam/trackedcam.h",
+    "lib/libtrackedcam.dll.a",
+    "lib/cmake/trackedcam/trackedcamConfig.cmake",
+    "lib/cmake/trackedcam/trackedcamConfigVersion.cmake",
+    "share/doc/trackedcam/LICENSE",
+    "share/doc/trackedcam/README.md",
+    "share/doc/trackedcam/docs/windows.md",
+    "share/doc/trackedcam/examples/01_calibrate.cpp",
+}
+
+with tempfile.TemporaryDirectory() as name:
+    scratch, build = pathlib.Path(name), pathlib.Path(name) / "build"
+    run("cpack", "-G", "ZIP", "-B", scratch / "packages", cwd=BUILD)
+    with zipfile.ZipFile(next((scratch / "packages").glob("*.zip"))) as archive:
+        archive.extractall(scratch)
+    prefix = next(scratch.glob("trackedcam-*"))
+    missing = sorted(file for file in FILES if not (prefix / file).is_file())
+    assert not missing, f"{missing} are missing"
+
+    # The unpacked folder is where the toolchain looks for packages.
+    run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja",
+        f"-DCMAKE_TOOLCHAIN_FILE={os.environ['TOOLCHAIN']}",
+        f"-DTRACKEDCAM_WINDOWS_DEPENDENCIES={prefix}")
+    run("cmake", "--build", build)
+    shutil.copy(prefix / "bin/trackedcam.dll", build)
+    check_examples(build, prefix / "bin/trackedcam", scratch)
+print("the zip holds what it should, and the examples build and run")

@@ -1,0 +1,34 @@
+"""Checks that only the files of the platform seams ask which system they are on.
+
+The public header's export macro is the one exception.
+
+Usage: check_platform.py SOURCE_ROOT
+"""
+
+import pathlib
+import re
+import sys
+
+FOLDERS = ["include", "src", "simulator", "app", "examples", "benchmarks", "tests"]
+SEAM = re.compile(r"_(posix|windows)\.cpp$")
+EXCEPTION = "include/trackedcam/trackedcam.h"
+ASKS = re.compile(
+    r"\b(_WIN32|_WIN64|WIN32|__MINGW32__|__MINGW64__|_MSC_VER|__linux__|__unix__|__APPLE__|__GNUC__)\b"
+    r"|#include <(windows|unistd|fcntl|io|share|dlfcn|sys/\w+)\.h>")
+
+root = pathlib.Path(sys.argv[1])
+faults = []
+files = seams = 0
+for folder in FOLDERS:
+    for path in sorted((root / folder).rglob("*")):
+        if path.suffix not in {".h", ".cpp"}:
+            continue
+        files += 1
+        name = path.relative_to(root).as_posix()
+        if SEAM.search(name):
+            seams += 1
+        elif name != EXCEPTION and (found := ASKS.search(path.read_text(encoding="utf-8"))):
+            faults.append(f"{name} has {found[0]}")
+
+print("\n".join(faults) or f"{seams} of {files} files know the system")
+sys.exit(1 if faults or not seams else 0)

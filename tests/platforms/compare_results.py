@@ -1,0 +1,68 @@
+"""Calibrates one simulated shoot with the programs of two systems and compares all that they say.
+
+Usage: compare_results.py LINUX_PROGRAM WINDOWS_PROGRAM
+"""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+LINUX, WINDOWS = sys.argv[1:]
+# The two image libraries decode, and their linear algebra sums, in orders of their own.
+TOLERANCE = 1e-5
+
+
+def run(program, *arguments):
+    subprocess.run([program, *arguments], check=True, stdout=subprocess.DEVNULL)
+
+
+def difference(a, b, where="result"):
+    """The largest difference of two figures in the same place, relative where they exceed 1."""
+    if isinstance(a, dict):
+        assert a.keys() == b.keys(), where
+        return max((difference(a[key], b[key], f"{where} {key}") for key in a), default=(0, where))
+    if isinstance(a, list):
+        assert len(a) == len(b), where
+        return max((difference(x, y, f"{where} {i}") for i, (x, y) in enumerate(zip(a, b))),
+                   default=(0, where))
+    if isinstance(a, float):
+        return abs(a - b) / max(1, abs(a)), where
+    assert a == b, f"{where}: {a} and {b}"
+    return 0, where
+
+
+def read_result(folder):
+    result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
+    for path in ("log", "images"):  # of the one machine
+        result.pop(path)
+    return result
+
+
+def read_log(folder, line_end):
+    """Messages with their numbers apart; every line ends as its system ends lines."""
+    content = next(folder.glob("**/log_*.txt")).read_bytes()
+    assert content.count(b"\n") == content.count(line_end) > 20, f"line ends in {folder}"
+    lines = content.decode("utf-8").replace("\r\n", "\n").splitlines()
+    text = "\n".join(line.split("\t", 1)[-1] for line in lines)
+    number = r"-?\d+\.\d{6}"
+    return re.sub(number, "#", text), [float(found) for found in re.findall(number, text)]
+
+
+with tempfile.TemporaryDirectory(prefix="trackedcam_撮影é_") as name:
+    folders = [pathlib.Path(name) / system for system in ("linux", "windows")]
+    run(LINUX, "simulate", folders[0], "--photographs", "16")
+    subprocess.run(["cp", "-R", *folders], check=True)
+    for program, folder in zip((LINUX, WINDOWS), folders):
+        run(program, "calibrate", "--config", folder / "shoot.toml")
+    results = [read_result(folder) for folder in folders]
+    logs = [read_log(folder, end) for folder, end in zip(folders, (b"\n", b"\r\n"))]
+
+largest, where = difference(*results)
+print(f"results: the largest difference is {largest:.3g}, in {where}")
+assert logs[0][0] == logs[1][0], "the logs read differently"
+logged, _ = difference(logs[0][1], logs[1][1])
+print(f"logs: the largest difference of {len(logs[0][1])} figures is {logged:.3g}")
+sys.exit(0 if max(largest, logged) <= TOLERANCE else 1)

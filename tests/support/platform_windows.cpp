@@ -1,0 +1,72 @@
+#include <windows.h>
+
+#include "support/platform.h"
+
+namespace trackedcam::test {
+namespace {
+
+// A handle that the program inherits.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::filesystem::path& path) {
+    SECURITY_ATTRIBUTES inherited = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    handle_ = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                          &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
+  ~OutputFile() { CloseHandle(handle_); }
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  HANDLE Handle() const { return handle_; }
+
+ private:
+  HANDLE handle_;
+};
+
+// As programs take a command line apart: backslashes are plain text but before a quotation mark.
+std::wstring Quoted(const std::wstring& word) {
+  std::wstring quoted = L"\"";
+  std::size_t backslashes = 0;
+  for (const wchar_t character : word) {
+    if (character == L'"') {
+      quoted.append(backslashes + 1, L'\\');
+    }
+    backslashes = character == L'\\' ? backslashes + 1 : 0;
+    quoted += character;
+  }
+  return quoted.append(backslashes, L'\\') + L'"';
+}
+
+}  // namespace
+
+const char* const kLineEnd = "\r\n";
+
+int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+               const std::filesystem::path& folder, const std::filesystem::path& outFile,
+               const std::filesystem::path& errorFile) {
+  std::wstring command = Quoted(program.wstring());
+  for (const std::string& argument : arguments) {
+    command += L' ' + Quoted(std::filesystem::u8path(argument).wstring());
+  }
+  const OutputFile out(outFile);
+  const OutputFile error(errorFile);
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = out.Handle();
+  startup.hStdError = error.Handle();
+  PROCESS_INFORMATION process = {};
+  if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(),
+                      &startup, &process)) {
+    return -1;
+  }
+  WaitForSingleObject(process.hProcess, INFINITE);
+  DWORD status = 0;
+  GetExitCodeProcess(process.hProcess, &status);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  // A crash ends with one of the system's own codes, 0xC0000005 and the like.
+  return status <= 255 ? static_cast<int>(status) : -1;
+}
+
+}  // namespace trackedcam::test
