@@ -8,12 +8,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/calibrate_command.h"
-#include "app/chart_command.h"
-#include "app/config_file.h"
-#include "app/export_command.h"
-#include "app/help_formatter.h"
-#include "app/simulate_command.h"
+#include "app/commands/calibrate_command.h"
+#include "app/commands/chart_command.h"
+#include "app/commands/config_file.h"
+#include "app/commands/export_command.h"
+#include "app/commands/simulate_command.h"
+#include "app/options/help_formatter.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "app/calibrate_options.h"
+#include "app/commands/calibrate_options.h"
 
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
-#include "app/config_file.h"
+#include "app/commands/config_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::app {

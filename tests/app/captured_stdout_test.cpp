@@ -1,4 +1,4 @@
-#include "app/captured_stdout.h"
+#include "app/run/captured_stdout.h"
 
 #include <cstdio>
 #include <iostream>

@@ -1,11 +1,11 @@
-#include "app/chart_layout.h"
+#include "app/chart/chart_layout.h"
 
 #include <string>
 
 #include <gmock/gmock.h>
 
-#include "app/chart_notes.h"
-#include "app/option_values.h"
+#include "app/chart/chart_notes.h"
+#include "app/options/option_values.h"
 
 namespace trackedcam::app {
 namespace {

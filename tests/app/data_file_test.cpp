@@ -1,4 +1,4 @@
-#include "app/data_file.h"
+#include "app/commands/data_file.h"
 
 #include <sstream>
 

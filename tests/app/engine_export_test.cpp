@@ -1,4 +1,4 @@
-#include "app/engine_export.h"
+#include "app/engines/engine_export.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "app/engine_json.h"
+#include "app/engines/engine_json.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/engine.h"
+#include "app/engines/engine.h"
 
 namespace trackedcam::app {
 

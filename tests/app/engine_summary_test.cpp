@@ -1,4 +1,4 @@
-#include "app/engine_summary.h"
+#include "app/engines/engine_summary.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "app/engine.h"
+#include "app/engines/engine.h"
 
 #include <algorithm>
 #include <map>

@@ -1,4 +1,4 @@
-#include "app/log_message.h"
+#include "app/run/log_message.h"
 
 #include <gtest/gtest.h>
 

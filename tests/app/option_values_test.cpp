@@ -1,4 +1,4 @@
-#include "app/option_values.h"
+#include "app/options/option_values.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "app/progress_bar.h"
+#include "app/run/progress_bar.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "app/reprojected_images.h"
+#include "app/run/reprojected_images.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "app/result_file.h"
+#include "app/result/result_file.h"
 
 #include <stdexcept>
 

@@ -1,10 +1,10 @@
-#include "app/result_json.h"
+#include "app/result/result_json.h"
 
 #include <limits>
 
 #include <gtest/gtest.h>
 
-#include "app/json_file.h"
+#include "app/text/json_file.h"
 
 namespace trackedcam::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/run_log_finder.h"
+#include "app/run/run_log_finder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/run_progress.h"
+#include "app/run/run_progress.h"
 
 #include <cmath>
 #include <string>

@@ -1,4 +1,4 @@
-#include "app/summary.h"
+#include "app/result/summary.h"
 
 #include <cmath>
 #include <limits>
@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "app/verdict.h"
+#include "app/result/verdict.h"
 
 namespace trackedcam::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/transform_difference.h"
+#include "app/result/transform_difference.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "app/truth.h"
+#include "app/result/truth.h"
 
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>

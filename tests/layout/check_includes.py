@@ -13,11 +13,18 @@ THIRD_PARTY = re.compile(r"#include <(Eigen|opencv2)/")
 root = pathlib.Path(sys.argv[1])
 page = (root / "docs/architecture.md").read_text(encoding="utf-8")
 directions = {folder: {folder, *targets.split(", ")}
-              for folder, targets in re.findall(r"^    (\w+) *-> ?(.*)$", page, re.MULTILINE)}
-homes = {path.name: path for path in [*(root / "src").iterdir(), *root.iterdir()] if path.is_dir()}
+              for folder, targets in re.findall(r"^    ([\w/]+) *-> ?(.*)$", page, re.MULTILINE)}
 
-faults = [f"src/{path.name} has no directions"
-          for path in (root / "src").iterdir() if path.is_dir() and path.name not in directions]
+
+def name(path):
+    """As includes write it: src/ is where they begin."""
+    return path.relative_to(root / "src" if root / "src" in path.parents else root).as_posix()
+
+
+homes = {name(path): path for top in [root, root / "src", root / "app"] for path in top.iterdir() if path.is_dir()}
+faults = [f"{folder} has no directions" for folder, path in homes.items()
+          if path.parent != root and folder not in directions]
+own = {*homes, "trackedcam"}
 files = 0
 for folder, allowed in directions.items():
     for path in sorted(homes[folder].rglob("*")):
@@ -25,11 +32,12 @@ for folder, allowed in directions.items():
             continue
         files += 1
         text = path.read_text(encoding="utf-8")
-        for include in re.findall(r'#include "([^"]+)"', text):
-            if include not in allowed and include.split("/")[0] not in allowed:
-                faults.append(f"{path.relative_to(root)} includes {include}")
+        for include in re.findall(r'#include ["<]([^">]+)[">]', text):
+            places = {include, *(parent.as_posix() for parent in pathlib.PurePath(include).parents)}
+            if places & own and not places & allowed:
+                faults.append(f"{name(path)} includes {include}")
         if folder in {"core", "include"} and THIRD_PARTY.search(text):
-            faults.append(f"{path.relative_to(root)} includes more than the standard library")
+            faults.append(f"{name(path)} includes more than the standard library")
 
 print("\n".join(faults) or f"{files} files include in the allowed directions")
 sys.exit(0 if files and not faults else 1)

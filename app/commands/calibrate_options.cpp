@@ -1,0 +1,75 @@
+#include "app/commands/calibrate_options.h"
+
+#include <string>
+
+#include "app/options/add_path.h"
+#include "app/options/add_value.h"
+#include "app/options/option_values.h"
+
+namespace trackedcam::app {
+namespace {
+
+std::string RequireFolder(const std::string& path) {
+  return std::filesystem::is_directory(std::filesystem::u8path(path))
+             ? ""
+             : "there is no folder " + path;
+}
+
+}  // namespace
+
+void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
+  AddPath(command, "--data", options.data, "FILE", "Tracker data file: a row for each photograph")
+      ->required()
+      ->check(RequireFile)
+      ->group("Shoot");
+  AddPath(command, "--working-folder", options.workingFolder, "FOLDER",
+          "Where relative paths of photographs begin;\nelse the data file's folder")
+      ->check(RequireFolder)
+      ->group("Shoot");
+  AddValue(command, "--expected-records", options.expectedRecords, ParseCount, "N",
+           "Rows that were recorded; else those of the file")
+      ->group("Shoot");
+  command
+      .add_flag("--invert-tracker-quaternions", options.invertTrackerQuaternions,
+                "The trackers' quaternions give the inverse rotation")
+      ->group("Shoot");
+
+  AddValue(command, "--sensor", options.sensor, ParseSensor, "WxH",
+           "Size of the camera's sensor, millimetres")
+      ->required()
+      ->group("Camera");
+
+  AddValue(command, "--board", options.board, ParseBoard, "COLSxROWS",
+           "Inner corners along a row and along a column:\none less than the squares")
+      ->required()
+      ->group("Chart");
+  AddValue(command, "--square", options.square, ParseSquare, "METRES", "Edge of one square, metres")
+      ->required()
+      ->group("Chart");
+  AddValue(command, "--chart-rotation", options.chartTrackerRotation, ParseTriple, "X,Y,Z",
+           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz")
+      ->required()
+      ->group("Chart");
+  AddValue(
+      command, "--chart-translation", options.chartTrackerTranslation, ParseTriple, "X,Y,Z",
+      "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
+      ->required()
+      ->group("Chart");
+
+  AddPath(command, "--log-folder", options.logFolder, "FOLDER",
+          "For the log and the reprojected images;\ncreated when missing")
+      ->required()
+      ->group("Output");
+  AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")
+      ->group("Output");
+  AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
+           "Hand the result to engines as well: a list of\nue4, ue5, ue5-xn, aximmetry")
+      ->group("Output");
+  AddPath(command, "--truth", options.truth, "FILE.json",
+          "Compare with the truth of a simulated shoot")
+      ->check(RequireFile)
+      ->group("Output");
+  command.add_flag("--verbose", options.verbose, "Show the library's own lines")->group("Output");
+}
+
+}  // namespace trackedcam::app

@@ -1,0 +1,183 @@
+#include "app/options/option_values.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <optional>
+#include <sstream>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+
+#include "app/text/number_text.h"
+
+namespace trackedcam::app {
+namespace {
+
+constexpr int kLeastInnerCorners = 3;
+constexpr double kMillimetresPerMetre = 1000.0;
+
+[[noreturn]] void Reject(const std::string& option, const std::string& reason) {
+  throw CLI::ValidationError(option, reason);
+}
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(' ');
+  if (begin == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
+// False unless the text holds exactly N finite numbers.
+template <std::size_t N>
+bool Split(std::string_view text, char separator, std::array<double, N>& numbers) {
+  for (std::size_t i = 0; i < N; ++i) {
+    const bool isLast = i + 1 == N;
+    const std::size_t length = isLast ? text.size() : text.find(separator);
+    if (length == std::string_view::npos) {
+      return false;
+    }
+    const auto number = ParseNumber(Trim(text.substr(0, length)));
+    if (!number || !std::isfinite(*number)) {
+      return false;
+    }
+    numbers[i] = *number;
+    text.remove_prefix(isLast ? length : length + 1);
+  }
+  return true;
+}
+
+std::optional<std::array<int, 2>> SplitIntegers(std::string_view text) {
+  const std::size_t separator = text.find('x');
+  if (separator == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const auto first = ParseInteger(text.substr(0, separator));
+  const auto second = ParseInteger(text.substr(separator + 1));
+  if (!first || !second) {
+    return std::nullopt;
+  }
+  return std::array<int, 2>{*first, *second};
+}
+
+// A unit moves the point, exactly: "12.7mm" is the number 12.7e-3.
+std::optional<double> ParseMetres(std::string_view text) {
+  const std::string_view unit = text.substr(std::max<std::size_t>(text.size(), 2) - 2);
+  if (unit != "mm" && unit != "cm") {
+    return ParseNumber(text);
+  }
+  text.remove_suffix(unit.size());
+  return ParseNumber(std::string(Trim(text)) + (unit == "mm" ? "e-3" : "e-2"));
+}
+
+template <class Named>
+std::string NamesOf(const Named& all) {
+  std::string names;
+  for (const auto& one : all) {
+    names += (names.empty() ? "" : ", ") + std::string(one.name);
+  }
+  return names;
+}
+
+}  // namespace
+
+std::array<double, 2> ParseSensor(const std::string& option, const std::string& text) {
+  std::array<double, 2> sensor = {};
+  if (!Split(text, 'x', sensor) || sensor[0] <= 0 || sensor[1] <= 0) {
+    Reject(option, text + " is not WIDTHxHEIGHT in millimetres, such as 36x20.25");
+  }
+  return sensor;
+}
+
+std::array<int, 2> ParseImageSize(const std::string& option, const std::string& text) {
+  const auto size = SplitIntegers(text);
+  if (!size || (*size)[0] <= 0 || (*size)[1] <= 0) {
+    Reject(option, text + " is not WIDTHxHEIGHT in pixels, such as 1920x1080");
+  }
+  return *size;
+}
+
+std::array<int, 2> ParseBoard(const std::string& option, const std::string& text) {
+  const auto board = SplitIntegers(text);
+  if (!board) {
+    Reject(option, text + " is not COLSxROWS of inner corners, such as 9x6");
+  }
+  if ((*board)[0] < kLeastInnerCorners || (*board)[1] < kLeastInnerCorners) {
+    Reject(option, text +
+                       " is too small: the chart needs at least 3 inner corners (4 squares) in "
+                       "each direction");
+  }
+  return *board;
+}
+
+std::array<double, 3> ParseTriple(const std::string& option, const std::string& text) {
+  std::array<double, 3> triple = {};
+  if (!Split(text, ',', triple)) {
+    Reject(option, text + " is not three numbers X,Y,Z, such as 0.1,-0.05,0.02");
+  }
+  return triple;
+}
+
+std::array<double, 6> ParseLens(const std::string& option, const std::string& text) {
+  std::array<double, 6> lens = {};
+  if (!Split(text, ',', lens)) {
+    Reject(option, text + " is not FX,FY,CX,CY,K1,K2, such as 1600,1600,955,545,-0.05,0.02");
+  }
+  return lens;
+}
+
+double ParseSquare(const std::string& option, const std::string& text) {
+  const auto square = ParseMetres(text);
+  if (!square || !std::isfinite(*square) || *square <= 0) {
+    Reject(option, text + " is not a length in metres, such as 0.03, or with a unit, such as 30mm");
+  }
+  if (*square >= 1) {
+    const std::string number = Shortest(*square);
+    Reject(option, text + " is " + number + " metres; a square of " + number + " millimetres is " +
+                       option + " " + Shortest(*square / kMillimetresPerMetre));
+  }
+  return *square;
+}
+
+Paper ParsePaper(const std::string& option, const std::string& text) {
+  for (const Paper& paper : kPapers) {
+    if (CLI::detail::to_lower(std::string(paper.name)) == CLI::detail::to_lower(text)) {
+      return paper;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(kPapers));
+}
+
+int ParseCount(const std::string& option, const std::string& text) {
+  const auto count = ParseInteger(text);
+  if (!count || *count < 0) {
+    Reject(option, text + " is not a number of records, such as 40");
+  }
+  return *count;
+}
+
+const Engine* ParseEngine(const std::string& option, const std::string& text) {
+  for (const Engine& engine : kEngines) {
+    if (engine.name == Trim(text)) {
+      return &engine;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(kEngines));
+}
+
+std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text) {
+  std::vector<const Engine*> engines;
+  std::istringstream names(text + ',');
+  for (std::string name; std::getline(names, name, ',');) {
+    engines.push_back(ParseEngine(option, name));
+  }
+  return engines;
+}
+
+std::string RequireFile(const std::string& path) {
+  const bool isFile = std::filesystem::is_regular_file(std::filesystem::u8path(path));
+  return isFile ? "" : "there is no file " + path;
+}
+
+}  // namespace trackedcam::app
