@@ -1,6 +1,7 @@
 // Loads the library (first argument) by name, finds its functions, calls one of each kind and
 // unloads it, a hundred times. The logs go to the second argument, a folder.
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -18,8 +19,8 @@ using CalibrationFunction = int (*)(std::string, double, double, int, int, doubl
                                     Numbers&, std::string, bool, int);
 using ExportFunction = int (*)(Numbers, Numbers&, Numbers&, std::string);
 
-const char* const kFunctions[] = {"Calibration", "CamAxisToUE4", "CamAxisToUE5",
-                                  "CamAxisToUE5_ExportxN", "CamAxisToAximmetry"};
+constexpr std::array<const char*, 5> kFunctions = {
+    {"Calibration", "CamAxisToUE4", "CamAxisToUE5", "CamAxisToUE5_ExportxN", "CamAxisToAximmetry"}};
 constexpr int kRounds = 100;
 constexpr int kDataFileNotOpened = 1;
 
