@@ -190,19 +190,19 @@ TEST_F(CornerDetectionTest, LogsTheRawDataOfTwelvePhotographs) {
   paths[3] = folder.File("missing.png");
   EXPECT_EQ(Detect(paths), 0);
   const std::vector<std::string> raw = RawData();
-  constexpr std::size_t lines = 2 + kCols * kRows;
-  ASSERT_EQ(raw.size(), 12 * lines);
+  constexpr std::size_t kLines = 2 + kCols * kRows;
+  ASSERT_EQ(raw.size(), 12 * kLines);
   EXPECT_EQ(LogLines()[14], "Corner detection successful.");
-  EXPECT_EQ(raw[3 * lines], good);
+  EXPECT_EQ(raw[3 * kLines], good);
   // The record of the photograph behind the missing one.
   std::string numbers = "4.000000";
   for (int i = 1; i < 15; ++i) {
     numbers += " 4.000000";
   }
-  EXPECT_EQ(raw[3 * lines + 1], numbers);
+  EXPECT_EQ(raw[3 * kLines + 1], numbers);
   EXPECT_EQ(raw[2],
             std::to_string(imagePoints[0][0].x) + " " + std::to_string(imagePoints[0][0].y));
-  EXPECT_EQ(raw[lines - 1], std::to_string(imagePoints[0].back().x) + " " +
+  EXPECT_EQ(raw[kLines - 1], std::to_string(imagePoints[0].back().x) + " " +
                                 std::to_string(imagePoints[0].back().y));
 }
 

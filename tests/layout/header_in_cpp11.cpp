@@ -2,10 +2,10 @@
 
 // The types and the order of the arguments, as hosts that look the functions up by name cast them.
 using Numbers = std::vector<double>;
-int (*const calibration)(std::string, double, double, int, int, double, Numbers, Numbers, Numbers&,
-                         Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, std::string,
-                         bool, int) = &Calibration;
+extern int (*const calibration)(std::string, double, double, int, int, double, Numbers, Numbers,
+                                Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&,
+                                Numbers&, std::string, bool, int) = &Calibration;
 using Export = int (*)(Numbers, Numbers&, Numbers&, std::string);
-const Export exports[] = {&CamAxisToUE4, &CamAxisToUE5, &CamAxisToUE5_ExportxN};
-int (*const aximmetry)(Numbers, Numbers, Numbers, Numbers&, Numbers&, Numbers&, Numbers&,
-                       std::string) = &CamAxisToAximmetry;
+extern const Export exports[] = {&CamAxisToUE4, &CamAxisToUE5, &CamAxisToUE5_ExportxN};
+extern int (*const aximmetry)(Numbers, Numbers, Numbers, Numbers&, Numbers&, Numbers&, Numbers&,
+                              std::string) = &CamAxisToAximmetry;

@@ -117,10 +117,11 @@ ExpectedLog CornerLines(const Shoot& shoot) {
   Append(log, {"Corner detection successful.", "RAW DATA START"});
   for (const Photograph& photograph : usable) {
     log.emplace_back(photograph.path);
-    const Eigen::Vector3d Tc = photograph.trackedTc.translation();
-    const Eigen::Vector3d Tr = photograph.trackedTr.translation();
-    log.emplace_back("# " + Text(Tc.x()) + " " + Text(Tc.y()) + " " + Text(Tc.z()) + " # # # # " +
-                         Text(Tr.x()) + " " + Text(Tr.y()) + " " + Text(Tr.z()) + " # # # #",
+    const Eigen::Vector3d camera = photograph.trackedTc.translation();
+    const Eigen::Vector3d chart = photograph.trackedTr.translation();
+    log.emplace_back("# " + Text(camera.x()) + " " + Text(camera.y()) + " " + Text(camera.z()) +
+                         " # # # # " + Text(chart.x()) + " " + Text(chart.y()) + " " +
+                         Text(chart.z()) + " # # # #",
                      1e-6);
     for (const Eigen::Vector2d& corner : photograph.corners) {
       log.emplace_back(Text(corner.x()) + " " + Text(corner.y()), 0.5);
