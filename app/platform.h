@@ -4,9 +4,13 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 namespace trackedcam::app {
+
+/// A file that every machine has and anyone may read, by a path in ASCII.
+std::string AnyReadableFile();
 
 bool IsTerminal(std::FILE* stream);
 

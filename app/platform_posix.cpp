@@ -24,6 +24,10 @@ void FlushStreams() {
 
 }  // namespace
 
+std::string AnyReadableFile() {
+  return "/dev/null";
+}
+
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
 }

@@ -4,6 +4,7 @@
 #include <io.h>
 #include <iostream>
 #include <system_error>
+#include <windows.h>
 
 #include "app/platform.h"
 
@@ -24,6 +25,12 @@ void FlushStreams() {
 }
 
 }  // namespace
+
+std::string AnyReadableFile() {
+  std::array<char, MAX_PATH> folder = {};
+  GetSystemDirectoryA(folder.data(), MAX_PATH);
+  return std::string(folder.data()) + "\\kernel32.dll";
+}
 
 bool IsTerminal(std::FILE* stream) {
   return _isatty(_fileno(stream)) != 0;

@@ -1,13 +1,14 @@
 #include "app/commands/config_file.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
 
 #include "app/commands/calibrate_options.h"
 #include "app/options/option_values.h"
+#include "app/platform.h"
 
 namespace trackedcam::app {
 namespace {
@@ -60,21 +61,32 @@ void RequireKnown(const CLI::App& program, const CLI::ConfigItem& item) {
 }  // namespace
 
 void AddConfigFile(CLI::App& program) {
+  const auto configFile = std::make_shared<ConfigFile>(program);
   program.set_config("--config", "", "Read options from a configuration file (TOML)")
       ->type_name("FILE")
-      ->check(RequireFile);
-  program.config_formatter(std::make_shared<ConfigFile>(program));
+      ->transform([configFile](const std::string& path) {
+        if (const std::string problem = RequireFile(path); !problem.empty()) {
+          throw CLI::ValidationError(problem);
+        }
+        configFile->SetPath(std::filesystem::u8path(path));
+        return AnyReadableFile();
+      });
+  program.config_formatter(configFile);
 }
 
 ConfigFile::ConfigFile(const CLI::App& program) : program_(program) {
   comment('\0');  // none is left when the base class reads
 }
 
-std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const {
-  const auto file = std::filesystem::u8path(program_.get_config_ptr()->as<std::string>());
-  const std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+void ConfigFile::SetPath(const std::filesystem::path& path) {
+  path_ = path;
+}
 
-  std::istringstream text(RemoveComments(input));
+std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& /*input*/) const {
+  const std::filesystem::path folder = std::filesystem::absolute(path_).parent_path();
+
+  std::ifstream file(path_);
+  std::istringstream text(RemoveComments(file));
   std::vector<CLI::ConfigItem> options = CLI::ConfigTOML::from_config(text);
   options.erase(std::remove_if(options.begin(), options.end(), IsSectionMark), options.end());
   for (CLI::ConfigItem& item : options) {

@@ -14,8 +14,11 @@ fs::path ReprojectedImage(const fs::path& logFolder, const std::string& photogra
 void CreateReprojectedImageFolders(const fs::path& logFolder,
                                    const std::vector<std::string>& photographs) {
   for (const std::string& photograph : photographs) {
-    std::error_code ignored;
-    fs::create_directories(ReprojectedImage(logFolder, photograph).parent_path(), ignored);
+    try {
+      fs::create_directories(ReprojectedImage(logFolder, photograph).parent_path());
+    } catch (const std::system_error&) {
+      // Nor can every name be a path on every system.
+    }
   }
 }
 

@@ -37,7 +37,7 @@ TEST_F(EngineExportTest, HasFiguresAndLog) {
   EXPECT_THAT(ue5.figures.translationCm, ElementsAre(-10, -30, 20));
   EXPECT_EQ(ue5.figures.quaternionXyzw.size(), 4U);
   EXPECT_THAT(ue5.figures.rotationDeg, IsEmpty());
-  EXPECT_THAT(test::ReadFile(ue5.log), EndsWith("CamAxisToUE5 successful.\n"));
+  EXPECT_THAT(test::ReadText(ue5.log.u8string()), EndsWith("CamAxisToUE5 successful.\n"));
   EXPECT_EQ(ProblemOf(ue5), "");
 }
 
@@ -63,7 +63,8 @@ TEST_F(EngineExportTest, OfTooFewFiguresPointsToTheLog) {
   EXPECT_EQ(ue5.code, -1);
   EXPECT_EQ(ProblemOf(ue5),
             "Unreal Engine 5: the library refused the figures, code -1. The log says why.");
-  EXPECT_THAT(test::ReadFile(ue5.log), HasSubstr("transformCamTc has 3 elements, needs 16."));
+  EXPECT_THAT(test::ReadText(ue5.log.u8string()),
+              HasSubstr("transformCamTc has 3 elements, needs 16."));
 }
 
 }  // namespace

@@ -47,7 +47,8 @@ TEST_F(HostProgramShoot, SimulateNamesTheNextCommand) {
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.error, "");
   EXPECT_THAT(run.out, AllOf(HasSubstr("14 photographs"),
-                             HasSubstr("trackedcam calibrate --config shoot/shoot.toml\n")));
+                             HasSubstr("trackedcam calibrate --config " +
+                                       (fs::path("shoot") / "shoot.toml").u8string() + "\n")));
 }
 
 TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {

@@ -32,12 +32,14 @@ TEST(NumberText, IsWhatPrintfGives) {
                            -std::numeric_limits<double>::max(),
                            std::numeric_limits<double>::denorm_min(),
                            std::numeric_limits<double>::infinity(),
-                           -std::numeric_limits<double>::infinity(),
-                           std::numeric_limits<double>::quiet_NaN(),
-                           std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0)};
+                           -std::numeric_limits<double>::infinity()};
   for (const double number : limits) {
     EXPECT_EQ(ToText(number), Printf(number));
   }
+  // Where printf's words depend on the system.
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(ToText(std::copysign(nan, 1.0)), "nan");
+  EXPECT_EQ(ToText(std::copysign(nan, -1.0)), "-nan");
 }
 
 TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
@@ -46,7 +48,9 @@ TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
     const std::uint64_t bits = random();
     double number = 0;
     std::memcpy(&number, &bits, sizeof number);
-    ASSERT_EQ(ToText(number), Printf(number));
+    if (!std::isnan(number)) {
+      ASSERT_EQ(ToText(number), Printf(number));
+    }
     const double halfway = std::ldexp(static_cast<double>(bits >> 40), -7);
     ASSERT_EQ(ToText(halfway), Printf(halfway));
   }

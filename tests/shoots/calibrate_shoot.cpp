@@ -32,10 +32,11 @@ HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder&
 }
 
 Calibrated Calibrate(const HostArguments& arguments, Calibrated result) {
-  const fs::path dataPath = fs::u8path(arguments.dataPath);
-  const WorkingFolder workingFolder(fs::is_directory(dataPath.parent_path())
-                                        ? dataPath.parent_path()
-                                        : fs::temp_directory_path());
+  // The name of the data file itself need not be UTF-8.
+  const fs::path dataFolder =
+      fs::u8path(arguments.dataPath.substr(0, arguments.dataPath.find_last_of("/\\")));
+  const WorkingFolder workingFolder(fs::is_directory(dataFolder) ? dataFolder
+                                                                 : fs::temp_directory_path());
   result.code = Calibration(
       arguments.dataPath, arguments.sensorWidth, arguments.sensorHeight, arguments.boardCols,
       arguments.boardRows, arguments.squareSize, arguments.chartTrackerRotation,

@@ -120,8 +120,8 @@ TEST_F(ResultCodes, FiveForPhotographsOfTwoLenses) {
   sim::WriteShoot(sim::SimulateShoot(options), other.Path());
   for (std::size_t i = 0; i < shoot.photographs.size(); i += 2) {
     const auto path = std::filesystem::u8path(shoot.photographs[i].path);
-    std::filesystem::copy_file(other.Path() / path, folder.Path() / path,
-                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(folder.Path() / path);
+    std::filesystem::copy_file(other.Path() / path, folder.Path() / path);
   }
   const Calibrated result = Calibrate(ArgumentsFor(shoot, folder));
   EXPECT_EQ(result.code, 5);

@@ -19,6 +19,10 @@ struct Refusal {
   std::function<void(ShootOptions&)> change;
 };
 
+void PrintTo(const Refusal& refusal, std::ostream* out) {
+  *out << refusal.named;
+}
+
 class RefusedOptionsTest : public testing::TestWithParam<Refusal> {};
 
 TEST_P(RefusedOptionsTest, TheErrorSaysWhatToChange) {
