@@ -1,5 +1,6 @@
 #!/bin/sh
 # Installs all that the build, the tests and the checks need, on Debian 12.
+# Usage: scripts/install_packages.sh [windows]   (with what the Windows build needs)
 set -eu
 
 as_root() {
@@ -20,6 +21,12 @@ packages="
   dpkg-dev file lowdown pkgconf
   clang clang-format clang-tidy shellcheck doxygen
 "
+if [ "${1:-}" = windows ]; then
+  packages="$packages
+    g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
+    googletest wine wine64
+  "
+fi
 
 missing=""
 for package in $packages; do

@@ -1,0 +1,193 @@
+#!/bin/sh
+# Builds what the Windows DLL stands on from Debian's source packages, and links
+# build/windows-dependencies to the result. The result is cached outside the tree, so that a second
+# run takes seconds: in $TRACKEDCAM_CACHE, or else in the user's cache folder.
+set -eu
+cd "$(dirname "$0")/.."
+root=$PWD
+toolchain=$root/cmake/mingw-w64.cmake
+
+# The cache holds one folder for each state of what the result is made with and of.
+made_with="g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
+  mingw-w64-x86-64-dev nasm cmake libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev"
+# shellcheck disable=SC2086  # one word for each package
+key=$({
+  cat "$0" "$toolchain"
+  dpkg-query -W $made_with
+} | sha256sum | cut -c1-16)
+cache=${TRACKEDCAM_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/trackedcam}
+prefix=$cache/windows-$key
+stamp=$prefix/complete
+work=$prefix/work
+
+# Source packages through lists of our own, made of the machine's: they may lack the sources.
+update_source_lists() {
+  mkdir -p sources lists/partial
+  for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list \
+    /etc/apt/sources.list.d/*.sources; do
+    if [ -e "$file" ]; then
+      sed -e 's/^Types:.*/Types: deb-src/' -e 's/^deb /deb-src /' "$file" \
+        >"sources/${file##*/}"
+    fi
+  done
+  cat >apt.conf <<END
+Dir::Etc::SourceList "/dev/null";
+Dir::Etc::SourceParts "$work/sources";
+Dir::State::Lists "$work/lists";
+Dir::Cache "$work/apt";
+APT::Sandbox::User "$(id -un)";
+END
+  export APT_CONFIG="$work/apt.conf"
+  mkdir -p apt/archives/partial
+  apt-get update --quiet=2
+}
+
+# fetch PACKAGE: unpacks the newest version that the mirror has; its list can be ahead of it.
+fetch() {
+  for version in $(apt-cache showsrc "$1" | sed -n 's/^Version: //p' | sort --reverse --version-sort); do
+    if apt-get source --quiet=2 --only-source "$1=$version"; then
+      mv "$1"-*/ "$1"
+      echo "$1 $version" >>"$prefix/sources.txt"
+      return
+    fi
+  done
+  echo "$1: no version of the source package can be fetched." >&2
+  exit 1
+}
+
+# build PACKAGE OPTION...
+build() {
+  package=$1
+  shift
+  cmake -S "$package" -B "build-$package" -G Ninja --log-level=WARNING \
+    -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DTRACKEDCAM_WINDOWS_DEPENDENCIES="$prefix" \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" "$@"
+  cmake --build "build-$package" --target install -- -v >"build-$package.log" ||
+    { tail -n 50 "build-$package.log" >&2; exit 1; }
+}
+
+# Files that Debian has ready: zlib without its import library, and headers for every system.
+copy_packages() {
+  mkdir -p "$prefix/lib" "$prefix/include" "$prefix/share/cmake"
+  cp /usr/x86_64-w64-mingw32/lib/libz.a "$prefix/lib"
+  cp /usr/x86_64-w64-mingw32/include/zlib.h /usr/x86_64-w64-mingw32/include/zconf.h \
+    /usr/include/eigen3 /usr/include/CLI /usr/include/nlohmann -R "$prefix/include"
+  cp -R /usr/share/eigen3 "$prefix/share"
+  cp -R /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake"
+}
+
+# The kernels of OpenBLAS for real numbers: for every processor (PRESCOTT) and for those with AVX2
+# (HASWELL). Without threads, since the library keeps to its caller's.
+# Debian's compiler calls its version "12-posix", which is taken for an old one unless NO_AVX2 and
+# OLDGCC are cleared.
+build_openblas() {
+  make -C openblas libs TARGET=PRESCOTT DYNAMIC_ARCH=1 DYNAMIC_LIST=HASWELL USE_THREAD=0 \
+    BUILD_SINGLE=1 BUILD_DOUBLE=1 NO_LAPACK=1 NO_LAPACKE=1 NOFORTRAN=1 NO_SHARED=1 \
+    CROSS=1 BINARY=64 HOSTCC=gcc NO_AVX2= OLDGCC= MAKE_NB_JOBS="$(nproc)" \
+    CC=x86_64-w64-mingw32-gcc-posix AR=x86_64-w64-mingw32-gcc-ar-posix \
+    RANLIB=x86_64-w64-mingw32-gcc-ranlib-posix >build-openblas.log 2>&1 ||
+    { tail -n 50 build-openblas.log >&2; exit 1; }
+  cp openblas/libopenblas-r*.a "$prefix/lib/libopenblas.a"
+}
+
+# Of LAPACK, what OpenCV calls and what that calls in turn; of the reference BLAS, the products of
+# complex matrices, which OpenCV links and the library does not use. All goes into libopenblas.a.
+add_lapack() {
+  fortran="x86_64-w64-mingw32-gfortran-posix -O2 -frecursive -c"
+  mkdir routines
+  cp lapack/LAPACKE/include/*.h lapack/CBLAS/include/cblas.h "$prefix/include"
+  cp lapack/LAPACKE/include/lapacke_mangling_with_flags.h.in "$prefix/include/lapacke_mangling.h"
+  cp lapack/CBLAS/include/cblas_mangling_with_flags.h.in "$prefix/include/cblas_mangling.h"
+  for file in cblas_cgemm cblas_zgemm cblas_globals cblas_xerbla; do
+    x86_64-w64-mingw32-gcc-posix -O2 -DADD_ -I"$prefix/include" -Ilapack/CBLAS/include \
+      -c "lapack/CBLAS/src/$file.c" -o "routines/$file.o"
+  done
+  # All that these routines want of the Fortran runtime, which would bring its input and output.
+  cat >concat_string.c <<'END'
+#include <string.h>
+
+void _gfortran_concat_string(size_t size, char* joined, size_t firstSize, const char* first,
+                             size_t secondSize, const char* second) {
+  const size_t begin = firstSize < size ? firstSize : size;
+  const size_t rest = size - begin;
+  const size_t middle = secondSize < rest ? secondSize : rest;
+  memcpy(joined, first, begin);
+  memcpy(joined + begin, second, middle);
+  memset(joined + begin + middle, ' ', rest - middle);
+}
+END
+  x86_64-w64-mingw32-gcc-posix -O2 -c concat_string.c -o routines/concat_string.o
+  for module in la_constants.f90 la_xisnan.F90; do
+    $fortran "lapack/SRC/$module" -o "routines/${module%.*}.o"
+  done
+
+  wanted="dgels dgesdd dgesv dposv dpotrf sgels sgesdd sgesv sposv spotrf cgemm zgemm"
+  while [ -n "$wanted" ]; do
+    for routine in $wanted; do
+      $fortran "$(find lapack/SRC lapack/INSTALL lapack/BLAS/SRC -maxdepth 1 -name "$routine.[fF]*")" \
+        -o "routines/$routine.o"
+    done
+    symbols="x86_64-w64-mingw32-nm --extern-only --portability"
+    $symbols --defined-only routines/*.o "$prefix/lib/libopenblas.a" | awk 'NF > 1 { print $1 }' |
+      sort -u >defined.txt
+    wanted=$($symbols --undefined-only routines/*.o | awk 'NF > 1 { print $1 }' | sort -u |
+      comm -23 - defined.txt | sed -n 's/_$//p')
+  done
+  x86_64-w64-mingw32-gcc-ar-posix qs "$prefix/lib/libopenblas.a" routines/*.o
+}
+
+# Without all that is optional. OpenCV finds no threads on mingw-w64, and that is right: those of its
+# own would outlive the DLL. SSE3 is what every 64-bit Windows machine has.
+build_opencv() {
+  options=""
+  for option in BUILD_SHARED_LIBS BUILD_TESTS BUILD_PERF_TESTS BUILD_opencv_apps BUILD_JAVA \
+    BUILD_JPEG BUILD_PNG BUILD_ZLIB BUILD_ITT BUILD_IPP_IW BUILD_PROTOBUF ENABLE_PRECOMPILED_HEADERS \
+    WITH_IPP WITH_ITT WITH_OPENCL WITH_DIRECTX WITH_DIRECTML WITH_TBB WITH_OPENMP WITH_FFMPEG \
+    WITH_GSTREAMER WITH_MSMF WITH_DSHOW WITH_WIN32UI WITH_TIFF WITH_WEBP WITH_OPENEXR WITH_OPENJPEG \
+    WITH_JASPER WITH_VTK WITH_QUIRC WITH_PROTOBUF WITH_ADE WITH_IMGCODEC_HDR \
+    WITH_IMGCODEC_SUNRASTER WITH_IMGCODEC_PXM WITH_IMGCODEC_PFM; do
+    options="$options -D$option=OFF"
+  done
+  # shellcheck disable=SC2086  # one word for each option
+  build opencv $options -DBUILD_LIST=core,imgproc,imgcodecs,calib3d,features2d,flann \
+    -DCPU_BASELINE=SSE3 -DCPU_DISPATCH= -DEIGEN_INCLUDE_PATH="$prefix/include/eigen3" \
+    -DZLIB_LIBRARY="$prefix/lib/libz.a" -DZLIB_INCLUDE_DIR="$prefix/include" \
+    -DPNG_LIBRARY="$prefix/lib/libpng.a" -DPNG_PNG_INCLUDE_DIR="$prefix/include" \
+    -DJPEG_LIBRARY="$prefix/lib/libjpeg.a" -DJPEG_INCLUDE_DIR="$prefix/include" \
+    -DLAPACK_IMPL=OpenBLAS -DLAPACK_LIBRARIES="$prefix/lib/libopenblas.a" \
+    -DLAPACK_INCLUDE_DIR="$prefix/include" -DLAPACK_CBLAS_H="$prefix/include/cblas.h" \
+    -DLAPACK_LAPACKE_H="$prefix/include/lapacke.h"
+  # Where the parts are missing, OpenCV goes without them and says so in passing.
+  for part in HAVE_EIGEN HAVE_LAPACK HAVE_JPEG HAVE_PNG; do
+    grep -q "^#define $part" build-opencv/cvconfig.h ||
+      { echo "OpenCV was built without $part." >&2; exit 1; }
+  done
+}
+
+mkdir -p "$cache" build
+exec 9>"$cache/lock"
+flock 9
+if [ ! -e "$stamp" ]; then
+  rm -rf "$prefix"
+  mkdir -p "$work"
+  (
+    cd "$work"
+    # Messages name source files: by paths that are the same on every machine.
+    export CFLAGS="-ffile-prefix-map=$work=." CXXFLAGS="-ffile-prefix-map=$work=."
+    update_source_lists
+    for package in libpng1.6 libjpeg-turbo openblas lapack opencv; do
+      fetch "$package"
+    done
+    copy_packages
+    build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DZLIB_LIBRARY="$prefix/lib/libz.a" \
+      -DZLIB_INCLUDE_DIR="$prefix/include"
+    build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
+    build_openblas
+    add_lapack
+    build_opencv
+  )
+  rm -rf "$work"
+  touch "$stamp"
+fi
+ln -sfn "$prefix" build/windows-dependencies
+cat "$prefix/sources.txt"

@@ -1,0 +1,23 @@
+#!/bin/sh
+# Builds the Windows DLL and the host program, runs all tests under Wine, compares with Linux, and
+# leaves a zip in build/windows-mingw.
+set -eu
+cd "$(dirname "$0")/.."
+
+scripts/install_packages.sh windows
+scripts/build_windows_dependencies.sh
+# The tests compare with the program of this machine.
+cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
+cmake --build --preset release --target trackedcam_host
+cmake --preset windows-mingw
+cmake --build --preset windows-mingw
+
+# One server for all tests. Each program would otherwise start one and wait for its end.
+export WINEPREFIX="$PWD/build/wine"
+scripts/wine.sh wineboot --init
+wineserver --persistent
+trap 'wineserver --kill' EXIT
+ctest --preset windows-mingw
+
+cpack --preset windows-mingw
+scripts/check_same_bytes.sh
