@@ -30,6 +30,7 @@ constexpr const char* kFooter = R"(Examples:
 int Run(int argc, char** argv) {
   CLI::App program("Calibrates a tracked camera from photographs of a tracked chessboard chart",
                    "trackedcam");
+  program.allow_windows_style_options(false);  // a path may begin with a slash
   program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
   program.footer(kFooter);

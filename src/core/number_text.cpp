@@ -11,6 +11,7 @@ namespace trackedcam {
 std::string ToText(double number) {
   // The longest text: a sign, 309 digits, the point and six decimals.
   std::array<char, 320> buffer = {};
+  number = std::isnan(number) ? std::copysign(number, 1.0) : number;
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
                                     std::chars_format::fixed, 6);
   return std::string(buffer.data(), result.ptr);

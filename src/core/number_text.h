@@ -8,6 +8,7 @@
 namespace trackedcam {
 
 /// What printf's "%f" gives in the C locale, as the run log writes numbers. A float is widened.
+/// What is no number is "nan": its sign depends on the runtime.
 std::string ToText(double number);
 
 std::string ToText(int number);

@@ -20,7 +20,9 @@ def run(*command, **options):
 
 def run_program(program, *arguments, **options):
     """Runs a program that was built, through the emulator where it is for another system."""
-    return run(*filter(None, [os.environ.get("EMULATOR")]), program, *arguments, **options)
+    if "EMULATOR" in os.environ:
+        return run(os.environ["EMULATOR"], f"{program}.exe", *arguments, **options)
+    return run(program, *arguments, **options)
 
 
 def install(prefix):

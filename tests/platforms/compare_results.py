@@ -47,7 +47,7 @@ def read_log(folder, line_end):
     assert content.count(b"\n") == content.count(line_end) > 20, f"line ends in {folder}"
     lines = content.decode("utf-8").replace("\r\n", "\n").splitlines()
     text = "\n".join(line.split("\t", 1)[-1] for line in lines)
-    number = r"-?\d+\.\d{6}"
+    number = r"-?\d+\.\d{6}\b"
     return re.sub(number, "#", text), [float(found) for found in re.findall(number, text)]
 
 
@@ -62,7 +62,9 @@ with tempfile.TemporaryDirectory(prefix="trackedcam_撮影é_") as name:
 
 largest, where = difference(*results)
 print(f"results: the largest difference is {largest:.3g}, in {where}")
-assert logs[0][0] == logs[1][0], "the logs read differently"
+for lines in zip(logs[0][0].splitlines(), logs[1][0].splitlines()):
+    assert lines[0] == lines[1], f"the logs read differently: {lines}"
+assert len(logs[0][1]) == len(logs[1][1]), "one log is longer"
 logged, _ = difference(logs[0][1], logs[1][1])
 print(f"logs: the largest difference of {len(logs[0][1])} figures is {logged:.3g}")
 sys.exit(0 if max(largest, logged) <= TOLERANCE else 1)
