@@ -6,7 +6,7 @@ Usage: check_find_package.py BUILD SOURCE
 import pathlib
 import tempfile
 
-from stranger import SOURCE, check_examples, install, run
+from stranger import SOURCE, check_examples, check_loading, install, run
 
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
@@ -21,6 +21,7 @@ with tempfile.TemporaryDirectory() as name:
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
     run("cmake", "--build", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
+    check_loading(build, prefix / "lib/libtrackedcam.so.1", scratch)
 
     # A version that is not there is not taken.
     (scratch / "newer").mkdir()

@@ -9,7 +9,7 @@ import shutil
 import tempfile
 import zipfile
 
-from stranger import BUILD, SOURCE, check_examples, run
+from stranger import BUILD, SOURCE, check_examples, check_loading, run
 
 FILES = {
     "bin/trackedcam.dll",
@@ -40,4 +40,5 @@ with tempfile.TemporaryDirectory() as name:
     run("cmake", "--build", build)
     shutil.copy(prefix / "bin/trackedcam.dll", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
+    check_loading(build, prefix / "bin/trackedcam.dll", scratch)
 print("the zip holds what it should, and the examples build and run")

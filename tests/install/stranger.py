@@ -41,3 +41,10 @@ def check_examples(folder, program, scratch):
     for line in ["location 12.00 2.00 -8.00 cm", "roll 5.00, pitch 10.00, yaw 30.00 degrees"]:
         if line not in exported.splitlines():
             sys.exit(f"02_export_to_engine does not print {line} but\n{exported}")
+
+
+def check_loading(folder, library, scratch):
+    """Runs the built example that loads the installed library by name."""
+    printed = run_program(folder / "example_03_load_at_run_time", library, scratch / "log")
+    if "100 rounds of loading, calling and unloading" not in printed:
+        sys.exit(f"03_load_at_run_time prints\n{printed}")
