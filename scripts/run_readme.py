@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Runs the commands that the README shows, as a reader would, after scripts/demo.sh has built a release.
 
-Those of the program run in a folder of their own, as do installed files; the two scripts are what CI
-runs anyway.
+The program runs in a folder of its own, where the installed files go as well. The scripts that CI runs
+anyway are left to it.
 """
 
 import os
@@ -13,10 +13,11 @@ import tempfile
 
 root = pathlib.Path(__file__).resolve().parent.parent
 readme = (root / "README.md").read_text(encoding="utf-8")
-commands = re.findall(r"^    ((?:cmake|cpack|trackedcam) .*)$", readme, re.MULTILINE)
+ci = (root / ".ci/run").read_text(encoding="utf-8").splitlines()
+commands = [command for command in
+            re.findall(r"^    ((?:cmake|cpack|trackedcam|scripts/\S+)\b.*)$", readme, re.MULTILINE)
+            if command.split()[0] not in ci]
 assert len(commands) >= 7, f"only {commands} found"
-for script in re.findall(r"^    (scripts/\S+)", readme, re.MULTILINE):
-    assert script in (root / ".ci/run").read_text(encoding="utf-8"), f"CI does not run {script}"
 
 with tempfile.TemporaryDirectory() as home:
     environment = dict(os.environ, HOME=home, PATH=f"{root / 'build/release/app'}:{os.environ['PATH']}")
