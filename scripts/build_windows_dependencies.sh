@@ -79,12 +79,12 @@ copy_packages() {
 # The kernels of OpenBLAS for real numbers: for every processor (PRESCOTT) and for those with AVX2
 # (HASWELL). Without threads, since the library keeps to its caller's.
 # Debian's compiler calls its version "12-posix", which is taken for an old one unless NO_AVX2 and
-# OLDGCC are cleared.
+# OLDGCC are cleared. Every file includes windows.h, whose lean half compiles in half the time.
 build_openblas() {
   make -C openblas libs TARGET=PRESCOTT DYNAMIC_ARCH=1 DYNAMIC_LIST=HASWELL USE_THREAD=0 \
     BUILD_SINGLE=1 BUILD_DOUBLE=1 NO_LAPACK=1 NO_LAPACKE=1 NOFORTRAN=1 NO_SHARED=1 \
     CROSS=1 BINARY=64 HOSTCC=gcc NO_AVX2= OLDGCC= MAKE_NB_JOBS="$(nproc)" \
-    CC=x86_64-w64-mingw32-gcc-posix AR=x86_64-w64-mingw32-gcc-ar-posix \
+    CC="x86_64-w64-mingw32-gcc-posix -DWIN32_LEAN_AND_MEAN" AR=x86_64-w64-mingw32-gcc-ar-posix \
     RANLIB=x86_64-w64-mingw32-gcc-ranlib-posix >build-openblas.log 2>&1 ||
     { tail -n 50 build-openblas.log >&2; exit 1; }
   cp openblas/libopenblas-r*.a "$prefix/lib/libopenblas.a"
