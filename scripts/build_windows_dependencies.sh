@@ -150,7 +150,7 @@ build_opencv() {
   done
   # shellcheck disable=SC2086  # one word for each option
   build opencv $options -DBUILD_LIST=core,imgproc,imgcodecs,calib3d,features2d,flann \
-    -DCPU_BASELINE=SSE3 -DCPU_DISPATCH= -DEIGEN_INCLUDE_PATH="$prefix/include/eigen3" \
+    -DCPU_BASELINE=SSE3 -DCPU_DISPATCH= -DWITH_EIGEN=ON \
     -DZLIB_LIBRARY="$prefix/lib/libz.a" -DZLIB_INCLUDE_DIR="$prefix/include" \
     -DPNG_LIBRARY="$prefix/lib/libpng.a" -DPNG_PNG_INCLUDE_DIR="$prefix/include" \
     -DJPEG_LIBRARY="$prefix/lib/libjpeg.a" -DJPEG_INCLUDE_DIR="$prefix/include" \
