@@ -18,5 +18,6 @@ case "${1:-}" in
     exit 2
     ;;
 esac
-# shellcheck disable=SC2086  # one word for each option
-git ls-files '*.h' '*.cpp' | xargs clang-format $mode
+files=$(git ls-files "*.h" "*.cpp")  # fails where there is no repository
+# shellcheck disable=SC2086  # one word for each option and file
+clang-format $mode $files

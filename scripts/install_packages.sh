@@ -13,7 +13,7 @@ as_root() {
 # poppler-utils, librsvg2-bin: a test renders the printed chart.
 # locales: a test runs the library in a host with a decimal comma.
 packages="
-  cmake g++ ninja-build python3
+  cmake g++ git ninja-build python3
   libopencv-dev libeigen3-dev libopenblas0-pthread
   libcli11-dev nlohmann-json3-dev
   libcairo2-dev poppler-utils librsvg2-bin
