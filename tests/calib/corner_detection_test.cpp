@@ -203,7 +203,7 @@ TEST_F(CornerDetectionTest, LogsTheRawDataOfTwelvePhotographs) {
   EXPECT_EQ(raw[2],
             std::to_string(imagePoints[0][0].x) + " " + std::to_string(imagePoints[0][0].y));
   EXPECT_EQ(raw[kLines - 1], std::to_string(imagePoints[0].back().x) + " " +
-                                std::to_string(imagePoints[0].back().y));
+                                 std::to_string(imagePoints[0].back().y));
 }
 
 TEST_F(CornerDetectionTest, LetsABoardThatTheDetectorRefusesLeave) {
