@@ -14,9 +14,11 @@ cmake --build --preset windows-mingw
 
 # One server for all tests. Each program would otherwise start one and wait for its end.
 export WINEPREFIX="$PWD/build/wine"
-scripts/wine.sh wineboot --init
+mkdir -p "$WINEPREFIX"
+wineserver --kill || true  # of a run that was cut short
 wineserver --persistent
 trap 'wineserver --kill' EXIT
+scripts/wine.sh wineboot --init
 ctest --preset windows-mingw
 
 cpack --preset windows-mingw
