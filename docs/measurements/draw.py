@@ -1,4 +1,4 @@
-"""Draws the pictures of docs/ that show data.
+"""Draws the pictures of docs/ that show data, with matplotlib (package python3-matplotlib).
 
 Usage: draw.py TRUTH   (TRUTH: truth.json of `trackedcam simulate FOLDER`, for views.svg)
 
