@@ -14,6 +14,7 @@
 #include "app/commands/export_command.h"
 #include "app/commands/simulate_command.h"
 #include "app/options/help_formatter.h"
+#include "host/input/input_error.h"
 
 namespace {
 
@@ -34,13 +35,13 @@ int Run(int argc, char** argv) {
   program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
   program.footer(kFooter);
-  trackedcam::app::AddConfigFile(program);
 
   int status = 0;
   trackedcam::app::AddCalibrateCommand(program, status);
   trackedcam::app::AddChartCommand(program, status);
   trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
+  trackedcam::app::AddConfigFile(program);
   try {
     program.parse(argc, argv);
     if (program.get_subcommands().empty()) {
@@ -60,6 +61,9 @@ int Run(int argc, char** argv) {
 int trackedcam::app::Main(int argc, char** argv) {
   try {
     return Run(argc, argv);
+  } catch (const trackedcam::host::InputError& error) {
+    std::cerr << "trackedcam: " << error.what() << '\n';
+    return kWrongUsage;
   } catch (const std::exception& error) {
     std::cerr << "trackedcam: " << error.what() << '\n';
     return kFailure;

@@ -2,40 +2,24 @@
 
 #pragma once
 
-#include <cstddef>
 #include <cstdio>
-#include <string>
-#include <string_view>
 
 namespace trackedcam::app {
 
-/// A file that every machine has and anyone may read, by a path in ASCII.
-std::string AnyReadableFile();
-
 bool IsTerminal(std::FILE* stream);
 
-/// While it lives, what the process writes to standard output arrives here instead. Below the
-/// streams, at the file descriptor, so that it holds for libraries as well.
-class StdoutPipe {
+/// While it lives, what the process writes to standard output goes nowhere. Below the streams, at
+/// the file descriptor, so that it holds for libraries as well.
+class SilencedStdout {
  public:
   /// @throws std::system_error
-  StdoutPipe();
-  ~StdoutPipe();
-  StdoutPipe(const StdoutPipe&) = delete;
-  StdoutPipe& operator=(const StdoutPipe&) = delete;
-
-  /// Waits for output. Returns how many bytes it read; 0 after Restore when nothing is left.
-  std::size_t Read(char* buffer, std::size_t size);
-
-  /// Writes to where standard output led before.
-  void WriteToOriginal(std::string_view text);
-
-  /// Standard output leads where it did before.
-  void Restore();
+  SilencedStdout();
+  ~SilencedStdout();
+  SilencedStdout(const SilencedStdout&) = delete;
+  SilencedStdout& operator=(const SilencedStdout&) = delete;
 
  private:
   int original_;
-  int readEnd_;
 };
 
 }  // namespace trackedcam::app

@@ -1,5 +1,5 @@
-#include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
@@ -24,52 +24,22 @@ void FlushStreams() {
 
 }  // namespace
 
-std::string AnyReadableFile() {
-  return "/dev/null";
-}
-
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
 }
 
-StdoutPipe::StdoutPipe() {
+SilencedStdout::SilencedStdout() {
   FlushStreams();
   original_ = Checked(dup(STDOUT_FILENO));
-  std::array<int, 2> ends = {};
-  Checked(pipe(ends.data()));
-  readEnd_ = ends[0];
-  // Standard output becomes the only way in, so that restoring it ends the pipe.
-  Checked(dup2(ends[1], STDOUT_FILENO));
-  close(ends[1]);
+  const int nowhere = Checked(open("/dev/null", O_WRONLY | O_CLOEXEC));
+  Checked(dup2(nowhere, STDOUT_FILENO));
+  close(nowhere);
 }
 
-StdoutPipe::~StdoutPipe() {
-  Restore();
-  close(original_);
-  close(readEnd_);
-}
-
-std::size_t StdoutPipe::Read(char* buffer, std::size_t size) {
-  ssize_t length = 0;
-  do {
-    length = read(readEnd_, buffer, size);
-  } while (length < 0 && errno == EINTR);
-  return length < 0 ? 0 : static_cast<std::size_t>(length);
-}
-
-void StdoutPipe::WriteToOriginal(std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t length = write(original_, text.data(), text.size());
-    if (length < 0 && errno != EINTR) {
-      return;
-    }
-    text.remove_prefix(length < 0 ? 0 : static_cast<std::size_t>(length));
-  }
-}
-
-void StdoutPipe::Restore() {
+SilencedStdout::~SilencedStdout() {
   FlushStreams();
   dup2(original_, STDOUT_FILENO);
+  close(original_);
 }
 
 }  // namespace trackedcam::app

@@ -32,10 +32,10 @@ file(RELATIVE_PATH PREFIX_FROM_PC_FILE /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/trackedcam.pc.in ${PROJECT_BINARY_DIR}/trackedcam.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/trackedcam.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-if(TARGET trackedcam_host)
+if(TARGET trackedcam_program)
   file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(trackedcam_host PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_programs})
-  install(TARGETS trackedcam_host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  set_target_properties(trackedcam_program PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_programs})
+  install(TARGETS trackedcam_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
   find_program(LOWDOWN lowdown)
   if(LOWDOWN)

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install_packages.sh
 cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
-cmake --build --preset release --target trackedcam_host
+cmake --build --preset release --target trackedcam_program
 
 folder="${1:-build/demo}"
 trackedcam=build/release/app/trackedcam

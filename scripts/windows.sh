@@ -8,7 +8,7 @@ scripts/install_packages.sh windows
 scripts/build_windows_dependencies.sh
 # The tests compare with the program of this machine.
 cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
-cmake --build --preset release --target trackedcam_host
+cmake --build --preset release --target trackedcam_program
 cmake --preset windows-mingw
 cmake --build --preset windows-mingw
 

@@ -2,10 +2,12 @@
 
 #include <cmath>
 
-#include "app/text/number_text.h"
+#include "host/text/number_text.h"
 
 namespace trackedcam::app {
 namespace {
+
+using host::Shortest;
 
 // With two odd or two even counts the board looks the same when it is turned by half a turn.
 bool IsUnmistakable(const std::array<int, 2>& board) {

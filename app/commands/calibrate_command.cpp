@@ -5,17 +5,18 @@
 #include <optional>
 
 #include "app/commands/calibrate_options.h"
-#include "app/commands/calibration_run.h"
-#include "app/commands/data_file.h"
-#include "app/engines/engine_summary.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
-#include "app/result/result_json.h"
-#include "app/result/summary.h"
-#include "app/result/truth.h"
-#include "app/result/verdict.h"
-#include "app/run/reprojected_images.h"
-#include "app/text/json_file.h"
+#include "app/platform.h"
+#include "app/words/engine_summary.h"
+#include "app/words/progress_bar.h"
+#include "app/words/summary.h"
+#include "host/calibrate.h"
+#include "host/result/result_json.h"
+#include "host/result/truth.h"
+#include "host/text/file_text.h"
+#include "host/text/json_file.h"
+#include "host/verdict/verdict.h"
 
 namespace trackedcam::app {
 namespace {
@@ -33,86 +34,101 @@ With --config FILE the options come from a file, where they stand below [calibra
 Exit status: 0 calibrated (code 0, or 99 with a warning), 1 failed (also an export by gimbal lock),
 2 wrong usage.)";
 
-void PrepareOutput(const CalibrateOptions& options, const std::vector<std::string>& photographs) {
-  CreateFolder("--log-folder", options.logFolder);
-  CreateReprojectedImageFolders(options.logFolder, photographs);
+void PrepareOutput(const CalibrateOptions& options) {
+  CreateFolder("--log-folder", options.inputs.logFolder);
   if (!options.result.empty()) {
-    if (options.result == options.data || options.result == options.truth) {
+    if (options.result == options.inputs.data || options.result == options.truth) {
       throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
     }
     PrepareOutputFile("--result", options.result);
-    // A run that is broken off must not leave the figures of the one before.
-    fs::remove(options.result);
   }
 }
 
-void WriteResult(const fs::path& path, const CalibrationReport& report) {
-  WriteOutputFile(path, JsonText(ResultJson(report)));
+// With the library's own lines when they are wanted; else with a progress bar where standard error
+// is a terminal.
+host::Report RunCalibration(const CalibrateOptions& options) {
+  std::optional<SilencedStdout> silenced;
+  if (!options.verbose) {
+    silenced.emplace();
+  }
+  ProgressBar bar(std::cerr);
+  const bool isShown = !options.verbose && IsTerminal(stderr);
+  host::Report report = host::Calibrate(options.inputs, [&](const host::Progress& progress) {
+    if (isShown) {
+      bar.Show(progress);
+    }
+  });
+  // Engines get no figures of a failed calibration.
+  if (host::IsUsable(report.run)) {
+    for (const host::Engine* engine : options.exports) {
+      report.exports.push_back(
+          host::ExportToEngine(*engine, report.run.outputs, report.run.folder / engine->name));
+    }
+  }
+  return report;
+}
+
+void WriteResult(const fs::path& path, const host::Report& report) {
+  host::WriteFile(path, host::JsonText(host::ResultJson(report)));
   std::cout << "Result: " << path.u8string() << '\n';
 }
 
-void Warn(const CalibrateOptions& options, const CalibrationReport& report) {
-  if (report.code == kSuccess && IsUsable(report)) {
+void Warn(const CalibrateOptions& options, const host::LibraryRun& run) {
+  if (run.code == host::kSuccess && host::IsUsable(run)) {
     return;
   }
   std::cerr << "trackedcam: ";
-  if (report.code == kTooFewPhotographs && IsBoardNowhere(report.record)) {
+  if (run.code == host::kTooFewPhotographs && host::IsBoardNowhere(run.record)) {
     const auto size = [&](int less) {
-      return std::to_string(options.board[0] - less) + 'x' +
-             std::to_string(options.board[1] - less);
+      return std::to_string(options.inputs.board[0] - less) + 'x' +
+             std::to_string(options.inputs.board[1] - less);
     };
     std::cerr << "No board of " << size(0) << " inner corners was found in any photograph: --board "
               << "counts inner corners, so a chart of " << size(0) << " squares is " << size(1)
               << ".\n";
     return;
   }
-  std::cerr << (IsUsable(report) ? "warning: " : "error " + std::to_string(report.code) + ": ")
-            << VerdictOf(report).words << '\n';
+  const std::string code = run.code ? ' ' + std::to_string(*run.code) : "";
+  std::cerr << (host::IsUsable(run) ? "warning: " : "error" + code + ": ")
+            << host::VerdictOf(run).words << '\n';
 }
 
 // False when an engine refuses the result.
-bool HandToEngines(const CalibrateOptions& options, CalibrationReport& report) {
+bool PrintExports(const host::Report& report) {
   bool isDone = true;
-  for (const Engine* engine : options.exports) {
-    report.exports.push_back(
-        ExportToEngine(*engine, report.outputs, options.logFolder, options.verbose));
-    isDone = isDone && report.exports.back().code == 0;
+  for (const host::EngineExport& engineExport : report.exports) {
+    std::cout << '\n';
+    PrintEngineExport(std::cout, engineExport);
+    isDone = isDone && engineExport.code == 0;
+  }
+  std::cout.flush();
+  for (const host::EngineExport& engineExport : report.exports) {
+    PrintProblem(std::cerr, engineExport);
   }
   return isDone;
 }
 
-void PrintExports(const CalibrationReport& report) {
-  for (const EngineExport& engineExport : report.exports) {
-    std::cout << '\n';
-    PrintEngineExport(std::cout, engineExport);
+int Calibrate(CalibrateOptions options) {
+  host::Inputs& inputs = options.inputs;
+  if (inputs.workingFolder.empty()) {
+    inputs.workingFolder = inputs.data.parent_path();
   }
-  std::cout.flush();
-  for (const EngineExport& engineExport : report.exports) {
-    PrintProblem(std::cerr, engineExport);
-  }
-}
-
-int Calibrate(const CalibrateOptions& options) {
-  const std::vector<std::string> photographs = ReadPhotographPaths(options.data);
-  std::optional<CalibrationOutputs> truth;
+  std::optional<host::CalibrationOutputs> truth;
   if (!options.truth.empty()) {
-    truth = ReadTruth(options.truth, options.sensor);
+    truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  PrepareOutput(options, photographs);
-  fs::current_path(options.workingFolder.empty() ? options.data.parent_path()
-                                                 : options.workingFolder);
+  host::ReadDataFile(inputs.data);
+  PrepareOutput(options);
+  fs::current_path(inputs.workingFolder);  // photographs keep their names
 
-  CalibrationReport report = RunCalibration(options, photographs.size());
-  // Engines get no figures of a failed calibration.
-  const bool isDone = IsUsable(report) && HandToEngines(options, report);
+  const host::Report report = RunCalibration(options);
   PrintSummary(std::cout, report, truth ? &*truth : nullptr);
   if (!options.result.empty()) {
     WriteResult(options.result, report);
   }
   std::cout.flush();
-  Warn(options, report);
-  PrintExports(report);
-  return isDone ? 0 : 1;
+  Warn(options, report.run);
+  return PrintExports(report) && host::IsUsable(report.run) ? 0 : 1;
 }
 
 }  // namespace

@@ -18,46 +18,49 @@ std::string RequireFolder(const std::string& path) {
 }  // namespace
 
 void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
-  AddPath(command, "--data", options.data, "FILE", "Tracker data file: a row for each photograph")
+  AddPath(command, "--data", options.inputs.data, "FILE",
+          "Tracker data file: a row for each photograph")
       ->required()
       ->check(RequireFile)
       ->group("Shoot");
-  AddPath(command, "--working-folder", options.workingFolder, "FOLDER",
+  AddPath(command, "--working-folder", options.inputs.workingFolder, "FOLDER",
           "Where relative paths of photographs begin;\nelse the data file's folder")
       ->check(RequireFolder)
       ->group("Shoot");
-  AddValue(command, "--expected-records", options.expectedRecords, ParseCount, "N",
+  AddValue(command, "--expected-records", options.inputs.expectedRecords, ParseCount, "N",
            "Rows that were recorded; else those of the file")
       ->group("Shoot");
   command
-      .add_flag("--invert-tracker-quaternions", options.invertTrackerQuaternions,
+      .add_flag("--invert-tracker-quaternions", options.inputs.invertTrackerQuaternions,
                 "The trackers' quaternions give the inverse rotation")
       ->group("Shoot");
 
-  AddValue(command, "--sensor", options.sensor, ParseSensor, "WxH",
+  AddValue(command, "--sensor", options.inputs.sensorMm, ParseSensor, "WxH",
            "Size of the camera's sensor, millimetres")
       ->required()
       ->group("Camera");
 
-  AddValue(command, "--board", options.board, ParseBoard, "COLSxROWS",
+  AddValue(command, "--board", options.inputs.board, ParseBoard, "COLSxROWS",
            "Inner corners along a row and along a column:\none less than the squares")
       ->required()
       ->group("Chart");
-  AddValue(command, "--square", options.square, ParseSquare, "METRES", "Edge of one square, metres")
+  AddValue(command, "--square", options.inputs.squareMetres, ParseSquare, "METRES",
+           "Edge of one square, metres")
       ->required()
       ->group("Chart");
-  AddValue(command, "--chart-rotation", options.chartTrackerRotation, ParseTriple, "X,Y,Z",
+  host::Mounting& mounting = options.inputs.mounting.emplace();
+  AddValue(command, "--chart-rotation", mounting.rotationDegrees, ParseTriple, "X,Y,Z",
            "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz")
       ->required()
       ->group("Chart");
   AddValue(
-      command, "--chart-translation", options.chartTrackerTranslation, ParseTriple, "X,Y,Z",
+      command, "--chart-translation", mounting.translationMetres, ParseTriple, "X,Y,Z",
       "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
       ->required()
       ->group("Chart");
 
-  AddPath(command, "--log-folder", options.logFolder, "FOLDER",
-          "For the log and the reprojected images;\ncreated when missing")
+  AddPath(command, "--log-folder", options.inputs.logFolder, "FOLDER",
+          "For the log and the reprojected images: each run\ngets a folder of its own in it")
       ->required()
       ->group("Output");
   AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")

@@ -12,6 +12,7 @@
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
 #include "app/options/output_file.h"
+#include "host/text/file_text.h"
 
 namespace trackedcam::app {
 namespace {
@@ -54,7 +55,7 @@ void WriteChart(const ChartOptions& options) {
   const ChartFormat format = FormatOf(options.out);
   RequireFit(options.chart);
   PrepareOutputFile("--out", options.out);
-  WriteOutputFile(options.out, DrawChart(options.chart, format));
+  host::WriteFile(options.out, DrawChart(options.chart, format));
   std::cout << "Wrote " << options.out.u8string() << '\n'
             << "Next: print it at 100 %, check its ruler, photograph it, and then\n"
             << "      " << CalibrateCommandFor(options.chart) << " ...\n";

@@ -1,103 +1,124 @@
 #include "app/commands/config_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
-#include <memory>
-#include <sstream>
 #include <string>
 
-#include "app/commands/calibrate_options.h"
+#define TOML_HEADER_ONLY 1  // every system has the headers
+#include <toml++/toml.h>
+
+#include "app/options/add_path.h"
 #include "app/options/option_values.h"
-#include "app/platform.h"
+#include "host/text/number_text.h"
 
 namespace trackedcam::app {
 namespace {
 
-// A section does not call its command: only the command line does.
-bool IsSectionMark(const CLI::ConfigItem& item) {
-  return item.name == "++" || item.name == "--";
+namespace fs = std::filesystem;
+
+constexpr const char* kBackslashes =
+    "; in double quotes a backslash begins an escape: write a path in single quotes, as in "
+    "'D:\\takes\\new', or with slashes";
+
+[[noreturn]] void Reject(const std::string& reason) {
+  throw CLI::ValidationError("--config", reason);
 }
 
-bool IsPath(const std::string& option) {
-  return std::find(kPathOptions.begin(), kPathOptions.end(), option) != kPathOptions.end();
+std::string PlaceOf(const toml::source_region& region) {
+  return "line " + std::to_string(region.begin.line) + ", column " +
+         std::to_string(region.begin.column);
 }
 
-// The base class would cut a quoted path at a '#' as well.
-std::string RemoveComment(const std::string& line) {
-  char quote = 0;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    if (quote != 0) {
-      quote = line[i] == quote ? 0 : quote;
-    } else if (line[i] == '"' || line[i] == '\'') {
-      quote = line[i];
-    } else if (line[i] == '#') {
-      return line.substr(0, i);
+toml::table Read(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  try {
+    return toml::parse(file, path.u8string());
+  } catch (const toml::parse_error& error) {
+    const std::string reason(error.description());
+    const bool isEscape = reason.find("escape") != std::string::npos;
+    Reject(path.u8string() + ", " + PlaceOf(error.source()) + ": " + reason +
+           (isEscape ? kBackslashes : ""));
+  }
+}
+
+// The value as it stands on the command line: a list such as [12, -8, 5] is 12,-8,5.
+std::string TextOf(const toml::node& value, const std::string& name) {
+  if (const toml::array* list = value.as_array()) {
+    std::string text;
+    for (const toml::node& element : *list) {
+      text += (text.empty() ? "" : ",") + TextOf(element, name);
     }
+    return text;
   }
-  return line;
+  if (const auto* text = value.as_string()) {
+    return text->get();
+  }
+  if (const auto* number = value.as_integer()) {
+    return std::to_string(number->get());
+  }
+  if (const auto* number = value.as_floating_point()) {
+    return host::Shortest(number->get());
+  }
+  if (const auto* flag = value.as_boolean()) {
+    return flag->get() ? "true" : "false";
+  }
+  Reject(name + " is no text, number, list or flag");
 }
 
-std::string RemoveComments(std::istream& input) {
-  std::string text;
-  for (std::string line; std::getline(input, line);) {
-    text += RemoveComment(line) + '\n';
+std::string PathText(const std::string& text, const std::string& name, const fs::path& folder) {
+  const auto isControl = [](char character) { return character >= 0 && character < ' '; };
+  if (std::any_of(text.begin(), text.end(), isControl)) {
+    Reject(name + " holds a control character" + kBackslashes);
   }
-  return text;
+  return (folder / fs::u8path(text)).u8string();
 }
 
-// A name that the section's command does not know is a slip of the pen, not to be passed over.
-void RequireKnown(const CLI::App& program, const CLI::ConfigItem& item) {
-  const auto isSection = [&](const CLI::App* command) {
-    return item.parents == std::vector<std::string>{command->get_name()};
-  };
-  const auto commands = program.get_subcommands(isSection);
-  if (commands.empty() || commands.front()->get_option_no_throw("--" + item.name) == nullptr) {
-    throw CLI::ValidationError("--config", "there is no option " + item.fullname() +
-                                               "; options stand below a section such as "
-                                               "[calibrate]");
+CLI::App* FindCommand(CLI::App& program, const std::string& name) {
+  const auto commands =
+      program.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
+  return commands.empty() ? nullptr : commands.front();
+}
+
+void SetDefault(CLI::Option& option, const std::string& text) {
+  option.required(false)->run_callback_for_default()->default_val(text);
+}
+
+// A section or name that no command knows is a slip of the pen, not to be passed over.
+void SetDefaults(CLI::App& program, const fs::path& path) {
+  const fs::path folder = fs::absolute(path).parent_path();
+  for (const auto& [section, content] : Read(path)) {
+    const std::string command(section.str());
+    const toml::table* options = content.as_table();
+    CLI::App* subcommand = FindCommand(program, command);
+    if (options == nullptr || subcommand == nullptr) {
+      Reject("there is no " + std::string(options == nullptr ? "option " : "section ") + command +
+             " (" + PlaceOf(section.source()) +
+             "); options stand below a section such as [calibrate]");
+    }
+    for (const auto& [key, value] : *options) {
+      const std::string name = command + '.' + std::string(key.str());
+      CLI::Option* option = subcommand->get_option_no_throw("--" + std::string(key.str()));
+      if (option == nullptr) {
+        Reject("there is no option " + name + " (" + PlaceOf(key.source()) + ")");
+      }
+      const std::string text = TextOf(value, name);
+      SetDefault(*option, IsPath(*option) ? PathText(text, name, folder) : text);
+    }
   }
 }
 
 }  // namespace
 
 void AddConfigFile(CLI::App& program) {
-  const auto configFile = std::make_shared<ConfigFile>(program);
-  program.set_config("--config", "", "Read options from a configuration file (TOML)")
-      ->type_name("FILE")
-      ->transform([configFile](const std::string& path) {
-        if (const std::string problem = RequireFile(path); !problem.empty()) {
-          throw CLI::ValidationError(problem);
-        }
-        configFile->SetPath(std::filesystem::u8path(path));
-        return AnyReadableFile();
-      });
-  program.config_formatter(configFile);
-}
-
-ConfigFile::ConfigFile(const CLI::App& program) : program_(program) {
-  comment('\0');  // none is left when the base class reads
-}
-
-void ConfigFile::SetPath(const std::filesystem::path& path) {
-  path_ = path;
-}
-
-std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& /*input*/) const {
-  const std::filesystem::path folder = std::filesystem::absolute(path_).parent_path();
-
-  std::ifstream file(path_);
-  std::istringstream text(RemoveComments(file));
-  std::vector<CLI::ConfigItem> options = CLI::ConfigTOML::from_config(text);
-  options.erase(std::remove_if(options.begin(), options.end(), IsSectionMark), options.end());
-  for (CLI::ConfigItem& item : options) {
-    RequireKnown(program_, item);
-    // A list such as [12, -8, 5] is the value 12,-8,5 of the command line.
-    item.inputs = {CLI::detail::join(item.inputs, ",")};
-    if (IsPath(item.name)) {
-      item.inputs.front() = (folder / std::filesystem::u8path(item.inputs.front())).u8string();
-    }
-  }
-  return options;
+  program
+      .add_option_function<std::string>(
+          "--config",
+          [&program](const std::string& path) { SetDefaults(program, fs::u8path(path)); },
+          "Read options from a configuration file (TOML)")
+      ->check(RequireFile)
+      ->trigger_on_parse()  // before it is asked which options are missing
+      ->type_name("FILE");
 }
 
 }  // namespace trackedcam::app

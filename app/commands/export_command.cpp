@@ -3,17 +3,19 @@
 #include <iostream>
 #include <memory>
 
-#include "app/engines/engine_json.h"
-#include "app/engines/engine_summary.h"
 #include "app/options/add_path.h"
 #include "app/options/add_value.h"
-#include "app/options/create_folder.h"
 #include "app/options/option_values.h"
-#include "app/result/result_file.h"
-#include "app/text/json_file.h"
+#include "app/platform.h"
+#include "app/words/engine_summary.h"
+#include "host/result/result_file.h"
+#include "host/run/run_folder.h"
+#include "host/text/json_file.h"
 
 namespace trackedcam::app {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* kFooter = R"(Examples:
   trackedcam export ue4 --result result.json
@@ -24,22 +26,23 @@ The figures place the camera relative to its tracker, in the engine's axes.
 Exit status: 0 done, 1 failed (such as by gimbal lock), 2 wrong usage.)";
 
 struct ExportOptions {
-  const Engine* engine = nullptr;
-  std::filesystem::path result;
-  std::filesystem::path logFolder;  // empty: the result's
+  const host::Engine* engine = nullptr;
+  fs::path result;
+  fs::path logFolder;  // empty: the result's
   bool json = false;
 };
 
 int Export(const ExportOptions& options) {
-  const CalibrationOutputs calibration = ReadResult(options.result);
-  const std::filesystem::path logFolder =
-      options.logFolder.empty() ? options.result.parent_path() : options.logFolder;
-  CreateFolder("--log-folder", logFolder);
-
-  const EngineExport engineExport =
-      ExportToEngine(*options.engine, calibration, logFolder, /*verbose=*/false);
+  const host::CalibrationOutputs calibration = host::ReadResult(options.result);
+  const fs::path folder = host::CreateRunFolder(
+      options.logFolder.empty() ? options.result.parent_path() : options.logFolder);
+  host::EngineExport engineExport;
+  {
+    const SilencedStdout silenced;
+    engineExport = host::ExportToEngine(*options.engine, calibration, folder);
+  }
   if (options.json) {
-    std::cout << JsonText(EngineJson(engineExport));
+    std::cout << host::JsonText(host::EngineJson(engineExport));
   } else {
     PrintEngineExport(std::cout, engineExport);
   }
@@ -64,7 +67,7 @@ void AddExportCommand(CLI::App& program, int& status) {
       ->required()
       ->check(RequireFile);
   AddPath(*command, "--log-folder", options->logFolder, "FOLDER",
-          "For the log, created when missing;\nelse the result file's folder");
+          "For the log, in a folder of its own;\nelse the result file's folder");
   command->add_flag("--json", options->json, "Print the figures as JSON, at full precision");
   command->callback([options, &status] { status = Export(*options); });
 }

@@ -6,7 +6,7 @@
 
 #include "app/commands/simulate_options.h"
 #include "app/platform.h"
-#include "app/run/progress_bar.h"
+#include "app/words/progress_bar.h"
 #include "simulator/shoot.h"
 #include "simulator/write_shoot.h"
 

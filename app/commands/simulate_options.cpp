@@ -3,11 +3,12 @@
 #include <string>
 
 #include "app/options/option_values.h"
-#include "app/text/number_text.h"
+#include "host/text/number_text.h"
 
 namespace trackedcam::app {
 namespace {
 
+using host::Shortest;
 using simulator::ShootOptions;
 
 /// Adds options that show their defaults to one group of the help.

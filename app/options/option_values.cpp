@@ -9,10 +9,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/text/number_text.h"
+#include "host/text/number_text.h"
 
 namespace trackedcam::app {
 namespace {
+
+using host::Engine;
+using host::kEngines;
+using host::ParseInteger;
+using host::ParseNumber;
+using host::Shortest;
 
 constexpr int kLeastInnerCorners = 3;
 constexpr double kMillimetresPerMetre = 1000.0;

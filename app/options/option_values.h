@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/chart/paper.h"
-#include "app/engines/engine.h"
+#include "host/engines/engine.h"
 
 namespace trackedcam::app {
 
@@ -39,10 +39,10 @@ Paper ParsePaper(const std::string& option, const std::string& text);
 int ParseCount(const std::string& option, const std::string& text);
 
 /// "ue4": the name of an engine.
-const Engine* ParseEngine(const std::string& option, const std::string& text);
+const host::Engine* ParseEngine(const std::string& option, const std::string& text);
 
 /// "ue5,aximmetry": names of engines.
-std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text);
+std::vector<const host::Engine*> ParseEngines(const std::string& option, const std::string& text);
 
 /// A check of an option: nothing when the path names a file, else what is wrong.
 std::string RequireFile(const std::string& path);

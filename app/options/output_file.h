@@ -11,7 +11,4 @@ namespace trackedcam::app {
 /// @throws CLI::ValidationError when the path is that of a folder, or its folder cannot be created.
 void PrepareOutputFile(const std::string& option, const std::filesystem::path& file);
 
-/// @throws std::runtime_error when the file cannot be written.
-void WriteOutputFile(const std::filesystem::path& file, const std::string& content);
-
 }  // namespace trackedcam::app

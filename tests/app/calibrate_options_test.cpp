@@ -36,9 +36,9 @@ class CalibrateOptionsTest : public testing::Test {
 
   void Parse(std::vector<std::string> arguments) {
     CLI::App program("", "trackedcam");
-    AddConfigFile(program);
     CLI::App* command = program.add_subcommand("calibrate")->fallthrough();
     AddCalibrateOptions(*command, options);
+    AddConfigFile(program);
     command->callback([this] { ++calls; });
     arguments.insert(arguments.begin(), "calibrate");
     std::reverse(arguments.begin(), arguments.end());
@@ -63,45 +63,86 @@ class CalibrateOptionsTest : public testing::Test {
 TEST_F(CalibrateOptionsTest, ComeFromTheConfigurationFile) {
   Parse({"--config", config});
   EXPECT_EQ(calls, 1);
-  EXPECT_THAT(options.sensor, ElementsAre(36, 20.25));
-  EXPECT_THAT(options.board, ElementsAre(9, 6));
-  EXPECT_EQ(options.square, 0.03);
-  EXPECT_THAT(options.chartTrackerRotation, ElementsAre(12, -8, 5));
-  EXPECT_THAT(options.chartTrackerTranslation, ElementsAre(0.1, -0.05, 0.02));
-  EXPECT_TRUE(options.invertTrackerQuaternions);
-  EXPECT_EQ(options.expectedRecords, std::nullopt);
+  EXPECT_THAT(options.inputs.sensorMm, ElementsAre(36, 20.25));
+  EXPECT_THAT(options.inputs.board, ElementsAre(9, 6));
+  EXPECT_EQ(options.inputs.squareMetres, 0.03);
+  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(12, -8, 5));
+  EXPECT_THAT(options.inputs.mounting->translationMetres, ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_TRUE(options.inputs.invertTrackerQuaternions);
+  EXPECT_EQ(options.inputs.expectedRecords, std::nullopt);
   EXPECT_FALSE(options.verbose);
 }
 
 TEST_F(CalibrateOptionsTest, HavePathsRelativeToTheConfigurationFile) {
   Parse({"--config", config});
-  EXPECT_EQ(options.data, folder.Path() / "data.csv");
-  EXPECT_EQ(options.logFolder, folder.Path() / "log #1, in");
+  EXPECT_EQ(options.inputs.data, folder.Path() / "data.csv");
+  EXPECT_EQ(options.inputs.logFolder, folder.Path() / "log #1, in");
   EXPECT_TRUE(options.result.empty());
 }
 
 TEST_F(CalibrateOptionsTest, OfTheCommandLineWinOverTheFile) {
   Parse({"--config", config, "--data", folder.File("other.csv"), "--square", "0.05",
          "--chart-rotation", "-1,2,3", "--expected-records", "7", "--log-folder", "logs"});
-  EXPECT_EQ(options.data, folder.Path() / "other.csv");
-  EXPECT_EQ(options.square, 0.05);
-  EXPECT_THAT(options.chartTrackerRotation, ElementsAre(-1, 2, 3));
-  EXPECT_EQ(options.expectedRecords, 7);
-  EXPECT_THAT(options.board, ElementsAre(9, 6));
-  EXPECT_EQ(options.logFolder, std::filesystem::current_path() / "logs");
+  EXPECT_EQ(options.inputs.data, folder.Path() / "other.csv");
+  EXPECT_EQ(options.inputs.squareMetres, 0.05);
+  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(-1, 2, 3));
+  EXPECT_EQ(options.inputs.expectedRecords, 7);
+  EXPECT_THAT(options.inputs.board, ElementsAre(9, 6));
+  EXPECT_EQ(options.inputs.logFolder, std::filesystem::current_path() / "logs");
 }
 
 TEST_F(CalibrateOptionsTest, AreCheckedInTheConfigurationFileToo) {
-  test::WriteFile(config, std::string(kConfig) + "expected-records = few\n");
+  test::WriteFile(config, std::string(kConfig) + "expected-records = 'few'\n");
   EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("--expected-records: few is not a number"));
 }
 
 TEST_F(CalibrateOptionsTest, MustBeKnown) {
   test::WriteFile(config, std::string(kConfig) + "squarre = 0.04\n");
   EXPECT_THAT(ErrorOf({"--config", config}),
-              HasSubstr("--config: there is no option calibrate.squarre"));
+              HasSubstr("--config: there is no option calibrate.squarre (line 11, column 1)"));
   test::WriteFile(config, "square = 0.04\n");
   EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("--config: there is no option square"));
+  test::WriteFile(config, "[calibarte]\nsquare = 0.04\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("--config: there is no section calibarte"));
+}
+
+TEST_F(CalibrateOptionsTest, StandInRealToml) {
+  test::WriteFile(config, R"([calibrate]
+data = 'data.csv'
+sensor = """\
+  36x20.25"""
+board = "9x6"
+square = 3e-2
+chart-rotation = [
+  12,   # about x
+  -8.0,
+  5,
+]
+chart-translation = "0.1,\u002D0.05,0.02"
+log-folder = 'C:\takes\new'
+)");
+  Parse({"--config", config});
+  EXPECT_THAT(options.inputs.sensorMm, ElementsAre(36, 20.25));
+  EXPECT_EQ(options.inputs.squareMetres, 0.03);
+  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(12, -8, 5));
+  EXPECT_THAT(options.inputs.mounting->translationMetres, ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(options.inputs.logFolder.u8string(), HasSubstr("C:\\takes\\new"));
+}
+
+TEST_F(CalibrateOptionsTest, AreRefusedWhereTheFileIsNoToml) {
+  test::WriteFile(config, std::string(kConfig) + "square = 0.04\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("shoot.toml, line 11, column "));
+  test::WriteFile(config, "[calibrate]\nsquare = 0.04.5\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("shoot.toml, line 2, column "));
+  test::WriteFile(config, "[calibrate]\nsquare = 2026-11-21\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("calibrate.square is no text"));
+}
+
+TEST_F(CalibrateOptionsTest, SayHowAPathOfWindowsIsWritten) {
+  for (const char* path : {R"("D:\takes\new")", R"("D:\shoots\day")"}) {
+    test::WriteFile(config, std::string("[calibrate]\nlog-folder = ") + path + '\n');
+    EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("write a path in single quotes")) << path;
+  }
 }
 
 TEST_F(CalibrateOptionsTest, NameFilesAndFoldersThatExist) {

@@ -68,7 +68,7 @@ TEST_F(ChartCommand, NeedsAFileThatCanBeWritten) {
   test::WriteFile(folder.File("file"), "");
   ExpectError(Draw("30mm", "A3", "file/chart.pdf"), 2, "--out: cannot create the folder");
   std::filesystem::create_symlink("/dev/full", folder.Path() / "full.pdf");
-  ExpectError(Draw("30mm", "A3", "full.pdf"), 1, "cannot write ");
+  ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf is no plain file");
 }
 
 }  // namespace

@@ -1,13 +1,16 @@
-#include "app/engines/engine_summary.h"
+#include "app/words/engine_summary.h"
 
 #include <sstream>
 
 #include <gtest/gtest.h>
 
-#include "engine_named.h"
+#include "../host/engine_named.h"
 
 namespace trackedcam::app {
 namespace {
+
+using host::EngineExport;
+using host::EngineNamed;
 
 EngineExport ExportTo(std::string_view engine) {
   EngineExport engineExport;

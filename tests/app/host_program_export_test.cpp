@@ -74,9 +74,9 @@ TEST_F(HostProgramExport, ToAximmetryWarnsOfGimbalLock) {
 
 TEST_F(HostProgramExport, LogsBesideTheResultOrWhereTold) {
   Export("ue5");
-  EXPECT_EQ(LogsIn(folder.Path()), 1U);
+  EXPECT_EQ(LogsIn(folder.Path() / "run_001"), 1U);
   Export("ue5", {"--log-folder", "new/logs"});
-  EXPECT_EQ(LogsIn(folder.Path() / "new" / "logs"), 1U);
+  EXPECT_EQ(LogsIn(folder.Path() / "new" / "logs" / "run_001"), 1U);
 }
 
 TEST_F(HostProgramExport, NeedsAnEngineAndAResult) {

@@ -142,7 +142,8 @@ TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
     for (const char* key : {"translationCm", "rotationDeg", "quaternionXyzw", "fovX"}) {
       EXPECT_EQ(figures[key], expected[key]) << key;
     }
-    EXPECT_EQ(fs::u8path(figures["log"].get<std::string>()).parent_path().filename(), "shoot");
+    EXPECT_EQ(fs::u8path(figures["log"].get<std::string>()).parent_path().parent_path().filename(),
+              "shoot");
   }
   EXPECT_NEAR(exports["aximmetry"]["fovX"][0], Read("result.json")["fieldOfView"][0].get<double>(),
               1e-6);
@@ -214,13 +215,14 @@ TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
   EXPECT_TRUE(Read("result.json")["transformCamTc"][3].is_null());
 }
 
-TEST_F(HostProgramShoot, AnExceptionLeavesNoEarlierResult) {
+TEST_F(HostProgramShoot, AnExceptionIsAResultToo) {
   Simulate();
   test::WriteFile(folder.File("shoot/result.json"), "of an earlier run");
   test::WriteFile(folder.File("shoot/tracker_data.csv"),
                   "1,\xFF.jpg,1,1,1,1,1,1,1,1,1,1,1,1,1,1\n");
   EXPECT_EQ(Calibrate().status, 1);
-  EXPECT_FALSE(fs::exists(folder.Path() / "shoot" / "result.json"));
+  EXPECT_TRUE(Read("result.json")["code"].is_null());
+  EXPECT_EQ(Read("result.json")["message"], "bad conversion");
 }
 
 }  // namespace

@@ -109,8 +109,9 @@ TEST(OptionValues, PapersGoByName) {
 }
 
 TEST(OptionValues, EnginesGoByName) {
-  EXPECT_EQ(ParseEngine("", "ue5-xn"), &kEngines[2]);
-  EXPECT_THAT(ParseEngines("", "ue4, aximmetry"), ElementsAre(&kEngines[0], &kEngines[3]));
+  EXPECT_EQ(ParseEngine("", "ue5-xn"), &host::kEngines[2]);
+  EXPECT_THAT(ParseEngines("", "ue4, aximmetry"),
+              ElementsAre(&host::kEngines[0], &host::kEngines[3]));
   for (const char* text : {"", "UE4", "ue4,ue5"}) {
     EXPECT_EQ(ErrorOf(ParseEngine, text),
               "--option: " + std::string(text) + " is not one of ue4, ue5, ue5-xn, aximmetry");

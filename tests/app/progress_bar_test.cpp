@@ -1,4 +1,4 @@
-#include "app/run/progress_bar.h"
+#include "app/words/progress_bar.h"
 
 #include <sstream>
 

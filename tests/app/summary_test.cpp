@@ -1,36 +1,36 @@
-#include "app/result/summary.h"
+#include "app/words/summary.h"
 
-#include <cmath>
-#include <limits>
 #include <sstream>
 
 #include <gmock/gmock.h>
 
-#include "app/result/verdict.h"
-
 namespace trackedcam::app {
 namespace {
 
+using host::CalibrationOutputs;
+using host::Report;
 using testing::HasSubstr;
 using testing::Not;
 
-CalibrationReport GoodReport() {
-  CalibrationReport report;
-  report.outputs = {{2000, 1000},
-                    {0.9, 1.8},
-                    {0.5, 0.49},
-                    {-0.1, 0.05, 0, 0, 0},
-                    {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
-                    {58.1, 34.7},
-                    {32.4}};
-  report.record.photographs = {{"a.jpg", std::nullopt}, {"b.jpg", DropReason::kBoardNotFound}};
-  report.record.lensError = 0.25;
-  report.record.reprojectionError = 1.5;
-  report.record.spread = 0.00125;
+Report GoodReport() {
+  Report report;
+  report.run.code = 0;
+  report.run.outputs = {{2000, 1000},
+                        {0.9, 1.8},
+                        {0.5, 0.49},
+                        {-0.1, 0.05, 0, 0, 0},
+                        {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
+                        {58.1, 34.7},
+                        {32.4}};
+  report.run.record.photographs = {{"a.jpg", std::nullopt, std::nullopt},
+                                   {"b.jpg", host::DropReason::kBoardNotFound, std::nullopt}};
+  report.run.record.lensError = 0.25;
+  report.run.record.reprojectionError = 1.5;
+  report.run.record.spread = 0.00125;
   return report;
 }
 
-std::string SummaryOf(const CalibrationReport& report, const CalibrationOutputs* truth = nullptr) {
+std::string SummaryOf(const Report& report, const CalibrationOutputs* truth = nullptr) {
   std::ostringstream out;
   PrintSummary(out, report, truth);
   return out.str();
@@ -55,8 +55,8 @@ TEST(Summary, ShowsErrorsAndPhotographs) {
 }
 
 TEST(Summary, ShowsTheTruthBesideTheLens) {
-  const CalibrationReport report = GoodReport();
-  CalibrationOutputs truth = report.outputs;
+  const Report report = GoodReport();
+  CalibrationOutputs truth = report.run.outputs;
   truth.focalLengthMm = {32.5};
   truth.transformCamTc[3] = 0.013;
   const std::string summary = SummaryOf(report, &truth);
@@ -66,43 +66,14 @@ TEST(Summary, ShowsTheTruthBesideTheLens) {
 }
 
 TEST(Summary, OfAFailureShowsWhatThereIs) {
-  CalibrationReport report;
-  report.code = 4;
-  report.log = "/logs/log.txt";
+  Report report;
+  report.run.code = 4;
+  report.run.log = "/logs/log.txt";
   const std::string summary = SummaryOf(report);
   EXPECT_THAT(summary, Not(HasSubstr("Lens")));
   EXPECT_THAT(summary, Not(HasSubstr("Transform")));
   EXPECT_THAT(summary, HasSubstr("Failed, code 4: Fewer than 12 photographs can be used.\nNext: "));
   EXPECT_THAT(summary, HasSubstr("Log: /logs/log.txt\n"));
-}
-
-TEST(Verdict, HasWordsAndAdviceForEveryDocumentedCode) {
-  const std::string unknown = VerdictOf(1000).words;
-  for (const int code : {0, 99, 1, 2, 15, 4, 5, 7, 8, 9, 10, 11, 12, 13, 6, 14, -1}) {
-    EXPECT_NE(VerdictOf(code).words, unknown) << code;
-    EXPECT_NE(VerdictOf(code).advice, "") << code;
-  }
-}
-
-TEST(Verdict, IsUsableForSuccessAndWarningOnly) {
-  EXPECT_TRUE(IsUsable(0));
-  EXPECT_TRUE(IsUsable(99));
-  for (const int code : {1, 2, 4, 5, 6, 7, 13, 14, 15, -1, 1000}) {
-    EXPECT_FALSE(IsUsable(code)) << code;
-  }
-}
-
-TEST(Verdict, OfATransformThatIsNoNumberIsAFailure) {
-  CalibrationReport report = GoodReport();
-  EXPECT_TRUE(IsUsable(report));
-  EXPECT_EQ(VerdictOf(report).words, VerdictOf(0).words);
-  for (const double number : {std::nan(""), std::numeric_limits<double>::infinity()}) {
-    report.outputs.transformCamTc[5] = number;
-    EXPECT_FALSE(IsUsable(report));
-    EXPECT_EQ(VerdictOf(report).words, "The transform is not a number.");
-  }
-  report.code = 4;
-  EXPECT_EQ(VerdictOf(report).words, VerdictOf(4).words);
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ def name(path):
     return path.relative_to(root / "src" if root / "src" in path.parents else root).as_posix()
 
 
-homes = {name(path): path for top in [root, root / "src", root / "app"] for path in top.iterdir() if path.is_dir()}
+homes = {name(path): path for top in [root, root / "src", root / "host", root / "app"] for path in top.iterdir() if path.is_dir()}
 faults = [f"{folder} has no directions" for folder, path in homes.items()
           if path.parent != root and folder not in directions]
 own = {*homes, "trackedcam"}

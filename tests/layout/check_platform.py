@@ -9,7 +9,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ["include", "src", "simulator", "app", "examples", "benchmarks", "tests"]
+FOLDERS = ["include", "src", "simulator", "crosscheck", "host", "app", "examples", "benchmarks", "tests"]
 SEAM = re.compile(r"_(posix|windows)\.cpp$")
 EXCEPTION = "include/trackedcam/trackedcam.h"
 ASKS = re.compile(

@@ -1,0 +1,53 @@
+// What the cross-check is told about a shoot: corners, lens, trackers as reported, what was stated.
+
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Eigen/Core>
+
+namespace trackedcam::crosscheck {
+
+/// A pinhole with radial distortion; the centre of the first pixel is (0, 0).
+struct Lens {
+  int width = 0;                          // of the photographs, pixels
+  int height = 0;                         // of the photographs, pixels
+  double fx = 0, fy = 0, cx = 0, cy = 0;  // pixels
+  double k1 = 0, k2 = 0;                  // radial distortion of second and fourth order
+};
+
+/// Transform_Tr_Chart = [ Rx · Ry · Rz | translation ], Tr being the tracker after the axis fix.
+struct Mounting {
+  std::array<double, 3> rotationDegrees = {};
+  std::array<double, 3> translationMetres = {};
+};
+
+/// A row's half, as the tracking system reported it: Base <- tracker, before the axis fix.
+struct TrackerPose {
+  Eigen::Vector3d position = Eigen::Vector3d::Zero();            // metres
+  Eigen::Vector4d quaternionWxyz = Eigen::Vector4d(1, 0, 0, 0);  // of any length but 0
+};
+
+struct Photograph {
+  std::string name;
+  TrackerPose camera;  // the tracker on the camera
+  TrackerPose chart;   // the tracker on the chart
+  /// Rows of corners, columns fastest, pixels.
+  std::vector<Eigen::Vector2d> corners;
+};
+
+struct Observations {
+  int boardColumns = 0;                 // inner corners along a row
+  int boardRows = 0;                    // inner corners along a column
+  double square = 0;                    // edge of a square, metres
+  Lens lens;                            // as solved from these corners
+  std::vector<Photograph> photographs;  // in the order of the shoot
+  bool invertTrackerQuaternions = false;
+  std::optional<Mounting> mounting;        // as stated; nothing where none was stated
+  std::optional<Eigen::Matrix4d> library;  // the Transform_Cam_Tc that is to be checked
+};
+
+}  // namespace trackedcam::crosscheck

@@ -1,0 +1,29 @@
+// What a calibration is told.
+
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <optional>
+
+#include "crosscheck/observations.h"
+
+namespace trackedcam::host {
+
+using crosscheck::Mounting;
+
+/// Paths are absolute.
+struct Inputs {
+  std::filesystem::path data;           // a row for each photograph
+  std::filesystem::path workingFolder;  // where relative paths of photographs begin
+  std::array<double, 2> sensorMm = {};
+  std::array<int, 2> board = {};  // inner corners: columns, rows
+  double squareMetres = 0;
+  std::optional<Mounting> mounting;  // nothing: to be found from the shoot
+  bool invertTrackerQuaternions = false;
+  std::optional<int> expectedRecords;  // nothing: as many as the file has
+  std::filesystem::path logFolder;     // each run gets a folder of its own in it
+  bool refineMounting = false;  // calibrate again where the cross-check finds another mounting
+};
+
+}  // namespace trackedcam::host

@@ -1,0 +1,37 @@
+#include "host/run/run_record.h"
+
+#include <algorithm>
+
+namespace trackedcam::host {
+
+const char* Describe(DropReason reason) {
+  switch (reason) {
+    case DropReason::kNotLoaded:
+      return "missing or not an image";
+    case DropReason::kBoardNotFound:
+      return "board not found";
+    case DropReason::kOutlier:
+      return "outlier";
+  }
+  return "";
+}
+
+std::vector<std::string> UsedPhotographs(const RunRecord& record) {
+  std::vector<std::string> used;
+  for (const Photograph& photograph : record.photographs) {
+    if (!photograph.dropped) {
+      used.push_back(photograph.path);
+    }
+  }
+  return used;
+}
+
+bool IsBoardNowhere(const RunRecord& record) {
+  const auto lacksBoard = [](const Photograph& photograph) {
+    return photograph.dropped == DropReason::kBoardNotFound;
+  };
+  return UsedPhotographs(record).empty() &&
+         std::any_of(record.photographs.begin(), record.photographs.end(), lacksBoard);
+}
+
+}  // namespace trackedcam::host

@@ -1,0 +1,24 @@
+// What the program's JSON files have in common.
+
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace trackedcam::host {
+
+/// The list of that name and length.
+/// @throws std::exception when it is missing, longer, shorter, or holds anything but numbers.
+std::vector<double> ReadNumbers(const nlohmann::json& json, const char* key, std::size_t count);
+
+/// JSON has no infinity and no nan: such a number is null, as is one that is missing.
+nlohmann::ordered_json NumberJson(const std::optional<double>& number);
+nlohmann::ordered_json NumbersJson(const std::vector<double>& numbers);
+
+/// The text of a file. Bytes of a path that are not UTF-8 are replaced.
+std::string JsonText(const nlohmann::ordered_json& json);
+
+}  // namespace trackedcam::host

@@ -1,0 +1,120 @@
+#include "host/engines/engine.h"
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include <gmock/gmock.h>
+
+#include "support/random_transform.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::host {
+namespace {
+
+using Eigen::Matrix3d;
+using Eigen::Vector3d;
+
+using Directions = std::map<std::string, Vector3d>;
+
+const Directions kAtTheCamera = {{"right", {1, 0, 0}},
+                                 {"left", {-1, 0, 0}},
+                                 {"down", {0, 1, 0}},
+                                 {"up", {0, -1, 0}},
+                                 {"forward", {0, 0, 1}}};
+const Directions kAtTheTracker = {{"x", {1, 0, 0}},   {"-x", {-1, 0, 0}}, {"y", {0, 1, 0}},
+                                  {"-y", {0, -1, 0}}, {"z", {0, 0, 1}},   {"-z", {0, 0, -1}}};
+
+Matrix3d Columns(const Axes& words, const Directions& directions) {
+  Matrix3d columns;
+  for (int axis = 0; axis < 3; ++axis) {
+    columns.col(axis) = directions.at(words[static_cast<std::size_t>(axis)]);
+  }
+  return columns;
+}
+
+// Where the camera sits at its tracker, in the tracker's axes as they are reported.
+struct Placement {
+  Matrix3d rotation;  // of a direction at the camera
+  Vector3d translation;
+};
+
+Placement PlacementOf(const Transform& Transform_Cam_Tc) {
+  // The calibration counts along the reported -x, -z and -y of the tracker.
+  Matrix3d reported;
+  reported << -1, 0, 0, 0, 0, -1, 0, -1, 0;
+  const Matrix3d rotation = Transform_Cam_Tc.topLeftCorner<3, 3>().transpose();
+  return {reported.transpose() * rotation,
+          -reported.transpose() * rotation * Transform_Cam_Tc.topRightCorner<3, 1>()};
+}
+
+Matrix3d Turn(double degrees, const Vector3d& axis) {
+  return Eigen::AngleAxisd(degrees * EIGEN_PI / 180, axis).toRotationMatrix();
+}
+
+Matrix3d RotationOf(std::string_view engine, const EngineFigures& figures) {
+  if (!figures.quaternionXyzw.empty()) {
+    const std::vector<double>& q = figures.quaternionXyzw;
+    return Eigen::Quaterniond(q[3], q[0], q[1], q[2]).toRotationMatrix();
+  }
+  const Vector3d x = Vector3d::UnitX();
+  const Vector3d y = Vector3d::UnitY();
+  const Vector3d z = Vector3d::UnitZ();
+  const std::vector<double>& a = figures.rotationDeg;
+  return engine == "ue4" ? Matrix3d(Turn(a[2], z) * Turn(-a[1], y) * Turn(-a[0], x))
+                         : Matrix3d(Turn(a[1], y) * Turn(a[0], x) * Turn(a[2], z));
+}
+
+class EngineTest : public testing::TestWithParam<Engine> {
+ protected:
+  EngineFigures Figures(const Transform& Transform_Cam_Tc) const {
+    CalibrationOutputs outputs;
+    outputs.normFocal = {0.9, 1.6};
+    outputs.normCenter = {0.5, 0.5};
+    for (int row = 0; row < 4; ++row) {
+      for (int col = 0; col < 4; ++col) {
+        outputs.transformCamTc.push_back(Transform_Cam_Tc(row, col));
+      }
+    }
+    EngineFigures figures;
+    EXPECT_EQ(GetParam().convert(outputs, folder.Path().u8string(), figures), 0);
+    return figures;
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_P(EngineTest, CountsAlongTheAxesThatItNames) {
+  const Engine& engine = GetParam();
+  const Matrix3d camera = Columns(engine.cameraAxes, kAtTheCamera);
+  const Matrix3d tracker = Columns(engine.trackerAxes, kAtTheTracker);
+  const Matrix3d translation = Columns(engine.translationAxes, kAtTheTracker);
+  std::mt19937 random(20260311);
+  for (int round = 0; round < 20; ++round) {
+    const Transform Transform_Cam_Tc = test::RandomTransform(random);
+    const Placement placement = PlacementOf(Transform_Cam_Tc);
+    const EngineFigures figures = Figures(Transform_Cam_Tc);
+    const Matrix3d rotation = RotationOf(engine.name, figures);
+    EXPECT_TRUE(rotation.isApprox(tracker.transpose() * placement.rotation * camera, 1e-4))
+        << round;
+    const Vector3d centimetres = translation.transpose() * placement.translation * 100;
+    EXPECT_TRUE(Vector3d(figures.translationCm.data()).isApprox(centimetres, 1e-4)) << round;
+  }
+}
+
+TEST_P(EngineTest, HasTheHandThatItNames) {
+  const Engine& engine = GetParam();
+  const double hand = std::string_view(engine.hand) == "right-handed" ? 1 : -1;
+  EXPECT_EQ(Columns(engine.cameraAxes, kAtTheCamera).determinant(), hand);
+  EXPECT_EQ(Columns(engine.trackerAxes, kAtTheTracker).determinant(), hand);
+}
+
+std::string TestName(const testing::TestParamInfo<Engine>& engine) {
+  std::string name(engine.param.name);
+  name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
+  return name;
+}
+INSTANTIATE_TEST_SUITE_P(All, EngineTest, testing::ValuesIn(kEngines), TestName);
+
+}  // namespace
+}  // namespace trackedcam::host

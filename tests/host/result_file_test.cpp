@@ -1,0 +1,70 @@
+#include "host/result/result_file.h"
+
+#include <stdexcept>
+
+#include <gmock/gmock.h>
+
+#include "host/input/input_error.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::host {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* kResult = R"({
+  "code": 99, "normFocal": [0.9, 1.6], "normCenter": [0.5, 0.49],
+  "transformCamTc": [1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1]})";
+
+class ResultFileTest : public testing::Test {
+ protected:
+  CalibrationOutputs Read(const std::string& content) {
+    test::WriteFile(folder.File("result.json"), content);
+    return ReadResult(folder.Path() / "result.json");
+  }
+
+  template <class Error>
+  std::string ErrorOf(const std::string& content) {
+    try {
+      Read(content);
+    } catch (const Error& error) {
+      return error.what();
+    }
+    return "no error";
+  }
+
+  static std::string With(const std::string& part, const std::string& replacement) {
+    std::string content = kResult;
+    return content.replace(content.find(part), part.size(), replacement);
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(ResultFileTest, HasWhatEnginesNeed) {
+  const CalibrationOutputs outputs = Read(kResult);
+  EXPECT_THAT(outputs.normFocal, ElementsAre(0.9, 1.6));
+  EXPECT_THAT(outputs.normCenter, ElementsAre(0.5, 0.49));
+  EXPECT_EQ(outputs.transformCamTc.size(), 16U);
+  EXPECT_EQ(outputs.transformCamTc[7], -0.02);
+}
+
+TEST_F(ResultFileTest, MustBeOfAUsableCalibration) {
+  EXPECT_THAT(ErrorOf<std::runtime_error>(R"({"code": 4, "normFocal": []})"),
+              HasSubstr("result.json is of a calibration that failed, code 4: Fewer than 12"));
+  EXPECT_THAT(ErrorOf<std::runtime_error>(With("99", "14")), HasSubstr("code 14"));
+}
+
+TEST_F(ResultFileTest, MustBeAResult) {
+  for (const std::string& content :
+       {std::string(), std::string("[]"), std::string("{}"), With("99", "\"0\""),
+        With("transformCamTc", "transform"), With("0.01,", ""), With("1.6", "null"),
+        With("[0.9, 1.6]", "0.9"), With("0.49]", "0.49, 1]"), With("]}", "")}) {
+    EXPECT_THAT(ErrorOf<InputError>(content), HasSubstr("is not the result of a calibration: "))
+        << content;
+  }
+}
+
+}  // namespace
+}  // namespace trackedcam::host

@@ -1,0 +1,115 @@
+#include "host/result/result_json.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "host/text/json_file.h"
+
+namespace trackedcam::host {
+namespace {
+
+using Json = nlohmann::json;
+
+Report GoodReport() {
+  Report report;
+  report.run.code = 0;
+  report.run.outputs = {{1920, 1080},
+                        {0.9, 1.6},
+                        {0.5, 0.49},
+                        {-0.1, 1.0 / 3.0, 0, 0, 0},
+                        {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
+                        {58.1, 34.7},
+                        {32.4}};
+  report.run.record.libraryVersion = "v1.1.0";
+  report.run.record.photographs = {{"a.jpg", std::nullopt, std::nullopt},
+                                   {"b.jpg", DropReason::kNotLoaded, std::nullopt},
+                                   {"c.jpg", DropReason::kBoardNotFound, std::nullopt},
+                                   {"d.jpg", DropReason::kOutlier, std::nullopt}};
+  report.run.record.lensError = 0.2;
+  report.run.record.reprojectionError = 1.5;
+  report.run.record.spread = 0.001;
+  report.run.record.lastMessage = "Camera and Tracker Calibration successful.";
+  report.run.log = "/logs/log.txt";
+  report.run.images = {"/logs/Reproject_a.jpg"};
+  return report;
+}
+
+TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
+  const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
+  EXPECT_EQ(json["code"], 0);
+  EXPECT_EQ(json["message"], "No error");
+  EXPECT_EQ(json["imageSize"], Json({1920, 1080}));
+  EXPECT_EQ(json["normFocal"], Json({0.9, 1.6}));
+  EXPECT_EQ(json["normCenter"], Json({0.5, 0.49}));
+  EXPECT_EQ(json["distortion"][1].get<double>(), 1.0 / 3.0);
+  EXPECT_EQ(json["transformCamTc"].size(), 16U);
+  EXPECT_EQ(json["transformCamTc"][7], -0.02);
+  EXPECT_EQ(json["fieldOfView"], Json({58.1, 34.7}));
+  EXPECT_EQ(json["focalLengthMm"], Json::array({32.4}));
+  EXPECT_EQ(json["lensErrorPixels"], 0.2);
+  EXPECT_EQ(json["reprojectionErrorPixels"], 1.5);
+  EXPECT_EQ(json["translationSpreadMetres"], 0.001);
+}
+
+TEST(ResultJson, ListsPhotographsAndFiles) {
+  const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
+  EXPECT_EQ(json["used"], Json::array({"a.jpg"}));
+  EXPECT_EQ(json["dropped"],
+            Json::parse(R"([{"photograph": "b.jpg", "reason": "missing or not an image"},
+                            {"photograph": "c.jpg", "reason": "board not found"},
+                            {"photograph": "d.jpg", "reason": "outlier"}])"));
+  EXPECT_EQ(json["log"], "/logs/log.txt");
+  EXPECT_EQ(json["images"], Json::array({"/logs/Reproject_a.jpg"}));
+  EXPECT_EQ(json["versions"]["library"], "v1.1.0");
+  EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
+}
+
+TEST(ResultJson, HasNullForWhatIsNoNumber) {
+  Report report = GoodReport();
+  report.run.outputs.normFocal[0] = std::numeric_limits<double>::quiet_NaN();
+  report.run.record.spread = -std::numeric_limits<double>::infinity();
+  report.run.record.reprojectionError = std::nullopt;
+  const Json json = Json::parse(JsonText(ResultJson(report)));
+  EXPECT_TRUE(json["normFocal"][0].is_null());
+  EXPECT_EQ(json["normFocal"][1], 1.6);
+  EXPECT_TRUE(json["translationSpreadMetres"].is_null());
+  EXPECT_TRUE(json["reprojectionErrorPixels"].is_null());
+}
+
+TEST(ResultJson, OfAFailureHasEmptyListsAndTheMessage) {
+  Report report;
+  report.run.code = 4;
+  report.run.record.errorMessage = "Amount of valid images < 12.";
+  report.run.record.lastMessage = "Error code 4: Amount of valid images < 12.";
+  const Json json = Json::parse(JsonText(ResultJson(report)));
+  EXPECT_EQ(json["code"], 4);
+  EXPECT_EQ(json["message"], "Amount of valid images < 12.");
+  EXPECT_EQ(json["imageSize"], Json::array());
+  EXPECT_EQ(json["transformCamTc"], Json::array());
+  EXPECT_EQ(json["used"], Json::array());
+}
+
+TEST(ResultJson, OfWrongUseHasTheLastLine) {
+  Report report;
+  report.run.code = -1;
+  report.run.record.lastMessage = "chartTrackerRotation has 2 elements, needs 3.";
+  EXPECT_EQ(ResultJson(report)["message"], "chartTrackerRotation has 2 elements, needs 3.");
+}
+
+TEST(ResultJson, OfAnExceptionHasNoCode) {
+  Report report;
+  report.run.exception = "bad conversion";
+  const Json json = Json::parse(JsonText(ResultJson(report)));
+  EXPECT_TRUE(json["code"].is_null());
+  EXPECT_EQ(json["message"], "bad conversion");
+}
+
+TEST(ResultJson, IsValidWhateverBytesAPathHas) {
+  Report report = GoodReport();
+  report.run.record.photographs[0].path = "a\xFF\"b.jpg";
+  EXPECT_EQ(Json::parse(JsonText(ResultJson(report)))["used"][0], "a\uFFFD\"b.jpg");
+}
+
+}  // namespace
+}  // namespace trackedcam::host

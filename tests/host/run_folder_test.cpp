@@ -1,0 +1,62 @@
+#include "host/run/run_folder.h"
+
+#include <set>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "host/input/input_error.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::host {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class RunFolderTest : public testing::Test {
+ protected:
+  std::string Create() { return CreateRunFolder(logFolder).filename().u8string(); }
+
+  test::TemporaryFolder folder;
+  fs::path logFolder = folder.Path() / "log" / "day 1";
+};
+
+TEST_F(RunFolderTest, IsCounted) {
+  EXPECT_EQ(Create(), "run_001");
+  EXPECT_EQ(Create(), "run_002");
+  EXPECT_TRUE(fs::is_empty(logFolder / "run_002"));
+}
+
+TEST_F(RunFolderTest, ComesAfterTheLastOne) {
+  fs::create_directories(logFolder / "run_041");
+  fs::create_directories(logFolder / "run_of_mine");
+  EXPECT_EQ(Create(), "run_042");
+  fs::create_directories(logFolder / "run_999");
+  EXPECT_EQ(Create(), "run_1000");
+}
+
+TEST_F(RunFolderTest, IsNeverShared) {
+  std::vector<std::string> names(24);
+  std::vector<std::thread> threads;
+  for (std::string& name : names) {
+    threads.emplace_back([&] { name = Create(); });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
+}
+
+TEST_F(RunFolderTest, NeedsAFolderThatCanBeWritten) {
+  test::WriteFile(folder.File("log"), "a file in the way");
+  try {
+    Create();
+    FAIL() << "created a folder below a file";
+  } catch (const InputError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("without a log there is no record of a run"));
+  }
+}
+
+}  // namespace
+}  // namespace trackedcam::host
