@@ -64,9 +64,10 @@ extern "C" {
 ///   run goes on without it.
 /// @param Flag_ModifyQuat True when the trackers' quaternions give the inverse rotation: their x, y
 ///   and z are negated before use.
-/// @param Num_TrackerData Number of rows that the host recorded. At the number of rows or above it
-///   has no effect. Below the number of usable photographs it leaves too few poses, and the call
-///   returns 7.
+/// @param Num_TrackerData Number of rows that the host recorded, 1 at least. Below the number of
+///   usable photographs it changes two lines of the log, and nothing of the result: every usable
+///   photograph is used. 0 leaves no poses, also where photographs that drop out bring it down to
+///   0, and the call returns 7. A negative number is an error of the image library.
 ///
 /// @return
 ///   -  0 success: all outputs are filled.
