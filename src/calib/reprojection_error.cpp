@@ -58,10 +58,12 @@ ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate
     const Corners projected =
         ProjectBoard(boardTemplate, Transform_Cam_Chart, cameraMatrix, distortion);
 
-    cv::Mat photograph = LoadImage(imagePaths[i]);
     if (writeImages) {
+      cv::Mat photograph = LoadImage(imagePaths[i]);
       DrawCorners(photograph, imagePoints[i], projected);
       WriteReprojectedImage(photograph, outputFolder, imagePaths[i]);
+    } else {
+      ImageOpens(imagePaths[i]);  // a missing photograph shows on the console in either pass
     }
 
     const float error = MeanDistance(imagePoints[i], projected);
