@@ -94,6 +94,9 @@ extern "C" {
 /// by side. They share standard output, to which every line of the log is echoed, and a log file
 /// when they name one folder and begin in the same second.
 ///
+/// Floating point: while the call runs, its thread rounds to nearest, traps nothing and keeps
+/// subnormal numbers; afterwards it has the host's settings and flags again.
+///
 /// @throws std::exception What a library underneath throws leaves the call: std::range_error("bad
 ///   conversion") for a path that is not UTF-8, std::bad_alloc, and the image library's errors for
 ///   views that cannot be solved. Outputs then hold what was appended before.
@@ -118,8 +121,8 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
 /// first elements of the vector, which are the caller's own when it comes in filled.
 ///
 /// All return -1 for wrong use by the host: an input vector holds fewer elements than are read (the
-/// log says which). Nothing is then filled. Threads and exceptions are as for Calibration. Rx, Ry
-/// and Rz are right-handed elementary rotations.
+/// log says which). Nothing is then filled. Threads, floating point and exceptions are as for
+/// Calibration. Rx, Ry and Rz are right-handed elementary rotations.
 ///
 /// @{
 

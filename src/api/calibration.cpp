@@ -2,6 +2,7 @@
 #include "api/camera_tracker_run.h"
 #include "api/input_length.h"
 #include "calib/calibrate_camera.h"
+#include "core/float_environment.h"
 #include "core/number_text.h"
 #include "core/version.h"
 #include "io/tracker_data.h"
@@ -25,6 +26,7 @@ int Calibration(std::string dataPath, double sensorWidth, double sensorHeight, i
                 std::string logFolder, bool Flag_ModifyQuat, int Num_TrackerData) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   RunLog log;
   OpenRunLog(log, logFolder);
   WriteRunLogLine(log, "Version : " + LibraryVersion);

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "api/input_length.h"
+#include "core/float_environment.h"
 #include "core/number_text.h"
 #include "core/precision.h"
 #include "core/version.h"
@@ -71,6 +72,7 @@ ResultCode ExportToUE5(const std::string& name, AxisChangeStage changeAxes,
                        const std::vector<double>& transformCamTc,
                        std::vector<double>& quaternionXyzw, std::vector<double>& translationCm,
                        const std::string& logFolder) {
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, name);
   if (const ResultCode code =
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
@@ -101,6 +103,7 @@ int CamAxisToUE4(std::vector<double> transformCamTc, std::vector<double>& rotati
                  std::vector<double>& translationCm, std::string logFolder) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, "CamAxisToUE4");
   if (const ResultCode code =
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
@@ -139,6 +142,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
                        std::vector<double>& translationCm, std::string logFolder) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, "CamAxisToAximmetry");
   if (const ResultCode code = CheckLength(log, "normFocal", normFocal, 2)) {
     return code;

@@ -13,7 +13,9 @@ std::string ToText(double number);
 
 std::string ToText(int number);
 
-/// What atof gives in the C locale.
+/// What atof of the GNU C library gives in the C locale: the longest beginning that is a number,
+/// decimal, hexadecimal, infinite or none, and 0 where there is no such beginning. The characters
+/// of "nan(...)" leave no trace in what is not a number.
 double ParseNumber(std::string_view text);
 
 }  // namespace trackedcam

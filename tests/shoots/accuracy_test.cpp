@@ -81,10 +81,7 @@ TEST(Accuracy, IsNotSpoiledByOutliers) {
 }
 
 TEST(Accuracy, IsTheSameForEveryFormOfTheDataFile) {
-  sim::ShootOptions options;
-  options.photographs = 14;
-  options.imageWidth = 960;
-  options.imageHeight = 540;
+  sim::ShootOptions options = SmallShoot(14);
   const TemporaryFolder plainFolder;
   const Calibrated plain = CalibrateShoot(sim::SimulateShoot(options), plainFolder);
   EXPECT_EQ(plain.code, 0);
@@ -99,10 +96,7 @@ TEST(Accuracy, IsTheSameForEveryFormOfTheDataFile) {
 }
 
 TEST(Accuracy, ImprovesOnANominalMountingThatIsWrong) {
-  sim::ShootOptions options;
-  options.photographs = 16;
-  options.imageWidth = 960;
-  options.imageHeight = 540;
+  sim::ShootOptions options = SmallShoot(16);
   options.mountingErrorMm = 3;
   options.mountingErrorDegrees = 0.3;
   const sim::Shoot shoot = sim::SimulateShoot(options);
@@ -115,11 +109,7 @@ TEST(Accuracy, ImprovesOnANominalMountingThatIsWrong) {
 }
 
 TEST(Outputs, AreAppendedToWhatTheHostPassesIn) {
-  sim::ShootOptions options;
-  options.photographs = 14;
-  options.imageWidth = 960;
-  options.imageHeight = 540;
-  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const sim::Shoot shoot = sim::SimulateShoot(SmallShoot(14));
   const TemporaryFolder folder;
   const Calibrated first = CalibrateShoot(shoot, folder);
   ASSERT_EQ(first.code, 0);
@@ -142,11 +132,7 @@ TEST(Outputs, AreAppendedToWhatTheHostPassesIn) {
 }
 
 TEST(ReprojectedImages, AreWrittenForThePhotographsThatAreLeft) {
-  sim::ShootOptions options;
-  options.photographs = 14;
-  options.imageWidth = 960;
-  options.imageHeight = 540;
-  const sim::Shoot shoot = sim::SimulateShoot(options);
+  const sim::Shoot shoot = sim::SimulateShoot(SmallShoot(14));
   const TemporaryFolder folder;
   fs::create_directories(folder.Path() / "Reproject_photos");
   const Calibrated result = CalibrateShoot(shoot, folder);

@@ -16,14 +16,6 @@ namespace sim = simulator;
 
 class ResultCodes : public testing::Test {
  protected:
-  static sim::ShootOptions SmallShoot() {
-    sim::ShootOptions options;
-    options.photographs = 16;
-    options.imageWidth = 960;
-    options.imageHeight = 540;
-    return options;
-  }
-
   // Turns the camera's tracker to and fro about the axis of Transform_Cam_Tc, which neither the
   // filter nor the spread of the translations can see.
   static void SwingCameraTracker(sim::Shoot& shoot, double degrees) {
@@ -70,8 +62,7 @@ class ResultCodes : public testing::Test {
 };
 
 TEST_F(ResultCodes, ZeroForPhotographsThatAgree) {
-  sim::ShootOptions options = SmallShoot();
-  options.photographs = 18;
+  sim::ShootOptions options = SmallShoot(18);
   options.missing = 1;
   options.notAnImage = 1;
   options.withoutChart = 1;
@@ -94,8 +85,7 @@ TEST_F(ResultCodes, OneForADataFileThatDoesNotOpen) {
 }
 
 TEST_F(ResultCodes, FourForElevenUsablePhotographs) {
-  sim::ShootOptions options = SmallShoot();
-  options.photographs = 14;
+  sim::ShootOptions options = SmallShoot(14);
   options.missing = 1;
   options.notAnImage = 1;
   options.withoutChart = 1;
