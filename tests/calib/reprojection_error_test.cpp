@@ -60,7 +60,7 @@ class ReprojectionErrorTest : public test::StageTest {
   float averageError = -1;
 };
 
-TEST_F(ReprojectionErrorTest, IsThreeWhenAllProjectionsLieThreePixelsToTheRight) {
+TEST_F(ReprojectionErrorTest, IsThreeForThreePixelsToTheRight) {
   AddPhotograph(GreyImage("a.png"), {-3, 0});
   EXPECT_EQ(Measure(), 0);
   EXPECT_NEAR(averageError, 3.0F, 1e-4);

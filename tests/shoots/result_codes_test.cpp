@@ -231,8 +231,8 @@ TEST_F(ResultCodes, MinusOneForAMountingThatIsTooShort) {
     const Calibrated result = Calibrate(arguments);
     EXPECT_EQ(result.code, -1);
     EXPECT_TRUE(
-        LogReads(result.log, {"Version : v1.1.0", "Flag_ModifyQuat : 0", "Num_TrackerData : 16",
-                              "Camera Tracker Calibration start.", line}));
+        LogReads(result.log, {"Version : v" TRACKEDCAM_VERSION, "Flag_ModifyQuat : 0",
+                              "Num_TrackerData : 16", "Camera Tracker Calibration start.", line}));
     ExpectNothingFilled(result);
   };
   HostArguments rotation = ArgumentsFor(shoot, folder);

@@ -62,7 +62,9 @@ class HostFloatEnvironment {
   }
 
   /// The exceptions that were raised and not cleared.
-  static int Flags() { return std::fetestexcept(FE_ALL_EXCEPT); }
+  static int Flags() {
+    return std::fetestexcept(FE_ALL_EXCEPT);
+  }
 
  private:
   std::fenv_t before_ = {};
