@@ -26,7 +26,7 @@ RunLog BeginExport(const std::string& logFolder, const std::string& name) {
 std::string Join(std::initializer_list<double> numbers) {
   std::string text;
   for (const double number : numbers) {
-    text += (text.empty() ? "" : ", ") + ToText(number);
+    text += (text.empty() ? "" : ", ") + ToSixDecimals(number);
   }
   return text;
 }
@@ -160,7 +160,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
   lensCentre.push_back(normCenter[0] - 0.5);
   lensCentre.push_back(-(normCenter[1] - 0.5));
   // From the caller's lists, which begin with older figures when they came in filled.
-  WriteRunLogLine(log, "FoVX : " + ToText(fovX[0]));
+  WriteRunLogLine(log, "FoVX : " + ToSixDecimals(fovX[0]));
   WriteRunLogLine(log, "AximmetryCxy : " + Join({lensCentre[0], lensCentre[1]}));
 
   const Transform Transform_Tc_Cam = ChangeAxes(log, "AX", AxisChangeAximmetry, transformCamTc);

@@ -68,11 +68,11 @@ ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate
 
     const float error = MeanDistance(imagePoints[i], projected);
     sum.Add(error);
-    WriteRunLogLine(
-        log, "Image " + std::to_string(i) + " reprojection error : " + ToText(error) + " pixels.");
+    WriteRunLogLine(log, "Image " + std::to_string(i) +
+                             " reprojection error : " + ToSixDecimals(error) + " pixels.");
   }
   averageError = sum.Value() / static_cast<float>(imagePoints.size());
-  WriteRunLogLine(log, "Average reprojection error : " + ToText(averageError) + " pixels.");
+  WriteRunLogLine(log, "Average reprojection error : " + ToSixDecimals(averageError) + " pixels.");
   return result::kSuccess;
 }
 

@@ -108,7 +108,7 @@ double ValueOf(const Scientific& number, bool isHex) {
 
 }  // namespace
 
-std::string ToText(double number) {
+std::string ToSixDecimals(double number) {
   // The longest text: a sign, 309 digits, the point and six decimals.
   std::array<char, 320> buffer = {};
   number = std::isnan(number) ? std::copysign(number, 1.0) : number;
@@ -117,11 +117,7 @@ std::string ToText(double number) {
   return std::string(buffer.data(), result.ptr);
 }
 
-std::string ToText(int number) {
-  return std::to_string(number);
-}
-
-double ParseNumber(std::string_view text) {
+double ParseLeadingNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
   const bool isNegative = TakeSign(text);
   const auto withSign = [&](double value) { return std::copysign(value, isNegative ? -1.0 : 1.0); };

