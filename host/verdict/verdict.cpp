@@ -37,7 +37,7 @@ const std::map<int, Verdict> kVerdicts = {
       "Check that both trackers are rigidly mounted, that --chart-rotation, --chart-translation "
       "and --square are right, and whether --invert-tracker-quaternions is needed."}},
     {7,
-     {"There are fewer poses than usable photographs.",
+     {"No rows of the data file were announced.",
       "Leave out --expected-records, or give the number of rows that were recorded."}},
     {8, {"The lists of poses differ in length.", kReport}},
     {9, {"A rotation axis has the wrong size.", kReport}},

@@ -184,9 +184,9 @@ TEST_F(HostProgramShoot, SaysWhenTheBoardIsGivenInSquares) {
   EXPECT_EQ(Read("result.json")["code"], 4);
 }
 
-TEST_F(HostProgramShoot, FailsWhenFewerRecordsAreExpected) {
+TEST_F(HostProgramShoot, FailsWhenNoRecordsAreExpected) {
   Simulate();
-  const ProgramRun run = Calibrate({"--expected-records", "5"});
+  const ProgramRun run = Calibrate({"--expected-records", "0"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.out, HasSubstr("Next: Leave out --expected-records"));
   EXPECT_EQ(Read("result.json")["code"], 7);

@@ -16,6 +16,14 @@ std::vector<double> Numbers(const Eigen::Vector3d& vector) {
 
 }  // namespace
 
+simulator::ShootOptions SmallShoot(int photographs) {
+  simulator::ShootOptions options;
+  options.photographs = photographs;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  return options;
+}
+
 HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder& folder) {
   const simulator::ShootOptions& options = shoot.options;
   return {folder.File("tracker_data.csv"),

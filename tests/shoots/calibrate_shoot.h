@@ -10,6 +10,9 @@
 
 namespace trackedcam::test {
 
+/// Photographs that are many and large enough to be calibrated, and no more.
+simulator::ShootOptions SmallShoot(int photographs = 16);
+
 /// The arguments of Calibration that a test may want to change.
 struct HostArguments {
   std::string dataPath;

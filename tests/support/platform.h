@@ -8,6 +8,9 @@
 
 namespace trackedcam::test {
 
+/// Whether strtod is that of the GNU C library.
+extern const bool kHasGnuStrtod;
+
 /// The end of a line in a text file.
 extern const char* const kLineEnd;
 

@@ -39,6 +39,7 @@ std::wstring Quoted(const std::wstring& word) {
 
 }  // namespace
 
+const bool kHasGnuStrtod = false;
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
