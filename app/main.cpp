@@ -14,6 +14,7 @@
 #include "app/commands/export_command.h"
 #include "app/commands/simulate_command.h"
 #include "app/options/help_formatter.h"
+#include "app/platform.h"
 
 namespace {
 
@@ -58,6 +59,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int trackedcam::app::Main(int argc, char** argv) {
+  HoldBlasToOneThread();
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {

@@ -1,5 +1,6 @@
 #include <array>
 #include <cerrno>
+#include <dlfcn.h>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
@@ -30,6 +31,15 @@ std::string AnyReadableFile() {
 
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
+}
+
+void HoldBlasToOneThread() {
+  // Which BLAS stands behind the image library is the machine's choice: this one has the function.
+  using SetThreads = void (*)(int);
+  if (auto* const set =
+          reinterpret_cast<SetThreads>(dlsym(RTLD_DEFAULT, "openblas_set_num_threads"))) {
+    set(1);
+  }
 }
 
 StdoutPipe::StdoutPipe() {
