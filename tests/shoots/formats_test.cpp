@@ -60,7 +60,8 @@ Calibrated CalibrateAs(const Format& format, sim::Shoot shoot,
   for (std::size_t i = 0; i < pictures.size(); ++i) {
     shoot.photographs[i].path = std::to_string(i) + format.extension;
     cv::Mat picture;
-    pictures[i].convertTo(picture, format.depth, format.depth == CV_16U ? 257 : 1);  // white to white
+    pictures[i].convertTo(picture, format.depth,
+                          format.depth == CV_16U ? 257 : 1);  // white to white
     std::vector<unsigned char> bytes;
     EXPECT_TRUE(cv::imencode(format.extension, picture, bytes, format.parameters));
     WriteFile(folder.File(shoot.photographs[i].path), {bytes.begin(), bytes.end()});
