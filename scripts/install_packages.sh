@@ -1,9 +1,9 @@
 #!/bin/sh
 # Installs what the parts of the work need, on Debian 12.
-# Usage: scripts/install_packages.sh [PART...]   (all but windows by default)
+# Usage: scripts/install_packages.sh [PART...]   (all but the last two by default)
 #   build    the library          host     the program       tests    the tests and the packages
 #   lint     the checks           docs     the reference     python   scripts that draw and measure
-#   windows  the Windows DLL, beside build and host
+#   windows  the Windows DLL          newer-opencv  an OpenCV to test with; both beside build and host
 set -eu
 
 as_root() {
@@ -30,6 +30,10 @@ packages_of() {
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;
     python) echo python3 python3-numpy ;;
+    # With what scripts/newer_opencv.sh builds.
+    newer-opencv)
+      echo dpkg-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libopenblas-serial-dev liblapacke-dev
+      ;;
     windows)
       echo g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
       echo dpkg-dev python3 googletest wine wine64
