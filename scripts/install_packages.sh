@@ -36,7 +36,7 @@ packages_of() {
       ;;
     windows)
       echo g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
-      echo dpkg-dev python3 googletest wine wine64
+      echo dpkg-dev python3 googletest wine wine64 clang
       ;;
     *)
       echo "scripts/install_packages.sh: there is no part $1" >&2
