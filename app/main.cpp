@@ -13,8 +13,10 @@
 #include "app/commands/config_file.h"
 #include "app/commands/export_command.h"
 #include "app/commands/simulate_command.h"
+#include "app/licences.h"
 #include "app/options/help_formatter.h"
 #include "host/input/input_error.h"
+#include "app/platform.h"
 
 namespace {
 
@@ -28,11 +30,20 @@ constexpr const char* kFooter = R"(Examples:
 
 'trackedcam COMMAND --help' shows the options of a command.)";
 
+void PrintLicences() {
+  for (const char* const* line = trackedcam::app::kLicences; *line != nullptr; ++line) {
+    std::cout << *line;
+  }
+  throw CLI::Success();
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Calibrates a tracked camera from photographs of a tracked chessboard chart",
                    "trackedcam");
   program.allow_windows_style_options(false);  // a path may begin with a slash
   program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
+  program.add_flag_callback("--licenses", PrintLicences,
+                            "Print the licences of the program and of all that is inside");
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
   program.footer(kFooter);
 
@@ -59,6 +70,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int trackedcam::app::Main(int argc, char** argv) {
+  HoldBlasToOneThread();
   try {
     return Run(argc, argv);
   } catch (const trackedcam::host::InputError& error) {

@@ -5,7 +5,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh
+scripts/install_packages.sh build host
 cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
 cmake --build --preset release --target trackedcam_program
 

@@ -21,4 +21,10 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
                const std::filesystem::path& folder, const std::filesystem::path& outFile,
                const std::filesystem::path& errorFile);
 
+/// Lets the linear algebra of this process use so many threads, where it can.
+void SetBlasThreads(int threads);
+
+/// How many threads it uses; 1 where it has none of its own.
+int BlasThreads();
+
 }  // namespace trackedcam::test

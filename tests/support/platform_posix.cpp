@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <dlfcn.h>
 #include <sys/wait.h>
 
 #include "support/platform.h"
@@ -25,6 +26,19 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   command += " >" + Quoted(outFile.u8string()) + " 2>" + Quoted(errorFile.u8string());
   const int result = std::system(command.c_str());
   return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+
+void SetBlasThreads(int threads) {
+  using Set = void (*)(int);
+  if (auto* const set = reinterpret_cast<Set>(dlsym(RTLD_DEFAULT, "openblas_set_num_threads"))) {
+    set(threads);
+  }
+}
+
+int BlasThreads() {
+  using Get = int (*)();
+  auto* const get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "openblas_get_num_threads"));
+  return get == nullptr ? 1 : get();
 }
 
 }  // namespace trackedcam::test

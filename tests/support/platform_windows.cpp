@@ -70,4 +70,10 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   return status <= 255 ? static_cast<int>(status) : -1;
 }
 
+void SetBlasThreads(int /*threads*/) {}
+
+int BlasThreads() {
+  return 1;  // as it is built
+}
+
 }  // namespace trackedcam::test

@@ -1,0 +1,136 @@
+"""Compares the notices with what the build says it has put into the library and the program.
+
+A name is a source package's. What counts as inside: the headers that were included and are not those of
+a shared library, the static libraries of which the linker took something, and other packages' files that
+the build reads.
+"""
+
+import functools
+import pathlib
+import re
+
+from stranger import BUILD, SOURCE, run, run_program
+
+SYSTEM = {"linux"}  # its headers only describe the kernel
+# Folders of the program and the library below BUILD.
+OURS = re.compile(r"(src|simulator|app|host|crosscheck|report|c)/|CMakeFiles/")
+# Where scripts/build_windows_dependencies.sh has put what.
+PREFIX_LIBRARIES = {
+    "libz.a": {"libz-mingw-w64"}, "libpng.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
+    "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
+}
+PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
+                  "nlohmann": "/usr/include/nlohmann", "toml++": "/usr/include/toml++"}
+PREFIX = (SOURCE / "build/windows-dependencies").resolve()
+
+
+@functools.lru_cache(maxsize=None)
+def source_package(package):
+    return run("dpkg-query", "-W", "-f", "${source:Package}\n", package).split("\n", maxsplit=1)[0]
+
+
+@functools.lru_cache(maxsize=None)
+def owner(path):
+    """The binary package of a file."""
+    return run("dpkg", "-S", path).split(":", maxsplit=1)[0].split(",")[0]
+
+
+@functools.lru_cache(maxsize=None)
+def shared_libraries(package):
+    files = run("dpkg", "-L", package).splitlines()
+    return frozenset(pathlib.Path(file).name for file in files if file.endswith(".so"))
+
+
+def loaded(programs):
+    """Names of all shared libraries that are loaded with the programs, without versions."""
+    text = "".join(run("ldd", program) for program in programs)
+    return set(re.findall(r"^\t(\S+\.so)[.\d]* ", text, re.MULTILINE))
+
+
+def header_folders():
+    """Headers by their folders: packages do not share one."""
+    text = run("ninja", "-t", "deps", cwd=BUILD)
+    folders = {}
+    for entry in text.split("\n\n"):
+        target, *files = entry.strip().splitlines() or [""]
+        if OURS.match(target):
+            for file in files:
+                path = pathlib.Path(file.strip())
+                if path.is_absolute() and SOURCE not in path.parents and BUILD not in path.parents:
+                    folders.setdefault(path.resolve().parent, path.resolve())
+    assert len(folders) > 20, f"only {len(folders)} folders of headers"
+    return folders.values()
+
+
+def in_prefix(path):
+    first = path.relative_to(PREFIX / "include").parts[0]
+    if first.startswith("opencv"):
+        return "opencv"
+    return source_package(owner(PREFIX_HEADERS[first]))
+
+
+def other_inputs(target):
+    """Files of packages that are neither headers nor libraries, such as scripts of a page."""
+    return [path for path in run("ninja", "-t", "inputs", target, cwd=BUILD).splitlines()
+            if re.match(r"/usr/share/(javascript|nodejs)/", path)]
+
+
+def linked():
+    """From the linker's maps of a static build."""
+    inside = set()
+    for map_file in [BUILD / "trackedcam.map", BUILD / "trackedcam_program.map"]:
+        members = re.findall(r"^(/\S+\.a)\(\S+\)$", map_file.read_text(encoding="utf-8"), re.MULTILINE)
+        for archive in sorted({pathlib.Path(member).resolve() for member in members}):
+            if BUILD in archive.parents:
+                continue
+            if PREFIX not in archive.parents:
+                inside.add(source_package(owner(archive)))
+            elif archive.name.startswith("libopencv_"):
+                inside.add("opencv")
+            else:
+                inside |= PREFIX_LIBRARIES[archive.name]
+    return inside
+
+
+def packages_inside(windows):
+    names = ["bin/trackedcam.exe", "bin/trackedcam.dll"] if windows else [
+        "app/trackedcam", "src/libtrackedcam.so"]
+    libraries = set() if windows else loaded(BUILD / name for name in names)
+    inside = linked() if windows else set()
+    for header in header_folders():
+        if PREFIX in header.parents:
+            inside.add(in_prefix(header))
+        elif windows or not shared_libraries(owner(header)) & libraries:
+            inside.add(source_package(owner(header)))
+    inside |= {source_package(owner(str(pathlib.Path(path).resolve()))) for path in other_inputs(names[0])}
+    return inside - SYSTEM
+
+
+def sections(notices):
+    return re.findall(r"^=+\n(Package|Licence) (\S+)\n=+$", notices, re.MULTILINE)
+
+
+def check_notices(folder, program, windows=False):
+    """Checks the notices in the folder of an installed tree, and what the program prints."""
+    notices = (folder / "THIRD_PARTY_NOTICES").read_text(encoding="utf-8")
+    own = (SOURCE / "LICENSE").read_text(encoding="utf-8")
+    built = (PREFIX / "sources.txt").read_text(encoding="utf-8").split()[::2] if windows else []
+    told = {name if name in built else source_package(name)
+            for kind, name in sections(notices) if kind == "Package"}
+    inside = packages_inside(windows)
+    assert not inside - told, f"{sorted(inside - told)} are inside and have no notice"
+    assert not told - inside, f"{sorted(told - inside)} have a notice and are not inside"
+
+    # A licence that a package names by its path on Debian is there as well.
+    texts = {name for kind, name in sections(notices) if kind == "Licence"}
+    for path in re.findall(r"/usr/share/common-licenses/[\w.-]*\w", notices):
+        if pathlib.Path(path).exists():
+            assert pathlib.Path(path).resolve().name in texts, f"the text of {path} is missing"
+    assert "Permission is hereby granted" in notices, "no licence is spelled out"
+
+    printed = run_program(program, "--licenses").replace("\r\n", "\n")
+    assert printed.startswith(own), "the program does not begin with its own licence"
+    assert printed.endswith(notices), "the program prints other notices than the file holds"
+    if not windows:
+        copyright_text = (folder / "copyright").read_text(encoding="utf-8")
+        assert copyright_text == printed, "the copyright file differs from what the program prints"
