@@ -60,6 +60,9 @@ Json List(const Json& numbers, int decimals, double scale = 1) {
 }
 
 Json Matrix(const Json& numbers) {
+  if (!numbers.is_array()) {
+    return nullptr;
+  }
   Json rows = Json::array();
   for (std::size_t row = 0; row + 4 <= numbers.size(); row += 4) {
     Json figures = Json::array();
@@ -217,7 +220,10 @@ Json Lens(const Json& result) {
 Json Findings(const Json& findings) {
   Json list = Json::array();
   for (const Json& finding : findings) {
-    const std::string severity = TextAt(finding, "/severity");
+    std::string severity = TextAt(finding, "/severity");
+    if (severity != "error" && severity != "warning") {
+      severity = "note";
+    }
     Json photographs = Json::array();
     for (const Json& photograph : ValueAt(finding, "/photographs")) {
       if (photograph.is_string()) {
@@ -226,7 +232,6 @@ Json Findings(const Json& findings) {
     }
     const std::string text = TextAt(finding, "/text");
     list.push_back({{"severity", severity},
-                    {severity.empty() ? "note" : severity, true},
                     {"text", text.empty() ? TextAt(finding, "/id") : text},
                     {"photographs", photographs}});
   }
@@ -265,7 +270,8 @@ Json OnScreen(const Json& result) {
 Json SuggestedViews(const Json& result) {
   Json views = Json::array();
   for (const Json& view : ValueAt(result, "/crossCheck/suggestedViews")) {
-    views.push_back({{"text", TextAt(view, "/text")},
+    views.push_back({{"number", views.size() + 1},
+                     {"text", TextAt(view, "/text")},
                      {"tilt", Fixed(NumberAt(view, "/tiltDegrees"), 0)},
                      {"direction", Fixed(NumberAt(view, "/tiltDirectionDegrees"), 0)},
                      {"roll", Fixed(NumberAt(view, "/rollDegrees"), 0)},
