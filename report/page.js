@@ -158,6 +158,32 @@ for (const photograph of photographs) {
 }
 
 
+// The selected photograph beside the scene.
+
+const showChosen = () => {
+  if (!byId('chosen')) return;
+  byId('chosen').hidden = !selected;
+  byId('chosen-none').hidden = Boolean(selected);
+  if (!selected) return;
+  const figures = selected.figures || {};
+  const thumbnail = selected.element.querySelector('img');
+  byId('chosen-image').hidden = !thumbnail;
+  byId('chosen-empty').hidden = Boolean(thumbnail);
+  if (thumbnail) byId('chosen-image').src = thumbnail.src;
+  drawCorners(byId('chosen-overlay'), selected, height / 60);
+  byId('chosen-number').textContent = selected.number;
+  byId('chosen-name').textContent = selected.name.split(/[\\/]/).pop();
+  byId('chosen-state').textContent = stateWords[selected.state] + (selected.why && selected.state !== 'spare' ? ': ' + selected.why : '');
+  byId('chosen-state').className = selected.state;
+  byId('chosen-pixels').textContent = fixed(figures.predictedPixels, 2) + ' px';
+  byId('chosen-off').textContent = `${fixed(figures.mm, 2)} mm, ${fixed(figures.degrees, 3)}°`;
+  byId('chosen-tilt').textContent = `${fixed(figures.tiltDegrees, 0)}° towards ${fixed(figures.tiltDirectionDegrees, 0)}°`;
+  byId('chosen-roll').textContent = fixed(figures.rollDegrees, 0) + '°';
+  byId('chosen-distance').textContent = fixed(figures.distanceMetres, 2) + ' m';
+};
+selectionListeners.push(showChosen);
+
+
 // Buttons that copy.
 
 const copyText = async (text) => {
@@ -512,7 +538,7 @@ const makeScene = () => {
     const item = cameras.find(({photograph}) => photograph === selected);
     if (item && found) {
       selectedTracker = thickAxes(item.pose.clone().multiply(found), depth * .9, trackers);
-      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainWords, false).center.set(.5, 1.7);
+      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainWords, false).center.set(1.15, .5);
     }
     scene.request();
   };
@@ -555,7 +581,14 @@ const makeScene = () => {
 const charts = [];
 const chartMakers = [];
 const makeChart = (maker) => chartMakers.push(maker);
+const paperSizes = {bars: [1040, 250], errors: [500, 135], tall: [480, 410], plot: [1040, 240]};
 const newChart = (canvas, settings) => {
+  if (root.dataset.printing) {
+    // The size of its place on paper is not known while it is drawn.
+    const kind = Object.keys(paperSizes).find((name) => canvas.parentElement.classList.contains(name));
+    [canvas.width, canvas.height] = paperSizes[kind];
+    Object.assign(settings.options, {responsive: false, devicePixelRatio: 2});
+  }
   const chart = new Chart(canvas, settings);
   charts.push(chart);
   return chart;
@@ -834,7 +867,7 @@ const drawTilts = () => {
   const outer = Math.ceil(most / step) * step;
   const place = (tilt, direction) => [middle + tilt / outer * reach * Math.cos(direction * Math.PI / 180), middle + tilt / outer * reach * Math.sin(direction * Math.PI / 180)];
   const say = (text, x, y, anchor = 'middle') => {
-    const words = svgElement('text', {x, y, 'text-anchor': anchor}, svg, text);
+    const words = svgElement('text', {x, y, 'text-anchor': anchor, stroke: colour('sunk'), 'stroke-width': 4, 'paint-order': 'stroke'}, svg, text);
     words.style.fontSize = '13px';
   };
   for (let tilt = step; tilt <= outer; tilt += step) {
@@ -842,10 +875,6 @@ const drawTilts = () => {
   }
   for (let direction = 0; direction < 360; direction += 45) {
     svgElement('path', {d: segment(place(0, 0), place(outer, direction)), stroke: colour('line'), 'stroke-width': 1}, svg);
-  }
-  for (let tilt = step; tilt <= outer; tilt += step) {
-    const [x, y] = place(tilt, -68);
-    say(tilt + '°', x + 4, y + 4, 'start');
   }
   say('right', size - 3, middle - 6, 'end');
   say('left', 3, middle - 6, 'start');
@@ -860,6 +889,10 @@ const drawTilts = () => {
     svgElement('title', {}, mark, `${photograph.number}: ${fixed(photograph.figures.tiltDegrees, 0)}° tilted`);
     mark.style.cursor = 'pointer';
     mark.addEventListener('click', () => select(photograph));
+  }
+  for (let tilt = step; tilt <= outer; tilt += step) {
+    const [x, y] = place(tilt, -68);
+    say(tilt + '°', x + 4, y + 4, 'start');
   }
   wanted.forEach((view, i) => {
     const [x, y] = place(view.tiltDegrees, view.tiltDirectionDegrees);

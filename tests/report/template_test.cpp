@@ -22,12 +22,11 @@ TEST(Render, NeverReadsAValueAsTemplate) {
 
 TEST(Render, RepeatsASectionForEachElement) {
   const Json values = {{"rows", {{{"a", 1}}, {{"a", 2}}}}, {"b", "!"}, {"words", {"x", "y"}}};
-  EXPECT_EQ(Render("{{#rows}}{{a}}{{b}}{{/rows}} {{#words}}{{.}};{{/words}}", values),
-            "1!2! x;y;");
+  EXPECT_EQ(Render("{{#rows}}{{a}}{{b}}{{/rows}} {{#words}}{{.}};{{/words}}", values), "1!2! x;y;");
 }
 
 TEST(Render, ShowsASectionWhereThereIsSomething) {
-  const Json values = {{"yes", true}, {"no", false},          {"null", nullptr},
+  const Json values = {{"yes", true}, {"no", false},           {"null", nullptr},
                        {"text", ""},  {"list", Json::array()}, {"object", Json::object()}};
   EXPECT_EQ(Render("{{#yes}}1{{/yes}}{{#no}}2{{/no}}{{#null}}3{{/null}}{{#text}}4{{/text}}"
                    "{{#list}}5{{/list}}{{#object}}6{{/object}}{{#missing}}7{{/missing}}",
