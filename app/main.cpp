@@ -11,10 +11,13 @@
 #include "app/commands/calibrate_command.h"
 #include "app/commands/chart_command.h"
 #include "app/commands/config_file.h"
+#include "app/commands/crosscheck_command.h"
 #include "app/commands/export_command.h"
+#include "app/commands/report_command.h"
 #include "app/commands/simulate_command.h"
 #include "app/licences.h"
 #include "app/options/help_formatter.h"
+#include "app/words/command_line.h"
 #include "host/input/input_error.h"
 #include "app/platform.h"
 
@@ -48,9 +51,11 @@ int Run(int argc, char** argv) {
   program.footer(kFooter);
 
   int status = 0;
-  trackedcam::app::AddCalibrateCommand(program, status);
+  trackedcam::app::AddCalibrateCommand(program, trackedcam::app::CommandLine(argc, argv), status);
   trackedcam::app::AddChartCommand(program, status);
+  trackedcam::app::AddCrosscheckCommand(program, status);
   trackedcam::app::AddExportCommand(program, status);
+  trackedcam::app::AddReportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
   trackedcam::app::AddConfigFile(program);
   try {

@@ -7,16 +7,20 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/options/mounting_options.h"
 #include "host/engines/engine.h"
 #include "host/input/inputs.h"
 
 namespace trackedcam::app {
 
 struct CalibrateOptions {
-  host::Inputs inputs;
+  host::Inputs inputs;  // but for the mounting
+  MountingOptions mounting;
   std::filesystem::path result;  // empty: not wanted
   std::vector<const host::Engine*> exports;
   std::filesystem::path truth;  // empty: not known
+  std::filesystem::path report;  // empty: beside the log
+  bool withoutReport = false;
   bool verbose = false;
 };
 

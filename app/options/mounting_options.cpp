@@ -1,0 +1,32 @@
+#include "app/options/mounting_options.h"
+
+#include <string>
+
+#include "app/options/add_value.h"
+#include "app/options/option_values.h"
+
+namespace trackedcam::app {
+
+void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& group) {
+  AddValue(command, "--chart-rotation", options.rotation, ParseTriple, "X,Y,Z",
+           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz.\n"
+           "Left out, it is found from the shoot")
+      ->group(group);
+  AddValue(
+      command, "--chart-translation", options.translation, ParseTriple, "X,Y,Z",
+      "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
+      ->group(group);
+}
+
+std::optional<host::Mounting> MountingOf(const MountingOptions& options) {
+  if (options.rotation.has_value() != options.translation.has_value()) {
+    throw CLI::ValidationError(options.rotation ? "--chart-translation" : "--chart-rotation",
+                               "is missing: a mounting is stated by both, or left out");
+  }
+  if (!options.rotation) {
+    return std::nullopt;
+  }
+  return host::Mounting{*options.rotation, *options.translation};
+}
+
+}  // namespace trackedcam::app
