@@ -17,16 +17,6 @@ namespace sim = simulator;
 constexpr FloatHabit kHabits[] = {FloatHabit::kTrapsExceptions, FloatHabit::kRoundsUp,
                                   FloatHabit::kRoundsToZero, FloatHabit::kFlushesTinyNumbers};
 
-std::vector<double> AllFigures(const Calibrated& result) {
-  std::vector<double> all = {static_cast<double>(result.code)};
-  for (const auto* figures :
-       {&result.imageSize, &result.normFocal, &result.normCenter, &result.distortion,
-        &result.transformCamTc, &result.fieldOfView, &result.focalLengthMm}) {
-    all.insert(all.end(), figures->begin(), figures->end());
-  }
-  return all;
-}
-
 TEST(FloatHabits, DoNotReachACalibration) {
   sim::ShootOptions options = SmallShoot(13);
   options.missing = 1;
@@ -49,7 +39,7 @@ TEST(FloatHabits, DoNotReachACalibration) {
       result = Calibrate(arguments);
       after = HostFloatEnvironment::Settings();
     }
-    EXPECT_EQ(AllFigures(result), AllFigures(plain));
+    EXPECT_EQ(result.AllFigures(), plain.AllFigures());
     EXPECT_EQ(result.log, plain.log);
     EXPECT_EQ(after, before);
   }
