@@ -146,7 +146,7 @@ const drawGallery = () => {
     if (photograph.figures && !(photograph.isReprojected && frame.querySelector('img'))) {
       const svg = svgElement('svg', {'aria-hidden': 'true', preserveAspectRatio: 'xMidYMid slice'});
       frame.insertBefore(svg, frame.querySelector('.open'));
-      drawCorners(svg, photograph, height / 70);
+      drawCorners(svg, photograph, height / 48);
     }
   }
 };
@@ -156,6 +156,32 @@ for (const photograph of photographs) {
     openEnlarged();
   };
 }
+
+
+// The selected photograph beside the scene.
+
+const showChosen = () => {
+  if (!byId('chosen')) return;
+  byId('chosen').hidden = !selected;
+  byId('chosen-none').hidden = Boolean(selected);
+  if (!selected) return;
+  const figures = selected.figures || {};
+  const thumbnail = selected.element.querySelector('img');
+  byId('chosen-image').hidden = !thumbnail;
+  byId('chosen-empty').hidden = Boolean(thumbnail);
+  if (thumbnail) byId('chosen-image').src = thumbnail.src;
+  drawCorners(byId('chosen-overlay'), selected, height / 60);
+  byId('chosen-number').textContent = selected.number;
+  byId('chosen-name').textContent = selected.name.split(/[\\/]/).pop();
+  byId('chosen-state').textContent = stateWords[selected.state] + (selected.why && selected.state !== 'spare' ? ': ' + selected.why : '');
+  byId('chosen-state').className = selected.state;
+  byId('chosen-pixels').textContent = fixed(figures.predictedPixels, 2) + ' px';
+  byId('chosen-off').textContent = `${fixed(figures.mm, 2)} mm, ${fixed(figures.degrees, 3)}°`;
+  byId('chosen-tilt').textContent = `${fixed(figures.tiltDegrees, 0)}° towards ${fixed(figures.tiltDirectionDegrees, 0)}°`;
+  byId('chosen-roll').textContent = fixed(figures.rollDegrees, 0) + '°';
+  byId('chosen-distance').textContent = fixed(figures.distanceMetres, 2) + ' m';
+};
+selectionListeners.push(showChosen);
 
 
 // Buttons that copy.
@@ -239,7 +265,7 @@ const makeScene = () => {
     parent.add(object);
     return object;
   };
-  const label = (text, parent, place, size, draw) => {
+  const label = (text, parent, place, size, draw, isLasting = true) => {
     const picture = document.createElement('canvas');
     const material = new THREE.SpriteMaterial({sizeAttenuation: false, depthTest: false, transparent: true});
     const sprite = new THREE.Sprite(material);
@@ -260,7 +286,7 @@ const makeScene = () => {
       material.needsUpdate = true;
       sprite.scale.set(size * picture.width / 60, size, 1);
     };
-    paint(sprite.repaint);
+    if (isLasting) paint(sprite.repaint); else sprite.repaint();
     sprite.position.copy(place);
     parent.add(sprite);
     return sprite;
@@ -275,17 +301,16 @@ const makeScene = () => {
 
   // The chart.
   const texture = document.createElement('canvas');
-  const cell = 32;
-  texture.width = (columns + 3) * cell;
-  texture.height = (rows + 3) * cell;
+  texture.width = texture.height = 1024;  // a power of two, as small pictures of it need
   const boardMaterial = new THREE.MeshBasicMaterial({});
   paint(() => {
     const pen = texture.getContext('2d');
+    pen.setTransform(texture.width / (columns + 3), 0, 0, texture.height / (rows + 3), 0, 0);  // in squares
     pen.fillStyle = colour('board-light');
-    pen.fillRect(0, 0, texture.width, texture.height);
+    pen.fillRect(0, 0, columns + 3, rows + 3);
     pen.fillStyle = colour('board-dark');
     for (let r = 0; r <= rows; ++r) {
-      for (let c = r % 2; c <= columns; c += 2) pen.fillRect((c + 1) * cell, (r + 1) * cell, cell, cell);
+      for (let c = r % 2; c <= columns; c += 2) pen.fillRect(c + 1, r + 1, 1, 1);
     }
     boardMaterial.map?.dispose();
     boardMaterial.map = new THREE.CanvasTexture(texture);
@@ -332,7 +357,7 @@ const makeScene = () => {
   // The cameras.
   const distances = views.map(({figures}) => matrix(figures.transformCamChart)).map((m) => Math.hypot(m.elements[12], m.elements[13], m.elements[14])).sort((a, b) => a - b);
   const reach = distances[Math.floor(distances.length / 2)];
-  const depth = reach * (views.length > 60 ? .07 : .095);
+  const depth = reach * (views.length > 60 ? .085 : .12);
   const [fx, fy] = isList(result.normFocal, 2) ? result.normFocal : [1.35, 2.4];
   const [cx, cy] = isList(result.normCenter, 2) ? result.normCenter : [.5, .5];
   const frameCorners = [[0, 0], [1, 0], [1, 1], [0, 1]].map(([u, v]) => new THREE.Vector3((u - cx) / fx * depth, (v - cy) / fy * depth, depth));
@@ -355,13 +380,13 @@ const makeScene = () => {
     const body = new THREE.Mesh(sides, sideMaterial);
     group.add(body);
     const item = {photograph, pose, group, body, outline};
-    item.number = label(String(photograph.number), group, eye, views.length > 60 ? .022 : .027, (pen, w, h) => {
+    item.number = label(String(photograph.number), group, eye, views.length > 60 ? .018 : .022, (pen, w, h) => {
       const isIt = selected === photograph;
       pen.fillStyle = colour(isIt ? 'select' : photograph.state);
       pen.beginPath();
       pen.rect(0, 0, w, h);
       pen.fill();
-      pen.fillStyle = isIt ? colour('card') : colour('stage');
+      pen.fillStyle = colour(isIt ? 'card' : photograph.state === 'spare' ? 'ink' : 'stage');
     });
     item.number.center.set(.5, -.15);
     item.recolour = () => {
@@ -399,7 +424,7 @@ const makeScene = () => {
     const pose = inverse(matrix(cross.transformTrChart));
     thickAxes(pose, axisLength, trackers);
     lines([chartOrigin, at(pose, 0, 0, 0)], tie, trackers);
-    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .03, plainWords).center.set(-.06, .5);
+    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainWords).center.set(-.1, .5);
   }
   if (isList(inputs.chartRotationDegrees, 3) && isList(inputs.chartTranslationMetres, 3)) {
     const [ax, ay, az] = inputs.chartRotationDegrees.map(THREE.Math.degToRad);
@@ -463,7 +488,7 @@ const makeScene = () => {
     camera.fov = 2 * Math.atan(.5 / fy) * 180 / Math.PI;
     scene.request();
   };
-  const looks = {all: [.95, .42, .72], front: [0, 0, 1], side: [1, .08, .02], above: [0, 1, .02]};
+  const looks = {all: [1, .5, .55], front: [0, 0, 1], side: [1, .08, .02], above: [0, 1, .02]};
   for (const button of document.querySelectorAll('[data-view]')) {
     button.onclick = () => button.dataset.view === 'camera' ? lookThrough() : look(...looks[button.dataset.view]);
   }
@@ -511,7 +536,10 @@ const makeScene = () => {
     if (selectedTracker) trackers.remove(selectedTracker);
     selectedTracker = null;
     const item = cameras.find(({photograph}) => photograph === selected);
-    if (item && found) selectedTracker = thickAxes(item.pose.clone().multiply(found), depth * .9, trackers);
+    if (item && found) {
+      selectedTracker = thickAxes(item.pose.clone().multiply(found), depth * .9, trackers);
+      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainWords, false).center.set(1.15, .5);
+    }
     scene.request();
   };
   selectionListeners.push(showSelected);
@@ -553,7 +581,14 @@ const makeScene = () => {
 const charts = [];
 const chartMakers = [];
 const makeChart = (maker) => chartMakers.push(maker);
+const paperSizes = {bars: [1040, 250], errors: [500, 135], tall: [480, 410], plot: [1040, 240]};
 const newChart = (canvas, settings) => {
+  if (root.dataset.printing) {
+    // The size of its place on paper is not known while it is drawn.
+    const kind = Object.keys(paperSizes).find((name) => canvas.parentElement.classList.contains(name));
+    [canvas.width, canvas.height] = paperSizes[kind];
+    Object.assign(settings.options, {responsive: false, devicePixelRatio: 2});
+  }
   const chart = new Chart(canvas, settings);
   charts.push(chart);
   return chart;
@@ -627,7 +662,12 @@ const makeAgreement = () => {
         ctx.lineTo(chartArea.right, y);
         ctx.stroke();
         ctx.textAlign = 'right';
-        ctx.fillText(`limit ${fixed(limit, 1)} ${unit}`.replace(' °', '°'), chartArea.right - 4, y - 5);
+        const words = `limit ${fixed(limit, 1)} ${unit}`.replace(' °', '°');
+        const wide = ctx.measureText(words).width + 8;
+        ctx.fillStyle = colour('card');
+        ctx.fillRect(chartArea.right - wide, y - 19, wide, 17);
+        ctx.fillStyle = colour('limit');
+        ctx.fillText(words, chartArea.right - 4, y - 6);
       }
       ctx.setLineDash([]);
       ctx.textAlign = 'center';
@@ -763,8 +803,8 @@ const drawCoverage = () => {
   svgElement('g', {id: 'coverage-selected'}, svg);
 };
 const nice = (value) => {
-  const power = 10 ** Math.floor(Math.log10(value));
-  return power * [1, 2, 5, 10].find((n) => n * power >= value * .999);
+  const power = 10 ** Math.floor(Math.log10(value));  // of 1, 2, 3, 5, 10, ...
+  return power * [5, 3, 2, 1].find((n) => n * power <= value * 1.001);
 };
 const drawResiduals = () => {
   const svg = byId('residual-map');
@@ -775,7 +815,7 @@ const drawResiduals = () => {
   const lengths = arrows.filter(({photograph}) => photograph.state !== 'apart').map(({a, b}) => Math.hypot(b[0] - a[0], b[1] - a[1])).sort((p, q) => p - q);
   if (!lengths.length) return;
   const usual = Math.max(lengths[Math.floor(lengths.length * .9)], 1e-4);
-  const factor = nice(width / 26 / usual) ;
+  const factor = nice(width / 28 / usual);
   const tip = ({a, b}) => [a[0] + (b[0] - a[0]) * factor, a[1] + (b[1] - a[1]) * factor];
   const isSelected = ({photograph}) => photograph === selected;
   const path = (list) => list.map((arrow) => {
@@ -790,7 +830,7 @@ const drawResiduals = () => {
   const inside = svgElement('g', {'clip-path': 'url(#in-frame)'}, svg);
   for (const state of ['spare', 'kept', 'apart']) {
     const list = arrows.filter((arrow) => arrow.photograph.state === state && !isSelected(arrow));
-    svgElement('path', {d: path(list), fill: 'none', stroke: colour(state), 'stroke-width': width / 900, opacity: selected ? .3 : .8}, inside);
+    svgElement('path', {d: path(list), fill: 'none', stroke: colour(state), 'stroke-width': width / 900, opacity: selected ? .4 : .8}, inside);
   }
   svgElement('path', {d: path(arrows.filter(isSelected)), fill: 'none', stroke: colour('select'), 'stroke-width': width / 450}, inside);
   // The scale, as an arrow of a round length.
@@ -827,18 +867,14 @@ const drawTilts = () => {
   const outer = Math.ceil(most / step) * step;
   const place = (tilt, direction) => [middle + tilt / outer * reach * Math.cos(direction * Math.PI / 180), middle + tilt / outer * reach * Math.sin(direction * Math.PI / 180)];
   const say = (text, x, y, anchor = 'middle') => {
-    const words = svgElement('text', {x, y, 'text-anchor': anchor}, svg, text);
+    const words = svgElement('text', {x, y, 'text-anchor': anchor, stroke: colour('sunk'), 'stroke-width': 4, 'paint-order': 'stroke'}, svg, text);
     words.style.fontSize = '13px';
   };
   for (let tilt = step; tilt <= outer; tilt += step) {
-    svgElement('circle', {cx: middle, cy: middle, r: tilt / outer * reach, fill: tilt === outer ? 'none' : 'none', stroke: colour('line'), 'stroke-width': 1.3}, svg);
+    svgElement('circle', {cx: middle, cy: middle, r: tilt / outer * reach, fill: 'none', stroke: colour('line'), 'stroke-width': 1.3}, svg);
   }
   for (let direction = 0; direction < 360; direction += 45) {
     svgElement('path', {d: segment(place(0, 0), place(outer, direction)), stroke: colour('line'), 'stroke-width': 1}, svg);
-  }
-  for (let tilt = step; tilt <= outer; tilt += step) {
-    const [x, y] = place(tilt, -68);
-    say(tilt + '°', x + 4, y + 4, 'start');
   }
   say('right', size - 3, middle - 6, 'end');
   say('left', 3, middle - 6, 'start');
@@ -853,6 +889,10 @@ const drawTilts = () => {
     svgElement('title', {}, mark, `${photograph.number}: ${fixed(photograph.figures.tiltDegrees, 0)}° tilted`);
     mark.style.cursor = 'pointer';
     mark.addEventListener('click', () => select(photograph));
+  }
+  for (let tilt = step; tilt <= outer; tilt += step) {
+    const [x, y] = place(tilt, -68);
+    say(tilt + '°', x + 4, y + 4, 'start');
   }
   wanted.forEach((view, i) => {
     const [x, y] = place(view.tiltDegrees, view.tiltDirectionDegrees);
@@ -879,7 +919,7 @@ const makeRolls = () => {
         pointBorderColor: colour('card'),
       }, {
         data: wanted.map((view) => ({x: view.rollDegrees, y: view.distanceMetres})),
-        pointStyle: 'rectRot', pointRadius: 9, pointBackgroundColor: 'transparent', pointBorderColor: colour('wanted'), pointBorderWidth: 2.6,
+        pointStyle: 'rectRot', pointRadius: 10, pointBackgroundColor: 'transparent', pointBorderColor: colour('wanted'), pointBorderWidth: 2.6,
       }],
     },
     options: {
@@ -894,9 +934,20 @@ const makeRolls = () => {
       },
       scales: {
         x: scale('roll, deg', {min: -reach, max: reach, ticks: {color: colour('soft'), stepSize: reach > 90 ? 60 : reach > 30 ? 30 : 10}}),
-        y: scale('distance, m', {min: 0}),
+        y: scale('distance, m', {grace: '8%'}),
       },
     },
+    plugins: [{
+      id: 'numbers',
+      afterDatasetsDraw({ctx, scales}) {
+        ctx.save();
+        ctx.font = '12px system-ui, "DejaVu Sans", sans-serif';
+        ctx.fillStyle = colour('wanted');
+        ctx.textAlign = 'center';
+        wanted.forEach((view, i) => ctx.fillText(String(i + 1), scales.x.getPixelForValue(view.rollDegrees), scales.y.getPixelForValue(view.distanceMetres) + 4.5));
+        ctx.restore();
+      },
+    }],
   });
   selectionListeners.rolls = () => chart.update('none');
 };
@@ -958,12 +1009,13 @@ const makeScreen = () => {
     options: {
       animation: false, maintainAspectRatio: false,
       interaction: {mode: 'x', intersect: false},
+      layout: {padding: {right: 8}},
       plugins: {
-        legend: {position: 'top', align: 'start', labels: {color: colour('ink'), usePointStyle: true, boxWidth: 26}},
+        legend: {position: 'top', align: 'start', labels: {color: colour('ink'), boxWidth: 34, boxHeight: 0, padding: 18}},
         tooltip: {callbacks: {title: ([item]) => `at ${item.parsed.x} m`, label: (item) => `${item.dataset.label}: ${fixed(item.parsed.y, 2)} px`}},
       },
       scales: {
-        x: scale('distance, m', {type: rows.length > 1 && rows.every(({distanceMetres}) => distanceMetres > 0) ? 'logarithmic' : 'linear',
+        x: scale('distance, m', {min: rows[0]?.distanceMetres, max: rows[rows.length - 1]?.distanceMetres, type: rows.length > 1 && rows.every(({distanceMetres}) => distanceMetres > 0) ? 'logarithmic' : 'linear',
           ticks: {color: colour('soft'), autoSkip: false, maxRotation: 0, callback: (value) => rows.some(({distanceMetres}) => distanceMetres === value) ? String(value) : ''},
           afterBuildTicks: (axis) => { axis.ticks = rows.map(({distanceMetres}) => ({value: distanceMetres})); }}),
         y: scale('error, px', {beginAtZero: true}),

@@ -60,6 +60,9 @@ Json List(const Json& numbers, int decimals, double scale = 1) {
 }
 
 Json Matrix(const Json& numbers) {
+  if (!numbers.is_array()) {
+    return nullptr;
+  }
   Json rows = Json::array();
   for (std::size_t row = 0; row + 4 <= numbers.size(); row += 4) {
     Json figures = Json::array();
@@ -79,7 +82,7 @@ Json Distance(const Json& difference) {
   const Number p = NumberAt(difference, "/p");
   return {{"millimetres", Fixed(NumberAt(difference, "/offMm"), 2)},
           {"degrees", Fixed(NumberAt(difference, "/offDegrees"), 3)},
-          {"p", p && *p < kCertain ? Json() : Json(Fixed(p, 3))},
+          {"p", p && *p < kCertain ? Json() : Json(Fixed(p, 2))},
           {"isCertain", p && *p < kCertain},
           {"perhaps", TextAt(difference, "/perhaps")}};
 }
@@ -163,8 +166,8 @@ Json MountingComponents(const Json& result) {
   if (stated && found) {
     turn = TurnDegrees(Product(Inverse(*found), *stated));
   }
-  return Components(result, "/inputs/chartTranslationMetres", false,
-                    "/crossCheck/transformTrChart", "/crossCheck/standardErrorTrChart", turn);
+  return Components(result, "/inputs/chartTranslationMetres", false, "/crossCheck/transformTrChart",
+                    "/crossCheck/standardErrorTrChart", turn);
 }
 
 Json Mounting(const Json& result) {
@@ -182,8 +185,7 @@ Json Mounting(const Json& result) {
 /// In pixels where the file has shares of the image's size, with the 95 % half-width.
 Json LensRow(const Json& result, const char* name, const Number& figure, const char* error,
              int decimals) {
-  const Number half =
-      Times(NumberAt(result, error), NumberAt(result, "/crossCheck/t95"));
+  const Number half = Times(NumberAt(result, error), NumberAt(result, "/crossCheck/t95"));
   return {{"name", name},
           {"figure", Fixed(figure, decimals)},
           {"half", half ? Json(Fixed(half, decimals)) : Json()},
@@ -217,7 +219,10 @@ Json Lens(const Json& result) {
 Json Findings(const Json& findings) {
   Json list = Json::array();
   for (const Json& finding : findings) {
-    const std::string severity = TextAt(finding, "/severity");
+    std::string severity = TextAt(finding, "/severity");
+    if (severity != "error" && severity != "warning") {
+      severity = "note";
+    }
     Json photographs = Json::array();
     for (const Json& photograph : ValueAt(finding, "/photographs")) {
       if (photograph.is_string()) {
@@ -226,7 +231,6 @@ Json Findings(const Json& findings) {
     }
     const std::string text = TextAt(finding, "/text");
     list.push_back({{"severity", severity},
-                    {severity.empty() ? "note" : severity, true},
                     {"text", text.empty() ? TextAt(finding, "/id") : text},
                     {"photographs", photographs}});
   }
@@ -237,15 +241,16 @@ Json Engines(const Json& result) {
   Json engines = Json::array();
   for (const auto& [name, engine] : ValueAt(result, "/exports").items()) {
     const std::string title = TextAt(engine, "/title");
-    engines.push_back({{"title", title.empty() ? name : title},
-                       {"hand", TextAt(engine, "/hand")},
-                       {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
-                       {"cameraAxes", ValueAt(engine, "/cameraAxes")},
-                       {"translation", List(ValueAt(engine, "/translationCm"), 4)},
-                       {"rotation", List(ValueAt(engine, "/rotationDeg"), 4)},
-                       {"quaternion", List(ValueAt(engine, "/quaternionXyzw"), 7)},
-                       {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
-                       {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
+    engines.push_back(
+        {{"title", title.empty() ? name : title},
+         {"hand", TextAt(engine, "/hand")},
+         {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
+         {"cameraAxes", ValueAt(engine, "/cameraAxes")},
+         {"translation", List(ValueAt(engine, "/translationCm"), 4)},
+         {"rotation", List(ValueAt(engine, "/rotationDeg"), 4)},
+         {"quaternion", List(ValueAt(engine, "/quaternionXyzw"), 7)},
+         {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
+         {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
   }
   return engines;
 }
@@ -265,7 +270,8 @@ Json OnScreen(const Json& result) {
 Json SuggestedViews(const Json& result) {
   Json views = Json::array();
   for (const Json& view : ValueAt(result, "/crossCheck/suggestedViews")) {
-    views.push_back({{"text", TextAt(view, "/text")},
+    views.push_back({{"number", views.size() + 1},
+                     {"text", TextAt(view, "/text")},
                      {"tilt", Fixed(NumberAt(view, "/tiltDegrees"), 0)},
                      {"direction", Fixed(NumberAt(view, "/tiltDirectionDegrees"), 0)},
                      {"roll", Fixed(NumberAt(view, "/rollDegrees"), 0)},
@@ -298,16 +304,16 @@ Json CrossCheck(const Json& result) {
 
 /// The figures in which two runs are compared.
 Json RunFigures(const Json& run) {
-  return {{"code", Fixed(NumberAt(run, "/code"), 0)},
-          {"x", Fixed(Times(NumberAt(run, "/transformCamTc/3"), kMillimetresPerMetre), 2)},
-          {"y", Fixed(Times(NumberAt(run, "/transformCamTc/7"), kMillimetresPerMetre), 2)},
-          {"z", Fixed(Times(NumberAt(run, "/transformCamTc/11"), kMillimetresPerMetre), 2)},
-          {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
-          {"spread",
-           Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
-          {"used", ValueAt(run, "/used").size()},
-          {"off", Distance(ValueAt(run, "/crossCheck/library"))},
-          {"words", TextAt(run, "/verdict/words")}};
+  return {
+      {"code", Fixed(NumberAt(run, "/code"), 0)},
+      {"x", Fixed(Times(NumberAt(run, "/transformCamTc/3"), kMillimetresPerMetre), 2)},
+      {"y", Fixed(Times(NumberAt(run, "/transformCamTc/7"), kMillimetresPerMetre), 2)},
+      {"z", Fixed(Times(NumberAt(run, "/transformCamTc/11"), kMillimetresPerMetre), 2)},
+      {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
+      {"spread", Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
+      {"used", ValueAt(run, "/used").size()},
+      {"off", Distance(ValueAt(run, "/crossCheck/library"))},
+      {"words", TextAt(run, "/verdict/words")}};
 }
 
 Json Inputs(const Json& result) {
@@ -315,17 +321,17 @@ Json Inputs(const Json& result) {
   if (!inputs.is_object()) {
     return nullptr;
   }
-  return {{"data", TextAt(inputs, "/data")},
-          {"workingFolder", TextAt(inputs, "/workingFolder")},
-          {"logFolder", TextAt(inputs, "/logFolder")},
-          {"sensor", List(ValueAt(inputs, "/sensorMm"), 3)},
-          {"board", List(ValueAt(inputs, "/board"), 0)},
-          {"square", Fixed(Times(NumberAt(inputs, "/squareMetres"), kMillimetresPerMetre), 3)},
-          {"rotation", List(ValueAt(inputs, "/chartRotationDegrees"), 3)},
-          {"translation",
-           List(ValueAt(inputs, "/chartTranslationMetres"), 2, kMillimetresPerMetre)},
-          {"isInverted", ValueAt(inputs, "/invertTrackerQuaternions") == true},
-          {"records", Fixed(NumberAt(inputs, "/expectedRecords"), 0)}};
+  return {
+      {"data", TextAt(inputs, "/data")},
+      {"workingFolder", TextAt(inputs, "/workingFolder")},
+      {"logFolder", TextAt(inputs, "/logFolder")},
+      {"sensor", List(ValueAt(inputs, "/sensorMm"), 3)},
+      {"board", List(ValueAt(inputs, "/board"), 0)},
+      {"square", Fixed(Times(NumberAt(inputs, "/squareMetres"), kMillimetresPerMetre), 3)},
+      {"rotation", List(ValueAt(inputs, "/chartRotationDegrees"), 3)},
+      {"translation", List(ValueAt(inputs, "/chartTranslationMetres"), 2, kMillimetresPerMetre)},
+      {"isInverted", ValueAt(inputs, "/invertTrackerQuaternions") == true},
+      {"records", Fixed(NumberAt(inputs, "/expectedRecords"), 0)}};
 }
 
 /// good, doubt, wrong or failed; "none" of a result without a verdict that is not a failure.

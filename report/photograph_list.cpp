@@ -16,9 +16,14 @@ namespace {
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
+struct InCrossCheck {
+  std::size_t place;
+  const Json* figures;
+};
+
 struct Names {
   std::vector<std::string> inOrder;
-  std::map<std::string, std::size_t> placeInCrossCheck;
+  std::map<std::string, InCrossCheck> inCrossCheck;
   std::map<std::string, std::string> reasons;  // of those that the library dropped
 };
 
@@ -39,7 +44,7 @@ Names NamesOf(const Json& result) {
   std::size_t place = 0;
   for (const Json& photograph : ValueAt(result, "/crossCheck/perPhotograph")) {
     const std::string name = TextAt(photograph, "/photograph");
-    names.placeInCrossCheck.emplace(name, place++);
+    names.inCrossCheck.emplace(name, InCrossCheck{place++, &photograph});
     add(name);
   }
   addAll("/used");
@@ -101,10 +106,8 @@ Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails
   }
   Json list = Json::array();
   for (const std::string& name : names.inOrder) {
-    const auto place = names.placeInCrossCheck.find(name);
-    const Json* crossCheck = place == names.placeInCrossCheck.end()
-                                 ? nullptr
-                                 : &result["crossCheck"]["perPhotograph"][place->second];
+    const auto found = names.inCrossCheck.find(name);
+    const Json* crossCheck = found == names.inCrossCheck.end() ? nullptr : found->second.figures;
     const auto reason = names.reasons.find(name);
     const std::string state =
         StateOf(crossCheck, reason == names.reasons.end() ? nullptr : &reason->second);
@@ -120,7 +123,7 @@ Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails
         {"isReprojected", !image.empty()},
     };
     if (crossCheck != nullptr) {
-      photograph["place"] = place->second;
+      photograph["place"] = found->second.place;
       photograph["hasFigures"] = true;
       photograph["millimetres"] = Fixed(NumberAt(*crossCheck, "/mm"), 2);
       photograph["degrees"] = Fixed(NumberAt(*crossCheck, "/degrees"), 3);

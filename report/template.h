@@ -5,8 +5,8 @@
 //     {{#name}}...{{/name}}  once for each element of a list; once for anything else that is there
 //     {{^name}}...{{/name}}  where there is nothing: missing, null, false, "" or an empty list
 //
-// A name is looked up in the element of the innermost section first, then further out. "a.b" is b of
-// a, "a.0" the first of the list a, "." the element itself.
+// A name is looked up in the element of the innermost section first, then further out. "a.b" is b
+// of a, "a.0" the first of the list a, "." the element itself.
 
 #pragma once
 

@@ -11,13 +11,17 @@ as_root() {
 # opencv-doc: the photographs of a real chessboard that a test calibrates.
 # dpkg-dev, file: packaging finds the dependencies; lowdown: the man page.
 # poppler-utils, librsvg2-bin: a test renders the printed chart.
+# libjs-three, libjs-chart.js: the pictures of the report page, embedded by the build.
+# chromium, chromium-driver, python3-selenium: a test looks at that page.
 # locales: a test runs the library in a host with a decimal comma.
 packages="
   cmake g++ git ninja-build python3
   libopencv-dev libeigen3-dev libopenblas0-pthread
   libcli11-dev nlohmann-json3-dev
   libcairo2-dev poppler-utils librsvg2-bin
+  libjs-three libjs-chart.js
   libgtest-dev libgmock-dev opencv-doc locales
+  chromium chromium-driver python3-selenium
   dpkg-dev file lowdown pkgconf
   clang clang-format clang-tidy shellcheck doxygen
 "

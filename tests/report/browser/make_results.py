@@ -242,6 +242,7 @@ def perfect():
 
 def noisy():
     shoot = result(2, 40, 0.3, 0.05, lost={17: "board not found"})
+    shoot["photographs"] = [f"photos/img_{i:03}.jpg" for i in range(40)]
     shoot["findings"] = [{"id": "trackersNoisy", "severity": "note",
                           "text": "The trackers are quiet: 0.30 mm and 0.05 degrees.", "mm": 0.3, "degrees": 0.05}]
     return shoot
