@@ -20,6 +20,7 @@ using Json = nlohmann::ordered_json;
 using Number = std::optional<double>;
 
 constexpr double kMillimetresPerMetre = 1000;
+constexpr double kSmall = 0.01;     // millimetres or degrees
 constexpr double kCertain = 0.001;  // the share of chance below which two figures differ
 
 std::string At(const std::string& path, std::size_t index) {
@@ -119,7 +120,8 @@ Json Component(const char* axis, const Number& one, const Number& other, const N
           {"one", one ? Json(Fixed(one, decimals)) : Json()},
           {"other", other ? Json(Fixed(other, decimals)) : Json()},
           {"difference", Fixed(difference, decimals)},
-          {"half", Fixed(half, decimals)},
+          // A perfect shoot is known better than the other decimals show.
+          {"half", Fixed(half, half && *half < kSmall ? decimals + 2 : decimals)},
           {"rawDifference", raw(difference)},
           {"rawHalf", raw(half)}};
 }
@@ -336,7 +338,7 @@ Json Inputs(const Json& result) {
 
 /// good, doubt, wrong or failed; "none" of a result without a verdict that is not a failure.
 std::string LevelOf(const Json& result) {
-  const std::string level = TextAt(result, "/verdict/level");
+  std::string level = TextAt(result, "/verdict/level");
   for (const char* known : {"good", "doubt", "wrong", "failed"}) {
     if (level == known) {
       return level;
