@@ -495,7 +495,8 @@ const makeScene = () => {
     const turn = new THREE.Matrix4().makeRotationX(Math.PI);
     item.group.matrixWorld.clone().multiply(turn).decompose(camera.position, camera.quaternion, new THREE.Vector3());
     controls.target.copy(boardCentre.clone().applyMatrix4(chart.matrixWorld));
-    camera.fov = 2 * Math.atan(.5 / fy) * 180 / Math.PI;
+    // All of the photograph, and what the canvas shows beside it.
+    camera.fov = 2 * Math.atan(Math.max(.5 / fy, .5 / fx / camera.aspect)) * 180 / Math.PI;
     scene.request();
   };
   const looks = {all: [1, .5, .55], front: [0, 0, 1], side: [1, .08, .02], above: [0, 1, .02]};
