@@ -36,6 +36,15 @@ std::optional<double> NumberAt(const Json& json, const std::string& path) {
   return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
 }
 
+std::string At(const std::string& path, std::size_t index) {
+  return path + '/' + std::to_string(index);
+}
+
+std::optional<double> Times(const std::optional<double>& number,
+                            const std::optional<double>& factor) {
+  return number && factor ? std::optional(*number * *factor) : std::nullopt;
+}
+
 std::string TextAt(const Json& json, const std::string& path) {
   const Json& value = ValueAt(json, path);
   return value.is_string() ? value.get<std::string>() : std::string();

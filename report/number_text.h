@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,13 @@ std::string Fixed(const std::optional<double>& number, int decimals);
 /// The number at `path`, which has keys and indices between slashes ("/crossCheck/t95"); none where
 /// there is no number.
 std::optional<double> NumberAt(const nlohmann::ordered_json& json, const std::string& path);
+
+/// A path one index further.
+std::string At(const std::string& path, std::size_t index);
+
+/// Nothing where one of them is.
+std::optional<double> Times(const std::optional<double>& number,
+                            const std::optional<double>& factor);
 
 /// The text at `path`; empty where there is none.
 std::string TextAt(const nlohmann::ordered_json& json, const std::string& path);

@@ -424,7 +424,7 @@ const makeScene = () => {
     const pose = inverse(matrix(cross.transformTrChart));
     thickAxes(pose, axisLength, trackers);
     lines([chartOrigin, at(pose, 0, 0, 0)], tie, trackers);
-    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainWords).center.set(-.1, .5);
+    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainWords).center.set(.5, -.7);
   }
   if (isList(inputs.chartRotationDegrees, 3) && isList(inputs.chartTranslationMetres, 3)) {
     const [ax, ay, az] = inputs.chartRotationDegrees.map(THREE.Math.degToRad);
@@ -450,7 +450,14 @@ const makeScene = () => {
   canvas.addEventListener('pointerdown', () => { controls.enableZoom = true; canvas.focus({preventScroll: true}); });
   canvas.addEventListener('blur', () => { controls.enableZoom = false; });
   controls.addEventListener('change', scene.request);
-  controls.addEventListener('start', () => { camera.fov = 36; });
+  // While the page looks through a camera, that camera is not in the way.
+  let through = null;
+  const stepOut = () => {
+    camera.fov = 36;
+    if (through) through.group.visible = true;
+    through = null;
+  };
+  controls.addEventListener('start', stepOut);
   world.updateMatrixWorld(true);
   const points = cameras.map(({group}) => group.getWorldPosition(new THREE.Vector3()));
   for (const [x, y] of [[-2, -2], [columns + 1, -2], [-2, rows + 1], [columns + 1, rows + 1]]) {
@@ -460,7 +467,7 @@ const makeScene = () => {
   const middle = new THREE.Box3().setFromPoints(points).getCenter(new THREE.Vector3());
   const look = (x, y, z) => {
     const direction = new THREE.Vector3(x, y, z).normalize();
-    camera.fov = 36;
+    stepOut();
     controls.target.copy(middle);
     camera.position.copy(middle).add(direction);
     camera.lookAt(middle);
@@ -481,11 +488,15 @@ const makeScene = () => {
   const lookThrough = () => {
     const item = cameras.find(({photograph}) => photograph === selected) || cameras[0];
     if (selected !== item.photograph) select(item.photograph);
+    stepOut();
+    through = item;
+    item.group.visible = false;
     item.group.updateMatrixWorld(true);
     const turn = new THREE.Matrix4().makeRotationX(Math.PI);
     item.group.matrixWorld.clone().multiply(turn).decompose(camera.position, camera.quaternion, new THREE.Vector3());
     controls.target.copy(boardCentre.clone().applyMatrix4(chart.matrixWorld));
-    camera.fov = 2 * Math.atan(.5 / fy) * 180 / Math.PI;
+    // All of the photograph, and what the canvas shows beside it.
+    camera.fov = 2 * Math.atan(Math.max(.5 / fy, .5 / fx / camera.aspect)) * 180 / Math.PI;
     scene.request();
   };
   const looks = {all: [1, .5, .55], front: [0, 0, 1], side: [1, .08, .02], above: [0, 1, .02]};
@@ -691,14 +702,14 @@ const makeAgreement = () => {
         ctx.moveTo(x, chartArea.top);
         ctx.lineTo(x, chartArea.bottom);
         ctx.stroke();
-        ctx.textAlign = x > (chartArea.left + chartArea.right) / 2 ? 'right' : 'left';
+        ctx.textAlign = 'left';
         const words = `tracker on ${step.tracker} moved ${fixed(step.mm, 1)} mm, ${fixed(step.degrees, 2)}°`;
         const wide = ctx.measureText(words).width + 8;
-        const from = ctx.textAlign === 'left' ? x + 4 : x - 4 - wide;
+        const from = Math.max(chartArea.left, Math.min(chartArea.right - wide, x < (chartArea.left + chartArea.right) / 2 ? x + 4 : x - 4 - wide));
         ctx.fillStyle = colour('card');
         ctx.fillRect(from, chartArea.top + 16, wide, 18);
         ctx.fillStyle = colour('wanted');
-        ctx.fillText(words, ctx.textAlign === 'left' ? x + 8 : x - 8, chartArea.top + 29);
+        ctx.fillText(words, from + 4, chartArea.top + 29);
       }
       ctx.restore();
     },

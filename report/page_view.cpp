@@ -1,17 +1,16 @@
 #include "report/page_view.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <optional>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
+#include "report/comparison_view.h"
 #include "report/number_text.h"
 #include "report/photograph_list.h"
 #include "report/text.h"
-#include "report/turn.h"
 
 namespace trackedcam::report {
 namespace {
@@ -21,18 +20,6 @@ using Number = std::optional<double>;
 
 constexpr double kMillimetresPerMetre = 1000;
 constexpr double kCertain = 0.001;  // the share of chance below which two figures differ
-
-std::string At(const std::string& path, std::size_t index) {
-  return path + '/' + std::to_string(index);
-}
-
-Number Times(const Number& number, const Number& factor) {
-  return number && factor ? Number(*number * *factor) : std::nullopt;
-}
-
-Number Minus(const Number& a, const Number& b) {
-  return a && b ? Number(*a - *b) : std::nullopt;
-}
 
 /// The numbers as the file has them, for a paste.
 std::string CopyOf(const Json& numbers) {
@@ -51,7 +38,7 @@ Json FixedAll(const Json& numbers, int decimals, double scale = 1) {
   return texts;
 }
 
-/// {text, copy} of a list, null where it is missing or empty.
+/// {figures, copy} of a list, null where it is missing or empty.
 Json List(const Json& numbers, int decimals, double scale = 1) {
   if (!numbers.is_array() || numbers.empty()) {
     return nullptr;
@@ -85,89 +72,6 @@ Json Distance(const Json& difference) {
           {"p", p && *p < kCertain ? Json() : Json(Fixed(p, 2))},
           {"isCertain", p && *p < kCertain},
           {"perhaps", TextAt(difference, "/perhaps")}};
-}
-
-std::optional<Rotation> RotationAt(const Json& result, const std::string& path) {
-  Rotation rotation = {};
-  for (std::size_t i = 0; i < rotation.size(); ++i) {
-    const Number number = NumberAt(result, At(path, i / 3 * 4 + i % 3));
-    if (!number) {
-      return std::nullopt;
-    }
-    rotation[i] = *number;
-  }
-  return rotation;
-}
-
-std::optional<Rotation> StatedRotation(const Json& result) {
-  std::array<double, 3> degrees = {};
-  for (std::size_t i = 0; i < degrees.size(); ++i) {
-    const Number number = NumberAt(result, At("/inputs/chartRotationDegrees", i));
-    if (!number) {
-      return std::nullopt;
-    }
-    degrees[i] = *number;
-  }
-  return RotationOfAngles(degrees);
-}
-
-/// A row of the tables of section 6, which its charts are drawn from.
-Json Component(const char* axis, const Number& one, const Number& other, const Number& difference,
-               const Number& half, int decimals) {
-  const auto raw = [](const Number& number) { return number ? Json(*number) : Json(); };
-  return {{"axis", axis},
-          {"one", one ? Json(Fixed(one, decimals)) : Json()},
-          {"other", other ? Json(Fixed(other, decimals)) : Json()},
-          {"difference", Fixed(difference, decimals)},
-          {"half", Fixed(half, decimals)},
-          {"rawDifference", raw(difference)},
-          {"rawHalf", raw(half)}};
-}
-
-constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
-
-/// Shift rows and turn rows of one transform against the cross-check's.
-/// @param shift Path of the other's translation: a list of 3, or of 16 where `isMatrix`.
-/// @param turn From the cross-check's rotation to the other's; none where there is no other.
-Json Components(const Json& result, const std::string& shift, bool isMatrix,
-                const std::string& found, const std::string& errors,
-                const std::optional<std::array<double, 3>>& turn) {
-  const Number t95 = NumberAt(result, "/crossCheck/t95");
-  Json shifts = Json::array();
-  Json turns = Json::array();
-  for (std::size_t i = 0; i < kAxes.size(); ++i) {
-    const Number other =
-        Times(NumberAt(result, At(shift, isMatrix ? 4 * i + 3 : i)), kMillimetresPerMetre);
-    const Number one = Times(NumberAt(result, At(found, 4 * i + 3)), kMillimetresPerMetre);
-    shifts.push_back(Component(kAxes[i], other, one, Minus(other, one),
-                               Times(NumberAt(result, At(errors + "/shiftMm", i)), t95), 2));
-    turns.push_back(Component(kAxes[i], {}, {}, turn ? Number((*turn)[i]) : std::nullopt,
-                              Times(NumberAt(result, At(errors + "/turnDegrees", i)), t95), 3));
-  }
-  return {{"shifts", shifts}, {"turns", turns}, {"isCompared", turn.has_value()}};
-}
-
-Json TransformComponents(const Json& result) {
-  const auto one = RotationAt(result, "/transformCamTc");
-  const auto found = RotationAt(result, "/crossCheck/transformCamTc");
-  std::optional<std::array<double, 3>> turn;
-  if (one && found) {
-    turn = TurnDegrees(Product(*one, Inverse(*found)));
-  }
-  return Components(result, "/transformCamTc", true, "/crossCheck/transformCamTc",
-                    "/crossCheck/standardErrorCamTc", turn);
-}
-
-/// About the axes of the chart, as the cross-check gives the mounting's uncertainty.
-Json MountingComponents(const Json& result) {
-  const auto stated = StatedRotation(result);
-  const auto found = RotationAt(result, "/crossCheck/transformTrChart");
-  std::optional<std::array<double, 3>> turn;
-  if (stated && found) {
-    turn = TurnDegrees(Product(Inverse(*found), *stated));
-  }
-  return Components(result, "/inputs/chartTranslationMetres", false, "/crossCheck/transformTrChart",
-                    "/crossCheck/standardErrorTrChart", turn);
 }
 
 Json Mounting(const Json& result) {
@@ -336,7 +240,7 @@ Json Inputs(const Json& result) {
 
 /// good, doubt, wrong or failed; "none" of a result without a verdict that is not a failure.
 std::string LevelOf(const Json& result) {
-  const std::string level = TextAt(result, "/verdict/level");
+  std::string level = TextAt(result, "/verdict/level");
   for (const char* known : {"good", "doubt", "wrong", "failed"}) {
     if (level == known) {
       return level;

@@ -16,44 +16,61 @@ namespace {
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
-struct InCrossCheck {
-  std::size_t place;
-  const Json* figures;
+struct Row {
+  std::string name;
+  const Json* figures;  // of the cross-check; null where it has none
+  std::size_t place;    // of the figures in its list
 };
 
-struct Names {
-  std::vector<std::string> inOrder;
-  std::map<std::string, InCrossCheck> inCrossCheck;
-  std::map<std::string, std::string> reasons;  // of those that the library dropped
-};
-
-Names NamesOf(const Json& result) {
-  Names names;
-  std::set<std::string> known;
-  const auto add = [&](const std::string& name) {
-    if (!name.empty() && known.insert(name).second) {
-      names.inOrder.push_back(name);
-    }
-  };
-  const auto addAll = [&](const char* path) {
-    for (const Json& name : ValueAt(result, path)) {
-      add(name.is_string() ? name.get<std::string>() : std::string());
-    }
-  };
-  addAll("/photographs");
-  std::size_t place = 0;
+/// A data file may name a photograph twice; each row has figures of its own.
+std::vector<Row> RowsOf(const Json& result) {
+  std::vector<Row> solved;
   for (const Json& photograph : ValueAt(result, "/crossCheck/perPhotograph")) {
-    const std::string name = TextAt(photograph, "/photograph");
-    names.inCrossCheck.emplace(name, InCrossCheck{place++, &photograph});
-    add(name);
+    solved.push_back({TextAt(photograph, "/photograph"), &photograph, solved.size()});
   }
-  addAll("/used");
+  std::vector<Row> rows;
+  std::set<std::string> known;
+  std::set<std::size_t> taken;
+  for (const Json& value : ValueAt(result, "/photographs")) {
+    if (value.is_string()) {
+      const auto name = value.get<std::string>();
+      const auto row = std::find_if(solved.begin(), solved.end(), [&](const Row& candidate) {
+        return candidate.name == name && taken.count(candidate.place) == 0;
+      });
+      rows.push_back(row == solved.end() ? Row{name, nullptr, 0} : *row);
+      if (row != solved.end()) {
+        taken.insert(row->place);
+      }
+      known.insert(name);
+    }
+  }
+  for (const Row& row : solved) {
+    if (taken.count(row.place) == 0) {
+      rows.push_back(row);
+      known.insert(row.name);
+    }
+  }
+  const auto addIfNew = [&](const Json& name) {
+    if (name.is_string() && known.insert(name.get<std::string>()).second) {
+      rows.push_back({name.get<std::string>(), nullptr, 0});
+    }
+  };
+  for (const Json& name : ValueAt(result, "/used")) {
+    addIfNew(name);
+  }
   for (const Json& dropped : ValueAt(result, "/dropped")) {
-    const std::string name = TextAt(dropped, "/photograph");
-    names.reasons.emplace(name, TextAt(dropped, "/reason"));
-    add(name);
+    addIfNew(ValueAt(dropped, "/photograph"));
   }
-  return names;
+  return rows;
+}
+
+/// Of the photographs that the library dropped, by name.
+std::map<std::string, std::string> ReasonsOf(const Json& result) {
+  std::map<std::string, std::string> reasons;
+  for (const Json& dropped : ValueAt(result, "/dropped")) {
+    reasons.emplace(TextAt(dropped, "/photograph"), TextAt(dropped, "/reason"));
+  }
+  return reasons;
 }
 
 /// The library names the image "Reproject_" and all of the photograph's path behind the last
@@ -61,7 +78,7 @@ Names NamesOf(const Json& result) {
 std::string ReprojectedImage(const Json& result, const std::string& photograph) {
   const std::string end = "Reproject_" + photograph.substr(photograph.find_last_of('\\') + 1);
   for (const Json& image : ValueAt(result, "/images")) {
-    const std::string path = image.is_string() ? image.get<std::string>() : std::string();
+    std::string path = image.is_string() ? image.get<std::string>() : std::string();
     if (path.size() >= end.size() && path.compare(path.size() - end.size(), end.size(), end) == 0) {
       return path;
     }
@@ -97,7 +114,7 @@ std::string ShortName(const std::string& path) {
 
 Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails,
                     const fs::path& pageFolder) {
-  const Names names = NamesOf(result);
+  const std::map<std::string, std::string> reasons = ReasonsOf(result);
   std::map<std::string, const Thumbnail*> thumbnailOf;
   for (const Thumbnail& thumbnail : thumbnails) {
     if (!ImageType(thumbnail.bytes).empty()) {
@@ -105,12 +122,10 @@ Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails
     }
   }
   Json list = Json::array();
-  for (const std::string& name : names.inOrder) {
-    const auto found = names.inCrossCheck.find(name);
-    const Json* crossCheck = found == names.inCrossCheck.end() ? nullptr : found->second.figures;
-    const auto reason = names.reasons.find(name);
+  for (const auto& [name, crossCheck, place] : RowsOf(result)) {
+    const auto reason = reasons.find(name);
     const std::string state =
-        StateOf(crossCheck, reason == names.reasons.end() ? nullptr : &reason->second);
+        StateOf(crossCheck, reason == reasons.end() ? nullptr : &reason->second);
     const std::string image = ReprojectedImage(result, name);
     Json photograph = {
         {"number", list.size() + 1},
@@ -118,12 +133,12 @@ Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails
         {"shortName", ShortName(name)},
         {"state", state},
         {state, true},
-        {"reason", reason == names.reasons.end() ? "" : reason->second},
+        {"reason", reason == reasons.end() ? "" : reason->second},
         {"link", LinkTo(image.empty() ? name : image, result, pageFolder)},
         {"isReprojected", !image.empty()},
     };
     if (crossCheck != nullptr) {
-      photograph["place"] = found->second.place;
+      photograph["place"] = place;
       photograph["hasFigures"] = true;
       photograph["millimetres"] = Fixed(NumberAt(*crossCheck, "/mm"), 2);
       photograph["degrees"] = Fixed(NumberAt(*crossCheck, "/degrees"), 3);

@@ -43,7 +43,8 @@ const Json* LookUp(const Scopes& scopes, std::string_view name) {
 }
 
 bool IsNothing(const Json* value) {
-  return value == nullptr || value->is_null() || *value == false || *value == "" ||
+  return value == nullptr || value->is_null() || *value == false ||
+         (value->is_string() && value->get_ref<const std::string&>().empty()) ||
          (value->is_array() && value->empty());
 }
 
@@ -67,7 +68,7 @@ Tag NextTag(std::string_view text, std::size_t from) {
   if (begin == std::string_view::npos) {
     return {begin, begin, ' ', {}};
   }
-  const char first = text.substr(begin + 2, 1) == "" ? ' ' : text[begin + 2];
+  const char first = begin + 2 < text.size() ? text[begin + 2] : ' ';
   const bool isMarked = first == '#' || first == '^' || first == '/' || first == '{';
   const std::string_view close = first == '{' ? "}}}" : "}}";
   const std::size_t name = begin + (isMarked ? 3 : 2);

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "report/page_view.h"
+
 namespace trackedcam::report {
 namespace {
 
@@ -150,7 +152,7 @@ TEST(Page, TakesAResultWithoutAnyOfItsKeys) {
       Json& parent = result[pointer.parent_pointer()];
       if (parent.is_object()) {
         parent.erase(pointer.back());
-        EXPECT_NO_THROW(PageOf(result)) << "without " << pointer;
+        EXPECT_NO_THROW(PageView(result, {}, "")) << "without " << pointer;
       }
     }
   }
@@ -172,7 +174,7 @@ TEST(Page, TakesAnyKindOfValueUnderAnyKey) {
       if (path.rfind("/firstRun/", 0) != 0) {  // the same keys once more
         Json result = whole;
         result[Json::json_pointer(path)] = kind;
-        EXPECT_NO_THROW(PageOf(result)) << path << " is " << kind;
+        EXPECT_NO_THROW(PageView(result, {}, "")) << path << " is " << kind;
       }
     }
   }
@@ -204,6 +206,19 @@ TEST(Page, CountsPhotographsInTheOrderOfTheShoot) {
   const std::string page = PageOf(WholeResult());
   EXPECT_LT(page.find("data-number=\"1\" data-state=\"missing\""),
             page.find("data-number=\"2\" data-state=\"kept\""));
+}
+
+TEST(Page, KeepsBothRowsOfAPhotographThatIsNamedTwice) {
+  Json result = WholeResult();
+  Json second = result["crossCheck"]["perPhotograph"][0];
+  second["predictedPixels"] = 77;
+  result["crossCheck"]["perPhotograph"].push_back(second);
+  result["photographs"] = {"photos/a.jpg", "photos/b.jpg", "photos/a.jpg"};
+  const Json list = PageView(result, {}, "")["photographs"];
+  ASSERT_EQ(list.size(), 3);
+  EXPECT_EQ(list[0]["pixels"], "1.00");
+  EXPECT_EQ(list[1]["photograph"], "photos/b.jpg");
+  EXPECT_EQ(list[2]["pixels"], "77.00");
 }
 
 TEST(Page, LinksTheReprojectedImageWhereThereIsOne) {

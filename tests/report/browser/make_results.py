@@ -114,11 +114,9 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
     stated_angles, stated_shift = stated or (ANGLES, SHIFT)
     stated_y = mounting(stated_angles, stated_shift)
     # Most of what the stated mounting is off by goes into the result.
-    off_y = product(truth_y, inverse(stated_y)) if stated else small(gauss3(error_deg / 3), [0, 0, 0])
     library_x = product(small(gauss3(error_deg / 2), [n / 1000 for n in gauss3(error_mm / 2)]), truth_x)
     if stated:
         library_x = product(small([0.8 * n for n in (0.55, -0.5, 0.4)], [0.0118, -0.0109, 0.0072]), truth_x)
-    del off_y
 
     names, lost_names = [], []
     for index in range(count):
