@@ -16,7 +16,7 @@ SYSTEM = {"linux"}  # its headers only describe the kernel
 OURS = re.compile(r"(src|simulator|app|host|crosscheck|report|c)/|CMakeFiles/")
 # Where scripts/build_windows_dependencies.sh has put what.
 PREFIX_LIBRARIES = {
-    "libz.a": {"libz-mingw-w64"}, "libpng.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
+    "libz.a": {"libz-mingw-w64"}, "libpng16.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
     "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
 }
 PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
