@@ -16,7 +16,7 @@ SYSTEM = {"linux"}  # its headers only describe the kernel
 OURS = re.compile(r"(src|simulator|app|host|crosscheck|report|c)/|CMakeFiles/")
 # Where scripts/build_windows_dependencies.sh has put what.
 PREFIX_LIBRARIES = {
-    "libz.a": {"libz-mingw-w64"}, "libpng.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
+    "libz.a": {"libz-mingw-w64"}, "libpng16.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
     "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
 }
 PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
@@ -29,10 +29,12 @@ def source_package(package):
     return run("dpkg-query", "-W", "-f", "${source:Package}\n", package).split("\n", maxsplit=1)[0]
 
 
-@functools.lru_cache(maxsize=None)
-def owner(path):
-    """The binary package of a file."""
-    return run("dpkg", "-S", path).split(":", maxsplit=1)[0].split(",")[0]
+def owners(paths):
+    """The binary packages of files."""
+    found = run("dpkg", "-S", *sorted(paths)) if paths else ""
+    packages = {line.split(":", maxsplit=1)[0].split(",")[0] for line in found.splitlines()}
+    assert bool(paths) == bool(packages)
+    return packages
 
 
 @functools.lru_cache(maxsize=None)
@@ -47,32 +49,33 @@ def loaded(programs):
     return set(re.findall(r"^\t(\S+\.so)[.\d]* ", text, re.MULTILINE))
 
 
-def header_folders():
-    """Headers by their folders: packages do not share one."""
+def headers():
+    """What the files of the program and the library include from elsewhere."""
     text = run("ninja", "-t", "deps", cwd=BUILD)
-    folders = {}
+    included = set()
     for entry in text.split("\n\n"):
         target, *files = entry.strip().splitlines() or [""]
         if OURS.match(target):
-            for file in files:
-                path = pathlib.Path(file.strip())
-                if path.is_absolute() and SOURCE not in path.parents and BUILD not in path.parents:
-                    folders.setdefault(path.resolve().parent, path.resolve())
-    assert len(folders) > 20, f"only {len(folders)} folders of headers"
-    return folders.values()
+            included |= {file.strip() for file in files}
+    paths = {pathlib.Path(file).resolve() for file in included if file.startswith("/")}
+    paths = {path for path in paths if SOURCE not in path.parents and BUILD not in path.parents}
+    assert len(paths) > 200, f"only {len(paths)} headers"
+    return paths
 
 
-def in_prefix(path):
-    first = path.relative_to(PREFIX / "include").parts[0]
-    if first.startswith("opencv"):
-        return "opencv"
-    return source_package(owner(PREFIX_HEADERS[first]))
+def in_prefix(paths):
+    """The packages of headers that the build of the dependencies has installed or copied."""
+    first = {path.relative_to(PREFIX / "include").parts[0] for path in paths}
+    built = {name for name in first if name.startswith("opencv")}
+    copied = owners({PREFIX_HEADERS[name] for name in first - built})
+    return {source_package(package) for package in copied} | ({"opencv"} if built else set())
 
 
 def other_inputs(target):
     """Files of packages that are neither headers nor libraries, such as scripts of a page."""
-    return [path for path in run("ninja", "-t", "inputs", target, cwd=BUILD).splitlines()
-            if re.match(r"/usr/share/(javascript|nodejs)/", path)]
+    return {pathlib.Path(path).resolve() for path in
+            run("ninja", "-t", "inputs", target, cwd=BUILD).splitlines()
+            if re.match(r"/usr/share/(javascript|nodejs)/", path)}
 
 
 def linked():
@@ -84,7 +87,7 @@ def linked():
             if BUILD in archive.parents:
                 continue
             if PREFIX not in archive.parents:
-                inside.add(source_package(owner(archive)))
+                inside |= {source_package(package) for package in owners({archive})}
             elif archive.name.startswith("libopencv_"):
                 inside.add("opencv")
             else:
@@ -97,12 +100,11 @@ def packages_inside(windows):
         "app/trackedcam", "src/libtrackedcam.so"]
     libraries = set() if windows else loaded(BUILD / name for name in names)
     inside = linked() if windows else set()
-    for header in header_folders():
-        if PREFIX in header.parents:
-            inside.add(in_prefix(header))
-        elif windows or not shared_libraries(owner(header)) & libraries:
-            inside.add(source_package(owner(header)))
-    inside |= {source_package(owner(str(pathlib.Path(path).resolve()))) for path in other_inputs(names[0])}
+    ours = {path for path in headers() if PREFIX in path.parents}
+    inside |= in_prefix(ours)
+    for package in owners(headers() - ours) | owners(other_inputs(names[0])):
+        if windows or not shared_libraries(package) & libraries:
+            inside.add(source_package(package))
     return inside - SYSTEM
 
 
