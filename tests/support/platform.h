@@ -18,4 +18,8 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
                const std::filesystem::path& folder, const std::filesystem::path& outFile,
                const std::filesystem::path& errorFile);
 
+/// A pipe with a name among files, which whoever opens it to read waits for.
+/// @return False where the system has none.
+bool MakePipe(const std::filesystem::path& path);
+
 }  // namespace trackedcam::test

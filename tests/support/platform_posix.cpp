@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include "support/platform.h"
@@ -24,6 +25,10 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   command += " >" + Quoted(outFile.u8string()) + " 2>" + Quoted(errorFile.u8string());
   const int result = std::system(command.c_str());
   return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+
+bool MakePipe(const std::filesystem::path& path) {
+  return mkfifo(path.c_str(), S_IRUSR | S_IWUSR) == 0;
 }
 
 }  // namespace trackedcam::test

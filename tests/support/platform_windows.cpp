@@ -69,4 +69,8 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   return status <= 255 ? static_cast<int>(status) : -1;
 }
 
+bool MakePipe(const std::filesystem::path& /*path*/) {
+  return false;
+}
+
 }  // namespace trackedcam::test
