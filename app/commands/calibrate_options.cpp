@@ -54,7 +54,7 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->required()
       ->group("Chart");
   AddValue(
-      command, "--chart-translation", mounting.translationMetres, ParseTriple, "X,Y,Z",
+      command, "--chart-translation", mounting.translationMetres, ParseTranslation, "X,Y,Z",
       "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
       ->required()
       ->group("Chart");

@@ -26,6 +26,7 @@ std::optional<double> Parse(std::string_view trimmed) {
 
 std::vector<std::string_view> SplitFields(std::string_view row, char separator) {
   std::vector<std::string_view> fields;
+  fields.reserve(kFields);
   for (;;) {
     const std::size_t end = row.find(separator);
     fields.push_back(row.substr(0, end));

@@ -187,7 +187,8 @@ void AddOrientation(const std::vector<Picture>& pictures, std::vector<Finding>& 
       isMixed ? "An orientation tag turns some photographs and not the others, so their sizes "
                 "differ: " +
                     which + "."
-              : "An orientation tag makes decoders turn the pixels, so the result is not that of the camera: " +
+              : "An orientation tag makes decoders turn the pixels, so the result is not that of "
+                "the camera: " +
                     which + ".";
   Add(findings, "orientationTag", isMixed ? Severity::kError : Severity::kWarning, text,
       "Remove the tags without turning the pixels, and switch off automatic rotation in the "

@@ -128,6 +128,7 @@ void CheckQuaternionLength(const std::vector<PoseRow>& rows, std::vector<Finding
 
 void CheckLengthUnit(const std::vector<PoseRow>& rows, std::vector<Finding>& findings) {
   std::vector<double> distances;
+  distances.reserve(rows.size());
   for (const PoseRow& row : rows) {
     distances.push_back(Metres(row.poses[0], row.poses[1]));
   }

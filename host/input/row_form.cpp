@@ -87,9 +87,11 @@ RowForm FormOf(const DataRow& row) {
 }
 
 bool IsSkippedRow(std::string_view line) {
+  if (line.empty() || line.front() != 'T') {
+    return false;
+  }
   const Fields fields = SplitFields(line, SeparatorOf(line));
-  return !line.empty() && line.front() == 'T' && fields.size() >= kFields &&
-         HasNumberFrom(fields, kFirstPoseField);
+  return fields.size() >= kFields && HasNumberFrom(fields, kFirstPoseField);
 }
 
 }  // namespace trackedcam::host

@@ -147,7 +147,9 @@ TEST(PhotographHeader, SurvivesAnyBytes) {
   const std::vector<std::string> pictures = {test::WithJpegExif(Encoded(".jpg"), tiff),
                                              test::WithPngExif(Encoded(".png"), tiff),
                                              test::WithWebpExif(Encoded(".webp"), 9, 9, tiff),
-                                             Encoded(".tiff"), Encoded(".bmp"), BigTiff()};
+                                             Encoded(".tiff"),
+                                             Encoded(".bmp"),
+                                             BigTiff()};
   for (int round = 0; round < 20000; ++round) {
     std::string bytes = pictures[static_cast<std::size_t>(round) % pictures.size()];
     for (int change = 0; change < 4; ++change) {
