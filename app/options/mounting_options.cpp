@@ -13,7 +13,7 @@ void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::
            "Left out, it is found from the shoot")
       ->group(group);
   AddValue(
-      command, "--chart-translation", options.translation, ParseTriple, "X,Y,Z",
+      command, "--chart-translation", options.translation, ParseTranslation, "X,Y,Z",
       "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
       ->group(group);
 }

@@ -27,4 +27,8 @@ void SetBlasThreads(int threads);
 /// How many threads it uses; 1 where it has none of its own.
 int BlasThreads();
 
+/// A pipe with a name among files, which whoever opens it to read waits for.
+/// @return False where the system has none.
+bool MakePipe(const std::filesystem::path& path);
+
 }  // namespace trackedcam::test

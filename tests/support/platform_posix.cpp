@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include "support/platform.h"
@@ -39,6 +40,10 @@ int BlasThreads() {
   using Get = int (*)();
   auto* const get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "openblas_get_num_threads"));
   return get == nullptr ? 1 : get();
+}
+
+bool MakePipe(const std::filesystem::path& path) {
+  return mkfifo(path.c_str(), S_IRUSR | S_IWUSR) == 0;
 }
 
 }  // namespace trackedcam::test

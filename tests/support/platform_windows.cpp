@@ -76,4 +76,8 @@ int BlasThreads() {
   return 1;  // as it is built
 }
 
+bool MakePipe(const std::filesystem::path& /*path*/) {
+  return false;
+}
+
 }  // namespace trackedcam::test
