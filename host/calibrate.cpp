@@ -4,8 +4,11 @@
 #include <fstream>
 #include <set>
 
+#include "host/input/data_checks.h"
 #include "host/input/input_error.h"
+#include "host/input/photograph_checks.h"
 #include "host/run/run_folder.h"
+#include "host/text/file_text.h"
 #include "host/verdict/cross_check_findings.h"
 #include "host/verdict/observations.h"
 #include "host/verdict/run_findings.h"
@@ -54,6 +57,28 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
                           CreateRunFolder(inputs.logFolder), listener);
   Judge(report, ofInput);
   return report;
+}
+
+struct Shoot {
+  std::vector<DataRow> rows;  // that the library can be given
+  std::vector<Finding> findings;
+};
+
+Shoot ReadShoot(const Inputs& inputs) {
+  Shoot shoot;
+  const std::vector<DataRow> all = ReadDataFile(inputs.data);
+  shoot.findings = CheckData(ReadFile(inputs.data), all);
+  const PhotographChecks checks = CheckPhotographs(all, inputs);
+  Append(shoot.findings, checks.findings);
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    if (!std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), row)) {
+      shoot.rows.push_back(all[row]);
+    }
+  }
+  if (shoot.rows.empty()) {
+    throw InputError(shoot.findings.front().text);
+  }
+  return shoot;
 }
 
 bool HasFinding(const Report& report, const std::string& id) {
@@ -108,8 +133,9 @@ void JudgeAsFailed(Report& report) {
 }  // namespace
 
 Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
-  const std::vector<DataRow> rows = ReadDataFile(inputs.data);
-  const std::vector<Finding> ofInput;
+  const Shoot shoot = ReadShoot(inputs);
+  const std::vector<Finding>& ofInput = shoot.findings;
+  const std::vector<DataRow>& rows = shoot.rows;
   Report first = RunAndJudge(inputs, rows, ofInput, listener);
   first.mountingIsStated = inputs.mounting.has_value();
   if (!HasBetterAnswer(first)) {
