@@ -133,7 +133,8 @@ void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& 
   }
   if (!sorted.unknown.empty()) {
     Add(findings, "unknownFormat", Severity::kNote,
-        "The headers tell no size, so it is not checked: " + words(sorted.unknown) + ".",
+        "Files are no pictures of a known format, so their sizes are not checked: " +
+            words(sorted.unknown) + ".",
         "Use JPEG, PNG, TIFF, BMP or WebP.", sorted.unknown);
   }
 }

@@ -185,8 +185,9 @@ TEST_F(PhotographChecksTest, FindEmptyOnesAndUnknownFormats) {
                    "Photographs are empty or cannot be read: photos/5.jpg.");
   rows.pop_back();
   Add("photos/6.jpg", "no picture");
-  ExpectTheFinding("unknownFormat", Severity::kNote,
-                   "The headers tell no size, so it is not checked: photos/6.jpg.");
+  ExpectTheFinding(
+      "unknownFormat", Severity::kNote,
+      "Files are no pictures of a known format, so their sizes are not checked: photos/6.jpg.");
 }
 
 TEST_F(PhotographChecksTest, FindMissingOnes) {
