@@ -17,9 +17,9 @@
 #include "app/commands/simulate_command.h"
 #include "app/licences.h"
 #include "app/options/help_formatter.h"
+#include "app/platform.h"
 #include "app/words/command_line.h"
 #include "host/input/input_error.h"
-#include "app/platform.h"
 
 namespace {
 

@@ -15,19 +15,15 @@ namespace {
 constexpr double kDegree = EIGEN_PI / 180;
 constexpr double kMetresPerMm = 1e-3;
 
-StandardError FromDerivatives(const Matrix6d& covariance,
-                              const Eigen::Matrix<double, 3, 6>& turn,
+StandardError FromDerivatives(const Matrix6d& covariance, const Eigen::Matrix<double, 3, 6>& turn,
                               const Eigen::Matrix<double, 3, 6>& shift) {
   StandardError error;
-  error.turnDegrees =
-      (turn * covariance * turn.transpose()).diagonal().cwiseSqrt() / kDegree;
-  error.shiftMm =
-      (shift * covariance * shift.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
+  error.turnDegrees = (turn * covariance * turn.transpose()).diagonal().cwiseSqrt() / kDegree;
+  error.shiftMm = (shift * covariance * shift.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
   return error;
 }
 
-Offset Tested(Offset offset, const Twist& difference, const Matrix6d& covariance,
-              double freedom) {
+Offset Tested(Offset offset, const Twist& difference, const Matrix6d& covariance, double freedom) {
   offset.p = HotellingTail(difference.dot(covariance.ldlt().solve(difference)), 6, freedom);
   return offset;
 }
@@ -73,8 +69,7 @@ Offset CompareCamTc(const Solution& solution, const Matrix6d& covariance, const 
 
 Offset CompareMounting(const Solution& solution, const Matrix6d& covariance, const Pose& other) {
   return Tested(Between(other, solution.Transform_Tr_Chart),
-                Log(solution.Transform_Tr_Chart.inverse() * other), covariance,
-                Freedom(solution));
+                Log(solution.Transform_Tr_Chart.inverse() * other), covariance, Freedom(solution));
 }
 
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution) {
@@ -119,11 +114,12 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
   }
   mean /= static_cast<double>(std::max<std::size_t>(solution.Used(), 1));
   const Eigen::JacobiSVD<Eigen::Matrix3d> svd(mean, Eigen::ComputeFullU | Eigen::ComputeFullV);
-  // A turn of the mounting about this axis looks almost like one of the camera, in every photograph.
+  // A turn of the mounting about this axis looks almost like one of the camera, in every
+  // photograph.
   const double common = svd.singularValues()[0];
   Diversity diversity;
-  diversity.amplification = common < 1 ? 1 / std::sqrt(1 - common * common)
-                                       : std::numeric_limits<double>::infinity();
+  diversity.amplification =
+      common < 1 ? 1 / std::sqrt(1 - common * common) : std::numeric_limits<double>::infinity();
   diversity.weakestAxisInChart = svd.matrixV().col(0);
   return diversity;
 }

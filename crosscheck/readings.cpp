@@ -60,8 +60,8 @@ double MedianMetres(const Observations& observations, const Evidence& evidence,
     }
   }
   // With six or fewer almost anything fits.
-  const auto start = loops.size() > 6 ? FindStart(loops, BoardDistance(evidence), kSamples)
-                                      : std::nullopt;
+  const auto start =
+      loops.size() > 6 ? FindStart(loops, BoardDistance(evidence), kSamples) : std::nullopt;
   return start ? start->medianMetres : std::nan("");
 }
 

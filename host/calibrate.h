@@ -7,8 +7,8 @@
 
 namespace trackedcam::host {
 
-/// Calibrates a shoot in a new folder below inputs.logFolder, cross-checks the result, and judges it.
-/// Where it is asked for and the cross-check has found another mounting or bad photographs, and
+/// Calibrates a shoot in a new folder below inputs.logFolder, cross-checks the result, and judges
+/// it. Where it is asked for and the cross-check has found another mounting or bad photographs, and
 /// always where no mounting was stated, the library runs again in a folder of its own: with the
 /// mounting found, without the photographs that contradict the others. The report is then of that
 /// run, with the first one's beside it.

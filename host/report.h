@@ -25,7 +25,7 @@ struct Report {
   std::vector<std::string> checkedPhotographs;  // those of the cross-check, in its order
   std::vector<Finding> findings;                // of input and result, the worst first
   Verdict verdict;
-  std::vector<EngineExport> exports;      // those that were asked for
+  std::vector<EngineExport> exports;       // those that were asked for
   std::shared_ptr<const Report> firstRun;  // of two; null where one was enough
 };
 

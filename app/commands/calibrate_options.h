@@ -18,7 +18,7 @@ struct CalibrateOptions {
   MountingOptions mounting;
   std::filesystem::path result;  // empty: not wanted
   std::vector<const host::Engine*> exports;
-  std::filesystem::path truth;  // empty: not known
+  std::filesystem::path truth;   // empty: not known
   std::filesystem::path report;  // empty: beside the log
   bool withoutReport = false;
   bool verbose = false;

@@ -30,8 +30,8 @@ nlohmann::ordered_json ReadResultJson(const std::filesystem::path& file) {
   try {
     return nlohmann::ordered_json::parse(host::ReadFile(file));
   } catch (const std::exception& error) {
-    throw host::InputError(file.u8string() + " is not the result of a calibration: " +
-                           error.what());
+    throw host::InputError(file.u8string() +
+                           " is not the result of a calibration: " + error.what());
   }
 }
 
@@ -39,11 +39,11 @@ void Report(const ReportOptions& options) {
   const nlohmann::ordered_json result = ReadResultJson(options.result);
   PrepareOutputFile("--out", options.out);
   try {
-    host::WriteFile(options.out, report::Page(result.dump(), MakeThumbnails(result),
-                                              options.out.parent_path()));
+    host::WriteFile(options.out,
+                    report::Page(result.dump(), MakeThumbnails(result), options.out.parent_path()));
   } catch (const std::invalid_argument& error) {
-    throw host::InputError(options.result.u8string() + " is not the result of a calibration: " +
-                           error.what());
+    throw host::InputError(options.result.u8string() +
+                           " is not the result of a calibration: " + error.what());
   }
   std::cout << "Report: " << options.out.u8string() << '\n';
 }

@@ -94,7 +94,8 @@ void PrintVerdict(std::ostream& out, const Report& report) {
   const LibraryRun& run = report.run;
   const host::Verdict& verdict = report.verdict;
   out << '\n'
-      << (host::IsUsable(run) || !run.code ? "" : "Failed, code " + std::to_string(*run.code) + ": ")
+      << (host::IsUsable(run) || !run.code ? ""
+                                           : "Failed, code " + std::to_string(*run.code) + ": ")
       << verdict.words << "\nNext: " << verdict.advice << '\n';
   for (const std::string& command : verdict.commands) {
     out << "      " << command << '\n';
@@ -129,8 +130,8 @@ void PrintRun(std::ostream& out, const Report& report, const CalibrationOutputs*
 
 // In short: the figures that the second run replaces.
 void PrintFirstRun(std::ostream& out, const Report& first, const CalibrationOutputs* truth) {
-  out << "First run, " << (first.mountingIsStated ? "with the mounting stated" : "without a mounting")
-      << '\n';
+  out << "First run, "
+      << (first.mountingIsStated ? "with the mounting stated" : "without a mounting") << '\n';
   if (first.mountingIsStated && !first.run.outputs.transformCamTc.empty()) {
     PrintRun(out, first, truth);
   } else if (first.crossCheck) {

@@ -76,9 +76,12 @@ Json StepJson(const std::optional<crosscheck::Step>& step,
   if (!step) {
     return nullptr;
   }
-  return {{"tracker", Name(step->tracker)},   {"before", step->before},
-          {"photograph", photographs.at(step->before)}, {"mm", NumberJson(step->mm)},
-          {"degrees", NumberJson(step->degrees)}, {"gain", NumberJson(step->gain)}};
+  return {{"tracker", Name(step->tracker)},
+          {"before", step->before},
+          {"photograph", photographs.at(step->before)},
+          {"mm", NumberJson(step->mm)},
+          {"degrees", NumberJson(step->degrees)},
+          {"gain", NumberJson(step->gain)}};
 }
 
 Json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
@@ -115,16 +118,17 @@ Json PerPhotographJson(const crosscheck::CrossCheck& crossCheck,
   Json list = Json::array();
   for (std::size_t i = 0; i < crossCheck.perPhotograph.size(); ++i) {
     const crosscheck::PerPhotograph& photograph = crossCheck.perPhotograph[i];
-    Json json = {{"photograph", photographs.at(i)},
-                 {"used", photograph.used},
-                 {"mm", NumberJson(photograph.mm)},
-                 {"degrees", NumberJson(photograph.degrees)},
-                 {"predictedPixels", NumberJson(photograph.predictedPixels)},
-                 {"why", photograph.used ? Json(nullptr) : Json(WhyLeftOut(photograph, photographs))},
-                 {"transformCamChart", RowByRow(photograph.Transform_Cam_Chart)},
-                 {"transformTcTr", RowByRow(photograph.Transform_Tc_Tr)},
-                 {"corners", PointsJson(i < observed.size() ? observed[i]->raw->corners : NoCorners())},
-                 {"predicted", PointsJson(photograph.predicted)}};
+    Json json = {
+        {"photograph", photographs.at(i)},
+        {"used", photograph.used},
+        {"mm", NumberJson(photograph.mm)},
+        {"degrees", NumberJson(photograph.degrees)},
+        {"predictedPixels", NumberJson(photograph.predictedPixels)},
+        {"why", photograph.used ? Json(nullptr) : Json(WhyLeftOut(photograph, photographs))},
+        {"transformCamChart", RowByRow(photograph.Transform_Cam_Chart)},
+        {"transformTcTr", RowByRow(photograph.Transform_Tc_Tr)},
+        {"corners", PointsJson(i < observed.size() ? observed[i]->raw->corners : NoCorners())},
+        {"predicted", PointsJson(photograph.predicted)}};
     AddView(json, photograph.view);
     list.push_back(std::move(json));
   }

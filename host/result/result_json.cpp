@@ -128,9 +128,9 @@ Json RunJson(const Report& report) {
       {"time", record.time},
       {"log", run.log.u8string()},
       {"images", Images(run)},
-      {"crossCheck", report.crossCheck ? CrossCheckJson(*report.crossCheck,
-                                                        report.checkedPhotographs, record)
-                                       : Json(nullptr)},
+      {"crossCheck", report.crossCheck
+                         ? CrossCheckJson(*report.crossCheck, report.checkedPhotographs, record)
+                         : Json(nullptr)},
       {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
   };
 }

@@ -59,10 +59,9 @@ const std::map<std::string, const char*> kReadings = {
 std::string DescribeBad(const crosscheck::PerPhotograph& photograph, std::size_t index,
                         const std::vector<std::string>& photographs) {
   const std::string why = WhyLeftOut(photograph, photographs);
-  const std::string off = std::isfinite(photograph.mm)
-                              ? Fixed(photograph.mm, 0) + " mm, " + Fixed(photograph.degrees, 1) +
-                                    " deg"
-                              : "";
+  const std::string off = std::isfinite(photograph.mm) ? Fixed(photograph.mm, 0) + " mm, " +
+                                                             Fixed(photograph.degrees, 1) + " deg"
+                                                       : "";
   const std::string all = off + (off.empty() || why.empty() ? "" : ": ") + why;
   return photographs.at(index) + (all.empty() ? "" : " (" + all + ')');
 }
@@ -73,16 +72,17 @@ std::string WordsOf(const std::map<std::string, const char*>& words, const std::
 }
 
 Words NoAgreement(const crosscheck::Finding& finding) {
-  return {"No camera and no mounting fit the photographs together: trackers and pictures "
-          "contradict each other in most of " +
-              Fixed(finding.Number("photographs"), 0) + " photographs.",
-          "Check that each row holds the trackers of its own photograph, that both trackers are "
-          "rigidly mounted, and that the board is the one in the pictures."};
+  return {
+      "No camera and no mounting fit the photographs together: trackers and pictures "
+      "contradict each other in most of " +
+          Fixed(finding.Number("photographs"), 0) + " photographs.",
+      "Check that each row holds the trackers of its own photograph, that both trackers are "
+      "rigidly mounted, and that the board is the one in the pictures."};
 }
 
 Words Reading(const crosscheck::Finding& finding) {
-  return {"The rows fit " + Fixed(finding.Number("times"), 0) + " times better when read so: " +
-              WordsOf(kReadings, finding.detail) + '.',
+  return {"The rows fit " + Fixed(finding.Number("times"), 0) +
+              " times better when read so: " + WordsOf(kReadings, finding.detail) + '.',
           finding.detail == "quaternionsInverted"
               ? "Calibrate again with inverted tracker quaternions."
               : "Correct the recorder, or convert the data file, and calibrate again."};
@@ -120,8 +120,8 @@ Words MountingOff(const crosscheck::Finding& finding) {
 
 Words BadPhotographs(const crosscheck::Finding& finding, const std::string& names) {
   const std::size_t count = finding.photographs.size();
-  return {(count == 1 ? "One photograph contradicts" : std::to_string(count) +
-                                                           " photographs contradict") +
+  return {(count == 1 ? "One photograph contradicts"
+                      : std::to_string(count) + " photographs contradict") +
               " the others: " + names + '.',
           "Calibrate again without them; whoever shot them may know what happened."};
 }
@@ -141,9 +141,8 @@ Words HalvesDiffer(const crosscheck::Finding& finding) {
 }
 
 Words LensUncertain(const crosscheck::Finding& finding) {
-  return {"The lens alone leaves " +
-              Offset(finding.Number("mm"), finding.Number("degrees")) + " open, and " +
-              Fixed(finding.Number("pixels"), 1) + " pixels at " +
+  return {"The lens alone leaves " + Offset(finding.Number("mm"), finding.Number("degrees")) +
+              " open, and " + Fixed(finding.Number("pixels"), 1) + " pixels at " +
               Fixed(finding.Number("distanceMetres"), 0) + " m.",
           "Add photographs with the chart tilted more and in the corners of the picture."};
 }
@@ -156,8 +155,7 @@ Words TrackersNoisy(const crosscheck::Finding& finding) {
 }
 
 Words LibraryApart(const crosscheck::Finding& finding) {
-  return {"The result is off by " +
-              Offset(finding.Number("offMm"), finding.Number("offDegrees")) +
+  return {"The result is off by " + Offset(finding.Number("offMm"), finding.Number("offDegrees")) +
               " although the stated mounting is right: too few or bad photographs were used.",
           "Calibrate again without the photographs that contradict the others, or with more."};
 }
@@ -168,8 +166,8 @@ std::string NamesOf(const crosscheck::Finding& finding, const crosscheck::CrossC
   std::string names;
   for (std::size_t i = 0; i < finding.photographs.size() && i < kNamedPhotographs; ++i) {
     const std::size_t index = finding.photographs[i];
-    names += (i == 0 ? "" : ", ") +
-             DescribeBad(crossCheck.perPhotograph.at(index), index, photographs);
+    names +=
+        (i == 0 ? "" : ", ") + DescribeBad(crossCheck.perPhotograph.at(index), index, photographs);
   }
   const std::size_t named = std::min(kNamedPhotographs, finding.photographs.size());
   const std::size_t more = finding.photographs.size() - named;
@@ -227,10 +225,9 @@ std::string WhyLeftOut(const crosscheck::PerPhotograph& photograph,
 std::string TextOf(const crosscheck::SuggestedView& view) {
   // Clockwise from the right of the picture, as its y axis points down.
   constexpr std::array<const char*, 8> kDirections = {
-      "right",      "bottom right", "bottom", "bottom left",
-      "left",       "top left",     "top",    "top right"};
-  const auto eighth = static_cast<std::size_t>(
-      std::lround(view.tiltDirectionDegrees / 45) % 8 + 8) % 8;
+      "right", "bottom right", "bottom", "bottom left", "left", "top left", "top", "top right"};
+  const auto eighth =
+      static_cast<std::size_t>(std::lround(view.tiltDirectionDegrees / 45) % 8 + 8) % 8;
   return std::to_string(view.views) + (view.views == 1 ? " photograph" : " photographs") +
          " from " + Fixed(view.distanceMetres, 1) + " m, the chart tilted by " +
          Fixed(view.tiltDegrees, 0) + " deg to face the " + kDirections.at(eighth) +
@@ -242,8 +239,8 @@ std::vector<Finding> FindingsOf(const crosscheck::CrossCheck& crossCheck,
   std::vector<Finding> findings;
   for (const crosscheck::Finding& found : crossCheck.findings) {
     Words words = WordsOf(found, crossCheck, photographs);
-    Finding finding = {Name(found.id), found.severity, words.text, words.advice,
-                       found.numbers,  {},             found.detail};
+    Finding finding = {Name(found.id), found.severity, words.text, words.advice, found.numbers, {},
+                       found.detail};
     for (const std::size_t index : found.photographs) {
       finding.photographs.push_back(photographs.at(index));
     }

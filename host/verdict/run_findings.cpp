@@ -32,15 +32,15 @@ Finding BoardNowhere(const BoardRecord& board) {
   const auto size = [&](int more) {
     return std::to_string(board.columns + more) + 'x' + std::to_string(board.rows + more);
   };
-  return {"boardNowhere",
-          Severity::kError,
-          "No board of " + size(0) + " inner corners was found in any photograph.",
-          "Count inner corners, not squares: a chart of " + size(0) + " squares has " + size(-1) +
-              " of them.",
-          {{"columns", static_cast<double>(board.columns)},
-           {"rows", static_cast<double>(board.rows)}},
-          {},
-          ""};
+  return {
+      "boardNowhere",
+      Severity::kError,
+      "No board of " + size(0) + " inner corners was found in any photograph.",
+      "Count inner corners, not squares: a chart of " + size(0) + " squares has " + size(-1) +
+          " of them.",
+      {{"columns", static_cast<double>(board.columns)}, {"rows", static_cast<double>(board.rows)}},
+      {},
+      ""};
 }
 
 }  // namespace

@@ -80,8 +80,8 @@ std::string FromPhotographs(const RunRecord& record) {
 }
 
 NextStep NextStepFor(const Finding& finding) {
-  const bool canRefine = finding.id == "mountingOff" || finding.id == "badPhotographs" ||
-                         finding.id == "libraryApart";
+  const bool canRefine =
+      finding.id == "mountingOff" || finding.id == "badPhotographs" || finding.id == "libraryApart";
   return canRefine ? NextStep::kRefineMounting : NextStep::kNone;
 }
 

@@ -57,8 +57,7 @@ TEST(Summary, ShowsErrorsAndPhotographs) {
 
 TEST(Summary, NamesNoPhotographThatTheFilterLeftOut) {
   Report report = GoodReport();
-  report.run.record.photographs.push_back(
-      {"c.jpg", host::DropReason::kOutlier, std::nullopt});
+  report.run.record.photographs.push_back({"c.jpg", host::DropReason::kOutlier, std::nullopt});
   const std::string summary = SummaryOf(report);
   EXPECT_THAT(summary, HasSubstr("1 of 3 used; 1 left out by the filter (about half is normal)\n"));
   EXPECT_THAT(summary, Not(HasSubstr("c.jpg")));
@@ -66,8 +65,13 @@ TEST(Summary, NamesNoPhotographThatTheFilterLeftOut) {
 
 TEST(Summary, ShowsFindingsAndCommands) {
   Report report = GoodReport();
-  report.findings = {{"squareSize", host::Severity::kWarning, "The squares seem larger.",
-                      "Measure them.", {}, {}, ""}};
+  report.findings = {{"squareSize",
+                      host::Severity::kWarning,
+                      "The squares seem larger.",
+                      "Measure them.",
+                      {},
+                      {},
+                      ""}};
   report.verdict.commands = {"trackedcam calibrate --refine-mounting"};
   const std::string summary = SummaryOf(report);
   EXPECT_THAT(summary, HasSubstr("\nFindings\n  warning: The squares seem larger.\n"

@@ -1,10 +1,10 @@
-#include "app/words/command_line.h"
-#include "app/words/cross_check_words.h"
-#include "app/words/warning.h"
-
 #include <sstream>
 
 #include <gmock/gmock.h>
+
+#include "app/words/command_line.h"
+#include "app/words/cross_check_words.h"
+#include "app/words/warning.h"
 
 namespace trackedcam::app {
 namespace {

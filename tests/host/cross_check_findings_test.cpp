@@ -27,10 +27,8 @@ TEST(CrossCheckFindings, SayByHowMuchTheMountingIsOff) {
   crosscheck::Finding finding;
   finding.id = FindingId::kMountingOff;
   finding.severity = Severity::kError;
-  finding.numbers = {{"offMm", 27},
-                     {"offDegrees", 1.006},
-                     {"resultOffMm", 18.46},
-                     {"resultOffDegrees", 0.69}};
+  finding.numbers = {
+      {"offMm", 27}, {"offDegrees", 1.006}, {"resultOffMm", 18.46}, {"resultOffDegrees", 0.69}};
   const Finding worded = Worded(finding);
   EXPECT_EQ(worded.id, "mountingOff");
   EXPECT_EQ(worded.severity, Severity::kError);
@@ -74,7 +72,10 @@ TEST(CrossCheckFindings, NameThePhotographBeforeWhichATrackerMoved) {
 TEST(CrossCheckFindings, SayWhichWayToTurnTheChart) {
   crosscheck::Finding finding;
   finding.id = FindingId::kTooLittleTurning;
-  finding.numbers = {{"amplification", 11.2}, {"turnDegrees", 20}, {"axisX", 0.1}, {"axisY", 0.2},
+  finding.numbers = {{"amplification", 11.2},
+                     {"turnDegrees", 20},
+                     {"axisX", 0.1},
+                     {"axisY", 0.2},
                      {"axisZ", -0.9}};
   EXPECT_THAT(Worded(finding).text, HasSubstr("errors grow 11.2 times"));
   EXPECT_THAT(Worded(finding).advice,

@@ -23,7 +23,7 @@ class ObservationsTest : public testing::Test {
   }
 
   RunRecord record;
-  const Mounting mounting = {{1, 2, 3}, {4, 5, 6}};
+  const crosscheck::Mounting mounting = {{1, 2, 3}, {4, 5, 6}};
 };
 
 TEST_F(ObservationsTest, HoldEveryPhotographWithCorners) {

@@ -48,8 +48,8 @@ class VerdictOfFindings : public testing::Test {
   }
 
   Verdict With(Severity severity) {
-    return VerdictOf(
-        run, {{"mountingOff", severity, "The mounting is off.", "Refine it.", {}, {}, ""}});
+    return VerdictOf(run,
+                     {{"mountingOff", severity, "The mounting is off.", "Refine it.", {}, {}, ""}});
   }
 
   LibraryRun run;
