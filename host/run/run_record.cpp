@@ -3,6 +3,11 @@
 #include <algorithm>
 
 namespace trackedcam::host {
+namespace {
+
+constexpr int kTooFewLeft = 13;
+
+}  // namespace
 
 const char* Describe(DropReason reason) {
   switch (reason) {
@@ -32,6 +37,9 @@ CalibrationOutputs OutputsOf(const RunRecord& record) {
 
 std::vector<std::string> UsedPhotographs(const RunRecord& record) {
   std::vector<std::string> used;
+  if (record.errorCode == kTooFewLeft) {
+    return used;  // the filter would leave next to none, and took none away
+  }
   for (const Photograph& photograph : record.photographs) {
     if (!photograph.dropped) {
       used.push_back(photograph.path);

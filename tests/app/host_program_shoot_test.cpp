@@ -195,7 +195,7 @@ TEST_F(HostProgramShoot, FailsWhenNoRecordsAreExpected) {
 }
 
 TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
-  Simulate({"--tracker-noise-mm", "8"});
+  Simulate({"--tracker-noise-mm", "4"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0);
   EXPECT_THAT(run.error, HasSubstr("trackedcam: warning: Calibrated, with a doubt"));

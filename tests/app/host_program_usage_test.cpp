@@ -113,12 +113,10 @@ TEST_F(HostProgramUsage, SimulateNamesWhatCannotBe) {
   ExpectUsageError({"simulate", "shoot", "--board", "9by6"}, "--board: 9by6 is not");
 }
 
-TEST_F(HostProgramUsage, AnExceptionIsShownAndFails) {
+TEST_F(HostProgramUsage, NeedsARowThatTheLibraryCanBeGiven) {
   test::WriteFile(folder.File("bad.csv"), "1,\xFF.jpg,1,1,1,1,1,1,1,1,1,1,1,1,1,1\n");
-  const ProgramRun run =
-      Run(Calibrate({"--data", "bad.csv", "--board", "9x6", "--square", "0.03"}));
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.error, "trackedcam: error: The library stopped: bad conversion.\n");
+  ExpectUsageError(Calibrate({"--data", "bad.csv", "--board", "9x6", "--square", "0.03"}),
+                   "The path of the photograph is not UTF-8 in row 1");
 }
 
 }  // namespace
