@@ -23,7 +23,7 @@ options = webdriver.ChromeOptions()
 options.binary_location = shutil.which("chromium")
 for argument in ["--headless=new", "--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
                  "--disable-background-networking", "--disable-dev-shm-usage", "--hide-scrollbars",
-                 "--window-size=1100,820"]:
+                 "--window-size=1100,790"]:
     options.add_argument(argument)
 service = webdriver.chrome.service.Service(shutil.which("chromedriver"))
 with webdriver.Chrome(service=service, options=options) as browser:
