@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what is needed, builds a release, simulates a shoot, calibrates it and hands the result to
-# every engine.
+# every engine. Its last line names the report page.
 # Usage: scripts/demo.sh [FOLDER]   (build/demo by default)
 set -eu
 cd "$(dirname "$0")/.."
@@ -12,8 +12,10 @@ cmake --build --preset release --target trackedcam_program
 folder="${1:-build/demo}"
 trackedcam=build/release/app/trackedcam
 "$trackedcam" simulate "$folder"
-"$trackedcam" calibrate --config "$folder/shoot.toml"
+"$trackedcam" calibrate --config "$folder/shoot.toml" --report "$folder/report.html"
 for engine in ue4 ue5 ue5-xn aximmetry; do
   echo
   "$trackedcam" export "$engine" --result "$folder/result.json"
 done
+echo
+echo "The report page, to open in a browser: $folder/report.html"

@@ -76,7 +76,7 @@ def check_run(last, *options):
                        stdout=subprocess.DEVNULL)
         subprocess.run([program, "calibrate", f"--config={folder}/shoot.toml"],
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        (log,) = pathlib.Path(folder).glob("log/log_*.txt")
+        (log,) = pathlib.Path(folder).glob("log/run_*/log_*.txt")
         lines = [line.split("\t", 1)[1] for line in log.read_text(encoding="utf-8").splitlines()]
     for line in lines:
         if not is_line(line):
