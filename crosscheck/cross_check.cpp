@@ -6,11 +6,14 @@
 
 #include "crosscheck/comparison.h"
 #include "crosscheck/distributions.h"
+#include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"
 #include "crosscheck/mounting.h"
 #include "crosscheck/on_screen.h"
 #include "crosscheck/photographs.h"
+#include "crosscheck/readings.h"
 #include "crosscheck/slips.h"
+#include "crosscheck/solve.h"
 #include "crosscheck/start.h"
 #include "crosscheck/step.h"
 #include "crosscheck/views.h"
@@ -18,135 +21,75 @@
 namespace trackedcam::crosscheck {
 namespace {
 
+constexpr int kSamples = 100;
+constexpr double kMostAmplification = 10;  // beyond it no mounting is worth passing on
 constexpr double kDegree = EIGEN_PI / 180;
-constexpr int kSamples = 60;
-constexpr std::size_t kLeastUsed = 6;       // photographs
-constexpr double kLeastShareUsed = 0.4;     // of those that can be used
 
-void Require(bool holds, const char* what) {
+void Require(bool holds, const char* message) {
   if (!holds) {
-    throw std::invalid_argument(what);
+    throw std::invalid_argument(message);
   }
 }
 
-template <class Numbers>
-bool AreFinite(const Numbers& numbers) {
-  return std::all_of(numbers.begin(), numbers.end(),
-                     [](double number) { return std::isfinite(number); });
+void CheckLens(const Lens& lens) {
+  Require(lens.width > 0 && lens.height > 0, "The photographs have no size.");
+  Require(lens.fx > 0 && lens.fy > 0 && std::isfinite(lens.fx) && std::isfinite(lens.fy),
+          "The lens's focal lengths are not above 0.");
+  Require(std::isfinite(lens.cx + lens.cy + lens.k1 + lens.k2), "The lens is not made of numbers.");
 }
 
-void RequireSensible(const Observations& observations) {
+void CheckObservations(const Observations& observations) {
   Require(observations.boardColumns >= 2 && observations.boardRows >= 2,
-          "the board has fewer than two inner corners in a direction");
-  Require(std::isfinite(observations.square) && observations.square > 0,
-          "the square has no size");
-  const Lens& lens = observations.lens;
-  Require(lens.width > 0 && lens.height > 0, "the photographs have no size");
-  Require(lens.fx > 0 && lens.fy > 0, "a focal length is not above 0");
-  Require(AreFinite(std::array<double, 6>{lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2}),
-          "a figure of the lens is not a number");
-  const auto corners = static_cast<std::size_t>(observations.boardColumns) *
-                       static_cast<std::size_t>(observations.boardRows);
+          "The board has fewer than 2 inner corners along a side.");
+  Require(observations.square > 0 && std::isfinite(observations.square),
+          "The edge of the squares is not above 0.");
+  CheckLens(observations.lens);
+  const std::size_t corners = static_cast<std::size_t>(observations.boardColumns) *
+                              static_cast<std::size_t>(observations.boardRows);
   for (const Photograph& photograph : observations.photographs) {
-    Require(photograph.corners.size() == corners,
-            "a photograph does not have the board's number of corners");
+    if (photograph.corners.size() != corners) {
+      throw std::invalid_argument(photograph.name + " has " +
+                                  std::to_string(photograph.corners.size()) +
+                                  " corners instead of the board's " + std::to_string(corners) +
+                                  ".");
+    }
   }
-  if (const auto& mounting = observations.mounting) {
-    Require(AreFinite(mounting->rotationDegrees) && AreFinite(mounting->translationMetres),
-            "a figure of the mounting is not a number");
-  }
-  if (observations.library) {
-    Require(observations.library->allFinite(), "the transform to check is not a number");
+  if (observations.mounting) {
+    const auto isFinite = [](double value) { return std::isfinite(value); };
+    const auto& [rotation, translation] = *observations.mounting;
+    Require(std::all_of(rotation.begin(), rotation.end(), isFinite) &&
+                std::all_of(translation.begin(), translation.end(), isFinite),
+            "The stated mounting is not made of numbers.");
   }
 }
 
-std::optional<Solution> SolveAll(const Evidence& evidence) {
-  const std::optional<Start> start =
-      FindStart(evidence.loops, BoardDistance(evidence), kSamples);
-  if (!start) {
+std::optional<Solution> SolveShoot(const Evidence& evidence) {
+  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kSamples);
+  if (!start || !evidence.lensCovariance.allFinite()) {
     return std::nullopt;
   }
   Solution from;
   from.Transform_Cam_Tc = start->Transform_Cam_Tc;
   from.Transform_Tr_Chart = start->Transform_Tr_Chart;
+  // The scoring finds the noise from any start within some orders of magnitude.
+  const double metres = std::max(start->medianMetres, 1e-5);
+  from.noise = {metres * metres, metres * metres, false};
   Choice choice;
   choice.first = start->closest;
-  std::optional<Solution> solution = Solve(evidence.loops, from, choice);
-  const auto enough = static_cast<std::size_t>(
-      std::ceil(kLeastShareUsed * static_cast<double>(evidence.loops.size())));
-  return solution && solution->Used() >= std::max(kLeastUsed, enough) ? solution : std::nullopt;
+  auto solution = Solve(evidence.loops, from, choice);
+  const bool isFinite = solution && solution->covariance.allFinite() &&
+                        solution->byLens.allFinite() &&
+                        solution->Transform_Cam_Tc.matrix().allFinite() &&
+                        solution->Transform_Tr_Chart.matrix().allFinite();
+  return isFinite ? solution : std::nullopt;
 }
 
-// Solved once more with the same photographs and noise, and the size of the squares free.
-std::optional<Solution> SolveScaleFree(const Evidence& evidence, const Solution& solution) {
-  Solution from = solution;
-  from.sought.squareSize = true;
-  Choice choice;
-  choice.first = solution.used;
-  choice.isFixed = true;
-  return Solve(evidence.loops, from, choice);
-}
-
-Matrix6d MountingCovariance(const Solution& solution, const Evidence& evidence) {
-  return FullCovariance(solution, evidence).block<6, 6>(6, 6);
-}
-
-void SetSquare(const Solution& scaleFree, const Evidence& evidence, SquareSize& square) {
-  // The factor is of the chart's positions: the true edge by the stated one.
-  square.factor = scaleFree.squareFactor;
-  square.standardError = std::sqrt(FullCovariance(scaleFree, evidence)(12, 12));
-  square.p = StudentTail((square.factor - 1) / square.standardError, Freedom(scaleFree));
-}
-
-void SetNominalMounting(const Observations& observations, const Evidence& evidence,
-                        const Solution& solution, const std::optional<Solution>& scaleFree,
-                        CrossCheck& check) {
-  if (!observations.mounting) {
-    return;
-  }
-  const Pose stated = TransformOf(*observations.mounting);
-  NominalMounting nominal;
-  static_cast<Offset&>(nominal) =
-      CompareMounting(solution, MountingCovariance(solution, evidence), stated);
-  if (scaleFree) {
-    nominal.pScaleFree =
-        CompareMounting(*scaleFree, MountingCovariance(*scaleFree, evidence), stated).p;
-  }
-  nominal.perhaps = LikelySlip(observations, solution.Transform_Tr_Chart);
-  check.nominalMounting = nominal;
-}
-
-// How far apart the chart stood before the camera, as the root mean square from the middle; metres.
-double ChartSpread(const Evidence& evidence) {
-  Eigen::Vector3d mean = Eigen::Vector3d::Zero();
-  for (const Loop& loop : evidence.loops) {
-    mean += loop.Transform_Cam_Chart.translation() / static_cast<double>(evidence.loops.size());
-  }
-  double squares = 0;
-  for (const Loop& loop : evidence.loops) {
-    squares += (loop.Transform_Cam_Chart.translation() - mean).squaredNorm();
-  }
-  return std::sqrt(squares / static_cast<double>(evidence.loops.size()));
-}
-
-void SetLensPart(const Evidence& evidence, const Solution& solution, double t95, Beyond& beyond) {
-  const Matrix6d byLens = solution.byLens.topRows<6>() * evidence.lensCovariance *
-                          solution.byLens.topRows<6>().transpose();
-  const StandardError lens = StandardErrorOfLeftTwist(byLens, solution.Transform_Cam_Tc);
-  const StandardError trackers = StandardErrorOfLeftTwist(
-      solution.covariance.topLeftCorner<6, 6>(), solution.Transform_Cam_Tc);
-  beyond.worstLensMm = t95 * lens.shiftMm.maxCoeff();
-  beyond.worstLensDegrees = t95 * lens.turnDegrees.maxCoeff();
-  beyond.lensIsLarger = lens.shiftMm.maxCoeff() > trackers.shiftMm.maxCoeff();
-}
-
-void SetSolution(const Observations& observations, const Evidence& evidence,
-                 const Solution& solution, CrossCheck& check, Beyond& beyond) {
+void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck& check) {
+  const Eigen::MatrixXd covariance = FullCovariance(solution, evidence);
   check.solved = true;
   check.used = solution.Used();
   check.Transform_Cam_Tc = solution.Transform_Cam_Tc.matrix();
   check.Transform_Tr_Chart = solution.Transform_Tr_Chart.matrix();
-  const Eigen::MatrixXd covariance = FullCovariance(solution, evidence);
   check.covarianceCamTcTwist = covariance.topLeftCorner<6, 6>();
   check.covarianceTrChartTwist = covariance.block<6, 6>(6, 6);
   check.standardErrorCamTc =
@@ -161,46 +104,130 @@ void SetSolution(const Observations& observations, const Evidence& evidence,
   if (check.diversity.amplification <= kMostAmplification) {
     check.mounting = MountingOf(solution.Transform_Tr_Chart);
   }
+}
 
-  const std::optional<Solution> scaleFree = SolveScaleFree(evidence, solution);
-  if (scaleFree) {
-    SetSquare(*scaleFree, evidence, check.square);
+// The squares' size free as well: it tells a wrong size from a wrong mounting.
+std::optional<Solution> FreeSquareSize(const Evidence& evidence, const Solution& solution) {
+  Solution from = solution;
+  from.sought.squareSize = true;
+  Choice choice;
+  choice.first = solution.used;
+  return Solve(evidence.loops, from, choice);
+}
+
+void FillSquareSize(const Evidence& evidence, const std::optional<Solution>& free,
+                    CrossCheck& check) {
+  if (!free) {
+    check.square = {std::nan(""), std::nan(""), std::nan("")};
+    return;
   }
-  SetNominalMounting(observations, evidence, solution, scaleFree, check);
+  const double variance = FullCovariance(*free, evidence)(12, 12);
+  check.square.factor = free->squareFactor;
+  check.square.standardError = std::sqrt(variance);
+  check.square.p = StudentTail((free->squareFactor - 1) / std::sqrt(variance), Freedom(*free));
+}
+
+void FillMounting(const Observations& observations, const Evidence& evidence,
+                  const Solution& solution, const std::optional<Solution>& free,
+                  CrossCheck& check) {
+  if (!observations.mounting) {
+    return;
+  }
+  const Pose stated = TransformOf(*observations.mounting);
+  NominalMounting& nominal = check.nominalMounting.emplace();
+  static_cast<Offset&>(nominal) =
+      CompareMounting(solution, check.covarianceTrChartTwist, stated);
+  nominal.pScaleFree =
+      free ? CompareMounting(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
+           : nominal.p;
+  nominal.perhaps = LikelySlip(observations, solution.Transform_Tr_Chart);
+}
+
+// The transform that follows from the stated mounting, where no other is to be checked.
+std::optional<Offset> ResultOffset(const Observations& observations, const Evidence& evidence,
+                                   const Solution& solution, const CrossCheck& check) {
+  if (check.library || !observations.mounting) {
+    return check.library;
+  }
+  Solution from = solution;
+  from.sought.mounting = false;
+  from.Transform_Tr_Chart = TransformOf(*observations.mounting);
+  from.Transform_Cam_Tc = solution.Transform_Cam_Tc * solution.Transform_Tr_Chart *
+                          from.Transform_Tr_Chart.inverse();
+  Choice choice;
+  choice.first = solution.used;
+  choice.isFixed = true;
+  const auto held = Solve(evidence.loops, from, choice);
+  return held ? std::optional(Between(held->Transform_Cam_Tc, solution.Transform_Cam_Tc))
+              : std::nullopt;
+}
+
+double MeanDistance(const Loops& loops) {
+  double sum = 0;
+  for (const Loop& loop : loops) {
+    sum += loop.Transform_Cam_Chart.translation().norm();
+  }
+  return sum / static_cast<double>(loops.size());
+}
+
+// Root mean square distance of the chart's positions from their mean.
+double ChartSpread(const Loops& loops) {
+  Eigen::Vector3d mean = Eigen::Vector3d::Zero();
+  double squares = 0;
+  for (const Loop& loop : loops) {
+    mean += loop.Transform_Cam_Chart.translation() / static_cast<double>(loops.size());
+  }
+  for (const Loop& loop : loops) {
+    squares += (loop.Transform_Cam_Chart.translation() - mean).squaredNorm();
+  }
+  return std::sqrt(squares / static_cast<double>(loops.size()));
+}
+
+void Fill(const Observations& observations, const Evidence& evidence, Grounds& grounds,
+          CrossCheck& check) {
+  const Solution& solution = *grounds.solution;
+  FillSolution(evidence, solution, check);
+  ComparePhotographs(observations, evidence, solution, check.perPhotograph);
+
   std::optional<Pose> library;
-  if (observations.library) {
+  if (observations.library && observations.library->allFinite()) {
     library = PoseOf(*observations.library);
     check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);
   }
-  if (const std::optional<FoundStep> found = FindStep(evidence.loops, solution)) {
-    check.step = found->step;
+  const std::optional<Solution> free = FreeSquareSize(evidence, solution);
+  FillSquareSize(evidence, free, check);
+  FillMounting(observations, evidence, solution, free, check);
+  if (const auto step = FindStep(evidence.loops, solution)) {
+    check.step = step->step;
+    grounds.withStep = step->solution;
   }
   check.halves = CompareHalves(evidence, solution);
-  check.onScreen = OnScreenOf(evidence, solution, library);
+  check.onScreen = OnScreenAtAll(evidence, solution, library);
   check.suggestedViews = SuggestViews(evidence, solution);
-  beyond.chartSpreadMetres = ChartSpread(evidence);
-  SetLensPart(evidence, solution, check.t95, beyond);
+  grounds.result = ResultOffset(observations, evidence, solution, check);
+  grounds.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
+  grounds.chartSpreadMetres = ChartSpread(evidence.loops);
 }
 
 }  // namespace
 
 CrossCheck Check(const Observations& observations) {
-  RequireSensible(observations);
+  CheckObservations(observations);
   const Evidence evidence = Gather(observations);
   CrossCheck check;
   check.photographs = observations.photographs.size();
+  check.perPhotograph = DescribePhotographs(observations, evidence);
   check.cornerNoisePixels = evidence.cornerNoisePixels;
   const Eigen::Matrix<double, 6, 1> lens = evidence.lensCovariance.diagonal().cwiseSqrt();
   check.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
 
-  Beyond beyond;
-  beyond.reading = FindReading(observations, evidence);
-  const std::optional<Solution> solution = SolveAll(evidence);
-  check.perPhotograph = PhotographsAgainst(observations, evidence, solution ? &*solution : nullptr);
-  if (solution) {
-    SetSolution(observations, evidence, *solution, check, beyond);
+  Grounds grounds;
+  grounds.solution = SolveShoot(evidence);
+  if (grounds.solution) {
+    Fill(observations, evidence, grounds, check);
   }
-  check.findings = FindingsOf(check, beyond);
+  grounds.reading = FindReading(observations, evidence);
+  check.findings = FindingsOf(check, evidence, grounds);
   return check;
 }
 

@@ -2,248 +2,251 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+
+#include "crosscheck/comparison.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kCertain = 0.001;  // p below which chance is ruled out
-constexpr double kNoteMm = 1;       // what is less is of no concern to anyone
-constexpr double kNoteDegrees = 0.1;
-constexpr double kErrorMm = 2;
-constexpr double kErrorDegrees = 0.2;
-constexpr double kDoubtfulAmplification = 5;
-constexpr double kMostBad = 0.3;  // share of photographs
-constexpr double kFarOffMm = 3;   // a photograph that is left out by less is an ordinary one
-constexpr double kFarOffDegrees = 0.3;
-constexpr double kLeastSquareError = 0.01;
-constexpr double kLeastSpread = 0.05;  // metres
+constexpr double kRejected = 0.001;         // a test below this speaks
+constexpr double kWorthMm = 1;              // a word, and
+constexpr double kWorthDegrees = 0.1;
+constexpr double kGraveMm = 2;              // an error
+constexpr double kGraveDegrees = 0.2;
+constexpr double kFarBeyondLimit = 2;       // times the limit at which a photograph is left out
+constexpr double kFarMm = 2;                // of a single photograph, and
+constexpr double kFarDegrees = 0.2;
+constexpr double kManyBad = 0.3;            // share of the photographs
 constexpr double kNoisyMm = 2;
 constexpr double kNoisyDegrees = 0.2;
+constexpr double kHopelessMm = 20;          // such noise is no noise
+constexpr double kHopelessDegrees = 2;
+constexpr double kLittleTurning = 5;        // amplification
+constexpr double kTooLittleTurning = 10;
+constexpr double kWorthSquare = 0.01;
+constexpr double kSquareSpread = 0.05;      // metres that the chart must have moved
 
-bool Exceeds(double mm, double degrees, double leastMm, double leastDegrees) {
-  return mm >= leastMm || degrees >= leastDegrees;
-}
+bool IsWorth(double mm, double degrees) { return mm >= kWorthMm || degrees >= kWorthDegrees; }
 
-Severity SeverityOf(double mm, double degrees) {
-  return Exceeds(mm, degrees, kErrorMm, kErrorDegrees) ? Severity::kError : Severity::kNote;
-}
+class Collector {
+ public:
+  Collector(const CrossCheck& check, const Evidence& evidence, const Grounds& grounds)
+      : check_(check), evidence_(evidence), grounds_(grounds) {}
 
-void AddNoAgreement(const CrossCheck& check, std::vector<Finding>& findings) {
-  findings.push_back({FindingId::kNoAgreement,
-                      Severity::kError,
-                      {{"photographs", static_cast<double>(check.photographs)},
-                       {"used", static_cast<double>(check.used)},
-                       {"mm", check.trackerNoiseMm},
-                       {"degrees", check.trackerNoiseDegrees}},
-                      {},
-                      ""});
-}
-
-void AddReading(const Reading& reading, std::vector<Finding>& findings) {
-  findings.push_back({FindingId::kReading,
-                      Severity::kError,
-                      {{"times", reading.times},
-                       {"asReadMm", reading.asReadMm},
-                       {"fittedMm", reading.fittedMm}},
-                      {},
-                      reading.id});
-}
-
-// Turns to either side spread the mean of the rotations: enough of them bring it down to 3.
-double TurnFor(double amplification) {
-  return amplification > 3 ? 35 : 20;
-}
-
-void AddTooLittleTurning(const CrossCheck& check, std::vector<Finding>& findings) {
-  const double amplification = check.diversity.amplification;
-  if (!(amplification > kDoubtfulAmplification)) {
-    return;
+  std::vector<Finding> Collect() {
+    if (grounds_.reading) {
+      const Reading& reading = *grounds_.reading;
+      Add(FindingId::kReading, Severity::kError,
+          {{"times", reading.times}, {"asReadMm", reading.asReadMm},
+           {"fittedMm", reading.fittedMm}})
+          .detail = reading.id;
+    } else if (!Agrees()) {
+      Add(FindingId::kNoAgreement, Severity::kError,
+          {{"photographs", static_cast<double>(check_.photographs)},
+           {"used", static_cast<double>(check_.used)},
+           {"mm", check_.solved ? check_.trackerNoiseMm : std::nan("")},
+           {"degrees", check_.solved ? check_.trackerNoiseDegrees : std::nan("")}});
+      TooLittleTurning();
+    } else {
+      TooLittleTurning();
+      TrackerMoved();
+      BadPhotographs();
+      MountingOff();
+      LibraryApart();
+      SquareSize();
+      HalvesDiffer();
+      LensUncertain();
+      TrackersNoisy();
+    }
+    std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) {
+      return a.severity < b.severity;
+    });
+    return std::move(findings_);
   }
-  const Eigen::Vector3d& axis = check.diversity.weakestAxisInChart;
-  findings.push_back({FindingId::kTooLittleTurning,
-                      amplification > kMostAmplification ? Severity::kError : Severity::kWarning,
-                      {{"amplification", amplification},
-                       {"turnDegrees", TurnFor(amplification)},
-                       {"axisX", axis.x()},
-                       {"axisY", axis.y()},
-                       {"axisZ", axis.z()}},
-                      {},
-                      ""});
-}
 
-void AddTrackerMoved(const CrossCheck& check, std::vector<Finding>& findings) {
-  if (check.step) {
-    const Step& step = *check.step;
-    findings.push_back({FindingId::kTrackerMoved,
-                        Severity::kError,
-                        {{"before", static_cast<double>(step.before)},
-                         {"mm", step.mm},
-                         {"degrees", step.degrees},
-                         {"gain", step.gain}},
-                        {step.before},
-                        Name(step.tracker)});
+ private:
+  Finding& Add(FindingId id, Severity severity,
+               std::vector<std::pair<std::string, double>> numbers) {
+    findings_.push_back({id, severity, std::move(numbers), {}, ""});
+    return findings_.back();
   }
-}
 
-void AddMountingOff(const CrossCheck& check, std::vector<Finding>& findings) {
-  const auto& mounting = check.nominalMounting;
-  const auto& library = check.library;
-  if (!mounting || check.step || check.diversity.amplification > kMostAmplification ||
-      !(mounting->p < kCertain) || !(mounting->pScaleFree < kCertain)) {
-    return;
+  bool Agrees() const {
+    return check_.solved && (2 * check_.used >= check_.photographs || check_.step) &&
+           check_.trackerNoiseMm < kHopelessMm && check_.trackerNoiseDegrees < kHopelessDegrees;
   }
-  // Without a result to compare the mounting itself is what is wrong.
-  const double mm = library ? library->offMm : mounting->offMm;
-  const double degrees = library ? library->offDegrees : mounting->offDegrees;
-  if (Exceeds(mm, degrees, kNoteMm, kNoteDegrees)) {
-    findings.push_back({FindingId::kMountingOff,
-                        SeverityOf(mm, degrees),
-                        {{"offMm", mounting->offMm},
-                         {"offDegrees", mounting->offDegrees},
-                         {"resultOffMm", mm},
-                         {"resultOffDegrees", degrees},
-                         {"p", mounting->p},
-                         {"pScaleFree", mounting->pScaleFree}},
-                        {},
-                        mounting->perhaps.value_or("")});
+
+  bool Turns() const { return check_.diversity.amplification <= kTooLittleTurning; }
+
+  void TooLittleTurning() {
+    const double amplification = check_.diversity.amplification;
+    if (!(amplification > kLittleTurning)) {
+      return;
+    }
+    // Turned evenly by up to so much to either side, about an axis across, it would be 3.
+    constexpr double kEnoughDegrees = 50;
+    const Eigen::Vector3d& axis = check_.diversity.weakestAxisInChart;
+    Add(FindingId::kTooLittleTurning,
+        amplification > kTooLittleTurning ? Severity::kError : Severity::kWarning,
+        {{"amplification", amplification},
+         {"turnDegrees", kEnoughDegrees},
+         {"axisX", axis.x()},
+         {"axisY", axis.y()},
+         {"axisZ", axis.z()}});
   }
-}
 
-bool IsFarOff(const PerPhotograph& photograph) {
-  return !photograph.used && (photograph.why || Exceeds(photograph.mm, photograph.degrees,
-                                                        kFarOffMm, kFarOffDegrees));
-}
+  void TrackerMoved() {
+    if (!check_.step) {
+      return;
+    }
+    const Step& step = *check_.step;
+    Finding& finding = Add(FindingId::kTrackerMoved, Severity::kError,
+                           {{"before", static_cast<double>(step.before)},
+                            {"mm", step.mm},
+                            {"degrees", step.degrees},
+                            {"gain", step.gain}});
+    finding.photographs = {step.before};
+    finding.detail = Name(step.tracker);
+  }
 
-void AddBadPhotographs(const CrossCheck& check, std::vector<Finding>& findings) {
-  std::vector<std::size_t> bad;
-  for (std::size_t i = 0; i < check.perPhotograph.size(); ++i) {
-    if (IsFarOff(check.perPhotograph[i])) {
-      bad.push_back(i);
+  void BadPhotographs() {
+    const Solution& solution = grounds_.withStep ? *grounds_.withStep : *grounds_.solution;
+    std::vector<std::size_t> bad;
+    for (std::size_t i = 0; i < evidence_.loops.size(); ++i) {
+      const std::size_t photograph = evidence_.loops[i].photograph;
+      const PerPhotograph& figures = check_.perPhotograph[photograph];
+      if (!solution.used[i] && solution.disagreement[i] > kFarBeyondLimit * DisagreementLimit() &&
+          (figures.mm >= kFarMm || figures.degrees >= kFarDegrees)) {
+        bad.push_back(photograph);
+      }
+    }
+    for (std::size_t i = 0; i < check_.photographs; ++i) {
+      const auto& why = check_.perPhotograph[i].why;
+      if (why == "notNumbers" || why == "noPose") {
+        bad.push_back(i);
+      }
+    }
+    if (bad.empty()) {
+      return;
+    }
+    // What is not a number is worst of all.
+    const auto badness = [this](std::size_t i) {
+      const PerPhotograph& figures = check_.perPhotograph[i];
+      return std::isfinite(figures.mm) ? figures.mm / kFarMm + figures.degrees / kFarDegrees
+                                       : HUGE_VAL;
+    };
+    std::stable_sort(bad.begin(), bad.end(), [&](std::size_t a, std::size_t b) {
+      return badness(a) > badness(b);
+    });
+    const double share =
+        static_cast<double>(bad.size()) / static_cast<double>(check_.photographs);
+    const PerPhotograph& worst = check_.perPhotograph[bad.front()];
+    Add(FindingId::kBadPhotographs, share > kManyBad ? Severity::kError : Severity::kWarning,
+        {{"share", share}, {"worstMm", worst.mm}, {"worstDegrees", worst.degrees}})
+        .photographs = bad;
+  }
+
+  void MountingOff() {
+    if (!check_.nominalMounting || !grounds_.result || check_.step || !Turns()) {
+      return;
+    }
+    const NominalMounting& stated = *check_.nominalMounting;
+    const Offset& result = *grounds_.result;
+    if (stated.p < kRejected && stated.pScaleFree < kRejected &&
+        IsWorth(result.offMm, result.offDegrees)) {
+      const bool isGrave = result.offMm >= kGraveMm || result.offDegrees >= kGraveDegrees;
+      Add(FindingId::kMountingOff, isGrave ? Severity::kError : Severity::kNote,
+          {{"offMm", stated.offMm},
+           {"offDegrees", stated.offDegrees},
+           {"resultOffMm", result.offMm},
+           {"resultOffDegrees", result.offDegrees},
+           {"p", stated.p},
+           {"pScaleFree", stated.pScaleFree}})
+          .detail = stated.perhaps.value_or("");
     }
   }
-  if (bad.empty()) {
-    return;
-  }
-  const auto mm = [&](std::size_t i) {
-    const double off = check.perPhotograph[i].mm;
-    return std::isfinite(off) ? off : HUGE_VAL;
-  };
-  std::stable_sort(bad.begin(), bad.end(),
-                   [&](std::size_t a, std::size_t b) { return mm(a) > mm(b); });
-  double worstMm = 0;
-  double worstDegrees = 0;
-  for (const std::size_t i : bad) {
-    worstMm = std::fmax(worstMm, check.perPhotograph[i].mm);
-    worstDegrees = std::fmax(worstDegrees, check.perPhotograph[i].degrees);
-  }
-  const double share =
-      static_cast<double>(bad.size()) / static_cast<double>(check.photographs);
-  findings.push_back({FindingId::kBadPhotographs,
-                      share > kMostBad ? Severity::kError : Severity::kWarning,
-                      {{"share", share}, {"worstMm", worstMm}, {"worstDegrees", worstDegrees}},
-                      bad,
-                      ""});
-}
 
-void AddSquareSize(const CrossCheck& check, const Beyond& beyond, std::vector<Finding>& findings) {
-  const SquareSize& square = check.square;
-  if (square.p < kCertain && std::abs(square.factor - 1) >= kLeastSquareError &&
-      beyond.chartSpreadMetres >= kLeastSpread) {
-    findings.push_back({FindingId::kSquareSize,
-                        Severity::kWarning,
-                        {{"factor", square.factor},
-                         {"standardError", square.standardError},
-                         {"p", square.p}},
-                        {},
-                        ""});
+  bool Has(FindingId id) const {
+    return std::any_of(findings_.begin(), findings_.end(),
+                       [id](const Finding& finding) { return finding.id == id; });
   }
-}
 
-void AddHalvesDiffer(const CrossCheck& check, std::vector<Finding>& findings) {
-  if (check.halves && !check.step && check.halves->p < kCertain &&
-      Exceeds(check.halves->offMm, check.halves->offDegrees, kNoteMm, kNoteDegrees)) {
-    findings.push_back({FindingId::kHalvesDiffer,
-                        Severity::kWarning,
-                        {{"offMm", check.halves->offMm},
-                         {"offDegrees", check.halves->offDegrees},
-                         {"p", check.halves->p}},
-                        {},
-                        ""});
+  void LibraryApart() {
+    // Without a stated mounting, or with a wrong one, it is apart for that reason.
+    if (!check_.library || !check_.nominalMounting || check_.step || !Turns() ||
+        Has(FindingId::kMountingOff)) {
+      return;
+    }
+    const Offset& library = *check_.library;
+    if (library.p < kRejected && IsWorth(library.offMm, library.offDegrees)) {
+      Add(FindingId::kLibraryApart, Severity::kWarning,
+          {{"offMm", library.offMm}, {"offDegrees", library.offDegrees}, {"p", library.p}});
+    }
   }
-}
 
-void AddLensUncertain(const CrossCheck& check, const Beyond& beyond,
-                      std::vector<Finding>& findings) {
-  if (beyond.lensIsLarger && !check.onScreen.empty() &&
-      Exceeds(beyond.worstLensMm, beyond.worstLensDegrees, kNoteMm, kNoteDegrees)) {
-    const OnScreen& far = check.onScreen.back();
-    findings.push_back({FindingId::kLensUncertain,
-                        Severity::kWarning,
-                        {{"mm", beyond.worstLensMm},
-                         {"degrees", beyond.worstLensDegrees},
-                         {"pixels", far.fromLens},
-                         {"distanceMetres", far.distanceMetres}},
-                        {},
-                        ""});
+  void SquareSize() {
+    const crosscheck::SquareSize& square = check_.square;
+    if (square.p < kRejected && std::abs(square.factor - 1) >= kWorthSquare &&
+        grounds_.chartSpreadMetres >= kSquareSpread && !check_.step) {
+      Add(FindingId::kSquareSize, Severity::kWarning,
+          {{"factor", square.factor},
+           {"standardError", square.standardError},
+           {"p", square.p}});
+    }
   }
-}
 
-void AddTrackersNoisy(const CrossCheck& check, std::vector<Finding>& findings) {
-  if (check.trackerNoiseMm > kNoisyMm || check.trackerNoiseDegrees > kNoisyDegrees) {
-    findings.push_back(
-        {FindingId::kTrackersNoisy,
-         Severity::kWarning,
-         {{"mm", check.trackerNoiseMm}, {"degrees", check.trackerNoiseDegrees}},
-         {},
-         ""});
+  void HalvesDiffer() {
+    if (!check_.halves || check_.step) {
+      return;
+    }
+    const Offset& halves = *check_.halves;
+    if (halves.p < kRejected && IsWorth(halves.offMm, halves.offDegrees)) {
+      Add(FindingId::kHalvesDiffer, Severity::kWarning,
+          {{"offMm", halves.offMm}, {"offDegrees", halves.offDegrees}, {"p", halves.p}});
+    }
   }
-}
 
-void AddLibraryApart(const CrossCheck& check, std::vector<Finding>& findings) {
-  const bool mountingIsOff =
-      std::any_of(findings.begin(), findings.end(),
-                  [](const Finding& finding) { return finding.id == FindingId::kMountingOff; });
-  const auto& library = check.library;
-  if (!mountingIsOff && library && !check.step && library->p < kCertain &&
-      check.diversity.amplification <= kMostAmplification &&
-      Exceeds(library->offMm, library->offDegrees, kNoteMm, kNoteDegrees)) {
-    findings.push_back({FindingId::kLibraryApart,
-                        SeverityOf(library->offMm, library->offDegrees) == Severity::kError
-                            ? Severity::kWarning
-                            : Severity::kNote,
-                        {{"offMm", library->offMm},
-                         {"offDegrees", library->offDegrees},
-                         {"p", library->p}},
-                        {},
-                        ""});
+  void LensUncertain() {
+    const Solution& solution = *grounds_.solution;
+    const Pose& pose = solution.Transform_Cam_Tc;
+    const Eigen::MatrixXd carried =
+        solution.byLens * evidence_.lensCovariance * solution.byLens.transpose();
+    const StandardError lens = StandardErrorOfLeftTwist(carried.topLeftCorner<6, 6>(), pose);
+    const StandardError rest =
+        StandardErrorOfLeftTwist(solution.covariance.topLeftCorner<6, 6>(), pose);
+    const double mm = check_.t95 * lens.shiftMm.maxCoeff();
+    const double degrees = check_.t95 * lens.turnDegrees.maxCoeff();
+    const bool shifts = mm >= kWorthMm && lens.shiftMm.norm() > rest.shiftMm.norm();
+    const bool turns = degrees >= kWorthDegrees && lens.turnDegrees.norm() > rest.turnDegrees.norm();
+    if (shifts || turns) {
+      Add(FindingId::kLensUncertain, Severity::kWarning,
+          {{"mm", mm},
+           {"degrees", degrees},
+           {"pixels", grounds_.atChart ? grounds_.atChart->fromLens : std::nan("")},
+           {"distanceMetres",
+            grounds_.atChart ? grounds_.atChart->distanceMetres : std::nan("")}});
+    }
   }
-}
+
+  void TrackersNoisy() {
+    if (check_.trackerNoiseMm > kNoisyMm || check_.trackerNoiseDegrees > kNoisyDegrees) {
+      Add(FindingId::kTrackersNoisy, Severity::kWarning,
+          {{"mm", check_.trackerNoiseMm}, {"degrees", check_.trackerNoiseDegrees}});
+    }
+  }
+
+  const CrossCheck& check_;
+  const Evidence& evidence_;
+  const Grounds& grounds_;
+  std::vector<Finding> findings_;
+};
 
 }  // namespace
 
-std::vector<Finding> FindingsOf(const CrossCheck& check, const Beyond& beyond) {
-  std::vector<Finding> findings;
-  if (beyond.reading) {  // nothing else that is found of such rows means anything
-    AddReading(*beyond.reading, findings);
-    return findings;
-  }
-  if (!check.solved) {
-    AddNoAgreement(check, findings);
-    AddBadPhotographs(check, findings);
-    return findings;
-  }
-  AddTooLittleTurning(check, findings);
-  AddTrackerMoved(check, findings);
-  AddMountingOff(check, findings);
-  AddBadPhotographs(check, findings);
-  AddSquareSize(check, beyond, findings);
-  AddHalvesDiffer(check, findings);
-  AddLensUncertain(check, beyond, findings);
-  AddTrackersNoisy(check, findings);
-  AddLibraryApart(check, findings);
-  std::stable_sort(findings.begin(), findings.end(),
-                   [](const Finding& a, const Finding& b) { return a.severity < b.severity; });
-  return findings;
+std::vector<Finding> FindingsOf(const CrossCheck& check, const Evidence& evidence,
+                                const Grounds& grounds) {
+  return Collector(check, evidence, grounds).Collect();
 }
 
 }  // namespace trackedcam::crosscheck

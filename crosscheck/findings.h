@@ -1,28 +1,28 @@
-// What a user must hear of a cross-check, and from where on.
+// Which figures are worth a word, and how grave a one.
 
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "crosscheck/cross_check.h"
+#include "crosscheck/evidence.h"
 #include "crosscheck/readings.h"
+#include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 
-/// What is said beside the figures of the cross-check.
-struct Beyond {
+/// What findings need beyond the result itself.
+struct Grounds {
   std::optional<Reading> reading;
-  double chartSpreadMetres = 0;       // of the chart's positions before the camera
-  double worstLensMm = 0;             // 95 % of Transform_Cam_Tc, by the lens alone
-  double worstLensDegrees = 0;
-  bool lensIsLarger = false;          // than what the trackers leave uncertain
+  std::optional<Solution> solution;
+  std::optional<Solution> withStep;
+  std::optional<Offset> result;    // the checked transform, or what the stated mounting makes of it
+  std::optional<OnScreen> atChart;  // at the chart's own distance
+  double chartSpreadMetres = 0;    // of the chart's positions before the camera
 };
 
 /// The worst first.
-std::vector<Finding> FindingsOf(const CrossCheck& check, const Beyond& beyond);
-
-/// Above it the mounting is not suggested.
-constexpr double kMostAmplification = 10;
+std::vector<Finding> FindingsOf(const CrossCheck& check, const Evidence& evidence,
+                                const Grounds& grounds);
 
 }  // namespace trackedcam::crosscheck

@@ -25,7 +25,7 @@ Pose TransformOf(const Mounting& mounting) {
   pose.linear() = TurnAbout(0, mounting.rotationDegrees[0]) *
                   TurnAbout(1, mounting.rotationDegrees[1]) *
                   TurnAbout(2, mounting.rotationDegrees[2]);
-  pose.translation() = Eigen::Map<const Eigen::Vector3d>(mounting.translationMetres.data());
+  pose.translation() = Eigen::Vector3d::Map(mounting.translationMetres.data());
   return pose;
 }
 

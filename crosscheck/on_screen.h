@@ -1,8 +1,7 @@
-// What is left uncertain, as a viewer sees it.
+// What the uncertainty looks like in the picture.
 
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "crosscheck/cross_check.h"
@@ -11,9 +10,12 @@
 
 namespace trackedcam::crosscheck {
 
-/// For objects in the middle of the picture and half way to its corners, at several distances.
-/// @param library The Transform_Cam_Tc to compare with.
-std::vector<OnScreen> OnScreenOf(const Evidence& evidence, const Solution& solution,
-                                 const std::optional<Pose>& library);
+/// The 95 % of the worst direction, as the root mean square over the picture, for things that stand
+/// still beside the tracking system and are drawn into the picture at this distance.
+OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
+                    const std::optional<Pose>& library);
+
+std::vector<OnScreen> OnScreenAtAll(const Evidence& evidence, const Solution& solution,
+                                    const std::optional<Pose>& library);
 
 }  // namespace trackedcam::crosscheck

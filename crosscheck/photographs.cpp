@@ -1,121 +1,121 @@
 #include "crosscheck/photographs.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
+#include <Eigen/Cholesky>
+
+#include "crosscheck/mounting.h"
 #include "crosscheck/projection.h"
-#include "crosscheck/slips.h"
+#include "crosscheck/views.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kDegree = EIGEN_PI / 180;
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-Eigen::Vector3d MiddleOf(const std::vector<Eigen::Vector3d>& board) {
-  return 0.5 * (board.front() + board.back());
+// How little one of the trackers would have to be moved to make the photograph fit.
+void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& photograph) {
+  const Pose& Transform_Cam_Tc = solution.Transform_Cam_Tc;
+  const Pose& Transform_Tr_Chart = solution.Transform_Tr_Chart;
+  const Pose& seen = loop.Transform_Cam_Chart;
+  const Pose camera = Transform_Cam_Tc.inverse() * seen *
+                      (loop.Transform_Tc_Tr * Transform_Tr_Chart).inverse();
+  const Pose chart =
+      (Transform_Cam_Tc * loop.Transform_Tc_Tr).inverse() * seen * Transform_Tr_Chart.inverse();
+  photograph.mm = 1e3 * std::min(camera.translation().norm(), chart.translation().norm());
+  photograph.degrees = Log(camera).head<3>().norm() * 180 / EIGEN_PI;
 }
 
-// In a tracker's own frame: what it would have to be moved by for the corners to fit.
-Twist OffInFrame(const Pose& Transform_Cam_Tracker, const Twist& residual) {
-  return Adjoint(Transform_Cam_Tracker.inverse()) * residual;
-}
-
-void SetOff(const Loop& loop, std::size_t index, const Solution& solution,
-            PerPhotograph& photograph) {
-  const Twist residual = Residual(loop, index, solution);
-  const Twist camera = OffInFrame(solution.Transform_Cam_Tc, residual);
-  const Twist chart =
-      OffInFrame(solution.Transform_Cam_Tc * loop.Transform_Tc_Tr, residual);
-  const Twist& less = camera.tail<3>().norm() < chart.tail<3>().norm() ? camera : chart;
-  photograph.mm = less.tail<3>().norm() * 1e3;
-  photograph.degrees = residual.head<3>().norm() / kDegree;
-}
-
-void SetPrediction(const Evidence& evidence, const Pose& predicted,
-                   const std::vector<Eigen::Vector2d>& corners, PerPhotograph& photograph) {
+void PredictCorners(const Pose& predicted, const Evidence& evidence,
+                    const std::vector<Eigen::Vector2d>& corners, PerPhotograph& photograph) {
+  photograph.predicted.clear();
   double squares = 0;
   for (std::size_t i = 0; i < evidence.board.size(); ++i) {
-    photograph.predicted.push_back(Project(evidence.lens, predicted * evidence.board[i]));
-    squares += (photograph.predicted.back() - corners[i]).squaredNorm();
+    const Eigen::Vector3d point = predicted * evidence.board[i];
+    const Eigen::Vector2d pixel = point.z() > 1e-6 ? Project(evidence.lens, point)
+                                                   : Eigen::Vector2d::Constant(kNone);
+    photograph.predicted.push_back(pixel);
+    squares += (pixel - corners[i]).squaredNorm();
   }
-  photograph.predictedPixels = std::sqrt(squares / static_cast<double>(evidence.board.size()));
+  photograph.predictedPixels = std::sqrt(squares / static_cast<double>(corners.size()));
 }
 
-bool Fits(const Loop& loop, const Pose& Transform_Cam_Chart, const Pose& Transform_Tc_Tr,
-          std::size_t index, const Solution& solution) {
-  Loop other = loop;
-  other.Transform_Cam_Chart = Transform_Cam_Chart;
-  other.Transform_Tc_Tr = Transform_Tc_Tr;
-  const Twist residual = Residual(other, index, solution);
-  const double disagreement = residual.dot(CovarianceOf(other, solution).llt().solve(residual));
-  return disagreement <= DisagreementLimit();
+double DisagreementOf(const Loop& loop, const Solution& solution) {
+  const Twist residual = Residual(loop, 0, solution);
+  return residual.dot(CovarianceOf(loop, solution, solution.noise).llt().solve(residual));
 }
 
-// Another photograph's trackers fit by chance where the camera stood still: those of a neighbour
-// that fits itself do not count.
-void FindReason(const Loops& loops, std::size_t index, const Solution& solution,
-                const Pose& halfTurn, PerPhotograph& photograph) {
-  const Loop& loop = loops[index];
-  if (Fits(loop, loop.Transform_Cam_Chart * halfTurn, loop.Transform_Tc_Tr, index, solution)) {
+// The same corners, the last one first.
+Pose HalfTurn(const std::vector<Eigen::Vector3d>& board) {
+  Pose turn(TurnAbout(2, 180));
+  turn.translation() = board.back();
+  return turn;
+}
+
+void Explain(std::size_t index, const Evidence& evidence, const Solution& solution,
+             PerPhotograph& photograph) {
+  Loop turned = evidence.loops[index];
+  turned.Transform_Cam_Chart = turned.Transform_Cam_Chart * HalfTurn(evidence.board);
+  if (DisagreementOf(turned, solution) <= DisagreementLimit()) {
     photograph.why = "firstCornerAtOtherEnd";
     return;
   }
-  for (std::size_t other = 0; other < loops.size(); ++other) {
-    if (other != index && Fits(loop, loop.Transform_Cam_Chart, loops[other].Transform_Tc_Tr,
-                               index, solution)) {
+  double least = DisagreementLimit();
+  for (std::size_t other = 0; other < evidence.loops.size(); ++other) {
+    Loop exchanged = evidence.loops[index];
+    exchanged.Transform_Tc_Tr = evidence.loops[other].Transform_Tc_Tr;
+    const double disagreement = other == index ? HUGE_VAL : DisagreementOf(exchanged, solution);
+    if (disagreement <= least) {
+      least = disagreement;
       photograph.why = "fitsTrackersOf";
-      photograph.fitsTrackersOf = loops[other].photograph;
-      return;
+      photograph.fitsTrackersOf = evidence.loops[other].photograph;
     }
   }
 }
 
 }  // namespace
 
-View ViewOf(const Pose& Transform_Cam_Chart, const Eigen::Vector3d& middle) {
-  // Towards the camera: the board's z axis points into it.
-  const Eigen::Vector3d normal = -Transform_Cam_Chart.linear().col(2);
-  const Eigen::Vector3d along = Transform_Cam_Chart.linear().col(0);
-  View view;
-  view.tiltDegrees = std::acos(std::min(1.0, std::abs(normal.z()))) / kDegree;
-  view.tiltDirectionDegrees = std::atan2(normal.y(), normal.x()) / kDegree;
-  view.rollDegrees = std::atan2(along.y(), along.x()) / kDegree;
-  view.distanceMetres = (Transform_Cam_Chart * middle).norm();
-  return view;
+std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
+                                               const Evidence& evidence) {
+  std::vector<PerPhotograph> photographs(observations.photographs.size());
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    PerPhotograph& photograph = photographs[i];
+    photograph.mm = photograph.degrees = photograph.predictedPixels = kNone;
+    photograph.Transform_Cam_Chart.setConstant(kNone);
+    photograph.Transform_Tc_Tr.setConstant(kNone);
+    photograph.view = {kNone, kNone, kNone, kNone};
+    if (const auto& pose = evidence.chartPoses[i]) {
+      photograph.Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
+      photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.board);
+    } else {
+      photograph.why = "noPose";
+    }
+    if (const auto pose =
+            TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions,
+                           Meaning::kAsRead)) {
+      photograph.Transform_Tc_Tr = pose->matrix();
+    } else {
+      photograph.why = "notNumbers";
+    }
+  }
+  return photographs;
 }
 
-std::vector<PerPhotograph> PhotographsAgainst(const Observations& observations,
-                                              const Evidence& evidence, const Solution* solution) {
-  const Eigen::Vector3d middle = MiddleOf(evidence.board);
-  std::vector<PerPhotograph> all(observations.photographs.size());
-  for (std::size_t i = 0; i < all.size(); ++i) {
-    const double unknown = std::nan("");
-    all[i].mm = all[i].degrees = all[i].predictedPixels = unknown;
-    all[i].why = "notNumbers";
-    if (const std::optional<ChartPose>& pose = evidence.chartPoses[i]) {
-      all[i].Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
-      all[i].view = ViewOf(pose->Transform_Cam_Chart, middle);
-    } else {
-      all[i].why = "noPose";
-    }
-  }
-  for (std::size_t index = 0; index < evidence.loops.size(); ++index) {
-    const Loop& loop = evidence.loops[index];
-    PerPhotograph& photograph = all[loop.photograph];
-    photograph.why = std::nullopt;
-    photograph.Transform_Tc_Tr = loop.Transform_Tc_Tr.matrix();
-    if (solution == nullptr) {
-      continue;
-    }
-    photograph.used = solution->used[index];
-    SetOff(loop, index, *solution, photograph);
-    Pose predicted = Predicted(loop, index, *solution);
-    SetPrediction(evidence, predicted, observations.photographs[loop.photograph].corners,
-                  photograph);
+void ComparePhotographs(const Observations& observations, const Evidence& evidence,
+                        const Solution& solution, std::vector<PerPhotograph>& photographs) {
+  for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
+    const Loop& loop = evidence.loops[i];
+    PerPhotograph& photograph = photographs[loop.photograph];
+    photograph.used = solution.used[i];
+    MeasureDistance(loop, solution, photograph);
+    PredictCorners(Predicted(loop, i, solution), evidence,
+                   observations.photographs[loop.photograph].corners, photograph);
     if (!photograph.used) {
-      FindReason(evidence.loops, index, *solution, HalfTurnOfBoard(observations), photograph);
+      Explain(i, evidence, solution, photograph);
     }
   }
-  return all;
 }
 
 }  // namespace trackedcam::crosscheck

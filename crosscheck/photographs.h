@@ -6,15 +6,17 @@
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/evidence.h"
+#include "crosscheck/observations.h"
 #include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 
-/// How the board, whose middle is given in frame Chart, stands before the camera.
-View ViewOf(const Pose& Transform_Cam_Chart, const Eigen::Vector3d& middle);
+/// What is known of them before anything is solved: poses, views, and which cannot be used.
+std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
+                                               const Evidence& evidence);
 
-/// One for each photograph of the observations. Without a solution nothing is predicted.
-std::vector<PerPhotograph> PhotographsAgainst(const Observations& observations,
-                                              const Evidence& evidence, const Solution* solution);
+/// Adds what the solution says: used or not and why, how far off, the corners that it expects.
+void ComparePhotographs(const Observations& observations, const Evidence& evidence,
+                        const Solution& solution, std::vector<PerPhotograph>& photographs);
 
 }  // namespace trackedcam::crosscheck

@@ -31,6 +31,12 @@ Pose With(const Eigen::Matrix3d& rotation, const Eigen::Vector3d& translation) {
   return pose;
 }
 
+// The chart's frame as it is when the detector begins at the opposite corner.
+Pose HalfTurnOfBoard(const Observations& observations) {
+  return With(TurnAbout(2, 180), {(observations.boardColumns - 1) * observations.square,
+                                  (observations.boardRows - 1) * observations.square, 0});
+}
+
 std::vector<Slip> Slips(const Observations& observations) {
   const Mounting& stated = *observations.mounting;
   const Pose pose = TransformOf(stated);
@@ -63,11 +69,6 @@ std::vector<Slip> Slips(const Observations& observations) {
 }
 
 }  // namespace
-
-Pose HalfTurnOfBoard(const Observations& observations) {
-  return With(TurnAbout(2, 180), {(observations.boardColumns - 1) * observations.square,
-                                  (observations.boardRows - 1) * observations.square, 0});
-}
 
 std::optional<std::string> LikelySlip(const Observations& observations,
                                       const Pose& Transform_Tr_Chart) {

@@ -10,9 +10,6 @@
 
 namespace trackedcam::crosscheck {
 
-/// The chart's frame as it is when the detector begins at the opposite corner, in its own frame.
-Pose HalfTurnOfBoard(const Observations& observations);
-
 /// The id of the slip that turns the stated mounting into the one found, or nothing.
 std::optional<std::string> LikelySlip(const Observations& observations,
                                       const Pose& Transform_Tr_Chart);

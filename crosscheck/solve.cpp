@@ -176,7 +176,7 @@ void MeasureDisagreement(const Loops& loops, Solution& solution) {
   solution.disagreement.resize(loops.size());
   for (std::size_t i = 0; i < loops.size(); ++i) {
     const Twist residual = Residual(loops[i], i, solution);
-    const double value = residual.dot(CovarianceOf(loops[i], solution).llt().solve(residual));
+    const double value = residual.dot(CovarianceOf(loops[i], solution, solution.noise).llt().solve(residual));
     solution.disagreement[i] = std::isfinite(value) ? value : HUGE_VAL;
   }
 }
@@ -232,11 +232,10 @@ Design DesignOf(const Loop& loop, std::size_t index, const Solution& solution) {
   return design;
 }
 
-Matrix6d CovarianceOf(const Loop& loop, const Solution& solution) {
+Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& noise) {
   const NoiseCarriers carriers =
       CarriersOf(solution.Transform_Cam_Tc, solution.Transform_Cam_Tc * loop.Transform_Tc_Tr);
-  return solution.noise.turn * carriers.turn + solution.noise.shift * carriers.shift +
-         loop.cornerCovariance;
+  return noise.turn * carriers.turn + noise.shift * carriers.shift + loop.cornerCovariance;
 }
 
 std::optional<Solution> Solve(const Loops& loops, Solution from, const Choice& choice) {

@@ -48,8 +48,8 @@ Twist Residual(const Loop& loop, std::size_t index, const Solution& solution);
 /// The change of the prediction by the unknowns.
 Design DesignOf(const Loop& loop, std::size_t index, const Solution& solution);
 
-/// The covariance of the residual.
-Matrix6d CovarianceOf(const Loop& loop, const Solution& solution);
+/// The covariance of the residual under this noise.
+Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& noise);
 
 /// Which loops a solution may take: those marked, or where none are marked it finds out itself.
 struct Choice {

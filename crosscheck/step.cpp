@@ -46,7 +46,7 @@ std::vector<Seen> SeenBy(Tracker tracker, const Loops& loops, const Solution& so
                           : solution.Transform_Cam_Tc * loops[i].Transform_Tc_Tr;
     const Matrix6d adjoint = Adjoint(pose);
     const Matrix6d weight =
-        CovarianceOf(loops[i], solution).llt().solve(Matrix6d::Identity());
+        CovarianceOf(loops[i], solution, solution.noise).llt().solve(Matrix6d::Identity());
     Seen seen;
     seen.off = Adjoint(pose.inverse()) * Residual(loops[i], i, solution);
     seen.weight = adjoint.transpose() * weight * adjoint;
@@ -142,10 +142,8 @@ Solution StartWith(const Candidate& candidate, const Solution& solution) {
 // With the noise of another solution.
 double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solution,
                       const Noise& noise) {
-  Solution other = solution;
-  other.noise = noise;
   const Twist residual = Residual(loop, index, solution);
-  return residual.dot(CovarianceOf(loop, other).llt().solve(residual));
+  return residual.dot(CovarianceOf(loop, solution, noise).llt().solve(residual));
 }
 
 // The place at which the same step fits best.

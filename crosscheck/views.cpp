@@ -2,107 +2,140 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include <Eigen/Cholesky>
 
-#include "crosscheck/photographs.h"
+#include "crosscheck/mounting.h"
+#include "crosscheck/projection.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
 constexpr double kDegree = EIGEN_PI / 180;
-constexpr int kViewsAtOnce = 4;
 constexpr int kSuggestions = 3;
+constexpr int kViewsEach = 5;
 
-using Normal = Eigen::Matrix<double, 12, 12>;
+using Matrix12d = Eigen::Matrix<double, 12, 12>;
 
 struct Candidate {
   View view;
-  Normal information;  // of one such photograph
+  Matrix12d information;  // that one such photograph adds
 };
 
-// The board's middle on the optical axis, turned in the picture, then tilted to face a direction.
-Pose PoseOfView(const View& view, const Eigen::Vector3d& middle) {
+Pose PoseOfView(const View& view, const Eigen::Vector3d& centre) {
   const double direction = view.tiltDirectionDegrees * kDegree;
-  // Facing the right of the picture is a turn about the vertical.
-  const Eigen::Vector3d axis(std::sin(direction), -std::cos(direction), 0);
-  const Eigen::Matrix3d rotation =
-      (Eigen::AngleAxisd(view.tiltDegrees * kDegree, axis) *
-       Eigen::AngleAxisd(view.rollDegrees * kDegree, Eigen::Vector3d::UnitZ()))
-          .toRotationMatrix();
-  Pose pose(rotation);
-  pose.translation() = Eigen::Vector3d(0, 0, view.distanceMetres) - rotation * middle;
+  // The normal leans towards the direction when the board turns about the axis across it.
+  const Eigen::Vector3d axis(-std::sin(direction), std::cos(direction), 0);
+  Pose pose = Pose::Identity();
+  pose.linear() = Eigen::AngleAxisd(view.tiltDegrees * kDegree, axis).toRotationMatrix() *
+                  TurnAbout(2, view.rollDegrees);
+  pose.translation() = Eigen::Vector3d(0, 0, view.distanceMetres) - pose.linear() * centre;
   return pose;
 }
 
-double MedianDistance(const Loops& loops, const Eigen::Vector3d& middle) {
-  std::vector<double> distances;
-  for (const Loop& loop : loops) {
-    distances.push_back((loop.Transform_Cam_Chart * middle).norm());
+bool IsInPicture(const Pose& pose, const Evidence& evidence) {
+  const Lens& lens = evidence.lens;
+  return std::all_of(evidence.board.begin(), evidence.board.end(), [&](const auto& point) {
+    const Eigen::Vector3d seen = pose * point;
+    if (!(seen.z() > 1e-3)) {
+      return false;
+    }
+    const Eigen::Vector2d pixel = Project(lens, seen);
+    return pixel.x() > 0.03 * lens.width && pixel.x() < 0.97 * lens.width &&
+           pixel.y() > 0.03 * lens.height && pixel.y() < 0.97 * lens.height;
+  });
+}
+
+std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
+                                  const Solution& solution) {
+  const Pose pose = PoseOfView(view, 0.5 * evidence.board.back());
+  if (!IsInPicture(pose, evidence)) {
+    return std::nullopt;
   }
-  const auto half = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
-  std::nth_element(distances.begin(), half, distances.end());
-  return *half;
+  std::vector<Eigen::Vector2d> corners(evidence.board.size(), Eigen::Vector2d::Zero());
+  const auto equations = EquationsAt(pose, evidence.lens, evidence.board, corners);
+  if (!equations) {
+    return std::nullopt;
+  }
+  const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
+  const NoiseCarriers carriers =
+      CarriersOf(solution.Transform_Cam_Tc, pose * solution.Transform_Tr_Chart.inverse());
+  const Matrix6d covariance =
+      solution.noise.turn * carriers.turn + solution.noise.shift * carriers.shift +
+      variance * equations->byPose.ldlt().solve(Matrix6d::Identity());
+  Eigen::Matrix<double, 6, 12> design;
+  design << Matrix6d::Identity(), Adjoint(pose);
+  return Candidate{view, design.transpose() * covariance.llt().solve(design)};
 }
 
-Candidate CandidateOf(const View& view, const Evidence& evidence, const Solution& solution,
-                      const Eigen::Vector3d& middle) {
-  Loop loop = evidence.loops.front();  // its corners' noise serves: trackers are noisier by far
-  loop.Transform_Cam_Chart = PoseOfView(view, middle);
-  loop.Transform_Tc_Tr = solution.Transform_Cam_Tc.inverse() * loop.Transform_Cam_Chart *
-                         solution.Transform_Tr_Chart.inverse();
-  const Design design = DesignOf(loop, 0, solution);
-  const Matrix6d weight =
-      CovarianceOf(loop, solution).llt().solve(Matrix6d::Identity());
-  return {view, design.transpose() * weight * design};
-}
-
-// Within what is easily shot, and at which the first corner is still found first.
 std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solution) {
-  const Eigen::Vector3d middle = 0.5 * (evidence.board.front() + evidence.board.back());
-  const double usual = MedianDistance(evidence.loops, middle);
-  std::vector<Candidate> all;
-  for (const double tilt : {20.0, 40.0}) {
-    for (int direction = -135; direction <= 180; direction += 45) {
-      for (const double roll : {-30.0, 0.0, 30.0}) {
-        for (const double distance : {0.8 * usual, usual, 1.3 * usual}) {
-          const View view = {tilt, static_cast<double>(direction), roll, distance};
-          all.push_back(CandidateOf(view, evidence, solution, middle));
+  const Eigen::Vector3d board = evidence.board.back();
+  const Lens& lens = evidence.lens;
+  // So near that the board fills most of the picture, and half as far again.
+  const double near =
+      std::max(lens.fx * board.x() / lens.width, lens.fy * board.y() / lens.height) / 0.75;
+  std::vector<Candidate> candidates;
+  for (const double distance : {near, 1.5 * near}) {
+    for (const double tilt : {0.0, 20.0, 40.0}) {
+      for (int side = 0; side < (tilt > 0 ? 8 : 1); ++side) {
+        // Farther and a detector may begin at the opposite corner.
+        for (const double roll : {-45.0, 0.0, 45.0}) {
+          if (auto candidate =
+                  Consider({tilt, 45.0 * side, roll, distance}, evidence, solution)) {
+            candidates.push_back(*candidate);
+          }
         }
       }
     }
   }
-  return all;
+  return candidates;
 }
 
-// Of Transform_Cam_Tc, turns and shifts in one figure: what both do at the chart.
-double Uncertainty(const Normal& covariance, double distance) {
-  return std::sqrt(distance * distance * covariance.topLeftCorner<3, 3>().trace() +
-                   covariance.block<3, 3>(3, 3).trace());
+// What Transform_Cam_Tc's variances add up to, turns as what they do at this distance; metres.
+double Uncertainty(const Matrix12d& information, double distance) {
+  const Matrix12d covariance = information.ldlt().solve(Matrix12d::Identity());
+  const double turn = covariance.diagonal().head<3>().sum();
+  const double shift = covariance.diagonal().segment<3>(3).sum();
+  return std::sqrt(turn * distance * distance + shift);
 }
 
-Normal Inverse(const Normal& normal) {
-  return normal.ldlt().solve(Normal::Identity());
+double MeanDistance(const Evidence& evidence) {
+  double sum = 0;
+  for (const Loop& loop : evidence.loops) {
+    sum += loop.Transform_Cam_Chart.translation().norm();
+  }
+  return sum / static_cast<double>(evidence.loops.size());
 }
 
 }  // namespace
 
+View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board) {
+  const Eigen::Vector3d normal = Transform_Cam_Chart.linear().col(2);
+  const Eigen::Matrix3d tilt =
+      Eigen::Quaterniond::FromTwoVectors(Eigen::Vector3d::UnitZ(), normal).toRotationMatrix();
+  const Eigen::Vector3d row = tilt.transpose() * Transform_Cam_Chart.linear().col(0);
+  View view;
+  view.tiltDegrees = std::atan2(normal.head<2>().norm(), normal.z()) / kDegree;
+  view.tiltDirectionDegrees = std::atan2(normal.y(), normal.x()) / kDegree;
+  view.rollDegrees = std::atan2(row.y(), row.x()) / kDegree;
+  view.distanceMetres = (Transform_Cam_Chart * Eigen::Vector3d(0.5 * board.back())).norm();
+  return view;
+}
+
 std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution) {
-  if (evidence.loops.empty() || solution.covariance.rows() != 12) {
-    return {};
-  }
   const std::vector<Candidate> candidates = Candidates(evidence, solution);
-  const double distance = candidates.front().view.distanceMetres;
-  Normal information = Inverse(solution.covariance);
-  std::vector<SuggestedView> views;
-  while (views.size() < kSuggestions) {
-    const double before = Uncertainty(Inverse(information), distance);
+  const double distance = MeanDistance(evidence);
+  const Matrix12d present = solution.covariance.topLeftCorner<12, 12>();
+  Matrix12d information = present.ldlt().solve(Matrix12d::Identity());
+  std::vector<SuggestedView> suggested;
+  for (int i = 0; i < kSuggestions && !candidates.empty(); ++i) {
+    const double before = Uncertainty(information, distance);
     const Candidate* best = nullptr;
     double least = before;
     for (const Candidate& candidate : candidates) {
-      const double after =
-          Uncertainty(Inverse(information + kViewsAtOnce * candidate.information), distance);
-      if (after < least) {
+      const Matrix12d with = information + kViewsEach * candidate.information;
+      if (const double after = Uncertainty(with, distance); after < least) {
         least = after;
         best = &candidate;
       }
@@ -110,14 +143,10 @@ std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution
     if (best == nullptr) {
       break;
     }
-    SuggestedView view;
-    static_cast<View&>(view) = best->view;
-    view.views = kViewsAtOnce;
-    view.gain = before / least;
-    views.push_back(view);
-    information += kViewsAtOnce * best->information;
+    suggested.push_back({{best->view}, kViewsEach, before / least});
+    information += kViewsEach * best->information;
   }
-  return views;
+  return suggested;
 }
 
 }  // namespace trackedcam::crosscheck

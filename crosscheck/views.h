@@ -1,4 +1,4 @@
-// Which views would tell most of what the shoot does not.
+// How the chart stood, and how it should stand to bring the uncertainty down.
 
 #pragma once
 
@@ -10,7 +10,9 @@
 
 namespace trackedcam::crosscheck {
 
-/// Views that can be shot, the best first, each chosen with those before it already taken.
+View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board);
+
+/// The views that add most information, one after the other, each on top of those before it.
 std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck
