@@ -5,7 +5,6 @@
 #include "crosscheck/evidence.h"
 #include "crosscheck/kit/lens_solve.h"
 #include "simulator/random.h"
-#include "simulator/shoot.h"
 
 namespace trackedcam::test {
 namespace {
@@ -66,7 +65,11 @@ simulator::ShootOptions FortyNoisy(std::uint64_t seed) {
 }
 
 KnownShoot MakeShoot(const simulator::ShootOptions& options, double cornerNoisePixels) {
-  const simulator::Shoot simulated = simulator::SimulateShoot(options);
+  return MakeShoot(simulator::SimulateShoot(options), cornerNoisePixels);
+}
+
+KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels) {
+  const simulator::ShootOptions& options = simulated.options;
   KnownShoot shoot;
   shoot.Transform_Cam_Tc = simulated.Transform_Cam_Tc;
   shoot.Transform_Tr_Chart = simulated.trueMounting.Transform();

@@ -5,7 +5,7 @@
 
 #include "crosscheck/observations.h"
 #include "crosscheck/twist.h"
-#include "simulator/shoot_options.h"
+#include "simulator/shoot.h"
 
 namespace trackedcam::test {
 
@@ -16,6 +16,7 @@ struct KnownShoot {
 };
 
 /// Noisy corners come with the lens that is solved from them, as in a run of the library.
+KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels = 0);
 KnownShoot MakeShoot(const simulator::ShootOptions& options, double cornerNoisePixels = 0);
 
 /// Forty photographs, exact in all.
