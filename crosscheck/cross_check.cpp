@@ -48,10 +48,9 @@ void CheckObservations(const Observations& observations) {
                               static_cast<std::size_t>(observations.boardRows);
   for (const Photograph& photograph : observations.photographs) {
     if (photograph.corners.size() != corners) {
-      throw std::invalid_argument(photograph.name + " has " +
-                                  std::to_string(photograph.corners.size()) +
-                                  " corners instead of the board's " + std::to_string(corners) +
-                                  ".");
+      throw std::invalid_argument(
+          photograph.name + " has " + std::to_string(photograph.corners.size()) +
+          " corners instead of the board's " + std::to_string(corners) + ".");
     }
   }
   if (observations.mounting) {
@@ -135,8 +134,7 @@ void FillMounting(const Observations& observations, const Evidence& evidence,
   }
   const Pose stated = TransformOf(*observations.mounting);
   NominalMounting& nominal = check.nominalMounting.emplace();
-  static_cast<Offset&>(nominal) =
-      CompareMounting(solution, check.covarianceTrChartTwist, stated);
+  static_cast<Offset&>(nominal) = CompareMounting(solution, check.covarianceTrChartTwist, stated);
   nominal.pScaleFree =
       free ? CompareMounting(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
            : nominal.p;
@@ -152,8 +150,8 @@ std::optional<Offset> ResultOffset(const Observations& observations, const Evide
   Solution from = solution;
   from.sought.mounting = false;
   from.Transform_Tr_Chart = TransformOf(*observations.mounting);
-  from.Transform_Cam_Tc = solution.Transform_Cam_Tc * solution.Transform_Tr_Chart *
-                          from.Transform_Tr_Chart.inverse();
+  from.Transform_Cam_Tc =
+      solution.Transform_Cam_Tc * solution.Transform_Tr_Chart * from.Transform_Tr_Chart.inverse();
   Choice choice;
   choice.first = solution.used;
   choice.isFixed = true;

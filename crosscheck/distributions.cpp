@@ -1,11 +1,10 @@
 #include "crosscheck/distributions.h"
 
-#include <cmath>
-
 #include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/complement.hpp>
 #include <boost/math/distributions/fisher_f.hpp>
 #include <boost/math/distributions/students_t.hpp>
+#include <cmath>
 
 namespace trackedcam::crosscheck {
 
@@ -18,19 +17,18 @@ double StudentHalfWidth95(double freedom) {
 }
 
 double StudentTail(double t, double freedom) {
-  return std::isnan(t) ? t
-         : std::isinf(t)
-             ? 0
-             : 2 * cdf(complement(boost::math::students_t(freedom), std::abs(t)));
+  return std::isnan(t)   ? t
+         : std::isinf(t) ? 0
+                         : 2 * cdf(complement(boost::math::students_t(freedom), std::abs(t)));
 }
 
 double HotellingTail(double tSquared, double elements, double freedom) {
   if (!(tSquared >= 0)) {
     return std::nan("");
   }
-  return std::isinf(tSquared) ? 0
-                              : cdf(complement(boost::math::fisher_f(elements, freedom),
-                                               tSquared / elements));
+  return std::isinf(tSquared)
+             ? 0
+             : cdf(complement(boost::math::fisher_f(elements, freedom), tSquared / elements));
 }
 
 }  // namespace trackedcam::crosscheck

@@ -105,8 +105,7 @@ BoardDistance::BoardDistance(const Evidence& evidence) : moments_(Eigen::Matrix4
 }
 
 double BoardDistance::Squared(const Pose& a, const Pose& b) const {
-  const Eigen::Matrix<double, 3, 4> difference =
-      a.matrix().topRows<3>() - b.matrix().topRows<3>();
+  const Eigen::Matrix<double, 3, 4> difference = a.matrix().topRows<3>() - b.matrix().topRows<3>();
   return std::max(0.0, (difference * moments_).cwiseProduct(difference).sum());
 }
 

@@ -19,8 +19,9 @@ struct Loop {
   std::size_t photograph = 0;  // index in Observations::photographs
   Pose Transform_Cam_Chart = Pose::Identity();
   Pose Transform_Tc_Tr = Pose::Identity();
-  Matrix6d cornerCovariance = Matrix6d::Zero();  // of the left twist of Transform_Cam_Chart, with the lens held
-  Matrix6d byLens = Matrix6d::Zero();            // that twist by fx, fy, cx, cy, k1, k2
+  Matrix6d cornerCovariance =
+      Matrix6d::Zero();  // of the left twist of Transform_Cam_Chart, with the lens held
+  Matrix6d byLens = Matrix6d::Zero();  // that twist by fx, fy, cx, cy, k1, k2
 };
 
 using Loops = std::vector<Loop>;

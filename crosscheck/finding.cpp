@@ -46,7 +46,9 @@ const char* Name(Severity severity) {
   return "";
 }
 
-const char* Name(Tracker tracker) { return tracker == Tracker::kCamera ? "camera" : "chart"; }
+const char* Name(Tracker tracker) {
+  return tracker == Tracker::kCamera ? "camera" : "chart";
+}
 
 double Finding::Number(const std::string& name) const {
   for (const auto& [key, value] : numbers) {

@@ -9,25 +9,27 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kRejected = 0.001;         // a test below this speaks
-constexpr double kWorthMm = 1;              // a word, and
+constexpr double kRejected = 0.001;  // a test below this speaks
+constexpr double kWorthMm = 1;       // a word, and
 constexpr double kWorthDegrees = 0.1;
-constexpr double kGraveMm = 2;              // an error
+constexpr double kGraveMm = 2;  // an error
 constexpr double kGraveDegrees = 0.2;
-constexpr double kFarBeyondLimit = 2;       // times the limit at which a photograph is left out
-constexpr double kFarMm = 2;                // of a single photograph, and
+constexpr double kFarBeyondLimit = 2;  // times the limit at which a photograph is left out
+constexpr double kFarMm = 2;           // of a single photograph, and
 constexpr double kFarDegrees = 0.2;
-constexpr double kManyBad = 0.3;            // share of the photographs
+constexpr double kManyBad = 0.3;  // share of the photographs
 constexpr double kNoisyMm = 2;
 constexpr double kNoisyDegrees = 0.2;
-constexpr double kHopelessMm = 20;          // such noise is no noise
+constexpr double kHopelessMm = 20;  // such noise is no noise
 constexpr double kHopelessDegrees = 2;
-constexpr double kLittleTurning = 5;        // amplification
+constexpr double kLittleTurning = 5;  // amplification
 constexpr double kTooLittleTurning = 10;
 constexpr double kWorthSquare = 0.01;
-constexpr double kSquareSpread = 0.05;      // metres that the chart must have moved
+constexpr double kSquareSpread = 0.05;  // metres that the chart must have moved
 
-bool IsWorth(double mm, double degrees) { return mm >= kWorthMm || degrees >= kWorthDegrees; }
+bool IsWorth(double mm, double degrees) {
+  return mm >= kWorthMm || degrees >= kWorthDegrees;
+}
 
 class Collector {
  public:
@@ -38,7 +40,8 @@ class Collector {
     if (grounds_.reading) {
       const Reading& reading = *grounds_.reading;
       Add(FindingId::kReading, Severity::kError,
-          {{"times", reading.times}, {"asReadMm", reading.asReadMm},
+          {{"times", reading.times},
+           {"asReadMm", reading.asReadMm},
            {"fittedMm", reading.fittedMm}})
           .detail = reading.id;
     } else if (!Agrees()) {
@@ -59,9 +62,8 @@ class Collector {
       LensUncertain();
       TrackersNoisy();
     }
-    std::stable_sort(findings_.begin(), findings_.end(), [](const auto& a, const auto& b) {
-      return a.severity < b.severity;
-    });
+    std::stable_sort(findings_.begin(), findings_.end(),
+                     [](const auto& a, const auto& b) { return a.severity < b.severity; });
     return std::move(findings_);
   }
 
@@ -84,16 +86,16 @@ class Collector {
     if (!(amplification > kLittleTurning)) {
       return;
     }
-    // Turned evenly by up to so much to either side, about an axis across, it would be 3.
-    constexpr double kEnoughDegrees = 50;
-    const Eigen::Vector3d& axis = check_.diversity.weakestAxisInChart;
+    const Diversity& diversity = check_.diversity;
+    const Eigen::Vector3d& axis = diversity.turnAboutInChart;
     Add(FindingId::kTooLittleTurning,
         amplification > kTooLittleTurning ? Severity::kError : Severity::kWarning,
         {{"amplification", amplification},
-         {"turnDegrees", kEnoughDegrees},
+         {"turnDegrees", diversity.turnDegrees},
          {"axisX", axis.x()},
          {"axisY", axis.y()},
-         {"axisZ", axis.z()}});
+         {"axisZ", axis.z()},
+         {"axes", static_cast<double>(diversity.axesToTurnAbout)}});
   }
 
   void TrackerMoved() {
@@ -136,11 +138,9 @@ class Collector {
       return std::isfinite(figures.mm) ? figures.mm / kFarMm + figures.degrees / kFarDegrees
                                        : HUGE_VAL;
     };
-    std::stable_sort(bad.begin(), bad.end(), [&](std::size_t a, std::size_t b) {
-      return badness(a) > badness(b);
-    });
-    const double share =
-        static_cast<double>(bad.size()) / static_cast<double>(check_.photographs);
+    std::stable_sort(bad.begin(), bad.end(),
+                     [&](std::size_t a, std::size_t b) { return badness(a) > badness(b); });
+    const double share = static_cast<double>(bad.size()) / static_cast<double>(check_.photographs);
     const PerPhotograph& worst = check_.perPhotograph[bad.front()];
     Add(FindingId::kBadPhotographs, share > kManyBad ? Severity::kError : Severity::kWarning,
         {{"share", share}, {"worstMm", worst.mm}, {"worstDegrees", worst.degrees}})
@@ -190,9 +190,7 @@ class Collector {
     if (square.p < kRejected && std::abs(square.factor - 1) >= kWorthSquare &&
         grounds_.chartSpreadMetres >= kSquareSpread && !check_.step) {
       Add(FindingId::kSquareSize, Severity::kWarning,
-          {{"factor", square.factor},
-           {"standardError", square.standardError},
-           {"p", square.p}});
+          {{"factor", square.factor}, {"standardError", square.standardError}, {"p", square.p}});
     }
   }
 
@@ -218,19 +216,23 @@ class Collector {
     const double mm = check_.t95 * lens.shiftMm.maxCoeff();
     const double degrees = check_.t95 * lens.turnDegrees.maxCoeff();
     const bool shifts = mm >= kWorthMm && lens.shiftMm.norm() > rest.shiftMm.norm();
-    const bool turns = degrees >= kWorthDegrees && lens.turnDegrees.norm() > rest.turnDegrees.norm();
+    const bool turns =
+        degrees >= kWorthDegrees && lens.turnDegrees.norm() > rest.turnDegrees.norm();
     if (shifts || turns) {
       Add(FindingId::kLensUncertain, Severity::kWarning,
           {{"mm", mm},
            {"degrees", degrees},
            {"pixels", grounds_.atChart ? grounds_.atChart->fromLens : std::nan("")},
-           {"distanceMetres",
-            grounds_.atChart ? grounds_.atChart->distanceMetres : std::nan("")}});
+           {"distanceMetres", grounds_.atChart ? grounds_.atChart->distanceMetres : std::nan("")}});
     }
   }
 
   void TrackersNoisy() {
-    if (check_.trackerNoiseMm > kNoisyMm || check_.trackerNoiseDegrees > kNoisyDegrees) {
+    // A tracker that moved, or squares of another size, look like noise where they are not solved
+    // for.
+    const bool isNoise = !check_.step && !Has(FindingId::kSquareSize);
+    if (isNoise &&
+        (check_.trackerNoiseMm > kNoisyMm || check_.trackerNoiseDegrees > kNoisyDegrees)) {
       Add(FindingId::kTrackersNoisy, Severity::kWarning,
           {{"mm", check_.trackerNoiseMm}, {"degrees", check_.trackerNoiseDegrees}});
     }

@@ -16,9 +16,9 @@ struct Grounds {
   std::optional<Reading> reading;
   std::optional<Solution> solution;
   std::optional<Solution> withStep;
-  std::optional<Offset> result;    // the checked transform, or what the stated mounting makes of it
+  std::optional<Offset> result;  // the checked transform, or what the stated mounting makes of it
   std::optional<OnScreen> atChart;  // at the chart's own distance
-  double chartSpreadMetres = 0;    // of the chart's positions before the camera
+  double chartSpreadMetres = 0;     // of the chart's positions before the camera
 };
 
 /// The worst first.

@@ -54,7 +54,8 @@ OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solut
     lens += LargestVariance(seen.byLens * lensCovariance * seen.byLens.transpose());
     if (library) {
       const Eigen::Vector3d other = *library * (solution.Transform_Cam_Tc.inverse() * point);
-      apart += other.z() > 0 ? (Project(evidence.lens, other) - seen.pixel).squaredNorm() : HUGE_VAL;
+      apart +=
+          other.z() > 0 ? (Project(evidence.lens, other) - seen.pixel).squaredNorm() : HUGE_VAL;
     }
   }
   const auto count = static_cast<double>(points.size());

@@ -20,8 +20,8 @@ void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& 
   const Pose& Transform_Cam_Tc = solution.Transform_Cam_Tc;
   const Pose& Transform_Tr_Chart = solution.Transform_Tr_Chart;
   const Pose& seen = loop.Transform_Cam_Chart;
-  const Pose camera = Transform_Cam_Tc.inverse() * seen *
-                      (loop.Transform_Tc_Tr * Transform_Tr_Chart).inverse();
+  const Pose camera =
+      Transform_Cam_Tc.inverse() * seen * (loop.Transform_Tc_Tr * Transform_Tr_Chart).inverse();
   const Pose chart =
       (Transform_Cam_Tc * loop.Transform_Tc_Tr).inverse() * seen * Transform_Tr_Chart.inverse();
   photograph.mm = 1e3 * std::min(camera.translation().norm(), chart.translation().norm());
@@ -34,8 +34,8 @@ void PredictCorners(const Pose& predicted, const Evidence& evidence,
   double squares = 0;
   for (std::size_t i = 0; i < evidence.board.size(); ++i) {
     const Eigen::Vector3d point = predicted * evidence.board[i];
-    const Eigen::Vector2d pixel = point.z() > 1e-6 ? Project(evidence.lens, point)
-                                                   : Eigen::Vector2d::Constant(kNone);
+    const Eigen::Vector2d pixel =
+        point.z() > 1e-6 ? Project(evidence.lens, point) : Eigen::Vector2d::Constant(kNone);
     photograph.predicted.push_back(pixel);
     squares += (pixel - corners[i]).squaredNorm();
   }
@@ -92,9 +92,8 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
     } else {
       photograph.why = "noPose";
     }
-    if (const auto pose =
-            TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions,
-                           Meaning::kAsRead)) {
+    if (const auto pose = TransformOfRow(observations.photographs[i],
+                                         observations.invertTrackerQuaternions, Meaning::kAsRead)) {
       photograph.Transform_Tc_Tr = pose->matrix();
     } else {
       photograph.why = "notNumbers";

@@ -21,8 +21,8 @@ Eigen::Vector2d Project(const Lens& lens, const Eigen::Vector3d& point);
 
 Projection ProjectWithDerivatives(const Lens& lens, const Eigen::Vector3d& point);
 
-/// The point in the plane z = 1 of frame Cam that is seen at this pixel; nothing where the distortion
-/// folds the picture back before it.
+/// The point in the plane z = 1 of frame Cam that is seen at this pixel; nothing where the
+/// distortion folds the picture back before it.
 std::optional<Eigen::Vector2d> Ray(const Lens& lens, const Eigen::Vector2d& pixel);
 
 }  // namespace trackedcam::crosscheck

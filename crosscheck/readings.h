@@ -12,7 +12,7 @@ namespace trackedcam::crosscheck {
 
 struct Reading {
   std::string id;
-  double times = 1;  // so many times better than as read
+  double times = 1;     // so many times better than as read
   double asReadMm = 0;  // median distance of the board's corners
   double fittedMm = 0;
 };

@@ -9,7 +9,8 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-// A slip must explain all but this share of the difference, and leave what measuring could have left.
+// A slip must explain all but this share of the difference, and leave what measuring could have
+// left.
 constexpr double kLeftOver = 0.25;
 constexpr double kMostLeft = 0.02;  // metres, see Apart
 

@@ -151,9 +151,9 @@ class Refinement {
       const Matrix6d taken = weightedDesign * inverse * weightedDesign.transpose();
       sums.squares += Eigen::Vector2d(weighted.dot(term.carriers.turn * weighted),
                                       weighted.dot(term.carriers.shift * weighted));
-      sums.expected += Eigen::Vector2d(
-          turn.trace() - taken.cwiseProduct(term.carriers.turn).sum(),
-          shift.trace() - taken.cwiseProduct(term.carriers.shift).sum());
+      sums.expected +=
+          Eigen::Vector2d(turn.trace() - taken.cwiseProduct(term.carriers.turn).sum(),
+                          shift.trace() - taken.cwiseProduct(term.carriers.shift).sum());
       sums.information(0, 0) += 0.5 * turn.cwiseProduct(turn.transpose()).sum();
       sums.information(0, 1) += 0.5 * turn.cwiseProduct(shift.transpose()).sum();
       sums.information(1, 1) += 0.5 * shift.cwiseProduct(shift.transpose()).sum();
@@ -176,7 +176,8 @@ void MeasureDisagreement(const Loops& loops, Solution& solution) {
   solution.disagreement.resize(loops.size());
   for (std::size_t i = 0; i < loops.size(); ++i) {
     const Twist residual = Residual(loops[i], i, solution);
-    const double value = residual.dot(CovarianceOf(loops[i], solution, solution.noise).llt().solve(residual));
+    const double value =
+        residual.dot(CovarianceOf(loops[i], solution, solution.noise).llt().solve(residual));
     solution.disagreement[i] = std::isfinite(value) ? value : HUGE_VAL;
   }
 }

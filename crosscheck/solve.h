@@ -15,10 +15,10 @@ namespace trackedcam::crosscheck {
 /// What is sought besides the two transforms. Order of the unknowns: the left twist of
 /// Transform_Cam_Tc, the right twist of Transform_Tr_Chart, the size of the squares, the step.
 struct Sought {
-  bool mounting = true;            // else it is held
-  bool squareSize = false;         // a factor of the chart's positions
-  std::optional<Tracker> step;     // a left twist in the tracker's own frame
-  std::size_t before = 0;          // index of the first loop after it
+  bool mounting = true;         // else it is held
+  bool squareSize = false;      // a factor of the chart's positions
+  std::optional<Tracker> step;  // a left twist in the tracker's own frame
+  std::size_t before = 0;       // index of the first loop after it
 };
 
 struct Solution {
@@ -28,10 +28,10 @@ struct Solution {
   double squareFactor = 1;
   Pose step = Pose::Identity();
   Noise noise;
-  std::vector<bool> used;          // one for each loop
+  std::vector<bool> used;            // one for each loop
   std::vector<double> disagreement;  // of each loop: residualᵀ · covariance⁻¹ · residual
-  Eigen::MatrixXd covariance;      // of the unknowns that are sought, without the lens
-  Eigen::MatrixXd byLens;          // those unknowns by fx, fy, cx, cy, k1, k2
+  Eigen::MatrixXd covariance;        // of the unknowns that are sought, without the lens
+  Eigen::MatrixXd byLens;            // those unknowns by fx, fy, cx, cy, k1, k2
 
   std::size_t Used() const;
 };
@@ -53,8 +53,8 @@ Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& n
 
 /// Which loops a solution may take: those marked, or where none are marked it finds out itself.
 struct Choice {
-  std::vector<bool> first;   // to begin with
-  bool isFixed = false;      // no loop comes or goes
+  std::vector<bool> first;     // to begin with
+  bool isFixed = false;        // no loop comes or goes
   std::optional<Noise> noise;  // held instead of estimated
 };
 

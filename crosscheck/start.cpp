@@ -24,8 +24,8 @@ struct Rotations {
   Eigen::Matrix3d Rot_Tr_Chart;
 };
 
-// U · Rot_Cam_Chart = Rot_Tc_Tr · V, with U the transpose of Rot_Cam_Tc and V Rot_Tr_Chart, is linear
-// in both. Both sides keep lengths, so the best pair are singular vectors of their product.
+// U · Rot_Cam_Chart = Rot_Tc_Tr · V, with U the transpose of Rot_Cam_Tc and V Rot_Tr_Chart, is
+// linear in both. Both sides keep lengths, so the best pair are singular vectors of their product.
 std::optional<Rotations> SolveRotations(const Loops& loops, const Indices& indices) {
   Matrix9d product = Matrix9d::Zero();
   for (const std::size_t i : indices) {
@@ -132,10 +132,9 @@ class Search {
     std::vector<double> distances;
     distances.reserve(loops_.size());
     for (const Loop& loop : loops_) {
-      const double squared =
-          distance_.Squared(loop.Transform_Cam_Chart, start.Transform_Cam_Tc *
-                                                          loop.Transform_Tc_Tr *
-                                                          start.Transform_Tr_Chart);
+      const double squared = distance_.Squared(
+          loop.Transform_Cam_Chart,
+          start.Transform_Cam_Tc * loop.Transform_Tc_Tr * start.Transform_Tr_Chart);
       distances.push_back(std::isfinite(squared) ? squared : HUGE_VAL);
     }
     return distances;

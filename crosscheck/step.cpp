@@ -20,7 +20,7 @@ struct Candidate {
   Tracker tracker = Tracker::kCamera;
   std::size_t before = 0;
   double score = 0;
-  bool fitsLater = false;  // the solution is right after the step, not before it
+  bool fitsLater = false;      // the solution is right after the step, not before it
   Twist step = Twist::Zero();  // of the photographs that it is not right for
 };
 
@@ -36,7 +36,9 @@ double Quadratic(const Seen& seen, const Twist& step) {
   return left.dot(seen.weight * left);
 }
 
-double Capped(double disagreement) { return std::min(disagreement, DisagreementLimit()); }
+double Capped(double disagreement) {
+  return std::min(disagreement, DisagreementLimit());
+}
 
 std::vector<Seen> SeenBy(Tracker tracker, const Loops& loops, const Solution& solution) {
   std::vector<Seen> all;
@@ -102,8 +104,8 @@ void TryScores(const std::vector<Seen>& all, const Solution& solution, Tracker t
     if (!solution.used[i] || after < kLeastSide || solution.Used() - after < kLeastSide) {
       continue;
     }
-    const Eigen::LDLT<Matrix6d> solver(information - shared * solution.covariance *
-                                                         shared.transpose());
+    const Eigen::LDLT<Matrix6d> solver(information -
+                                       shared * solution.covariance * shared.transpose());
     const Twist step = solver.solve(towards);
     const double score = towards.dot(step);
     if (solver.vectorD().minCoeff() > 0 && score > best.score) {
@@ -205,8 +207,7 @@ std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) 
   if (!(candidate.score > kLeastScore)) {
     return std::nullopt;
   }
-  std::optional<Solution> solved =
-      SolveWith(loops, StartWith(candidate, solution), solution.noise);
+  std::optional<Solution> solved = SolveWith(loops, StartWith(candidate, solution), solution.noise);
   if (!solved) {
     return std::nullopt;
   }
@@ -215,8 +216,8 @@ std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) 
     gain += Capped(solution.disagreement[i]) -
             Capped(DisagreementOf(loops[i], i, *solved, solution.noise));
   }
-  const bool isQuieter = NoiseAtChart(loops, solved->noise) <
-                         kNoiseFalls * NoiseAtChart(loops, solution.noise);
+  const bool isQuieter =
+      NoiseAtChart(loops, solved->noise) < kNoiseFalls * NoiseAtChart(loops, solution.noise);
   const std::size_t back = solved->Used() - std::min(solved->Used(), solution.Used());
   const bool comeBack =
       back >= kLeastBack &&

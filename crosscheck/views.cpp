@@ -61,9 +61,9 @@ std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
   const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
   const NoiseCarriers carriers =
       CarriersOf(solution.Transform_Cam_Tc, pose * solution.Transform_Tr_Chart.inverse());
-  const Matrix6d covariance =
-      solution.noise.turn * carriers.turn + solution.noise.shift * carriers.shift +
-      variance * equations->byPose.ldlt().solve(Matrix6d::Identity());
+  const Matrix6d covariance = solution.noise.turn * carriers.turn +
+                              solution.noise.shift * carriers.shift +
+                              variance * equations->byPose.ldlt().solve(Matrix6d::Identity());
   Eigen::Matrix<double, 6, 12> design;
   design << Matrix6d::Identity(), Adjoint(pose);
   return Candidate{view, design.transpose() * covariance.llt().solve(design)};
@@ -81,8 +81,7 @@ std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solu
       for (int side = 0; side < (tilt > 0 ? 8 : 1); ++side) {
         // Farther and a detector may begin at the opposite corner.
         for (const double roll : {-45.0, 0.0, 45.0}) {
-          if (auto candidate =
-                  Consider({tilt, 45.0 * side, roll, distance}, evidence, solution)) {
+          if (auto candidate = Consider({tilt, 45.0 * side, roll, distance}, evidence, solution)) {
             candidates.push_back(*candidate);
           }
         }

@@ -87,7 +87,7 @@ std::array<bool, kAxes> Covered(const CrossCheck& check, const KnownShoot& shoot
   return covered;
 }
 
-Tally Run(const Cell& cell, std::uint64_t first, int shoots) {
+Tally RunCell(const Cell& cell, std::uint64_t first, int shoots) {
   Tally tally;
   tally.shoots = shoots;
   for (int i = 0; i < shoots; ++i) {

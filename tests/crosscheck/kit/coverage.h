@@ -48,7 +48,7 @@ std::array<bool, kAxes> Covered(const crosscheck::CrossCheck& check, const Known
 
 /// Shoots of the seeds `first` and following. The result to check is that of a calibration which
 /// believes the mounting.
-Tally Run(const Cell& cell, std::uint64_t first, int shoots);
+Tally RunCell(const Cell& cell, std::uint64_t first, int shoots);
 
 /// The cells for which the intervals must hold.
 std::array<Cell, 4> CoverageCells();
