@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kDegree = EIGEN_PI / 180;
 constexpr double kMetresPerMm = 1e-3;
+constexpr double kGoodAmplification = 3;
 
 StandardError FromDerivatives(const Matrix6d& covariance, const Eigen::Matrix<double, 3, 6>& turn,
                               const Eigen::Matrix<double, 3, 6>& shift) {
@@ -72,37 +73,41 @@ Offset CompareMounting(const Solution& solution, const Matrix6d& covariance, con
                 Log(solution.Transform_Tr_Chart.inverse() * other), covariance, Freedom(solution));
 }
 
+// Solved apart the halves would share neither transform, and each would hide most of a drift in the
+// doubt that it leaves between both. With both shared only the drift is left to explain a
+// difference.
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution) {
   constexpr std::size_t kLeast = 6;  // photographs in a half
   if (solution.Used() < 2 * kLeast) {
     return std::nullopt;
   }
-  std::optional<Solution> halves[2];
-  for (std::size_t half = 0; half < 2; ++half) {
-    Choice choice;
-    choice.isFixed = true;
-    choice.noise = solution.noise;
-    choice.first.assign(evidence.loops.size(), false);
-    std::size_t seen = 0;
-    for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
-      if (solution.used[i]) {
-        choice.first[i] = (2 * seen < solution.Used()) == (half == 0);
-        ++seen;
-      }
+  Choice choice;
+  choice.isFixed = true;
+  choice.first = solution.used;
+  std::size_t middle = 0;
+  for (std::size_t seen = 0; 2 * seen < solution.Used(); ++middle) {
+    seen += solution.used[middle] ? 1 : 0;
+  }
+  std::optional<Offset> likelier;
+  for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
+    Solution from = solution;
+    from.sought.step = tracker;
+    from.sought.before = middle;
+    const std::optional<Solution> solved = Solve(evidence.loops, from, choice);
+    if (!solved) {
+      continue;
     }
-    halves[half] = Solve(evidence.loops, solution, choice);
-    if (!halves[half]) {
-      return std::nullopt;
+    const Matrix6d covariance = FullCovariance(*solved, evidence).bottomRightCorner<6, 6>();
+    Offset offset = Tested(Between(solved->step, Pose::Identity()), Log(solved->step), covariance,
+                           Freedom(solution) - 3);
+    if (!likelier || offset.p < likelier->p) {
+      likelier = offset;
     }
   }
-  const Pose& first = halves[0]->Transform_Cam_Tc;
-  const Pose& second = halves[1]->Transform_Cam_Tc;
-  // The lens is the same for both; only what it does to them differently counts.
-  const Eigen::MatrixXd byLens = halves[0]->byLens - halves[1]->byLens;
-  const Eigen::MatrixXd covariance = halves[0]->covariance + halves[1]->covariance +
-                                     byLens * evidence.lensCovariance * byLens.transpose();
-  return Tested(Between(first, second), Log(first * second.inverse()),
-                covariance.topLeftCorner<6, 6>(), Freedom(solution) - 6);
+  if (likelier) {
+    likelier->p = std::min(1.0, 2 * likelier->p);  // two were tried
+  }
+  return likelier;
 }
 
 Diversity DiversityOf(const Loops& loops, const Solution& solution) {
@@ -113,14 +118,29 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
     }
   }
   mean /= static_cast<double>(std::max<std::size_t>(solution.Used(), 1));
-  const Eigen::JacobiSVD<Eigen::Matrix3d> svd(mean, Eigen::ComputeFullU | Eigen::ComputeFullV);
+  const Eigen::JacobiSVD<Eigen::Matrix3d> svd(mean, Eigen::ComputeFullV);
   // A turn of the mounting about this axis looks almost like one of the camera, in every
   // photograph.
-  const double common = svd.singularValues()[0];
+  const Eigen::Vector3d common = svd.singularValues();
   Diversity diversity;
-  diversity.amplification =
-      common < 1 ? 1 / std::sqrt(1 - common * common) : std::numeric_limits<double>::infinity();
+  diversity.amplification = common[0] < 1 ? 1 / std::sqrt(1 - common[0] * common[0])
+                                          : std::numeric_limits<double>::infinity();
   diversity.weakestAxisInChart = svd.matrixV().col(0);
+
+  // As many photographs again with the chart turned by an angle about an axis, half of them to
+  // either side, leave that axis what it has in common and (1 + cos) / 2 of it to the axes across.
+  // So the axis to turn about is the one that has least in common already. Where that is too much
+  // as well, half of them are turned about the next one: (3 + cos) / 4 is left to both.
+  const double enough = std::sqrt(1 - 1 / (kGoodAmplification * kGoodAmplification));
+  const auto turn = [](double cosine) {
+    return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
+  };
+  diversity.turnAboutInChart = svd.matrixV().col(2);
+  diversity.turnDegrees = turn(2 * enough / common[0] - 1);
+  if (common[2] > enough) {
+    diversity.axesToTurnAbout = 2;
+    diversity.turnDegrees = std::max(diversity.turnDegrees, turn(4 * enough / common[1] - 3));
+  }
   return diversity;
 }
 

@@ -27,7 +27,8 @@ Offset CompareCamTc(const Solution& solution, const Matrix6d& covariance, const 
 /// Whether another Transform_Tr_Chart can be the true one; the covariance is of its right twist.
 Offset CompareMounting(const Solution& solution, const Matrix6d& covariance, const Pose& other);
 
-/// The first half of the used photographs against the second. Nothing where one cannot be solved.
+/// How far a tracker stands otherwise in the second half of the used photographs than in the first;
+/// of the two the one that it is likelier of. Nothing where there are too few photographs.
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution);
 
 Diversity DiversityOf(const Loops& loops, const Solution& solution);

@@ -47,7 +47,12 @@ struct LensErrors {
 
 struct Diversity {
   double amplification = 0;  // of noise by too little turning; infinite without any
-  Eigen::Vector3d weakestAxisInChart = Eigen::Vector3d::Zero();
+  Eigen::Vector3d weakestAxisInChart = Eigen::Vector3d::Zero();  // seen in one direction throughout
+  /// As many photographs again, turned by so much to either side about this axis, and about a
+  /// second one across where there are two, bring the amplification to 3.
+  Eigen::Vector3d turnAboutInChart = Eigen::Vector3d::Zero();
+  int axesToTurnAbout = 1;
+  double turnDegrees = 0;
 };
 
 struct SquareSize {

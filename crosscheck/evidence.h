@@ -17,10 +17,11 @@ namespace trackedcam::crosscheck {
 /// Transform_Cam_Chart = Transform_Cam_Tc · Transform_Tc_Tr · Transform_Tr_Chart, but for noise.
 struct Loop {
   std::size_t photograph = 0;  // index in Observations::photographs
-  Pose Transform_Cam_Chart;
-  Pose Transform_Tc_Tr;
-  Matrix6d cornerCovariance;  // of the left twist of Transform_Cam_Chart, with the lens held
-  Matrix6d byLens;            // that twist by fx, fy, cx, cy, k1, k2
+  Pose Transform_Cam_Chart = Pose::Identity();
+  Pose Transform_Tc_Tr = Pose::Identity();
+  Matrix6d cornerCovariance =
+      Matrix6d::Zero();  // of the left twist of Transform_Cam_Chart, with the lens held
+  Matrix6d byLens = Matrix6d::Zero();  // that twist by fx, fy, cx, cy, k1, k2
 };
 
 using Loops = std::vector<Loop>;

@@ -19,7 +19,7 @@ enum class FindingId {
   /// times, asReadMm, fittedMm (median distance of board points); detail: a reading's id
   kReading,
   /// amplification, turnDegrees (how far to turn the chart about the axis, to either side), axisX,
-  /// axisY, axisZ (unit vector, Chart)
+  /// axisY, axisZ (unit vector, Chart), axes (2 where it must be turned about one across as well)
   kTooLittleTurning,
   /// before (index), mm, degrees, gain; detail: camera or chart; photographs: the first one after
   kTrackerMoved,
@@ -29,7 +29,7 @@ enum class FindingId {
   kBadPhotographs,
   /// factor (true edge by stated edge), standardError, p
   kSquareSize,
-  /// offMm, offDegrees, p: of Transform_Cam_Tc between the first half and the second
+  /// offMm, offDegrees, p: of a tracker between the first half and the second
   kHalvesDiffer,
   /// mm, degrees (95 % of Transform_Cam_Tc), pixels, distanceMetres (95 % on screen, from the lens)
   kLensUncertain,

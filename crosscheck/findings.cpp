@@ -86,16 +86,16 @@ class Collector {
     if (!(amplification > kLittleTurning)) {
       return;
     }
-    // Turned evenly by up to so much to either side, about an axis across, it would be 3.
-    constexpr double kEnoughDegrees = 50;
-    const Eigen::Vector3d& axis = check_.diversity.weakestAxisInChart;
+    const Diversity& diversity = check_.diversity;
+    const Eigen::Vector3d& axis = diversity.turnAboutInChart;
     Add(FindingId::kTooLittleTurning,
         amplification > kTooLittleTurning ? Severity::kError : Severity::kWarning,
         {{"amplification", amplification},
-         {"turnDegrees", kEnoughDegrees},
+         {"turnDegrees", diversity.turnDegrees},
          {"axisX", axis.x()},
          {"axisY", axis.y()},
-         {"axisZ", axis.z()}});
+         {"axisZ", axis.z()},
+         {"axes", static_cast<double>(diversity.axesToTurnAbout)}});
   }
 
   void TrackerMoved() {
@@ -228,7 +228,11 @@ class Collector {
   }
 
   void TrackersNoisy() {
-    if (check_.trackerNoiseMm > kNoisyMm || check_.trackerNoiseDegrees > kNoisyDegrees) {
+    // A tracker that moved, or squares of another size, look like noise where they are not solved
+    // for.
+    const bool isNoise = !check_.step && !Has(FindingId::kSquareSize);
+    if (isNoise &&
+        (check_.trackerNoiseMm > kNoisyMm || check_.trackerNoiseDegrees > kNoisyDegrees)) {
       Add(FindingId::kTrackersNoisy, Severity::kWarning,
           {{"mm", check_.trackerNoiseMm}, {"degrees", check_.trackerNoiseDegrees}});
     }

@@ -13,6 +13,9 @@ constexpr double kTimesBetter = 4;
 constexpr int kSamples = 24;
 // A fit needs no more photographs to show what it is worth.
 constexpr std::size_t kEnough = 30;
+// Positions that mean nothing lie nearer together when a hundred times smaller, and yet fit
+// nothing.
+constexpr double kMostMetres = 0.03;
 // Nothing is misread where the boards lie as near as this; metres.
 constexpr double kSurelyRight = 2e-4;
 
@@ -82,8 +85,8 @@ std::optional<Reading> FindReading(const Observations& observations, const Evide
     }
   }
   // Rows that cannot be read as they stand compare with nothing: any fit is better.
-  const bool fits = std::isnan(asRead) ? std::isfinite(smallest) && smallest < 0.02
-                                       : smallest * kTimesBetter < asRead;
+  const bool fits =
+      smallest < kMostMetres && (std::isnan(asRead) || smallest * kTimesBetter < asRead);
   return fits ? std::optional(best) : std::nullopt;
 }
 

@@ -97,8 +97,8 @@ Words TooLittleTurning(const crosscheck::Finding& finding) {
   return {"The chart was turned too little to tell the transform from the mounting: errors grow " +
               Fixed(finding.Number("amplification"), 1) + " times.",
           std::string("Shoot again, or add photographs, with the chart turned more about ") +
-              direction + ", by " + Fixed(finding.Number("turnDegrees"), 0) +
-              " degrees to either side."};
+              direction + (finding.Number("axes") == 2 ? ", and about one across it" : "") +
+              ", by " + Fixed(finding.Number("turnDegrees"), 0) + " degrees to either side."};
 }
 
 Words TrackerMoved(const crosscheck::Finding& finding, const std::string& photograph) {

@@ -1,0 +1,146 @@
+#include "crosscheck/comparison.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include "crosscheck/kit/known_shoot.h"
+#include "crosscheck/noise.h"
+#include "crosscheck/tracker_loop.h"
+#include "crosscheck/views.h"
+#include "simulator/random.h"
+#include "simulator/shoot.h"
+#include "support/transform_matchers.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+using test::IsNear;
+
+constexpr double kDegree = EIGEN_PI / 180;
+
+Pose Somewhere() {
+  return Exp((Twist() << 0.4, -0.7, 0.2, 0.3, -0.2, 0.5).finished());
+}
+
+// Of many draws: how far the translation and the axes spread.
+TEST(ComparisonTest, StandardErrorsAreTheSpreadOfDrawnTransforms) {
+  const Twist spread = (Twist() << 1e-3, 2e-3, 3e-3, 1e-3, 4e-3, 2e-3).finished();
+  const Matrix6d covariance = spread.cwiseAbs2().asDiagonal();
+  simulator::Random random(41, simulator::Draw::kRig);
+  const Pose pose = Somewhere();
+  constexpr int kDraws = 20000;
+  for (const bool isLeft : {true, false}) {
+    Eigen::Vector3d shift = Eigen::Vector3d::Zero();
+    Eigen::Vector3d turn = Eigen::Vector3d::Zero();
+    for (int i = 0; i < kDraws; ++i) {
+      Twist twist;
+      twist << random.NormalVector(), random.NormalVector();
+      const Pose off = Exp(spread.cwiseProduct(twist));
+      const Pose drawn = isLeft ? off * pose : pose * off;
+      const Eigen::AngleAxisd between(Eigen::Matrix3d(drawn.linear() * pose.linear().transpose()));
+      shift += (drawn.translation() - pose.translation()).cwiseAbs2() / kDraws;
+      turn += (between.angle() * between.axis()).cwiseAbs2() / kDraws;
+    }
+    const StandardError error = isLeft ? StandardErrorOfLeftTwist(covariance, pose)
+                                       : StandardErrorOfRightTwist(covariance, pose);
+    for (int k = 0; k < 3; ++k) {
+      EXPECT_NEAR(error.shiftMm[k] / (1e3 * std::sqrt(shift[k])), 1, 0.03);
+      EXPECT_NEAR(error.turnDegrees[k] * kDegree / std::sqrt(turn[k]), 1, 0.03);
+    }
+  }
+}
+
+TEST(ComparisonTest, ADistanceIsThatOfOriginsAndTheAngle) {
+  Pose other = Somewhere();
+  other.translation() += Eigen::Vector3d(0.003, 0, 0.004);
+  other.linear() = other.linear() * Eigen::AngleAxisd(2 * kDegree, Eigen::Vector3d::UnitY());
+  const Offset offset = Between(Somewhere(), other);
+  EXPECT_NEAR(offset.offMm, 5, 1e-9);
+  EXPECT_NEAR(offset.offDegrees, 2, 1e-9);
+}
+
+TEST(NoiseTest, ALeverTurnsTurningIntoShifting) {
+  Pose at = Pose::Identity();
+  at.translation().x() = 2;
+  const NoiseCarriers carriers = CarriersOf(at, Pose::Identity());
+  // A turn about z moves what is two metres off along y by twice itself.
+  EXPECT_NEAR(carriers.turn(4, 4), 4, 1e-12);
+  EXPECT_NEAR(carriers.turn(3, 3), 0, 1e-12);
+  EXPECT_THAT((carriers.turn.topLeftCorner<3, 3>()),
+              IsNear((2 * Eigen::Matrix3d::Identity()).eval(), 1e-12));
+  EXPECT_THAT((carriers.shift.bottomRightCorner<3, 3>()),
+              IsNear((2 * Eigen::Matrix3d::Identity()).eval(), 1e-12));
+}
+
+TEST(TrackerLoopTest, RowsGiveTheTruePoses) {
+  const simulator::Shoot shoot = simulator::SimulateShoot(test::FortyPhotographs(42));
+  const Observations observations = test::MakeShoot(shoot).observations;
+  for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
+    const simulator::Photograph& truth = shoot.photographs[i];
+    const auto found = TransformOfRow(observations.photographs[i], false, Meaning::kAsRead);
+    ASSERT_TRUE(found);
+    EXPECT_THAT(
+        found->matrix(),
+        IsNear((truth.Transform_Base_Tc.inverse() * truth.Transform_Base_Tr).matrix(), 1e-12));
+  }
+}
+
+TEST(TrackerLoopTest, WhatIsNoPoseIsNone) {
+  TrackerPose reported;
+  EXPECT_TRUE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+  reported.position.y() = 2e7;
+  EXPECT_FALSE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+  reported = {};
+  reported.quaternionWxyz.setZero();
+  EXPECT_FALSE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+}
+
+TEST(ViewTest, SaysHowTheBoardStands) {
+  const auto board = BoardPoints(9, 6, 0.03);
+  Pose pose(Eigen::AngleAxisd(30 * kDegree, Eigen::Vector3d::UnitY()));
+  pose.translation() = Eigen::Vector3d(0, 0, 1) - pose.linear() * (0.5 * board.back());
+  View view = ViewOf(pose, board);
+  EXPECT_NEAR(view.tiltDegrees, 30, 1e-9);
+  EXPECT_NEAR(view.tiltDirectionDegrees, 0, 1e-9);  // the normal leans to the right
+  EXPECT_NEAR(view.rollDegrees, 0, 1e-9);
+  EXPECT_NEAR(view.distanceMetres, 1, 1e-9);
+  pose.linear() = Eigen::AngleAxisd(20 * kDegree, Eigen::Vector3d::UnitZ()).toRotationMatrix();
+  view = ViewOf(pose, board);
+  EXPECT_NEAR(view.tiltDegrees, 0, 1e-6);
+  EXPECT_NEAR(view.rollDegrees, 20, 1e-6);
+}
+
+TEST(CheckTest, SuggestedViewsAreWorthMoreThanTheLastOnes) {
+  const CrossCheck check = Check(test::MakeShoot(test::FortyNoisy(43), 0.05).observations);
+  ASSERT_FALSE(check.suggestedViews.empty());
+  for (const SuggestedView& view : check.suggestedViews) {
+    EXPECT_GT(view.gain, 1);
+    EXPECT_LT(view.gain, 3);
+    EXPECT_LE(view.tiltDegrees, 45);
+    EXPECT_GT(view.distanceMetres, 0.1);
+    EXPECT_EQ(view.views, 5);
+  }
+}
+
+TEST(CheckTest, WhatIsOffOnScreenIsTheLibrarysDistance) {
+  test::KnownShoot shoot = test::MakeShoot(test::FortyNoisy(44), 0.05);
+  const CrossCheck alone = Check(shoot.observations);
+  ASSERT_FALSE(alone.onScreen.empty());
+  EXPECT_FALSE(alone.onScreen[0].libraryApart);
+  // Ten millimetres to the side, seen at a distance.
+  Pose off = Pose::Identity();
+  off.translation().x() = 0.01;
+  shoot.observations.library = off.matrix() * alone.Transform_Cam_Tc;
+  const CrossCheck check = Check(shoot.observations);
+  for (const OnScreen& at : check.onScreen) {
+    ASSERT_TRUE(at.libraryApart);
+    EXPECT_NEAR(*at.libraryApart * at.distanceMetres / (0.01 * shoot.observations.lens.fx), 1,
+                0.15);  // distortion stretches it a little
+    EXPECT_GT(at.pixels, 0);
+    EXPECT_LE(at.pixels, 1.0001 * (at.fromTransform + at.fromLens));
+  }
+}
+
+}  // namespace
+}  // namespace trackedcam::crosscheck

@@ -1,0 +1,144 @@
+#include "crosscheck/kit/coverage.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simulator/shoot.h"
+
+namespace trackedcam::test {
+namespace {
+
+using crosscheck::CrossCheck;
+using crosscheck::Finding;
+using crosscheck::FindingId;
+using crosscheck::Severity;
+
+constexpr double kDegree = EIGEN_PI / 180;
+
+simulator::ShootOptions OptionsOf(const Cell& cell, std::uint64_t seed) {
+  simulator::ShootOptions options;
+  options.seed = seed;
+  options.photographs = cell.photographs;
+  options.trackerNoiseMm = cell.trackerNoiseMm;
+  options.trackerNoiseDegrees = cell.trackerNoiseDegrees;
+  options.outliers = cell.outliers;
+  options.mountingErrorMm = cell.mountingErrorMm;
+  options.mountingErrorDegrees = cell.mountingErrorDegrees;
+  return options;
+}
+
+void CountPhotographs(const CrossCheck& check, const simulator::Shoot& shoot, Tally& tally) {
+  const auto isBad = [&](std::size_t i) {
+    return shoot.photographs[i].flaw == simulator::Flaw::kSlippedTracker;
+  };
+  for (std::size_t i = 0; i < check.perPhotograph.size(); ++i) {
+    tally.badOnesTaken += static_cast<int>(isBad(i) && check.perPhotograph[i].used);
+  }
+  for (const Finding& finding : check.findings) {
+    if (finding.id == FindingId::kBadPhotographs) {
+      tally.goodOnesBlamed +=
+          static_cast<int>(std::count_if(finding.photographs.begin(), finding.photographs.end(),
+                                         [&](std::size_t i) { return !isBad(i); }));
+    }
+  }
+}
+
+void CountFindings(const CrossCheck& check, Tally& tally) {
+  bool isLoud = false;
+  for (const Finding& finding : check.findings) {
+    ++tally.said[std::string(Name(finding.id)) + " " + Name(finding.severity)];
+    isLoud =
+        isLoud || (finding.severity != Severity::kNote && finding.id != FindingId::kBadPhotographs);
+  }
+  tally.loud += static_cast<int>(isLoud);
+}
+
+}  // namespace
+
+int Tally::Said(const std::string& id) const {
+  int sum = 0;
+  for (const auto& [name, count] : said) {
+    sum += name.substr(0, name.find(' ')) == id ? count : 0;
+  }
+  return sum;
+}
+
+std::array<bool, kAxes> Covered(const CrossCheck& check, const KnownShoot& shoot) {
+  // A turn's vector, in the frame that both transforms lead to.
+  const auto turn = [](const Eigen::Matrix4d& found, const crosscheck::Pose& truth) {
+    const Eigen::AngleAxisd between(
+        Eigen::Matrix3d(found.topLeftCorner<3, 3>() * truth.linear().transpose()));
+    return Eigen::Vector3d(between.angle() / kDegree * between.axis());
+  };
+  std::array<bool, kAxes> covered = {};
+  std::size_t axis = 0;
+  const auto add = [&](const Eigen::Vector3d& off, const Eigen::Vector3d& standardError) {
+    for (int k = 0; k < 3; ++k) {
+      covered[axis++] = std::abs(off[k]) <= check.t95 * standardError[k];
+    }
+  };
+  const auto addBoth = [&](const Eigen::Matrix4d& found, const crosscheck::Pose& truth,
+                           const crosscheck::StandardError& error) {
+    add(1e3 * (found.topRightCorner<3, 1>() - truth.translation()), error.shiftMm);
+    add(turn(found, truth), error.turnDegrees);
+  };
+  addBoth(check.Transform_Cam_Tc, shoot.Transform_Cam_Tc, check.standardErrorCamTc);
+  addBoth(check.Transform_Tr_Chart, shoot.Transform_Tr_Chart, check.standardErrorTrChart);
+  return covered;
+}
+
+Tally RunCell(const Cell& cell, std::uint64_t first, int shoots) {
+  Tally tally;
+  tally.shoots = shoots;
+  for (int i = 0; i < shoots; ++i) {
+    simulator::Shoot simulated =
+        simulator::SimulateShoot(OptionsOf(cell, first + static_cast<std::uint64_t>(i)));
+    if (cell.before) {
+      cell.before(simulated);
+    }
+    KnownShoot shoot = MakeShoot(simulated, cell.cornerNoisePixels);
+    if (cell.after) {
+      cell.after(shoot);
+    }
+    shoot.observations.library = BelievingTheMounting(shoot).matrix();
+    const CrossCheck check = Check(shoot.observations);
+    CountFindings(check, tally);
+    CountPhotographs(check, simulated, tally);
+    if (!check.solved) {
+      continue;
+    }
+    ++tally.solved;
+    const std::array<bool, kAxes> covered = Covered(check, shoot);
+    for (std::size_t axis = 0; axis < kAxes; ++axis) {
+      tally.covered[axis] += static_cast<int>(covered[axis]);
+    }
+    const crosscheck::Pose off =
+        crosscheck::Pose(check.Transform_Cam_Tc) * shoot.Transform_Cam_Tc.inverse();
+    tally.worstMm = std::max(tally.worstMm, 1e3 * (check.Transform_Cam_Tc.topRightCorner<3, 1>() -
+                                                   shoot.Transform_Cam_Tc.translation())
+                                                      .norm());
+    tally.worstDegrees = std::max(
+        tally.worstDegrees, Eigen::AngleAxisd(Eigen::Matrix3d(off.linear())).angle() / kDegree);
+  }
+  return tally;
+}
+
+std::array<Cell, 4> CoverageCells() {
+  std::array<Cell, 4> cells;
+  cells[0].name = "quiet, 40";
+  cells[1].name = "noisy, 20";
+  cells[1].photographs = 20;
+  cells[1].trackerNoiseMm = 1;
+  cells[1].trackerNoiseDegrees = 0.1;
+  cells[2].name = "quiet, 20, soft corners";
+  cells[2].photographs = 20;
+  cells[2].cornerNoisePixels = 0.2;
+  cells[3].name = "noisy, 40, soft corners, 4 slipped";
+  cells[3].trackerNoiseMm = 1;
+  cells[3].trackerNoiseDegrees = 0.1;
+  cells[3].cornerNoisePixels = 0.2;
+  cells[3].outliers = 4;
+  return cells;
+}
+
+}  // namespace trackedcam::test

@@ -1,0 +1,69 @@
+#include "crosscheck/kit/shoot_flaws.h"
+
+namespace trackedcam::test {
+namespace {
+
+using crosscheck::Pose;
+
+constexpr double kDegree = EIGEN_PI / 180;
+
+}  // namespace
+
+void Displace(crosscheck::TrackerPose& tracker, const Pose& displacement) {
+  const Eigen::Vector4d& q = tracker.quaternionWxyz;
+  const Eigen::Quaterniond rotation(q[0], q[1], q[2], q[3]);
+  tracker.position += rotation * displacement.translation();
+  const Eigen::Quaterniond turned = rotation * Eigen::Quaterniond(displacement.linear());
+  tracker.quaternionWxyz = {turned.w(), turned.x(), turned.y(), turned.z()};
+}
+
+void MoveTracker(KnownShoot& shoot, crosscheck::Tracker tracker, std::size_t before, double mm,
+                 double degrees) {
+  const Pose moved = Eigen::Translation3d(mm * 1e-3 * Eigen::Vector3d(2, -1, 2) / 3) *
+                     Eigen::AngleAxisd(degrees * kDegree, Eigen::Vector3d(1, 2, -2) / 3) *
+                     Pose::Identity();
+  auto& photographs = shoot.observations.photographs;
+  for (std::size_t i = before; i < photographs.size(); ++i) {
+    const bool isCamera = tracker == crosscheck::Tracker::kCamera;
+    Displace(isCamera ? photographs[i].camera : photographs[i].chart, moved);
+  }
+}
+
+void Creep(KnownShoot& shoot, double mm) {
+  auto& photographs = shoot.observations.photographs;
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    const double share = static_cast<double>(i) / static_cast<double>(photographs.size() - 1);
+    Displace(photographs[i].camera,
+             Pose(Eigen::Translation3d(share * mm * 1e-3 * Eigen::Vector3d::UnitX())));
+  }
+}
+
+void TurnLess(simulator::Shoot& shoot, double share) {
+  const Eigen::Vector3d middle = shoot.options.chart.Centre();
+  const Eigen::Matrix3d first = shoot.photographs.front().Transform_Cam_Chart.linear();
+  const std::vector<Eigen::Vector3d> corners = shoot.options.chart.Corners();
+  for (simulator::Photograph& photograph : shoot.photographs) {
+    const Pose noise = photograph.Transform_Base_Tc.inverse() * photograph.trackedTc;
+    const Pose Transform_Base_Chart = photograph.Transform_Base_Tc *
+                                      shoot.Transform_Cam_Tc.inverse() *
+                                      photograph.Transform_Cam_Chart;
+    Pose& pose = photograph.Transform_Cam_Chart;
+    const Eigen::Vector3d place = pose * middle;
+    Eigen::AngleAxisd turn(Eigen::Matrix3d(first.transpose() * pose.linear()));
+    turn.angle() *= share;
+    pose.linear() = first * turn.toRotationMatrix();
+    pose.translation() = place - pose.linear() * middle;
+
+    photograph.Transform_Base_Tc = Transform_Base_Chart * pose.inverse() * shoot.Transform_Cam_Tc;
+    photograph.trackedTc = photograph.Transform_Base_Tc * noise;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+      photograph.corners[i] = shoot.lens.Project(pose * corners[i]);
+    }
+  }
+}
+
+void MisstateSquares(KnownShoot& shoot, double factor) {
+  shoot.observations.square /= factor;
+}
+
+}  // namespace trackedcam::test

@@ -1,0 +1,29 @@
+// What goes wrong in shoots, done to known ones.
+
+#pragma once
+
+#include <cstddef>
+
+#include "crosscheck/cross_check.h"
+#include "crosscheck/kit/known_shoot.h"
+#include "simulator/shoot.h"
+
+namespace trackedcam::test {
+
+/// Displaced in its own frame.
+void Displace(crosscheck::TrackerPose& tracker, const crosscheck::Pose& displacement);
+
+/// A tracker that moved on its mount before the photograph of this index.
+void MoveTracker(KnownShoot& shoot, crosscheck::Tracker tracker, std::size_t before, double mm,
+                 double degrees);
+
+/// The tracker on the camera creeps along one axis, evenly, from the first photograph to the last.
+void Creep(KnownShoot& shoot, double mm);
+
+/// Leaves this share of each photograph's turn away from the first; the chart's middle stays.
+void TurnLess(simulator::Shoot& shoot, double share);
+
+/// The squares are so many times as large as stated.
+void MisstateSquares(KnownShoot& shoot, double factor);
+
+}  // namespace trackedcam::test

@@ -1,0 +1,118 @@
+// How often the intervals hold, and how often each finding is said, rightly and wrongly. The tables
+// of docs/crosscheck.md are its output.
+//
+// Usage: crosscheck_study [SHOOTS], of each cell; 400 where nothing is said
+
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "crosscheck/kit/coverage.h"
+#include "crosscheck/kit/shoot_flaws.h"
+
+namespace {
+
+using namespace trackedcam;
+using test::Cell;
+using test::KnownShoot;
+using test::Tally;
+
+constexpr std::uint64_t kFirstSeed = 1000;
+
+double Percent(int count, int of) {
+  return 100.0 * count / of;
+}
+
+void PrintCoverage(int shoots) {
+  std::printf(
+      "| Cell | Cam_Tc shift | Cam_Tc turn | Tr_Chart shift | Tr_Chart turn | loud | good "
+      "ones blamed | bad ones taken | worst mm | worst degrees |\n");
+  std::printf("|---|---|---|---|---|---|---|---|---|---|\n");
+  std::uint64_t seed = kFirstSeed;
+  for (const Cell& cell : test::CoverageCells()) {
+    const Tally tally = RunCell(cell, seed, shoots);
+    seed += 10000;  // draws of their own for each cell
+    std::printf("| %s |", cell.name.c_str());
+    for (std::size_t axis = 0; axis < test::kAxes; ++axis) {
+      std::printf(" %.1f%s", Percent(tally.covered[axis], shoots), axis % 3 == 2 ? " |" : "");
+    }
+    std::printf(" %.1f %% | %d | %d | %.2f | %.3f |\n", Percent(tally.loud, shoots),
+                tally.goodOnesBlamed, tally.badOnesTaken, tally.worstMm, tally.worstDegrees);
+    std::fflush(stdout);
+  }
+}
+
+std::vector<Cell> FlawedCells() {
+  std::vector<Cell> cells;
+  const auto add = [&](const char* name) -> Cell& {
+    cells.emplace_back();
+    cells.back().name = name;
+    return cells.back();
+  };
+  add("mounting 5 mm off").mountingErrorMm = 5;
+  add("mounting 1 degree off").mountingErrorDegrees = 1;
+  add("mounting 2 mm off").mountingErrorMm = 2;
+  Cell& noisy = add("mounting 27 mm, 1 degree off, 1 mm and 0.1 degree of noise");
+  noisy.mountingErrorMm = 27;
+  noisy.mountingErrorDegrees = 1;
+  noisy.trackerNoiseMm = 1;
+  noisy.trackerNoiseDegrees = 0.1;
+  for (const double factor : {1.01, 1.03}) {
+    add(factor > 1.02 ? "squares 3 % larger" : "squares 1 % larger").after =
+        [factor](KnownShoot& shoot) { MisstateSquares(shoot, factor); };
+  }
+  add("camera's tracker moved 5 mm half way").after = [](KnownShoot& shoot) {
+    MoveTracker(shoot, crosscheck::Tracker::kCamera, 20, 5, 0);
+  };
+  add("chart's tracker moved 1 degree half way").after = [](KnownShoot& shoot) {
+    MoveTracker(shoot, crosscheck::Tracker::kChart, 20, 0, 1);
+  };
+  add("camera's tracker moved 5 mm, 1 degree before the last 6").after = [](KnownShoot& shoot) {
+    MoveTracker(shoot, crosscheck::Tracker::kCamera, 34, 5, 1);
+  };
+  add("camera's tracker creeps by 2 mm").after = [](KnownShoot& shoot) { Creep(shoot, 2); };
+  add("camera's tracker creeps by 4 mm").after = [](KnownShoot& shoot) { Creep(shoot, 4); };
+  Cell& lens = add("lens from 12 photographs with 0.5 px of noise, 0.05 mm and 0.01 degrees");
+  lens.photographs = 12;
+  lens.cornerNoisePixels = 0.5;
+  lens.trackerNoiseMm = 0.05;
+  lens.trackerNoiseDegrees = 0.01;
+  add("half the turning").before = [](simulator::Shoot& shoot) { test::TurnLess(shoot, 0.5); };
+  add("a quarter of the turning").before = [](simulator::Shoot& shoot) {
+    test::TurnLess(shoot, 0.25);
+  };
+  add("an eighth of the turning").before = [](simulator::Shoot& shoot) {
+    test::TurnLess(shoot, 0.125);
+  };
+  Cell& trackers = add("3 mm and 0.3 degrees of noise");
+  trackers.trackerNoiseMm = 3;
+  trackers.trackerNoiseDegrees = 0.3;
+  return cells;
+}
+
+void PrintFindings(int shoots) {
+  std::printf("\n| Shoots | said, of %d |\n|---|---|\n", shoots);
+  for (const Cell& cell : FlawedCells()) {
+    const Tally tally = RunCell(cell, kFirstSeed, shoots);
+    std::printf("| %s |", cell.name.c_str());
+    const char* separator = " ";
+    for (const auto& [name, count] : tally.said) {
+      std::printf("%s%s %d", separator, name.c_str(), count);
+      separator = ", ";
+    }
+    std::printf(" |\n");
+    std::fflush(stdout);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int shoots = argc > 1 ? std::atoi(argv[1]) : 400;
+  if (shoots < 1) {
+    std::fprintf(stderr, "usage: crosscheck_study [SHOOTS]\n");
+    return 2;
+  }
+  PrintCoverage(shoots);
+  PrintFindings(shoots);
+}
