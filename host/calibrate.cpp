@@ -5,7 +5,7 @@
 namespace trackedcam::host {
 
 Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
-  const std::vector<DataRow> rows = ReadDataFile(inputs.data);
+  const std::vector<DataRow> rows = InReportedAxes(ReadDataFile(inputs.data), inputs.trackerFrame);
   Report report;
   report.inputs = inputs;
   report.run = RunLibrary(inputs, rows, inputs.mounting.value_or(Mounting{}),

@@ -12,6 +12,7 @@
 #include "app/words/progress_bar.h"
 #include "app/words/summary.h"
 #include "host/calibrate.h"
+#include "host/input/mounting_axes.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
@@ -61,8 +62,9 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   // Engines get no figures of a failed calibration.
   if (host::IsUsable(report.run)) {
     for (const host::Engine* engine : options.exports) {
-      report.exports.push_back(
-          host::ExportToEngine(*engine, report.run.outputs, report.run.folder / engine->name));
+      report.exports.push_back(host::ExportToEngine(
+          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
+          report.run.folder / engine->name));
     }
   }
   return report;
@@ -112,6 +114,9 @@ int Calibrate(CalibrateOptions options) {
   host::Inputs& inputs = options.inputs;
   if (inputs.workingFolder.empty()) {
     inputs.workingFolder = inputs.data.parent_path();
+  }
+  if (options.mountingIsReported && inputs.mounting) {
+    inputs.mounting = host::FromReportedAxes(*inputs.mounting);
   }
   std::optional<host::CalibrationOutputs> truth;
   if (!options.truth.empty()) {

@@ -34,6 +34,13 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       .add_flag("--invert-tracker-quaternions", options.inputs.invertTrackerQuaternions,
                 "The trackers' quaternions give the inverse rotation")
       ->group("Shoot");
+  AddValue(command, "--tracker-axes", options.inputs.trackerFrame.axes, ParseTrackerAxes, "AXES",
+           "Whose poses the data file holds: reported (the\ntracking system's), or those of a "
+           "component of\nunreal or a transform of unity, which are converted")
+      ->group("Shoot");
+  AddValue(command, "--tracker-units", options.inputs.trackerFrame.unit, ParseTrackerUnit, "UNIT",
+           "Of positions in the data file: m, cm or mm;\nelse cm of unreal, m of the others")
+      ->group("Shoot");
 
   AddValue(command, "--sensor", options.inputs.sensorMm, ParseSensor, "WxH",
            "Size of the camera's sensor, millimetres")
@@ -50,13 +57,16 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->group("Chart");
   host::Mounting& mounting = options.inputs.mounting.emplace();
   AddValue(command, "--chart-rotation", mounting.rotationDegrees, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz")
+           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz in the "
+           "tracker's\naxes after the axis fix: reported x, y, z count\nas -x, -z, -y")
       ->required()
       ->group("Chart");
-  AddValue(
-      command, "--chart-translation", mounting.translationMetres, ParseTriple, "X,Y,Z",
-      "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
+  AddValue(command, "--chart-translation", mounting.translationMetres, ParseTriple, "X,Y,Z",
+           "Mounting of the chart's tracker, metres: the\nfirst inner corner in the same axes")
       ->required()
+      ->group("Chart");
+  AddValue(command, "--mounting-axes", options.mountingIsReported, ParseMountingAxes, "AXES",
+           "Of the two options above: fixed, or reported\nwhere they count in the reported axes")
       ->group("Chart");
 
   AddPath(command, "--log-folder", options.inputs.logFolder, "FOLDER",
@@ -65,8 +75,12 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->group("Output");
   AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")
       ->group("Output");
-  AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
-           "Hand the result to engines as well: a list of\nue4, ue5, ue5-xn, aximmetry")
+  AddValue(
+      command, "--export", options.exports, ParseEngines, "ENGINES",
+      "Hand the result to engines as well: a list of\nunreal, unity, ue4, ue5, ue5-xn, aximmetry")
+      ->group("Output");
+  AddValue(command, "--parent-axes", options.parentAxes, ParseParentAxesText, "X,Y,Z",
+           "Of the camera's parent in unreal or unity, in\nreported axes, such as z,-x,y")
       ->group("Output");
   AddPath(command, "--truth", options.truth, "FILE.json",
           "Compare with the truth of a simulated shoot")

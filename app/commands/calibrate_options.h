@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -16,7 +17,9 @@ struct CalibrateOptions {
   host::Inputs inputs;
   std::filesystem::path result;  // empty: not wanted
   std::vector<const host::Engine*> exports;
-  std::filesystem::path truth;  // empty: not known
+  std::string parentAxes;           // of the camera in an engine; empty: those that it presumes
+  bool mountingIsReported = false;  // inputs.mounting is in reported axes
+  std::filesystem::path truth;      // empty: not known
   bool verbose = false;
 };
 

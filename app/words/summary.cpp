@@ -3,6 +3,7 @@
 #include "app/words/lens_table.h"
 #include "app/words/table_row.h"
 #include "host/result/transform_difference.h"
+#include "host/run/library_data.h"
 #include "host/text/number_text.h"
 #include "host/verdict/verdict.h"
 
@@ -70,7 +71,12 @@ void PrintVerdict(std::ostream& out, const LibraryRun& run) {
       << verdict.words << "\nNext: " << verdict.advice << '\n';
 }
 
-void PrintFiles(std::ostream& out, const LibraryRun& run) {
+void PrintFiles(std::ostream& out, const Report& report) {
+  const LibraryRun& run = report.run;
+  if (host::IsConverted(report.inputs.trackerFrame)) {
+    out << "Tracker data: taken as poses in " << host::Describe(report.inputs.trackerFrame)
+        << "; converted: " << (run.folder / host::kConvertedData).u8string() << '\n';
+  }
   if (!run.log.empty()) {
     out << "Log: " << run.log.u8string() << '\n';
   }
@@ -96,7 +102,7 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
     PrintPhotographs(out, run.record);
   }
   PrintVerdict(out, run);
-  PrintFiles(out, run);
+  PrintFiles(out, report);
 }
 
 }  // namespace trackedcam::app

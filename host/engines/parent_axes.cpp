@@ -59,11 +59,11 @@ ParentAxes ParseParentAxes(const std::string& text, const std::string& zForward)
     }
   }
   if (!axes || axes->determinant() == 0) {
-    throw InputError("parent axes: " + text + " is not X,Y,Z in reported axes, such as " +
-                     zForward + ", and neither " + kZForward + " nor " + kMinusZForward);
+    throw InputError(text + " is not X,Y,Z in reported axes, such as " + zForward +
+                     ", and neither " + kZForward + " nor " + kMinusZForward);
   }
   if (axes->determinant() > 0) {
-    throw InputError("parent axes: " + text +
+    throw InputError(text +
                      " is right-handed, as the reported axes are, but the engine is left-handed: "
                      "one of the signs, or the order, is wrong");
   }
