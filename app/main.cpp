@@ -11,9 +11,14 @@
 #include "app/commands/calibrate_command.h"
 #include "app/commands/chart_command.h"
 #include "app/commands/config_file.h"
+#include "app/commands/crosscheck_command.h"
 #include "app/commands/export_command.h"
+#include "app/commands/report_command.h"
 #include "app/commands/simulate_command.h"
+#include "app/licences.h"
 #include "app/options/help_formatter.h"
+#include "app/platform.h"
+#include "app/words/command_line.h"
 #include "host/input/input_error.h"
 
 namespace {
@@ -28,18 +33,29 @@ constexpr const char* kFooter = R"(Examples:
 
 'trackedcam COMMAND --help' shows the options of a command.)";
 
+void PrintLicences() {
+  for (const char* const* line = trackedcam::app::kLicences; *line != nullptr; ++line) {
+    std::cout << *line;
+  }
+  throw CLI::Success();
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Calibrates a tracked camera from photographs of a tracked chessboard chart",
                    "trackedcam");
   program.allow_windows_style_options(false);  // a path may begin with a slash
   program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
+  program.add_flag_callback("--licenses", PrintLicences,
+                            "Print the licences of the program and of all that is inside");
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
   program.footer(kFooter);
 
   int status = 0;
-  trackedcam::app::AddCalibrateCommand(program, status);
+  trackedcam::app::AddCalibrateCommand(program, trackedcam::app::CommandLine(argc, argv), status);
   trackedcam::app::AddChartCommand(program, status);
+  trackedcam::app::AddCrosscheckCommand(program, status);
   trackedcam::app::AddExportCommand(program, status);
+  trackedcam::app::AddReportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
   trackedcam::app::AddConfigFile(program);
   try {
@@ -59,6 +75,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int trackedcam::app::Main(int argc, char** argv) {
+  HoldBlasToOneThread();
   try {
     return Run(argc, argv);
   } catch (const trackedcam::host::InputError& error) {

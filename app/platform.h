@@ -8,6 +8,12 @@ namespace trackedcam::app {
 
 bool IsTerminal(std::FILE* stream);
 
+/// Linear algebra on the caller's thread alone, also where an OpenBLAS with threads is installed.
+/// Its threads wait for each other by spinning, so that beside busy programs a lens takes many
+/// times as long; alone they gain nothing. Setting OPENBLAS_NUM_THREADS is no way: it is read at
+/// loading.
+void HoldBlasToOneThread();
+
 /// While it lives, what the process writes to standard output goes nowhere. Below the streams, at
 /// the file descriptor, so that it holds for libraries as well.
 class SilencedStdout {

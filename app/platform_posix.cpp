@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <iostream>
 #include <system_error>
@@ -26,6 +27,15 @@ void FlushStreams() {
 
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
+}
+
+void HoldBlasToOneThread() {
+  // Which BLAS stands behind the image library is the machine's choice: this one has the function.
+  using SetThreads = void (*)(int);
+  if (auto* const set =
+          reinterpret_cast<SetThreads>(dlsym(RTLD_DEFAULT, "openblas_set_num_threads"))) {
+    set(1);
+  }
 }
 
 SilencedStdout::SilencedStdout() {

@@ -28,6 +28,8 @@ bool IsTerminal(std::FILE* stream) {
   return _isatty(_fileno(stream)) != 0;
 }
 
+void HoldBlasToOneThread() {}  // the DLL's is built without threads
+
 SilencedStdout::SilencedStdout() {
   FlushStreams();
   original_ = Checked(_dup(_fileno(stdout)));

@@ -13,7 +13,15 @@ install(
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md
-              ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+              ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_BINARY_DIR}/THIRD_PARTY_NOTICES
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+if(NOT WIN32)
+  # By this name a Debian package tells its licences.
+  install(
+    FILES ${PROJECT_BINARY_DIR}/THIRD_PARTY_NOTICES.copyright
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    RENAME copyright)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
@@ -52,4 +60,13 @@ if(TARGET trackedcam_program)
   else()
     message(STATUS "Without lowdown there is no man page.")
   endif()
+endif()
+
+if(MINGW)
+  # Says which members of which static libraries are inside; a test compares it with the notices.
+  foreach(target IN ITEMS trackedcam trackedcam_program)
+    if(TARGET ${target})
+      target_link_options(${target} PRIVATE "LINKER:-Map=${PROJECT_BINARY_DIR}/${target}.map")
+    endif()
+  endforeach()
 endif()

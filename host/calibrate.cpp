@@ -1,15 +1,179 @@
 #include "host/calibrate.h"
 
+#include <algorithm>
+#include <fstream>
+#include <set>
+
+#include "host/input/data_checks.h"
+#include "host/input/input_error.h"
+#include "host/input/photograph_checks.h"
 #include "host/run/run_folder.h"
+#include "host/text/file_text.h"
+#include "host/verdict/cross_check_findings.h"
+#include "host/verdict/observations.h"
+#include "host/verdict/run_findings.h"
 
 namespace trackedcam::host {
+namespace {
 
-Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
-  const std::vector<DataRow> rows = InReportedAxes(ReadDataFile(inputs.data), inputs.trackerFrame);
+void SortBySeverity(std::vector<Finding>& findings) {
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return a.severity < b.severity; });
+}
+
+void Append(std::vector<Finding>& findings, const std::vector<Finding>& more) {
+  findings.insert(findings.end(), more.begin(), more.end());
+}
+
+void CrossCheckRun(Report& report) {
+  const auto observations = ObservationsOf(report.run.record, report.inputs.mounting);
+  if (!observations) {
+    return;
+  }
+  for (const crosscheck::Photograph& photograph : observations->photographs) {
+    report.checkedPhotographs.push_back(photograph.name);
+  }
+  try {
+    report.crossCheck = crosscheck::Check(*observations);
+  } catch (const std::invalid_argument&) {
+    return;  // a log whose figures contradict each other: there is nothing to check
+  }
+  Append(report.findings, FindingsOf(*report.crossCheck, report.checkedPhotographs));
+}
+
+void Judge(Report& report, const std::vector<Finding>& ofInput) {
+  report.findings = ofInput;
+  CrossCheckRun(report);
+  Append(report.findings, FindingsOf(report.run));
+  SortBySeverity(report.findings);
+  report.verdict = VerdictOf(report.run, report.findings);
+}
+
+Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
+                   const std::vector<Finding>& ofInput, const ProgressListener& listener) {
   Report report;
   report.inputs = inputs;
   report.run = RunLibrary(inputs, rows, inputs.mounting.value_or(Mounting{}),
                           CreateRunFolder(inputs.logFolder), listener);
+  Judge(report, ofInput);
+  return report;
+}
+
+struct Shoot {
+  std::vector<DataRow> rows;  // that the library can be given
+  std::vector<Finding> findings;
+};
+
+Shoot ReadShoot(const Inputs& inputs) {
+  Shoot shoot;
+  const std::vector<DataRow> all = InReportedAxes(ReadDataFile(inputs.data), inputs.trackerFrame);
+  shoot.findings = CheckData(ReadFile(inputs.data), all);
+  const PhotographChecks checks = CheckPhotographs(all, inputs);
+  Append(shoot.findings, checks.findings);
+  for (std::size_t row = 0; row < all.size(); ++row) {
+    if (!std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), row)) {
+      shoot.rows.push_back(all[row]);
+    }
+  }
+  if (shoot.rows.empty()) {
+    throw InputError(shoot.findings.front().text);
+  }
+  return shoot;
+}
+
+bool HasFinding(const Report& report, const std::string& id) {
+  return std::any_of(report.findings.begin(), report.findings.end(),
+                     [&](const Finding& finding) { return finding.id == id; });
+}
+
+bool HasBetterAnswer(const Report& report) {
+  if (!report.crossCheck || !report.crossCheck->mounting) {
+    return false;
+  }
+  const bool isOff = HasFinding(report, "mountingOff") || HasFinding(report, "badPhotographs") ||
+                     HasFinding(report, "libraryApart");
+  return !report.inputs.mounting || (report.inputs.refineMounting && isOff);
+}
+
+// Without those that the cross-check left out.
+std::vector<DataRow> GoodRows(const std::vector<DataRow>& rows, const Report& report) {
+  std::set<std::size_t> bad;  // rows
+  std::size_t checked = 0;
+  const auto& photographs = report.run.record.photographs;
+  for (std::size_t row = 0; row < photographs.size(); ++row) {
+    if (photographs[row].raw && !report.crossCheck->perPhotograph.at(checked++).used) {
+      bad.insert(row);
+    }
+  }
+  std::vector<DataRow> good;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (bad.count(row) == 0) {
+      good.push_back(rows[row]);
+    }
+  }
+  return good;
+}
+
+// A run without a mounting is no result, whatever its code.
+void JudgeAsFailed(Report& report) {
+  report.verdict.level = Level::kFailed;
+  report.verdict.words =
+      "The mounting of the chart's tracker was not stated, and cannot be found from this shoot.";
+  report.verdict.nextStep = NextStep::kNone;
+  const auto error = [](const Finding& finding) { return finding.severity != Severity::kNote; };
+  const auto worst = std::find_if(report.findings.begin(), report.findings.end(), error);
+  if (worst != report.findings.end()) {
+    report.verdict.words += ' ' + worst->text;
+    report.verdict.advice = worst->advice;
+  } else if (report.run.code && IsUsable(*report.run.code)) {
+    report.verdict.advice = "State the mounting, or shoot more photographs.";
+  }
+}
+
+}  // namespace
+
+Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
+  const Shoot shoot = ReadShoot(inputs);
+  const std::vector<Finding>& ofInput = shoot.findings;
+  const std::vector<DataRow>& rows = shoot.rows;
+  Report first = RunAndJudge(inputs, rows, ofInput, listener);
+  first.mountingIsStated = inputs.mounting.has_value();
+  if (!HasBetterAnswer(first)) {
+    if (!first.mountingIsStated) {
+      JudgeAsFailed(first);
+    }
+    return first;
+  }
+  Inputs again = inputs;
+  again.mounting = first.crossCheck->mounting;
+  again.expectedRecords = std::nullopt;
+  Report second = RunAndJudge(again, GoodRows(rows, first), ofInput, listener);
+  second.mountingIsStated = first.mountingIsStated;
+  second.firstRun = std::make_shared<const Report>(std::move(first));
+  return second;
+}
+
+Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting) {
+  std::ifstream file(log, std::ios::binary);
+  Report report;
+  report.inputs.mounting = mounting;
+  report.mountingIsStated = mounting.has_value();
+  LibraryRun& run = report.run;
+  run.record = ReadRunLog(file);
+  if (run.record.libraryVersion.empty() || !run.record.board) {
+    throw InputError(log.u8string() + " is not the log of a calibration");
+  }
+  run.folder = log.parent_path();
+  run.log = log;
+  if (run.record.isSuccessful) {
+    run.code = kSuccess;
+  } else if (run.record.errorCode) {
+    run.code = run.record.errorCode;
+  } else {
+    run.exception = "the log ends before the run does";
+  }
+  run.outputs = OutputsOf(run.record);
+  Judge(report, {});
   return report;
 }
 

@@ -3,18 +3,30 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
+#include "crosscheck/cross_check.h"
 #include "host/engines/engine_export.h"
+#include "host/finding.h"
 #include "host/input/inputs.h"
 #include "host/run/library_run.h"
+#include "host/verdict/verdict.h"
 
 namespace trackedcam::host {
 
 struct Report {
-  Inputs inputs;
+  Inputs inputs;  // of this run: with the mounting that it took
+  bool mountingIsStated = true;
   LibraryRun run;
-  std::vector<EngineExport> exports;  // those that were asked for
+  /// Nothing where the log ends before corners and lens.
+  std::optional<crosscheck::CrossCheck> crossCheck;
+  std::vector<std::string> checkedPhotographs;  // those of the cross-check, in its order
+  std::vector<Finding> findings;                // of input and result, the worst first
+  Verdict verdict;
+  std::vector<EngineExport> exports;       // those that were asked for
+  std::shared_ptr<const Report> firstRun;  // of two; null where one was enough
 };
 
 }  // namespace trackedcam::host

@@ -9,7 +9,8 @@ toolchain=$root/cmake/mingw-w64.cmake
 
 # The cache holds one folder for each state of what the result is made with and of.
 made_with="g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
-  mingw-w64-x86-64-dev nasm cmake libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev"
+  mingw-w64-x86-64-dev nasm cmake libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
+  libtomlplusplus-dev libboost-dev"
 # shellcheck disable=SC2086  # one word for each package
 key=$({
   cat "$0" "$toolchain"
@@ -42,11 +43,13 @@ END
   apt-get update --quiet=2
 }
 
-# fetch PACKAGE: unpacks the newest version that the mirror has; its list can be ahead of it.
+# fetch PACKAGE: unpacks the newest version that the mirror has; its list can be ahead of it. Its
+# licence goes where a binary package would put it.
 fetch() {
   for version in $(apt-cache showsrc "$1" | sed -n 's/^Version: //p' | sort --reverse --version-sort); do
     if apt-get source --quiet=2 --only-source "$1=$version"; then
       mv "$1"-*/ "$1"
+      install -D --mode=644 "$1/debian/copyright" "$prefix/share/doc/$1/copyright"
       echo "$1 $version" >>"$prefix/sources.txt"
       return
     fi
@@ -68,12 +71,62 @@ build() {
 
 # Files that Debian has ready: zlib without its import library, and headers for every system.
 copy_packages() {
-  mkdir -p "$prefix/lib" "$prefix/include" "$prefix/share/cmake"
+  mkdir -p "$prefix/lib" "$prefix/include" "$prefix/share/cmake/tomlplusplus"
   cp /usr/x86_64-w64-mingw32/lib/libz.a "$prefix/lib"
   cp /usr/x86_64-w64-mingw32/include/zlib.h /usr/x86_64-w64-mingw32/include/zconf.h \
-    /usr/include/eigen3 /usr/include/CLI /usr/include/nlohmann -R "$prefix/include"
+    /usr/include/eigen3 /usr/include/CLI /usr/include/nlohmann /usr/include/toml++ \
+    /usr/include/boost -R "$prefix/include"
   cp -R /usr/share/eigen3 "$prefix/share"
   cp -R /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake"
+
+  # Debian's package of toml++ leads to a shared library of its own; here its headers are all.
+  cp "$(dpkg -L libtomlplusplus-dev | grep 'ConfigVersion\.cmake$')" "$prefix/share/cmake/tomlplusplus"
+  cat >"$prefix/share/cmake/tomlplusplus/tomlplusplusConfig.cmake" <<'END'
+get_filename_component(prefix "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
+if(NOT TARGET tomlplusplus::tomlplusplus)
+  add_library(tomlplusplus::tomlplusplus INTERFACE IMPORTED)
+  set_target_properties(tomlplusplus::tomlplusplus PROPERTIES
+    INTERFACE_INCLUDE_DIRECTORIES "${prefix}/include"
+    INTERFACE_COMPILE_FEATURES cxx_std_17)
+endif()
+END
+
+  # Licences of these, and of the compilers' runtimes, which go into the DLL as well.
+  boost=$(dpkg -S /usr/include/boost/version.hpp)
+  for package in libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev \
+    libtomlplusplus-dev "${boost%%:*}" gcc-mingw-w64-base mingw-w64-x86-64-dev; do
+    install -D --mode=644 "/usr/share/doc/$package/copyright" "$prefix/share/doc/$package/copyright"
+  done
+}
+
+build_image_formats() {
+  build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DZLIB_LIBRARY="$prefix/lib/libz.a" \
+    -DZLIB_INCLUDE_DIR="$prefix/include"
+  build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
+
+  # Of the compressions of TIFF, those that cameras and image programs write.
+  options=""
+  for option in BUILD_SHARED_LIBS tiff-tools tiff-tests tiff-contrib tiff-docs cxx jbig lerc \
+    libdeflate lzma webp zstd; do
+    options="$options -D$option=OFF"
+  done
+  # shellcheck disable=SC2086  # one word for each option
+  build tiff $options -Dzlib=ON -Djpeg=ON -DZLIB_LIBRARY="$prefix/lib/libz.a" \
+    -DZLIB_INCLUDE_DIR="$prefix/include" -DJPEG_LIBRARY="$prefix/lib/libjpeg.a" \
+    -DJPEG_INCLUDE_DIR="$prefix/include"
+  for part in ZIP JPEG LZW PACKBITS; do
+    grep -q "^#define ${part}_SUPPORT 1" "$prefix/include/tiffconf.h" ||
+      { echo "libtiff was built without $part." >&2; exit 1; }
+  done
+
+  options=""
+  for option in BUILD_SHARED_LIBS WEBP_USE_THREAD WEBP_BUILD_ANIM_UTILS WEBP_BUILD_CWEBP \
+    WEBP_BUILD_DWEBP WEBP_BUILD_GIF2WEBP WEBP_BUILD_IMG2WEBP WEBP_BUILD_VWEBP WEBP_BUILD_WEBPINFO \
+    WEBP_BUILD_LIBWEBPMUX WEBP_BUILD_WEBPMUX WEBP_BUILD_EXTRAS; do
+    options="$options -D$option=OFF"
+  done
+  # shellcheck disable=SC2086  # one word for each option
+  build libwebp $options
 }
 
 # The kernels of OpenBLAS for real numbers: for every processor (PRESCOTT) and for those with AVX2
@@ -141,10 +194,10 @@ END
 build_opencv() {
   options=""
   for option in BUILD_SHARED_LIBS BUILD_TESTS BUILD_PERF_TESTS BUILD_opencv_apps BUILD_JAVA \
-    BUILD_JPEG BUILD_PNG BUILD_ZLIB BUILD_ITT BUILD_IPP_IW BUILD_PROTOBUF ENABLE_PRECOMPILED_HEADERS \
-    WITH_IPP WITH_ITT WITH_OPENCL WITH_DIRECTX WITH_DIRECTML WITH_TBB WITH_OPENMP WITH_FFMPEG \
-    WITH_GSTREAMER WITH_MSMF WITH_DSHOW WITH_WIN32UI WITH_TIFF WITH_WEBP WITH_OPENEXR WITH_OPENJPEG \
-    WITH_JASPER WITH_VTK WITH_QUIRC WITH_PROTOBUF WITH_ADE WITH_IMGCODEC_HDR \
+    BUILD_JPEG BUILD_PNG BUILD_TIFF BUILD_WEBP BUILD_ZLIB BUILD_ITT BUILD_IPP_IW BUILD_PROTOBUF \
+    ENABLE_PRECOMPILED_HEADERS WITH_IPP WITH_ITT WITH_OPENCL WITH_DIRECTX WITH_DIRECTML WITH_TBB \
+    WITH_OPENMP WITH_FFMPEG WITH_GSTREAMER WITH_MSMF WITH_DSHOW WITH_WIN32UI WITH_OPENEXR \
+    WITH_OPENJPEG WITH_JASPER WITH_VTK WITH_QUIRC WITH_PROTOBUF WITH_ADE WITH_IMGCODEC_HDR \
     WITH_IMGCODEC_SUNRASTER WITH_IMGCODEC_PXM WITH_IMGCODEC_PFM; do
     options="$options -D$option=OFF"
   done
@@ -154,12 +207,15 @@ build_opencv() {
     -DZLIB_LIBRARY="$prefix/lib/libz.a" -DZLIB_INCLUDE_DIR="$prefix/include" \
     -DPNG_LIBRARY="$prefix/lib/libpng.a" -DPNG_PNG_INCLUDE_DIR="$prefix/include" \
     -DJPEG_LIBRARY="$prefix/lib/libjpeg.a" -DJPEG_INCLUDE_DIR="$prefix/include" \
+    -DTIFF_LIBRARY="$prefix/lib/libtiff.a;$prefix/lib/libjpeg.a;$prefix/lib/libz.a" \
+    -DTIFF_INCLUDE_DIR="$prefix/include" \
+    -DWEBP_LIBRARY="$prefix/lib/libwebp.a" -DWEBP_INCLUDE_DIR="$prefix/include" \
     -DLAPACK_IMPL=OpenBLAS -DLAPACK_LIBRARIES="$prefix/lib/libopenblas.a" \
     -DLAPACK_INCLUDE_DIR="$prefix/include" -DLAPACK_CBLAS_H="$prefix/include/cblas.h" \
     -DLAPACK_LAPACKE_H="$prefix/include/lapacke.h"
   # Where the parts are missing, OpenCV goes without them and says so in passing.
-  for part in HAVE_EIGEN HAVE_LAPACK HAVE_JPEG HAVE_PNG; do
-    grep -q "^#define $part" build-opencv/cvconfig.h ||
+  for part in HAVE_EIGEN HAVE_LAPACK HAVE_JPEG HAVE_PNG HAVE_TIFF HAVE_WEBP; do
+    grep -q -e "^#define $part" -e "-D$part\b" build-opencv/cvconfig.h build-opencv/build.ninja ||
       { echo "OpenCV was built without $part." >&2; exit 1; }
   done
 }
@@ -175,13 +231,11 @@ if [ ! -e "$stamp" ]; then
     # Messages name source files: by paths that are the same on every machine.
     export CFLAGS="-ffile-prefix-map=$work=." CXXFLAGS="-ffile-prefix-map=$work=."
     update_source_lists
-    for package in libpng1.6 libjpeg-turbo openblas lapack opencv; do
+    for package in libpng1.6 libjpeg-turbo tiff libwebp openblas lapack opencv; do
       fetch "$package"
     done
     copy_packages
-    build libpng1.6 -DPNG_SHARED=OFF -DPNG_TESTS=OFF -DZLIB_LIBRARY="$prefix/lib/libz.a" \
-      -DZLIB_INCLUDE_DIR="$prefix/include"
-    build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
+    build_image_formats
     build_openblas
     add_lapack
     build_opencv

@@ -5,7 +5,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh
+scripts/install_packages.sh build host
 cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF
 cmake --build --preset release --target trackedcam_program
 
@@ -13,7 +13,7 @@ folder="${1:-build/demo}"
 trackedcam=build/release/app/trackedcam
 "$trackedcam" simulate "$folder"
 "$trackedcam" calibrate --config "$folder/shoot.toml"
-for engine in ue4 ue5 ue5-xn aximmetry; do
+for engine in unreal unity aximmetry ue4 ue5 ue5-xn; do
   echo
   "$trackedcam" export "$engine" --result "$folder/result.json"
 done

@@ -1,32 +1,55 @@
 #!/bin/sh
-# Installs all that the build, the tests and the checks need, on Debian 12.
-# Usage: scripts/install_packages.sh [windows]   (with what the Windows build needs)
+# Installs what the parts of the work need, on Debian 12.
+# Usage: scripts/install_packages.sh [PART...]   (all but the last two by default)
+#   build    the library          host     the program       tests    the tests and the packages
+#   lint     the checks           docs     the reference     python   scripts that draw and measure
+#   windows  the Windows DLL          newer-opencv  an OpenCV to test with; both beside build and host
 set -eu
 
 as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# libopenblas0-pthread: the lens solves ten times as fast as with the reference LAPACK.
-# opencv-doc: the photographs of a real chessboard that a test calibrates.
-# dpkg-dev, file: packaging finds the dependencies; lowdown: the man page.
-# poppler-utils, librsvg2-bin: a test renders the printed chart.
-# locales: a test runs the library in a host with a decimal comma.
-packages="
-  cmake g++ git ninja-build python3
-  libopencv-dev libeigen3-dev libopenblas0-pthread
-  libcli11-dev nlohmann-json3-dev
-  libcairo2-dev poppler-utils librsvg2-bin
-  libgtest-dev libgmock-dev opencv-doc locales
-  dpkg-dev file lowdown pkgconf
-  clang clang-format clang-tidy shellcheck doxygen
-"
-if [ "${1:-}" = windows ]; then
-  packages="$packages
-    g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
-    googletest wine wine64
-  "
-fi
+packages_of() {
+  case "$1" in
+    # libopenblas0-serial: the lens solves ten times as fast as with the reference LAPACK, and unlike
+    # with OpenBLAS's own threads just as fast beside busy programs.
+    build) echo cmake g++ git ninja-build libopencv-dev libeigen3-dev libopenblas0-serial ;;
+    host)
+      echo libcli11-dev nlohmann-json3-dev libboost-dev libtomlplusplus-dev
+      echo libcairo2-dev pkgconf lowdown libjs-three libjs-chart.js
+      ;;
+    # opencv-doc: the photographs of a real chessboard that a test calibrates.
+    # dpkg-dev, file: packaging finds the dependencies. poppler-utils, librsvg2-bin: a test renders
+    # the printed chart. chromium, python3-selenium: a test reads the report as a browser shows it.
+    # locales: a test runs the library in a host with a decimal comma.
+    tests)
+      echo python3 libgtest-dev libgmock-dev opencv-doc dpkg-dev file lowdown pkgconf
+      echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr
+      ;;
+    lint) echo clang clang-format clang-tidy shellcheck git ;;
+    docs) echo doxygen lowdown ;;
+    python) echo python3 python3-numpy ;;
+    # With what scripts/newer_opencv.sh builds.
+    newer-opencv)
+      echo dpkg-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libopenblas-serial-dev liblapacke-dev
+      ;;
+    windows)
+      echo g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
+      echo dpkg-dev python3 googletest wine wine64 clang
+      ;;
+    *)
+      echo "scripts/install_packages.sh: there is no part $1" >&2
+      return 2
+      ;;
+  esac
+}
+
+[ $# -gt 0 ] || set -- build host tests lint docs python
+packages=""
+for part in "$@"; do
+  packages="$packages $(packages_of "$part")"
+done
 
 missing=""
 for package in $packages; do
@@ -41,6 +64,10 @@ if [ -n "$missing" ]; then
     apt-get install --yes --no-install-recommends $missing
 fi
 
-if ! locale -a | grep -qx 'de_DE.utf8'; then
-  as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
-fi
+case " $* " in
+  *" tests "*)
+    if ! locale -a | grep -qx 'de_DE.utf8'; then
+      as_root localedef -i de_DE -f UTF-8 de_DE.UTF-8
+    fi
+    ;;
+esac

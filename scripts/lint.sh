@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh
+scripts/install_packages.sh build host tests docs lint
 scripts/format.sh --check
 git ls-files '*.sh' .ci/run | xargs shellcheck
 cmake --workflow --preset tidy

@@ -4,5 +4,5 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh
+scripts/install_packages.sh build host tests docs
 cmake --workflow --preset "${1:-dev}"

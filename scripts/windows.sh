@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh windows
+scripts/install_packages.sh build host tests windows
 scripts/build_windows_dependencies.sh
 # The tests compare with the program of this machine.
 cmake --preset release -D TRACKEDCAM_BUILD_TESTS=OFF

@@ -6,7 +6,8 @@ namespace trackedcam::simulator {
 namespace {
 
 std::string Triple(const Eigen::Vector3d& numbers) {
-  return ToText(numbers.x()) + ',' + ToText(numbers.y()) + ',' + ToText(numbers.z());
+  return ToShortestText(numbers.x()) + ',' + ToShortestText(numbers.y()) + ',' +
+         ToShortestText(numbers.z());
 }
 
 std::string Line(const std::string& key, const std::string& value) {
@@ -23,12 +24,13 @@ std::string ConfigText(const Shoot& shoot) {
   const ShootOptions& options = shoot.options;
   const Chart& chart = options.chart;
   const Mounting& mounting = shoot.nominalMounting;
-  const std::string sensor = ToText(options.sensorWidthMm) + 'x' + ToText(options.sensorHeightMm);
-  const std::string board = ToText(chart.cols) + 'x' + ToText(chart.rows);
+  const std::string sensor =
+      ToShortestText(options.sensorWidthMm) + 'x' + ToShortestText(options.sensorHeightMm);
+  const std::string board = ToShortestText(chart.cols) + 'x' + ToShortestText(chart.rows);
   return "# A simulated shoot. Run it with: trackedcam calibrate --config shoot.toml\n"
          "[calibrate]\n" +
          Line("data", Quoted("tracker_data.csv")) + Line("sensor", Quoted(sensor)) +
-         Line("board", Quoted(board)) + Line("square", ToText(chart.squareMetres)) +
+         Line("board", Quoted(board)) + Line("square", ToShortestText(chart.squareMetres)) +
          Line("chart-rotation", Quoted(Triple(mounting.anglesDegrees))) +
          Line("chart-translation", Quoted(Triple(mounting.translationMetres))) +
          Line("invert-tracker-quaternions", options.invertedQuaternions ? "true" : "false") +

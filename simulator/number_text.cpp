@@ -16,7 +16,7 @@ std::string Text(double number, Format... format) {
 
 }  // namespace
 
-std::string ToText(double number) {
+std::string ToShortestText(double number) {
   return Text(number);
 }
 

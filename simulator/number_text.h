@@ -7,7 +7,7 @@
 namespace trackedcam::simulator {
 
 /// The shortest text that reads back as this number.
-std::string ToText(double number);
+std::string ToShortestText(double number);
 
 /// With this number of decimals.
 std::string ToFixedText(double number, int decimals);

@@ -17,17 +17,20 @@ void Require(bool isMet, const std::string& demand) {
 }
 
 void RequireAtLeast(const std::string& name, double value, double least) {
-  Require(std::isfinite(value) && value >= least,
-          name + " must be at least " + ToText(least) + ", not " + ToText(value) + ".");
+  Require(
+      std::isfinite(value) && value >= least,
+      name + " must be at least " + ToShortestText(least) + ", not " + ToShortestText(value) + ".");
 }
 
 void RequireAbove0(const std::string& name, double value) {
-  Require(std::isfinite(value) && value > 0, name + " must be above 0, not " + ToText(value) + ".");
+  Require(std::isfinite(value) && value > 0,
+          name + " must be above 0, not " + ToShortestText(value) + ".");
 }
 
 void RequireWithin(const std::string& name, double value, double least, double most) {
-  Require(value >= least && value <= most, name + " must be from " + ToText(least) + " to " +
-                                               ToText(most) + ", not " + ToText(value) + ".");
+  Require(value >= least && value <= most, name + " must be from " + ToShortestText(least) +
+                                               " to " + ToShortestText(most) + ", not " +
+                                               ToShortestText(value) + ".");
 }
 
 void CheckCounts(const ShootOptions& options) {
@@ -39,7 +42,7 @@ void CheckCounts(const ShootOptions& options) {
   const double flawed =
       0.0 + options.missing + options.notAnImage + options.withoutChart + options.outliers;
   Require(flawed <= options.photographs,
-          "missing, notAnImage, withoutChart and outliers are " + ToText(flawed) +
+          "missing, notAnImage, withoutChart and outliers are " + ToShortestText(flawed) +
               " together, more than photographs: ask for fewer, or raise photographs.");
 }
 

@@ -7,12 +7,13 @@
 #include "app/commands/calibrate_options.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
+#include "app/page/thumbnails.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
 #include "app/words/progress_bar.h"
 #include "app/words/summary.h"
+#include "app/words/warning.h"
 #include "host/calibrate.h"
-#include "host/input/mounting_axes.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
@@ -27,13 +28,16 @@ namespace fs = std::filesystem;
 constexpr const char* kFooter = R"(Examples:
   trackedcam calibrate --config shoot/shoot.toml
   trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 --board 9x6 --square 0.03
-      --chart-rotation 12,-8,5 --chart-translation 0.1,-0.05,0.02 --log-folder log
+      --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02 --log-folder log
+  trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 --board 9x6 --square 0.03
+      --log-folder log
+The second finds the mounting of the chart's tracker from the shoot.
 
 With --config FILE the options come from a file, where they stand below [calibrate] as in
 "square = 0.03". Paths in it are relative to its folder; the command line wins over it.
 
-Exit status: 0 calibrated (code 0, or 99 with a warning), 1 failed (also an export by gimbal lock),
-2 wrong usage.)";
+Exit status: 0 calibrated (also with a warning), 1 failed (also an export by gimbal lock), 2 wrong
+usage, 3 calibrated, and the cross-check is certain that it is wrong.)";
 
 void PrepareOutput(const CalibrateOptions& options) {
   CreateFolder("--log-folder", options.inputs.logFolder);
@@ -42,6 +46,9 @@ void PrepareOutput(const CalibrateOptions& options) {
       throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
     }
     PrepareOutputFile("--result", options.result);
+  }
+  if (!options.report.empty()) {
+    PrepareOutputFile("--report", options.report);
   }
 }
 
@@ -60,7 +67,7 @@ host::Report RunCalibration(const CalibrateOptions& options) {
     }
   });
   // Engines get no figures of a failed calibration.
-  if (host::IsUsable(report.run)) {
+  if (report.verdict.level != host::Level::kFailed) {
     for (const host::Engine* engine : options.exports) {
       report.exports.push_back(host::ExportToEngine(
           *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
@@ -70,29 +77,19 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   return report;
 }
 
-void WriteResult(const fs::path& path, const host::Report& report) {
-  host::WriteFile(path, host::JsonText(host::ResultJson(report)));
-  std::cout << "Result: " << path.u8string() << '\n';
-}
-
-void Warn(const CalibrateOptions& options, const host::LibraryRun& run) {
-  if (run.code == host::kSuccess && host::IsUsable(run)) {
-    return;
+void WriteResult(const CalibrateOptions& options, const host::Report& report) {
+  const nlohmann::ordered_json json = host::ResultJson(report);
+  const std::string text = host::JsonText(json);
+  if (!options.withoutReport) {
+    const fs::path page =
+        options.report.empty() ? report.run.folder / "report.html" : options.report;
+    host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
+    std::cout << "Report: " << page.u8string() << '\n';
   }
-  std::cerr << "trackedcam: ";
-  if (run.code == host::kTooFewPhotographs && host::IsBoardNowhere(run.record)) {
-    const auto size = [&](int less) {
-      return std::to_string(options.inputs.board[0] - less) + 'x' +
-             std::to_string(options.inputs.board[1] - less);
-    };
-    std::cerr << "No board of " << size(0) << " inner corners was found in any photograph: --board "
-              << "counts inner corners, so a chart of " << size(0) << " squares is " << size(1)
-              << ".\n";
-    return;
+  if (!options.result.empty()) {
+    host::WriteFile(options.result, text);
+    std::cout << "Result: " << options.result.u8string() << '\n';
   }
-  const std::string code = run.code ? ' ' + std::to_string(*run.code) : "";
-  std::cerr << (host::IsUsable(run) ? "warning: " : "error" + code + ": ")
-            << host::VerdictOf(run).words << '\n';
 }
 
 // False when an engine refuses the result.
@@ -110,13 +107,11 @@ bool PrintExports(const host::Report& report) {
   return isDone;
 }
 
-int Calibrate(CalibrateOptions options) {
+int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   host::Inputs& inputs = options.inputs;
+  inputs.mounting = MountingOf(options.mounting);
   if (inputs.workingFolder.empty()) {
     inputs.workingFolder = inputs.data.parent_path();
-  }
-  if (options.mountingIsReported && inputs.mounting) {
-    inputs.mounting = host::FromReportedAxes(*inputs.mounting);
   }
   std::optional<host::CalibrationOutputs> truth;
   if (!options.truth.empty()) {
@@ -126,19 +121,22 @@ int Calibrate(CalibrateOptions options) {
   PrepareOutput(options);
   fs::current_path(inputs.workingFolder);  // photographs keep their names
 
-  const host::Report report = RunCalibration(options);
-  PrintSummary(std::cout, report, truth ? &*truth : nullptr);
-  if (!options.result.empty()) {
-    WriteResult(options.result, report);
+  host::Report report = RunCalibration(options);
+  if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
+    report.verdict.commands = {commandLine + " --refine-mounting"};
   }
+  PrintSummary(std::cout, report, truth ? &*truth : nullptr);
+  WriteResult(options, report);
   std::cout.flush();
-  Warn(options, report.run);
-  return PrintExports(report) && host::IsUsable(report.run) ? 0 : 1;
+  PrintWarning(std::cerr, report);
+  const bool isExported = PrintExports(report);
+  const int status = ExitStatus(report);
+  return status == 0 && !isExported ? 1 : status;
 }
 
 }  // namespace
 
-void AddCalibrateCommand(CLI::App& program, int& status) {
+void AddCalibrateCommand(CLI::App& program, const std::string& commandLine, int& status) {
   CLI::App* command =
       program.add_subcommand("calibrate", "Calibrate lens and camera tracker from a shoot");
   command->group("Commands");
@@ -146,7 +144,7 @@ void AddCalibrateCommand(CLI::App& program, int& status) {
   command->footer(kFooter);
   const auto options = std::make_shared<CalibrateOptions>();
   AddCalibrateOptions(*command, *options);
-  command->callback([options, &status] { status = Calibrate(*options); });
+  command->callback([options, commandLine, &status] { status = Calibrate(*options, commandLine); });
 }
 
 }  // namespace trackedcam::app

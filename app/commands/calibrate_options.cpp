@@ -55,18 +55,11 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
            "Edge of one square, metres")
       ->required()
       ->group("Chart");
-  host::Mounting& mounting = options.inputs.mounting.emplace();
-  AddValue(command, "--chart-rotation", mounting.rotationDegrees, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz in the "
-           "tracker's\naxes after the axis fix: reported x, y, z count\nas -x, -z, -y")
-      ->required()
-      ->group("Chart");
-  AddValue(command, "--chart-translation", mounting.translationMetres, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, metres: the\nfirst inner corner in the same axes")
-      ->required()
-      ->group("Chart");
-  AddValue(command, "--mounting-axes", options.mountingIsReported, ParseMountingAxes, "AXES",
-           "Of the two options above: fixed, or reported\nwhere they count in the reported axes")
+  AddMountingOptions(command, options.mounting, "Chart");
+  command
+      .add_flag("--refine-mounting", options.inputs.refineMounting,
+                "Where the cross-check finds another mounting or\nbad photographs: calibrate again "
+                "with it and\nwithout them")
       ->group("Chart");
 
   AddPath(command, "--log-folder", options.inputs.logFolder, "FOLDER",
@@ -74,6 +67,12 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->required()
       ->group("Output");
   AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")
+      ->group("Output");
+  CLI::Option* report = AddPath(command, "--report", options.report, "FILE.html",
+                                "Write the page there; else report.html beside the log")
+                            ->group("Output");
+  command.add_flag("--no-report", options.withoutReport, "Write no page")
+      ->excludes(report)
       ->group("Output");
   AddValue(
       command, "--export", options.exports, ParseEngines, "ENGINES",

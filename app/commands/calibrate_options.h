@@ -8,18 +8,21 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/options/mounting_options.h"
 #include "host/engines/engine.h"
 #include "host/input/inputs.h"
 
 namespace trackedcam::app {
 
 struct CalibrateOptions {
-  host::Inputs inputs;
+  host::Inputs inputs;  // but for the mounting
+  MountingOptions mounting;
   std::filesystem::path result;  // empty: not wanted
   std::vector<const host::Engine*> exports;
-  std::string parentAxes;           // of the camera in an engine; empty: those that it presumes
-  bool mountingIsReported = false;  // inputs.mounting is in reported axes
-  std::filesystem::path truth;      // empty: not known
+  std::string parentAxes;        // of the camera in an engine; empty: those that it presumes
+  std::filesystem::path truth;   // empty: not known
+  std::filesystem::path report;  // empty: beside the log
+  bool withoutReport = false;
   bool verbose = false;
 };
 

@@ -84,6 +84,15 @@ void SetDefault(CLI::Option& option, const std::string& text) {
   option.required(false)->run_callback_for_default()->default_val(text);
 }
 
+// What crosscheck wants to know of a shoot stands where calibrate looks for it.
+void SetSameDefault(CLI::App& program, const std::string& name, const std::string& text) {
+  if (CLI::App* crosscheck = FindCommand(program, "crosscheck")) {
+    if (CLI::Option* option = crosscheck->get_option_no_throw(name)) {
+      SetDefault(*option, text);
+    }
+  }
+}
+
 // A section or name that no command knows is a slip of the pen, not to be passed over.
 void SetDefaults(CLI::App& program, const fs::path& path) {
   const fs::path folder = fs::absolute(path).parent_path();
@@ -102,8 +111,12 @@ void SetDefaults(CLI::App& program, const fs::path& path) {
       if (option == nullptr) {
         Reject("there is no option " + name + " (" + PlaceOf(key.source()) + ")");
       }
-      const std::string text = TextOf(value, name);
-      SetDefault(*option, IsPath(*option) ? PathText(text, name, folder) : text);
+      const std::string given = TextOf(value, name);
+      const std::string text = IsPath(*option) ? PathText(given, name, folder) : given;
+      SetDefault(*option, text);
+      if (command == "calibrate") {
+        SetSameDefault(program, option->get_name(), text);
+      }
     }
   }
 }

@@ -23,6 +23,7 @@ using host::Shortest;
 
 constexpr int kLeastInnerCorners = 3;
 constexpr double kMillimetresPerMetre = 1000.0;
+constexpr double kFarthestMounting = 3;  // metres; a tracker is within reach of its chart
 
 [[noreturn]] void Reject(const std::string& option, const std::string& reason) {
   throw CLI::ValidationError(option, reason);
@@ -36,23 +37,34 @@ std::string_view Trim(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
-// False unless the text holds exactly N finite numbers.
+// Nothing unless there are exactly N parts. They have no blanks around them.
 template <std::size_t N>
-bool Split(std::string_view text, char separator, std::array<double, N>& numbers) {
+std::optional<std::array<std::string_view, N>> SplitParts(std::string_view text, char separator) {
+  std::array<std::string_view, N> parts;
   for (std::size_t i = 0; i < N; ++i) {
     const bool isLast = i + 1 == N;
     const std::size_t length = isLast ? text.size() : text.find(separator);
     if (length == std::string_view::npos) {
-      return false;
+      return std::nullopt;
     }
-    const auto number = ParseNumber(Trim(text.substr(0, length)));
+    parts[i] = Trim(text.substr(0, length));
+    text.remove_prefix(isLast ? length : length + 1);
+  }
+  return parts;
+}
+
+// False unless the text holds exactly N finite numbers.
+template <std::size_t N>
+bool Split(std::string_view text, char separator, std::array<double, N>& numbers) {
+  const auto parts = SplitParts<N>(text, separator);
+  for (std::size_t i = 0; parts && i < N; ++i) {
+    const auto number = ParseNumber((*parts)[i]);
     if (!number || !std::isfinite(*number)) {
       return false;
     }
     numbers[i] = *number;
-    text.remove_prefix(isLast ? length : length + 1);
   }
-  return true;
+  return parts.has_value();
 }
 
 std::optional<std::array<int, 2>> SplitIntegers(std::string_view text) {
@@ -68,14 +80,47 @@ std::optional<std::array<int, 2>> SplitIntegers(std::string_view text) {
   return std::array<int, 2>{*first, *second};
 }
 
+// "mm", "cm", or nothing for metres.
+std::string_view UnitOf(std::string_view text) {
+  const std::string_view end = text.substr(std::max<std::size_t>(text.size(), 2) - 2);
+  return end == "mm" || end == "cm" ? end : std::string_view();
+}
+
 // A unit moves the point, exactly: "12.7mm" is the number 12.7e-3.
-std::optional<double> ParseMetres(std::string_view text) {
-  const std::string_view unit = text.substr(std::max<std::size_t>(text.size(), 2) - 2);
-  if (unit != "mm" && unit != "cm") {
-    return ParseNumber(text);
+std::optional<double> ParseMetres(std::string_view number, std::string_view unit) {
+  if (unit.empty()) {
+    return ParseNumber(number);
   }
-  text.remove_suffix(unit.size());
-  return ParseNumber(std::string(Trim(text)) + (unit == "mm" ? "e-3" : "e-2"));
+  return ParseNumber(std::string(Trim(number)) + (unit == "mm" ? "e-3" : "e-2"));
+}
+
+std::optional<double> ParseMetres(std::string_view text) {
+  const std::string_view unit = UnitOf(text);
+  return ParseMetres(text.substr(0, text.size() - unit.size()), unit);
+}
+
+// Three lengths, each with its own unit or all with the one behind the last.
+std::optional<std::array<double, 3>> ParseLengths(std::string_view text) {
+  const auto parts = SplitParts<3>(text, ',');
+  if (!parts) {
+    return std::nullopt;
+  }
+  const std::array<std::string_view, 3> units = {UnitOf((*parts)[0]), UnitOf((*parts)[1]),
+                                                 UnitOf((*parts)[2])};
+  const bool hasOneUnit = units[0].empty() && units[1].empty();
+  std::array<double, 3> metres = {};
+  for (std::size_t i = 0; i < metres.size(); ++i) {
+    if (!hasOneUnit && units[i].empty()) {
+      return std::nullopt;
+    }
+    const std::string_view number = (*parts)[i].substr(0, (*parts)[i].size() - units[i].size());
+    const auto length = ParseMetres(number, hasOneUnit ? units[2] : units[i]);
+    if (!length || !std::isfinite(*length)) {
+      return std::nullopt;
+    }
+    metres[i] = *length;
+  }
+  return metres;
 }
 
 template <class Named>
@@ -126,6 +171,22 @@ std::array<double, 3> ParseTriple(const std::string& option, const std::string& 
   return triple;
 }
 
+std::array<double, 3> ParseTranslation(const std::string& option, const std::string& text) {
+  const auto metres = ParseLengths(text);
+  if (!metres) {
+    Reject(option, text +
+                       " is not three lengths X,Y,Z in metres, such as 0.1,-0.05,0.02, or with a "
+                       "unit, such as 100,-50,20mm");
+  }
+  const auto [x, y, z] = *metres;
+  const double farthest = std::max({std::abs(x), std::abs(y), std::abs(z)});
+  if (farthest > kFarthestMounting && UnitOf(Trim(text)).empty()) {
+    Reject(option, text + " is " + Shortest(farthest) + " metres away; in millimetres it is " +
+                       option + ' ' + text + "mm, in centimetres " + text + "cm");
+  }
+  return *metres;
+}
+
 std::array<double, 6> ParseLens(const std::string& option, const std::string& text) {
   std::array<double, 6> lens = {};
   if (!Split(text, ',', lens)) {
@@ -145,6 +206,14 @@ double ParseSquare(const std::string& option, const std::string& text) {
                        option + " " + Shortest(*square / kMillimetresPerMetre));
   }
   return *square;
+}
+
+double ParseLength(const std::string& option, const std::string& text) {
+  const auto length = ParseMetres(text);
+  if (!length || !std::isfinite(*length) || *length <= 0) {
+    Reject(option, text + " is not a length, such as 299.2mm");
+  }
+  return *length;
 }
 
 Paper ParsePaper(const std::string& option, const std::string& text) {

@@ -27,11 +27,18 @@ std::array<int, 2> ParseBoard(const std::string& option, const std::string& text
 /// "12,-8,5": three numbers.
 std::array<double, 3> ParseTriple(const std::string& option, const std::string& text);
 
+/// "0.1,-0.05,0.02", which is metres, "10cm,-50mm,2cm" or "100,-50,20mm": three lengths in metres.
+/// Without a unit none is above 3.
+std::array<double, 3> ParseTranslation(const std::string& option, const std::string& text);
+
 /// "1600,1600,955,545,-0.05,0.02": fx, fy, cx, cy in pixels, k1, k2.
 std::array<double, 6> ParseLens(const std::string& option, const std::string& text);
 
 /// "0.03", which is metres, "3cm" or "30mm": metres, above 0 and below 1.
 double ParseSquare(const std::string& option, const std::string& text);
+
+/// "299.2mm": a length above 0, in metres where it has no unit.
+double ParseLength(const std::string& option, const std::string& text);
 
 /// "A3": the name of a paper, in upper or lower case.
 Paper ParsePaper(const std::string& option, const std::string& text);

@@ -1,5 +1,8 @@
 #include "app/words/summary.h"
 
+#include <algorithm>
+
+#include "app/words/cross_check_words.h"
 #include "app/words/lens_table.h"
 #include "app/words/table_row.h"
 #include "host/result/transform_difference.h"
@@ -11,6 +14,7 @@ namespace trackedcam::app {
 namespace {
 
 using host::CalibrationOutputs;
+using host::DropReason;
 using host::Fixed;
 using host::LibraryRun;
 using host::Photograph;
@@ -52,23 +56,51 @@ void PrintErrors(std::ostream& out, const RunRecord& record) {
   print("spread of the translation, mm", record.spread, kMillimetresPerMetre);
 }
 
+std::size_t Count(const RunRecord& record, DropReason reason) {
+  return static_cast<std::size_t>(
+      std::count_if(record.photographs.begin(), record.photographs.end(),
+                    [&](const Photograph& photograph) { return photograph.dropped == reason; }));
+}
+
+// The filter's share is no list of bad photographs: which are bad the cross-check says.
 void PrintPhotographs(std::ostream& out, const RunRecord& record) {
   out << "\nPhotographs: " << host::UsedPhotographs(record).size() << " of "
-      << record.photographs.size() << " used\n";
+      << record.photographs.size() << " used";
+  if (const std::size_t outliers = Count(record, DropReason::kOutlier)) {
+    out << "; " << outliers << " left out by the filter (about half is normal)";
+  }
+  out << '\n';
   for (const Photograph& photograph : record.photographs) {
-    if (photograph.dropped) {
+    if (photograph.dropped && photograph.dropped != DropReason::kOutlier) {
       out << "  dropped " << photograph.path << " (" << host::Describe(*photograph.dropped)
           << ")\n";
     }
   }
 }
 
-void PrintVerdict(std::ostream& out, const LibraryRun& run) {
-  const host::Verdict verdict = host::VerdictOf(run);
+void PrintFindings(std::ostream& out, const std::vector<host::Finding>& findings) {
+  if (findings.empty()) {
+    return;
+  }
+  out << "\nFindings\n";
+  for (const host::Finding& finding : findings) {
+    out << "  " << Name(finding.severity) << ": " << finding.text << '\n';
+    if (!finding.advice.empty()) {
+      out << "    " << finding.advice << '\n';
+    }
+  }
+}
+
+void PrintVerdict(std::ostream& out, const Report& report) {
+  const LibraryRun& run = report.run;
+  const host::Verdict& verdict = report.verdict;
   out << '\n'
       << (host::IsUsable(run) || !run.code ? ""
                                            : "Failed, code " + std::to_string(*run.code) + ": ")
       << verdict.words << "\nNext: " << verdict.advice << '\n';
+  for (const std::string& command : verdict.commands) {
+    out << "      " << command << '\n';
+  }
 }
 
 void PrintFiles(std::ostream& out, const Report& report) {
@@ -85,13 +117,8 @@ void PrintFiles(std::ostream& out, const Report& report) {
   }
 }
 
-}  // namespace
-
-void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutputs* truth) {
+void PrintRun(std::ostream& out, const Report& report, const CalibrationOutputs* truth) {
   const LibraryRun& run = report.run;
-  if (!run.outputs.focalLengthMm.empty()) {
-    PrintLens(out, run.outputs, truth);
-  }
   if (!run.outputs.transformCamTc.empty()) {
     PrintTransform(out, run.outputs.transformCamTc, truth);
   }
@@ -101,7 +128,38 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
   if (!run.record.photographs.empty()) {
     PrintPhotographs(out, run.record);
   }
-  PrintVerdict(out, run);
+  if (report.crossCheck) {
+    PrintCrossCheck(out, report, truth);
+  }
+  PrintFindings(out, report.findings);
+}
+
+// In short: the figures that the second run replaces.
+void PrintFirstRun(std::ostream& out, const Report& first, const CalibrationOutputs* truth) {
+  out << "First run, "
+      << (first.mountingIsStated ? "with the mounting stated" : "without a mounting") << '\n';
+  if (first.mountingIsStated && !first.run.outputs.transformCamTc.empty()) {
+    PrintRun(out, first, truth);
+  } else if (first.crossCheck) {
+    PrintCrossCheck(out, first, truth);
+  }
+  out << "\nSecond run, with the mounting found\n\n";
+}
+
+}  // namespace
+
+void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutputs* truth) {
+  if (report.firstRun) {
+    PrintFirstRun(out, *report.firstRun, truth);
+  }
+  if (!report.run.outputs.focalLengthMm.empty()) {
+    PrintLens(out, report.run.outputs, truth);
+  }
+  PrintRun(out, report, truth);
+  if (report.firstRun) {
+    PrintMountingFound(out, report);
+  }
+  PrintVerdict(out, report);
   PrintFiles(out, report);
 }
 

@@ -12,6 +12,7 @@ namespace fs = std::filesystem;
 
 // A hundred thousand rows are 30 MB.
 constexpr std::uintmax_t kMostBytes = 256 << 20;
+constexpr std::size_t kMostRows = 1000000;
 
 struct Line {
   std::string text;
@@ -78,17 +79,23 @@ std::vector<DataRow> ReadRows(const std::string& content) {
   return rows;
 }
 
-std::vector<DataRow> ReadDataFile(const fs::path& data) {
+std::string ReadDataContent(const fs::path& data) {
   RequirePlainFile(data);
-  std::vector<DataRow> rows;
   try {
-    rows = ReadRows(ReadFile(data));
+    return ReadFile(data);
   } catch (const std::runtime_error& error) {
     throw InputError(error.what());
   }
+}
+
+std::vector<DataRow> ReadDataFile(const fs::path& data) {
+  std::vector<DataRow> rows = ReadRows(ReadDataContent(data));
   if (rows.empty()) {
     throw InputError(data.u8string() +
                      " has no row: record one row of tracker data for each photograph");
+  }
+  if (rows.size() > kMostRows) {
+    throw InputError(data.u8string() + " has more than a million rows, far more than any shoot");
   }
   return rows;
 }

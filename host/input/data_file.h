@@ -22,8 +22,12 @@ inline bool operator==(const DataRow& a, const DataRow& b) {
 /// The lines that the library takes for rows.
 std::vector<DataRow> ReadRows(const std::string& content);
 
-/// @throws InputError when the file cannot be read, is none, is far larger than any shoot's, or has
-///         no row.
+/// The whole file.
+/// @throws InputError when the file cannot be read, is none or is far larger than any shoot's.
+std::string ReadDataContent(const std::filesystem::path& data);
+
+/// The rows of the file.
+/// @throws InputError as ReadDataContent does, and when there is no row or a million of them.
 std::vector<DataRow> ReadDataFile(const std::filesystem::path& data);
 
 /// The row with another path in its second field.

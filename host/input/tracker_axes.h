@@ -17,6 +17,7 @@ struct TrackerAxes {
   const char* owner;      // for a sentence: "in Unreal's axes"
   /// The reported x, y and z in the file's X, Y and Z: "-y,z,x".
   const char* reported;
+  bool isLeftHanded;
   double unitsPerMetre;  // as its components hold them
 };
 
@@ -44,7 +45,8 @@ bool IsConverted(const TrackerFrame& frame);
 std::string Describe(const TrackerFrame& frame);
 
 /// The row with both poses in reported axes and metres; its quaternions, which stand in the order
-/// w, x, y, z in every file, keep their length. A row without a photograph stays as it is.
+/// w, x, y, z in every file, keep their length. A row without a photograph, or that is written
+/// otherwise than the library reads, stays as it is.
 /// @throws InputError when one of the 14 figures is missing or no number; it names the line.
 DataRow InReportedAxes(const DataRow& row, const TrackerFrame& frame);
 

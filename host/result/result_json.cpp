@@ -1,6 +1,6 @@
 #include "host/result/result_json.h"
 
-#include "host/engines/engine_export.h"
+#include "host/result/cross_check_json.h"
 #include "host/text/json_file.h"
 #include "host/verdict/verdict.h"
 
@@ -19,6 +19,14 @@ std::string Message(const LibraryRun& run) {
   // A run that stops for wrong use has no error line: its last line says what is wrong.
   const RunRecord& record = run.record;
   return record.errorMessage.empty() ? record.lastMessage : record.errorMessage;
+}
+
+Json Photographs(const RunRecord& record) {
+  Json photographs = Json::array();
+  for (const Photograph& photograph : record.photographs) {
+    photographs.push_back(photograph.path);
+  }
+  return photographs;
 }
 
 Json Dropped(const RunRecord& record) {
@@ -48,15 +56,60 @@ Json Images(const LibraryRun& run) {
   return images;
 }
 
-}  // namespace
+Json VerdictJson(const Verdict& verdict) {
+  return {{"level", Name(verdict.level)},
+          {"words", verdict.words},
+          {"advice", verdict.advice},
+          {"commands", verdict.commands}};
+}
 
-Json ResultJson(const Report& report) {
+Json FindingsJson(const std::vector<Finding>& findings) {
+  Json list = Json::array();
+  for (const Finding& finding : findings) {
+    Json json = {{"id", finding.id},
+                 {"severity", Name(finding.severity)},
+                 {"text", finding.text},
+                 {"advice", finding.advice}};
+    for (const auto& [name, number] : finding.numbers) {
+      json[name] = NumberJson(number);
+    }
+    if (!finding.detail.empty()) {
+      json["detail"] = finding.detail;
+    }
+    if (!finding.photographs.empty()) {
+      json["photographs"] = finding.photographs;
+    }
+    list.push_back(std::move(json));
+  }
+  return list;
+}
+
+Json InputsJson(const Inputs& inputs) {
+  const auto& mounting = inputs.mounting;
+  return {
+      {"data", inputs.data.u8string()},
+      {"workingFolder", inputs.workingFolder.u8string()},
+      {"logFolder", inputs.logFolder.u8string()},
+      {"sensorMm", inputs.sensorMm},
+      {"board", inputs.board},
+      {"squareMetres", inputs.squareMetres},
+      {"chartRotationDegrees", mounting ? Json(mounting->rotationDegrees) : Json(nullptr)},
+      {"chartTranslationMetres", mounting ? Json(mounting->translationMetres) : Json(nullptr)},
+      {"invertTrackerQuaternions", inputs.invertTrackerQuaternions},
+      {"expectedRecords", inputs.expectedRecords ? Json(*inputs.expectedRecords) : Json(nullptr)},
+  };
+}
+
+// What is told of each run, the first of two as well as the last.
+Json RunJson(const Report& report) {
   const LibraryRun& run = report.run;
   const CalibrationOutputs& outputs = run.outputs;
   const RunRecord& record = run.record;
   return {
       {"code", run.code ? Json(*run.code) : Json(nullptr)},
       {"message", Message(run)},
+      {"verdict", VerdictJson(report.verdict)},
+      {"findings", FindingsJson(report.findings)},
       {"imageSize", NumbersJson(outputs.imageSize)},
       {"normFocal", NumbersJson(outputs.normFocal)},
       {"normCenter", NumbersJson(outputs.normCenter)},
@@ -67,13 +120,28 @@ Json ResultJson(const Report& report) {
       {"lensErrorPixels", NumberJson(record.lensError)},
       {"reprojectionErrorPixels", NumberJson(record.reprojectionError)},
       {"translationSpreadMetres", NumberJson(record.spread)},
+      {"photographs", Photographs(record)},
       {"used", UsedPhotographs(record)},
       {"dropped", Dropped(record)},
       {"exports", Exports(report)},
+      {"inputs", InputsJson(report.inputs)},
+      {"time", record.time},
       {"log", run.log.u8string()},
       {"images", Images(run)},
+      {"crossCheck", report.crossCheck
+                         ? CrossCheckJson(*report.crossCheck, report.checkedPhotographs, record)
+                         : Json(nullptr)},
       {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
   };
+}
+
+}  // namespace
+
+Json ResultJson(const Report& report) {
+  Json json = RunJson(report);
+  json["mountingIsStated"] = report.mountingIsStated;
+  json["firstRun"] = report.firstRun ? RunJson(*report.firstRun) : Json(nullptr);
+  return json;
 }
 
 }  // namespace trackedcam::host

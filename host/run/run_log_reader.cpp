@@ -259,6 +259,9 @@ void RunLogReader::ReadLens(const std::string& message) {
   SetFromPrefix(lens_.cy, "Cy : ", message);
   SetFromPrefix(lens_.width, "Image Width : ", message);
   SetFromPrefix(lens_.height, "Image Height : ", message);
+  SetFromPrefix(lens_.horizontalFieldOfView, "FoV_H : ", message);
+  SetFromPrefix(lens_.verticalFieldOfView, "FoV_V : ", message);
+  SetFromPrefix(lens_.focalLengthMm, "Focal length (mm) : ", message);
   if (const auto rest = After("Distortion (k1, k2, p1, p2, k3) : ", message)) {
     const auto distortion = NumbersIn<5>(*rest).value_or(std::array<double, 5>{});
     lens_.k1 = distortion[0];
@@ -270,6 +273,7 @@ void RunLogReader::ReadLens(const std::string& message) {
   } else if (message == "Start OrganizeRT.") {  // the lens is accepted and told in full
     record_.lens = lens_;
     section_ = Section::kTrackers;
+    isSecondSolve_ = false;
     BeginStage("Solving the transform", 0);
   } else if (After("Version : ", message)) {  // an exception ended the run before
     section_ = Section::kOpening;
@@ -285,12 +289,14 @@ void RunLogReader::ReadTrackers(const std::string& message) {
     record_.transformCamTc.insert(record_.transformCamTc.end(), row.begin(), row.end());
     return;
   }
-  if (message == "Mean_Transform_Cam_Tc : ") {
+  if (message == "Mean_Transform_Cam_Tc : " && isSecondSolve_) {
     record_.transformCamTc.clear();
     matrixRows_ = 4;
   } else if (message == "Finish Calculate_Transform_Cam_Tc.") {
+    isSecondSolve_ = false;
     BeginStage("Measuring the error", UsedPhotographs(record_).size());
   } else if (message == "Mean_Transform_Chart_Tr : ") {
+    isSecondSolve_ = true;
     BeginStage("Writing the images", UsedPhotographs(record_).size());
   } else if (After("Image ", message)) {
     ShowDone(progress_.done + 1);

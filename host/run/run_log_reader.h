@@ -69,6 +69,7 @@ class RunLogReader {
   std::vector<Photograph> rawData_;  // so far
   LensRecord lens_;
   std::size_t matrixRows_ = 0;  // that are still to come
+  bool isSecondSolve_ = false;
   RunRecord record_;
 };
 

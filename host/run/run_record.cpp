@@ -16,6 +16,20 @@ const char* Describe(DropReason reason) {
   return "";
 }
 
+CalibrationOutputs OutputsOf(const RunRecord& record) {
+  CalibrationOutputs outputs;
+  if (const auto& lens = record.lens) {
+    outputs.imageSize = {lens->width, lens->height};
+    outputs.normFocal = {lens->fx / lens->width, lens->fy / lens->height};
+    outputs.normCenter = {lens->cx / lens->width, lens->cy / lens->height};
+    outputs.distortion = {lens->k1, lens->k2, 0, 0, 0};
+    outputs.fieldOfView = {lens->horizontalFieldOfView, lens->verticalFieldOfView};
+    outputs.focalLengthMm = {lens->focalLengthMm};
+  }
+  outputs.transformCamTc = record.transformCamTc;
+  return outputs;
+}
+
 std::vector<std::string> UsedPhotographs(const RunRecord& record) {
   std::vector<std::string> used;
   for (const Photograph& photograph : record.photographs) {

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "host/run/calibration_outputs.h"
+
 namespace trackedcam::host {
 
 enum class DropReason { kNotLoaded, kBoardNotFound, kOutlier };
@@ -39,6 +41,8 @@ struct LensRecord {
   double width = 0, height = 0;
   double fx = 0, fy = 0, cx = 0, cy = 0;
   double k1 = 0, k2 = 0;
+  double horizontalFieldOfView = 0, verticalFieldOfView = 0;  // degrees
+  double focalLengthMm = 0;
 };
 
 struct RunRecord {
@@ -51,13 +55,16 @@ struct RunRecord {
   std::optional<double> lensError;          // of the lens solution, pixels
   std::optional<double> reprojectionError;  // mean of the last pass, pixels
   std::optional<double> spread;             // of the single photographs' translations, metres
-  /// Of the last solve, 16 numbers row by row; empty when there was none.
+  /// Of the second solve, 16 numbers row by row; empty when the run did not get there.
   std::vector<double> transformCamTc;
   std::string errorMessage;  // of the last error line, without its code
   std::optional<int> errorCode;
   std::string lastMessage;
   bool isSuccessful = false;  // the log's last line says so
 };
+
+/// What the library handed out, as far as the log tells it, which is to six decimals.
+CalibrationOutputs OutputsOf(const RunRecord& record);
 
 std::vector<std::string> UsedPhotographs(const RunRecord& record);
 

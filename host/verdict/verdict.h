@@ -1,28 +1,50 @@
-// What a result code means to whoever shot the photographs.
+// What a run came to, for whoever shot the photographs.
 
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "host/finding.h"
 #include "host/run/library_run.h"
 
 namespace trackedcam::host {
 
-struct Verdict {
-  std::string words;
-  std::string advice;
+enum class Level {
+  kGood,
+  kDoubtful,
+  kWrong,   // the library calibrated, and the cross-check is certain that it is wrong
+  kFailed,  // there is no result to use
 };
 
-/// A code that the library does not document gets a verdict that says so.
+/// good, doubt, wrong, failed
+const char* Name(Level level);
+
+/// What a caller can do at once.
+enum class NextStep { kNone, kRefineMounting };
+
+struct Verdict {
+  Level level = Level::kFailed;
+  std::string words;
+  std::string advice;
+  NextStep nextStep = NextStep::kNone;
+  std::vector<std::string> commands = {};  // of the caller's, to go on with
+};
+
+/// What the library's code alone says. One that it does not document gets words that say so.
 Verdict VerdictOf(int code);
 
-/// True where the outputs may be used.
+/// True where the library hands out a result.
 bool IsUsable(int code);
 
-/// The same of a whole run. The library hands out the transform of a data file that holds nan as a
-/// success; here it is a failure.
-Verdict VerdictOf(const LibraryRun& run);
+/// True where the library handed out a result that can be used: the transform of a data file that
+/// holds nan is a success to it.
 bool IsUsable(const LibraryRun& run);
+
+/// The verdict on a run in the light of what was found. An error or a warning among the findings
+/// speaks before the library does.
+/// @param findings The worst first.
+Verdict VerdictOf(const LibraryRun& run, const std::vector<Finding>& findings);
 
 constexpr int kSuccess = 0;
 constexpr int kTooFewPhotographs = 4;

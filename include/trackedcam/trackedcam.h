@@ -65,9 +65,10 @@ extern "C" {
 ///   run goes on without it.
 /// @param Flag_ModifyQuat True when the trackers' quaternions give the inverse rotation: their x, y
 ///   and z are negated before use.
-/// @param Num_TrackerData Number of rows that the host recorded. At the number of rows or above it
-///   has no effect. Below the number of usable photographs it leaves too few poses, and the call
-///   returns 7.
+/// @param Num_TrackerData Number of rows that the host recorded, 1 at least. Below the number of
+///   usable photographs it changes two lines of the log, and nothing of the result: every usable
+///   photograph is used. 0 leaves no poses, also where photographs that drop out bring it down to
+///   0, and the call returns 7. A negative number is an error of the image library.
 ///
 /// @return
 ///   -  0 success: all outputs are filled.
@@ -94,6 +95,9 @@ extern "C" {
 /// by side. They share standard output, to which every line of the log is echoed, and a log file
 /// when they name one folder and begin in the same second.
 ///
+/// Floating point: while the call runs, its thread rounds to nearest, traps nothing and keeps
+/// subnormal numbers; afterwards it has the host's settings and flags again.
+///
 /// @throws std::exception What a library underneath throws leaves the call: std::range_error("bad
 ///   conversion") for a path that is not UTF-8, std::bad_alloc, and the image library's errors for
 ///   views that cannot be solved. Outputs then hold what was appended before.
@@ -118,8 +122,8 @@ TRACKEDCAM_API int Calibration(std::string dataPath, double sensorWidth, double 
 /// first elements of the vector, which are the caller's own when it comes in filled.
 ///
 /// All return -1 for wrong use by the host: an input vector holds fewer elements than are read (the
-/// log says which). Nothing is then filled. Threads and exceptions are as for Calibration. Rx, Ry
-/// and Rz are right-handed elementary rotations.
+/// log says which). Nothing is then filled. Threads, floating point and exceptions are as for
+/// Calibration. Rx, Ry and Rz are right-handed elementary rotations.
 ///
 /// @{
 

@@ -1,8 +1,9 @@
-#include "api/calibration_steps.h"
+#include "api/calibration_input.h"
 #include "api/camera_tracker_run.h"
 #include "api/input_length.h"
+#include "api/lens_figures.h"
 #include "calib/calibrate_camera.h"
-#include "core/number_text.h"
+#include "core/float_environment.h"
 #include "core/version.h"
 #include "io/tracker_data.h"
 #include "trackedcam/trackedcam.h"
@@ -25,11 +26,12 @@ int Calibration(std::string dataPath, double sensorWidth, double sensorHeight, i
                 std::string logFolder, bool Flag_ModifyQuat, int Num_TrackerData) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   RunLog log;
   OpenRunLog(log, logFolder);
   WriteRunLogLine(log, "Version : " + LibraryVersion);
-  WriteRunLogLine(log, "Flag_ModifyQuat : " + ToText(Flag_ModifyQuat ? 1 : 0));
-  WriteRunLogLine(log, "Num_TrackerData : " + ToText(Num_TrackerData));
+  WriteRunLogLine(log, "Flag_ModifyQuat : " + std::to_string(Flag_ModifyQuat ? 1 : 0));
+  WriteRunLogLine(log, "Num_TrackerData : " + std::to_string(Num_TrackerData));
   WriteRunLogLine(log, "Camera Tracker Calibration start.");
   if (const ResultCode code = CheckLength(log, "chartTrackerRotation", chartTrackerRotation, 3)) {
     return code;

@@ -12,8 +12,10 @@
 
 namespace trackedcam {
 
-/// Filled from the tracker data file up to the lens. Each list has one element for each photograph
-/// that is still in use.
+/// Filled from the tracker data file up to the lens. Element i of each list, and row i of the two
+/// pose matrices with what lies behind their end, belongs to the i-th photograph that shows the
+/// board. The outlier filter then takes photographs out of imagePaths and imagePoints alone: nobody
+/// reads the other lists after it.
 struct CalibrationData {
   BoardTemplate boardTemplate;
   std::vector<std::string> imagePaths;

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "api/input_length.h"
+#include "core/float_environment.h"
 #include "core/number_text.h"
 #include "core/precision.h"
 #include "core/version.h"
@@ -25,7 +26,7 @@ RunLog BeginExport(const std::string& logFolder, const std::string& name) {
 std::string Join(std::initializer_list<double> numbers) {
   std::string text;
   for (const double number : numbers) {
-    text += (text.empty() ? "" : ", ") + ToText(number);
+    text += (text.empty() ? "" : ", ") + ToSixDecimals(number);
   }
   return text;
 }
@@ -71,6 +72,7 @@ ResultCode ExportToUE5(const std::string& name, AxisChangeStage changeAxes,
                        const std::vector<double>& transformCamTc,
                        std::vector<double>& quaternionXyzw, std::vector<double>& translationCm,
                        const std::string& logFolder) {
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, name);
   if (const ResultCode code =
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
@@ -101,6 +103,7 @@ int CamAxisToUE4(std::vector<double> transformCamTc, std::vector<double>& rotati
                  std::vector<double>& translationCm, std::string logFolder) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, "CamAxisToUE4");
   if (const ResultCode code =
           CheckLength(log, "transformCamTc", transformCamTc, kTransformElements)) {
@@ -139,6 +142,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
                        std::vector<double>& translationCm, std::string logFolder) noexcept(false) {
   using namespace trackedcam;
 
+  const DefaultFloatEnvironment environment;
   const RunLog log = BeginExport(logFolder, "CamAxisToAximmetry");
   if (const ResultCode code = CheckLength(log, "normFocal", normFocal, 2)) {
     return code;
@@ -156,7 +160,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
   lensCentre.push_back(normCenter[0] - 0.5);
   lensCentre.push_back(-(normCenter[1] - 0.5));
   // From the caller's lists, which begin with older figures when they came in filled.
-  WriteRunLogLine(log, "FoVX : " + ToText(fovX[0]));
+  WriteRunLogLine(log, "FoVX : " + ToSixDecimals(fovX[0]));
   WriteRunLogLine(log, "AximmetryCxy : " + Join({lensCentre[0], lensCentre[1]}));
 
   const Transform Transform_Tc_Cam = ChangeAxes(log, "AX", AxisChangeAximmetry, transformCamTc);

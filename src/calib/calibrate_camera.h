@@ -20,7 +20,8 @@ namespace trackedcam {
 /// (metres) hold the chart's pose in the camera frame, N rows of three doubles. objectPoints and
 /// imagePoints hold one list of corners for each usable photograph; rmsLimit is in pixels.
 /// imageSize comes in as 0 by 0 and is that of the first photograph that loads. Num_TrackerData is
-/// lowered for every photograph that drops out; poses beyond it are cut off.
+/// lowered for every photograph that drops out; the poses leave as views of the first
+/// Num_TrackerData rows.
 /// Returns 0, 4 (fewer than 12 usable photographs) or 5 (rms above rmsLimit).
 ResultCode Calibrate_Camera(RunLog log, double& rms, cv::Size& imageSize, cv::Mat& cameraMatrix,
                             cv::Mat& distortion, cv::Mat& Rot_Cam_Chart_vec,

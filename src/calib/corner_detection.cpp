@@ -73,11 +73,11 @@ void LogRawData(const RunLog& log, const std::vector<std::string>& imagePaths,
     WriteRunLogLine(log, imagePaths[k]);
     std::string line;
     for (const double number : records[k]) {
-      line += (line.empty() ? "" : " ") + ToText(number);
+      line += (line.empty() ? "" : " ") + ToSixDecimals(number);
     }
     WriteRunLogLine(log, line);
     for (const cv::Point2f& corner : imagePoints[k]) {
-      WriteRunLogLine(log, ToText(corner.x) + " " + ToText(corner.y));
+      WriteRunLogLine(log, ToSixDecimals(corner.x) + " " + ToSixDecimals(corner.y));
     }
   }
   WriteRunLogLine(log, "RAW DATA END");
@@ -113,7 +113,7 @@ cv::Size RefinementWindow(const Corners& corners, cv::Size boardSize) {
 void CountUnusablePhotograph(std::size_t index, int& Num_TrackerData) {
   if (static_cast<long long>(index) < Num_TrackerData) {
     --Num_TrackerData;
-    std::cout << "Num_TrackerData - 1, Num_TrackerData = " + ToText(Num_TrackerData) + '\n';
+    std::cout << "Num_TrackerData - 1, Num_TrackerData = " + std::to_string(Num_TrackerData) + '\n';
   }
 }
 
@@ -156,8 +156,8 @@ ResultCode DetectCorners(RunLog log, cv::Size& imageSize, std::vector<std::strin
     }
   }
   if (usable < kLeastPhotographs) {
-    WriteRunLogLine(
-        log, "The amount of useful data is too small. (< " + ToText(kLeastPhotographs) + " )");
+    WriteRunLogLine(log, "The amount of useful data is too small. (< " +
+                             std::to_string(kLeastPhotographs) + " )");
     return LogError(log, result::kTooFewImages);
   }
   WriteRunLogLine(log, "Corner detection successful.");

@@ -12,7 +12,7 @@ namespace trackedcam {
 ResultCode CheckLensError(const RunLog& log, double rms, float rmsLimit) {
   if (rms > rmsLimit) {
     WriteRunLogLine(log, " Camera calibration failed, reporjection too large. (> " +
-                             ToText(rmsLimit) + " pixel)");
+                             ToSixDecimals(rmsLimit) + " pixel)");
     return LogError(log, result::kLensErrorTooLarge);
   }
   return result::kSuccess;
@@ -43,20 +43,20 @@ ResultCode CalibrateIntrinsics(RunLog log, double& rms, cv::Size imageSize, cv::
                             extrinsicDeviations, perViewErrors, flags, criteria);
 
   const auto logPixels = [&](const std::string& label, double value) {
-    WriteRunLogLine(log, label + " : " + ToText(value) + " pixel.");
+    WriteRunLogLine(log, label + " : " + ToSixDecimals(value) + " pixel.");
   };
   logPixels("Fx", cameraMatrix.at<double>(0, 0));
   logPixels("Fy", cameraMatrix.at<double>(1, 1));
   logPixels("Cx", cameraMatrix.at<double>(0, 2));
   logPixels("Cy", cameraMatrix.at<double>(1, 2));
-  WriteRunLogLine(log, "reprojection error : " + ToText(rms));
+  WriteRunLogLine(log, "reprojection error : " + ToSixDecimals(rms));
   if (const ResultCode code = CheckLensError(log, rms, rmsLimit)) {
     return code;
   }
 
   CutPoses(Rot_Cam_Chart_vec, Trans_Cam_Chart_vec, Num_TrackerData);
-  WriteRunLogLine(log, "size of Rot_Cam_Chart_vec : " + ToText(Rot_Cam_Chart_vec.rows));
-  WriteRunLogLine(log, "size of Trans_Cam_Chart_vec : " + ToText(Trans_Cam_Chart_vec.rows));
+  WriteRunLogLine(log, "size of Rot_Cam_Chart_vec : " + std::to_string(Rot_Cam_Chart_vec.rows));
+  WriteRunLogLine(log, "size of Trans_Cam_Chart_vec : " + std::to_string(Trans_Cam_Chart_vec.rows));
   WriteRunLogLine(log, "Camera calibration successful.");
   return result::kSuccess;
 }

@@ -24,8 +24,8 @@ ResultCode CalibrateIntrinsics(RunLog log, double& rms, cv::Size imageSize, cv::
 /// Returns 0, or 5 when rms exceeds rmsLimit (pixels).
 ResultCode CheckLensError(const RunLog& log, double rms, float rmsLimit);
 
-/// Cuts both lists of poses to the first Num_TrackerData rows, after lowering that to the number of
-/// rows that there are.
+/// Makes both lists of poses views of their first Num_TrackerData rows, after lowering that to the
+/// number of rows that there are. What lies behind the views stays with their matrix.
 void CutPoses(cv::Mat& Rot_Cam_Chart_vec, cv::Mat& Trans_Cam_Chart_vec, int& Num_TrackerData);
 
 }  // namespace trackedcam

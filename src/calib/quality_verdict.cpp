@@ -12,7 +12,7 @@ ResultCode Quality_Verdict(RunLog log, float normError, float normErrorWarning,
                            float normErrorFailure, const Transform& Mean_Transform_Cam_Tc,
                            const std::vector<Eigen::Vector3f>& translations, float spreadWarning,
                            float spreadFailure) {
-  WriteRunLogLine(log, "Norm Reprojection error : " + ToText(normError));
+  WriteRunLogLine(log, "Norm Reprojection error : " + ToSixDecimals(normError));
 
   const Eigen::Vector3f mean = Mean_Transform_Cam_Tc.topRightCorner<3, 1>().cast<float>();
   std::array<FloatSum, 3> sums;
@@ -25,12 +25,12 @@ ResultCode Quality_Verdict(RunLog log, float normError, float normErrorWarning,
   const float stdY = sums[1].RootOfMean(translations.size());
   const float stdZ = sums[2].RootOfMean(translations.size());
   const float maxStd = std::max(std::max(stdX, stdY), stdZ);
-  WriteRunLogLine(
-      log, "T_STD : " + ToText(stdX) + ", " + ToText(stdY) + ", " + ToText(stdZ) + " meter.");
-  WriteRunLogLine(log, "Max T_STD : " + ToText(maxStd) + " meter.");
+  WriteRunLogLine(log, "T_STD : " + ToSixDecimals(stdX) + ", " + ToSixDecimals(stdY) + ", " +
+                           ToSixDecimals(stdZ) + " meter.");
+  WriteRunLogLine(log, "Max T_STD : " + ToSixDecimals(maxStd) + " meter.");
 
   const auto compare = [](const std::string& what, float figure, float limit) {
-    return what + ToText(figure) + " > " + ToText(limit) + " )";
+    return what + ToSixDecimals(figure) + " > " + ToSixDecimals(limit) + " )";
   };
   // The spread comes first: a warning about it is reported even where the error would fail.
   if (maxStd > spreadFailure) {

@@ -58,19 +58,21 @@ ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate
     const Corners projected =
         ProjectBoard(boardTemplate, Transform_Cam_Chart, cameraMatrix, distortion);
 
-    cv::Mat photograph = LoadImage(imagePaths[i]);
     if (writeImages) {
+      cv::Mat photograph = LoadImage(imagePaths[i]);
       DrawCorners(photograph, imagePoints[i], projected);
       WriteReprojectedImage(photograph, outputFolder, imagePaths[i]);
+    } else {
+      ImageOpens(imagePaths[i]);  // a missing photograph shows on the console in either pass
     }
 
     const float error = MeanDistance(imagePoints[i], projected);
     sum.Add(error);
-    WriteRunLogLine(
-        log, "Image " + std::to_string(i) + " reprojection error : " + ToText(error) + " pixels.");
+    WriteRunLogLine(log, "Image " + std::to_string(i) +
+                             " reprojection error : " + ToSixDecimals(error) + " pixels.");
   }
   averageError = sum.Value() / static_cast<float>(imagePoints.size());
-  WriteRunLogLine(log, "Average reprojection error : " + ToText(averageError) + " pixels.");
+  WriteRunLogLine(log, "Average reprojection error : " + ToSixDecimals(averageError) + " pixels.");
   return result::kSuccess;
 }
 

@@ -17,9 +17,9 @@ namespace trackedcam {
 /// from the detected corners. The error so measures the whole solution, not only the lens.
 ///
 /// With writeImages each photograph is saved with both sets of corners drawn on it, as
-/// outputFolder,
-/// "//Reproject_" and the photograph's name; one that cannot be written is passed over.
-/// Returns 0, or 7 when imagePoints and Transform_Base_Tc_all differ in length.
+/// outputFolder, "//Reproject_" and the photograph's name; one that cannot be written is passed
+/// over. Without it photographs are opened, not decoded. Returns 0, or 7 when imagePoints and
+/// Transform_Base_Tc_all differ in length.
 ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate& boardTemplate,
                             const std::vector<Corners>& imagePoints, const cv::Mat& cameraMatrix,
                             const cv::Mat& distortion, const Transform& Mean_Transform_Cam_Tc,

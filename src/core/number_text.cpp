@@ -4,11 +4,111 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <system_error>
 
 namespace trackedcam {
+namespace {
 
-std::string ToText(double number) {
+// More digits than decide how any number is rounded. Those behind count only as more than nothing.
+constexpr std::size_t kDigitsKept = 800;
+
+// Beyond it a number is infinite or 0 however many digits it has; within it readers are safe.
+constexpr long long kExponentLimit = 1'000'000'000'000'000;
+constexpr long long kReadableExponent = 10'000;
+
+// 0.digits times 10, or 2 for hexadecimal digits, to the power of the exponent; 0 without digits.
+struct Scientific {
+  std::string digits;  // begin with one that is not 0
+  long long exponent = 0;
+};
+
+bool IsDecimal(char character) {
+  return character >= '0' && character <= '9';
+}
+
+bool IsHexadecimal(char character) {
+  return IsDecimal(character) || (character >= 'a' && character <= 'f') ||
+         (character >= 'A' && character <= 'F');
+}
+
+// The word is given in small letters and found in any.
+bool StartsWith(std::string_view text, std::string_view word) {
+  const auto small = [](char letter) {
+    return static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter);
+  };
+  return text.size() >= word.size() &&
+         std::equal(word.begin(), word.end(), text.begin(),
+                    [&](char wanted, char letter) { return wanted == small(letter); });
+}
+
+bool TakeSign(std::string_view& text) {
+  const bool isNegative = StartsWith(text, "-");
+  text.remove_prefix(isNegative || StartsWith(text, "+") ? 1 : 0);
+  return isNegative;
+}
+
+void TakeDigits(std::string_view& text, bool isHex, Scientific& number) {
+  const int weight = isHex ? 4 : 1;
+  bool isBehindPoint = false;
+  for (; !text.empty(); text.remove_prefix(1)) {
+    const char character = text.front();
+    if (character == '.' && !isBehindPoint) {
+      isBehindPoint = true;
+      continue;
+    }
+    if (!(isHex ? IsHexadecimal(character) : IsDecimal(character))) {
+      return;
+    }
+    const bool isLeadingZero = character == '0' && number.digits.empty();
+    if (isLeadingZero && isBehindPoint) {
+      number.exponent -= weight;
+    } else if (!isLeadingZero && !isBehindPoint) {
+      number.exponent += weight;
+    }
+    if (!isLeadingZero && number.digits.size() < kDigitsKept) {
+      number.digits += character;
+    } else if (character != '0') {
+      number.digits.back() = '1';
+    }
+  }
+}
+
+// A mark without digits behind it belongs to the text after the number.
+void TakeExponent(std::string_view text, bool isHex, Scientific& number) {
+  if (!StartsWith(text, isHex ? "p" : "e")) {
+    return;
+  }
+  text.remove_prefix(1);
+  const bool isNegative = TakeSign(text);
+  long long exponent = 0;
+  for (; !text.empty() && IsDecimal(text.front()); text.remove_prefix(1)) {
+    exponent = std::min(10 * exponent + (text.front() - '0'), kExponentLimit);
+  }
+  number.exponent += isNegative ? -exponent : exponent;
+}
+
+double ValueOf(const Scientific& number, bool isHex) {
+  if (number.digits.empty() || number.exponent < -kReadableExponent) {
+    return 0;
+  }
+  if (number.exponent > kReadableExponent) {
+    return HUGE_VAL;
+  }
+  const std::string text =
+      "0." + number.digits + (isHex ? "p" : "e") + std::to_string(number.exponent);
+  double value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value,
+                                      isHex ? std::chars_format::hex : std::chars_format::general);
+  if (result.ec == std::errc::result_out_of_range) {
+    return number.exponent > 0 ? HUGE_VAL : 0;
+  }
+  return value;
+}
+
+}  // namespace
+
+std::string ToSixDecimals(double number) {
   // The longest text: a sign, 309 digits, the point and six decimals.
   std::array<char, 320> buffer = {};
   number = std::isnan(number) ? std::copysign(number, 1.0) : number;
@@ -17,35 +117,27 @@ std::string ToText(double number) {
   return std::string(buffer.data(), result.ptr);
 }
 
-std::string ToText(int number) {
-  return std::to_string(number);
-}
-
-double ParseNumber(std::string_view text) {
-  // from_chars takes neither blanks nor a plus sign nor the mark of hexadecimal digits.
+double ParseLeadingNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-  const bool isNegative = !text.empty() && text.front() == '-';
-  if (isNegative || (!text.empty() && text.front() == '+')) {
-    text.remove_prefix(1);
+  const bool isNegative = TakeSign(text);
+  const auto withSign = [&](double value) { return std::copysign(value, isNegative ? -1.0 : 1.0); };
+  if (StartsWith(text, "inf")) {
+    return withSign(HUGE_VAL);
   }
-  const std::string_view mark = text.substr(0, 2);
-  const bool isHex = mark == "0x" || mark == "0X";
-  if (isHex) {
-    text.remove_prefix(2);
+  if (StartsWith(text, "nan")) {
+    return withSign(std::numeric_limits<double>::quiet_NaN());
   }
-  double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number,
-                                      isHex ? std::chars_format::hex : std::chars_format::general);
-  const bool hasTwoSigns = !text.empty() && text.front() == '-';
-  if (hasTwoSigns || result.ec == std::errc::invalid_argument) {
+  const std::string_view number = StartsWith(text, ".") ? text.substr(1) : text;
+  if (number.empty() || !IsDecimal(number.front())) {
     return 0;
   }
-  if (result.ec == std::errc::result_out_of_range) {
-    const bool isTiny = text.front() == '0' || text.front() == '.' ||
-                        std::find(text.data(), result.ptr, '-') != result.ptr;
-    number = isTiny ? 0 : HUGE_VAL;
-  }
-  return isNegative ? -number : number;
+  // Of "0x" without digits behind it the 0 is the number.
+  const bool isHex = StartsWith(text, "0x");
+  text.remove_prefix(isHex ? 2 : 0);
+  Scientific scientific;
+  TakeDigits(text, isHex, scientific);
+  TakeExponent(text, isHex, scientific);
+  return withSign(ValueOf(scientific, isHex));
 }
 
 }  // namespace trackedcam

@@ -15,7 +15,7 @@ constexpr double kShortPi = 3.1415926535;
 
 /// 180 / pi rounded to single precision and used in double: the fields of view, Unreal Engine's
 /// roll.
-constexpr double kDegreesPerRadian = 57.295780181884766;
+constexpr double kRoundedDegreesPerRadian = 57.295780181884766;
 
 /// The same in single precision: the engines' other angles.
 constexpr float kDegreesPerRadianSingle = 57.29578F;

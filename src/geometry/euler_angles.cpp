@@ -33,8 +33,9 @@ ResultCode QuatToEulerUE(RunLog log, const Quaternion& quaternion, EulerAngles& 
   const float singularity = z * x - w * y;
   if (singularity < -kLockUE || singularity > kLockUE) {
     WriteRunLogLine(log, "Encountered Gimbal lock : ");
-    WriteRunLogLine(log, "SingularityTest : " + ToText(singularity));
-    WriteRunLogLine(log, "x : " + ToText(x) + ", y : " + ToText(y) + ", z : " + ToText(z));
+    WriteRunLogLine(log, "SingularityTest : " + ToSixDecimals(singularity));
+    WriteRunLogLine(
+        log, "x : " + ToSixDecimals(x) + ", y : " + ToSixDecimals(y) + ", z : " + ToSixDecimals(z));
     return LogError(log, result::kGimbalLock);
   }
   const float pitch = std::asin(2 * singularity) * kDegreesPerRadianSingle;
@@ -43,7 +44,7 @@ ResultCode QuatToEulerUE(RunLog log, const Quaternion& quaternion, EulerAngles& 
   // The numerator is rounded to single precision, the angle is not.
   const double rollNumerator = -2 * (z * y + w * x);
   const auto roll =
-      static_cast<float>(std::atan2(rollNumerator, CosineTerm(x, y)) * kDegreesPerRadian);
+      static_cast<float>(std::atan2(rollNumerator, CosineTerm(x, y)) * kRoundedDegreesPerRadian);
   angles = {roll, pitch, yaw};
   return result::kSuccess;
 }

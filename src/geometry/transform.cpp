@@ -31,7 +31,7 @@ void LogTransform(const RunLog& log, const std::string& label, const Transform& 
   for (int r = 0; r < 4; ++r) {
     std::string line = r == 0 ? "[[" : " [";
     for (int c = 0; c < 4; ++c) {
-      line += (c == 0 ? "" : ", ") + ToText(transform(r, c));
+      line += (c == 0 ? "" : ", ") + ToSixDecimals(transform(r, c));
     }
     WriteRunLogLine(log, line + (r == 3 ? "]]" : "],"));
   }

@@ -43,7 +43,7 @@ ResultCode MeasureDeviations(const RunLog& log, const TransformList& Transform_C
     // photograph is kept.
     const auto rotationDeg = static_cast<float>(std::acos(product) / kShortPi * 180.0);
     WriteRunLogLine(log, "Diff R in image " + std::to_string(deviations.size()) + " : " +
-                             ToText(rotationDeg) + " degree.");
+                             ToSixDecimals(rotationDeg) + " degree.");
     deviations.push_back({rotationDeg, TranslationAsFloats(Transform_Cam_Tc) - meanTranslation});
   }
   return result::kSuccess;
@@ -95,10 +95,10 @@ ResultCode RT_Filt_Outlier(RunLog log, TransformList& Transform_Cam_Tc_all,
     return code;
   }
   const Deviation spread = SpreadOf(deviations);
-  WriteRunLogLine(log, "STD_R : " + ToText(spread.rotationDeg) + " degree.");
-  WriteRunLogLine(log, "STD_T : " + ToText(spread.translation.x()) + ", " +
-                           ToText(spread.translation.y()) + ", " + ToText(spread.translation.z()) +
-                           " meter.");
+  WriteRunLogLine(log, "STD_R : " + ToSixDecimals(spread.rotationDeg) + " degree.");
+  WriteRunLogLine(log, "STD_T : " + ToSixDecimals(spread.translation.x()) + ", " +
+                           ToSixDecimals(spread.translation.y()) + ", " +
+                           ToSixDecimals(spread.translation.z()) + " meter.");
 
   const std::vector<std::int32_t> outliers =
       FindOutliers(deviations, kTranslationLimitFactor * spread.translation);
@@ -107,7 +107,7 @@ ResultCode RT_Filt_Outlier(RunLog log, TransformList& Transform_Cam_Tc_all,
   WriteRunLogLine(log, "Size list : (init) " + std::to_string(deviations.size()));
   if (remaining < kLeastPairs) {
     WriteRunLogLine(log, "Filtered data number not enough : " + std::to_string(remaining) +
-                             " <= " + ToText(kLeastPairs));
+                             " <= " + std::to_string(kLeastPairs));
     return LogError(log, result::kTooFewFiltered);
   }
 

@@ -51,6 +51,14 @@ Transform ChartPose(const cv::Vec3d& rotationVector, const cv::Vec3d& translatio
   return MakeTransform(block, {translation[0], translation[1], translation[2]});
 }
 
+// The rows behind a view's last one belong to the matrix that it is a view of. A view of no rows
+// has none behind it.
+cv::Mat WithRowsBehind(const cv::Mat& view, std::size_t rows) {
+  cv::Mat whole = view;
+  const int missing = static_cast<int>(rows) - view.rows;
+  return view.empty() || missing <= 0 ? whole : whole.adjustROI(0, missing, 0, 0);
+}
+
 // The host's locale must not reach the digits.
 void PrintMatrix(const Eigen::Matrix3d& matrix) {
   std::ostringstream text;
@@ -75,9 +83,10 @@ ResultCode OrganizeRT(RunLog log, TransformList& Transform_Base_Tc_all,
   Transform_Chart_Tr = NominalChartTracker(chartTrackerRotation, chartTrackerTranslation);
   WriteRunLogLine(log, "Transform_Chart_Tr successful.");
 
-  // Fewer poses than records: the host announced fewer records than there are usable photographs.
-  const int count = std::min(
-      {static_cast<int>(records.size()), Rot_Cam_Chart_vec.rows, Trans_Cam_Chart_vec.rows});
+  // The poses may be cut shorter than the records, but element i is that of record i all the same.
+  const cv::Mat rotations = WithRowsBehind(Rot_Cam_Chart_vec, records.size());
+  const cv::Mat translations = WithRowsBehind(Trans_Cam_Chart_vec, records.size());
+  const int count = std::min({static_cast<int>(records.size()), rotations.rows, translations.rows});
   for (int i = 0; i < count; ++i) {
     const TrackerRecord& record = records[static_cast<std::size_t>(i)];
     const Eigen::Matrix3d chartTracker =
@@ -93,7 +102,7 @@ ResultCode OrganizeRT(RunLog log, TransformList& Transform_Base_Tc_all,
     Transform_Base_Tc_all.push_back(Transform_Base_Tc);
     Transform_Tr_Base_all.push_back(InverseTransform(Transform_Base_Tr));
     Transform_Cam_Chart_all.push_back(
-        ChartPose(Rot_Cam_Chart_vec.at<cv::Vec3d>(i), Trans_Cam_Chart_vec.at<cv::Vec3d>(i)));
+        ChartPose(rotations.at<cv::Vec3d>(i), translations.at<cv::Vec3d>(i)));
   }
   return result::kSuccess;
 }

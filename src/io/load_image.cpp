@@ -9,13 +9,27 @@
 #include "core/utf8.h"
 
 namespace trackedcam {
+namespace {
 
-cv::Mat LoadImage(const std::string& path) {
+File OpenImage(const std::string& path) {
   const std::wstring widePath = WideFromUtf8(path);
-  const File file = OpenFile(widePath, "rb");
+  File file = OpenFile(widePath, "rb");
   if (!file) {
     // The address, since a narrow stream prints no wide text.
     std::cout << "Failed to open " << static_cast<const void*>(widePath.c_str()) << '\n';
+  }
+  return file;
+}
+
+}  // namespace
+
+bool ImageOpens(const std::string& path) {
+  return OpenImage(path) != nullptr;
+}
+
+cv::Mat LoadImage(const std::string& path) {
+  const File file = OpenImage(path);
+  if (!file) {
     return {};
   }
   std::fseek(file.get(), 0, SEEK_END);

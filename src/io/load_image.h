@@ -11,4 +11,7 @@ namespace trackedcam {
 /// @throws cv::Exception when the decoder refuses the bytes, for example an empty file.
 cv::Mat LoadImage(const std::string& path);
 
+/// Whether LoadImage can open the file. Says so on the console where it cannot, as LoadImage does.
+bool ImageOpens(const std::string& path);
+
 }  // namespace trackedcam

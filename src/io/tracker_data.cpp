@@ -99,7 +99,7 @@ ResultCode ReadTrackerData(RunLog log, const std::string& dataPath,
       if (i == kPathField) {
         imagePaths.push_back(fields[i]);
       } else {
-        record.push_back(ParseNumber(fields[i]));
+        record.push_back(ParseLeadingNumber(fields[i]));
       }
     }
     if (const ResultCode code = AppendRecord(log, record, records)) {

@@ -44,7 +44,7 @@ class EngineExports : public testing::Test {
   // The opening lines, the transform that came in, and what follows.
   static std::vector<std::string> Lines(const std::string& name,
                                         const std::vector<std::string>& rest) {
-    std::vector<std::string> lines = {"Version : v1.1.0", name + " start."};
+    std::vector<std::string> lines = {"Version : v" TRACKEDCAM_VERSION, name + " start."};
     lines.insert(lines.end(), kShiftedLines.begin(), kShiftedLines.end());
     lines.insert(lines.end(), rest.begin(), rest.end());
     return lines;
@@ -62,7 +62,7 @@ void ExpectNear(const Numbers& actual, const Numbers& expected, double tolerance
   }
 }
 
-TEST_F(EngineExports, ToUnrealEngine4RefusesAFrameThatCoincidesWithTheTrackers) {
+TEST_F(EngineExports, ToUnrealEngine4RefusesTheTrackersOwnFrame) {
   EXPECT_EQ(CamAxisToUE4(kShifted, rotation, translation, Folder()), 3);
   EXPECT_TRUE(rotation.empty());
   EXPECT_TRUE(translation.empty());
@@ -283,7 +283,8 @@ TEST_F(AximmetryExport, NamesTheInputThatIsTooShort) {
                                  translation, own.Path().u8string()),
               -1);
     EXPECT_EQ(test::ReadLogLines(test::OnlyLogIn(own.Path().u8string())),
-              (std::vector<std::string>{"Version : v1.1.0", "CamAxisToAximmetry start.", line}));
+              (std::vector<std::string>{"Version : v" TRACKEDCAM_VERSION,
+                                        "CamAxisToAximmetry start.", line}));
   };
   expectRefused({0.5}, {0.5, 0.5}, kShifted, "normFocal has 1 elements, needs 2.");
   expectRefused({0.5, 0.5}, {}, kShifted, "normCenter has 0 elements, needs 2.");
@@ -298,9 +299,10 @@ TEST_F(EngineExports, RefuseATransformOfFewerThanSixteenElements) {
         std::pair("CamAxisToUE5_ExportxN", &CamAxisToUE5_ExportxN)}) {
     const test::TemporaryFolder own;
     EXPECT_EQ(function(fifteen, rotation, translation, own.Path().u8string()), -1);
-    EXPECT_EQ(test::ReadLogLines(test::OnlyLogIn(own.Path().u8string())),
-              (std::vector<std::string>{"Version : v1.1.0", std::string(name) + " start.",
-                                        "transformCamTc has 15 elements, needs 16."}));
+    EXPECT_EQ(
+        test::ReadLogLines(test::OnlyLogIn(own.Path().u8string())),
+        (std::vector<std::string>{"Version : v" TRACKEDCAM_VERSION, std::string(name) + " start.",
+                                  "transformCamTc has 15 elements, needs 16."}));
   }
   EXPECT_TRUE(rotation.empty());
   EXPECT_TRUE(translation.empty());

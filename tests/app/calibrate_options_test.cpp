@@ -66,8 +66,8 @@ TEST_F(CalibrateOptionsTest, ComeFromTheConfigurationFile) {
   EXPECT_THAT(options.inputs.sensorMm, ElementsAre(36, 20.25));
   EXPECT_THAT(options.inputs.board, ElementsAre(9, 6));
   EXPECT_EQ(options.inputs.squareMetres, 0.03);
-  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(12, -8, 5));
-  EXPECT_THAT(options.inputs.mounting->translationMetres, ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(*options.mounting.rotation, ElementsAre(12, -8, 5));
+  EXPECT_THAT(*options.mounting.translation, ElementsAre(0.1, -0.05, 0.02));
   EXPECT_TRUE(options.inputs.invertTrackerQuaternions);
   EXPECT_EQ(options.inputs.expectedRecords, std::nullopt);
   EXPECT_FALSE(options.verbose);
@@ -85,7 +85,7 @@ TEST_F(CalibrateOptionsTest, OfTheCommandLineWinOverTheFile) {
          "--chart-rotation", "-1,2,3", "--expected-records", "7", "--log-folder", "logs"});
   EXPECT_EQ(options.inputs.data, folder.Path() / "other.csv");
   EXPECT_EQ(options.inputs.squareMetres, 0.05);
-  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(-1, 2, 3));
+  EXPECT_THAT(*options.mounting.rotation, ElementsAre(-1, 2, 3));
   EXPECT_EQ(options.inputs.expectedRecords, 7);
   EXPECT_THAT(options.inputs.board, ElementsAre(9, 6));
   EXPECT_EQ(options.inputs.logFolder, std::filesystem::current_path() / "logs");
@@ -124,8 +124,8 @@ log-folder = 'C:\takes\new'
   Parse({"--config", config});
   EXPECT_THAT(options.inputs.sensorMm, ElementsAre(36, 20.25));
   EXPECT_EQ(options.inputs.squareMetres, 0.03);
-  EXPECT_THAT(options.inputs.mounting->rotationDegrees, ElementsAre(12, -8, 5));
-  EXPECT_THAT(options.inputs.mounting->translationMetres, ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(*options.mounting.rotation, ElementsAre(12, -8, 5));
+  EXPECT_THAT(*options.mounting.translation, ElementsAre(0.1, -0.05, 0.02));
   EXPECT_THAT(options.inputs.logFolder.u8string(), HasSubstr("C:\\takes\\new"));
 }
 
@@ -153,6 +153,15 @@ TEST_F(CalibrateOptionsTest, NameFilesAndFoldersThatExist) {
             "--truth: there is no file missing.json");
   EXPECT_EQ(ErrorOf({"--config", config, "--working-folder", "missing"}),
             "--working-folder: there is no folder missing");
+}
+
+TEST_F(CalibrateOptionsTest, MayLeaveTheMountingOpen) {
+  EXPECT_EQ(MountingOf({}), std::nullopt);
+  const auto mounting = MountingOf({{{1, 2, 3}}, {{4, 5, 6}}});
+  EXPECT_THAT(mounting->rotationDegrees, ElementsAre(1, 2, 3));
+  EXPECT_THAT(mounting->translationMetres, ElementsAre(4, 5, 6));
+  EXPECT_THROW(MountingOf({{{1, 2, 3}}, std::nullopt}), CLI::ValidationError);
+  EXPECT_THROW(MountingOf({std::nullopt, {{4, 5, 6}}}), CLI::ValidationError);
 }
 
 TEST_F(CalibrateOptionsTest, AreRequired) {

@@ -179,14 +179,15 @@ TEST_F(HostProgramShoot, SaysWhenTheBoardIsGivenInSquares) {
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(
       run.error,
-      "trackedcam: No board of 10x7 inner corners was found in any photograph: --board counts "
-      "inner corners, so a chart of 10x7 squares is 9x6.\n");
+      "trackedcam: error 4: Fewer than 12 photographs can be used. No board of 10x7 inner corners "
+      "was found in any photograph.\n");
+  EXPECT_THAT(run.out, HasSubstr("a chart of 10x7 squares has 9x6 of them"));
   EXPECT_EQ(Read("result.json")["code"], 4);
 }
 
-TEST_F(HostProgramShoot, FailsWhenFewerRecordsAreExpected) {
+TEST_F(HostProgramShoot, FailsWhenNoRecordsAreExpected) {
   Simulate();
-  const ProgramRun run = Calibrate({"--expected-records", "5"});
+  const ProgramRun run = Calibrate({"--expected-records", "0"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.out, HasSubstr("Next: Leave out --expected-records"));
   EXPECT_EQ(Read("result.json")["code"], 7);

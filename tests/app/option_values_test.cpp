@@ -74,6 +74,35 @@ TEST(OptionValues, TripleHasThreeNumbers) {
   }
 }
 
+TEST(OptionValues, TranslationMayHaveUnits) {
+  EXPECT_THAT(ParseTranslation("", "0.1,-0.05,0.02"), ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(ParseTranslation("", "100mm,-50mm,20mm"), ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(ParseTranslation("", "100,-50,20mm"), ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(ParseTranslation("", "10 cm, -50 mm, 2cm"), ElementsAre(0.1, -0.05, 0.02));
+  EXPECT_THAT(ParseTranslation("", "10, -5, 0 cm"), ElementsAre(0.1, -0.05, 0));
+}
+
+TEST(OptionValues, TranslationIsThreeLengths) {
+  for (const char* text : {"", "1,2", "1,2,3,4", "1;2;3", "1,2,nan", "100mm,-50,20", "1,-5cm,20mm",
+                           "100,-50mm,20", "0.1m,0,0", "mm,mm,mm", ",,mm", "1,2,infmm"}) {
+    EXPECT_EQ(ErrorOf(ParseTranslation, text),
+              "--option: " + std::string(text) +
+                  " is not three lengths X,Y,Z in metres, such as 0.1,-0.05,0.02, or with a unit, "
+                  "such as 100,-50,20mm");
+  }
+}
+
+TEST(OptionValues, TranslationThatSeemsToBeMillimetresIsAskedAbout) {
+  EXPECT_EQ(ErrorOf(ParseTranslation, "100,-50,20"),
+            "--option: 100,-50,20 is 100 metres away; in millimetres it is --option 100,-50,20mm, "
+            "in centimetres 100,-50,20cm");
+  EXPECT_EQ(ErrorOf(ParseTranslation, "0,-3.5,0"),
+            "--option: 0,-3.5,0 is 3.5 metres away; in millimetres it is --option 0,-3.5,0mm, in "
+            "centimetres 0,-3.5,0cm");
+  EXPECT_THAT(ParseTranslation("", "3,-3,0"), ElementsAre(3, -3, 0));
+  EXPECT_THAT(ParseTranslation("", "400,0,0cm "), ElementsAre(4, 0, 0));  // it was said
+}
+
 TEST(OptionValues, SquareIsInMetres) {
   EXPECT_EQ(ErrorOf(ParseSquare, "30"),
             "--option: 30 is 30 metres; a square of 30 millimetres is --option 0.03");

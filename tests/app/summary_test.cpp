@@ -15,6 +15,7 @@ using testing::Not;
 Report GoodReport() {
   Report report;
   report.run.code = 0;
+  report.verdict.words = "Success: all is well.";
   report.run.outputs = {{2000, 1000},
                         {0.9, 1.8},
                         {0.5, 0.49},
@@ -54,6 +55,30 @@ TEST(Summary, ShowsErrorsAndPhotographs) {
   EXPECT_THAT(summary, HasSubstr("Success"));
 }
 
+TEST(Summary, NamesNoPhotographThatTheFilterLeftOut) {
+  Report report = GoodReport();
+  report.run.record.photographs.push_back({"c.jpg", host::DropReason::kOutlier, std::nullopt});
+  const std::string summary = SummaryOf(report);
+  EXPECT_THAT(summary, HasSubstr("1 of 3 used; 1 left out by the filter (about half is normal)\n"));
+  EXPECT_THAT(summary, Not(HasSubstr("c.jpg")));
+}
+
+TEST(Summary, ShowsFindingsAndCommands) {
+  Report report = GoodReport();
+  report.findings = {{"squareSize",
+                      host::Severity::kWarning,
+                      "The squares seem larger.",
+                      "Measure them.",
+                      {},
+                      {},
+                      ""}};
+  report.verdict.commands = {"trackedcam calibrate --refine-mounting"};
+  const std::string summary = SummaryOf(report);
+  EXPECT_THAT(summary, HasSubstr("\nFindings\n  warning: The squares seem larger.\n"
+                                 "    Measure them.\n"));
+  EXPECT_THAT(summary, HasSubstr("\n      trackedcam calibrate --refine-mounting\n"));
+}
+
 TEST(Summary, ShowsTheTruthBesideTheLens) {
   const Report report = GoodReport();
   CalibrationOutputs truth = report.run.outputs;
@@ -68,11 +93,14 @@ TEST(Summary, ShowsTheTruthBesideTheLens) {
 TEST(Summary, OfAFailureShowsWhatThereIs) {
   Report report;
   report.run.code = 4;
+  report.verdict.words = "Fewer than 12 photographs can be used.";
+  report.verdict.advice = "Photograph more.";
   report.run.log = "/logs/log.txt";
   const std::string summary = SummaryOf(report);
   EXPECT_THAT(summary, Not(HasSubstr("Lens")));
   EXPECT_THAT(summary, Not(HasSubstr("Transform")));
-  EXPECT_THAT(summary, HasSubstr("Failed, code 4: Fewer than 12 photographs can be used.\nNext: "));
+  EXPECT_THAT(summary, HasSubstr("Failed, code 4: Fewer than 12 photographs can be used.\n"
+                                 "Next: Photograph more.\n"));
   EXPECT_THAT(summary, HasSubstr("Log: /logs/log.txt\n"));
 }
 

@@ -159,7 +159,7 @@ TEST_F(CornerDetectionTest, PrintsTheLossOfAPhotographInOrder) {
   after("Num_TrackerData - 1, Num_TrackerData = 0\n", at);
 }
 
-TEST_F(CornerDetectionTest, CountsUnusablePhotographsBelowTheLoweredCountOnly) {
+TEST_F(CornerDetectionTest, CountsUnusableBelowTheLoweredCountOnly) {
   int count = 20;
   for (const std::size_t index : {0, 1, 18, 19}) {
     CountUnusablePhotograph(index, count);

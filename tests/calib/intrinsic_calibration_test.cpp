@@ -150,7 +150,7 @@ TEST_F(IntrinsicCalibrationTest, LeavesANegativeCountToTheImageLibrary) {
   EXPECT_THROW(CutPoses(poses, others, count), cv::Exception);
 }
 
-TEST_F(IntrinsicCalibrationTest, IsInPixelsOfTheFullPhotographWhereTheBoardIsSearchedOnALesserOne) {
+TEST_F(IntrinsicCalibrationTest, IsInPixelsOfTheFullPhotograph) {
   sim::ShootOptions options;
   options.photographs = 12;
   options.imageWidth = 2560;

@@ -60,7 +60,7 @@ class ReprojectionErrorTest : public test::StageTest {
   float averageError = -1;
 };
 
-TEST_F(ReprojectionErrorTest, IsThreeWhenAllProjectionsLieThreePixelsToTheRight) {
+TEST_F(ReprojectionErrorTest, IsThreeForThreePixelsToTheRight) {
   AddPhotograph(GreyImage("a.png"), {-3, 0});
   EXPECT_EQ(Measure(), 0);
   EXPECT_NEAR(averageError, 3.0F, 1e-4);
@@ -114,6 +114,20 @@ TEST_F(ReprojectionErrorTest, IsDrawnWhenImagesAreWritten) {
   EXPECT_EQ(image.at<cv::Vec3b>(40, 20), kRed);
   EXPECT_EQ(image.at<cv::Vec3b>(40, 50), kBlue);
   EXPECT_EQ(image.at<cv::Vec3b>(5, 90), cv::Vec3b(128, 128, 128));
+}
+
+TEST_F(ReprojectionErrorTest, DecodesPhotographsOnlyToWriteThem) {
+  const std::string empty = folder.File("empty.png");
+  test::WriteFile(empty, "");  // which the decoder refuses
+  AddPhotograph(empty, {0, 0});
+  AddPhotograph(folder.File("missing.png"), {0, 0});
+  const std::string console = ConsoleOf([&] { EXPECT_EQ(Measure(false), 0); });
+  EXPECT_NEAR(averageError, 0, 1e-4);
+  // The line of the missing photograph stands between those of the two figures.
+  const std::size_t missing = console.find("Failed to open 0x");
+  EXPECT_LT(console.find("Image 0"), missing);
+  EXPECT_LT(missing, console.find("Image 1"));
+  EXPECT_THROW(Measure(true), cv::Exception);
 }
 
 TEST_F(ReprojectionErrorTest, AppendsAPathWithForwardSlashesWhole) {

@@ -75,7 +75,7 @@ TEST_F(ResultCodeTest, OfSomeStagesHaveABlankBeforeTheColon) {
 }
 
 TEST(Version, IsTheTextThatEveryCallLogs) {
-  EXPECT_EQ(LibraryVersion, "v1.1.0");
+  EXPECT_EQ(LibraryVersion, "v" TRACKEDCAM_VERSION);
 }
 
 }  // namespace

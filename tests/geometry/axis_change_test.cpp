@@ -35,7 +35,7 @@ const Engine kEngines[] = {
      [](const Point& p) { return Point(p.x(), -p.z(), -p.y()); }},
 };
 
-TEST_F(AxisChangeTest, TakesPointsFromTheEnginesCameraToTheEnginesTracker) {
+TEST_F(AxisChangeTest, TakesPointsFromCameraToTracker) {
   std::mt19937 random(4);
   std::uniform_real_distribution<double> metre(-1, 1);
   ConsoleOf([&] {

@@ -115,7 +115,7 @@ TEST_F(EulerAnglesTest, InGimbalLockAximmetryAreGivenAndLogged) {
             (std::vector<std::string>{"Encountered Gimbal lock", "Encountered Gimbal lock"}));
 }
 
-TEST_F(EulerAnglesTest, InGimbalLockAximmetryTakeTheRestIntoTheThirdAngle) {
+TEST_F(EulerAnglesTest, InGimbalLockAximmetryFillTheThirdAngle) {
   // A quarter turn about x after a turn of 40 degrees about z, either way up.
   for (const double quarter : {90.0, -90.0}) {
     const Eigen::Matrix3d rotation = Rotation(kX, quarter) * Rotation(kZ, 40);

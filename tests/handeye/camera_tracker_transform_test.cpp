@@ -50,8 +50,10 @@ TEST_F(CameraTrackerTransformTest, FollowsAWrongMounting) {
   const Transform truth = poses.Transform_Chart_Tr;
   poses.Transform_Chart_Tr = test::Disturbed(truth, 3, {1, 0, 0}, {0.01, 0, 0});
   EXPECT_EQ(Solve(poses), 0);
-  const Transform expected = poses.Transform_Cam_Chart_all[0] * poses.Transform_Chart_Tr *
-                             poses.Transform_Tr_Base_all[0] * poses.Transform_Base_Tc_all[0];
+  // The error of the mounting, seen from the camera, is that of the result.
+  const Transform& Transform_Cam_Chart = poses.Transform_Cam_Chart_all[0];
+  const Transform expected = Transform_Cam_Chart * poses.Transform_Chart_Tr * truth.inverse() *
+                             Transform_Cam_Chart.inverse() * poses.Transform_Cam_Tc;
   EXPECT_THAT(mean, IsTransformNear(expected, 1e-6, 1e-4));
   EXPECT_THAT(mean, testing::Not(IsTransformNear(poses.Transform_Cam_Tc, 1e-3, 1.0)));
 }

@@ -78,7 +78,7 @@ Transform WithTiltedAxis(double degrees) {
                        kMean.topRightCorner<3, 1>());
 }
 
-TEST_F(OutlierFilterTest, KeepsPhotographsThatTurnFurtherAboutTheSameAxis) {
+TEST_F(OutlierFilterTest, KeepsATurnAboutTheSameAxis) {
   EXPECT_EQ(Filter({kMean, test::Disturbed(kMean, 20, {1, 2, 2}, {0, 0, 0}), kMean}), 0);
   EXPECT_EQ(Left(), (std::vector<int>{0, 1, 2}));
 }
@@ -99,7 +99,7 @@ TEST_F(OutlierFilterTest, LogsTheAngleBetweenTheAxes) {
   EXPECT_EQ(second.substr(second.size() - 8), " degree.");
 }
 
-TEST_F(OutlierFilterTest, RemovesBeyondThirteenTenthsOfTheSpreadAlongAnyAxis) {
+TEST_F(OutlierFilterTest, RemovesBeyondOnePointThreeOfTheSpread) {
   for (const Eigen::Vector3d axis :
        {Eigen::Vector3d::UnitX(), Eigen::Vector3d::UnitY(), Eigen::Vector3d::UnitZ()}) {
     Clear();

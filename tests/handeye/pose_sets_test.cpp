@@ -160,13 +160,38 @@ TEST_F(PoseSetsTest, TakeAZeroQuaternionAsNoRotation) {
   EXPECT_EQ(Transform_Tr_Base_all[0], Transform_Tr_Base_all[1]);
 }
 
-TEST_F(PoseSetsTest, AreAsShortAsTheCutPoses) {
+TEST_F(PoseSetsTest, TakeTheRowsBehindACut) {
+  Organize({kRecord, kAtBase});
   rotations = rotations(cv::Range(0, 1), cv::Range(0, 1));
   translations = translations(cv::Range(0, 1), cv::Range(0, 1));
   Organize({kRecord, kAtBase});
+  for (const TransformList* list :
+       {&Transform_Cam_Chart_all, &Transform_Tr_Base_all, &Transform_Base_Tc_all}) {
+    ASSERT_EQ(list->size(), 4u);
+    EXPECT_EQ((*list)[2], (*list)[0]);
+    EXPECT_EQ((*list)[3], (*list)[1]);
+  }
+}
+
+TEST_F(PoseSetsTest, AreAsShortAsTheMatrixBehindACut) {
+  rotations = rotations(cv::Range(0, 1), cv::Range(0, 1));
+  Organize({kRecord, kAtBase, kRecord});
+  EXPECT_EQ(Transform_Cam_Chart_all.size(), 2u);
+  EXPECT_EQ(Transform_Tr_Base_all.size(), 2u);
+  EXPECT_EQ(Transform_Base_Tc_all.size(), 2u);
+}
+
+TEST_F(PoseSetsTest, LeaveOutPosesBehindTheRecords) {
+  Organize({kAtBase});
   EXPECT_EQ(Transform_Cam_Chart_all.size(), 1u);
-  EXPECT_EQ(Transform_Tr_Base_all.size(), 1u);
-  EXPECT_EQ(Transform_Base_Tc_all.size(), 1u);
+}
+
+TEST_F(PoseSetsTest, OfACutToNothingAreNone) {
+  rotations = rotations(cv::Range(0, 0), cv::Range(0, 1));
+  translations = translations(cv::Range(0, 0), cv::Range(0, 1));
+  Organize({kRecord, kAtBase});
+  EXPECT_TRUE(Transform_Cam_Chart_all.empty());
+  EXPECT_TRUE(Transform_Base_Tc_all.empty());
 }
 
 TEST_F(PoseSetsTest, PrintTheChartTrackersRotationToTheConsole) {

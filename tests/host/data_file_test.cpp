@@ -93,6 +93,16 @@ TEST_F(DataFileOnDisk, NeedsARow) {
   EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv has no row"));
 }
 
+TEST_F(DataFileOnDisk, HasAMillionRowsAtMost) {
+  test::WriteFile(folder.File("data.csv"), std::string(1000001, '\n'));
+  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv has more than a million rows"));
+}
+
+TEST_F(DataFileOnDisk, IsReadWhole) {
+  test::WriteFile(folder.File("data.csv"), "Time\nT1,a.jpg\n");
+  EXPECT_EQ(ReadDataContent(folder.Path() / "data.csv"), "Time\nT1,a.jpg\n");
+}
+
 TEST_F(DataFileOnDisk, MustBeAFile) {
   EXPECT_THAT(ErrorOf(""), HasSubstr("is no file"));
   EXPECT_THAT(ErrorOf("missing.csv"), HasSubstr("there is no tracker data file"));

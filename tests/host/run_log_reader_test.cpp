@@ -119,7 +119,7 @@ TEST_F(RunLogReaderTest, ReadsTheLensWhenItIsAccepted) {
   EXPECT_EQ(record.lensError, 0.25);
 }
 
-TEST_F(RunLogReaderTest, ReadsTheLastTransformAndTheFigures) {
+TEST_F(RunLogReaderTest, ReadsTheSecondSolveAndTheFigures) {
   LogToThePhotographs();
   Log({"Process : a"});
   LogRawData({"a"});
@@ -135,6 +135,8 @@ TEST_F(RunLogReaderTest, ReadsTheLastTransformAndTheFigures) {
   Log(first);
   Log({"Image 0 reprojection error : 9.000000 pixels.",
        "Average reprojection error : 2.500000 pixels."});
+  EXPECT_TRUE(record.transformCamTc.empty());
+  Log({"Mean_Transform_Chart_Tr : ", "[[1.000000, 0.000000, 0.000000, 5.000000],"});
   Log(second);
   Log({"Average reprojection error : 1.250000 pixels.", "Norm Reprojection error : 0.001000",
        "T_STD : 0.001000, 0.002000, 0.003000 meter.", "Max T_STD : 0.003000 meter."});

@@ -4,6 +4,7 @@ Usage: check_find_package.py BUILD SOURCE
 """
 
 import pathlib
+import re
 import tempfile
 
 from stranger import SOURCE, check_examples, check_loading, install, run
@@ -24,12 +25,16 @@ with tempfile.TemporaryDirectory() as name:
     check_loading(build, prefix / "lib/libtrackedcam.so.1", scratch)
 
     # A version that is not there is not taken.
+    major, minor, patch = map(int, re.search(
+        r"VERSION (\d+)\.(\d+)\.(\d+)\n", (SOURCE / "CMakeLists.txt").read_text(encoding="utf-8")).groups())
     (scratch / "newer").mkdir()
     (scratch / "newer/CMakeLists.txt").write_text(
         "cmake_minimum_required(VERSION 3.25)\nproject(newer LANGUAGES NONE)\n"
-        "foreach(version 1 1.0 1.1 1.1.0)\n  find_package(trackedcam ${version} CONFIG REQUIRED)\n"
+        f"foreach(version {major} {major}.0 {major}.{minor} {major}.{minor}.{patch})\n"
+        "  find_package(trackedcam ${version} CONFIG REQUIRED)\n"
         "endforeach()\n"
-        "foreach(version 0.9 1.2 2)\n  find_package(trackedcam ${version} CONFIG QUIET)\n"
+        f"foreach(version {major - 1}.9 {major}.{minor + 1} {major + 1})\n"
+        "  find_package(trackedcam ${version} CONFIG QUIET)\n"
         "  if(trackedcam_FOUND)\n    message(FATAL_ERROR \"${version} was taken\")\n  endif()\n"
         "endforeach()\n", encoding="utf-8")
     run("cmake", "-S", scratch / "newer", "-B", scratch / "newer/build", f"-DCMAKE_PREFIX_PATH={prefix}")

@@ -8,6 +8,7 @@ import pathlib
 import tarfile
 import tempfile
 
+from notices import check_notices
 from stranger import BUILD, run
 
 FILES = {
@@ -19,6 +20,8 @@ FILES = {
     "lib/cmake/trackedcam/trackedcamConfigVersion.cmake",
     "lib/pkgconfig/trackedcam.pc",
     "share/doc/trackedcam/LICENSE",
+    "share/doc/trackedcam/THIRD_PARTY_NOTICES",
+    "share/doc/trackedcam/copyright",
     "share/doc/trackedcam/README.md",
     "share/doc/trackedcam/docs/conventions.md",
     "share/doc/trackedcam/examples/01_calibrate.cpp",
@@ -34,6 +37,7 @@ def check_content(prefix):
     assert not elsewhere, f"{elsewhere} stand in no standard place"
     assert "SONAME               libtrackedcam.so.1\n" in run("objdump", "-p", prefix / "lib/libtrackedcam.so")
     assert run(prefix / "bin/trackedcam", "--version").startswith("trackedcam 1.")
+    check_notices(prefix / "share/doc/trackedcam", prefix / "bin/trackedcam")
 
 
 def check_deb(deb, root):
@@ -42,6 +46,7 @@ def check_deb(deb, root):
         assert f"libopencv-{library}4" in depends, f"{library} is missing in {depends}"
     for foreign in ["dev", "eigen", "gtest", "cli11"]:
         assert foreign not in depends, f"{foreign} is in {depends}"
+    assert run("dpkg-deb", "--field", deb, "Recommends").strip() == "libopenblas0-serial"
 
     # A root without any package has nothing to depend on, nor to configure with.
     for folder in ["info", "updates", "triggers"]:

@@ -9,6 +9,7 @@ import shutil
 import tempfile
 import zipfile
 
+from notices import check_notices
 from stranger import BUILD, SOURCE, check_examples, check_loading, run
 
 FILES = {
@@ -19,6 +20,7 @@ FILES = {
     "lib/cmake/trackedcam/trackedcamConfig.cmake",
     "lib/cmake/trackedcam/trackedcamConfigVersion.cmake",
     "share/doc/trackedcam/LICENSE",
+    "share/doc/trackedcam/THIRD_PARTY_NOTICES",
     "share/doc/trackedcam/README.md",
     "share/doc/trackedcam/docs/windows.md",
     "share/doc/trackedcam/examples/01_calibrate.cpp",
@@ -32,6 +34,7 @@ with tempfile.TemporaryDirectory() as name:
     prefix = next(scratch.glob("trackedcam-*"))
     missing = sorted(file for file in FILES if not (prefix / file).is_file())
     assert not missing, f"{missing} are missing"
+    check_notices(prefix / "share/doc/trackedcam", prefix / "bin/trackedcam", windows=True)
 
     # The unpacked folder is where the toolchain looks for packages.
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja",

@@ -43,6 +43,21 @@ TEST_F(LoadImageTest, PrintsAnAddressForAFileThatDoesNotOpen) {
   EXPECT_TRUE(LogLines().empty());
 }
 
+TEST_F(LoadImageTest, CanBeAskedWhetherAFileOpens) {
+  test::WriteFile(folder.File("text.jpg"), "not a photograph");
+  test::WriteFile(folder.File("empty.jpg"), "");
+  const std::string console = ConsoleOf([&] {
+    EXPECT_TRUE(ImageOpens(folder.File("text.jpg")));
+    EXPECT_TRUE(ImageOpens(folder.File("empty.jpg")));
+  });
+  EXPECT_EQ(console, "");
+  for (const std::string& path : {folder.File("missing.jpg"), folder.Path().u8string()}) {
+    const std::string line = ConsoleOf([&] { EXPECT_FALSE(ImageOpens(path)); });
+    EXPECT_TRUE(std::regex_match(line, std::regex("Failed to open 0x[0-9a-f]+\n"))) << line;
+  }
+  EXPECT_THROW(ImageOpens("caf\xE9.jpg"), std::range_error);
+}
+
 TEST_F(LoadImageTest, LeavesAnEmptyFileToTheDecoder) {
   test::WriteFile(folder.File("empty.jpg"), "");
   EXPECT_THROW(LoadImage(folder.File("empty.jpg")), cv::Exception);

@@ -10,8 +10,8 @@ import sys
 import tempfile
 
 # Texts of the sources that reach no log.
-SILENT = {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d-%H.%M.%S", "Time,", "bad conversion", "date", "now", "rb", "wb",
-          "//Reproject_"}
+SILENT = {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d-%H.%M.%S", "Time,", "bad conversion", "date", "inf", "nan", "now",
+          "rb", "wb", "//Reproject_"}
 # Its messages stand on the page of the result codes.
 MESSAGES = "src/core/result_code.cpp"
 # What a place holder of the page stands for; the others are numbers.

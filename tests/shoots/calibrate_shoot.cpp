@@ -16,6 +16,14 @@ std::vector<double> Numbers(const Eigen::Vector3d& vector) {
 
 }  // namespace
 
+simulator::ShootOptions SmallShoot(int photographs) {
+  simulator::ShootOptions options;
+  options.photographs = photographs;
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  return options;
+}
+
 HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder& folder) {
   const simulator::ShootOptions& options = shoot.options;
   return {folder.File("tracker_data.csv"),
@@ -31,18 +39,23 @@ HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder&
           options.photographs};
 }
 
-Calibrated Calibrate(const HostArguments& arguments, Calibrated result) {
-  // The name of the data file itself need not be UTF-8.
-  const fs::path dataFolder =
-      fs::u8path(arguments.dataPath.substr(0, arguments.dataPath.find_last_of("/\\")));
-  const WorkingFolder workingFolder(fs::is_directory(dataFolder) ? dataFolder
-                                                                 : fs::temp_directory_path());
+Calibrated CallCalibration(const HostArguments& arguments, Calibrated result) {
   result.code = Calibration(
       arguments.dataPath, arguments.sensorWidth, arguments.sensorHeight, arguments.boardCols,
       arguments.boardRows, arguments.squareSize, arguments.chartTrackerRotation,
       arguments.chartTrackerTranslation, result.imageSize, result.normFocal, result.normCenter,
       result.distortion, result.transformCamTc, result.fieldOfView, result.focalLengthMm,
       arguments.logFolder, arguments.Flag_ModifyQuat, arguments.Num_TrackerData);
+  return result;
+}
+
+Calibrated Calibrate(const HostArguments& arguments, Calibrated outputs) {
+  // The name of the data file itself need not be UTF-8.
+  const fs::path dataFolder =
+      fs::u8path(arguments.dataPath.substr(0, arguments.dataPath.find_last_of("/\\")));
+  const WorkingFolder workingFolder(fs::is_directory(dataFolder) ? dataFolder
+                                                                 : fs::temp_directory_path());
+  Calibrated result = CallCalibration(arguments, std::move(outputs));
   result.log = ReadLogLines(OnlyLogIn(arguments.logFolder));
   return result;
 }
@@ -57,6 +70,15 @@ Eigen::Matrix4d Calibrated::Transform_Cam_Tc() const {
     return Eigen::Matrix4d::Constant(std::nan(""));
   }
   return Eigen::Matrix<double, 4, 4, Eigen::RowMajor>(transformCamTc.data());
+}
+
+std::vector<double> Calibrated::AllFigures() const {
+  std::vector<double> all = {static_cast<double>(code)};
+  for (const auto* figures : {&imageSize, &normFocal, &normCenter, &distortion, &transformCamTc,
+                              &fieldOfView, &focalLengthMm}) {
+    all.insert(all.end(), figures->begin(), figures->end());
+  }
+  return all;
 }
 
 }  // namespace trackedcam::test

@@ -10,6 +10,9 @@
 
 namespace trackedcam::test {
 
+/// Photographs that are many and large enough to be calibrated, and no more.
+simulator::ShootOptions SmallShoot(int photographs = 16);
+
 /// The arguments of Calibration that a test may want to change.
 struct HostArguments {
   std::string dataPath;
@@ -40,10 +43,15 @@ struct Calibrated {
   std::vector<std::string> log;
 
   Eigen::Matrix4d Transform_Cam_Tc() const;
+
+  /// The code and the figures of all outputs, to compare.
+  std::vector<double> AllFigures() const;
 };
 
+/// Calls Calibration and leaves the log alone. `outputs` holds what the host passes in.
+Calibrated CallCalibration(const HostArguments& arguments, Calibrated outputs = {});
+
 /// Calls Calibration in the folder of the data file, to which the photographs' paths are relative.
-/// `outputs` holds what the host passes in.
 Calibrated Calibrate(const HostArguments& arguments, Calibrated outputs = {});
 
 /// Writes a shoot to the folder and calibrates it.

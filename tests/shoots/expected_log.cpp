@@ -84,7 +84,7 @@ std::vector<std::size_t> RemovedIndices(const std::vector<std::string>& log) {
 }
 
 ExpectedLog OpeningLines(const HostArguments& arguments) {
-  ExpectedLog log = {"Version : v1.1.0",
+  ExpectedLog log = {"Version : v" TRACKEDCAM_VERSION,
                      "Flag_ModifyQuat : " + std::to_string(arguments.Flag_ModifyQuat ? 1 : 0),
                      "Num_TrackerData : " + std::to_string(arguments.Num_TrackerData),
                      "Camera Tracker Calibration start.", "CALIBRATION BOARD INDEX START"};

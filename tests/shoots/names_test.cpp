@@ -16,10 +16,7 @@ namespace fs = std::filesystem;
 // Calibrates a shoot whose data file, photographs and log folder have names of many languages, and
 // expects the written images under these names in the log folder.
 void ExpectImages(const std::string& photographs, const std::string& images) {
-  sim::ShootOptions options;
-  options.photographs = 14;
-  options.imageWidth = 960;
-  options.imageHeight = 540;
+  sim::ShootOptions options = SmallShoot(14);
   sim::Shoot shoot = sim::SimulateShoot(options);
   for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
     shoot.photographs[i].path = photographs + std::to_string(i) + ".jpg";

@@ -7,6 +7,7 @@
 #include "shoots/expected_log.h"
 #include "simulator/write_shoot.h"
 #include "support/log_lines.h"
+#include "support/transform_matchers.h"
 
 namespace trackedcam::test {
 namespace {
@@ -15,14 +16,6 @@ namespace sim = simulator;
 
 class ResultCodes : public testing::Test {
  protected:
-  static sim::ShootOptions SmallShoot() {
-    sim::ShootOptions options;
-    options.photographs = 16;
-    options.imageWidth = 960;
-    options.imageHeight = 540;
-    return options;
-  }
-
   // Turns the camera's tracker to and fro about the axis of Transform_Cam_Tc, which neither the
   // filter nor the spread of the translations can see.
   static void SwingCameraTracker(sim::Shoot& shoot, double degrees) {
@@ -69,8 +62,7 @@ class ResultCodes : public testing::Test {
 };
 
 TEST_F(ResultCodes, ZeroForPhotographsThatAgree) {
-  sim::ShootOptions options = SmallShoot();
-  options.photographs = 18;
+  sim::ShootOptions options = SmallShoot(18);
   options.missing = 1;
   options.notAnImage = 1;
   options.withoutChart = 1;
@@ -93,8 +85,7 @@ TEST_F(ResultCodes, OneForADataFileThatDoesNotOpen) {
 }
 
 TEST_F(ResultCodes, FourForElevenUsablePhotographs) {
-  sim::ShootOptions options = SmallShoot();
-  options.photographs = 14;
+  sim::ShootOptions options = SmallShoot(14);
   options.missing = 1;
   options.notAnImage = 1;
   options.withoutChart = 1;
@@ -143,22 +134,53 @@ TEST_F(ResultCodes, SixForTranslationsThatSpread) {
              "(> 1.5cm)"});
 }
 
-TEST_F(ResultCodes, SevenForFewerRecordsThanUsablePhotographs) {
+TEST_F(ResultCodes, SevenForNoRecords) {
   const sim::Shoot shoot = sim::SimulateShoot(SmallShoot());
   sim::WriteShoot(shoot, folder.Path());
-  for (const int records : {15, 0}) {
-    const TemporaryFolder logFolder;
-    HostArguments arguments = ArgumentsFor(shoot, folder);
-    arguments.Num_TrackerData = records;
-    arguments.logFolder = logFolder.Path().u8string();
-    const Calibrated result = Calibrate(arguments);
-    EXPECT_EQ(result.code, 7);
-    EXPECT_EQ(result.log.back(), "Error code 7: Data size is not same in Cal_Reproj_Error.");
-    EXPECT_NE(std::find(result.log.begin(), result.log.end(),
-                        "size of Rot_Cam_Chart_vec : " + std::to_string(records)),
-              result.log.end());
-    ExpectOnlyTheLensFilled(result);
+  HostArguments arguments = ArgumentsFor(shoot, folder);
+  arguments.Num_TrackerData = 0;
+  const Calibrated result = Calibrate(arguments);
+  EXPECT_EQ(result.code, 7);
+  EXPECT_EQ(result.log.back(), "Error code 7: Data size is not same in Cal_Reproj_Error.");
+  EXPECT_NE(std::find(result.log.begin(), result.log.end(), "size of Rot_Cam_Chart_vec : 0"),
+            result.log.end());
+  ExpectOnlyTheLensFilled(result);
+}
+
+TEST_F(ResultCodes, ZeroForFewerRecordsThanPhotographs) {
+  const sim::Shoot shoot = sim::SimulateShoot(SmallShoot());
+  const Calibrated all = CalibrateShoot(shoot, folder);
+  ASSERT_EQ(all.code, 0);
+  const TemporaryFolder logFolder;
+  HostArguments arguments = ArgumentsFor(shoot, folder);
+  arguments.Num_TrackerData = 15;
+  arguments.logFolder = logFolder.Path().u8string();
+  const Calibrated result = Calibrate(arguments);
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.transformCamTc, all.transformCamTc);
+  // The log tells of the cut in three lines and is the same elsewhere.
+  std::vector<std::string> log = all.log;
+  std::replace(log.begin(), log.end(), std::string("Num_TrackerData : 16"),
+               std::string("Num_TrackerData : 15"));
+  for (const std::string label :
+       {"size of Rot_Cam_Chart_vec : ", "size of Trans_Cam_Chart_vec : "}) {
+    std::replace(log.begin(), log.end(), label + "16", label + "15");
   }
+  EXPECT_EQ(result.log, log);
+}
+
+TEST_F(ResultCodes, ZeroForAHeaderThatIsNotRecognised) {
+  const sim::Shoot shoot = sim::SimulateShoot(SmallShoot());
+  sim::WriteShoot(shoot, folder.Path());
+  const HostArguments arguments = ArgumentsFor(shoot, folder);
+  WriteFile(arguments.dataPath, " " + ReadFile(arguments.dataPath));
+  const Calibrated result = Calibrate(arguments);
+  EXPECT_EQ(result.code, 0);
+  // The row of the header takes one of the 16 that were announced with it.
+  EXPECT_NE(std::find(result.log.begin(), result.log.end(), "size of Rot_Cam_Chart_vec : 15"),
+            result.log.end());
+  EXPECT_THAT(result.Transform_Cam_Tc(),
+              IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 0.001, 0.1));
 }
 
 TEST_F(ResultCodes, ThirteenForAxesThatDisagree) {
@@ -209,8 +231,8 @@ TEST_F(ResultCodes, MinusOneForAMountingThatIsTooShort) {
     const Calibrated result = Calibrate(arguments);
     EXPECT_EQ(result.code, -1);
     EXPECT_TRUE(
-        LogReads(result.log, {"Version : v1.1.0", "Flag_ModifyQuat : 0", "Num_TrackerData : 16",
-                              "Camera Tracker Calibration start.", line}));
+        LogReads(result.log, {"Version : v" TRACKEDCAM_VERSION, "Flag_ModifyQuat : 0",
+                              "Num_TrackerData : 16", "Camera Tracker Calibration start.", line}));
     ExpectNothingFilled(result);
   };
   HostArguments rotation = ArgumentsFor(shoot, folder);

@@ -7,7 +7,7 @@
 namespace trackedcam::simulator {
 namespace {
 
-ShootOptions SmallShoot() {
+ShootOptions ThreePhotographs() {
   ShootOptions options;
   options.photographs = 3;
   options.imageWidth = 640;
@@ -45,7 +45,7 @@ std::pair<double, double> Difference(const cv::Mat& a, const cv::Mat& b) {
   return {mean[0], spread[0]};
 }
 
-TEST(PhotographRendererTest, EveryCornerIsFoundInOrderWhereItShouldBe) {
+TEST(PhotographRendererTest, EveryCornerIsFoundInItsPlace) {
   ShootOptions options;
   options.noiseGreyLevels = 0;
   const Shoot shoot = SimulateShoot(options);
@@ -66,7 +66,7 @@ TEST(PhotographRendererTest, EveryCornerIsFoundInOrderWhereItShouldBe) {
 
 TEST(PhotographRendererTest, ChartsOfOtherShapesAreFoundInOrder) {
   for (const auto& [cols, rows] : {std::pair(8, 5), {7, 5}, {8, 6}, {6, 9}}) {
-    ShootOptions options = SmallShoot();
+    ShootOptions options = ThreePhotographs();
     options.chart.cols = cols;
     options.chart.rows = rows;
     const Shoot shoot = SimulateShoot(options);
@@ -82,7 +82,7 @@ TEST(PhotographRendererTest, ChartsOfOtherShapesAreFoundInOrder) {
 }
 
 TEST(PhotographRendererTest, APhotographWithoutChartShowsNone) {
-  ShootOptions options = SmallShoot();
+  ShootOptions options = ThreePhotographs();
   options.withoutChart = options.photographs;
   const Shoot shoot = SimulateShoot(options);
   const PhotographRenderer renderer(shoot);
@@ -92,7 +92,7 @@ TEST(PhotographRendererTest, APhotographWithoutChartShowsNone) {
 }
 
 TEST(PhotographRendererTest, APictureDoesNotDependOnThoseBefore) {
-  const Shoot shoot = SimulateShoot(SmallShoot());
+  const Shoot shoot = SimulateShoot(ThreePhotographs());
   const PhotographRenderer forward(shoot);
   const cv::Mat first = forward.Render(0);
   const cv::Mat second = forward.Render(1);
@@ -103,7 +103,7 @@ TEST(PhotographRendererTest, APictureDoesNotDependOnThoseBefore) {
 }
 
 TEST(PhotographRendererTest, NoiseHasTheStatedSpread) {
-  ShootOptions options = SmallShoot();
+  ShootOptions options = ThreePhotographs();
   options.noiseGreyLevels = 0;
   const cv::Mat clean = PhotographRenderer(SimulateShoot(options)).Render(0);
   options.noiseGreyLevels = 4;
@@ -113,8 +113,8 @@ TEST(PhotographRendererTest, NoiseHasTheStatedSpread) {
   EXPECT_NEAR(spread, 4, 0.1);
 }
 
-TEST(PhotographRendererTest, UnevenLightDarkensOneSideByTheStatedPart) {
-  ShootOptions options = SmallShoot();
+TEST(PhotographRendererTest, UnevenLightDarkensOneSide) {
+  ShootOptions options = ThreePhotographs();
   options.noiseGreyLevels = 0;
   options.unevenLight = 0;
   const cv::Mat even = PhotographRenderer(SimulateShoot(options)).Render(0);
@@ -131,7 +131,7 @@ TEST(PhotographRendererTest, UnevenLightDarkensOneSideByTheStatedPart) {
 }
 
 TEST(PhotographRendererTest, BlurSoftensEdges) {
-  ShootOptions options = SmallShoot();
+  ShootOptions options = ThreePhotographs();
   options.noiseGreyLevels = 0;
   const auto sharpest = [&](double blur) {
     options.blurPixels = blur;

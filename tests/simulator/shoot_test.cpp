@@ -81,7 +81,7 @@ TEST_P(ShootTest, CameraAndChartBothMove) {
   }
 }
 
-TEST_P(ShootTest, TheRotationOfTheCamerasTrackerHasADefiniteAxis) {
+TEST_P(ShootTest, TheCamerasTrackerHasADefiniteAxis) {
   const Shoot shoot = SimulateShoot(options);
   EXPECT_GT(Angle(shoot.Transform_Cam_Tc), 100);
   EXPECT_LT(Angle(shoot.Transform_Cam_Tc), 125);
@@ -129,7 +129,7 @@ TEST_P(ShootTest, TheNominalMountingIsOffByTheStatedError) {
   EXPECT_NEAR(Angle(error), 1.5, 1e-9);
 }
 
-TEST_P(ShootTest, TheNominalMountingIsTrueUnlessAskedForAnError) {
+TEST_P(ShootTest, TheNominalMountingIsTrueByDefault) {
   const Shoot shoot = SimulateShoot(options);
   EXPECT_TRUE(shoot.nominalMounting.Transform().isApprox(shoot.trueMounting.Transform(), 1e-14));
 }

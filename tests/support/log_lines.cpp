@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <sstream>
 
 #include "support/stage_test.h"
 
@@ -85,6 +86,30 @@ testing::AssertionResult LogReads(const std::vector<std::string>& lines,
     }
   }
   return testing::AssertionSuccess();
+}
+
+std::vector<double> NumbersBehind(const std::vector<std::string>& log, const std::string& label,
+                                  int nth, int lines) {
+  std::vector<double> numbers;
+  for (auto line = log.begin(); line != log.end(); ++line) {
+    if (line->rfind(label, 0) != 0 || nth-- > 0) {
+      continue;
+    }
+    std::string text = line->substr(label.size());
+    for (int i = 1; i < lines && ++line != log.end(); ++i) {
+      text += *line;
+    }
+    for (char& character : text) {
+      character =
+          std::string("0123456789.-").find(character) == std::string::npos ? ' ' : character;
+    }
+    std::istringstream words(text);
+    for (double number = 0; words >> number;) {
+      numbers.push_back(number);
+    }
+    break;
+  }
+  return numbers;
 }
 
 }  // namespace trackedcam::test

@@ -17,6 +17,10 @@ std::vector<std::string> ReadLogLines(const std::string& path);
 /// The path of the only log in a folder; empty when there is none or more than one.
 std::string OnlyLogIn(const std::string& folder);
 
+/// The numbers in the n-th line, counted from 0, that begins with the label, and in those after it.
+std::vector<double> NumbersBehind(const std::vector<std::string>& log, const std::string& label,
+                                  int nth, int lines);
+
 /// A log line as it should read. Text must be equal; a number must be met to within the tolerance;
 /// "#" stands for any number with six decimals, infinite ones and what is not a number included.
 struct ExpectedLine {

@@ -8,6 +8,9 @@
 
 namespace trackedcam::test {
 
+/// Whether strtod is that of the GNU C library.
+extern const bool kHasGnuStrtod;
+
 /// The end of a line in a text file.
 extern const char* const kLineEnd;
 
@@ -17,5 +20,15 @@ extern const char* const kLineEnd;
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                const std::filesystem::path& folder, const std::filesystem::path& outFile,
                const std::filesystem::path& errorFile);
+
+/// Lets the linear algebra of this process use so many threads, where it can.
+void SetBlasThreads(int threads);
+
+/// How many threads it uses; 1 where it has none of its own.
+int BlasThreads();
+
+/// A pipe with a name among files, which whoever opens it to read waits for.
+/// @return False where the system has none.
+bool MakePipe(const std::filesystem::path& path);
 
 }  // namespace trackedcam::test

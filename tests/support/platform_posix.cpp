@@ -1,4 +1,6 @@
 #include <cstdlib>
+#include <dlfcn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include "support/platform.h"
@@ -12,6 +14,7 @@ std::string Quoted(const std::string& word) {
 
 }  // namespace
 
+const bool kHasGnuStrtod = true;
 const char* const kLineEnd = "\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
@@ -24,6 +27,23 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   command += " >" + Quoted(outFile.u8string()) + " 2>" + Quoted(errorFile.u8string());
   const int result = std::system(command.c_str());
   return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+
+void SetBlasThreads(int threads) {
+  using Set = void (*)(int);
+  if (auto* const set = reinterpret_cast<Set>(dlsym(RTLD_DEFAULT, "openblas_set_num_threads"))) {
+    set(threads);
+  }
+}
+
+int BlasThreads() {
+  using Get = int (*)();
+  auto* const get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "openblas_get_num_threads"));
+  return get == nullptr ? 1 : get();
+}
+
+bool MakePipe(const std::filesystem::path& path) {
+  return mkfifo(path.c_str(), S_IRUSR | S_IWUSR) == 0;
 }
 
 }  // namespace trackedcam::test

@@ -39,6 +39,7 @@ std::wstring Quoted(const std::wstring& word) {
 
 }  // namespace
 
+const bool kHasGnuStrtod = false;
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
@@ -67,6 +68,16 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   CloseHandle(process.hProcess);
   // A crash ends with one of the system's own codes, 0xC0000005 and the like.
   return status <= 255 ? static_cast<int>(status) : -1;
+}
+
+void SetBlasThreads(int /*threads*/) {}
+
+int BlasThreads() {
+  return 1;  // as it is built
+}
+
+bool MakePipe(const std::filesystem::path& /*path*/) {
+  return false;
 }
 
 }  // namespace trackedcam::test

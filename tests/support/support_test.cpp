@@ -73,6 +73,15 @@ TEST(LogLines, TakeAnyNumberForANumberSign) {
   EXPECT_FALSE(LineReads("Diff R in image 4 : 1.000000 degree.", line));
 }
 
+TEST(LogLines, AreReadForTheirNumbers) {
+  const std::vector<std::string> log = {"T : 1.5, -2", "x", "T : ", "[[3.000000, -0.250000],",
+                                        " [nothing, 4]]"};
+  EXPECT_EQ(NumbersBehind(log, "T : ", 0, 1), (std::vector<double>{1.5, -2}));
+  EXPECT_EQ(NumbersBehind(log, "T : ", 1, 3), (std::vector<double>{3, -0.25, 4}));
+  EXPECT_TRUE(NumbersBehind(log, "T : ", 2, 1).empty());
+  EXPECT_TRUE(NumbersBehind(log, "T : ", 1, 9).size() == 3);
+}
+
 TEST(LogLines, MustAllBeThere) {
   EXPECT_TRUE(LogReads({"a", "b"}, {"a", "b"}));
   EXPECT_FALSE(LogReads({"a"}, {"a", "b"}));

@@ -1,4 +1,4 @@
-#include "api/calibration_steps.h"
+#include "api/lens_figures.h"
 
 #include <cmath>
 
@@ -9,7 +9,7 @@ namespace trackedcam {
 namespace {
 
 double FieldOfViewDeg(double normFocal) {
-  return 2 * std::atan(1 / (2 * normFocal)) * kDegreesPerRadian;
+  return 2 * std::atan(1 / (2 * normFocal)) * kRoundedDegreesPerRadian;
 }
 
 // By the smaller pixel pitch; equal pitches go by the vertical one.
@@ -21,31 +21,6 @@ double FocalLengthMm(const CalibrationData& data, double sensorWidth, double sen
 }
 
 }  // namespace
-
-BoardTemplate MakeBoardTemplate(const RunLog& log, int boardCols, int boardRows,
-                                double squareSize) {
-  BoardTemplate boardTemplate;
-  WriteRunLogLine(log, "CALIBRATION BOARD INDEX START");
-  for (int r = 0; r < boardRows; ++r) {
-    for (int c = 0; c < boardCols; ++c) {
-      const double x = c * squareSize;
-      const double y = r * squareSize;
-      boardTemplate.emplace_back(static_cast<float>(x), static_cast<float>(y), 0.0F);
-      WriteRunLogLine(log, ToText(x) + " " + ToText(y) + " 0");
-    }
-  }
-  WriteRunLogLine(log, "CALIBRATION BOARD INDEX END");
-  return boardTemplate;
-}
-
-ResultCode CheckRecords(const RunLog& log, const std::vector<std::string>& imagePaths,
-                        const std::vector<TrackerRecord>& records) {
-  if (imagePaths.size() != records.size()) {
-    return LogError(log, result::kRecordsAndImagesDiffer);
-  }
-  WriteRunLogLine(log, "Read the csv file successfully.");
-  return result::kSuccess;
-}
 
 void HandOutLens(const RunLog& log, const CalibrationData& data, double sensorWidth,
                  double sensorHeight, LensOutputs outputs) {
@@ -66,24 +41,24 @@ void HandOutLens(const RunLog& log, const CalibrationData& data, double sensorWi
   for (int i = 0; i < 5; ++i) {
     const double coefficient = data.distortion.at<double>(i);
     outputs.distortion.push_back(coefficient);
-    distortionText += (i == 0 ? "" : ", ") + ToText(coefficient);
+    distortionText += (i == 0 ? "" : ", ") + ToSixDecimals(coefficient);
   }
 
-  WriteRunLogLine(log, "Image Width : " + ToText(width) + " pixel.");
-  WriteRunLogLine(log, "Image Height : " + ToText(height) + " pixel.");
-  WriteRunLogLine(log, "Norm F : (" + ToText(normFx) + ", " + ToText(normFy) + ").");
-  WriteRunLogLine(log, "Norm C : (" + ToText(normCx) + ", " + ToText(normCy) + ").");
+  WriteRunLogLine(log, "Image Width : " + std::to_string(width) + " pixel.");
+  WriteRunLogLine(log, "Image Height : " + std::to_string(height) + " pixel.");
+  WriteRunLogLine(log, "Norm F : (" + ToSixDecimals(normFx) + ", " + ToSixDecimals(normFy) + ").");
+  WriteRunLogLine(log, "Norm C : (" + ToSixDecimals(normCx) + ", " + ToSixDecimals(normCy) + ").");
   WriteRunLogLine(log, "Distortion (k1, k2, p1, p2, k3) : " + distortionText);
 
   // From the caller's lists, which begin with older figures when they came in filled.
   const double horizontal = FieldOfViewDeg(outputs.normFocal[0]);
   const double vertical = FieldOfViewDeg(outputs.normFocal[1]);
-  WriteRunLogLine(log, "FoV_H : " + ToText(horizontal) + " degree.");
-  WriteRunLogLine(log, "FoV_V : " + ToText(vertical) + " degree.");
+  WriteRunLogLine(log, "FoV_H : " + ToSixDecimals(horizontal) + " degree.");
+  WriteRunLogLine(log, "FoV_V : " + ToSixDecimals(vertical) + " degree.");
   append(outputs.fieldOfView, {horizontal, vertical});
 
   outputs.focalLengthMm.push_back(FocalLengthMm(data, sensorWidth, sensorHeight));
-  WriteRunLogLine(log, "Focal length (mm) : " + ToText(outputs.focalLengthMm[0]) + " mm.");
+  WriteRunLogLine(log, "Focal length (mm) : " + ToSixDecimals(outputs.focalLengthMm[0]) + " mm.");
 }
 
 }  // namespace trackedcam

@@ -1,11 +1,11 @@
-#include "api/calibration_steps.h"
+#include "api/lens_figures.h"
 
 #include "support/stage_test.h"
 
 namespace trackedcam {
 namespace {
 
-class CalibrationStepsTest : public test::StageTest {
+class LensFiguresTest : public test::StageTest {
  protected:
   void HandOut(double sensorWidth, double sensorHeight) {
     CalibrationData data;
@@ -25,37 +25,7 @@ class CalibrationStepsTest : public test::StageTest {
   std::vector<double> imageSize, normFocal, normCenter, distortion, fieldOfView, focalLengthMm;
 };
 
-TEST_F(CalibrationStepsTest, BoardHasItsCornersRowByRow) {
-  const BoardTemplate board = MakeBoardTemplate(log, 9, 6, 0.025);
-  ASSERT_EQ(board.size(), 54u);
-  EXPECT_EQ(board.front(), cv::Point3f(0, 0, 0));
-  EXPECT_EQ(board[1], cv::Point3f(0.025F, 0, 0));
-  EXPECT_EQ(board[9], cv::Point3f(0, 0.025F, 0));
-  EXPECT_EQ(board.back(),
-            cv::Point3f(static_cast<float>(8 * 0.025), static_cast<float>(5 * 0.025), 0));
-  const std::vector<std::string> lines = LogLines();
-  ASSERT_EQ(lines.size(), 56u);
-  EXPECT_EQ(lines.front(), "CALIBRATION BOARD INDEX START");
-  EXPECT_EQ(lines[1], "0.000000 0.000000 0");
-  EXPECT_EQ(lines[54], "0.200000 0.125000 0");
-  EXPECT_EQ(lines.back(), "CALIBRATION BOARD INDEX END");
-}
-
-TEST_F(CalibrationStepsTest, BoardWithoutRowsOrColumnsIsEmpty) {
-  EXPECT_TRUE(MakeBoardTemplate(log, 0, 6, 0.025).empty());
-  EXPECT_TRUE(MakeBoardTemplate(log, 9, -1, 0.025).empty());
-}
-
-TEST_F(CalibrationStepsTest, RecordsMustBeAsManyAsPhotographs) {
-  EXPECT_EQ(CheckRecords(log, {"a", "b"}, {TrackerRecord(15)}), 2);
-  EXPECT_EQ(CheckRecords(log, {"a"}, {TrackerRecord(15), TrackerRecord(15)}), 2);
-  EXPECT_EQ(LogLines().back(),
-            "Error code 2 : The amount of Tracker data and images do not match.");
-  EXPECT_EQ(CheckRecords(log, {"a"}, {TrackerRecord(15)}), 0);
-  EXPECT_EQ(LogLines().back(), "Read the csv file successfully.");
-}
-
-TEST_F(CalibrationStepsTest, LensFiguresAreNormalisedByTheImageSize) {
+TEST_F(LensFiguresTest, LensFiguresAreNormalisedByTheImageSize) {
   HandOut(36, 20.25);
   EXPECT_EQ(imageSize, (std::vector<double>{1920, 1080}));
   EXPECT_EQ(normFocal, (std::vector<double>{1, 1.5}));
@@ -71,7 +41,7 @@ TEST_F(CalibrationStepsTest, LensFiguresAreNormalisedByTheImageSize) {
                 "Focal length (mm) : 30.375000 mm."}));
 }
 
-TEST_F(CalibrationStepsTest, FieldOfViewUsesTheRoundedFactor) {
+TEST_F(LensFiguresTest, FieldOfViewUsesTheRoundedFactor) {
   fx = 960;
   fy = 540;
   HandOut(36, 24);
@@ -80,19 +50,19 @@ TEST_F(CalibrationStepsTest, FieldOfViewUsesTheRoundedFactor) {
   EXPECT_NEAR(fieldOfView[0], 90.00000105, 5e-9);
 }
 
-TEST_F(CalibrationStepsTest, FocalLengthGoesByTheSmallerPixelPitch) {
+TEST_F(LensFiguresTest, FocalLengthGoesByTheSmallerPixelPitch) {
   HandOut(36, 24);  // 0.01875 and 0.0222 mm for a pixel
   EXPECT_DOUBLE_EQ(focalLengthMm[0], 0.01875 * 1920);
   HandOut(36, 16.2);  // 0.01875 and 0.015
   EXPECT_DOUBLE_EQ(focalLengthMm[1], 0.015 * 1620);
 }
 
-TEST_F(CalibrationStepsTest, FocalLengthWithEqualPitchesIsTheVerticalOne) {
+TEST_F(LensFiguresTest, FocalLengthWithEqualPitchesIsTheVerticalOne) {
   HandOut(1920, 1080);
   EXPECT_EQ(focalLengthMm[0], 1620);
 }
 
-TEST_F(CalibrationStepsTest, LogsTheFirstFocalLengthInTheHostsList) {
+TEST_F(LensFiguresTest, LogsTheFirstFocalLengthInTheHostsList) {
   focalLengthMm = {77};
   normFocal = {0.5, 0.5};
   HandOut(36, 20.25);

@@ -1,0 +1,72 @@
+#include "app/commands/crosscheck_command.h"
+
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "app/options/add_path.h"
+#include "app/options/mounting_options.h"
+#include "app/options/option_values.h"
+#include "app/words/summary.h"
+#include "app/words/warning.h"
+#include "host/calibrate.h"
+#include "host/result/result_json.h"
+#include "host/result/truth.h"
+#include "host/text/json_file.h"
+
+namespace trackedcam::app {
+namespace {
+
+constexpr const char* kFooter = R"(Examples:
+  trackedcam crosscheck --log log/run_001/log_2026-11-21-14.05.09.txt --config shoot/shoot.toml
+  trackedcam crosscheck --log log.txt --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02
+
+With --config FILE the mounting that stands below [calibrate] is taken.
+
+Exit status: 0 good, or usable with a doubt, 1 the run of the log failed, 2 wrong usage, 3 the
+cross-check is certain that the result is wrong.)";
+
+struct CrosscheckOptions {
+  std::filesystem::path log;
+  MountingOptions mounting;
+  std::filesystem::path truth;  // empty: not known
+  bool json = false;
+};
+
+int Crosscheck(const CrosscheckOptions& options) {
+  const host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
+  if (options.json) {
+    std::cout << host::JsonText(host::ResultJson(report));
+  } else {
+    std::optional<host::CalibrationOutputs> truth;
+    if (!options.truth.empty()) {
+      truth = host::ReadTruth(options.truth, {1, 1});  // the log does not tell the sensor
+    }
+    PrintSummary(std::cout, report, truth ? &*truth : nullptr);
+  }
+  std::cout.flush();
+  PrintWarning(std::cerr, report);
+  return ExitStatus(report);
+}
+
+}  // namespace
+
+void AddCrosscheckCommand(CLI::App& program, int& status) {
+  CLI::App* command =
+      program.add_subcommand("crosscheck", "Check a calibration by the log that the library wrote");
+  command->group("Commands");
+  command->fallthrough();
+  command->footer(kFooter);
+  const auto options = std::make_shared<CrosscheckOptions>();
+  AddPath(*command, "--log", options->log, "FILE", "Log of a calibration, by any host")
+      ->required()
+      ->check(RequireFile);
+  AddMountingOptions(*command, options->mounting, "Options");
+  AddPath(*command, "--truth", options->truth, "FILE.json",
+          "Compare with the truth of a simulated shoot")
+      ->check(RequireFile);
+  command->add_flag("--json", options->json, "Print every figure as JSON");
+  command->callback([options, &status] { status = Crosscheck(*options); });
+}
+
+}  // namespace trackedcam::app

@@ -1,0 +1,69 @@
+#include "app/commands/report_command.h"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "app/options/add_path.h"
+#include "app/options/option_values.h"
+#include "app/options/output_file.h"
+#include "app/page/thumbnails.h"
+#include "host/input/input_error.h"
+#include "host/text/file_text.h"
+
+namespace trackedcam::app {
+namespace {
+
+constexpr const char* kFooter = R"(Examples:
+  trackedcam report --result shoot/result.json --out report.html
+
+calibrate writes the same page into the folder of each run.
+
+Exit status: 0 written, 1 failed, 2 wrong usage.)";
+
+struct ReportOptions {
+  std::filesystem::path result;
+  std::filesystem::path out;
+};
+
+nlohmann::ordered_json ReadResultJson(const std::filesystem::path& file) {
+  try {
+    return nlohmann::ordered_json::parse(host::ReadFile(file));
+  } catch (const std::exception& error) {
+    throw host::InputError(file.u8string() +
+                           " is not the result of a calibration: " + error.what());
+  }
+}
+
+void Report(const ReportOptions& options) {
+  const nlohmann::ordered_json result = ReadResultJson(options.result);
+  PrepareOutputFile("--out", options.out);
+  try {
+    host::WriteFile(options.out,
+                    report::Page(result.dump(), MakeThumbnails(result), options.out.parent_path()));
+  } catch (const std::invalid_argument& error) {
+    throw host::InputError(options.result.u8string() +
+                           " is not the result of a calibration: " + error.what());
+  }
+  std::cout << "Report: " << options.out.u8string() << '\n';
+}
+
+}  // namespace
+
+void AddReportCommand(CLI::App& program, int& status) {
+  CLI::App* command = program.add_subcommand("report", "Write the page of a calibration");
+  command->group("Commands");
+  command->fallthrough();
+  command->footer(kFooter);
+  const auto options = std::make_shared<ReportOptions>();
+  AddPath(*command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
+      ->required()
+      ->check(RequireFile);
+  AddPath(*command, "--out", options->out, "FILE.html", "Where to write the page")->required();
+  command->callback([options, &status] {
+    Report(*options);
+    status = 0;
+  });
+}
+
+}  // namespace trackedcam::app

@@ -1,0 +1,79 @@
+#include "app/page/thumbnails.h"
+
+#include <map>
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "host/text/file_text.h"
+
+namespace trackedcam::app {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+constexpr int kWidth = 360;  // pixels
+constexpr int kQuality = 72;
+
+std::string Encoded(const cv::Mat& image) {
+  const double scale = static_cast<double>(kWidth) / image.cols;
+  cv::Mat small;
+  cv::resize(image, small, {}, scale, scale, cv::INTER_AREA);
+  std::vector<unsigned char> bytes;
+  cv::imencode(".jpg", small, bytes, {cv::IMWRITE_JPEG_QUALITY, kQuality});
+  return {bytes.begin(), bytes.end()};
+}
+
+// Decoded at a quarter of its size where the format can do that, which is ten times as fast.
+std::string Thumbnail(const fs::path& file) {
+  try {
+    if (!fs::is_regular_file(file)) {
+      return {};
+    }
+    const std::string content = host::ReadFile(file);
+    const std::vector<unsigned char> bytes(content.begin(), content.end());
+    const cv::Mat image =
+        bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_REDUCED_COLOR_4);
+    return image.empty() ? std::string() : Encoded(image);
+  } catch (const std::exception&) {  // a page does without it
+    return {};
+  }
+}
+
+std::vector<std::string> Texts(const Json& result, const char* key) {
+  std::vector<std::string> texts;
+  for (const Json& text : result.value(key, Json::array())) {
+    texts.push_back(text.get<std::string>());
+  }
+  return texts;
+}
+
+// The reprojected images stand in the order of the photographs that were used.
+std::map<std::string, std::string> ReprojectedImages(const Json& result) {
+  const std::vector<std::string> used = Texts(result, "used");
+  const std::vector<std::string> images = Texts(result, "images");
+  std::map<std::string, std::string> byPhotograph;
+  for (std::size_t i = 0; i < used.size() && used.size() == images.size(); ++i) {
+    byPhotograph[used[i]] = images[i];
+  }
+  return byPhotograph;
+}
+
+}  // namespace
+
+std::vector<report::Thumbnail> MakeThumbnails(const Json& result) {
+  const fs::path workingFolder =
+      fs::u8path(result.value("/inputs/workingFolder"_json_pointer, std::string()));
+  const std::map<std::string, std::string> images = ReprojectedImages(result);
+  std::vector<report::Thumbnail> thumbnails;
+  for (const std::string& photograph : Texts(result, "photographs")) {
+    const auto image = images.find(photograph);
+    const fs::path file =
+        image == images.end() ? workingFolder / fs::u8path(photograph) : fs::u8path(image->second);
+    thumbnails.push_back({photograph, Thumbnail(file)});
+  }
+  return thumbnails;
+}
+
+}  // namespace trackedcam::app

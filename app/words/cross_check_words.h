@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ostream>
+
+#include "host/report.h"
+
+namespace trackedcam::app {
+
+/// What the cross-check found, in a few lines: how well the transform is known, how far the result
+/// and the stated mounting are off, which photographs contradict the others.
+/// @param truth Compared with as well; null when it is not known.
+void PrintCrossCheck(std::ostream& out, const host::Report& report,
+                     const host::CalibrationOutputs* truth);
+
+/// The mounting found, with its uncertainty and ready to paste.
+void PrintMountingFound(std::ostream& out, const host::Report& report);
+
+}  // namespace trackedcam::app

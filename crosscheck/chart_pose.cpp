@@ -1,0 +1,142 @@
+#include "crosscheck/chart_pose.h"
+
+#include <cmath>
+#include <cstddef>
+
+#include <Eigen/Cholesky>
+#include <Eigen/Eigenvalues>
+
+#include "crosscheck/projection.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+// The direct linear transform from the board's plane to the plane z = 1 of Cam.
+std::optional<Eigen::Matrix3d> Homography(const Lens& lens,
+                                          const std::vector<Eigen::Vector3d>& board,
+                                          const std::vector<Eigen::Vector2d>& corners) {
+  // Numbers of about 1 keep the equations well conditioned.
+  const Eigen::Vector2d centre = 0.5 * (board.front() + board.back()).head<2>();
+  const double size = (board.back() - board.front()).norm();
+  Eigen::Matrix<double, 9, 9> normal = Eigen::Matrix<double, 9, 9>::Zero();
+  for (std::size_t i = 0; i < board.size(); ++i) {
+    const std::optional<Eigen::Vector2d> ray = Ray(lens, corners[i]);
+    if (!ray) {
+      return std::nullopt;
+    }
+    const Eigen::Vector3d point = ((board[i].head<2>() - centre) / size).homogeneous();
+    Eigen::Matrix<double, 2, 9> rows = Eigen::Matrix<double, 2, 9>::Zero();
+    rows.block<1, 3>(0, 0) = point.transpose();
+    rows.block<1, 3>(0, 6) = -ray->x() * point.transpose();
+    rows.block<1, 3>(1, 3) = point.transpose();
+    rows.block<1, 3>(1, 6) = -ray->y() * point.transpose();
+    normal.noalias() += rows.transpose() * rows;
+  }
+  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<double, 9, 9>> solver(normal);
+  if (solver.info() != Eigen::Success) {
+    return std::nullopt;
+  }
+  const Eigen::Matrix<double, 9, 1> h = solver.eigenvectors().col(0);
+  Eigen::Matrix3d homography;
+  homography << h.head<3>().transpose(), h.segment<3>(3).transpose(), h.tail<3>().transpose();
+  Eigen::Matrix3d toUnits;
+  toUnits << 1 / size, 0, -centre.x() / size, 0, 1 / size, -centre.y() / size, 0, 0, 1;
+  return homography * toUnits;
+}
+
+std::optional<Pose> PoseOfHomography(Eigen::Matrix3d homography) {
+  const double length = std::sqrt(homography.col(0).norm() * homography.col(1).norm());
+  if (!(length > 0)) {
+    return std::nullopt;
+  }
+  homography /= homography(2, 2) < 0 ? -length : length;
+  Eigen::Matrix3d axes;
+  axes << homography.col(0), homography.col(1), homography.col(0).cross(homography.col(1));
+  Pose pose = Pose::Identity();
+  pose.linear() = NearestRotation(axes);
+  pose.translation() = homography.col(2);
+  return pose;
+}
+
+}  // namespace
+
+std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square) {
+  std::vector<Eigen::Vector3d> points;
+  for (int r = 0; r < rows; ++r) {
+    for (int c = 0; c < columns; ++c) {
+      points.emplace_back(c * square, r * square, 0);
+    }
+  }
+  return points;
+}
+
+std::optional<CornerEquations> EquationsAt(const Pose& Transform_Cam_Chart, const Lens& lens,
+                                           const std::vector<Eigen::Vector3d>& board,
+                                           const std::vector<Eigen::Vector2d>& corners) {
+  Eigen::Matrix<double, 12, 12> normal = Eigen::Matrix<double, 12, 12>::Zero();
+  CornerEquations equations;
+  equations.towards.setZero();
+  for (std::size_t i = 0; i < board.size(); ++i) {
+    const Eigen::Vector3d point = Transform_Cam_Chart * board[i];
+    if (!(point.z() > 1e-6)) {
+      return std::nullopt;
+    }
+    const Projection seen = ProjectWithDerivatives(lens, point);
+    Eigen::Matrix<double, 2, 12> rows;
+    rows.leftCols<3>() = -seen.byPoint * Cross(point);
+    rows.middleCols<3>(3) = seen.byPoint;
+    rows.rightCols<6>() = seen.byLens;
+    const Eigen::Vector2d residual = corners[i] - seen.pixel;
+    normal.noalias() += rows.transpose() * rows;
+    equations.towards.noalias() += rows.leftCols<6>().transpose() * residual;
+    equations.squares += residual.squaredNorm();
+  }
+  equations.byPose = normal.topLeftCorner<6, 6>();
+  equations.byPoseLens = normal.topRightCorner<6, 6>();
+  equations.byLens = normal.bottomRightCorner<6, 6>();
+  return equations;
+}
+
+std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen::Vector3d>& board,
+                                       const std::vector<Eigen::Vector2d>& corners) {
+  const std::optional<Eigen::Matrix3d> homography = Homography(lens, board, corners);
+  std::optional<Pose> pose;
+  if (homography && homography->allFinite()) {
+    pose = PoseOfHomography(*homography);
+  }
+  if (!pose) {
+    return std::nullopt;
+  }
+  std::optional<CornerEquations> equations = EquationsAt(*pose, lens, board, corners);
+  for (int step = 0; step < 20 && equations; ++step) {
+    const Eigen::LDLT<Matrix6d> solver(equations->byPose);
+    Twist change = solver.solve(equations->towards);
+    if (!change.allFinite() || solver.vectorD().minCoeff() <= 0) {
+      return std::nullopt;
+    }
+    // Shortened until the corners are nearer than before.
+    std::optional<CornerEquations> nearer;
+    for (int halving = 0; halving < 8; ++halving, change *= 0.5) {
+      const Pose tried = Exp(change) * *pose;
+      nearer = EquationsAt(tried, lens, board, corners);
+      if (nearer && nearer->squares <= equations->squares) {
+        pose = tried;
+        break;
+      }
+      nearer.reset();
+    }
+    if (!nearer) {
+      break;  // as near as rounding lets it come
+    }
+    equations = nearer;
+    if (change.norm() < 1e-9) {
+      break;
+    }
+  }
+  if (!equations || !std::isfinite(equations->squares)) {
+    return std::nullopt;
+  }
+  return ChartPose{*pose, *equations};
+}
+
+}  // namespace trackedcam::crosscheck

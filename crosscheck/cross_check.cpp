@@ -1,0 +1,232 @@
+#include "crosscheck/cross_check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+#include "crosscheck/comparison.h"
+#include "crosscheck/distributions.h"
+#include "crosscheck/evidence.h"
+#include "crosscheck/findings.h"
+#include "crosscheck/mounting.h"
+#include "crosscheck/on_screen.h"
+#include "crosscheck/photographs.h"
+#include "crosscheck/readings.h"
+#include "crosscheck/slips.h"
+#include "crosscheck/solve.h"
+#include "crosscheck/start.h"
+#include "crosscheck/step.h"
+#include "crosscheck/views.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+constexpr int kSamples = 100;
+constexpr double kMostAmplification = 10;  // beyond it no mounting is worth passing on
+constexpr double kDegree = EIGEN_PI / 180;
+
+void Require(bool holds, const char* message) {
+  if (!holds) {
+    throw std::invalid_argument(message);
+  }
+}
+
+void CheckLens(const Lens& lens) {
+  Require(lens.width > 0 && lens.height > 0, "The photographs have no size.");
+  Require(lens.fx > 0 && lens.fy > 0 && std::isfinite(lens.fx) && std::isfinite(lens.fy),
+          "The lens's focal lengths are not above 0.");
+  Require(std::isfinite(lens.cx + lens.cy + lens.k1 + lens.k2), "The lens is not made of numbers.");
+}
+
+void CheckObservations(const Observations& observations) {
+  Require(observations.boardColumns >= 2 && observations.boardRows >= 2,
+          "The board has fewer than 2 inner corners along a side.");
+  Require(observations.square > 0 && std::isfinite(observations.square),
+          "The edge of the squares is not above 0.");
+  CheckLens(observations.lens);
+  const std::size_t corners = static_cast<std::size_t>(observations.boardColumns) *
+                              static_cast<std::size_t>(observations.boardRows);
+  for (const Photograph& photograph : observations.photographs) {
+    if (photograph.corners.size() != corners) {
+      throw std::invalid_argument(
+          photograph.name + " has " + std::to_string(photograph.corners.size()) +
+          " corners instead of the board's " + std::to_string(corners) + ".");
+    }
+  }
+  if (observations.mounting) {
+    const auto isFinite = [](double value) { return std::isfinite(value); };
+    const auto& [rotation, translation] = *observations.mounting;
+    Require(std::all_of(rotation.begin(), rotation.end(), isFinite) &&
+                std::all_of(translation.begin(), translation.end(), isFinite),
+            "The stated mounting is not made of numbers.");
+  }
+}
+
+std::optional<Solution> SolveShoot(const Evidence& evidence) {
+  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kSamples);
+  if (!start || !evidence.lensCovariance.allFinite()) {
+    return std::nullopt;
+  }
+  Solution from;
+  from.Transform_Cam_Tc = start->Transform_Cam_Tc;
+  from.Transform_Tr_Chart = start->Transform_Tr_Chart;
+  // The scoring finds the noise from any start within some orders of magnitude.
+  const double metres = std::max(start->medianMetres, 1e-5);
+  from.noise = {metres * metres, metres * metres, false};
+  Choice choice;
+  choice.first = start->closest;
+  auto solution = Solve(evidence.loops, from, choice);
+  const bool isFinite = solution && solution->covariance.allFinite() &&
+                        solution->byLens.allFinite() &&
+                        solution->Transform_Cam_Tc.matrix().allFinite() &&
+                        solution->Transform_Tr_Chart.matrix().allFinite();
+  return isFinite ? solution : std::nullopt;
+}
+
+void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck& check) {
+  const Eigen::MatrixXd covariance = FullCovariance(solution, evidence);
+  check.solved = true;
+  check.used = solution.Used();
+  check.Transform_Cam_Tc = solution.Transform_Cam_Tc.matrix();
+  check.Transform_Tr_Chart = solution.Transform_Tr_Chart.matrix();
+  check.covarianceCamTcTwist = covariance.topLeftCorner<6, 6>();
+  check.covarianceTrChartTwist = covariance.block<6, 6>(6, 6);
+  check.standardErrorCamTc =
+      StandardErrorOfLeftTwist(check.covarianceCamTcTwist, solution.Transform_Cam_Tc);
+  check.standardErrorTrChart =
+      StandardErrorOfRightTwist(check.covarianceTrChartTwist, solution.Transform_Tr_Chart);
+  check.t95 = StudentHalfWidth95(Freedom(solution));
+  check.trackerNoiseDegrees = std::sqrt(solution.noise.turn) / kDegree;
+  check.trackerNoiseMm = std::sqrt(solution.noise.shift) * 1e3;
+  check.trackerNoiseApart = solution.noise.isApart;
+  check.diversity = DiversityOf(evidence.loops, solution);
+  if (check.diversity.amplification <= kMostAmplification) {
+    check.mounting = MountingOf(solution.Transform_Tr_Chart);
+  }
+}
+
+// The squares' size free as well: it tells a wrong size from a wrong mounting.
+std::optional<Solution> FreeSquareSize(const Evidence& evidence, const Solution& solution) {
+  Solution from = solution;
+  from.sought.squareSize = true;
+  Choice choice;
+  choice.first = solution.used;
+  return Solve(evidence.loops, from, choice);
+}
+
+void FillSquareSize(const Evidence& evidence, const std::optional<Solution>& free,
+                    CrossCheck& check) {
+  if (!free) {
+    check.square = {std::nan(""), std::nan(""), std::nan("")};
+    return;
+  }
+  const double variance = FullCovariance(*free, evidence)(12, 12);
+  check.square.factor = free->squareFactor;
+  check.square.standardError = std::sqrt(variance);
+  check.square.p = StudentTail((free->squareFactor - 1) / std::sqrt(variance), Freedom(*free));
+}
+
+void FillMounting(const Observations& observations, const Evidence& evidence,
+                  const Solution& solution, const std::optional<Solution>& free,
+                  CrossCheck& check) {
+  if (!observations.mounting) {
+    return;
+  }
+  const Pose stated = TransformOf(*observations.mounting);
+  NominalMounting& nominal = check.nominalMounting.emplace();
+  static_cast<Offset&>(nominal) = CompareMounting(solution, check.covarianceTrChartTwist, stated);
+  nominal.pScaleFree =
+      free ? CompareMounting(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
+           : nominal.p;
+  nominal.perhaps = LikelySlip(observations, solution.Transform_Tr_Chart);
+}
+
+// The transform that follows from the stated mounting, where no other is to be checked.
+std::optional<Offset> ResultOffset(const Observations& observations, const Evidence& evidence,
+                                   const Solution& solution, const CrossCheck& check) {
+  if (check.library || !observations.mounting) {
+    return check.library;
+  }
+  Solution from = solution;
+  from.sought.mounting = false;
+  from.Transform_Tr_Chart = TransformOf(*observations.mounting);
+  from.Transform_Cam_Tc =
+      solution.Transform_Cam_Tc * solution.Transform_Tr_Chart * from.Transform_Tr_Chart.inverse();
+  Choice choice;
+  choice.first = solution.used;
+  choice.isFixed = true;
+  const auto held = Solve(evidence.loops, from, choice);
+  return held ? std::optional(Between(held->Transform_Cam_Tc, solution.Transform_Cam_Tc))
+              : std::nullopt;
+}
+
+double MeanDistance(const Loops& loops) {
+  double sum = 0;
+  for (const Loop& loop : loops) {
+    sum += loop.Transform_Cam_Chart.translation().norm();
+  }
+  return sum / static_cast<double>(loops.size());
+}
+
+// Root mean square distance of the chart's positions from their mean.
+double ChartSpread(const Loops& loops) {
+  Eigen::Vector3d mean = Eigen::Vector3d::Zero();
+  double squares = 0;
+  for (const Loop& loop : loops) {
+    mean += loop.Transform_Cam_Chart.translation() / static_cast<double>(loops.size());
+  }
+  for (const Loop& loop : loops) {
+    squares += (loop.Transform_Cam_Chart.translation() - mean).squaredNorm();
+  }
+  return std::sqrt(squares / static_cast<double>(loops.size()));
+}
+
+void Fill(const Observations& observations, const Evidence& evidence, Grounds& grounds,
+          CrossCheck& check) {
+  const Solution& solution = *grounds.solution;
+  FillSolution(evidence, solution, check);
+  ComparePhotographs(observations, evidence, solution, check.perPhotograph);
+
+  std::optional<Pose> library;
+  if (observations.library && observations.library->allFinite()) {
+    library = PoseOf(*observations.library);
+    check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);
+  }
+  const std::optional<Solution> free = FreeSquareSize(evidence, solution);
+  FillSquareSize(evidence, free, check);
+  FillMounting(observations, evidence, solution, free, check);
+  if (const auto step = FindStep(evidence.loops, solution)) {
+    check.step = step->step;
+    grounds.withStep = step->solution;
+  }
+  check.halves = CompareHalves(evidence, solution);
+  check.onScreen = OnScreenAtAll(evidence, solution, library);
+  check.suggestedViews = SuggestViews(evidence, solution);
+  grounds.result = ResultOffset(observations, evidence, solution, check);
+  grounds.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
+  grounds.chartSpreadMetres = ChartSpread(evidence.loops);
+}
+
+}  // namespace
+
+CrossCheck Check(const Observations& observations) {
+  CheckObservations(observations);
+  const Evidence evidence = Gather(observations);
+  CrossCheck check;
+  check.photographs = observations.photographs.size();
+  check.perPhotograph = DescribePhotographs(observations, evidence);
+  check.cornerNoisePixels = evidence.cornerNoisePixels;
+  const Eigen::Matrix<double, 6, 1> lens = evidence.lensCovariance.diagonal().cwiseSqrt();
+  check.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
+
+  Grounds grounds;
+  grounds.solution = SolveShoot(evidence);
+  if (grounds.solution) {
+    Fill(observations, evidence, grounds, check);
+  }
+  grounds.reading = FindReading(observations, evidence);
+  check.findings = FindingsOf(check, evidence, grounds);
+  return check;
+}
+
+}  // namespace trackedcam::crosscheck

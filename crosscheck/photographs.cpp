@@ -1,0 +1,120 @@
+#include "crosscheck/photographs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include <Eigen/Cholesky>
+
+#include "crosscheck/mounting.h"
+#include "crosscheck/projection.h"
+#include "crosscheck/views.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
+// How little one of the trackers would have to be moved to make the photograph fit.
+void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& photograph) {
+  const Pose& Transform_Cam_Tc = solution.Transform_Cam_Tc;
+  const Pose& Transform_Tr_Chart = solution.Transform_Tr_Chart;
+  const Pose& seen = loop.Transform_Cam_Chart;
+  const Pose camera =
+      Transform_Cam_Tc.inverse() * seen * (loop.Transform_Tc_Tr * Transform_Tr_Chart).inverse();
+  const Pose chart =
+      (Transform_Cam_Tc * loop.Transform_Tc_Tr).inverse() * seen * Transform_Tr_Chart.inverse();
+  photograph.mm = 1e3 * std::min(camera.translation().norm(), chart.translation().norm());
+  photograph.degrees = Log(camera).head<3>().norm() * 180 / EIGEN_PI;
+}
+
+void PredictCorners(const Pose& predicted, const Evidence& evidence,
+                    const std::vector<Eigen::Vector2d>& corners, PerPhotograph& photograph) {
+  photograph.predicted.clear();
+  double squares = 0;
+  for (std::size_t i = 0; i < evidence.board.size(); ++i) {
+    const Eigen::Vector3d point = predicted * evidence.board[i];
+    const Eigen::Vector2d pixel =
+        point.z() > 1e-6 ? Project(evidence.lens, point) : Eigen::Vector2d::Constant(kNone);
+    photograph.predicted.push_back(pixel);
+    squares += (pixel - corners[i]).squaredNorm();
+  }
+  photograph.predictedPixels = std::sqrt(squares / static_cast<double>(corners.size()));
+}
+
+double DisagreementOf(const Loop& loop, const Solution& solution) {
+  const Twist residual = Residual(loop, 0, solution);
+  return residual.dot(CovarianceOf(loop, solution, solution.noise).llt().solve(residual));
+}
+
+// The same corners, the last one first.
+Pose HalfTurn(const std::vector<Eigen::Vector3d>& board) {
+  Pose turn(TurnAbout(2, 180));
+  turn.translation() = board.back();
+  return turn;
+}
+
+void Explain(std::size_t index, const Evidence& evidence, const Solution& solution,
+             PerPhotograph& photograph) {
+  Loop turned = evidence.loops[index];
+  turned.Transform_Cam_Chart = turned.Transform_Cam_Chart * HalfTurn(evidence.board);
+  if (DisagreementOf(turned, solution) <= DisagreementLimit()) {
+    photograph.why = "firstCornerAtOtherEnd";
+    return;
+  }
+  double least = DisagreementLimit();
+  for (std::size_t other = 0; other < evidence.loops.size(); ++other) {
+    Loop exchanged = evidence.loops[index];
+    exchanged.Transform_Tc_Tr = evidence.loops[other].Transform_Tc_Tr;
+    const double disagreement = other == index ? HUGE_VAL : DisagreementOf(exchanged, solution);
+    if (disagreement <= least) {
+      least = disagreement;
+      photograph.why = "fitsTrackersOf";
+      photograph.fitsTrackersOf = evidence.loops[other].photograph;
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
+                                               const Evidence& evidence) {
+  std::vector<PerPhotograph> photographs(observations.photographs.size());
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    PerPhotograph& photograph = photographs[i];
+    photograph.mm = photograph.degrees = photograph.predictedPixels = kNone;
+    photograph.Transform_Cam_Chart.setConstant(kNone);
+    photograph.Transform_Tc_Tr.setConstant(kNone);
+    photograph.view = {kNone, kNone, kNone, kNone};
+    if (const auto& pose = evidence.chartPoses[i]) {
+      photograph.Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
+      photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.board);
+    } else {
+      photograph.why = "noPose";
+    }
+    if (const auto pose = TransformOfRow(observations.photographs[i],
+                                         observations.invertTrackerQuaternions, Meaning::kAsRead)) {
+      photograph.Transform_Tc_Tr = pose->matrix();
+    } else {
+      photograph.why = "notNumbers";
+    }
+  }
+  return photographs;
+}
+
+void ComparePhotographs(const Observations& observations, const Evidence& evidence,
+                        const Solution& solution, std::vector<PerPhotograph>& photographs) {
+  for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
+    const Loop& loop = evidence.loops[i];
+    PerPhotograph& photograph = photographs[loop.photograph];
+    photograph.used = solution.used[i];
+    MeasureDistance(loop, solution, photograph);
+    PredictCorners(Predicted(loop, i, solution), evidence,
+                   observations.photographs[loop.photograph].corners, photograph);
+    if (!photograph.used) {
+      Explain(i, evidence, solution, photograph);
+    }
+  }
+}
+
+}  // namespace trackedcam::crosscheck

@@ -1,0 +1,21 @@
+// A tracker that moved on its mount between two photographs and stayed there.
+
+#pragma once
+
+#include <optional>
+
+#include "crosscheck/cross_check.h"
+#include "crosscheck/evidence.h"
+#include "crosscheck/solve.h"
+
+namespace trackedcam::crosscheck {
+
+struct FoundStep {
+  Step step;
+  Solution solution;  // with the step
+};
+
+/// Tries every place of the order, for either tracker.
+std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution);
+
+}  // namespace trackedcam::crosscheck

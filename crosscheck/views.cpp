@@ -1,0 +1,151 @@
+#include "crosscheck/views.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include <Eigen/Cholesky>
+
+#include "crosscheck/mounting.h"
+#include "crosscheck/projection.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+constexpr double kDegree = EIGEN_PI / 180;
+constexpr int kSuggestions = 3;
+constexpr int kViewsEach = 5;
+
+using Matrix12d = Eigen::Matrix<double, 12, 12>;
+
+struct Candidate {
+  View view;
+  Matrix12d information;  // that one such photograph adds
+};
+
+Pose PoseOfView(const View& view, const Eigen::Vector3d& centre) {
+  const double direction = view.tiltDirectionDegrees * kDegree;
+  // The normal leans towards the direction when the board turns about the axis across it.
+  const Eigen::Vector3d axis(-std::sin(direction), std::cos(direction), 0);
+  Pose pose = Pose::Identity();
+  pose.linear() = Eigen::AngleAxisd(view.tiltDegrees * kDegree, axis).toRotationMatrix() *
+                  TurnAbout(2, view.rollDegrees);
+  pose.translation() = Eigen::Vector3d(0, 0, view.distanceMetres) - pose.linear() * centre;
+  return pose;
+}
+
+bool IsInPicture(const Pose& pose, const Evidence& evidence) {
+  const Lens& lens = evidence.lens;
+  return std::all_of(evidence.board.begin(), evidence.board.end(), [&](const auto& point) {
+    const Eigen::Vector3d seen = pose * point;
+    if (!(seen.z() > 1e-3)) {
+      return false;
+    }
+    const Eigen::Vector2d pixel = Project(lens, seen);
+    return pixel.x() > 0.03 * lens.width && pixel.x() < 0.97 * lens.width &&
+           pixel.y() > 0.03 * lens.height && pixel.y() < 0.97 * lens.height;
+  });
+}
+
+std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
+                                  const Solution& solution) {
+  const Pose pose = PoseOfView(view, 0.5 * evidence.board.back());
+  if (!IsInPicture(pose, evidence)) {
+    return std::nullopt;
+  }
+  std::vector<Eigen::Vector2d> corners(evidence.board.size(), Eigen::Vector2d::Zero());
+  const auto equations = EquationsAt(pose, evidence.lens, evidence.board, corners);
+  if (!equations) {
+    return std::nullopt;
+  }
+  const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
+  const NoiseCarriers carriers =
+      CarriersOf(solution.Transform_Cam_Tc, pose * solution.Transform_Tr_Chart.inverse());
+  const Matrix6d covariance = solution.noise.turn * carriers.turn +
+                              solution.noise.shift * carriers.shift +
+                              variance * equations->byPose.ldlt().solve(Matrix6d::Identity());
+  Eigen::Matrix<double, 6, 12> design;
+  design << Matrix6d::Identity(), Adjoint(pose);
+  return Candidate{view, design.transpose() * covariance.llt().solve(design)};
+}
+
+std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solution) {
+  const Eigen::Vector3d board = evidence.board.back();
+  const Lens& lens = evidence.lens;
+  // So near that the board fills most of the picture, and half as far again.
+  const double near =
+      std::max(lens.fx * board.x() / lens.width, lens.fy * board.y() / lens.height) / 0.75;
+  std::vector<Candidate> candidates;
+  for (const double distance : {near, 1.5 * near}) {
+    for (const double tilt : {0.0, 20.0, 40.0}) {
+      for (int side = 0; side < (tilt > 0 ? 8 : 1); ++side) {
+        // Farther and a detector may begin at the opposite corner.
+        for (const double roll : {-45.0, 0.0, 45.0}) {
+          if (auto candidate = Consider({tilt, 45.0 * side, roll, distance}, evidence, solution)) {
+            candidates.push_back(*candidate);
+          }
+        }
+      }
+    }
+  }
+  return candidates;
+}
+
+// What Transform_Cam_Tc's variances add up to, turns as what they do at this distance; metres.
+double Uncertainty(const Matrix12d& information, double distance) {
+  const Matrix12d covariance = information.ldlt().solve(Matrix12d::Identity());
+  const double turn = covariance.diagonal().head<3>().sum();
+  const double shift = covariance.diagonal().segment<3>(3).sum();
+  return std::sqrt(turn * distance * distance + shift);
+}
+
+double MeanDistance(const Evidence& evidence) {
+  double sum = 0;
+  for (const Loop& loop : evidence.loops) {
+    sum += loop.Transform_Cam_Chart.translation().norm();
+  }
+  return sum / static_cast<double>(evidence.loops.size());
+}
+
+}  // namespace
+
+View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board) {
+  const Eigen::Vector3d normal = Transform_Cam_Chart.linear().col(2);
+  const Eigen::Matrix3d tilt =
+      Eigen::Quaterniond::FromTwoVectors(Eigen::Vector3d::UnitZ(), normal).toRotationMatrix();
+  const Eigen::Vector3d row = tilt.transpose() * Transform_Cam_Chart.linear().col(0);
+  View view;
+  view.tiltDegrees = std::atan2(normal.head<2>().norm(), normal.z()) / kDegree;
+  view.tiltDirectionDegrees = std::atan2(normal.y(), normal.x()) / kDegree;
+  view.rollDegrees = std::atan2(row.y(), row.x()) / kDegree;
+  view.distanceMetres = (Transform_Cam_Chart * Eigen::Vector3d(0.5 * board.back())).norm();
+  return view;
+}
+
+std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution) {
+  const std::vector<Candidate> candidates = Candidates(evidence, solution);
+  const double distance = MeanDistance(evidence);
+  const Matrix12d present = solution.covariance.topLeftCorner<12, 12>();
+  Matrix12d information = present.ldlt().solve(Matrix12d::Identity());
+  std::vector<SuggestedView> suggested;
+  for (int i = 0; i < kSuggestions && !candidates.empty(); ++i) {
+    const double before = Uncertainty(information, distance);
+    const Candidate* best = nullptr;
+    double least = before;
+    for (const Candidate& candidate : candidates) {
+      const Matrix12d with = information + kViewsEach * candidate.information;
+      if (const double after = Uncertainty(with, distance); after < least) {
+        least = after;
+        best = &candidate;
+      }
+    }
+    if (best == nullptr) {
+      break;
+    }
+    suggested.push_back({{best->view}, kViewsEach, before / least});
+    information += kViewsEach * best->information;
+  }
+  return suggested;
+}
+
+}  // namespace trackedcam::crosscheck

@@ -1,0 +1,206 @@
+#include "host/input/photograph_header.h"
+
+#include <fstream>
+#include <string>
+#include <system_error>
+
+#include "host/input/tiff_tags.h"
+
+namespace trackedcam::host {
+namespace {
+
+// A header with more parts is no camera's.
+constexpr int kMostParts = 1000;
+
+using Header = std::optional<PhotographHeader>;
+
+std::string_view Part(const std::string& bytes, std::size_t begin, std::size_t length) {
+  return begin <= bytes.size() ? std::string_view(bytes).substr(begin, length) : std::string_view();
+}
+
+Header HeaderOf(PhotographFormat format, std::uint64_t width, std::uint64_t height,
+                int orientation = 1) {
+  return width == 0 || height == 0 ? std::nullopt : Header({format, width, height, orientation});
+}
+
+int OrientationAt(const ReadBytes& read, std::uint64_t begin) {
+  const auto tags = ReadTiffTags(read, begin);
+  return tags ? tags->orientation : 1;
+}
+
+constexpr std::string_view kExifMark("Exif\0\0", 6);
+
+bool HoldsSize(std::uint64_t jpegMarker) {
+  return jpegMarker >= 0xC0 && jpegMarker <= 0xCF && jpegMarker != 0xC4 && jpegMarker != 0xC8 &&
+         jpegMarker != 0xCC;
+}
+
+bool StandsAlone(std::uint64_t jpegMarker) {
+  return jpegMarker == 0x01 || (jpegMarker >= 0xD0 && jpegMarker <= 0xD8);
+}
+
+Header JpegHeader(const ReadBytes& read) {
+  PhotographHeader header;
+  bool hasExif = false;
+  std::uint64_t offset = 2;
+  for (int part = 0; part < kMostParts; ++part) {
+    const std::string bytes = read(offset, 10);
+    const std::uint64_t marker = BigEndian(Part(bytes, 1, 1));
+    if (bytes.size() < 4 || bytes[0] != '\xFF') {
+      return std::nullopt;
+    }
+    if (marker == 0xFF) {  // a filling byte
+      ++offset;
+      continue;
+    }
+    if (StandsAlone(marker)) {
+      offset += 2;
+      continue;
+    }
+    if (marker == 0xDA) {  // here the picture begins
+      return HeaderOf(PhotographFormat::kJpeg, header.width, header.height, header.orientation);
+    }
+    if (HoldsSize(marker) && bytes.size() >= 9) {
+      header.height = BigEndian(Part(bytes, 5, 2));
+      header.width = BigEndian(Part(bytes, 7, 2));
+    }
+    if (marker == 0xE1 && !hasExif && Part(bytes, 4, 6) == kExifMark) {
+      hasExif = true;
+      header.orientation = OrientationAt(read, offset + 10);
+    }
+    offset += 2 + BigEndian(Part(bytes, 2, 2));
+  }
+  return std::nullopt;
+}
+
+Header PngHeader(const ReadBytes& read) {
+  const std::string begin = read(0, 24);
+  if (begin.size() < 24 || Part(begin, 12, 4) != "IHDR") {
+    return std::nullopt;
+  }
+  int orientation = 1;
+  std::uint64_t offset = 8;
+  for (int part = 0; part < kMostParts; ++part) {
+    const std::string chunk = read(offset, 8);
+    if (chunk.size() < 8 || Part(chunk, 4, 4) == "IEND") {
+      break;
+    }
+    if (Part(chunk, 4, 4) == "eXIf") {
+      orientation = OrientationAt(read, offset + 8);
+      break;
+    }
+    offset += 12 + BigEndian(Part(chunk, 0, 4));
+  }
+  return HeaderOf(PhotographFormat::kPng, BigEndian(Part(begin, 16, 4)),
+                  BigEndian(Part(begin, 20, 4)), orientation);
+}
+
+// From bottom to top where the height is positive, else from top to bottom.
+std::uint64_t Magnitude(std::uint64_t number) {
+  return number < 0x80000000U ? number : 0x100000000U - number;
+}
+
+Header BmpHeader(const ReadBytes& read) {
+  const std::string begin = read(0, 26);
+  if (begin.size() < 26) {
+    return std::nullopt;
+  }
+  const bool isOld = LittleEndian(Part(begin, 14, 4)) == 12;
+  return isOld ? HeaderOf(PhotographFormat::kBmp, LittleEndian(Part(begin, 18, 2)),
+                          LittleEndian(Part(begin, 20, 2)))
+               : HeaderOf(PhotographFormat::kBmp, Magnitude(LittleEndian(Part(begin, 18, 4))),
+                          Magnitude(LittleEndian(Part(begin, 22, 4))));
+}
+
+Header TiffHeader(const ReadBytes& read) {
+  const auto tags = ReadTiffTags(read, 0);
+  return tags ? HeaderOf(PhotographFormat::kTiff, tags->width, tags->height, tags->orientation)
+              : std::nullopt;
+}
+
+// A lossy picture, a lossless one, or the canvas that both may have.
+void TakeWebpSize(const std::string& chunk, PhotographHeader& header) {
+  const std::string_view name = Part(chunk, 0, 4);
+  if (chunk.size() < 18 || (header.width != 0 && name != "VP8X")) {
+    return;
+  }
+  if (name == "VP8 ") {
+    header.width = LittleEndian(Part(chunk, 14, 2)) & 0x3FFFU;
+    header.height = LittleEndian(Part(chunk, 16, 2)) & 0x3FFFU;
+  } else if (name == "VP8L") {
+    const std::uint64_t bits = LittleEndian(Part(chunk, 9, 4));
+    header.width = (bits & 0x3FFFU) + 1;
+    header.height = ((bits >> 14) & 0x3FFFU) + 1;
+  } else if (name == "VP8X") {
+    header.width = LittleEndian(Part(chunk, 12, 3)) + 1;
+    header.height = LittleEndian(Part(chunk, 15, 3)) + 1;
+  }
+}
+
+Header WebpHeader(const ReadBytes& read) {
+  PhotographHeader header;
+  std::uint64_t offset = 12;
+  for (int part = 0; part < kMostParts; ++part) {
+    const std::string chunk = read(offset, 18);
+    if (chunk.size() < 8) {
+      break;
+    }
+    TakeWebpSize(chunk, header);
+    if (Part(chunk, 0, 4) == "EXIF") {
+      const bool isMarked = Part(chunk, 8, 6) == kExifMark;
+      header.orientation = OrientationAt(read, offset + (isMarked ? 14 : 8));
+      break;
+    }
+    const std::uint64_t length = LittleEndian(Part(chunk, 4, 4));
+    offset += 8 + length + length % 2;
+  }
+  return HeaderOf(PhotographFormat::kWebp, header.width, header.height, header.orientation);
+}
+
+}  // namespace
+
+Header ReadPhotographHeader(const ReadBytes& read) {
+  const std::string mark = read(0, 12);
+  if (Part(mark, 0, 3) == "\xFF\xD8\xFF") {
+    return JpegHeader(read);
+  }
+  if (Part(mark, 0, 8) == "\x89PNG\r\n\x1A\n") {
+    return PngHeader(read);
+  }
+  if (Part(mark, 0, 2) == "BM") {
+    return BmpHeader(read);
+  }
+  if (Part(mark, 0, 4) == "RIFF" && Part(mark, 8, 4) == "WEBP") {
+    return WebpHeader(read);
+  }
+  return TiffHeader(read);
+}
+
+Header ParsePhotographHeader(std::string_view bytes) {
+  return ReadPhotographHeader([&](std::uint64_t offset, std::size_t count) {
+    return offset < bytes.size() ? std::string(bytes.substr(offset, count)) : std::string();
+  });
+}
+
+Header ReadPhotographHeader(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) {
+    return std::nullopt;
+  }
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  std::ifstream stream;
+  stream.rdbuf()->pubsetbuf(nullptr, 0);  // else each step of some bytes reads a block
+  stream.open(file, std::ios::binary);
+  return ReadPhotographHeader([&](std::uint64_t offset, std::size_t count) {
+    std::string bytes(count, '\0');
+    stream.clear();
+    if (error || offset >= size || !stream.seekg(static_cast<std::streamoff>(offset))) {
+      return std::string();
+    }
+    stream.read(bytes.data(), static_cast<std::streamsize>(count));
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
+    return bytes;
+  });
+}
+
+}  // namespace trackedcam::host

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "crosscheck/cross_check.h"
+#include "host/run/run_record.h"
+
+namespace trackedcam::host {
+
+/// Every figure of a cross-check at full precision. What could not be found out is null.
+/// @param record Of the same run, for the corners of the photographs.
+nlohmann::ordered_json CrossCheckJson(const crosscheck::CrossCheck& crossCheck,
+                                      const std::vector<std::string>& photographs,
+                                      const RunRecord& record);
+
+}  // namespace trackedcam::host

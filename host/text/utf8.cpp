@@ -1,0 +1,48 @@
+#include "host/text/utf8.h"
+
+#include <cstddef>
+
+namespace trackedcam::host {
+namespace {
+
+unsigned char ByteAt(std::string_view text, std::size_t index) {
+  return index < text.size() ? static_cast<unsigned char>(text[index]) : 0;
+}
+
+// How many bytes the character at the front has; 0 where there is none. The second byte alone tells
+// longer forms, surrogates and what lies beyond the last plane.
+std::size_t CharacterLength(std::string_view text) {
+  const unsigned char lead = ByteAt(text, 0);
+  const unsigned char second = ByteAt(text, 1);
+  const auto follows = [&](std::size_t index) { return (ByteAt(text, index) & 0xC0u) == 0x80; };
+  if (lead < 0x80) {
+    return 1;
+  }
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    return follows(1) ? 2 : 0;
+  }
+  if (lead >= 0xE0 && lead <= 0xEF) {
+    const bool serves = (lead != 0xE0 || second >= 0xA0) && (lead != 0xED || second < 0xA0);
+    return serves && follows(1) && follows(2) ? 3 : 0;
+  }
+  if (lead >= 0xF0 && lead <= 0xF4) {
+    const bool serves = (lead != 0xF0 || second >= 0x90) && (lead != 0xF4 || second < 0x90);
+    return serves && follows(1) && follows(2) && follows(3) ? 4 : 0;
+  }
+  return 0;
+}
+
+}  // namespace
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t length = CharacterLength(text);
+    if (length == 0) {
+      return false;
+    }
+    text.remove_prefix(length);
+  }
+  return true;
+}
+
+}  // namespace trackedcam::host

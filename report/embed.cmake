@@ -1,0 +1,32 @@
+# Turns a text file into a constant of the program: cmake -D NAME= -D FILE= -D OUTPUT= -P embed.cmake
+#
+# As numbers, since no compiler takes a literal of this length everywhere. Line ends become those
+# that a browser sees, whose hash the page's security policy names.
+
+file(READ ${FILE} text)
+string(REPLACE "\r\n" "\n" text "${text}")
+string(TOLOWER "${text}" lower)
+if(FILE MATCHES "\\.js$" AND lower MATCHES "</script|<!--")
+  message(FATAL_ERROR "${FILE} would end the script element that it stands in.")
+endif()
+
+string(SHA256 hash "${text}")
+string(HEX "${text}" hex)
+string(REGEX REPLACE "(................................)" "\\1\n" hex "${hex}")
+string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${hex}")
+file(
+  WRITE ${OUTPUT}
+  "#include \"report/embedded.h\"
+
+namespace trackedcam::report {
+namespace {
+
+const unsigned char kBytes[] = {
+${bytes}};
+
+}  // namespace
+
+const EmbeddedFile ${NAME} = {kBytes, sizeof(kBytes), \"${hash}\"};
+
+}  // namespace trackedcam::report
+")

@@ -1,0 +1,56 @@
+#include "report/page.h"
+
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
+
+#include "report/embedded.h"
+#include "report/page_view.h"
+#include "report/template.h"
+#include "report/text.h"
+
+namespace trackedcam::report {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string Source(const EmbeddedFile& file) {
+  return "'sha256-" + Base64(BytesOfHex(file.sha256)) + "'";
+}
+
+/// Nothing is loaded and nothing runs but what the program was built with.
+std::string Policy() {
+  return "default-src 'none'; script-src " + Source(kThreeJs) + ' ' + Source(kOrbitControlsJs) +
+         ' ' + Source(kChartJs) + ' ' + Source(kPageJs) + "; style-src " + Source(kPageCss) +
+         "; img-src data:; base-uri 'none'; form-action 'none'";
+}
+
+Json Parsed(const std::string& text) {
+  try {
+    Json result = Json::parse(text);
+    if (result.is_object()) {
+      return result;
+    }
+  } catch (const Json::exception&) {
+    // What it expected where helps nobody: a program wrote the file.
+  }
+  throw std::invalid_argument("The text is no result.");
+}
+
+}  // namespace
+
+std::string Page(const std::string& result, const std::vector<Thumbnail>& thumbnails,
+                 const std::filesystem::path& pageFolder) {
+  const Json parsed = Parsed(result);
+  Json values = PageView(parsed, thumbnails, pageFolder);
+  values["policy"] = Policy();
+  values["style"] = kPageCss.Text();
+  values["threeJs"] = kThreeJs.Text();
+  values["orbitControlsJs"] = kOrbitControlsJs.Text();
+  values["chartJs"] = kChartJs.Text();
+  values["pageJs"] = kPageJs.Text();
+  values["json"] = EscapeJson(result.substr(result.find('{')));  // no byte-order mark in front
+  return Render(kPageHtml.Text(), values);
+}
+
+}  // namespace trackedcam::report

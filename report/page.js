@@ -1,0 +1,1082 @@
+// Draws the pictures of the page from the result that stands in it, and keeps one selection for all
+// of them. It computes no figure of the calibration: what it shows as a number stands in the result or
+// in the tables.
+'use strict';
+(() => {
+
+const root = document.documentElement;
+root.dataset.script = 'on';
+const byId = (id) => document.getElementById(id);
+const result = JSON.parse(byId('data').textContent);
+const cross = result.crossCheck || null;
+const isNumber = (value) => typeof value === 'number' && Number.isFinite(value);
+const isList = (value, length) => Array.isArray(value) && value.length === length && value.every(isNumber);
+const [width, height] = isList(result.imageSize, 2) ? result.imageSize : [1920, 1080];
+root.style.setProperty('--aspect', width / height);
+let colour = (name) => getComputedStyle(root).getPropertyValue('--' + name).trim();
+const fixed = (value, decimals) => isNumber(value) ? value.toFixed(decimals).replace('-', '−') : '–';
+
+// The photographs, as the page lists them.
+const photographs = [...document.querySelectorAll('.photograph')].map((element) => ({
+  element,
+  number: Number(element.dataset.number),
+  state: element.dataset.state,
+  name: element.dataset.name,
+  why: element.dataset.why,
+  isReprojected: element.dataset.reprojected === 'true',
+  figures: element.dataset.place === '' || !cross ? null : (cross.perPhotograph || [])[Number(element.dataset.place)] || null,
+}));
+const pairsOf = (photograph) => {
+  const {corners, predicted} = photograph.figures || {};
+  return (corners || []).map((corner, i) => [corner, (predicted || [])[i]])
+      .filter(([corner]) => isList(corner, 2));
+};
+const stateWords = {
+  kept: 'agrees', spare: 'agrees, left out by the calibration', apart: 'does not agree', missing: 'dropped',
+};
+const figuresText = ({figures, state, why}) => {
+  const parts = figures ? [fixed(figures.predictedPixels, 2) + ' px', fixed(figures.mm, 2) + ' mm', fixed(figures.degrees, 3) + '°'] : [];
+  if (state !== 'kept' || figures) parts.push(stateWords[state] + (why && state !== 'spare' ? ': ' + why : ''));
+  return parts.join(' · ');
+};
+
+
+// One selection for the whole page.
+
+let selected = null;  // a photograph
+const selectionListeners = [];
+const select = (photograph) => {
+  selected = photograph;
+  document.body.dataset.selected = photograph ? photograph.number : '';
+  for (const {element, number} of photographs) {
+    const isIt = photograph !== null && number === photograph.number;
+    element.classList.toggle('selected', isIt);
+    const open = element.querySelector('.open');
+    open.setAttribute('aria-pressed', String(isIt));
+  }
+  byId('selection').hidden = !photograph;
+  if (photograph) {
+    byId('selection-number').textContent = photograph.number;
+    byId('selection-name').textContent = photograph.name.split(/[\\/]/).pop();
+    byId('selection-figures').textContent = figuresText(photograph);
+  }
+  selectionListeners.forEach((listener) => listener());
+  if (byId('enlarged').open) enlarge();
+};
+const selectStep = (step) => {
+  if (!photographs.length) return;
+  const at = selected ? photographs.indexOf(selected) + step : step > 0 ? 0 : -1;
+  select(photographs[(at + photographs.length) % photographs.length]);
+};
+const selectByKeys = (event) => {
+  const step = {ArrowRight: 1, ArrowLeft: -1}[event.key];
+  if (step) {
+    event.preventDefault();
+    selectStep(step);
+  }
+};
+byId('selection-previous').onclick = byId('enlarged-previous').onclick = () => selectStep(-1);
+byId('selection-next').onclick = byId('enlarged-next').onclick = () => selectStep(1);
+byId('selection-close').onclick = () => select(null);
+
+
+// SVG, piece by piece: no text is ever read as markup.
+
+const svgElement = (name, attributes, parent, text) => {
+  const element = document.createElementNS('http://www.w3.org/2000/svg', name);
+  for (const [key, value] of Object.entries(attributes)) element.setAttribute(key, value);
+  if (text !== undefined) element.textContent = text;
+  if (parent) parent.appendChild(element);
+  return element;
+};
+const empty = (svg, ...viewBox) => {
+  svg.replaceChildren();
+  svg.setAttribute('viewBox', viewBox.join(' '));
+};
+const round = (value) => value.toFixed(1);
+const segment = ([x, y], [u, v]) => `M${round(x)} ${round(y)}L${round(u)} ${round(v)}`;
+const circle = ([x, y], r) => `M${round(x - r)} ${round(y)}a${r} ${r} 0 1 0 ${2 * r} 0a${r} ${r} 0 1 0 ${-2 * r} 0`;
+const cross2 = ([x, y], r) => segment([x - r, y - r], [x + r, y + r]) + segment([x - r, y + r], [x + r, y - r]);
+
+const drawCorners = (svg, photograph, size) => {
+  empty(svg, 0, 0, width, height);
+  const pairs = pairsOf(photograph);
+  const line = {fill: 'none', 'stroke-width': size / 4};
+  const known = pairs.filter(([, predicted]) => isList(predicted, 2));
+  svgElement('path', {...line, stroke: colour('missing'), d: known.map(([a, b]) => segment(a, b)).join('')}, svg);
+  svgElement('path', {...line, stroke: colour('kept'), d: pairs.map(([a]) => circle(a, size)).join('')}, svg);
+  svgElement('path', {...line, stroke: colour('apart'), d: known.map(([, b]) => cross2(b, size * .7)).join('')}, svg);
+};
+
+
+// The gallery, and one photograph enlarged.
+
+const enlarge = () => {
+  const {element, figures} = selected;
+  byId('enlarged-number').textContent = selected.number;
+  byId('enlarged-title').textContent = selected.name;
+  byId('enlarged-figures').textContent = figuresText(selected)
+    + (figures ? '. Circles: detected corners; crosses: where trackers and solution expect them.' : '');
+  const thumbnail = element.querySelector('img');
+  const image = byId('enlarged-image');
+  if (thumbnail) image.src = thumbnail.src; else image.removeAttribute('src');
+  const link = element.querySelector('a');
+  byId('enlarged-link').hidden = !link;
+  if (link) byId('enlarged-link').setAttribute('href', link.getAttribute('href'));
+  drawCorners(byId('enlarged-overlay'), selected, height / 110);
+  byId('enlarged-overlay').style.display = byId('enlarged-corners').checked ? '' : 'none';
+};
+const openEnlarged = () => {
+  if (!selected) return;
+  enlarge();
+  if (!byId('enlarged').open) byId('enlarged').showModal();
+};
+byId('selection-open').onclick = openEnlarged;
+byId('enlarged-close').onclick = () => byId('enlarged').close();
+byId('enlarged-corners').onchange = enlarge;
+byId('enlarged').onkeydown = selectByKeys;
+byId('enlarged').onclick = (event) => {
+  if (event.target === byId('enlarged')) byId('enlarged').close();
+};
+const drawGallery = () => {
+  for (const photograph of photographs) {
+    const frame = photograph.element.querySelector('.frame');
+    frame.querySelector('svg')?.remove();
+    // A reprojected image has its corners drawn already.
+    if (photograph.figures && !(photograph.isReprojected && frame.querySelector('img'))) {
+      const svg = svgElement('svg', {'aria-hidden': 'true', preserveAspectRatio: 'xMidYMid slice'});
+      frame.insertBefore(svg, frame.querySelector('.open'));
+      drawCorners(svg, photograph, height / 48);
+    }
+  }
+};
+for (const photograph of photographs) {
+  photograph.element.querySelector('.open').onclick = () => {
+    select(photograph);
+    openEnlarged();
+  };
+}
+
+
+// The selected photograph beside the scene.
+
+const showChosen = () => {
+  if (!byId('chosen')) return;
+  byId('chosen').hidden = !selected;
+  byId('chosen-none').hidden = Boolean(selected);
+  if (!selected) return;
+  const figures = selected.figures || {};
+  const thumbnail = selected.element.querySelector('img');
+  byId('chosen-image').hidden = !thumbnail;
+  byId('chosen-empty').hidden = Boolean(thumbnail);
+  if (thumbnail) byId('chosen-image').src = thumbnail.src;
+  drawCorners(byId('chosen-overlay'), selected, height / 60);
+  byId('chosen-number').textContent = selected.number;
+  byId('chosen-name').textContent = selected.name.split(/[\\/]/).pop();
+  byId('chosen-state').textContent = stateWords[selected.state] + (selected.why && selected.state !== 'spare' ? ': ' + selected.why : '');
+  byId('chosen-state').className = selected.state;
+  byId('chosen-pixels').textContent = fixed(figures.predictedPixels, 2) + ' px';
+  byId('chosen-off').textContent = `${fixed(figures.mm, 2)} mm, ${fixed(figures.degrees, 3)}°`;
+  byId('chosen-tilt').textContent = `${fixed(figures.tiltDegrees, 0)}° towards ${fixed(figures.tiltDirectionDegrees, 0)}°`;
+  byId('chosen-roll').textContent = fixed(figures.rollDegrees, 0) + '°';
+  byId('chosen-distance').textContent = fixed(figures.distanceMetres, 2) + ' m';
+};
+selectionListeners.push(showChosen);
+
+
+// Buttons that copy.
+
+const copyText = async (text) => {
+  try {
+    await navigator.clipboard.writeText(text);
+  } catch {
+    // Not every browser lets a file do that.
+    const area = document.createElement('textarea');
+    area.value = text;
+    document.body.appendChild(area);
+    area.select();
+    document.execCommand('copy');
+    area.remove();
+  }
+};
+for (const button of document.querySelectorAll('.copy')) {
+  const words = button.textContent;
+  button.onclick = async () => {
+    await copyText(button.id === 'copy-json' ? byId('data').textContent : button.dataset.copy);
+    button.textContent = 'Copied';
+    setTimeout(() => { button.textContent = words; }, 1500);
+  };
+}
+
+
+// 2. The scene. World: y up, the chart facing z.
+
+const scene = {request() {}, recolour() {}, still() {}};
+const makeScene = () => {
+  const canvas = byId('scene-canvas');
+  const views = photographs.filter(({figures}) => figures && isList(figures.transformCamChart, 16));
+  if (!canvas || !views.length) {
+    throw new Error('There is no camera to show.');
+  }
+  const probe = document.createElement('canvas');
+  if (!(probe.getContext('webgl') || probe.getContext('experimental-webgl'))) {
+    byId('scene-note').hidden = false;
+    return;
+  }
+  const matrix = (list) => new THREE.Matrix4().set(...list);
+  const inverse = (m) => new THREE.Matrix4().getInverse(m);
+  const inputs = result.inputs || {};
+  const square = isNumber(inputs.squareMetres) ? inputs.squareMetres : .03;
+  const [columns, rows] = isList(inputs.board, 2) ? inputs.board : [9, 6];
+  const boardCentre = new THREE.Vector3((columns - 1) * square / 2, (rows - 1) * square / 2, 0);
+
+  const world = new THREE.Scene();
+  const chart = new THREE.Group();  // in the axes of Chart: x right, y down, z into the board
+  chart.rotation.x = Math.PI;
+  world.add(chart);
+  const paints = [];  // what to do when the colours change
+  const paint = (what) => { paints.push(what); what(); };
+
+  const renderer = new THREE.WebGLRenderer({canvas, antialias: true, preserveDrawingBuffer: true});
+  paint(() => renderer.setClearColor(colour('stage')));
+  const camera = new THREE.PerspectiveCamera(36, 1, .01, 100);
+  let isWanted = false;
+  const render = () => {
+    isWanted = false;
+    const box = canvas.getBoundingClientRect();
+    if (!box.width) return;
+    renderer.setPixelRatio(Math.min(2, window.devicePixelRatio || 1));
+    renderer.setSize(box.width, box.height, false);
+    camera.aspect = box.width / box.height;
+    camera.updateProjectionMatrix();
+    renderer.render(world, camera);
+  };
+  scene.request = () => {
+    if (!isWanted) {
+      isWanted = true;
+      requestAnimationFrame(render);
+    }
+  };
+
+  const lines = (points, material, parent) => {
+    const geometry = new THREE.BufferGeometry().setFromPoints(points);
+    const object = new THREE.LineSegments(geometry, material);
+    if (material.isLineDashedMaterial) object.computeLineDistances();
+    parent.add(object);
+    return object;
+  };
+  const label = (text, parent, place, size, draw, isLasting = true) => {
+    const picture = document.createElement('canvas');
+    const material = new THREE.SpriteMaterial({sizeAttenuation: false, depthTest: false, transparent: true});
+    const sprite = new THREE.Sprite(material);
+    sprite.repaint = () => {
+      const pen = picture.getContext('2d');
+      const font = '600 44px system-ui, "DejaVu Sans", sans-serif';
+      pen.font = font;
+      picture.width = pen.measureText(text).width + 28;
+      picture.height = 60;
+      pen.font = font;
+      pen.textAlign = 'center';
+      pen.textBaseline = 'middle';
+      draw(pen, picture.width, picture.height);
+      pen.fillText(text, picture.width / 2, 32);
+      material.map?.dispose();
+      material.map = new THREE.CanvasTexture(picture);
+      material.map.minFilter = THREE.LinearFilter;
+      material.needsUpdate = true;
+      sprite.scale.set(size * picture.width / 60, size, 1);
+    };
+    if (isLasting) paint(sprite.repaint); else sprite.repaint();
+    sprite.position.copy(place);
+    parent.add(sprite);
+    return sprite;
+  };
+  const plainWords = (pen, w, h) => {
+    pen.fillStyle = colour('stage');
+    pen.globalAlpha = .75;
+    pen.fillRect(0, 0, w, h);
+    pen.globalAlpha = 1;
+    pen.fillStyle = colour('ink');
+  };
+
+  // The chart.
+  const texture = document.createElement('canvas');
+  texture.width = texture.height = 1024;  // a power of two, as small pictures of it need
+  const boardMaterial = new THREE.MeshBasicMaterial({});
+  paint(() => {
+    const pen = texture.getContext('2d');
+    pen.setTransform(texture.width / (columns + 3), 0, 0, texture.height / (rows + 3), 0, 0);  // in squares
+    pen.fillStyle = colour('board-light');
+    pen.fillRect(0, 0, columns + 3, rows + 3);
+    pen.fillStyle = colour('board-dark');
+    for (let r = 0; r <= rows; ++r) {
+      for (let c = r % 2; c <= columns; c += 2) pen.fillRect(c + 1, r + 1, 1, 1);
+    }
+    boardMaterial.map?.dispose();
+    boardMaterial.map = new THREE.CanvasTexture(texture);
+    boardMaterial.map.anisotropy = 8;
+    boardMaterial.needsUpdate = true;
+  });
+  const plane = new THREE.PlaneBufferGeometry((columns + 3) * square, (rows + 3) * square);
+  const backMaterial = new THREE.MeshBasicMaterial({side: THREE.BackSide});
+  paint(() => backMaterial.color.set(colour('missing')));
+  for (const material of [boardMaterial, backMaterial]) {
+    const board = new THREE.Mesh(plane, material);
+    board.rotation.x = Math.PI;
+    board.position.copy(boardCentre);
+    chart.add(board);
+  }
+
+  // Axes of a tracker; a small body at the origin.
+  const axisMaterials = ['x', 'y', 'z'].map((axis) => {
+    const material = new THREE.LineBasicMaterial({linewidth: 2});
+    paint(() => material.color.set(colour('axis-' + axis)));
+    return material;
+  });
+  const rod = new THREE.CylinderBufferGeometry(.02, .02, 1, 8).translate(0, .5, 0);
+  const rodMaterials = ['x', 'y', 'z'].map((axis) => {
+    const material = new THREE.MeshBasicMaterial({});
+    paint(() => material.color.set(colour('axis-' + axis)));
+    return material;
+  });
+  const thickAxes = (pose, length, parent) => {
+    const axes = new THREE.Group();
+    [[0, 0, -Math.PI / 2], [0, 0, 0], [Math.PI / 2, 0, 0]].forEach((turn, i) => {
+      const mesh = new THREE.Mesh(rod, rodMaterials[i]);
+      mesh.rotation.set(...turn);
+      axes.add(mesh);
+    });
+    axes.scale.setScalar(length);
+    const frame = new THREE.Group();
+    frame.applyMatrix(pose);
+    frame.add(axes);
+    parent.add(frame);
+    return frame;
+  };
+
+  // The cameras.
+  const distances = views.map(({figures}) => matrix(figures.transformCamChart)).map((m) => Math.hypot(m.elements[12], m.elements[13], m.elements[14])).sort((a, b) => a - b);
+  const reach = distances[Math.floor(distances.length / 2)];
+  const depth = reach * (views.length > 60 ? .085 : .12);
+  const [fx, fy] = isList(result.normFocal, 2) ? result.normFocal : [1.35, 2.4];
+  const [cx, cy] = isList(result.normCenter, 2) ? result.normCenter : [.5, .5];
+  const frameCorners = [[0, 0], [1, 0], [1, 1], [0, 1]].map(([u, v]) => new THREE.Vector3((u - cx) / fx * depth, (v - cy) / fy * depth, depth));
+  const eye = new THREE.Vector3();
+  const frustum = [0, 1, 2, 3].flatMap((i) => [eye, frameCorners[i], frameCorners[i], frameCorners[(i + 1) % 4]]);
+  const upMark = [frameCorners[0], frameCorners[1]].map((p) => p.clone());
+  const tip = frameCorners[0].clone().lerp(frameCorners[1], .5).add(new THREE.Vector3(0, -depth * .12, 0));
+  frustum.push(upMark[0].lerp(upMark[1], .35), tip, tip, frameCorners[0].clone().lerp(frameCorners[1], .65));
+  const sides = new THREE.BufferGeometry().setFromPoints([0, 1, 2, 3].flatMap((i) => [eye, frameCorners[i], frameCorners[(i + 1) % 4]])
+      .concat([0, 1, 2, 0, 2, 3].map((i) => frameCorners[i])));
+  const found = isList(cross.transformCamTc, 16) ? matrix(cross.transformCamTc) : null;
+  const cameras = views.map((photograph) => {
+    const pose = inverse(matrix(photograph.figures.transformCamChart));
+    const group = new THREE.Group();
+    group.applyMatrix(pose);
+    chart.add(group);
+    const lineMaterial = new THREE.LineBasicMaterial({});
+    const sideMaterial = new THREE.MeshBasicMaterial({transparent: true, side: THREE.DoubleSide, depthWrite: false});
+    const outline = lines(frustum, lineMaterial, group);
+    const body = new THREE.Mesh(sides, sideMaterial);
+    group.add(body);
+    const item = {photograph, pose, group, body, outline};
+    item.number = label(String(photograph.number), group, eye, views.length > 60 ? .018 : .022, (pen, w, h) => {
+      const isIt = selected === photograph;
+      pen.fillStyle = colour(isIt ? 'select' : photograph.state);
+      pen.beginPath();
+      pen.rect(0, 0, w, h);
+      pen.fill();
+      pen.fillStyle = colour(isIt ? 'card' : photograph.state === 'spare' ? 'ink' : 'stage');
+    });
+    item.number.center.set(.5, -.15);
+    item.recolour = () => {
+      const isIt = selected === photograph;
+      lineMaterial.color.set(colour(isIt ? 'select' : photograph.state));
+      sideMaterial.color.set(colour(isIt ? 'select' : photograph.state));
+      sideMaterial.opacity = isIt ? .45 : photograph.state === 'apart' ? .35 : .13;
+      item.number.repaint();
+      item.number.renderOrder = isIt ? 10 : 1;
+      group.scale.setScalar(isIt ? 1.35 : 1);
+    };
+    paint(item.recolour);
+    return item;
+  });
+
+  // The camera's tracker, small at each camera and large at the selected one.
+  const trackers = new THREE.Group();
+  chart.add(trackers);
+  const at = (pose, x, y, z) => new THREE.Vector3(x, y, z).applyMatrix4(pose);
+  const tie = new THREE.LineBasicMaterial({transparent: true, opacity: .6});
+  paint(() => tie.color.set(colour('missing')));
+  let selectedTracker = null;
+  if (found) {
+    const small = depth * .3;
+    const poses = cameras.map(({pose}) => pose.clone().multiply(found));
+    [[1, 0, 0], [0, 1, 0], [0, 0, 1]].forEach((axis, i) =>
+      lines(poses.flatMap((pose) => [at(pose, 0, 0, 0), at(pose, ...axis.map((n) => n * small))]), axisMaterials[i], trackers));
+    lines(cameras.flatMap(({pose}, i) => [at(pose, 0, 0, 0), at(poses[i], 0, 0, 0)]), tie, trackers);
+  }
+
+  // The chart's tracker: found, and as the stated mounting has it.
+  const axisLength = Math.max(square * 1.8, reach * .07);
+  const chartOrigin = new THREE.Vector3();
+  if (isList(cross.transformTrChart, 16)) {
+    const pose = inverse(matrix(cross.transformTrChart));
+    thickAxes(pose, axisLength, trackers);
+    lines([chartOrigin, at(pose, 0, 0, 0)], tie, trackers);
+    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainWords).center.set(.5, -.7);
+  }
+  if (isList(inputs.chartRotationDegrees, 3) && isList(inputs.chartTranslationMetres, 3)) {
+    const [ax, ay, az] = inputs.chartRotationDegrees.map(THREE.Math.degToRad);
+    const stated = new THREE.Matrix4().makeRotationX(ax).multiply(new THREE.Matrix4().makeRotationY(ay))
+        .multiply(new THREE.Matrix4().makeRotationZ(az)).setPosition(...inputs.chartTranslationMetres);
+    const pose = inverse(stated);
+    const ghost = new THREE.LineDashedMaterial({dashSize: axisLength * .09, gapSize: axisLength * .06});
+    paint(() => ghost.color.set(colour('soft')));
+    const length = axisLength * 1.25;
+    lines([[length, 0, 0], [0, length, 0], [0, 0, length]].flatMap((end) => [at(pose, 0, 0, 0), at(pose, ...end)]), ghost, trackers);
+    const box = new THREE.EdgesGeometry(new THREE.BoxBufferGeometry(.3, .3, .3).scale(axisLength, axisLength, axisLength));
+    const edges = new THREE.LineSegments(box, ghost);
+    edges.computeLineDistances();
+    edges.applyMatrix(pose);
+    trackers.add(edges);
+    lines([chartOrigin, at(pose, 0, 0, 0)], ghost, trackers);
+  }
+
+  // The views of the buttons.
+  const controls = new THREE.OrbitControls(camera, canvas);
+  controls.enableKeys = false;
+  controls.enableZoom = false;  // until the scene is clicked: a wheel over it scrolls the page
+  canvas.addEventListener('pointerdown', () => { controls.enableZoom = true; canvas.focus({preventScroll: true}); });
+  canvas.addEventListener('blur', () => { controls.enableZoom = false; });
+  controls.addEventListener('change', scene.request);
+  // While the page looks through a camera, that camera is not in the way.
+  let through = null;
+  const stepOut = () => {
+    camera.fov = 36;
+    if (through) through.group.visible = true;
+    through = null;
+  };
+  controls.addEventListener('start', stepOut);
+  world.updateMatrixWorld(true);
+  const points = cameras.map(({group}) => group.getWorldPosition(new THREE.Vector3()));
+  for (const [x, y] of [[-2, -2], [columns + 1, -2], [-2, rows + 1], [columns + 1, rows + 1]]) {
+    points.push(new THREE.Vector3(x * square, y * square, 0).applyMatrix4(chart.matrixWorld));
+  }
+  if (isList(cross.transformTrChart, 16)) points.push(at(inverse(matrix(cross.transformTrChart)), 0, 0, 0).applyMatrix4(chart.matrixWorld));
+  const middle = new THREE.Box3().setFromPoints(points).getCenter(new THREE.Vector3());
+  const look = (x, y, z) => {
+    const direction = new THREE.Vector3(x, y, z).normalize();
+    stepOut();
+    controls.target.copy(middle);
+    camera.position.copy(middle).add(direction);
+    camera.lookAt(middle);
+    camera.updateMatrixWorld(true);
+    // As near as all points allow, seen in this direction.
+    const box = canvas.getBoundingClientRect();
+    const tangent = Math.tan(camera.fov * Math.PI / 360);
+    const aspect = box.width / Math.max(1, box.height);
+    const axes = ['x', 'y', 'z'].map((_, i) => new THREE.Vector3().setFromMatrixColumn(camera.matrixWorld, i));
+    const need = points.map((point) => {
+      const p = point.clone().sub(middle);
+      return Math.max(Math.abs(p.dot(axes[0])) / (tangent * aspect), Math.abs(p.dot(axes[1])) / tangent) + p.dot(axes[2]);
+    });
+    camera.position.copy(middle).addScaledVector(direction, Math.max(...need) * 1.12 + depth * .6);
+    controls.update();
+    scene.request();
+  };
+  const lookThrough = () => {
+    const item = cameras.find(({photograph}) => photograph === selected) || cameras[0];
+    if (selected !== item.photograph) select(item.photograph);
+    stepOut();
+    through = item;
+    item.group.visible = false;
+    item.group.updateMatrixWorld(true);
+    const turn = new THREE.Matrix4().makeRotationX(Math.PI);
+    item.group.matrixWorld.clone().multiply(turn).decompose(camera.position, camera.quaternion, new THREE.Vector3());
+    controls.target.copy(boardCentre.clone().applyMatrix4(chart.matrixWorld));
+    // All of the photograph, and what the canvas shows beside it.
+    camera.fov = 2 * Math.atan(Math.max(.5 / fy, .5 / fx / camera.aspect)) * 180 / Math.PI;
+    scene.request();
+  };
+  const looks = {all: [1, .5, .55], front: [0, 0, 1], side: [1, .08, .02], above: [0, 1, .02]};
+  for (const button of document.querySelectorAll('[data-view]')) {
+    button.onclick = () => button.dataset.view === 'camera' ? lookThrough() : look(...looks[button.dataset.view]);
+  }
+  const turnBy = (around, up) => {
+    const offset = new THREE.Spherical().setFromVector3(camera.position.clone().sub(controls.target));
+    offset.theta += around;
+    offset.phi = Math.min(Math.PI - .05, Math.max(.05, offset.phi + up));
+    camera.position.setFromSpherical(offset).add(controls.target);
+    controls.update();
+  };
+  const goNearer = (factor) => {
+    camera.position.sub(controls.target).multiplyScalar(factor).add(controls.target);
+    controls.update();
+  };
+  canvas.onkeydown = (event) => {
+    const act = {
+      ArrowLeft: () => turnBy(-.12, 0), ArrowRight: () => turnBy(.12, 0), ArrowUp: () => turnBy(0, -.1),
+      ArrowDown: () => turnBy(0, .1), '+': () => goNearer(.9), '-': () => goNearer(1.1),
+    }[event.key];
+    if (act) {
+      event.preventDefault();
+      act();
+    }
+  };
+
+  // A click, not the end of a turn.
+  let pressed = null;
+  canvas.addEventListener('pointerdown', (event) => { pressed = [event.clientX, event.clientY]; });
+  canvas.addEventListener('pointerup', (event) => {
+    if (!pressed || Math.hypot(event.clientX - pressed[0], event.clientY - pressed[1]) > 5) return;
+    const box = canvas.getBoundingClientRect();
+    const x = event.clientX - box.left, y = event.clientY - box.top;
+    // The camera whose frame is nearest to the click on the screen.
+    let best = null;
+    for (const item of cameras) {
+      const place = new THREE.Vector3(0, 0, depth * .6).applyMatrix4(item.group.matrixWorld).project(camera);
+      const far = Math.hypot((place.x + 1) / 2 * box.width - x, (1 - place.y) / 2 * box.height - y);
+      if (place.z < 1 && far < 34 && (!best || far < best.far)) best = {far, item};
+    }
+    select(best ? best.item.photograph : null);
+  });
+
+  const showSelected = () => {
+    cameras.forEach((item) => item.recolour());
+    if (selectedTracker) trackers.remove(selectedTracker);
+    selectedTracker = null;
+    const item = cameras.find(({photograph}) => photograph === selected);
+    if (item && found) {
+      selectedTracker = thickAxes(item.pose.clone().multiply(found), depth * .9, trackers);
+      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainWords, false).center.set(1.15, .5);
+    }
+    scene.request();
+  };
+  selectionListeners.push(showSelected);
+  scene.select = (number) => select(photographs[number - 1]);
+  scene.selectedNumber = () => cameras.find(({group}) => group.scale.x > 1)?.photograph.number ?? null;
+  // Where a camera's frame is on the canvas, for whoever wants to point at it.
+  window.trackedcamScene = {
+    selected: scene.selectedNumber,
+    place(number) {
+      const item = cameras.find(({photograph}) => photograph.number === number);
+      const place = new THREE.Vector3(0, 0, depth * .6).applyMatrix4(item.group.matrixWorld).project(camera);
+      const box = canvas.getBoundingClientRect();
+      return [(place.x + 1) / 2 * box.width, (1 - place.y) / 2 * box.height];
+    },
+  };
+  byId('scene-numbers').onchange = (event) => {
+    cameras.forEach(({number}) => { number.visible = event.target.checked; });
+    scene.request();
+  };
+  byId('scene-trackers').onchange = (event) => {
+    trackers.visible = event.target.checked;
+    scene.request();
+  };
+  scene.recolour = () => {
+    paints.forEach((what) => what());
+    scene.request();
+  };
+  scene.still = () => {
+    render();
+    byId('scene-still').src = canvas.toDataURL('image/jpeg', .92);
+  };
+  new ResizeObserver(scene.request).observe(canvas);
+  look(...looks.all);
+};
+
+
+// Charts: drawn again whenever the colours change.
+
+const charts = [];
+const chartMakers = [];
+const makeChart = (maker) => chartMakers.push(maker);
+const paperSizes = {bars: [1040, 250], errors: [500, 135], tall: [480, 410], plot: [1040, 240]};
+const newChart = (canvas, settings) => {
+  if (root.dataset.printing) {
+    // The size of its place on paper is not known while it is drawn.
+    const kind = Object.keys(paperSizes).find((name) => canvas.parentElement.classList.contains(name));
+    [canvas.width, canvas.height] = paperSizes[kind];
+    Object.assign(settings.options, {responsive: false, devicePixelRatio: 2});
+  }
+  const chart = new Chart(canvas, settings);
+  charts.push(chart);
+  return chart;
+};
+const scale = (title, more = {}) => ({
+  title: {display: Boolean(title), text: title, color: colour('soft')},
+  grid: {color: colour('line'), borderColor: colour('line')},
+  ticks: {color: colour('soft')}, ...more,
+});
+const hatch = (stroke) => {
+  const picture = document.createElement('canvas');
+  picture.width = picture.height = 8;
+  const pen = picture.getContext('2d');
+  pen.strokeStyle = stroke;
+  pen.lineWidth = 3;
+  pen.beginPath();
+  for (const x of [-8, 0, 8]) {
+    pen.moveTo(x - 1, 9);
+    pen.lineTo(x + 9, -1);
+  }
+  pen.stroke();
+  return pen.createPattern(picture, 'repeat');
+};
+
+
+// 3. Which photographs agree.
+
+let measure = 'predictedPixels';
+const measures = {
+  // The limits of the verdict: at them the program says to calibrate again.
+  predictedPixels: {title: 'error, px', decimals: 2, unit: 'px', limit: 12 * height / 1080, of: 'of the mean error'},
+  mm: {title: 'distance, mm', decimals: 2, unit: 'mm', limit: 10, of: 'of the spread'},
+  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: .5, of: 'of a photograph’s axis'},
+};
+const makeAgreement = () => {
+  const canvas = byId('agreement-chart');
+  const {title, decimals, unit, limit, of} = measures[measure];
+  const values = photographs.map(({figures}) => figures && isNumber(figures[measure]) ? figures[measure] : null);
+  const known = values.filter(isNumber);
+  const keptMost = Math.max(0, ...values.filter((value, i) => isNumber(value) && photographs[i].state !== 'apart'));
+  const most = Math.max(0, ...known);
+  // Bars far above the others are cut off, so that a drift of the others stays visible.
+  let top = Math.min(most, Math.max(4 * keptMost, 0) || most) * 1.12 || 1;
+  const isLimitIn = limit < 4 * top;
+  if (isLimitIn) top = Math.max(top, limit * 1.12);
+  byId('agreement-note').textContent = `Limit ${of}: ${fixed(limit, 1)} ${unit}`.replace(' °', '°') + (isLimitIn ? ', dashed.' : ', far above the picture.');
+  const step = cross.step && isNumber(cross.step.before) ? cross.step : null;
+  const stepAt = step ? photographs.findIndex(({name}) => name === step.photograph) : -1;
+  const marks = {
+    id: 'marks',
+    beforeDatasetsDraw({ctx, chartArea, scales}) {
+      if (!selected) return;
+      const at = photographs.indexOf(selected);
+      const wide = Math.max(6, (chartArea.right - chartArea.left) / photographs.length);
+      ctx.save();
+      ctx.globalAlpha = .16;
+      ctx.fillStyle = colour('select');
+      ctx.fillRect(scales.x.getPixelForValue(at) - wide / 2, chartArea.top, wide, chartArea.bottom - chartArea.top);
+      ctx.restore();
+    },
+    afterDatasetsDraw({ctx, chartArea, scales}) {
+      ctx.save();
+      ctx.font = '12px system-ui, "DejaVu Sans", sans-serif';
+      if (isLimitIn) {
+        const y = scales.y.getPixelForValue(limit);
+        ctx.strokeStyle = ctx.fillStyle = colour('limit');
+        ctx.lineWidth = 2;
+        ctx.setLineDash([7, 4]);
+        ctx.beginPath();
+        ctx.moveTo(chartArea.left, y);
+        ctx.lineTo(chartArea.right, y);
+        ctx.stroke();
+        ctx.textAlign = 'right';
+        const words = `limit ${fixed(limit, 1)} ${unit}`.replace(' °', '°');
+        const wide = ctx.measureText(words).width + 8;
+        ctx.fillStyle = colour('card');
+        ctx.fillRect(chartArea.right - wide, y - 19, wide, 17);
+        ctx.fillStyle = colour('limit');
+        ctx.fillText(words, chartArea.right - 4, y - 6);
+      }
+      ctx.setLineDash([]);
+      ctx.textAlign = 'center';
+      photographs.forEach(({state}, i) => {
+        const x = scales.x.getPixelForValue(i);
+        if (values[i] === null) {
+          ctx.strokeStyle = colour('missing');
+          ctx.lineWidth = 2;
+          ctx.stroke(new Path2D(cross2([x, chartArea.bottom - 7], 3.5)));
+        } else if (values[i] > top) {
+          ctx.fillStyle = colour('ink');
+          ctx.fillText('▲', x, chartArea.top + 10);
+          if (photographs.length <= 60) ctx.fillText(fixed(values[i], values[i] < 10 ? 1 : 0), x, chartArea.top - 4);
+        }
+      });
+      if (stepAt > 0) {
+        const x = (scales.x.getPixelForValue(stepAt - 1) + scales.x.getPixelForValue(stepAt)) / 2;
+        ctx.strokeStyle = ctx.fillStyle = colour('wanted');
+        ctx.lineWidth = 2;
+        ctx.beginPath();
+        ctx.moveTo(x, chartArea.top);
+        ctx.lineTo(x, chartArea.bottom);
+        ctx.stroke();
+        ctx.textAlign = 'left';
+        const words = `tracker on ${step.tracker} moved ${fixed(step.mm, 1)} mm, ${fixed(step.degrees, 2)}°`;
+        const wide = ctx.measureText(words).width + 8;
+        const from = Math.max(chartArea.left, Math.min(chartArea.right - wide, x < (chartArea.left + chartArea.right) / 2 ? x + 4 : x - 4 - wide));
+        ctx.fillStyle = colour('card');
+        ctx.fillRect(from, chartArea.top + 16, wide, 18);
+        ctx.fillStyle = colour('wanted');
+        ctx.fillText(words, from + 4, chartArea.top + 29);
+      }
+      ctx.restore();
+    },
+  };
+  const fills = {kept: colour('kept'), spare: colour('spare'), apart: hatch(colour('apart')), missing: colour('missing')};
+  const chart = newChart(canvas, {
+    type: 'bar',
+    data: {
+      labels: photographs.map(({number}) => number),
+      datasets: [{
+        data: values,
+        backgroundColor: photographs.map(({state}) => fills[state]),
+        borderColor: photographs.map(({state}) => colour(state)),
+        borderWidth: photographs.map(({state}) => state === 'apart' ? 1.5 : 0),
+        minBarLength: 2, barPercentage: .86, categoryPercentage: .94,
+      }],
+    },
+    options: {
+      animation: false, maintainAspectRatio: false, layout: {padding: {top: 14}},
+      interaction: {mode: 'index', intersect: false},
+      onClick(event) {
+        const at = Math.round(event.chart.scales.x.getValueForPixel(event.x));
+        if (photographs[at]) select(photographs[at]);
+      },
+      plugins: {
+        legend: {display: false},
+        tooltip: {
+          displayColors: false,
+          callbacks: {
+            title: ([item]) => `${photographs[item.dataIndex].number}  ${photographs[item.dataIndex].name.slice(-60)}`,
+            label: (item) => figuresText(photographs[item.dataIndex]),
+          },
+        },
+      },
+      scales: {
+        x: scale('photograph, in the order of the shoot', {grid: {display: false}, ticks: {color: colour('soft'), autoSkipPadding: 8, maxRotation: 0}}),
+        y: scale(title, {beginAtZero: true, max: top, ticks: {color: colour('soft'), maxTicksLimit: 7, callback: (value, i, ticks) => i === ticks.length - 1 ? '' : Number(value.toFixed(decimals))}}),
+      },
+    },
+    plugins: [marks],
+  });
+  window.trackedcamBars = {
+    place: (number) => [chart.scales.x.getPixelForValue(number - 1), (chart.chartArea.top + chart.chartArea.bottom) / 2],
+    values,
+  };
+  canvas.onkeydown = selectByKeys;
+  selectionListeners.bars = () => chart.draw();
+};
+selectionListeners.push(() => selectionListeners.bars?.());
+for (const button of document.querySelectorAll('[data-measure]')) {
+  button.onclick = () => {
+    measure = button.dataset.measure;
+    document.querySelectorAll('[data-measure]').forEach((other) => other.setAttribute('aria-pressed', String(other === button)));
+    redrawCharts();
+  };
+}
+
+
+// 4. Where in the picture.
+
+const frameOf = (svg) => {
+  const edge = width * .01;
+  empty(svg, -edge, -edge, width + 2 * edge, height + 2 * edge);
+  svgElement('rect', {x: 0, y: 0, width, height, fill: colour('card'), stroke: colour('line'), 'stroke-width': width / 400}, svg);
+};
+const drawCoverage = () => {
+  const svg = byId('coverage-map');
+  frameOf(svg);
+  const across = 16, down = Math.max(1, Math.round(across * height / width));
+  const [w, h] = [width / across, height / down];
+  const counts = Array.from({length: down}, () => new Array(across).fill(0));
+  const dots = photographs.filter(({figures}) => figures).map((photograph) => ({photograph, corners: pairsOf(photograph).map(([corner]) => corner)}));
+  for (const {corners} of dots) {
+    for (const [x, y] of corners) {
+      const r = Math.floor(y / h), c = Math.floor(x / w);
+      if (counts[r]?.[c] !== undefined) ++counts[r][c];
+    }
+  }
+  const defs = svgElement('defs', {}, svg);
+  const pattern = svgElement('pattern', {id: 'unseen', width: w / 5, height: w / 5, patternUnits: 'userSpaceOnUse', patternTransform: 'rotate(45)'}, defs);
+  svgElement('rect', {width: w / 14, height: w / 5, fill: colour('limit'), opacity: .75}, pattern);
+  let unseen = 0;
+  counts.forEach((row, r) => row.forEach((count, c) => {
+    if (!count) {
+      ++unseen;
+      svgElement('rect', {x: c * w, y: r * h, width: w, height: h, fill: 'url(#unseen)'}, svg);
+    }
+  }));
+  const radius = width / (dots.length > 60 ? 420 : 330);
+  for (const state of ['kept', 'spare', 'apart']) {
+    const points = dots.filter(({photograph}) => photograph.state === state).flatMap(({corners}) => corners);
+    svgElement('path', {d: points.map((corner) => circle(corner, radius)).join(''), fill: colour(state), opacity: .55}, svg);
+  }
+  const corners = [['upper left', 0, 0], ['upper right', across - 2, 0], ['lower left', 0, down - 2], ['lower right', across - 2, down - 2]];
+  const blind = corners.filter(([, c, r]) => [0, 1].every((i) => [0, 1].every((j) => !counts[r + i]?.[c + j])));
+  for (const [, c, r] of blind) {
+    svgElement('rect', {x: c * w, y: r * h, width: 2 * w, height: 2 * h, fill: 'none', stroke: colour('limit'), 'stroke-width': width / 250}, svg);
+  }
+  const share = Math.round(100 * (1 - unseen / (across * down)));
+  byId('coverage-note').textContent = `Each dot is a corner of the chart; they reach ${share} % of the frame. Hatched: nothing was seen there.`
+    + (blind.length ? ` Corners of the frame without a view: ${blind.map(([name]) => name).join(', ')}.` : ' Every corner of the frame has a view.');
+  svgElement('g', {id: 'coverage-selected'}, svg);
+};
+const nice = (value) => {
+  const power = 10 ** Math.floor(Math.log10(value));  // of 1, 2, 3, 5, 10, ...
+  return power * [5, 3, 2, 1].find((n) => n * power <= value * 1.001);
+};
+const drawResiduals = () => {
+  const svg = byId('residual-map');
+  frameOf(svg);
+  const withAll = byId('residual-all').checked;
+  const shown = photographs.filter(({figures, state}) => figures && (withAll || state !== 'apart'));
+  const arrows = shown.flatMap((photograph) => pairsOf(photograph).filter(([, b]) => isList(b, 2)).map(([a, b]) => ({photograph, a, b})));
+  const lengths = arrows.filter(({photograph}) => photograph.state !== 'apart').map(({a, b}) => Math.hypot(b[0] - a[0], b[1] - a[1])).sort((p, q) => p - q);
+  if (!lengths.length) return;
+  const usual = Math.max(lengths[Math.floor(lengths.length * .9)], 1e-4);
+  const factor = nice(width / 28 / usual);
+  const tip = ({a, b}) => [a[0] + (b[0] - a[0]) * factor, a[1] + (b[1] - a[1]) * factor];
+  const isSelected = ({photograph}) => photograph === selected;
+  const path = (list) => list.map((arrow) => {
+    const end = tip(arrow);
+    const angle = Math.atan2(end[1] - arrow.a[1], end[0] - arrow.a[0]);
+    const barb = Math.min(width / 110, Math.hypot(end[1] - arrow.a[1], end[0] - arrow.a[0]) * .35);
+    const back = (turn) => [end[0] - barb * Math.cos(angle + turn), end[1] - barb * Math.sin(angle + turn)];
+    return segment(arrow.a, end) + segment(end, back(.45)) + segment(end, back(-.45));
+  }).join('');
+  const clip = svgElement('clipPath', {id: 'in-frame'}, svgElement('defs', {}, svg));
+  svgElement('rect', {width, height}, clip);
+  const inside = svgElement('g', {'clip-path': 'url(#in-frame)'}, svg);
+  for (const state of ['spare', 'kept', 'apart']) {
+    const list = arrows.filter((arrow) => arrow.photograph.state === state && !isSelected(arrow));
+    svgElement('path', {d: path(list), fill: 'none', stroke: colour(state), 'stroke-width': width / 900, opacity: selected ? .4 : .8}, inside);
+  }
+  svgElement('path', {d: path(arrows.filter(isSelected)), fill: 'none', stroke: colour('select'), 'stroke-width': width / 450}, inside);
+  // The scale, as an arrow of a round length.
+  const unit = nice(width / 14 / factor);
+  const [x, y] = [width * .035, height * .945];
+  svgElement('rect', {x: x - width * .018, y: y - height * .06, width: unit * factor + width * .15, height: height * .095, rx: width / 150, fill: colour('card'), opacity: .9}, svg);
+  svgElement('path', {d: segment([x, y], [x + unit * factor, y]) + segment([x, y - 9], [x, y + 9]) + segment([x + unit * factor, y - 9], [x + unit * factor, y + 9]), stroke: colour('ink'), 'stroke-width': width / 500, fill: 'none'}, svg);
+  const words = svgElement('text', {x: x + unit * factor + width * .015, y: y + width * .008}, svg, `${Number(unit.toPrecision(2))} px`);
+  words.style.fontSize = width * .024 + 'px';
+  words.style.fill = colour('ink');
+  byId('residual-note').textContent = `From the detected corner to the predicted one, drawn ${Number(factor.toPrecision(3))} times as long; the bar is ${Number(unit.toPrecision(2))} px.`;
+};
+const drawPicture = () => {
+  const group = byId('coverage-selected');
+  group.replaceChildren();
+  if (selected?.figures) {
+    svgElement('path', {d: pairsOf(selected).map(([corner]) => circle(corner, width / 190)).join(''), fill: colour('select')}, group);
+  }
+  drawResiduals();
+};
+
+
+// 5. Which views are missing.
+
+const shapes = (state) => state === 'apart' ? 'rectRot' : 'circle';
+const drawTilts = () => {
+  const svg = byId('tilt-map');
+  const size = 460, middle = size / 2, reach = size * .415;
+  empty(svg, 0, 0, size, size * .98);
+  const known = photographs.filter(({figures}) => figures && isNumber(figures.tiltDegrees) && isNumber(figures.tiltDirectionDegrees));
+  const wanted = (cross.suggestedViews || []).filter((view) => isNumber(view.tiltDegrees) && isNumber(view.tiltDirectionDegrees));
+  const most = Math.max(45, ...[...known.map(({figures}) => figures), ...wanted].map((view) => view.tiltDegrees));
+  const step = most > 60 ? 30 : 15;
+  const outer = Math.ceil(most / step) * step;
+  const place = (tilt, direction) => [middle + tilt / outer * reach * Math.cos(direction * Math.PI / 180), middle + tilt / outer * reach * Math.sin(direction * Math.PI / 180)];
+  const say = (text, x, y, anchor = 'middle') => {
+    const words = svgElement('text', {x, y, 'text-anchor': anchor, stroke: colour('sunk'), 'stroke-width': 4, 'paint-order': 'stroke'}, svg, text);
+    words.style.fontSize = '13px';
+  };
+  for (let tilt = step; tilt <= outer; tilt += step) {
+    svgElement('circle', {cx: middle, cy: middle, r: tilt / outer * reach, fill: 'none', stroke: colour('line'), 'stroke-width': 1.3}, svg);
+  }
+  for (let direction = 0; direction < 360; direction += 45) {
+    svgElement('path', {d: segment(place(0, 0), place(outer, direction)), stroke: colour('line'), 'stroke-width': 1}, svg);
+  }
+  say('right', size - 3, middle - 6, 'end');
+  say('left', 3, middle - 6, 'start');
+  say('up', middle, middle - reach - 8);
+  say('down', middle, middle + reach + 17);
+  for (const photograph of known) {
+    const at = place(photograph.figures.tiltDegrees, photograph.figures.tiltDirectionDegrees);
+    const isIt = photograph === selected;
+    const mark = photograph.state === 'apart'
+      ? svgElement('path', {d: cross2(at, isIt ? 8 : 5), stroke: colour(isIt ? 'select' : 'apart'), 'stroke-width': 3, fill: 'none'}, svg)
+      : svgElement('circle', {cx: at[0], cy: at[1], r: isIt ? 9 : 5.5, fill: colour(isIt ? 'select' : photograph.state), stroke: colour('sunk'), 'stroke-width': 1}, svg);
+    svgElement('title', {}, mark, `${photograph.number}: ${fixed(photograph.figures.tiltDegrees, 0)}° tilted`);
+    mark.style.cursor = 'pointer';
+    mark.addEventListener('click', () => select(photograph));
+  }
+  for (let tilt = step; tilt <= outer; tilt += step) {
+    const [x, y] = place(tilt, -68);
+    say(tilt + '°', x + 4, y + 4, 'start');
+  }
+  wanted.forEach((view, i) => {
+    const [x, y] = place(view.tiltDegrees, view.tiltDirectionDegrees);
+    svgElement('path', {d: `M${x} ${y - 10}L${x + 10} ${y}L${x} ${y + 10}L${x - 10} ${y}Z`, fill: 'none', stroke: colour('wanted'), 'stroke-width': 2.6}, svg);
+    const words = svgElement('text', {x, y: y + 4.5, 'text-anchor': 'middle'}, svg, String(i + 1));
+    words.style.fontSize = '12px';
+    words.style.fill = colour('wanted');
+  });
+};
+const makeRolls = () => {
+  const known = photographs.filter(({figures}) => figures && isNumber(figures.rollDegrees) && isNumber(figures.distanceMetres));
+  const wanted = (cross.suggestedViews || []).filter((view) => isNumber(view.rollDegrees) && isNumber(view.distanceMetres));
+  const most = Math.max(30, ...[...known.map(({figures}) => figures), ...wanted].map((view) => Math.abs(view.rollDegrees)));
+  const reach = Math.min(180, Math.ceil(most / 30) * 30);
+  const isIt = (photograph) => photograph === selected;
+  const chart = newChart(byId('roll-chart'), {
+    type: 'scatter',
+    data: {
+      datasets: [{
+        data: known.map(({figures}) => ({x: figures.rollDegrees, y: figures.distanceMetres})),
+        pointStyle: known.map(({state}) => shapes(state)),
+        pointRadius: (context) => known[context.dataIndex] && isIt(known[context.dataIndex]) ? 9 : 5.5,
+        pointBackgroundColor: (context) => known[context.dataIndex] ? colour(isIt(known[context.dataIndex]) ? 'select' : known[context.dataIndex].state) : '',
+        pointBorderColor: colour('card'),
+      }, {
+        data: wanted.map((view) => ({x: view.rollDegrees, y: view.distanceMetres})),
+        pointStyle: 'rectRot', pointRadius: 10, pointBackgroundColor: 'transparent', pointBorderColor: colour('wanted'), pointBorderWidth: 2.6,
+      }],
+    },
+    options: {
+      animation: false, maintainAspectRatio: false, clip: false,
+      onClick(event, items) {
+        const item = items.find(({datasetIndex}) => datasetIndex === 0);
+        if (item) select(known[item.index]);
+      },
+      plugins: {
+        legend: {display: false},
+        tooltip: {callbacks: {label: (item) => `${item.datasetIndex ? 'wanted ' + (item.dataIndex + 1) : known[item.dataIndex].number}: roll ${fixed(item.parsed.x, 0)}°, ${fixed(item.parsed.y, 2)} m`}},
+      },
+      scales: {
+        x: scale('roll, deg', {min: -reach, max: reach, ticks: {color: colour('soft'), stepSize: reach > 90 ? 60 : reach > 30 ? 30 : 10}}),
+        y: scale('distance, m', {grace: '8%'}),
+      },
+    },
+    plugins: [{
+      id: 'numbers',
+      afterDatasetsDraw({ctx, scales}) {
+        ctx.save();
+        ctx.font = '12px system-ui, "DejaVu Sans", sans-serif';
+        ctx.fillStyle = colour('wanted');
+        ctx.textAlign = 'center';
+        wanted.forEach((view, i) => ctx.fillText(String(i + 1), scales.x.getPixelForValue(view.rollDegrees), scales.y.getPixelForValue(view.distanceMetres) + 4.5));
+        ctx.restore();
+      },
+    }],
+  });
+  selectionListeners.rolls = () => chart.update('none');
+};
+selectionListeners.push(() => selectionListeners.rolls?.());
+
+
+// 6. The result against the cross-check: from the tables.
+
+const makeErrors = () => {
+  for (const canvas of document.querySelectorAll('[data-errors]')) {
+    const number = (text) => text === '' ? NaN : Number(text);
+    const rows = [...byId(canvas.dataset.errors).querySelectorAll('tr[data-axis]')].map(({dataset}) => ({
+      axis: dataset.axis, difference: number(dataset.difference), half: number(dataset.half)}));
+    const reach = Math.max(...rows.flatMap(({difference, half}) => [Math.abs(difference), half]).filter(Number.isFinite), 1e-6) * 1.15;
+    newChart(canvas, {
+      data: {
+        labels: rows.map(({axis}) => axis),
+        datasets: [{
+          type: 'scatter', order: 1,
+          data: rows.flatMap(({axis, difference}) => Number.isFinite(difference) ? [{x: difference, y: axis}] : []),
+          pointStyle: 'rectRot', pointRadius: 7, pointBorderColor: colour('card'), pointBorderWidth: 1.5,
+          pointBackgroundColor: rows.filter(({difference}) => Number.isFinite(difference)).map(({difference, half}) => Math.abs(difference) > half ? colour('apart') : colour('ink')),
+        }, {
+          type: 'bar', order: 2, indexAxis: 'y', barThickness: 12, minBarLength: 3,
+          data: rows.map(({half}) => Number.isFinite(half) ? [-half, half] : null),
+          backgroundColor: colour('kept'), borderRadius: 3, borderSkipped: false,
+        }],
+      },
+      options: {
+        animation: false, maintainAspectRatio: false, indexAxis: 'y',
+        plugins: {legend: {display: false}, tooltip: {enabled: false}},
+        scales: {
+          x: scale('', {type: 'linear', position: 'bottom', min: -reach, max: reach, ticks: {color: colour('soft'), maxTicksLimit: 7, callback: (value, i, ticks) => i === 0 || i === ticks.length - 1 ? '' : String(Number(value.toPrecision(3))).replace('-', '−')},
+            grid: {color: (context) => colour(context.tick && context.tick.value === 0 ? 'soft' : 'line'), borderColor: colour('line')}}),
+          y: scale('', {type: 'category', labels: rows.map(({axis}) => axis), offset: true, grid: {display: false}}),
+        },
+      },
+    });
+  }
+};
+
+
+// 7. What it means on screen.
+
+const makeScreen = () => {
+  const rows = (cross.onScreen || []).filter(({distanceMetres}) => isNumber(distanceMetres));
+  const line = (label, key, name, dash, point) => ({
+    label, data: rows.filter((row) => isNumber(row[key])).map((row) => ({x: row.distanceMetres, y: row[key]})),
+    borderColor: colour(name), backgroundColor: colour(name), borderDash: dash, pointStyle: point, pointRadius: 4, borderWidth: 2.2, tension: .25, showLine: true,
+  });
+  const datasets = [
+    line('expected, all', 'pixels', 'ink', [], 'circle'),
+    line('of the transform', 'fromTransform', 'kept', [7, 4], 'triangle'),
+    line('of the lens', 'fromLens', 'axis-y', [2, 3], 'rect'),
+    line('the two solutions apart', 'libraryApart', 'apart', [10, 3, 2, 3], 'rectRot'),
+  ].filter(({data}) => data.length);
+  newChart(byId('screen-chart'), {
+    type: 'scatter', data: {datasets},
+    options: {
+      animation: false, maintainAspectRatio: false,
+      interaction: {mode: 'x', intersect: false},
+      layout: {padding: {right: 8}},
+      plugins: {
+        legend: {position: 'top', align: 'start', labels: {color: colour('ink'), boxWidth: 34, boxHeight: 0, padding: 18}},
+        tooltip: {callbacks: {title: ([item]) => `at ${item.parsed.x} m`, label: (item) => `${item.dataset.label}: ${fixed(item.parsed.y, 2)} px`}},
+      },
+      scales: {
+        x: scale('distance, m', {min: rows[0]?.distanceMetres, max: rows[rows.length - 1]?.distanceMetres, type: rows.length > 1 && rows.every(({distanceMetres}) => distanceMetres > 0) ? 'logarithmic' : 'linear',
+          ticks: {color: colour('soft'), autoSkip: false, maxRotation: 0, callback: (value) => rows.some(({distanceMetres}) => distanceMetres === value) ? String(value) : ''},
+          afterBuildTicks: (axis) => { axis.ticks = rows.map(({distanceMetres}) => ({value: distanceMetres})); }}),
+        y: scale('error, px', {beginAtZero: true}),
+      },
+    },
+  });
+};
+
+
+// All of it. A picture that fails leaves the others alone.
+
+const attempt = (draw) => {
+  try {
+    draw();
+  } catch (error) {
+    console.error(error);
+  }
+};
+const redrawCharts = () => {
+  charts.splice(0).forEach((chart) => chart.destroy());
+  chartMakers.forEach(attempt);
+};
+const redraw = () => {
+  attempt(drawGallery);
+  if (!cross) return;
+  [drawCoverage, drawPicture, drawTilts].forEach(attempt);
+  Chart.defaults.font.family = getComputedStyle(document.body).fontFamily;
+  Chart.defaults.font.size = 12;
+  redrawCharts();
+  attempt(scene.recolour);
+};
+if (cross) {
+  [makeAgreement, makeRolls, makeErrors, makeScreen].forEach(makeChart);
+  selectionListeners.push(() => [drawPicture, drawTilts].forEach(attempt));
+  byId('residual-all').onchange = drawResiduals;
+  attempt(makeScene);
+}
+redraw();
+document.body.dataset.selected = '';
+document.body.dataset.drawn = 'true';
+
+matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
+// Paper is white, and the scene a still on it.
+addEventListener('beforeprint', () => {
+  root.dataset.printing = 'true';
+  redraw();
+  attempt(scene.still);
+});
+addEventListener('afterprint', () => {
+  delete root.dataset.printing;
+  redraw();
+});
+})();

@@ -1,0 +1,334 @@
+#include "report/page_view.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "report/comparison_view.h"
+#include "report/number_text.h"
+#include "report/photograph_list.h"
+#include "report/text.h"
+
+namespace trackedcam::report {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Number = std::optional<double>;
+
+constexpr double kMillimetresPerMetre = 1000;
+constexpr double kCertain = 0.001;  // the share of chance below which two figures differ
+
+/// The numbers as the file has them, for a paste.
+std::string CopyOf(const Json& numbers) {
+  std::string text;
+  for (const Json& number : numbers) {
+    text += (text.empty() ? "" : " ") + (number.is_null() ? "nan" : number.dump());
+  }
+  return text;
+}
+
+Json FixedAll(const Json& numbers, int decimals, double scale = 1) {
+  Json texts = Json::array();
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    texts.push_back(Fixed(Times(NumberAt(numbers, At("", i)), scale), decimals));
+  }
+  return texts;
+}
+
+/// {figures, copy} of a list, null where it is missing or empty.
+Json List(const Json& numbers, int decimals, double scale = 1) {
+  if (!numbers.is_array() || numbers.empty()) {
+    return nullptr;
+  }
+  return {{"figures", FixedAll(numbers, decimals, scale)}, {"copy", CopyOf(numbers)}};
+}
+
+Json Matrix(const Json& numbers) {
+  if (!numbers.is_array()) {
+    return nullptr;
+  }
+  Json rows = Json::array();
+  for (std::size_t row = 0; row + 4 <= numbers.size(); row += 4) {
+    Json figures = Json::array();
+    for (std::size_t i = row; i < row + 4; ++i) {
+      figures.push_back(Fixed(NumberAt(numbers, At("", i)), 6));
+    }
+    rows.push_back({{"figures", figures}});
+  }
+  return rows.empty() ? Json() : Json{{"rows", rows}, {"copy", CopyOf(numbers)}};
+}
+
+/// How sure the two are that they differ.
+Json Distance(const Json& difference) {
+  if (!difference.is_object()) {
+    return nullptr;
+  }
+  const Number p = NumberAt(difference, "/p");
+  return {{"millimetres", Fixed(NumberAt(difference, "/offMm"), 2)},
+          {"degrees", Fixed(NumberAt(difference, "/offDegrees"), 3)},
+          {"p", p && *p < kCertain ? Json() : Json(Fixed(p, 2))},
+          {"isCertain", p && *p < kCertain},
+          {"perhaps", TextAt(difference, "/perhaps")}};
+}
+
+Json Mounting(const Json& result) {
+  const auto angles = [&](const char* path) { return List(ValueAt(result, path), 3); };
+  const auto shift = [&](const char* path) {
+    return List(ValueAt(result, path), 2, kMillimetresPerMetre);
+  };
+  return {{"statedRotation", angles("/inputs/chartRotationDegrees")},
+          {"statedTranslation", shift("/inputs/chartTranslationMetres")},
+          {"foundRotation", angles("/crossCheck/mounting/rotationDegrees")},
+          {"foundTranslation", shift("/crossCheck/mounting/translationMetres")},
+          {"off", Distance(ValueAt(result, "/crossCheck/nominalMounting"))}};
+}
+
+/// In pixels where the file has shares of the image's size, with the 95 % half-width.
+Json LensRow(const Json& result, const char* name, const Number& figure, const char* error,
+             int decimals) {
+  const Number half = Times(NumberAt(result, error), NumberAt(result, "/crossCheck/t95"));
+  return {{"name", name},
+          {"figure", Fixed(figure, decimals)},
+          {"half", half ? Json(Fixed(half, decimals)) : Json()},
+          {"isPixels", decimals == 2}};
+}
+
+Json Lens(const Json& result) {
+  if (!NumberAt(result, "/focalLengthMm/0")) {
+    return nullptr;
+  }
+  const auto pixels = [&](const char* share, const char* size) {
+    return Times(NumberAt(result, share), NumberAt(result, size));
+  };
+  const char* kWidth = "/imageSize/0";
+  const char* kHeight = "/imageSize/1";
+  return {{"focalLength", Fixed(NumberAt(result, "/focalLengthMm/0"), 3)},
+          {"horizontal", Fixed(NumberAt(result, "/fieldOfView/0"), 3)},
+          {"vertical", Fixed(NumberAt(result, "/fieldOfView/1"), 3)},
+          {"width", Fixed(NumberAt(result, kWidth), 0)},
+          {"height", Fixed(NumberAt(result, kHeight), 0)},
+          {"error", Fixed(NumberAt(result, "/lensErrorPixels"), 3)},
+          {"rows",
+           {LensRow(result, "fx", pixels("/normFocal/0", kWidth), "/crossCheck/lens/fx", 2),
+            LensRow(result, "fy", pixels("/normFocal/1", kHeight), "/crossCheck/lens/fy", 2),
+            LensRow(result, "cx", pixels("/normCenter/0", kWidth), "/crossCheck/lens/cx", 2),
+            LensRow(result, "cy", pixels("/normCenter/1", kHeight), "/crossCheck/lens/cy", 2),
+            LensRow(result, "k1", NumberAt(result, "/distortion/0"), "/crossCheck/lens/k1", 5),
+            LensRow(result, "k2", NumberAt(result, "/distortion/1"), "/crossCheck/lens/k2", 5)}}};
+}
+
+Json Findings(const Json& findings) {
+  Json list = Json::array();
+  for (const Json& finding : findings) {
+    std::string severity = TextAt(finding, "/severity");
+    if (severity != "error" && severity != "warning") {
+      severity = "note";
+    }
+    Json photographs = Json::array();
+    for (const Json& photograph : ValueAt(finding, "/photographs")) {
+      if (photograph.is_string()) {
+        photographs.push_back(photograph);
+      }
+    }
+    const std::string text = TextAt(finding, "/text");
+    list.push_back({{"severity", severity},
+                    {"text", text.empty() ? TextAt(finding, "/id") : text},
+                    {"photographs", photographs}});
+  }
+  return list;
+}
+
+// Engines go by names of their own.
+Json FirstOf(const Json& engine, const char* path, const char* other) {
+  const Json value = ValueAt(engine, path);
+  return value.is_null() ? ValueAt(engine, other) : value;
+}
+
+Json Engines(const Json& result) {
+  Json engines = Json::array();
+  for (const auto& [name, engine] : ValueAt(result, "/exports").items()) {
+    const std::string title = TextAt(engine, "/title");
+    engines.push_back(
+        {{"title", title.empty() ? name : title},
+         {"hand", TextAt(engine, "/hand")},
+         {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
+         {"cameraAxes", ValueAt(engine, "/cameraAxes")},
+         {"parentAxes", TextAt(engine, "/parentAxes")},
+         {"position", List(ValueAt(engine, "/localPosition"), 6)},
+         {"translation", List(FirstOf(engine, "/translationCm", "/locationCm"), 4)},
+         {"rotation", List(FirstOf(engine, "/rotationDeg", "/localEulerAngles"), 4)},
+         {"quaternion", List(FirstOf(engine, "/quaternionXyzw", "/localRotationXyzw"), 7)},
+         {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
+         {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
+  }
+  return engines;
+}
+
+Json OnScreen(const Json& result) {
+  Json rows = Json::array();
+  for (const Json& row : ValueAt(result, "/crossCheck/onScreen")) {
+    rows.push_back({{"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
+                    {"pixels", Fixed(NumberAt(row, "/pixels"), 2)},
+                    {"transform", Fixed(NumberAt(row, "/fromTransform"), 2)},
+                    {"lens", Fixed(NumberAt(row, "/fromLens"), 2)},
+                    {"apart", Fixed(NumberAt(row, "/libraryApart"), 2)}});
+  }
+  return rows;
+}
+
+Json SuggestedViews(const Json& result) {
+  Json views = Json::array();
+  for (const Json& view : ValueAt(result, "/crossCheck/suggestedViews")) {
+    views.push_back({{"number", views.size() + 1},
+                     {"text", TextAt(view, "/text")},
+                     {"tilt", Fixed(NumberAt(view, "/tiltDegrees"), 0)},
+                     {"direction", Fixed(NumberAt(view, "/tiltDirectionDegrees"), 0)},
+                     {"roll", Fixed(NumberAt(view, "/rollDegrees"), 0)},
+                     {"distance", Fixed(NumberAt(view, "/distanceMetres"), 2)},
+                     {"gain", Fixed(NumberAt(view, "/gain"), 2)}});
+  }
+  return views;
+}
+
+Json CrossCheck(const Json& result) {
+  const Json& crossCheck = ValueAt(result, "/crossCheck");
+  if (!crossCheck.is_object()) {
+    return nullptr;
+  }
+  const auto known = [&](const char* path, int decimals) {
+    const Number number = NumberAt(crossCheck, path);
+    return number ? Json(Fixed(number, decimals)) : Json();
+  };
+  return {{"photographs", known("/photographs", 0)},
+          {"used", known("/used", 0)},
+          {"library", Distance(ValueAt(crossCheck, "/library"))},
+          {"halves", Distance(ValueAt(crossCheck, "/halves"))},
+          {"noiseDegrees", known("/trackerNoise/degrees", 3)},
+          {"noiseMillimetres", known("/trackerNoise/mm", 2)},
+          {"cornerNoise", known("/cornerNoisePixels", 3)},
+          {"amplification", known("/diversity/amplification", 2)},
+          {"squareFactor", known("/square/factor", 4)},
+          {"squareError", known("/square/standardError", 4)}};
+}
+
+/// The figures in which two runs are compared.
+Json RunFigures(const Json& run) {
+  return {
+      {"code", Fixed(NumberAt(run, "/code"), 0)},
+      {"x", Fixed(Times(NumberAt(run, "/transformCamTc/3"), kMillimetresPerMetre), 2)},
+      {"y", Fixed(Times(NumberAt(run, "/transformCamTc/7"), kMillimetresPerMetre), 2)},
+      {"z", Fixed(Times(NumberAt(run, "/transformCamTc/11"), kMillimetresPerMetre), 2)},
+      {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
+      {"spread", Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
+      {"used", ValueAt(run, "/used").size()},
+      {"off", Distance(ValueAt(run, "/crossCheck/library"))},
+      {"words", TextAt(run, "/verdict/words")}};
+}
+
+Json Inputs(const Json& result) {
+  const Json& inputs = ValueAt(result, "/inputs");
+  if (!inputs.is_object()) {
+    return nullptr;
+  }
+  return {
+      {"data", TextAt(inputs, "/data")},
+      {"workingFolder", TextAt(inputs, "/workingFolder")},
+      {"logFolder", TextAt(inputs, "/logFolder")},
+      {"sensor", List(ValueAt(inputs, "/sensorMm"), 3)},
+      {"board", List(ValueAt(inputs, "/board"), 0)},
+      {"square", Fixed(Times(NumberAt(inputs, "/squareMetres"), kMillimetresPerMetre), 3)},
+      {"rotation", List(ValueAt(inputs, "/chartRotationDegrees"), 3)},
+      {"translation", List(ValueAt(inputs, "/chartTranslationMetres"), 2, kMillimetresPerMetre)},
+      {"isInverted", ValueAt(inputs, "/invertTrackerQuaternions") == true},
+      {"records", Fixed(NumberAt(inputs, "/expectedRecords"), 0)}};
+}
+
+/// good, doubt, wrong or failed; "none" of a result without a verdict that is not a failure.
+std::string LevelOf(const Json& result) {
+  std::string level = TextAt(result, "/verdict/level");
+  for (const char* known : {"good", "doubt", "wrong", "failed"}) {
+    if (level == known) {
+      return level;
+    }
+  }
+  const Number code = NumberAt(result, "/code");
+  return code == 0.0 || code == 99.0 ? "none" : "failed";
+}
+
+std::string LogLink(const Json& result, const std::filesystem::path& pageFolder) {
+  const std::string log = TextAt(result, "/log");
+  return log.empty() ? log
+                     : FileLink(std::filesystem::u8path(TextAt(result, "/inputs/workingFolder")) /
+                                    std::filesystem::u8path(log),
+                                pageFolder);
+}
+
+Json Commands(const Json& result) {
+  Json commands = Json::array();
+  for (const Json& command : ValueAt(result, "/verdict/commands")) {
+    if (command.is_string()) {
+      commands.push_back(command);
+    }
+  }
+  return commands;
+}
+
+Json InState(const Json& photographs, const char* state) {
+  Json list = Json::array();
+  std::copy_if(photographs.begin(), photographs.end(), std::back_inserter(list),
+               [&](const Json& photograph) { return photograph["state"] == state; });
+  return list;
+}
+
+}  // namespace
+
+Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
+              const std::filesystem::path& pageFolder) {
+  const std::string level = LevelOf(result);
+  const Json photographs = PhotographList(result, thumbnails, pageFolder);
+  const Json lost = InState(photographs, "missing");
+  const std::string data = TextAt(result, "/inputs/data");
+  const Json& firstRun = ValueAt(result, "/firstRun");
+  return {
+      {"level", level},
+      {level, true},
+      {"code", Fixed(NumberAt(result, "/code"), 0)},
+      {"message", TextAt(result, "/message")},
+      {"words", TextAt(result, "/verdict/words")},
+      {"advice", TextAt(result, "/verdict/advice")},
+      {"commands", Commands(result)},
+      {"dataName", data.substr(data.find_last_of("/\\") + 1)},
+      {"time", TextAt(result, "/time")},
+      {"findings", Findings(ValueAt(result, "/findings"))},
+      {"lens", Lens(result)},
+      {"matrix", Matrix(ValueAt(result, "/transformCamTc"))},
+      {"transform", TransformComponents(result)},
+      {"mounting", Mounting(result)},
+      {"mountingComponents", MountingComponents(result)},
+      {"crossCheck", CrossCheck(result)},
+      {"reprojection", Fixed(NumberAt(result, "/reprojectionErrorPixels"), 2)},
+      {"spread",
+       Fixed(Times(NumberAt(result, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
+      {"photographs", photographs},
+      {"photographCount", photographs.size()},
+      {"usedCount", ValueAt(result, "/used").size()},
+      {"lost", lost},
+      {"lostCount", lost.size()},
+      {"disagreeing", InState(photographs, "apart")},
+      {"onScreen", OnScreen(result)},
+      {"views", SuggestedViews(result)},
+      {"firstRun", firstRun.is_object() ? RunFigures(firstRun) : Json()},
+      {"lastRun", RunFigures(result)},
+      {"inputs", Inputs(result)},
+      {"engines", Engines(result)},
+      {"log", TextAt(result, "/log")},
+      {"logLink", LogLink(result, pageFolder)},
+      {"libraryVersion", TextAt(result, "/versions/library")},
+      {"programVersion", TextAt(result, "/versions/program")},
+  };
+}
+
+}  // namespace trackedcam::report

@@ -1,0 +1,114 @@
+#include <sstream>
+
+#include <gmock/gmock.h>
+
+#include "app/words/command_line.h"
+#include "app/words/cross_check_words.h"
+#include "app/words/warning.h"
+
+namespace trackedcam::app {
+namespace {
+
+using host::Level;
+using host::Report;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string CommandLineOf(std::vector<const char*> words) {
+  words.insert(words.begin(), "/usr/bin/trackedcam");
+  return CommandLine(static_cast<int>(words.size()), words.data());
+}
+
+TEST(CommandLine, CanBePasted) {
+  EXPECT_EQ(CommandLineOf({"calibrate", "--config", "shoot/shoot.toml"}),
+            "trackedcam calibrate --config shoot/shoot.toml");
+  EXPECT_EQ(CommandLineOf({"--data", "day 1/a&b.csv", "", "撮影.toml"}),
+            "trackedcam --data \"day 1/a&b.csv\" \"\" 撮影.toml");
+  EXPECT_EQ(CommandLineOf({"a\"b", "$HOME", "`x`"}),
+            "trackedcam \"a\\\"b\" \"\\$HOME\" \"\\`x\\`\"");
+}
+
+Report ReportAt(Level level, std::optional<int> code) {
+  Report report;
+  report.run.code = code;
+  report.verdict.level = level;
+  report.verdict.words = "Words.";
+  return report;
+}
+
+std::string WarningOf(const Report& report) {
+  std::ostringstream out;
+  PrintWarning(out, report);
+  return out.str();
+}
+
+TEST(Warning, IsOneLineByTheVerdict) {
+  EXPECT_EQ(WarningOf(ReportAt(Level::kGood, 0)), "");
+  EXPECT_EQ(WarningOf(ReportAt(Level::kDoubtful, 99)), "trackedcam: warning: Words.\n");
+  EXPECT_EQ(WarningOf(ReportAt(Level::kWrong, 0)), "trackedcam: error: Words.\n");
+  EXPECT_EQ(WarningOf(ReportAt(Level::kFailed, 13)), "trackedcam: error 13: Words.\n");
+  EXPECT_EQ(WarningOf(ReportAt(Level::kFailed, 0)), "trackedcam: error: Words.\n");
+  EXPECT_EQ(WarningOf(ReportAt(Level::kFailed, std::nullopt)), "trackedcam: error: Words.\n");
+}
+
+TEST(ExitStatus, FollowsTheVerdict) {
+  EXPECT_EQ(ExitStatus(ReportAt(Level::kGood, 0)), 0);
+  EXPECT_EQ(ExitStatus(ReportAt(Level::kDoubtful, 99)), 0);
+  EXPECT_EQ(ExitStatus(ReportAt(Level::kFailed, 0)), 1);
+  EXPECT_EQ(ExitStatus(ReportAt(Level::kWrong, 0)), 3);
+}
+
+class CrossCheckWords : public testing::Test {
+ protected:
+  CrossCheckWords() {
+    crosscheck::CrossCheck check;
+    check.solved = true;
+    check.photographs = 40;
+    check.used = 32;
+    check.t95 = 2;
+    check.standardErrorCamTc.shiftMm = {0.2, 0.5, 0.1};
+    check.standardErrorCamTc.turnDegrees = {0.01, 0.02, 0.045};
+    check.library = crosscheck::Offset{18.46, 0.694, 1e-9};
+    crosscheck::NominalMounting mounting;
+    mounting.offMm = 27;
+    mounting.offDegrees = 1.006;
+    mounting.p = 0.02;
+    check.nominalMounting = mounting;
+    report.crossCheck = check;
+    report.findings = {{"badPhotographs", host::Severity::kError, "Two are bad.", "", {}, {}, ""}};
+  }
+
+  std::string Words() {
+    std::ostringstream out;
+    PrintCrossCheck(out, report, nullptr);
+    return out.str();
+  }
+
+  Report report;
+};
+
+TEST_F(CrossCheckWords, SayHowFarTheResultIsOff) {
+  EXPECT_EQ(Words(),
+            "\nCross-check: mounting and transform solved together, 32 of 40 photographs\n"
+            "  the transform is known to            1.0 mm     0.09 deg       (95 %)\n"
+            "  the result above is off by          18.5 mm     0.69 deg      certain\n"
+            "  the mounting used is off by         27.0 mm     1.01 deg       likely\n"
+            "  Two are bad.\n");
+}
+
+TEST_F(CrossCheckWords, SayWhenThereIsNoSolution) {
+  report.crossCheck->solved = false;
+  EXPECT_THAT(Words(), HasSubstr("  no solution\n"));
+  EXPECT_THAT(Words(), Not(HasSubstr("known to")));
+}
+
+TEST_F(CrossCheckWords, GiveTheMountingToPassOn) {
+  report.inputs.mounting = host::Mounting{{12, -8.00004, 5}, {0.1, -0.05, 0.0200004}};
+  std::ostringstream out;
+  PrintMountingFound(out, report);
+  EXPECT_THAT(out.str(), HasSubstr("  --chart-rotation=12.0000,-8.0000,5.0000 "
+                                   "--chart-translation=0.100000,-0.050000,0.020000\n"));
+}
+
+}  // namespace
+}  // namespace trackedcam::app

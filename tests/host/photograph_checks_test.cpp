@@ -1,0 +1,233 @@
+#include "host/input/photograph_checks.h"
+
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <opencv2/imgcodecs.hpp>
+
+#include "host/exif_segments.h"
+#include "support/platform.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::host {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+std::string Jpeg(int width, int height) {
+  std::vector<unsigned char> bytes;
+  cv::imencode(".jpg", cv::Mat(height, width, CV_8UC3, cv::Scalar(90, 60, 30)), bytes);
+  return {bytes.begin(), bytes.end()};
+}
+
+std::string Turned(int width, int height, int orientation) {
+  return test::WithJpegExif(Jpeg(width, height), test::ExifTiff(orientation));
+}
+
+// A PNG file that promises so many pixels and holds none.
+std::string PngHeader(std::uint32_t width, std::uint32_t height) {
+  return "\x89PNG\r\n\x1A\n" + test::BigEndian(13, 4) + "IHDR" + test::BigEndian(width, 4) +
+         test::BigEndian(height, 4) + std::string(9, '\x08');
+}
+
+class PhotographChecksTest : public testing::Test {
+ protected:
+  PhotographChecksTest() {
+    std::filesystem::create_directories(folder.Path() / "photos");
+    inputs.data = folder.Path() / "data.csv";
+    inputs.workingFolder = folder.Path();
+    inputs.sensorMm = {36, 24};
+    for (int i = 1; i <= 4; ++i) {
+      Add("photos/" + std::to_string(i) + ".jpg", Jpeg(60, 40));
+    }
+  }
+
+  void Name(const std::string& path) {
+    const std::size_t line = rows.size() + 2;
+    rows.push_back({line, "0," + path + ",0,0,1,1,0,0,0,0,0,0,1,0,0,0", path});
+  }
+
+  void Add(const std::string& path, const std::string& content) {
+    test::WriteFile(folder.File(path), content);
+    Name(path);
+  }
+
+  PhotographChecks Check() const { return CheckPhotographs(rows, inputs); }
+
+  // The one finding.
+  Finding TheFinding() const {
+    const auto findings = Check().findings;
+    EXPECT_THAT(findings, SizeIs(1));
+    return findings.empty() ? Finding() : findings[0];
+  }
+
+  void ExpectTheFinding(const std::string& id, Severity severity, const std::string& text) const {
+    const Finding finding = TheFinding();
+    EXPECT_EQ(finding.id, id);
+    EXPECT_EQ(finding.severity, severity);
+    EXPECT_EQ(finding.text, text);
+    EXPECT_NE(finding.advice, "");
+  }
+
+  test::TemporaryFolder folder;
+  Inputs inputs;
+  std::vector<DataRow> rows;
+};
+
+TEST_F(PhotographChecksTest, FindNothingInOrdinaryOnes) {
+  Name("");
+  EXPECT_THAT(Check().findings, IsEmpty());
+  EXPECT_THAT(Check().leaveOut, IsEmpty());
+}
+
+TEST_F(PhotographChecksTest, FindOtherSizes) {
+  Add("photos/5.jpg", Jpeg(30, 20));
+  Add("photos/6.jpg", Jpeg(90, 60));
+  ExpectTheFinding("photographSizes", Severity::kError,
+                   "Photographs differ in size from the rest (60 x 40 pixels): photos/5.jpg (30 x "
+                   "20) and photos/6.jpg (90 x 60).");
+  EXPECT_THAT(TheFinding().photographs, ElementsAre("photos/5.jpg", "photos/6.jpg"));
+  EXPECT_THAT(Check().leaveOut, IsEmpty());
+}
+
+TEST_F(PhotographChecksTest, FindOrientationTagsThatKeepTheSize) {
+  Add("photos/5.jpg", Turned(60, 40, 3));
+  Add("photos/6.jpg", Turned(60, 40, 1));
+  ExpectTheFinding("orientationTag", Severity::kWarning,
+                   "An orientation tag makes decoders turn the pixels, so the result is not that "
+                   "of the camera: photos/5.jpg.");
+}
+
+TEST_F(PhotographChecksTest, FindOrientationTagsThatMixSizes) {
+  Add("photos/5.jpg", Turned(60, 40, 6));
+  ExpectTheFinding("orientationTag", Severity::kError,
+                   "An orientation tag turns some photographs and not the others, so their sizes "
+                   "differ: photos/5.jpg.");
+}
+
+TEST_F(PhotographChecksTest, FindOrientationTagsOnAll) {
+  rows.clear();
+  inputs.sensorMm = {24, 36};
+  for (int i = 1; i <= 5; ++i) {
+    Add("photos/" + std::to_string(i) + ".jpg", Turned(60, 40, 8));
+  }
+  ExpectTheFinding("orientationTag", Severity::kWarning,
+                   "An orientation tag makes decoders turn the pixels, so the result is not that "
+                   "of the camera: all 5 photographs.");
+}
+
+TEST_F(PhotographChecksTest, FindAnotherShapeThanTheSensors) {
+  inputs.sensorMm = {36, 20.25};
+  ExpectTheFinding("aspect", Severity::kNote,
+                   "The pictures (60 x 40 pixels) are of another shape than the sensor (36 x 20.25 "
+                   "mm), so the focal length in millimetres is off.");
+  EXPECT_EQ(TheFinding().advice,
+            "Give the part of the sensor that the picture uses: --sensor 30.38x20.25 if the pixels "
+            "are square.");
+  inputs.sensorMm = {36, 30};
+  EXPECT_THAT(TheFinding().advice, HasSubstr("--sensor 36x24 "));
+  inputs.sensorMm = {36, 24.3};  // 1.2 %
+  EXPECT_EQ(TheFinding().id, "aspect");
+  inputs.sensorMm = {36, 24.2};  // 0.8 %
+  EXPECT_THAT(Check().findings, IsEmpty());
+}
+
+TEST_F(PhotographChecksTest, LeaveOutEnormousPictures) {
+  Add("photos/5.png", PngHeader(30000, 30000));
+  Add("photos/6.png", PngHeader(0xFFFFFFFF, 0xFFFFFFFF));
+  ExpectTheFinding("hugePhotograph", Severity::kError,
+                   "More than 200 megapixels are too many, and left out: photos/5.png (30000 x "
+                   "30000) and photos/6.png (4294967295 x 4294967295).");
+  EXPECT_THAT(TheFinding().photographs, ElementsAre("photos/5.png", "photos/6.png"));
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
+}
+
+TEST_F(PhotographChecksTest, TakeTwoHundredMegapixels) {
+  rows.clear();
+  inputs.sensorMm = {40, 20};
+  Add("photos/5.png", PngHeader(20000, 10000));
+  EXPECT_THAT(Check().findings, IsEmpty());
+  Add("photos/5.png", PngHeader(20000, 10001));
+  EXPECT_EQ(TheFinding().id, "hugePhotograph");
+}
+
+TEST_F(PhotographChecksTest, LeaveOutFolders) {
+  Name("photos");
+  ExpectTheFinding("notAFile", Severity::kError,
+                   "A pipe, a device or a folder stands where a photograph must, and is left out: "
+                   "photos.");
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
+}
+
+TEST_F(PhotographChecksTest, LeaveOutPipesAndNeverOpenThem) {
+  if (!test::MakePipe(folder.Path() / "pipe.jpg")) {
+    GTEST_SKIP() << "no such pipes here";
+  }
+  Name("pipe.jpg");
+  Name("/dev/zero");
+  EXPECT_EQ(TheFinding().id, "notAFile");
+  EXPECT_THAT(TheFinding().photographs, ElementsAre("pipe.jpg", "/dev/zero"));
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
+}
+
+TEST_F(PhotographChecksTest, LeaveOutPathsThatAreNotUtf8) {
+  Name("m\xFCller.jpg");
+  EXPECT_THAT(Check().findings, IsEmpty());  // the data file's check names it
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
+}
+
+TEST_F(PhotographChecksTest, FindEmptyOnesAndUnknownFormats) {
+  Add("photos/5.jpg", "");
+  ExpectTheFinding("unreadablePhotographs", Severity::kWarning,
+                   "Photographs are empty or cannot be read: photos/5.jpg.");
+  rows.pop_back();
+  Add("photos/6.jpg", "no picture");
+  ExpectTheFinding(
+      "unknownFormat", Severity::kNote,
+      "Files are no pictures of a known format, so their sizes are not checked: photos/6.jpg.");
+}
+
+TEST_F(PhotographChecksTest, FindMissingOnes) {
+  Name("photos/5.jpg");
+  ExpectTheFinding("missingPhotographs", Severity::kWarning,
+                   "Photographs cannot be found: photos/5.jpg.");
+  EXPECT_EQ(TheFinding().advice,
+            "Put the photographs where the data file says, or correct its second field.");
+  for (int i = 6; i <= 9; ++i) {
+    Name("photos/" + std::to_string(i) + ".jpg");
+  }
+  ExpectTheFinding(
+      "missingPhotographs", Severity::kError,
+      "Photographs cannot be found: photos/5.jpg, photos/6.jpg, photos/7.jpg and 2 more.");
+}
+
+TEST_F(PhotographChecksTest, KnowTheFolderThatMissingOnesBeginIn) {
+  inputs.workingFolder = folder.Path() / "photos";
+  EXPECT_THAT(TheFinding().text, HasSubstr("all 4 photographs"));
+  EXPECT_EQ(TheFinding().advice,
+            "Say --working-folder " + folder.Path().u8string() + ": photos/1.jpg is there.");
+}
+
+TEST_F(PhotographChecksTest, KnowWhereMissingOnesLie) {
+  rows.clear();
+  for (const char* path : {"/somewhere/else/1.jpg", "D:\\takes\\new\\1.jpg", "take 7/1.jpg"}) {
+    Name(path);
+    EXPECT_EQ(TheFinding().advice,
+              "1.jpg lies in " + (folder.Path() / "photos").u8string() +
+                  ": correct the paths in the second field, or leave the names only and say "
+                  "--working-folder.");
+    rows.clear();
+  }
+}
+
+TEST_F(PhotographChecksTest, MissNothingThatRowsOfAnotherFormName) {
+  rows.push_back({1, "Frame,Image,x,y,z", "Image"});
+  rows.push_back({9, "7,0.5,a.jpg,0,0,1,1,0,0,0,0,0,0,1,0,0,0", "0.5"});
+  EXPECT_THAT(Check().findings, IsEmpty());
+}
+
+}  // namespace
+}  // namespace trackedcam::host

@@ -1,0 +1,138 @@
+"""Compares the notices with what the build says it has put into the library and the program.
+
+A name is a source package's. What counts as inside: the headers that were included and are not those of
+a shared library, the static libraries of which the linker took something, and other packages' files that
+the build reads.
+"""
+
+import functools
+import pathlib
+import re
+
+from stranger import BUILD, SOURCE, run, run_program
+
+SYSTEM = {"linux"}  # its headers only describe the kernel
+# Folders of the program and the library below BUILD.
+OURS = re.compile(r"(src|simulator|app|host|crosscheck|report|c)/|CMakeFiles/")
+# Where scripts/build_windows_dependencies.sh has put what.
+PREFIX_LIBRARIES = {
+    "libz.a": {"libz-mingw-w64"}, "libpng16.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
+    "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
+}
+PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
+                  "nlohmann": "/usr/include/nlohmann", "toml++": "/usr/include/toml++"}
+PREFIX = (SOURCE / "build/windows-dependencies").resolve()
+
+
+@functools.lru_cache(maxsize=None)
+def source_package(package):
+    return run("dpkg-query", "-W", "-f", "${source:Package}\n", package).split("\n", maxsplit=1)[0]
+
+
+def owners(paths):
+    """The binary packages of files."""
+    found = run("dpkg", "-S", *sorted(paths)) if paths else ""
+    packages = {line.split(":", maxsplit=1)[0].split(",")[0] for line in found.splitlines()}
+    assert bool(paths) == bool(packages)
+    return packages
+
+
+@functools.lru_cache(maxsize=None)
+def shared_libraries(package):
+    files = run("dpkg", "-L", package).splitlines()
+    return frozenset(pathlib.Path(file).name for file in files if file.endswith(".so"))
+
+
+def loaded(programs):
+    """Names of all shared libraries that are loaded with the programs, without versions."""
+    text = "".join(run("ldd", program) for program in programs)
+    return set(re.findall(r"^\t(\S+\.so)[.\d]* ", text, re.MULTILINE))
+
+
+def headers():
+    """What the files of the program and the library include from elsewhere."""
+    text = run("ninja", "-t", "deps", cwd=BUILD)
+    included = set()
+    for entry in text.split("\n\n"):
+        target, *files = entry.strip().splitlines() or [""]
+        if OURS.match(target):
+            included |= {file.strip() for file in files}
+    paths = {pathlib.Path(file).resolve() for file in included if file.startswith("/")}
+    paths = {path for path in paths if SOURCE not in path.parents and BUILD not in path.parents}
+    assert len(paths) > 200, f"only {len(paths)} headers"
+    return paths
+
+
+def in_prefix(paths):
+    """The packages of headers that the build of the dependencies has installed or copied."""
+    first = {path.relative_to(PREFIX / "include").parts[0] for path in paths}
+    built = {name for name in first if name.startswith("opencv")}
+    copied = owners({PREFIX_HEADERS[name] for name in first - built})
+    return {source_package(package) for package in copied} | ({"opencv"} if built else set())
+
+
+def other_inputs(target):
+    """Files of packages that are neither headers nor libraries, such as scripts of a page."""
+    return {pathlib.Path(path).resolve() for path in
+            run("ninja", "-t", "inputs", target, cwd=BUILD).splitlines()
+            if re.match(r"/usr/share/(javascript|nodejs)/", path)}
+
+
+def linked():
+    """From the linker's maps of a static build."""
+    inside = set()
+    for map_file in [BUILD / "trackedcam.map", BUILD / "trackedcam_program.map"]:
+        members = re.findall(r"^(/\S+\.a)\(\S+\)$", map_file.read_text(encoding="utf-8"), re.MULTILINE)
+        for archive in sorted({pathlib.Path(member).resolve() for member in members}):
+            if BUILD in archive.parents:
+                continue
+            if PREFIX not in archive.parents:
+                inside |= {source_package(package) for package in owners({archive})}
+            elif archive.name.startswith("libopencv_"):
+                inside.add("opencv")
+            else:
+                inside |= PREFIX_LIBRARIES[archive.name]
+    return inside
+
+
+def packages_inside(windows):
+    names = ["bin/trackedcam.exe", "bin/trackedcam.dll"] if windows else [
+        "app/trackedcam", "src/libtrackedcam.so"]
+    libraries = set() if windows else loaded(BUILD / name for name in names)
+    inside = linked() if windows else set()
+    ours = {path for path in headers() if PREFIX in path.parents}
+    inside |= in_prefix(ours)
+    for package in owners(headers() - ours) | owners(other_inputs(names[0])):
+        if windows or not shared_libraries(package) & libraries:
+            inside.add(source_package(package))
+    return inside - SYSTEM
+
+
+def sections(notices):
+    return re.findall(r"^=+\n(Package|Licence) (\S+)\n=+$", notices, re.MULTILINE)
+
+
+def check_notices(folder, program, windows=False):
+    """Checks the notices in the folder of an installed tree, and what the program prints."""
+    notices = (folder / "THIRD_PARTY_NOTICES").read_text(encoding="utf-8")
+    own = (SOURCE / "LICENSE").read_text(encoding="utf-8")
+    built = (PREFIX / "sources.txt").read_text(encoding="utf-8").split()[::2] if windows else []
+    told = {name if name in built else source_package(name)
+            for kind, name in sections(notices) if kind == "Package"}
+    inside = packages_inside(windows)
+    assert not inside - told, f"{sorted(inside - told)} are inside and have no notice"
+    assert not told - inside, f"{sorted(told - inside)} have a notice and are not inside"
+
+    # A licence that a package names by its path on Debian is there as well.
+    texts = {name for kind, name in sections(notices) if kind == "Licence"}
+    for path in re.findall(r"/usr/share/common-licenses/[\w.-]*\w", notices):
+        if pathlib.Path(path).exists():
+            assert pathlib.Path(path).resolve().name in texts, f"the text of {path} is missing"
+    assert "Permission is hereby granted" in notices, "no licence is spelled out"
+
+    printed = run_program(program, "--licenses").replace("\r\n", "\n")
+    assert printed.startswith(own), "the program does not begin with its own licence"
+    assert printed.endswith(notices), "the program prints other notices than the file holds"
+    if not windows:
+        copyright_text = (folder / "copyright").read_text(encoding="utf-8")
+        assert copyright_text == printed, "the copyright file differs from what the program prints"

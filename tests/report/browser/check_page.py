@@ -1,0 +1,287 @@
+"""Opens the pages of simulated shoots in a headless Chromium and looks at what a person would see.
+
+Usage: check_page.py REPORT_PAGE [TEST...]
+
+Ends with 77, which CTest counts as skipped, where there is no browser to ask.
+"""
+
+import base64
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import make_results
+
+REPORT_PAGE = sys.argv.pop(1)
+BROWSER, DRIVER = shutil.which("chromium"), shutil.which("chromedriver")
+try:
+    from selenium import webdriver
+    from selenium.common.exceptions import NoAlertPresentException
+    from selenium.webdriver.common.action_chains import ActionChains
+    from selenium.webdriver.common.by import By
+    from selenium.webdriver.common.keys import Keys
+    from selenium.webdriver.support.ui import WebDriverWait
+except ImportError:
+    webdriver = None
+
+SECTIONS = ["answer", "scene", "agreement", "coverage", "views", "comparison", "screen", "photographs", "record"]
+WITHOUT_CROSS_CHECK = ["answer", "agreement", "photographs", "record"]
+
+
+def start_browser(folder):
+    options = webdriver.ChromeOptions()
+    options.binary_location = BROWSER
+    for argument in ["--headless=new", "--no-sandbox", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
+                     "--disable-background-networking", "--disable-component-update", "--disable-sync",
+                     "--no-first-run", "--disable-dev-shm-usage", f"--user-data-dir={folder}"]:
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
+    return webdriver.Chrome(service=webdriver.chrome.service.Service(DRIVER), options=options)
+
+
+def number(text):
+    return float(text.replace("−", "-").replace("±", ""))
+
+
+class PageTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.temporary = tempfile.TemporaryDirectory()
+        cls.folder = pathlib.Path(cls.temporary.name)
+        make_results.main(cls.folder)
+        for name in make_results.SHOOTS:
+            subprocess.run([REPORT_PAGE, cls.folder / f"{name}.json", cls.folder / f"{name}.thumbnails",
+                            cls.folder / f"{name}.html"], check=True)
+        cls.browser = start_browser(cls.folder / "profile")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.browser.quit()
+        cls.temporary.cleanup()
+
+    def open(self, name, width=1280, height=800, theme="light"):
+        """The result that the page was written from."""
+        self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+            "width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 500})
+        self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {
+            "features": [{"name": "prefers-color-scheme", "value": theme}]})
+        self.browser.get("about:blank")
+        for log in ["browser", "performance"]:
+            self.browser.get_log(log)  # of the page before
+        self.browser.get((self.folder / f"{name}.html").as_uri())
+        WebDriverWait(self.browser, 60).until(lambda b: b.execute_script("return document.body.dataset.drawn"))
+        return json.loads((self.folder / f"{name}.json").read_text(encoding="utf-8"))
+
+    def run_script(self, script, *arguments):
+        return self.browser.execute_script("return " + script, *arguments)
+
+    def texts(self, selector):
+        # textContent, since what is folded away has no text to the driver.
+        return self.run_script("[...document.querySelectorAll(arguments[0])].map((e) => e.textContent.trim())", selector)
+
+    def click_at(self, selector, place):
+        element = self.browser.find_element(By.CSS_SELECTOR, selector)
+        self.run_script("arguments[0].scrollIntoView({block: 'center', behavior: 'instant'})", element)
+        # The driver counts from the middle.
+        size = self.run_script("[arguments[0].clientWidth, arguments[0].clientHeight]", element)
+        x, y = (round(p - s / 2) for p, s in zip(place, size))
+        ActionChains(self.browser).move_to_element_with_offset(element, x, y).click().perform()
+
+    def wait_for(self, condition):
+        """What follows a click follows in the browser's own time."""
+        WebDriverWait(self.browser, 20).until(lambda _: condition())
+
+    def assert_selected(self, expected):
+        self.wait_for(lambda: self.run_script("document.body.dataset.selected") == str(expected))
+        self.assertEqual(self.run_script("trackedcamScene.selected()"), expected)
+        self.assertEqual(self.run_script("[...document.querySelectorAll('.open[aria-pressed=true]')]"
+                                         ".map((e) => e.closest('li').dataset.number)"), [str(expected)])
+        self.assertEqual(self.texts("#selection-number"), [str(expected)])
+
+    def test_pages_of_all_shoots_have_their_sections_and_no_fault(self):
+        for name in make_results.SHOOTS:
+            with self.subTest(name):
+                result = self.open(name)
+                expected = SECTIONS if result["crossCheck"] else WITHOUT_CROSS_CHECK
+                self.assertEqual(self.run_script("[...document.querySelectorAll('main > section')].map((e) => e.id)"), expected)
+                self.assertEqual(self.run_script("document.documentElement.lang"), "en")
+                faults = [entry for entry in self.browser.get_log("browser")
+                          if "GL Driver Message" not in entry["message"]]  # of the software that draws here
+                self.assertEqual(faults, [])
+
+    def test_nothing_is_asked_of_the_network(self):
+        for name in make_results.SHOOTS:
+            with self.subTest(name):
+                self.open(name)
+                messages = [json.loads(entry["message"])["message"] for entry in self.browser.get_log("performance")]
+                addresses = [m["params"]["request"]["url"] for m in messages if m["method"] == "Network.requestWillBeSent"]
+                page = (self.folder / f"{name}.html").as_uri()
+                self.assertIn(page, addresses)  # the log tells of requests at all
+                self.assertEqual([a[:80] for a in addresses if a != page and not a.startswith(("data:", "about:"))], [])
+
+    def test_every_picture_is_drawn(self):
+        self.open("noisy")
+        for canvas in ["agreement-chart", "roll-chart", "screen-chart", "scene-canvas"]:
+            colours = self.run_script("""(() => {
+                const canvas = document.getElementById(arguments[0]);
+                const copy = document.createElement('canvas');
+                [copy.width, copy.height] = [200, 200];
+                copy.getContext('2d').drawImage(canvas, 0, 0, 200, 200);
+                const bytes = copy.getContext('2d').getImageData(0, 0, 200, 200).data;
+                return new Set(new Uint32Array(bytes.buffer)).size;
+            })()""", canvas)
+            self.assertGreater(colours, 10, canvas)
+        for svg in ["coverage-map", "residual-map", "tilt-map"]:
+            self.assertGreater(self.run_script("document.getElementById(arguments[0]).querySelectorAll('path').length", svg), 1, svg)
+
+    def test_a_click_on_bar_7_selects_camera_7(self):
+        result = self.open("noisy")
+        self.click_at("#agreement-chart", self.run_script("trackedcamBars.place(7)"))
+        self.assert_selected(7)
+        self.assertEqual(self.texts("#selection-name"), [result["photographs"][6].split("/")[-1]])
+
+    def test_a_click_on_a_camera_selects_its_photograph(self):
+        self.open("perfect")
+        places = {n: self.run_script("trackedcamScene.place(arguments[0])", n) for n in range(1, 21)}
+        distance = lambda a, b: (a[0] - b[0]) ** 2 + (a[1] - b[1]) ** 2
+        alone = max(places, key=lambda n: min(distance(places[n], places[m]) for m in places if m != n))
+        self.click_at("#scene-canvas", places[alone])
+        self.assert_selected(alone)
+
+    def test_the_keyboard_selects_turns_and_enlarges(self):
+        self.open("noisy")
+        bars = self.browser.find_element(By.ID, "agreement-chart")
+        self.run_script("arguments[0].focus()", bars)
+        bars.send_keys(Keys.ARROW_RIGHT, Keys.ARROW_RIGHT, Keys.ARROW_RIGHT)
+        self.assert_selected(3)
+        bars.send_keys(Keys.ARROW_LEFT)
+        self.assert_selected(2)
+        scene = self.browser.find_element(By.ID, "scene-canvas")
+        before = self.run_script("trackedcamScene.place(2)")
+        self.run_script("arguments[0].focus()", scene)
+        scene.send_keys(Keys.ARROW_RIGHT)
+        self.wait_for(lambda: self.run_script("trackedcamScene.place(2)") != before)
+        photograph = self.browser.find_element(By.CSS_SELECTOR, ".photograph[data-number='5'] .open")
+        photograph.send_keys(Keys.ENTER)
+        self.assert_selected(5)
+        self.wait_for(lambda: self.run_script("document.getElementById('enlarged').open"))
+        ActionChains(self.browser).send_keys(Keys.ESCAPE).perform()
+        self.wait_for(lambda: not self.run_script("document.getElementById('enlarged').open"))
+
+    def test_numbers_are_those_of_the_result(self):
+        result = self.open("mounting-off")
+        transform = [1000 * result["transformCamTc"][i] for i in (3, 7, 11)]
+        shown = [number(t) for t in self.texts("#fact-transform tr.main td:not(.unit)")]
+        for a, b in zip(shown, transform, strict=True):
+            self.assertAlmostEqual(a, b, delta=0.00501)
+        half = [result["crossCheck"]["t95"] * e for e in result["crossCheck"]["standardErrorCamTc"]["shiftMm"]]
+        shown = [number(t) for t in self.texts("#transform-shift tbody td:nth-child(5)")]
+        for a, b in zip(shown, half, strict=True):
+            self.assertAlmostEqual(a, b, delta=0.00501)
+        library = result["crossCheck"]["library"]
+        apart = [float(t) for t in self.run_script("[...document.querySelectorAll('#transform-turn [data-difference]')].map((e) => e.dataset.difference)")]
+        self.assertAlmostEqual(sum(a * a for a in apart) ** 0.5, library["offDegrees"], delta=1e-6)
+        apart = [float(t) for t in self.run_script("[...document.querySelectorAll('#transform-shift [data-difference]')].map((e) => e.dataset.difference)")]
+        self.assertAlmostEqual(sum(a * a for a in apart) ** 0.5, library["offMm"], delta=1e-6)
+        self.assertIn(f"{library['offMm']:.2f} mm and {library['offDegrees']:.3f}°", self.texts("#fact-transform")[0])
+        self.assertEqual(self.texts("#fact-lens .big"), [f"{result['focalLengthMm'][0]:.3f} mm"])
+        self.assertEqual(self.texts("#fact-agreement .big"), [f"{result['reprojectionErrorPixels']:.2f} px"])
+        self.assertEqual(self.texts("#fact-photographs .big"), [f"{len(result['used'])} of 40 used"])
+        self.assertEqual(self.texts("h1"), [result["verdict"]["words"]])
+        self.assertEqual(self.texts(".finding-text"), [finding["text"] for finding in result["findings"]])
+        self.assertEqual(self.run_script("[...document.querySelectorAll('.band .copy')].map((e) => e.dataset.copy)"), result["verdict"]["commands"])
+        errors = [p["predictedPixels"] for p in result["crossCheck"]["perPhotograph"]]
+        self.assertEqual(self.run_script("trackedcamBars.values"), errors + [None])
+        self.assertEqual(json.loads(self.run_script("document.getElementById('data').textContent")), result)
+        for engine in result["exports"].values():
+            copies = self.run_script("[...document.querySelectorAll('.engine .copy')].map((e) => e.dataset.copy)")
+            self.assertIn(" ".join(json.dumps(n) for n in engine["translationCm"]), copies)
+
+    def test_a_failed_run_says_which_photographs_failed_and_why(self):
+        result = self.open("failed")
+        self.assertEqual(self.texts(".level"), ["Failed, code 4"])
+        rows = list(zip(self.texts("#agreement td:nth-child(2)"), self.texts("#agreement td:nth-child(3)")))
+        self.assertEqual(rows, [(d["photograph"], d["reason"]) for d in result["dropped"]])
+        self.assertEqual(self.run_script("document.querySelectorAll('.gallery img').length"), len(result["photographs"]))
+
+    def test_hostile_names_are_names(self):
+        self.open("hostile")
+        with self.assertRaises(NoAlertPresentException):
+            self.browser.switch_to.alert
+        self.assertEqual(self.run_script("document.scripts.length"), 5)
+        self.assertEqual(self.run_script("document.querySelectorAll('img[src]:not([src^=\"data:\"]), [onload], [onerror]').length"), 0)
+        clean = [re.sub("[\x00-\x08\x0b-\x1f]", "\ufffd", name) for name in make_results.HOSTILE]
+        self.assertEqual(self.run_script("[...document.querySelectorAll('.photograph')].map((e) => e.dataset.name)"), clean)
+        links = self.run_script("[...document.querySelectorAll('main a:not(nav a)')].map((e) => e.getAttribute('href'))")
+        self.assertTrue(links and all(link.startswith("./") for link in links), links)
+
+    def test_the_policy_is_in_force(self):
+        self.open("perfect")
+        self.browser.execute_script("""
+            const script = document.createElement('script');
+            script.textContent = 'window.hasRun = true';
+            document.body.appendChild(script);
+            const image = document.createElement('img');
+            image.setAttribute('onerror', 'window.hasRun = true');
+            image.src = 'data:image/png;base64,none';
+            document.body.appendChild(image);""")
+        self.assertIsNone(self.run_script("window.hasRun"))
+        blocked = [entry for entry in self.browser.get_log("browser") if "Content Security Policy" in entry["message"]]
+        self.assertTrue(blocked)
+
+    def test_no_page_is_wider_than_a_telephone(self):
+        for name in make_results.SHOOTS:
+            with self.subTest(name):
+                self.open(name, 390, 844)
+                self.assertLessEqual(self.run_script("document.documentElement.scrollWidth"), 390)
+
+    def test_light_and_dark_follow_the_system(self):
+        background = "getComputedStyle(document.body).backgroundColor"
+        self.open("failed", theme="light")
+        light = self.run_script(background)
+        self.open("failed", theme="dark")
+        self.assertNotEqual(self.run_script(background), light)
+
+    def test_prints_on_one_to_six_pages(self):
+        for name in make_results.SHOOTS:
+            with self.subTest(name):
+                self.open(name, theme="dark")
+                pdf = self.browser.execute_cdp_cmd("Page.printToPDF", {
+                    "printBackground": True, "preferCSSPageSize": True, "paperWidth": 8.27, "paperHeight": 11.69})
+                path = self.folder / f"{name}.pdf"
+                path.write_bytes(base64.b64decode(pdf["data"]))
+                info = subprocess.run(["pdfinfo", path], check=True, capture_output=True, text=True).stdout
+                pages = int(re.search(r"^Pages: +(\d+)$", info, re.MULTILINE).group(1))
+                self.assertTrue(1 <= pages <= 6, f"{pages} pages")
+                self.assertIn("A4", info)
+
+    def test_answer_comparison_and_record_need_no_script(self):
+        result = self.open("mounting-off")
+        self.browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
+        try:
+            self.browser.get((self.folder / "mounting-off.html").as_uri())
+            page = self.browser.find_element(By.TAG_NAME, "body")
+            self.assertIsNone(page.get_attribute("data-drawn"))
+            shown = page.text
+            self.assertIn(result["verdict"]["words"], shown)
+            self.assertIn(f"{result['crossCheck']['library']['offMm']:.2f} mm", shown)
+            self.assertIn("JavaScript", self.browser.find_element(By.ID, "scene").text)
+            table = self.browser.find_element(By.ID, "mounting-shift").text
+            self.assertIn("118.00", table)
+            self.assertIn(result["inputs"]["data"], self.browser.find_element(By.ID, "inputs").text)
+            self.browser.find_element(By.CSS_SELECTOR, ".json summary").click()
+            self.assertIn('"covarianceCamTcTwist"', self.browser.find_element(By.CLASS_NAME, "json-text").text)
+        finally:
+            self.browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": False})
+
+
+if __name__ == "__main__":
+    if not (webdriver and BROWSER and DRIVER):
+        print("skipped: chromium, chromium-driver or python3-selenium is missing")
+        sys.exit(77)
+    unittest.main(verbosity=2)

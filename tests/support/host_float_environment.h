@@ -1,0 +1,74 @@
+// The floating-point settings that a host may have when it calls.
+
+#pragma once
+
+#include <cfenv>
+#include <ostream>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#define TRACKEDCAM_TESTS_HAVE_SSE
+#include <xmmintrin.h>
+#endif
+
+namespace trackedcam::test {
+
+enum class FloatHabit { kTrapsExceptions, kRoundsUp, kRoundsToZero, kFlushesTinyNumbers };
+
+inline std::ostream& operator<<(std::ostream& out, FloatHabit habit) {
+  const char* const names[] = {"traps", "rounds up", "rounds to zero", "flushes tiny numbers"};
+  return out << names[static_cast<int>(habit)];
+}
+
+/// While it lives, the thread has the habit. What only some processors have stays as it is on the
+/// others.
+class HostFloatEnvironment {
+ public:
+  explicit HostFloatEnvironment(FloatHabit habit) {
+    std::fegetenv(&before_);
+    std::feclearexcept(FE_ALL_EXCEPT);
+    if (habit == FloatHabit::kRoundsUp) {
+      std::fesetround(FE_UPWARD);
+    } else if (habit == FloatHabit::kRoundsToZero) {
+      std::fesetround(FE_TOWARDZERO);
+    }
+#if defined(TRACKEDCAM_TESTS_HAVE_SSE)
+    vectorUnitBefore_ = _mm_getcsr();
+    constexpr unsigned int kMasks = 0x0E80;     // invalid, division by zero, overflow, underflow
+    constexpr unsigned int kFlushing = 0x8040;  // of results and of arguments
+    if (habit == FloatHabit::kTrapsExceptions) {
+      _mm_setcsr(vectorUnitBefore_ & ~kMasks);
+    } else if (habit == FloatHabit::kFlushesTinyNumbers) {
+      _mm_setcsr(vectorUnitBefore_ | kFlushing);
+    }
+#endif
+  }
+  ~HostFloatEnvironment() {
+    std::fesetenv(&before_);
+#if defined(TRACKEDCAM_TESTS_HAVE_SSE)
+    _mm_setcsr(vectorUnitBefore_);
+#endif
+  }
+  HostFloatEnvironment(const HostFloatEnvironment&) = delete;
+  HostFloatEnvironment& operator=(const HostFloatEnvironment&) = delete;
+
+  /// What makes up the settings, to compare.
+  static unsigned int Settings() {
+    auto settings = static_cast<unsigned int>(std::fegetround());
+#if defined(TRACKEDCAM_TESTS_HAVE_SSE)
+    constexpr unsigned int kFlags = 0x3F;
+    settings ^= (_mm_getcsr() & ~kFlags) << 16;
+#endif
+    return settings;
+  }
+
+  /// The exceptions that were raised and not cleared.
+  static int Flags() {
+    return std::fetestexcept(FE_ALL_EXCEPT);
+  }
+
+ private:
+  std::fenv_t before_ = {};
+  unsigned int vectorUnitBefore_ = 0;
+};
+
+}  // namespace trackedcam::test
