@@ -62,7 +62,7 @@ struct Shoot {
 Shoot ReadShoot(const Inputs& inputs) {
   Shoot shoot;
   const std::string content = ReadDataContent(inputs.data);
-  const std::vector<DataRow> all = ReadRows(content);
+  const std::vector<DataRow> all = InReportedAxes(ReadRows(content), inputs.trackerFrame);
   shoot.findings = CheckData(content, all);
   const PhotographChecks checks = CheckPhotographs(all, inputs);
   Append(shoot.findings, checks.findings);

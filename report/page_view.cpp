@@ -141,6 +141,12 @@ Json Findings(const Json& findings) {
   return list;
 }
 
+// Engines go by names of their own.
+Json FirstOf(const Json& engine, const char* path, const char* other) {
+  const Json value = ValueAt(engine, path);
+  return value.is_null() ? ValueAt(engine, other) : value;
+}
+
 Json Engines(const Json& result) {
   Json engines = Json::array();
   for (const auto& [name, engine] : ValueAt(result, "/exports").items()) {
@@ -150,9 +156,11 @@ Json Engines(const Json& result) {
          {"hand", TextAt(engine, "/hand")},
          {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
          {"cameraAxes", ValueAt(engine, "/cameraAxes")},
-         {"translation", List(ValueAt(engine, "/translationCm"), 4)},
-         {"rotation", List(ValueAt(engine, "/rotationDeg"), 4)},
-         {"quaternion", List(ValueAt(engine, "/quaternionXyzw"), 7)},
+         {"parentAxes", TextAt(engine, "/parentAxes")},
+         {"position", List(ValueAt(engine, "/localPosition"), 6)},
+         {"translation", List(FirstOf(engine, "/translationCm", "/locationCm"), 4)},
+         {"rotation", List(FirstOf(engine, "/rotationDeg", "/localEulerAngles"), 4)},
+         {"quaternion", List(FirstOf(engine, "/quaternionXyzw", "/localRotationXyzw"), 7)},
          {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
          {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
   }

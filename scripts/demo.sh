@@ -13,7 +13,7 @@ folder="${1:-build/demo}"
 trackedcam=build/release/app/trackedcam
 "$trackedcam" simulate "$folder"
 "$trackedcam" calibrate --config "$folder/shoot.toml" --report "$folder/report.html"
-for engine in ue4 ue5 ue5-xn aximmetry; do
+for engine in unreal unity aximmetry ue4 ue5 ue5-xn; do
   echo
   "$trackedcam" export "$engine" --result "$folder/result.json"
 done

@@ -1,5 +1,6 @@
 #include "app/chart/chart_drawing.h"
 
+#include <algorithm>
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cmath>
@@ -97,6 +98,73 @@ void DrawNotes(cairo_t* pen, const PrintedChart& chart, const Box& box) {
   }
 }
 
+void DrawArrow(cairo_t* pen, double x, double y, double dx, double dy) {
+  constexpr double kHead = 0.9;
+  const double length = std::hypot(dx, dy);
+  const double alongX = dx / length * kHead;
+  const double alongY = dy / length * kHead;
+  cairo_move_to(pen, x, y);
+  cairo_line_to(pen, x + dx, y + dy);
+  cairo_stroke(pen);
+  cairo_move_to(pen, x + dx + alongX, y + dy + alongY);
+  cairo_line_to(pen, x + dx - alongY / 2, y + dy + alongX / 2);
+  cairo_line_to(pen, x + dx + alongY / 2, y + dy - alongX / 2);
+  cairo_fill(pen);
+}
+
+// The board as an outline with its first square alone: a small board with all of them could be
+// found in a photograph in place of the large one.
+void DrawKey(cairo_t* pen, const std::array<int, 2>& board, const Box& box) {
+  constexpr double kLineWidth = 0.2;
+  constexpr double kDot = 0.55;
+  constexpr double kTextSize = 2.6;
+  const double square = std::min(box.width / (board[0] + 1), box.height / (board[1] + 1));
+  const double width = square * (board[0] + 1);
+  const double height = square * (board[1] + 1);
+  const double left = box.left + box.width - width;
+  const double x = left + square;
+  const double y = box.top + square;
+  cairo_set_line_width(pen, kLineWidth);
+  cairo_rectangle(pen, left, box.top, width, height);
+  cairo_stroke(pen);
+  cairo_rectangle(pen, left, box.top, square, square);
+  cairo_fill(pen);
+  cairo_arc(pen, x, y, kDot, 0, 2 * std::acos(-1.0));
+  cairo_fill(pen);
+  DrawArrow(pen, x, y, width * 0.5, 0);
+  DrawArrow(pen, x, y, 0, height * 0.5);
+  SelectFont(pen, "Sans", kTextSize);
+  cairo_move_to(pen, x + width * 0.5 + 1.4, y + 0.8);
+  cairo_show_text(pen, "x");
+  cairo_move_to(pen, x + 0.8, y + height * 0.5 + 1.2);
+  cairo_show_text(pen, "y");
+}
+
+// Where the paper has room beyond the white: an arrow in line with the first row of corners, along
+// which x runs, and one with the first column, along which y runs. They meet in the first corner.
+void DrawGuides(cairo_t* pen, const ChartLayout& layout) {
+  constexpr double kLength = 6;
+  constexpr double kGap = 2;                                 // to the white around the board
+  constexpr double kLabel = 2.6;                             // and its size
+  constexpr double kRoom = 5 + kLabel + kLength + 2 * kGap;  // with the edge that printers leave
+  cairo_set_line_width(pen, 0.3);
+  SelectFont(pen, "Sans", kLabel);
+  const double firstColumn = layout.board.left + layout.square;
+  const double firstRow = layout.board.top + layout.square;
+  const double left = layout.board.left - layout.square;  // of the white
+  const double top = layout.board.top - layout.square;
+  if (left >= kRoom) {
+    DrawArrow(pen, left - kGap - kLength, firstRow, kLength - 1, 0);
+    cairo_move_to(pen, left - kGap - kLength - kLabel, firstRow + 0.8);
+    cairo_show_text(pen, "x");
+  }
+  if (top >= kRoom) {
+    DrawArrow(pen, firstColumn, top - kGap - kLength, 0, kLength - 1);
+    cairo_move_to(pen, firstColumn - 0.8, top - kGap - kLength - 1);
+    cairo_show_text(pen, "y");
+  }
+}
+
 void Draw(cairo_t* pen, const PrintedChart& chart, const ChartLayout& layout) {
   cairo_set_source_rgb(pen, 1, 1, 1);
   cairo_paint(pen);
@@ -105,6 +173,8 @@ void Draw(cairo_t* pen, const PrintedChart& chart, const ChartLayout& layout) {
   DrawBoard(pen, chart.board, layout);
   DrawRuler(pen, layout.ruler);
   DrawNotes(pen, chart, layout.notes);
+  DrawKey(pen, chart.board, layout.key);
+  DrawGuides(pen, layout);
 }
 
 }  // namespace

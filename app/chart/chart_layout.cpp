@@ -15,6 +15,7 @@ constexpr double kRulerStep = 10;
 constexpr double kRulerHeight = 7;
 constexpr double kGap = 2.2;
 constexpr double kNotesHeight = 12.6;
+constexpr double kKeyWidth = 24;
 constexpr double kFooterHeight = kRulerHeight + kGap + kNotesHeight;
 
 struct Page {
@@ -39,19 +40,21 @@ Page BetterTurned(const Paper& paper, const std::array<int, 2>& board) {
                                                                                : portrait;
 }
 
-double RulerLength(double boardWidth) {
-  constexpr double kRounding = 1e-9;
-  return std::max(kShortestRuler, std::floor(boardWidth / kRulerStep + kRounding) * kRulerStep);
-}
+constexpr double kMillimetresPerMetre = 1000;
 
 }  // namespace
+
+double RulerLength(const std::array<int, 2>& board, double squareMetres) {
+  constexpr double kRounding = 1e-9;
+  const double boardWidth = (board[0] + 1) * squareMetres * kMillimetresPerMetre;
+  return std::max(kShortestRuler, std::floor(boardWidth / kRulerStep + kRounding) * kRulerStep);
+}
 
 double LargestSquare(const std::array<int, 2>& board, const Paper& paper) {
   return LargestSquareOn(BetterTurned(paper, board), board);
 }
 
 ChartLayout LayOut(const PrintedChart& chart) {
-  constexpr double kMillimetresPerMetre = 1000;
   const Page page = BetterTurned(chart.paper, chart.board);
   const double square = chart.square * kMillimetresPerMetre;
 
@@ -62,12 +65,14 @@ ChartLayout LayOut(const PrintedChart& chart) {
   const double blockHeight = board.height + square + kFooterHeight;
   board.top = std::max({square, kPaperEdge, (page.height - blockHeight) / 2});
 
-  const double rulerLength = RulerLength(board.width);
+  const double rulerLength = RulerLength(chart.board, chart.square);
   const double left = std::min(board.left, (page.width - rulerLength) / 2);
   const Box ruler = {left, board.top + board.height + square, rulerLength, kRulerHeight};
-  const Box notes = {left, ruler.top + kRulerHeight + kGap, page.width - kPaperEdge - left,
-                     kNotesHeight};
-  return {page.width, page.height, square, board, ruler, notes};
+  const double notesTop = ruler.top + kRulerHeight + kGap;
+  const double keyLeft = page.width - kPaperEdge - kKeyWidth;
+  const Box notes = {left, notesTop, keyLeft - kGap - left, kNotesHeight};
+  const Box key = {keyLeft, notesTop, kKeyWidth, kNotesHeight};
+  return {page.width, page.height, square, board, ruler, notes, key};
 }
 
 }  // namespace trackedcam::app

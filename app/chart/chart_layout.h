@@ -31,7 +31,11 @@ struct ChartLayout {
   Box board;  // one square more than inner corners in each direction
   Box ruler;  // as wide as it measures: a multiple of 10
   Box notes;  // three lines of text
+  Box key;    // beside them: which corner is the first, and where x and y run from it
 };
+
+/// Of the printed ruler, millimetres.
+double RulerLength(const std::array<int, 2>& board, double squareMetres);
 
 /// The edge of the largest square with which the board fits, the paper turned the better way.
 double LargestSquare(const std::array<int, 2>& board, const Paper& paper);

@@ -16,9 +16,13 @@ bool IsUnmistakable(const std::array<int, 2>& board) {
 
 }  // namespace
 
+std::string BoardOptions(const PrintedChart& chart) {
+  return "--board " + std::to_string(chart.board[0]) + 'x' + std::to_string(chart.board[1]) +
+         " --square " + Shortest(chart.square);
+}
+
 std::string CalibrateCommandFor(const PrintedChart& chart) {
-  return "trackedcam calibrate --board " + std::to_string(chart.board[0]) + 'x' +
-         std::to_string(chart.board[1]) + " --square " + Shortest(chart.square);
+  return "trackedcam calibrate " + BoardOptions(chart);
 }
 
 std::array<std::string, 3> ChartNotes(const PrintedChart& chart) {
@@ -27,7 +31,7 @@ std::array<std::string, 3> ChartNotes(const PrintedChart& chart) {
           "Print on " + std::string(chart.paper.name) + " at 100 %: the board measures " +
               MillimetresText(board.width) + " × " + MillimetresText(board.height) + " mm.",
           IsUnmistakable(chart.board)
-              ? "The first corner is the inner one at the top left."
+              ? "The first corner is the inner one at the top left, as on the right."
               : "The board looks the same upside down: keep this side down."};
 }
 

@@ -9,6 +9,9 @@
 
 namespace trackedcam::app {
 
+/// What the calibration is told of the chart: "--board 9x6 --square 0.03".
+std::string BoardOptions(const PrintedChart& chart);
+
 /// The command that calibrates with the chart, as far as the chart decides it.
 std::string CalibrateCommandFor(const PrintedChart& chart);
 

@@ -69,8 +69,9 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   // Engines get no figures of a failed calibration.
   if (report.verdict.level != host::Level::kFailed) {
     for (const host::Engine* engine : options.exports) {
-      report.exports.push_back(
-          host::ExportToEngine(*engine, report.run.outputs, report.run.folder / engine->name));
+      report.exports.push_back(host::ExportToEngine(
+          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
+          report.run.folder / engine->name));
     }
   }
   return report;

@@ -34,6 +34,13 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       .add_flag("--invert-tracker-quaternions", options.inputs.invertTrackerQuaternions,
                 "The trackers' quaternions give the inverse rotation")
       ->group("Shoot");
+  AddValue(command, "--tracker-axes", options.inputs.trackerFrame.axes, ParseTrackerAxes, "AXES",
+           "Whose poses the data file holds: reported (the\ntracking system's), or those of a "
+           "component of\nunreal or a transform of unity, which are converted")
+      ->group("Shoot");
+  AddValue(command, "--tracker-units", options.inputs.trackerFrame.unit, ParseTrackerUnit, "UNIT",
+           "Of positions in the data file: m, cm or mm;\nelse cm of unreal, m of the others")
+      ->group("Shoot");
 
   AddValue(command, "--sensor", options.inputs.sensorMm, ParseSensor, "WxH",
            "Size of the camera's sensor, millimetres")
@@ -67,8 +74,12 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
   command.add_flag("--no-report", options.withoutReport, "Write no page")
       ->excludes(report)
       ->group("Output");
-  AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
-           "Hand the result to engines as well: a list of\nue4, ue5, ue5-xn, aximmetry")
+  AddValue(
+      command, "--export", options.exports, ParseEngines, "ENGINES",
+      "Hand the result to engines as well: a list of\nunreal, unity, ue4, ue5, ue5-xn, aximmetry")
+      ->group("Output");
+  AddValue(command, "--parent-axes", options.parentAxes, ParseParentAxesText, "X,Y,Z",
+           "Of the camera's parent in unreal or unity, in\nreported axes, such as z,-x,y")
       ->group("Output");
   AddPath(command, "--truth", options.truth, "FILE.json",
           "Compare with the truth of a simulated shoot")

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -18,6 +19,7 @@ struct CalibrateOptions {
   MountingOptions mounting;
   std::filesystem::path result;  // empty: not wanted
   std::vector<const host::Engine*> exports;
+  std::string parentAxes;        // of the camera in an engine; empty: those that it presumes
   std::filesystem::path truth;   // empty: not known
   std::filesystem::path report;  // empty: beside the log
   bool withoutReport = false;

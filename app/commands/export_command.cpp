@@ -6,10 +6,12 @@
 #include "app/options/add_path.h"
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
+#include "app/options/output_file.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
 #include "host/result/result_file.h"
 #include "host/run/run_folder.h"
+#include "host/text/file_text.h"
 #include "host/text/json_file.h"
 
 namespace trackedcam::app {
@@ -18,7 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kFooter = R"(Examples:
-  trackedcam export ue4 --result result.json
+  trackedcam export unreal --result result.json --out lens.ulens
+  trackedcam export unity --result result.json --parent-axes minus-z-forward
   trackedcam export aximmetry --result result.json --json
 
 The figures place the camera relative to its tracker, in the engine's axes.
@@ -29,18 +32,50 @@ struct ExportOptions {
   const host::Engine* engine = nullptr;
   fs::path result;
   fs::path logFolder;  // empty: the result's
+  std::string parentAxes;
+  fs::path out;  // empty: not wanted
   bool json = false;
 };
 
-int Export(const ExportOptions& options) {
-  const host::CalibrationOutputs calibration = host::ReadResult(options.result);
+void RequireFit(const ExportOptions& options) {
+  const std::string name(options.engine->name);
+  if (!options.parentAxes.empty() && !options.engine->takesParentAxes) {
+    throw CLI::ValidationError("--parent-axes", "is for unreal and unity; the figures of " + name +
+                                                    " have axes of their own");
+  }
+  if (options.out.empty()) {
+    return;
+  }
+  if (name != "unreal") {
+    throw CLI::ValidationError(
+        "--out", name + " reads no file: type the figures in, or take them with --json");
+  }
+  if (CLI::detail::to_lower(options.out.extension().u8string()) != ".ulens") {
+    throw CLI::ValidationError("--out", options.out.u8string() +
+                                            " does not end in .ulens, by which Unreal knows a "
+                                            "lens file");
+  }
+  if (options.out == options.result) {
+    throw CLI::ValidationError("--out", options.out.u8string() + " would be overwritten");
+  }
+  PrepareOutputFile("--out", options.out);
+}
+
+host::EngineExport RunExport(const ExportOptions& options, const host::HandOver& handOver) {
+  if (options.engine->takesParentAxes) {
+    return host::ExportToEngine(*options.engine, handOver, {});
+  }
   const fs::path folder = host::CreateRunFolder(
       options.logFolder.empty() ? options.result.parent_path() : options.logFolder);
-  host::EngineExport engineExport;
-  {
-    const SilencedStdout silenced;
-    engineExport = host::ExportToEngine(*options.engine, calibration, folder);
-  }
+  const SilencedStdout silenced;
+  return host::ExportToEngine(*options.engine, handOver, folder);
+}
+
+int Export(const ExportOptions& options) {
+  RequireFit(options);
+  host::HandOver handOver = host::ReadResult(options.result);
+  handOver.parentAxes = options.parentAxes;
+  const host::EngineExport engineExport = RunExport(options, handOver);
   if (options.json) {
     std::cout << host::JsonText(host::EngineJson(engineExport));
   } else {
@@ -48,6 +83,11 @@ int Export(const ExportOptions& options) {
   }
   std::cout.flush();
   PrintProblem(std::cerr, engineExport);
+  if (!options.out.empty() && engineExport.figures.unreal) {
+    host::WriteFile(options.out, host::LensFileText(*engineExport.figures.unreal,
+                                                    options.out.stem().u8string()));
+    std::cerr << "Wrote " << options.out.u8string() << '\n';
+  }
   return engineExport.code == 0 ? 0 : 1;
 }
 
@@ -61,13 +101,17 @@ void AddExportCommand(CLI::App& program, int& status) {
   command->footer(kFooter);
   const auto options = std::make_shared<ExportOptions>();
   AddValue(*command, "engine", options->engine, ParseEngine, "ENGINE",
-           "ue4, ue5, ue5-xn or aximmetry")
+           "unreal, unity, ue4, ue5, ue5-xn or aximmetry")
       ->required();
   AddPath(*command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
       ->required()
       ->check(RequireFile);
   AddPath(*command, "--log-folder", options->logFolder, "FOLDER",
-          "For the log, in a folder of its own;\nelse the result file's folder");
+          "For the library's log, in a folder of its own;\nelse the result file's folder");
+  AddValue(*command, "--parent-axes", options->parentAxes, ParseParentAxesText, "X,Y,Z",
+           "Of the camera's parent in unreal or unity, in\nreported axes, such as z,-x,y, or "
+           "z-forward\n(presumed) or minus-z-forward");
+  AddPath(*command, "--out", options->out, "FILE.ulens", "Of unreal: write a Lens File to import");
   command->add_flag("--json", options->json, "Print the figures as JSON, at full precision");
   command->callback([options, &status] { status = Export(*options); });
 }

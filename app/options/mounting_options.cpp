@@ -4,17 +4,22 @@
 
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
+#include "host/input/mounting_axes.h"
 
 namespace trackedcam::app {
 
 void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& group) {
   AddValue(command, "--chart-rotation", options.rotation, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz.\n"
-           "Left out, it is found from the shoot")
+           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz in the "
+           "tracker's\n"
+           "axes after the axis fix: reported x, y, z count\nas -x, -z, -y. Left out, it is found "
+           "from the shoot")
       ->group(group);
-  AddValue(
-      command, "--chart-translation", options.translation, ParseTranslation, "X,Y,Z",
-      "Mounting of the chart's tracker, metres: the\nfirst inner corner in the tracker's frame")
+  AddValue(command, "--chart-translation", options.translation, ParseTranslation, "X,Y,Z",
+           "Mounting of the chart's tracker, metres: the\nfirst inner corner in the same axes")
+      ->group(group);
+  AddValue(command, "--mounting-axes", options.isReported, ParseMountingAxes, "AXES",
+           "Of the two options above: fixed, or reported\nwhere they count in the reported axes")
       ->group(group);
 }
 
@@ -26,7 +31,8 @@ std::optional<host::Mounting> MountingOf(const MountingOptions& options) {
   if (!options.rotation) {
     return std::nullopt;
   }
-  return host::Mounting{*options.rotation, *options.translation};
+  const host::Mounting mounting = {*options.rotation, *options.translation};
+  return options.isReported ? host::FromReportedAxes(mounting) : mounting;
 }
 
 }  // namespace trackedcam::app

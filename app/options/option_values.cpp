@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "host/input/input_error.h"
 #include "host/text/number_text.h"
 
 namespace trackedcam::app {
@@ -207,6 +208,14 @@ double ParseSquare(const std::string& option, const std::string& text) {
   return *square;
 }
 
+double ParseLength(const std::string& option, const std::string& text) {
+  const auto length = ParseMetres(text);
+  if (!length || !std::isfinite(*length) || *length <= 0) {
+    Reject(option, text + " is not a length, such as 299.2mm");
+  }
+  return *length;
+}
+
 Paper ParsePaper(const std::string& option, const std::string& text) {
   for (const Paper& paper : kPapers) {
     if (CLI::detail::to_lower(std::string(paper.name)) == CLI::detail::to_lower(text)) {
@@ -240,6 +249,40 @@ std::vector<const Engine*> ParseEngines(const std::string& option, const std::st
     engines.push_back(ParseEngine(option, name));
   }
   return engines;
+}
+
+std::string ParseParentAxesText(const std::string& option, const std::string& text) {
+  try {
+    host::ParseParentAxes(text, host::kUnrealParentAxes);
+  } catch (const host::InputError& error) {
+    Reject(option, error.what());
+  }
+  return text;
+}
+
+const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::string& text) {
+  for (const host::TrackerAxes& axes : host::kTrackerAxes) {
+    if (axes.name == text) {
+      return &axes;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(host::kTrackerAxes));
+}
+
+const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text) {
+  for (const host::TrackerUnit& unit : host::kTrackerUnits) {
+    if (unit.name == text) {
+      return &unit;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(host::kTrackerUnits));
+}
+
+bool ParseMountingAxes(const std::string& option, const std::string& text) {
+  if (text != "fixed" && text != "reported") {
+    Reject(option, text + " is not one of fixed, reported");
+  }
+  return text == "reported";
 }
 
 std::string RequireFile(const std::string& path) {

@@ -8,6 +8,7 @@
 
 #include "app/chart/paper.h"
 #include "host/engines/engine.h"
+#include "host/input/tracker_axes.h"
 
 namespace trackedcam::app {
 
@@ -36,6 +37,9 @@ std::array<double, 6> ParseLens(const std::string& option, const std::string& te
 /// "0.03", which is metres, "3cm" or "30mm": metres, above 0 and below 1.
 double ParseSquare(const std::string& option, const std::string& text);
 
+/// "299.2mm": a length above 0, in metres where it has no unit.
+double ParseLength(const std::string& option, const std::string& text);
+
 /// "A3": the name of a paper, in upper or lower case.
 Paper ParsePaper(const std::string& option, const std::string& text);
 
@@ -47,6 +51,18 @@ const host::Engine* ParseEngine(const std::string& option, const std::string& te
 
 /// "ue5,aximmetry": names of engines.
 std::vector<const host::Engine*> ParseEngines(const std::string& option, const std::string& text);
+
+/// "z,-x,y" or "z-forward": the axes of the camera's parent in an engine, kept as they are typed.
+std::string ParseParentAxesText(const std::string& option, const std::string& text);
+
+/// "unreal": the axes of the poses in a data file.
+const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::string& text);
+
+/// "cm": the unit of the positions in a data file.
+const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text);
+
+/// "fixed" or "reported": true for the second.
+bool ParseMountingAxes(const std::string& option, const std::string& text);
 
 /// A check of an option: nothing when the path names a file, else what is wrong.
 std::string RequireFile(const std::string& path);

@@ -1,5 +1,8 @@
 #include "app/words/engine_summary.h"
 
+#include <sstream>
+
+#include "app/words/placement_summary.h"
 #include "app/words/table_row.h"
 #include "host/text/number_text.h"
 
@@ -26,6 +29,21 @@ void PrintFigures(std::ostream& out, const std::string& label, const std::vector
   PrintRow(out, label, texts);
 }
 
+void PrintPlacement(std::ostream& out, const EngineExport& engineExport) {
+  const EngineFigures& figures = engineExport.figures;
+  std::vector<std::string> axes;
+  std::istringstream words(figures.unreal ? figures.unreal->parentAxes : figures.unity->parentAxes);
+  for (std::string word; std::getline(words, word, ',');) {
+    axes.push_back(word);
+  }
+  PrintRow(out, "axes of the parent, reported", axes);
+  if (figures.unreal) {
+    PrintUnreal(out, *figures.unreal);
+  } else {
+    PrintUnity(out, *figures.unity);
+  }
+}
+
 }  // namespace
 
 void PrintEngineExport(std::ostream& out, const EngineExport& engineExport) {
@@ -34,6 +52,10 @@ void PrintEngineExport(std::ostream& out, const EngineExport& engineExport) {
   out << engine.title << ", " << engine.hand << '\n';
   PrintRow(out, "", {"X", "Y", "Z"});
   PrintNames(out, "axes at the camera", engine.cameraAxes);
+  if (figures.unreal || figures.unity) {
+    PrintPlacement(out, engineExport);
+    return;
+  }
   PrintNames(out, "axes of the tracker, reported", engine.trackerAxes);
   if (engine.translationAxes != engine.trackerAxes) {
     PrintNames(out, "the translation counts along", engine.translationAxes);

@@ -6,6 +6,7 @@
 #include "app/words/lens_table.h"
 #include "app/words/table_row.h"
 #include "host/result/transform_difference.h"
+#include "host/run/library_data.h"
 #include "host/text/number_text.h"
 #include "host/verdict/verdict.h"
 
@@ -102,7 +103,12 @@ void PrintVerdict(std::ostream& out, const Report& report) {
   }
 }
 
-void PrintFiles(std::ostream& out, const LibraryRun& run) {
+void PrintFiles(std::ostream& out, const Report& report) {
+  const LibraryRun& run = report.run;
+  if (host::IsConverted(report.inputs.trackerFrame)) {
+    out << "Tracker data: taken as poses in " << host::Describe(report.inputs.trackerFrame)
+        << "; converted: " << (run.folder / host::kConvertedData).u8string() << '\n';
+  }
   if (!run.log.empty()) {
     out << "Log: " << run.log.u8string() << '\n';
   }
@@ -154,7 +160,7 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
     PrintMountingFound(out, report);
   }
   PrintVerdict(out, report);
-  PrintFiles(out, report.run);
+  PrintFiles(out, report);
 }
 
 }  // namespace trackedcam::app

@@ -12,7 +12,7 @@ import sys
 import tempfile
 
 HERE = pathlib.Path(__file__).parent
-ENGINES = ["ue4", "ue5", "ue5-xn", "aximmetry"]
+ENGINES = ["ue4", "ue5", "ue5-xn", "aximmetry", "unity"]
 
 # On the page, as seen from behind the camera, a little from the right and from above.
 ON_PAGE = {"right": (0.96, 0.28), "up": (0.0, -1.0), "forward": (0.62, -0.52)}

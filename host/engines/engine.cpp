@@ -5,34 +5,42 @@
 namespace trackedcam::host {
 namespace {
 
-int ToUE4(const CalibrationOutputs& calibration, const std::string& logFolder,
-          EngineFigures& figures) {
-  return CamAxisToUE4(calibration.transformCamTc, figures.rotationDeg, figures.translationCm,
-                      logFolder);
+int ToUE4(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE4(handOver.calibration.transformCamTc, figures.rotationDeg,
+                      figures.translationCm, logFolder);
 }
 
-int ToUE5(const CalibrationOutputs& calibration, const std::string& logFolder,
-          EngineFigures& figures) {
-  return CamAxisToUE5(calibration.transformCamTc, figures.quaternionXyzw, figures.translationCm,
-                      logFolder);
+int ToUE5(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE5(handOver.calibration.transformCamTc, figures.quaternionXyzw,
+                      figures.translationCm, logFolder);
 }
 
-int ToUE5xN(const CalibrationOutputs& calibration, const std::string& logFolder,
-            EngineFigures& figures) {
-  return CamAxisToUE5_ExportxN(calibration.transformCamTc, figures.quaternionXyzw,
+int ToUE5xN(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE5_ExportxN(handOver.calibration.transformCamTc, figures.quaternionXyzw,
                                figures.translationCm, logFolder);
 }
 
-int ToAximmetry(const CalibrationOutputs& calibration, const std::string& logFolder,
-                EngineFigures& figures) {
-  return CamAxisToAximmetry(calibration.normFocal, calibration.normCenter,
-                            calibration.transformCamTc, figures.fovX, figures.lensCentre,
+int ToAximmetry(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToAximmetry(handOver.calibration.normFocal, handOver.calibration.normCenter,
+                            handOver.calibration.transformCamTc, figures.fovX, figures.lensCentre,
                             figures.rotationDeg, figures.translationCm, logFolder);
+}
+
+int ToUnrealFigures(const HandOver& handOver, const std::string& /*logFolder*/,
+                    EngineFigures& figures) {
+  figures.unreal = ToUnreal(handOver);
+  return 0;
+}
+
+int ToUnityFigures(const HandOver& handOver, const std::string& /*logFolder*/,
+                   EngineFigures& figures) {
+  figures.unity = ToUnity(handOver);
+  return 0;
 }
 
 }  // namespace
 
-const std::array<Engine, 4> kEngines = {{
+const std::array<Engine, 6> kEngines = {{
     {"ue4",
      "Unreal Engine 4",
      "left-handed",
@@ -40,7 +48,8 @@ const std::array<Engine, 4> kEngines = {{
      {"z", "-x", "y"},
      {"z", "-x", "y"},
      {"roll", "pitch", "yaw"},
-     ToUE4},
+     ToUE4,
+     false},
     {"ue5",
      "Unreal Engine 5",
      "right-handed",
@@ -48,7 +57,8 @@ const std::array<Engine, 4> kEngines = {{
      {"-x", "-y", "z"},
      {"-x", "-y", "z"},
      {},
-     ToUE5},
+     ToUE5,
+     false},
     {"ue5-xn",
      "Unreal Engine 5 (xN)",
      "right-handed",
@@ -56,7 +66,8 @@ const std::array<Engine, 4> kEngines = {{
      {"y", "z", "x"},
      {"y", "z", "x"},
      {},
-     ToUE5xN},
+     ToUE5xN,
+     false},
     {"aximmetry",
      "Aximmetry",
      "left-handed",
@@ -64,7 +75,26 @@ const std::array<Engine, 4> kEngines = {{
      {"-x", "y", "z"},
      {"-x", "-y", "-z"},
      {"x", "y", "z"},
-     ToAximmetry},
+     ToAximmetry,
+     false},
+    {"unreal",
+     "Unreal Engine, below a component",
+     "left-handed",
+     {"forward", "right", "up"},
+     {"z", "-x", "y"},
+     {"z", "-x", "y"},
+     {"roll", "pitch", "yaw"},
+     ToUnrealFigures,
+     true},
+    {"unity",
+     "Unity, below a transform",
+     "left-handed",
+     {"right", "up", "forward"},
+     {"-x", "y", "z"},
+     {"-x", "y", "z"},
+     {"x", "y", "z"},
+     ToUnityFigures,
+     true},
 }};
 
 }  // namespace trackedcam::host

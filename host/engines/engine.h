@@ -3,22 +3,27 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/run/calibration_outputs.h"
+#include "host/engines/hand_over.h"
+#include "host/engines/unity.h"
+#include "host/engines/unreal.h"
 
 namespace trackedcam::host {
 
-/// What the library hands out for an engine, named as in its header; empty where the engine has no
-/// such figure.
+/// What the library hands out for an engine, named as in its header, or what is computed here for
+/// Unreal or Unity; empty where the engine has no such figure.
 struct EngineFigures {
   std::vector<double> translationCm;
   std::vector<double> rotationDeg;
   std::vector<double> quaternionXyzw;
   std::vector<double> fovX;
   std::vector<double> lensCentre;
+  std::optional<UnrealFigures> unreal;
+  std::optional<UnityFigures> unity;
 };
 
 using Axes = std::array<const char*, 3>;
@@ -28,12 +33,16 @@ struct Engine {
   const char* title;
   const char* hand;
   Axes cameraAxes;       // where x, y and z of the engine point, seen from the camera
-  Axes trackerAxes;      // which axes of the tracker, as it is reported, they are
+  Axes trackerAxes;      // which axes of the tracker, as it is reported, they are; see below
   Axes translationAxes;  // along which of these the translation counts
   Axes rotationNames;    // of the three angles; unused where a quaternion is handed out
-  int (*convert)(const CalibrationOutputs&, const std::string& logFolder, EngineFigures&);
+  /// The library's code; 0 where the figures are computed here, without a log.
+  int (*convert)(const HandOver&, const std::string& logFolder, EngineFigures&);
+  /// Whether the figures are computed here, for a parent whose axes can be chosen: trackerAxes are
+  /// then those that it presumes.
+  bool takesParentAxes;
 };
 
-extern const std::array<Engine, 4> kEngines;
+extern const std::array<Engine, 6> kEngines;
 
 }  // namespace trackedcam::host

@@ -2,6 +2,8 @@
 
 #include <fstream>
 #include <iterator>
+#include <sstream>
+#include <stdexcept>
 
 #include "host/run/log_follower.h"
 #include "host/text/json_file.h"
@@ -14,14 +16,50 @@ std::string TextOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+EngineExport Compute(const Engine& engine, const HandOver& handOver) {
+  constexpr int kWrongUse = -1;  // as of the library
+  EngineExport engineExport;
+  engineExport.engine = &engine;
+  try {
+    engineExport.code = engine.convert(handOver, "", engineExport.figures);
+  } catch (const std::invalid_argument& error) {
+    engineExport.code = kWrongUse;
+    engineExport.refusal = error.what();
+  }
+  return engineExport;
+}
+
+bool LacksLens(const EngineFigures& figures) {
+  return (figures.unreal && !figures.unreal->lens) || (figures.unity && !figures.unity->lens);
+}
+
+std::vector<std::string> Words(const std::string& axes) {
+  std::vector<std::string> words;
+  std::istringstream stream(axes);
+  for (std::string word; std::getline(stream, word, ',');) {
+    words.push_back(word);
+  }
+  return words;
+}
+
+nlohmann::ordered_json PlacementJson(const EngineExport& engineExport) {
+  const EngineFigures& figures = engineExport.figures;
+  const bool isUnreal = engineExport.engine->name == "unreal";
+  return isUnreal ? UnrealJson(figures.unreal.value_or(UnrealFigures{}))
+                  : UnityJson(figures.unity.value_or(UnityFigures{}));
+}
+
 }  // namespace
 
-EngineExport ExportToEngine(const Engine& engine, const CalibrationOutputs& calibration,
+EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
                             const std::filesystem::path& folder) {
+  if (engine.takesParentAxes) {
+    return Compute(engine, handOver);
+  }
   EngineExport engineExport;
   engineExport.engine = &engine;
   std::filesystem::create_directories(folder);
-  engineExport.code = engine.convert(calibration, folder.u8string(), engineExport.figures);
+  engineExport.code = engine.convert(handOver, folder.u8string(), engineExport.figures);
   engineExport.log = FindLog(folder);
   engineExport.isGimbalLocked =
       TextOf(engineExport.log).find("Encountered Gimbal lock") != std::string::npos;
@@ -41,6 +79,14 @@ std::string ProblemOf(const EngineExport& engineExport) {
                      "calibrate again, or use ue5 or ue5-xn, whose quaternions know no gimbal "
                      "lock.";
   }
+  if (!engineExport.refusal.empty()) {
+    return title + ": " + engineExport.refusal + '.';
+  }
+  if (LacksLens(engineExport.figures)) {
+    return title +
+           ": the result does not tell the lens in full (imageSize, distortion and the sensor in "
+           "inputs.sensorMm), so the camera's place is handed over without it. Calibrate again.";
+  }
   return engineExport.code == 0 ? ""
                                 : title + ": the library refused the figures, code " +
                                       std::to_string(engineExport.code) + ". The log says why.";
@@ -50,13 +96,19 @@ nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
   const Engine& engine = *engineExport.engine;
   const EngineFigures& figures = engineExport.figures;
   const std::string problem = ProblemOf(engineExport);
-  return {
-      {"code", engineExport.code},
-      {"message", problem.empty() ? "No error" : problem},
-      {"engine", engine.name},
-      {"title", engine.title},
-      {"hand", engine.hand},
-      {"cameraAxes", engine.cameraAxes},
+  nlohmann::ordered_json json = {
+      {"code", engineExport.code}, {"message", problem.empty() ? "No error" : problem},
+      {"engine", engine.name},     {"title", engine.title},
+      {"hand", engine.hand},       {"cameraAxes", engine.cameraAxes},
+  };
+  if (engine.takesParentAxes) {
+    const nlohmann::ordered_json placement = PlacementJson(engineExport);
+    json["trackerAxes"] = Words(placement.at("parentAxes"));
+    json["translationAxes"] = json["trackerAxes"];
+    json.update(placement);
+    return json;
+  }
+  json.update(nlohmann::ordered_json{
       {"trackerAxes", engine.trackerAxes},
       {"translationAxes", engine.translationAxes},
       {"translationCm", NumbersJson(figures.translationCm)},
@@ -65,7 +117,8 @@ nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
       {"fovX", NumbersJson(figures.fovX)},
       {"lensCentre", NumbersJson(figures.lensCentre)},
       {"log", engineExport.log.u8string()},
-  };
+  });
+  return json;
 }
 
 }  // namespace trackedcam::host

@@ -15,12 +15,14 @@ struct EngineExport {
   int code = 0;
   bool isGimbalLocked = false;
   EngineFigures figures;
-  std::filesystem::path log;  // empty when the library could not write one
+  std::string refusal;        // why there are no figures, where no log says so
+  std::filesystem::path log;  // empty when the library was not asked or could not write one
 };
 
-/// Calls the library.
-/// @param folder For the log, of this call alone; created when missing.
-EngineExport ExportToEngine(const Engine& engine, const CalibrationOutputs& calibration,
+/// Calls the library, or computes the figures.
+/// @param folder For the library's log, of this call alone; created when missing.
+/// @throws InputError for parent axes that the engine cannot have.
+EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
                             const std::filesystem::path& folder);
 
 /// What went wrong, or what to beware of, and what to do; empty when all is well.

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "crosscheck/observations.h"
+#include "host/input/tracker_axes.h"
 
 namespace trackedcam::host {
 
@@ -15,6 +16,7 @@ using crosscheck::Mounting;
 /// Paths are absolute.
 struct Inputs {
   std::filesystem::path data;           // a row for each photograph
+  TrackerFrame trackerFrame;            // in which axes and unit it holds the poses
   std::filesystem::path workingFolder;  // where relative paths of photographs begin
   std::array<double, 2> sensorMm = {};
   std::array<int, 2> board = {};  // inner corners: columns, rows

@@ -12,17 +12,32 @@ namespace {
 
 struct Result {
   int code = 0;
-  CalibrationOutputs outputs;
+  HandOver handOver;
 };
+
+// The lens of a file that was written before the engines needed it, or by hand, is not there.
+void ParseLens(const nlohmann::json& json, HandOver& handOver) {
+  if (json.contains("imageSize") && json.contains("distortion")) {
+    handOver.calibration.imageSize = ReadNumbers(json, "imageSize", 2);
+    handOver.calibration.distortion = ReadNumbers(json, "distortion", 5);
+  }
+  const auto inputs = json.find("inputs");
+  if (inputs != json.end() && inputs->contains("sensorMm")) {
+    const auto sensor = ReadNumbers(*inputs, "sensorMm", 2);
+    handOver.sensorMm = {sensor[0], sensor[1]};
+  }
+}
 
 Result Parse(std::istream& file) {
   const auto json = nlohmann::json::parse(file);
   Result result;
   result.code = json.at("code").get<int>();
   if (IsUsable(result.code)) {
-    result.outputs.normFocal = ReadNumbers(json, "normFocal", 2);
-    result.outputs.normCenter = ReadNumbers(json, "normCenter", 2);
-    result.outputs.transformCamTc = ReadNumbers(json, "transformCamTc", 16);
+    CalibrationOutputs& calibration = result.handOver.calibration;
+    calibration.normFocal = ReadNumbers(json, "normFocal", 2);
+    calibration.normCenter = ReadNumbers(json, "normCenter", 2);
+    calibration.transformCamTc = ReadNumbers(json, "transformCamTc", 16);
+    ParseLens(json, result.handOver);
   }
   return result;
 }
@@ -38,13 +53,13 @@ Result Read(const std::filesystem::path& path) {
 
 }  // namespace
 
-CalibrationOutputs ReadResult(const std::filesystem::path& path) {
+HandOver ReadResult(const std::filesystem::path& path) {
   Result result = Read(path);
   if (!IsUsable(result.code)) {
     throw std::runtime_error(path.u8string() + " is of a calibration that failed, code " +
                              std::to_string(result.code) + ": " + VerdictOf(result.code).words);
   }
-  return std::move(result.outputs);
+  return std::move(result.handOver);
 }
 
 }  // namespace trackedcam::host

@@ -51,7 +51,7 @@ LibraryData PrepareData(const fs::path& data, const std::vector<DataRow>& rows,
     copy += WithPhotograph(row, prepared.photographs.back()) + '\n';
   }
   if (!serves) {
-    prepared.file = runFolder / "tracker_data.csv";
+    prepared.file = runFolder / kConvertedData;
     WriteFile(prepared.file, copy);
   }
   return prepared;

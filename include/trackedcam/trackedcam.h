@@ -44,9 +44,10 @@ extern "C" {
 /// @param boardRows Inner corners of the chessboard along a column.
 /// @param squareSize Edge of one square, metres.
 /// @param chartTrackerRotation Nominal mounting of the chart's tracker, three angles in degrees
-///   [ax, ay, az]: the rotation of Transform_Tr_Chart is Rx(ax) * Ry(ay) * Rz(az).
+///   [ax, ay, az]: the rotation of Transform_Tr_Chart is Rx(ax) * Ry(ay) * Rz(az). Tr counts in the
+///   tracker's axes after the axis fix: its reported x, y, z count as -x, -z, -y.
 /// @param chartTrackerTranslation Nominal mounting, three lengths in metres: the translation of
-///   Transform_Tr_Chart, that is, the chart's origin in the frame of its tracker.
+///   Transform_Tr_Chart, that is, the chart's origin in the same axes of its tracker.
 /// @param[out] imageSize Two values: width and height of the photographs, pixels.
 /// @param[out] normFocal Two values: fx / width, fy / height.
 /// @param[out] normCenter Two values: cx / width, cy / height. The centre of the first pixel is 0.

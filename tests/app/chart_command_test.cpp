@@ -30,7 +30,9 @@ TEST_F(ChartCommand, SaysOnThePageHowToCalibrate) {
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.error, "");
   EXPECT_THAT(run.out, AllOf(HasSubstr("new folder/chart.PDF\n"),
-                             HasSubstr("trackedcam calibrate --board 9x6 --square 0.03 ")));
+                             HasSubstr("\n      --board 9x6 --square 0.03\n"),
+                             HasSubstr("trackedcam chart --board 9x6 --square 0.03 "
+                                       "--ruler-measured 300mm\n")));
 
   ASSERT_EQ(RunTool(folder.Path(), "pdftotext", {"new folder/chart.PDF", "text"}), 0);
   EXPECT_THAT(test::ReadFile(folder.File("text")),
@@ -54,6 +56,23 @@ TEST_F(ChartCommand, NamesTheLargestSquareThatFits) {
               "--square: 40 mm is too large: the largest square with which 9x6 inner corners fit "
               "on A3 is 30 mm");
   EXPECT_EQ(Draw("30mm", "A3", "chart.pdf").status, 0);
+}
+
+TEST_F(ChartCommand, TellsTheSquareOfAPrint) {
+  const auto measure = [&](const std::string& ruler) {
+    return RunHostProgram(
+        folder.Path(), {"chart", "--board", "9x6", "--square", "30mm", "--ruler-measured", ruler});
+  };
+  // 30 mm * 299.2 / 300.
+  const ProgramRun run = measure("299.2mm");
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, HasSubstr("a square measures 29.92 mm. Calibrate with\n"
+                                 "  --board 9x6 --square 0.02992\n"));
+  EXPECT_THAT(measure("30cm").out, HasSubstr("--square 0.03\n"));
+  ExpectError(measure("299.2"), 2, "299200 mm is not near the 300 mm of this chart's ruler");
+  ExpectError(measure("wide"), 2, "--ruler-measured: wide is not a length, such as 299.2mm");
+  ExpectError(RunHostProgram(folder.Path(), {"chart", "--board", "9x6", "--square", "30mm"}), 2,
+              "--paper is required");
 }
 
 TEST_F(ChartCommand, NeedsAKnownPaperAndFormat) {

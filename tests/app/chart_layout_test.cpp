@@ -73,6 +73,9 @@ TEST(ChartLayout, LeavesWhiteAtAnySize) {
         ExpectInside(layout.board, layout);
         ExpectInside(layout.ruler, layout);
         ExpectInside(layout.notes, layout);
+        ExpectInside(layout.key, layout);
+        EXPECT_LE(layout.notes.left + layout.notes.width, layout.key.left);
+        EXPECT_EQ(layout.key.top, layout.notes.top);
         ExpectWhiteSquareAroundBoard(layout);
       }
     }

@@ -77,6 +77,60 @@ TEST(EngineSummary, ShowsTheLensAndATranslationAlongOtherAxes) {
             "  lens centre, parts of image        0.010000    -0.002500\n");
 }
 
+TEST(EngineSummary, NamesTheFieldsOfUnreal) {
+  EngineExport unreal = ExportTo("unreal");
+  host::UnrealFigures& figures = unreal.figures.unreal.emplace();
+  figures = {{1, 2, 3}, {10, -20, 30}, {0, 0, 0.6, 0.8}, {}, "-z,x,y"};
+  const std::string place =
+      "Unreal Engine, below a component, left-handed\n"
+      "                                            X            Y            Z\n"
+      "  axes at the camera                  forward        right           up\n"
+      "  axes of the parent, reported             -z            x            y\n"
+      "  Location, cm                         1.0000       2.0000       3.0000\n"
+      "                                       roll X      pitch Y        yaw Z\n"
+      "  Rotation, deg                       10.0000     -20.0000      30.0000\n"
+      "                                            X            Y            Z            W\n"
+      "  the same as a quaternion          0.0000000    0.0000000    0.6000000    0.8000000\n";
+  EXPECT_EQ(SummaryOf(unreal), place);
+  EXPECT_NE(ProblemPrintedFor(unreal).find("warning: Unreal Engine, below a component: the result "
+                                           "does not tell the lens in full"),
+            std::string::npos);
+
+  figures.lens = host::EngineLens{{1920, 1080}, {36, 20.25}, 32.4, {0.9, 1.6}, {0.51, 0.49},
+                                  -0.1,         0.02,        0,    0,          0};
+  EXPECT_EQ(SummaryOf(unreal),
+            place +
+                "  Lens File, Spherical, for 1920x1080\n"
+                "  filmback, mm                        36.0000      20.2500\n"
+                "  focal length, mm                    32.4000\n"
+                "  FxFy                              0.9000000    1.6000000\n"
+                "  image centre                      0.5100000    0.4900000\n"
+                "                                           K1           K2           K3\n"
+                "  distortion, radial                -0.100000     0.020000     0.000000\n"
+                "                                           P1           P2\n"
+                "  distortion, tangential             0.000000     0.000000\n"
+                "  nodal offset                  the Location and Rotation above, if they are not "
+                "the camera's own\n");
+  EXPECT_EQ(ProblemPrintedFor(unreal), "");
+}
+
+TEST(EngineSummary, NamesTheFieldsOfUnity) {
+  EngineExport unity = ExportTo("unity");
+  unity.figures.unity = host::UnityFigures{
+      {0.1, 0.2, 0.3}, {0, 0, 0.6, 0.8}, {10, -20, 30}, host::UnityLens{}, "-x,y,z"};
+  unity.figures.unity->lens->lensShift = {-0.01, 0.02};
+  EXPECT_NE(
+      SummaryOf(unity).find(
+          "  axes of the parent, reported             -x            y            z\n"
+          "  localPosition, m                   0.100000     0.200000     0.300000\n"
+          "  localEulerAngles, deg               10.0000     -20.0000      30.0000\n"
+          "                                            X            Y            Z            W\n"
+          "  localRotation                     0.0000000    0.0000000    0.6000000    0.8000000\n"),
+      std::string::npos);
+  EXPECT_NE(SummaryOf(unity).find("  lensShift                        -0.0100000    0.0200000\n"),
+            std::string::npos);
+}
+
 TEST(EngineSummary, OfAFailureHasNoFigures) {
   EngineExport ue4;
   ue4.engine = &EngineNamed("ue4");

@@ -17,6 +17,14 @@ constexpr const char* kGimbalLocked = R"({
   "code": 0, "normFocal": [0.5, 1], "normCenter": [0.5, 0.5],
   "transformCamTc": [1, 0, 0, 0.1, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]})";
 
+std::vector<double> Numbers(const ProgramRun& run, const char* key) {
+  return Json::parse(run.out)[key].get<std::vector<double>>();
+}
+
+auto ElementsAreNear(std::vector<double> expected) {
+  return testing::Pointwise(testing::DoubleNear(1e-12), std::move(expected));
+}
+
 class HostProgramExport : public testing::Test {
  protected:
   HostProgramExport() { test::WriteFile(folder.File("result.json"), kGimbalLocked); }
@@ -70,6 +78,62 @@ TEST_F(HostProgramExport, ToAximmetryWarnsOfGimbalLock) {
   EXPECT_THAT(
       run.out,
       HasSubstr("  rotation, deg                       90.0000       0.0000       0.0000\n"));
+}
+
+TEST_F(HostProgramExport, ToUnrealAndUnityKnowsNoGimbalLock) {
+  for (const char* engine : {"unreal", "unity"}) {
+    const ProgramRun run = Export(engine, {"--json"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.error, HasSubstr("does not tell the lens in full (imageSize, distortion and "
+                                     "the sensor in inputs.sensorMm)"));
+    EXPECT_EQ(Json::parse(run.out)["lens"], nullptr);
+  }
+  EXPECT_THAT(Numbers(Export("unreal", {"--json"}), "locationCm"), ElementsAreNear({20, -10, 30}));
+  EXPECT_FALSE(fs::exists(folder.Path() / "run_001"));  // no library, no log
+}
+
+TEST_F(HostProgramExport, TakesTheAxesOfTheParent) {
+  const auto position = [&](const std::vector<std::string>& more) {
+    return Numbers(Export("unity", more), "localPosition");
+  };
+  EXPECT_THAT(position({"--json"}), ElementsAreNear({-0.1, 0.3, 0.2}));
+  EXPECT_THAT(position({"--json", "--parent-axes", "minus-z-forward"}),
+              ElementsAreNear({0.1, 0.3, -0.2}));
+  EXPECT_THAT(position({"--json", "--parent-axes", "-z,x,y"}), ElementsAreNear({-0.2, 0.1, 0.3}));
+  const ProgramRun rightHanded = Export("unity", {"--parent-axes", "x,y,z"});
+  EXPECT_EQ(rightHanded.status, 2);
+  EXPECT_THAT(rightHanded.error, HasSubstr("--parent-axes: x,y,z is right-handed"));
+  const ProgramRun ue4 = Export("ue4", {"--parent-axes", "z,-x,y"});
+  EXPECT_EQ(ue4.status, 2);
+  EXPECT_THAT(ue4.error, HasSubstr("--parent-axes: is for unreal and unity"));
+}
+
+TEST_F(HostProgramExport, WritesALensFile) {
+  test::WriteFile(folder.File("result.json"),
+                  R"({"code": 0, "imageSize": [1920, 1080], "normFocal": [0.5, 1],
+  "normCenter": [0.5, 0.5], "distortion": [-0.1, 0, 0, 0, 0], "inputs": {"sensorMm": [36, 20]},
+  "transformCamTc": [1, 0, 0, 0.1, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]})");
+  const ProgramRun run = Export("unreal", {"--out", "lenses/prime.ulens"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.error, HasSubstr("prime.ulens\n"));
+  const Json lens = Json::parse(test::ReadFile(folder.File("lenses/prime.ulens")));
+  EXPECT_EQ(lens["metadata"]["name"], "prime");
+  EXPECT_EQ(lens["cameraParameterTables"].size(), 4U);
+
+  const auto error = [&](const std::string& engine, const std::string& out) {
+    const ProgramRun wrong = Export(engine, {"--out", out});
+    EXPECT_EQ(wrong.status, 2);
+    return wrong.error;
+  };
+  EXPECT_THAT(error("unity", "lens.ulens"), HasSubstr("--out: unity reads no file"));
+  EXPECT_THAT(error("unreal", "lens.json"), HasSubstr("does not end in .ulens"));
+}
+
+TEST_F(HostProgramExport, WritesNoLensFileWithoutALens) {
+  const ProgramRun run = Export("unreal", {"--out", "lens.ulens"});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.error, HasSubstr("the lens is not known, so there is no lens file to write"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "lens.ulens"));
 }
 
 TEST_F(HostProgramExport, LogsBesideTheResultOrWhereTold) {

@@ -143,11 +143,27 @@ TEST(OptionValues, EnginesGoByName) {
               ElementsAre(&host::kEngines[0], &host::kEngines[3]));
   for (const char* text : {"", "UE4", "ue4,ue5"}) {
     EXPECT_EQ(ErrorOf(ParseEngine, text),
-              "--option: " + std::string(text) + " is not one of ue4, ue5, ue5-xn, aximmetry");
+              "--option: " + std::string(text) +
+                  " is not one of ue4, ue5, ue5-xn, aximmetry, unreal, unity");
   }
   EXPECT_EQ(ErrorOf(ParseEngines, "ue4,ue3"),
-            "--option: ue3 is not one of ue4, ue5, ue5-xn, aximmetry");
+            "--option: ue3 is not one of ue4, ue5, ue5-xn, aximmetry, unreal, unity");
   EXPECT_NE(ErrorOf(ParseEngines, "ue4,"), "no error");
+}
+
+TEST(OptionValues, AxesOfAnEngineGoByNameOrByLetters) {
+  EXPECT_EQ(ParseParentAxesText("--option", "-z,x,y"), "-z,x,y");
+  EXPECT_EQ(ParseParentAxesText("--option", "minus-z-forward"), "minus-z-forward");
+  EXPECT_EQ(ErrorOf(ParseParentAxesText, "x,y,z").find("--option: x,y,z is right-handed"), 0U);
+  EXPECT_EQ(ParseTrackerAxes("--option", "unity")->name, "unity");
+  EXPECT_EQ(ErrorOf(ParseTrackerAxes, "Unity"),
+            "--option: Unity is not one of reported, unreal, unity");
+  EXPECT_EQ(ParseTrackerUnit("--option", "mm")->unitsPerMetre, 1000);
+  EXPECT_EQ(ErrorOf(ParseTrackerUnit, "inch"), "--option: inch is not one of m, cm, mm");
+  EXPECT_TRUE(ParseMountingAxes("--option", "reported"));
+  EXPECT_FALSE(ParseMountingAxes("--option", "fixed"));
+  EXPECT_EQ(ErrorOf(ParseMountingAxes, "tracker"),
+            "--option: tracker is not one of fixed, reported");
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ class EngineExportTest : public testing::Test {
     outputs.normFocal = {0.5, 1};
     outputs.normCenter = {0.5, 0.5};
     outputs.transformCamTc = transformCamTc;
-    return ExportToEngine(EngineNamed(engine), outputs, folder.Path() / engine);
+    return ExportToEngine(EngineNamed(engine), {outputs, {}, {}}, folder.Path() / engine);
   }
 
   test::TemporaryFolder folder;

@@ -27,6 +27,12 @@ forward, right, down = number(r"(\d+) cm in front"), number(r"(\d+) cm to its ri
 pan, tilt, roll = number(r"panned (\d+)°"), number(r"tilted (\d+)°"), number(r"rolled (\d+)°")
 focal, shift_right = number(r"lens is ([\d.]+) image widths"), number(r"lies ([\d.]+) image widths to the right")
 shift_up = number(r"and ([\d.]+) image heights above")
+k1, k2 = number(r"k1 is (-[\d.]+)"), number(r"k2 is ([\d.]+)\. ")
+width, height = number(r"picture has (\d+)×"), number(r"picture has \d+×(\d+)")
+sensor = [number(r"the sensor (\d+) by"), number(r"the sensor \d+ by ([\d.]+) mm")]
+# One focal length in millimetres serves both directions, and half a pixel lies before the first one's centre.
+fx_fy = [focal, focal * sensor[0] / sensor[1]]
+centre = [0.5 + shift_right + 0.5 / width, 0.5 - shift_up + 0.5 / height]
 
 
 def quaternion(*turns):
@@ -50,7 +56,26 @@ EXPECTED = {
     "aximmetry": {"translationCm": [right, down, -forward], "rotationDeg": [-tilt, pan, -roll],
                   "fovX": [math.degrees(2 * math.atan(0.5 / focal))],
                   "lensCentre": [shift_right, shift_up]},
+    "unreal": {"locationCm": [forward, right, -down], "rotationDeg": [roll, tilt, pan],
+               "quaternionXyzw": quaternion(((0, 0, 1), pan), ((0, -1, 0), tilt), ((-1, 0, 0), roll)),
+               "lens.filmbackMm": sensor, "lens.focalLengthMm": [focal * sensor[0]], "lens.fxFy": fx_fy,
+               "lens.imageCenter": centre, "lens.imageSize": [width, height],
+               "lens.distortion": [k1, k2, 0, 0, 0]},
+    "unity": {"localPosition": [right / 100, -down / 100, forward / 100],
+              "localEulerAngles": [-tilt, pan, -roll],
+              "localRotationXyzw": quaternion(((0, 1, 0), pan), ((1, 0, 0), -tilt), ((0, 0, 1), -roll)),
+              "lens.sensorSize": sensor, "lens.focalLength": [focal * sensor[0]],
+              "lens.lensShift": [0.5 - centre[0], centre[1] - 0.5]},
 }
+
+
+def figures_at(json_text, key):
+    """The numbers at a dotted key: of a list, of an object in its order, or the one alone."""
+    value = json.loads(json_text)
+    for part in key.split("."):
+        value = value[part]
+    return list(value.values()) if isinstance(value, dict) else value if isinstance(value, list) else [value]
+
 
 faults = []
 with tempfile.TemporaryDirectory() as scratch:
@@ -59,13 +84,14 @@ with tempfile.TemporaryDirectory() as scratch:
         text = subprocess.run(command, check=True, capture_output=True, encoding="utf-8").stdout
         if text not in examples:
             faults.append(f"{name}: the page does not show\n{text}")
-        figures = json.loads(subprocess.run([*command, "--json"], check=True, capture_output=True).stdout)
+        as_json = subprocess.run([*command, "--json"], check=True, capture_output=True).stdout
         for key, values in expected.items():
-            if len(figures[key]) != len(values) or any(
-                    abs(a - b) > 1e-4 for a, b in zip(figures[key], values)):
-                faults.append(f"{name}: {key} is {figures[key]}, the words say {values}")
+            figures = figures_at(as_json, key)
+            if len(figures) != len(values) or any(abs(a - b) > 1e-4 for a, b in zip(figures, values)):
+                faults.append(f"{name}: {key} is {figures}, the words say {values}")
     subprocess.run([sys.executable, engines / "draw_axes.py", program, scratch], check=True)
-    for name in EXPECTED:
+    for picture in engines.glob("*.svg"):
+        name = picture.stem
         if (pathlib.Path(scratch) / f"{name}.svg").read_bytes() != (engines / f"{name}.svg").read_bytes():
             faults.append(f"docs/engines/{name}.svg is not what draw_axes.py draws")
 

@@ -1,0 +1,123 @@
+#include "host/engines/unreal.h"
+
+#include <cmath>
+#include <stdexcept>
+
+#include "host/text/json_file.h"
+#include "host/text/number_text.h"
+
+namespace trackedcam::host {
+namespace {
+
+using Eigen::Matrix3d;
+using Json = nlohmann::ordered_json;
+
+// rotation = Rz(yaw) * Ry(-pitch) * Rx(-roll). The roll is taken from what the yaw leaves, so that
+// it is right where the yaw is free.
+std::vector<double> RollPitchYaw(const Matrix3d& rotation) {
+  const double yaw = std::atan2(rotation(1, 0), rotation(0, 0));
+  const double c = std::cos(yaw);
+  const double s = std::sin(yaw);
+  const double pitch = std::atan2(rotation(2, 0), c * rotation(0, 0) + s * rotation(1, 0));
+  const double roll =
+      -std::atan2(s * rotation(0, 2) - c * rotation(1, 2), c * rotation(1, 1) - s * rotation(0, 1));
+  constexpr double kDegrees = 180 / EIGEN_PI;
+  return {roll * kDegrees, pitch * kDegrees, yaw * kDegrees};
+}
+
+Json LensJson(const EngineLens& lens) {
+  return {
+      {"model", "Spherical"},
+      {"imageSize", lens.imageSize},
+      {"filmbackMm", lens.filmbackMm},
+      {"focalLengthMm", lens.focalLengthMm},
+      {"fxFy", lens.fxFy},
+      {"imageCenter", lens.imageCenter},
+      {"distortion",
+       {{"K1", lens.k1}, {"K2", lens.k2}, {"K3", lens.k3}, {"P1", lens.p1}, {"P2", lens.p2}}},
+  };
+}
+
+// One row at focus 0 and zoom 0: the only one, so it holds for all. Plain decimals, since not every
+// version of the editor reads exponents.
+Json TableJson(const char* name, const std::string& columns, const std::vector<double>& figures) {
+  std::string row = "0, 0";
+  for (const double figure : figures) {
+    row += ", " + Fixed(figure, 9);
+  }
+  return {
+      {"parameterName", name}, {"header", "FocusEncoder, ZoomEncoder, " + columns}, {"data", row}};
+}
+
+// The file counts the nodal offset along x right, y down, z forward on both sides; the editor turns
+// it into its own axes on import.
+std::vector<double> NodalOffset(const UnrealFigures& figures) {
+  const std::vector<double>& q = figures.quaternionXyzw;
+  const std::vector<double>& t = figures.locationCm;
+  return {-q[1], q[2], -q[0], q[3], t[1], -t[2], t[0]};
+}
+
+}  // namespace
+
+UnrealFigures ToUnreal(const HandOver& handOver) {
+  constexpr double kCentimetresPerMetre = 100;
+  const ParentAxes axes = ParseParentAxes(
+      handOver.parentAxes.empty() ? kUnrealParentAxes : handOver.parentAxes, kUnrealParentAxes);
+  const CameraPlacement placement =
+      InEngineAxes(PlacementInReportedAxes(handOver.calibration.transformCamTc), axes.fromReported,
+                   ForwardRightUp());
+  const Eigen::Vector3d location = placement.position * kCentimetresPerMetre;
+  UnrealFigures figures;
+  figures.locationCm = {location.x(), location.y(), location.z()};
+  figures.rotationDeg = RollPitchYaw(placement.rotation);
+  figures.quaternionXyzw = QuaternionXyzw(placement.rotation);
+  figures.lens = LensOf(handOver);
+  figures.parentAxes = axes.text;
+  return figures;
+}
+
+Json UnrealJson(const UnrealFigures& figures) {
+  return {
+      {"parentAxes", figures.parentAxes},
+      {"locationCm", NumbersJson(figures.locationCm)},
+      {"rotationDeg", NumbersJson(figures.rotationDeg)},
+      {"quaternionXyzw", NumbersJson(figures.quaternionXyzw)},
+      {"lens", figures.lens ? LensJson(*figures.lens) : Json(nullptr)},
+  };
+}
+
+std::string LensFileText(const UnrealFigures& figures, const std::string& name) {
+  if (!figures.lens) {
+    throw std::runtime_error("the lens is not known, so there is no lens file to write");
+  }
+  const EngineLens& lens = *figures.lens;
+  const Json empty = Json::array();
+  const auto encoder = [](const char* table, const char* columns) {
+    return Json{{"parameterName", table}, {"header", columns}, {"data", ""}};
+  };
+  return JsonText({
+      {"metadata",
+       {{"type", "LensFile"},
+        {"version", "0.0.0"},
+        {"lensInfo", {{"serialNumber", ""}, {"modelName", name}, {"distortionModel", "Spherical"}}},
+        {"name", name},
+        {"nodalOffsetCoordinateSystem", "OpenCV"},
+        {"fxFyUnits", "Normalized"},
+        {"cxCyUnits", "Normalized"},
+        {"userMetadata", empty}}},
+      {"sensorDimensions",
+       {{"width", lens.filmbackMm[0]}, {"height", lens.filmbackMm[1]}, {"units", "Millimeters"}}},
+      {"imageDimensions", {{"width", lens.imageSize[0]}, {"height", lens.imageSize[1]}}},
+      {"cameraParameterTables",
+       Json::array(
+           {TableJson("FocalLengthTable", "Fx, Fy", {lens.fxFy[0], lens.fxFy[1]}),
+            TableJson("ImageCenterTable", "Cx, Cy", {lens.imageCenter[0], lens.imageCenter[1]}),
+            TableJson("NodalOffsetTable", "Qx, Qy, Qz, Qw, Tx, Ty, Tz", NodalOffset(figures)),
+            TableJson("DistortionTable", "K1, K2, K3, P1, P2",
+                      {lens.k1, lens.k2, lens.k3, lens.p1, lens.p2})})},
+      {"encoderTables", Json::array({encoder("Focus", "FocusEncoder, FocusCM"),
+                                     encoder("Iris", "IrisEncoder, IrisFstop")})},
+  });
+}
+
+}  // namespace trackedcam::host
