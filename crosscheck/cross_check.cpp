@@ -22,7 +22,6 @@ namespace trackedcam::crosscheck {
 namespace {
 
 constexpr int kSamples = 100;
-constexpr double kMostAmplification = 10;  // beyond it no mounting is worth passing on
 constexpr double kDegree = EIGEN_PI / 180;
 
 void Require(bool holds, const char* message) {

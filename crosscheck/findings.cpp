@@ -23,7 +23,6 @@ constexpr double kNoisyDegrees = 0.2;
 constexpr double kHopelessMm = 20;  // such noise is no noise
 constexpr double kHopelessDegrees = 2;
 constexpr double kLittleTurning = 5;  // amplification
-constexpr double kTooLittleTurning = 10;
 constexpr double kWorthSquare = 0.01;
 constexpr double kSquareSpread = 0.05;  // metres that the chart must have moved
 
@@ -79,7 +78,7 @@ class Collector {
            check_.trackerNoiseMm < kHopelessMm && check_.trackerNoiseDegrees < kHopelessDegrees;
   }
 
-  bool Turns() const { return check_.diversity.amplification <= kTooLittleTurning; }
+  bool Turns() const { return check_.diversity.amplification <= kMostAmplification; }
 
   void TooLittleTurning() {
     const double amplification = check_.diversity.amplification;
@@ -89,7 +88,7 @@ class Collector {
     const Diversity& diversity = check_.diversity;
     const Eigen::Vector3d& axis = diversity.turnAboutInChart;
     Add(FindingId::kTooLittleTurning,
-        amplification > kTooLittleTurning ? Severity::kError : Severity::kWarning,
+        amplification > kMostAmplification ? Severity::kError : Severity::kWarning,
         {{"amplification", amplification},
          {"turnDegrees", diversity.turnDegrees},
          {"axisX", axis.x()},

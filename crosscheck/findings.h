@@ -11,6 +11,8 @@
 
 namespace trackedcam::crosscheck {
 
+constexpr double kMostAmplification = 10;  // beyond it no mounting is worth passing on
+
 /// What findings need beyond the result itself.
 struct Grounds {
   std::optional<Reading> reading;

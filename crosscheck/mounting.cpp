@@ -1,6 +1,5 @@
 #include "crosscheck/mounting.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace trackedcam::crosscheck {

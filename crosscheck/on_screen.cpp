@@ -1,8 +1,7 @@
 #include "crosscheck/on_screen.h"
 
+#include <algorithm>
 #include <cmath>
-
-#include <Eigen/Eigenvalues>
 
 #include "crosscheck/comparison.h"
 #include "crosscheck/distributions.h"

@@ -8,7 +8,7 @@ namespace trackedcam::test {
 namespace {
 
 constexpr std::uint64_t kFirstSeed = 500;
-constexpr int kShoots = 20;
+constexpr int kShoots = 12;
 
 TEST(CoverageTest, TheTruthLiesInTheIntervals) {
   int covered = 0;
