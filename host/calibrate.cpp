@@ -7,19 +7,14 @@
 #include "host/input/data_checks.h"
 #include "host/input/input_error.h"
 #include "host/input/photograph_checks.h"
+#include "host/input/row_words.h"
 #include "host/run/run_folder.h"
-#include "host/text/file_text.h"
 #include "host/verdict/cross_check_findings.h"
 #include "host/verdict/observations.h"
 #include "host/verdict/run_findings.h"
 
 namespace trackedcam::host {
 namespace {
-
-void SortBySeverity(std::vector<Finding>& findings) {
-  std::stable_sort(findings.begin(), findings.end(),
-                   [](const Finding& a, const Finding& b) { return a.severity < b.severity; });
-}
 
 void Append(std::vector<Finding>& findings, const std::vector<Finding>& more) {
   findings.insert(findings.end(), more.begin(), more.end());
@@ -45,7 +40,7 @@ void Judge(Report& report, const std::vector<Finding>& ofInput) {
   report.findings = ofInput;
   CrossCheckRun(report);
   Append(report.findings, FindingsOf(report.run));
-  SortBySeverity(report.findings);
+  SortFindings(report.findings);
   report.verdict = VerdictOf(report.run, report.findings);
 }
 
@@ -66,8 +61,9 @@ struct Shoot {
 
 Shoot ReadShoot(const Inputs& inputs) {
   Shoot shoot;
-  const std::vector<DataRow> all = InReportedAxes(ReadDataFile(inputs.data), inputs.trackerFrame);
-  shoot.findings = CheckData(ReadFile(inputs.data), all);
+  const std::string content = ReadDataContent(inputs.data);
+  const std::vector<DataRow> all = InReportedAxes(ReadRows(content), inputs.trackerFrame);
+  shoot.findings = CheckData(content, all);
   const PhotographChecks checks = CheckPhotographs(all, inputs);
   Append(shoot.findings, checks.findings);
   for (std::size_t row = 0; row < all.size(); ++row) {
@@ -75,9 +71,10 @@ Shoot ReadShoot(const Inputs& inputs) {
       shoot.rows.push_back(all[row]);
     }
   }
-  if (shoot.rows.empty()) {
-    throw InputError(shoot.findings.front().text);
+  if (shoot.rows.empty() && !shoot.findings.empty()) {
+    throw InputError(shoot.findings.front().text + ' ' + shoot.findings.front().advice);
   }
+  RequireRows(inputs.data, all);
   return shoot;
 }
 

@@ -88,8 +88,7 @@ std::string ReadDataContent(const fs::path& data) {
   }
 }
 
-std::vector<DataRow> ReadDataFile(const fs::path& data) {
-  std::vector<DataRow> rows = ReadRows(ReadDataContent(data));
+void RequireRows(const fs::path& data, const std::vector<DataRow>& rows) {
   if (rows.empty()) {
     throw InputError(data.u8string() +
                      " has no row: record one row of tracker data for each photograph");
@@ -97,6 +96,11 @@ std::vector<DataRow> ReadDataFile(const fs::path& data) {
   if (rows.size() > kMostRows) {
     throw InputError(data.u8string() + " has more than a million rows, far more than any shoot");
   }
+}
+
+std::vector<DataRow> ReadDataFile(const fs::path& data) {
+  std::vector<DataRow> rows = ReadRows(ReadDataContent(data));
+  RequireRows(data, rows);
   return rows;
 }
 

@@ -27,7 +27,10 @@ std::vector<DataRow> ReadRows(const std::string& content);
 std::string ReadDataContent(const std::filesystem::path& data);
 
 /// The rows of the file.
-/// @throws InputError as ReadDataContent does, and when there is no row or a million of them.
+/// @throws InputError when there is no row, or a million of them.
+void RequireRows(const std::filesystem::path& data, const std::vector<DataRow>& rows);
+
+/// @throws InputError as ReadDataContent and RequireRows do.
 std::vector<DataRow> ReadDataFile(const std::filesystem::path& data);
 
 /// The row with another path in its second field.

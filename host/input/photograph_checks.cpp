@@ -107,7 +107,7 @@ Finding& Add(std::vector<Finding>& findings, const char* id, Severity severity,
 void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& findings) {
   const auto words = [&](const Names& names) { return PhotographWords(names, sorted.all); };
   if (!sorted.noFile.empty()) {
-    Add(findings, "notAFile", Severity::kError,
+    Add(findings, "notAFile", SeverityOfDropped(sorted.noFile.size(), sorted.all),
         "A pipe, a device or a folder stands where a photograph must, and is left out: " +
             words(sorted.noFile) + ".",
         "Name picture files in the second field.", sorted.noFile);
@@ -117,17 +117,17 @@ void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& 
     for (const std::string& name : sorted.huge) {
       names.push_back(name.substr(0, name.rfind(" (")));
     }
-    Add(findings, "hugePhotograph", Severity::kError,
+    Add(findings, "hugePhotograph", SeverityOfDropped(sorted.huge.size(), sorted.all),
         "More than 200 megapixels are too many, and left out: " + words(sorted.huge) + ".",
         "Use the picture size of the video.", names);
   }
   if (!sorted.missing.empty()) {
-    Add(findings, "missingPhotographs", SeverityOf(sorted.missing.size(), sorted.all),
+    Add(findings, "missingPhotographs", SeverityOfDropped(sorted.missing.size(), sorted.all),
         "Photographs cannot be found: " + words(sorted.missing) + ".",
         AdviceOnMissing(sorted.missing.front(), inputs), sorted.missing);
   }
   if (!sorted.unreadable.empty()) {
-    Add(findings, "unreadablePhotographs", SeverityOf(sorted.unreadable.size(), sorted.all),
+    Add(findings, "unreadablePhotographs", SeverityOfDropped(sorted.unreadable.size(), sorted.all),
         "Photographs are empty or cannot be read: " + words(sorted.unreadable) + ".",
         "Copy them again.", sorted.unreadable);
   }

@@ -44,6 +44,10 @@ Severity SeverityOf(std::size_t some, std::size_t all) {
                                                                          : Severity::kWarning;
 }
 
+Severity SeverityOfDropped(std::size_t some, std::size_t all) {
+  return SeverityOf(some, all) == Severity::kError ? Severity::kError : Severity::kNote;
+}
+
 Finding RowFinding(const FaultWords& words, const RowList& rows, std::size_t all) {
   Finding finding;
   finding.id = words.id;

@@ -23,6 +23,9 @@ std::string PhotographWords(const std::vector<std::string>& photographs, std::si
 /// that the result cannot be right.
 Severity SeverityOf(std::size_t some, std::size_t all);
 
+/// Of photographs that drop out before they can do harm: a note for a few of them.
+Severity SeverityOfDropped(std::size_t some, std::size_t all);
+
 /// What is said of a fault: "<before>rows 3 and 4<after>".
 struct FaultWords {
   const char* id;

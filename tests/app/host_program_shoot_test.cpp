@@ -24,7 +24,7 @@ class HostProgramShoot : public testing::Test {
 
   ProgramRun Simulate(std::vector<std::string> more = {}) {
     std::vector<std::string> arguments = {"simulate", "shoot",   "--photographs",
-                                          "14",       "--image", "960x540"};
+                                          "20",       "--image", "640x360"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return Run(arguments);
   }
@@ -46,7 +46,7 @@ TEST_F(HostProgramShoot, SimulateNamesTheNextCommand) {
   const ProgramRun run = Simulate();
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.error, "");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("14 photographs"),
+  EXPECT_THAT(run.out, AllOf(HasSubstr("20 photographs"),
                              HasSubstr("trackedcam calibrate --config " +
                                        (fs::path("shoot") / "shoot.toml").u8string() + "\n")));
 }
@@ -69,7 +69,7 @@ TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
   for (const int i : {3, 7, 11}) {
     EXPECT_NEAR(result["transformCamTc"][i], truth["transformCamTc"][i].get<double>(), 0.002);
   }
-  EXPECT_EQ(result["used"].size() + result["dropped"].size(), 14U);
+  EXPECT_EQ(result["used"].size() + result["dropped"].size(), 20U);
   EXPECT_LT(result["reprojectionErrorPixels"], 1);
 }
 
@@ -104,7 +104,7 @@ TEST_F(HostProgramShoot, CanBeMoved) {
 }
 
 TEST_F(HostProgramShoot, TakesNamesOfAnyLanguage) {
-  ASSERT_EQ(Run({"simulate", "撮影é", "--photographs", "14", "--image", "960x540"}).status, 0);
+  ASSERT_EQ(Run({"simulate", "撮影é", "--photographs", "20", "--image", "640x360"}).status, 0);
   const ProgramRun run = Run({"calibrate", "--config", "撮影é/shoot.toml", "--log-folder", "記録é",
                               "--result", "résultat_結果.json"});
   EXPECT_EQ(run.status, 0) << run.error;
@@ -121,7 +121,7 @@ TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   fs::create_directory(folder.Path() / "elsewhere");
   fs::rename(folder.Path() / "shoot" / "photos", folder.Path() / "elsewhere" / "photos");
   EXPECT_EQ(Calibrate().status, 1);
-  EXPECT_EQ(Read("result.json")["dropped"].size(), 14U);
+  EXPECT_EQ(Read("result.json")["dropped"].size(), 20U);
   EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);
 }
 
@@ -150,7 +150,7 @@ TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
 }
 
 TEST_F(HostProgramShoot, OfAFailedCalibrationGoesToNoEngine) {
-  Simulate({"--not-an-image", "3"});
+  Simulate({"--not-an-image", "9"});
   const ProgramRun run = Calibrate({"--export", "ue5"});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
@@ -162,11 +162,11 @@ TEST_F(HostProgramShoot, OfAFailedCalibrationGoesToNoEngine) {
 }
 
 TEST_F(HostProgramShoot, FailsWithFewPhotographs) {
-  Simulate({"--not-an-image", "3"});
+  Simulate({"--not-an-image", "9"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.error, "trackedcam: error 4: Fewer than 12 photographs can be used.\n");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Photographs: 11 of 14 used"), HasSubstr("Next: ")));
+  EXPECT_THAT(run.out, AllOf(HasSubstr("Photographs: 11 of 20 used"), HasSubstr("Next: ")));
   const Json result = Read("result.json");
   EXPECT_EQ(result["code"], 4);
   EXPECT_EQ(result["message"], "Amount of valid images < 12.");
@@ -189,7 +189,7 @@ TEST_F(HostProgramShoot, FailsWhenNoRecordsAreExpected) {
   Simulate();
   const ProgramRun run = Calibrate({"--expected-records", "0"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.out, HasSubstr("Next: Leave out --expected-records"));
+  EXPECT_THAT(run.out, HasSubstr("Next: Leave out the number of expected records"));
   EXPECT_EQ(Read("result.json")["code"], 7);
   EXPECT_EQ(Read("result.json")["transformCamTc"], Json::array());
 }
@@ -198,7 +198,8 @@ TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
   Simulate({"--tracker-noise-mm", "8"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.error, "trackedcam: warning: Usable, but a new calibration is recommended.\n");
+  EXPECT_THAT(run.error, HasSubstr("trackedcam: warning: Calibrated, with a doubt"));
+  EXPECT_THAT(run.out, HasSubstr("  warning: The trackers are noisy: "));
   EXPECT_EQ(Read("result.json")["code"], 99);
   EXPECT_EQ(Read("result.json")["message"], "Recalibration is recommended.");
 }
@@ -211,19 +212,11 @@ TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
   test::WriteFile(folder.File("shoot/tracker_data.csv"), data);
   const ProgramRun run = Calibrate({"--export", "ue5"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.error, "trackedcam: error 0: The transform is not a number.\n");
+  EXPECT_EQ(run.error,
+            "trackedcam: error: The transform is not a number. A figure is nan or infinite in all "
+            "20 rows; one such row can spoil the whole result.\n");
   EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
   EXPECT_TRUE(Read("result.json")["transformCamTc"][3].is_null());
-}
-
-TEST_F(HostProgramShoot, AnExceptionIsAResultToo) {
-  Simulate();
-  test::WriteFile(folder.File("shoot/result.json"), "of an earlier run");
-  test::WriteFile(folder.File("shoot/tracker_data.csv"),
-                  "1,\xFF.jpg,1,1,1,1,1,1,1,1,1,1,1,1,1,1\n");
-  EXPECT_EQ(Calibrate().status, 1);
-  EXPECT_TRUE(Read("result.json")["code"].is_null());
-  EXPECT_EQ(Read("result.json")["message"], "bad conversion");
 }
 
 }  // namespace

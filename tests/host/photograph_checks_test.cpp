@@ -156,7 +156,7 @@ TEST_F(PhotographChecksTest, TakeTwoHundredMegapixels) {
 
 TEST_F(PhotographChecksTest, LeaveOutFolders) {
   Name("photos");
-  ExpectTheFinding("notAFile", Severity::kError,
+  ExpectTheFinding("notAFile", Severity::kNote,
                    "A pipe, a device or a folder stands where a photograph must, and is left out: "
                    "photos.");
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
@@ -181,7 +181,7 @@ TEST_F(PhotographChecksTest, LeaveOutPathsThatAreNotUtf8) {
 
 TEST_F(PhotographChecksTest, FindEmptyOnesAndUnknownFormats) {
   Add("photos/5.jpg", "");
-  ExpectTheFinding("unreadablePhotographs", Severity::kWarning,
+  ExpectTheFinding("unreadablePhotographs", Severity::kNote,
                    "Photographs are empty or cannot be read: photos/5.jpg.");
   rows.pop_back();
   Add("photos/6.jpg", "no picture");
@@ -192,7 +192,7 @@ TEST_F(PhotographChecksTest, FindEmptyOnesAndUnknownFormats) {
 
 TEST_F(PhotographChecksTest, FindMissingOnes) {
   Name("photos/5.jpg");
-  ExpectTheFinding("missingPhotographs", Severity::kWarning,
+  ExpectTheFinding("missingPhotographs", Severity::kNote,
                    "Photographs cannot be found: photos/5.jpg.");
   EXPECT_EQ(TheFinding().advice,
             "Put the photographs where the data file says, or correct its second field.");

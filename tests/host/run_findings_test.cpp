@@ -6,7 +6,7 @@ namespace trackedcam::host {
 namespace {
 
 // So many photographs in which the board was found, and so many of them used.
-LibraryRun Run(std::size_t seen, std::size_t used) {
+LibraryRun RunWith(std::size_t seen, std::size_t used) {
   LibraryRun run;
   run.code = 0;
   run.outputs.transformCamTc.assign(16, 0.5);
@@ -18,15 +18,15 @@ LibraryRun Run(std::size_t seen, std::size_t used) {
 }
 
 TEST(RunFindings, TellOfFewUsedPhotographs) {
-  EXPECT_TRUE(FindingsOf(Run(20, 8)).empty());
-  EXPECT_TRUE(FindingsOf(Run(24, 8)).empty());
-  for (const LibraryRun& run : {Run(14, 2), Run(14, 7), Run(25, 8)}) {
+  EXPECT_TRUE(FindingsOf(RunWith(20, 8)).empty());
+  EXPECT_TRUE(FindingsOf(RunWith(24, 8)).empty());
+  for (const LibraryRun& run : {RunWith(14, 2), RunWith(14, 7), RunWith(25, 8)}) {
     const std::vector<Finding> findings = FindingsOf(run);
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].id, "fewUsed");
     EXPECT_EQ(findings[0].severity, Severity::kWarning);
   }
-  EXPECT_EQ(FindingsOf(Run(14, 2))[0].text,
+  EXPECT_EQ(FindingsOf(RunWith(14, 2))[0].text,
             "The result rests on 2 of 14 photographs in which the board was found.");
 }
 

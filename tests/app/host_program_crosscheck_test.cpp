@@ -1,0 +1,240 @@
+// Whole runs of the program on shoots with a known truth, some of them spoiled.
+
+#include <cmath>
+#include <functional>
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "host/result/transform_difference.h"
+#include "host_program.h"
+
+namespace trackedcam::app {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class CrosscheckShoot : public testing::Test {
+ protected:
+  void Simulate(std::vector<std::string> more) {
+    std::vector<std::string> arguments = {"simulate", "shoot",   "--photographs",
+                                          "40",       "--image", "640x360"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    ASSERT_EQ(RunHostProgram(folder.Path(), arguments).status, 0);
+  }
+
+  // With noise as good trackers have it.
+  void SimulateNoisy(std::vector<std::string> more) {
+    more.insert(more.end(), {"--tracker-noise-mm", "0.3", "--tracker-noise-degrees", "0.05"});
+    Simulate(more);
+  }
+
+  ProgramRun Calibrate(std::vector<std::string> more = {}) {
+    std::vector<std::string> arguments = {"calibrate", "--config", "shoot/shoot.toml",
+                                          "--no-report"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunHostProgram(folder.Path(), arguments);
+  }
+
+  // Takes a line out of the configuration, or changes it.
+  void Configure(const std::string& key, const std::string& line) {
+    std::istringstream config(test::ReadFile(folder.File("shoot/shoot.toml")));
+    std::string changed;
+    for (std::string old; std::getline(config, old);) {
+      changed += (old.rfind(key + " ", 0) == 0 ? line : old) + '\n';
+    }
+    test::WriteFile(folder.File("shoot/shoot.toml"), changed);
+  }
+
+  void LeaveOutTheMounting() {
+    Configure("chart-rotation", "");
+    Configure("chart-translation", "");
+  }
+
+  // Rewrites each row of the data file, split into its fields.
+  using Fields = std::vector<std::string>;
+  void ChangeRows(const std::function<void(Fields&)>& change) {
+    std::istringstream data(test::ReadFile(folder.File("shoot/tracker_data.csv")));
+    std::string changed;
+    for (std::string line; std::getline(data, line);) {
+      Fields fields;
+      std::istringstream row(line);
+      for (std::string field; std::getline(row, field, ',');) {
+        fields.push_back(field);
+      }
+      if (line.front() != 'T') {
+        change(fields);
+      }
+      for (std::size_t i = 0; i < fields.size(); ++i) {
+        changed += (i == 0 ? "" : ",") + fields[i];
+      }
+      changed += '\n';
+    }
+    test::WriteFile(folder.File("shoot/tracker_data.csv"), changed);
+  }
+
+  Json Result() const { return Json::parse(test::ReadFile(folder.File("shoot/result.json"))); }
+
+  host::TransformDifference OffTheTruth(const Json& result) const {
+    const Json truth = Json::parse(test::ReadFile(folder.File("shoot/truth.json")));
+    return host::Difference(result["transformCamTc"], truth["transformCamTc"]);
+  }
+
+  void ExpectCloseToTheTruth() {
+    const auto off = OffTheTruth(Result());
+    EXPECT_LT(off.millimetres, 1);
+    EXPECT_LT(off.degrees, 0.1);
+  }
+
+  // The detail of the finding with that id in the result; "none" where there is no such finding.
+  std::string DetailOf(const std::string& id) const {
+    for (const Json& finding : Result()["findings"]) {
+      if (finding["id"] == id) {
+        return finding.value("detail", "");
+      }
+    }
+    return "none";
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(CrosscheckShoot, IsAgreedWithWhereAllIsWell) {
+  SimulateNoisy({});
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, AllOf(HasSubstr("Cross-check: mounting and transform solved together, "),
+                             HasSubstr("Success: the calibration is good, from "),
+                             Not(HasSubstr("Findings"))));
+  EXPECT_TRUE(Result()["firstRun"].is_null());
+  EXPECT_EQ(Result()["verdict"]["level"], "good");
+  ExpectCloseToTheTruth();
+}
+
+TEST_F(CrosscheckShoot, IsNoSuccessWithAWrongMounting) {
+  SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.error, HasSubstr("trackedcam: error: Calibrated, but the result is wrong"));
+  EXPECT_THAT(run.out,
+              AllOf(Not(HasSubstr("Success")),
+                    HasSubstr("Next: Calibrate again with the mounting that was found.\n      "
+                              "trackedcam calibrate --config shoot/shoot.toml --no-report "
+                              "--refine-mounting\n")));
+  // The library's own code says nothing of it.
+  EXPECT_THAT(Result()["code"].get<int>(), testing::AnyOf(0, 99));
+  EXPECT_EQ(Result()["verdict"]["level"], "wrong");
+  EXPECT_NEAR(Result()["crossCheck"]["nominalMounting"]["offMm"], 27, 2);
+  EXPECT_NEAR(Result()["crossCheck"]["nominalMounting"]["offDegrees"], 1, 0.1);
+  EXPECT_NEAR(Result()["crossCheck"]["library"]["offMm"], OffTheTruth(Result()).millimetres, 1);
+}
+
+TEST_F(CrosscheckShoot, IsRefinedWhereAsked) {
+  SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
+  const ProgramRun run = Calibrate({"--refine-mounting"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("First run, with the mounting stated"),
+                             HasSubstr("Second run, with the mounting found"),
+                             HasSubstr("  --chart-rotation=")));
+  const Json first = Result()["firstRun"];
+  EXPECT_GT(OffTheTruth(first).millimetres, 15);
+  EXPECT_EQ(first["verdict"]["level"], "wrong");
+  ExpectCloseToTheTruth();
+}
+
+TEST_F(CrosscheckShoot, IsNotRefinedWithoutNeed) {
+  SimulateNoisy({});
+  EXPECT_EQ(Calibrate({"--refine-mounting"}).status, 0);
+  EXPECT_TRUE(Result()["firstRun"].is_null());
+}
+
+TEST_F(CrosscheckShoot, NeedsNoMounting) {
+  SimulateNoisy({});
+  LeaveOutTheMounting();
+  const ProgramRun run = Calibrate();
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("First run, without a mounting"),
+                             HasSubstr("Mounting found from the shoot, to pass on")));
+  EXPECT_FALSE(Result()["mountingIsStated"]);
+  EXPECT_TRUE(Result()["firstRun"]["inputs"]["chartRotationDegrees"].is_null());
+  EXPECT_FALSE(Result()["inputs"]["chartRotationDegrees"].is_null());
+  ExpectCloseToTheTruth();
+}
+
+TEST_F(CrosscheckShoot, IsRefinedWithoutThePhotographsOfASlip) {
+  SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1", "--outliers", "4"});
+  const ProgramRun run = Calibrate({"--refine-mounting"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, HasSubstr("4 photographs contradict the others: photos/"));
+  EXPECT_EQ(Result()["photographs"].size(), 36U);
+  EXPECT_EQ(Result()["firstRun"]["photographs"].size(), 40U);
+  ExpectCloseToTheTruth();
+}
+
+TEST_F(CrosscheckShoot, OfALogIsTheSame) {
+  SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
+  Calibrate();
+  const ProgramRun run = RunHostProgram(folder.Path(), {"crosscheck", "--log", Result()["log"],
+                                                        "--config", "shoot/shoot.toml", "--json"});
+  EXPECT_EQ(run.status, 3) << run.error;
+  EXPECT_EQ(Json::parse(run.out)["crossCheck"], Result()["crossCheck"]);
+  EXPECT_EQ(Json::parse(run.out)["verdict"]["level"], "wrong");
+
+  const ProgramRun words = RunHostProgram(
+      folder.Path(), {"crosscheck", "--log", Result()["log"], "--config", "shoot/shoot.toml"});
+  EXPECT_THAT(words.out, HasSubstr("the mounting used is off by"));
+  const ProgramRun open = RunHostProgram(folder.Path(), {"crosscheck", "--log", Result()["log"]});
+  EXPECT_THAT(open.out, AllOf(HasSubstr("the transform is known to"),
+                              Not(HasSubstr("the mounting used is off by"))));
+}
+
+TEST_F(CrosscheckShoot, NeedsALog) {
+  test::WriteFile(folder.File("log.txt"), "no log\n");
+  const ProgramRun run = RunHostProgram(folder.Path(), {"crosscheck", "--log", "log.txt"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.error, HasSubstr("log.txt is not the log of a calibration"));
+}
+
+TEST_F(CrosscheckShoot, NamesTheReadingThatFits) {
+  Simulate({});
+  ChangeRows([](Fields& fields) {
+    std::swap_ranges(fields.begin() + 2, fields.begin() + 9, fields.begin() + 9);
+  });
+  EXPECT_NE(Calibrate().status, 0);
+  EXPECT_EQ(DetailOf("reading"), "trackersExchanged");
+
+  Simulate({});
+  ChangeRows([](Fields& fields) {
+    std::rotate(fields.begin() + 5, fields.begin() + 6, fields.begin() + 9);
+    std::rotate(fields.begin() + 12, fields.begin() + 13, fields.begin() + 16);
+  });
+  EXPECT_NE(Calibrate().status, 0);
+  EXPECT_EQ(DetailOf("reading"), "orderXyzw");
+
+  Simulate({"--inverted-quaternions"});
+  Configure("invert-tracker-quaternions", "invert-tracker-quaternions = false");
+  EXPECT_NE(Calibrate().status, 0);
+  EXPECT_EQ(DetailOf("reading"), "quaternionsInverted");
+}
+
+TEST_F(CrosscheckShoot, NamesTheLikelySlipOfTheMounting) {
+  Simulate({});
+  const std::string config = test::ReadFile(folder.File("shoot/shoot.toml"));
+  const std::string key = "chart-rotation = \"";
+  const std::size_t begin = config.find(key) + key.size();
+  const std::string angles = config.substr(begin, config.find('"', begin) - begin);
+  // Another sign of the first angle.
+  const std::string other = angles.front() == '-' ? angles.substr(1) : '-' + angles;
+  Configure("chart-rotation", key + other + '"');
+  EXPECT_EQ(Calibrate().status, 3);
+  EXPECT_EQ(DetailOf("mountingOff"), "angleSigns");
+}
+
+}  // namespace
+}  // namespace trackedcam::app
