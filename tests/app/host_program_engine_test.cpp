@@ -129,11 +129,17 @@ TEST(HostProgramMounting, MayStandInReportedAxes) {
                            {"simulate", "shoot", "--photographs", "14", "--image", "960x540"})
                 .status,
             0);
-  // The shoot's mounting is 12,-8,5 degrees and 0.1,-0.05,0.02 m after the axis fix: this one,
-  // multiplied out by hand.
-  std::vector<std::string> arguments = {
-      "calibrate",           "--config",        "shoot/shoot.toml", "--chart-rotation", "78,8,-175",
-      "--chart-translation", "-0.1,-0.02,0.05", "--mounting-axes",  "reported"};
+  // The shoot's mounting is 15.6,-9.31,3.87 degrees and 0.0936,-0.0449,0.0257 m after the axis fix:
+  // this one, multiplied out by hand.
+  std::vector<std::string> arguments = {"calibrate",
+                                        "--config",
+                                        "shoot/shoot.toml",
+                                        "--chart-rotation",
+                                        "74.4,9.31,-176.13",
+                                        "--chart-translation",
+                                        "-0.0936,-0.0257,0.0449",
+                                        "--mounting-axes",
+                                        "reported"};
   EXPECT_EQ(RunHostProgram(folder.Path(), arguments).status, 0);
   arguments.back() = "fixed";
   EXPECT_EQ(RunHostProgram(folder.Path(), arguments).status, 1);
