@@ -155,8 +155,8 @@ std::optional<Offset> ResultOffset(const Observations& observations, const Evide
   choice.first = solution.used;
   choice.isFixed = true;
   const auto held = Solve(evidence.loops, from, choice);
-  return held ? std::optional(Between(held->Transform_Cam_Tc, solution.Transform_Cam_Tc))
-              : std::nullopt;
+  // So far off that nothing fits any more: as far as the mounting itself carries it.
+  return Between(held ? held->Transform_Cam_Tc : from.Transform_Cam_Tc, solution.Transform_Cam_Tc);
 }
 
 double MeanDistance(const Loops& loops) {
