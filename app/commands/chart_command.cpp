@@ -55,10 +55,10 @@ void RequireFit(const PrintedChart& chart) {
   }
 }
 
-// As an option of CLI11 that is required.
-void RequireGiven(const CLI::Option* option) {
-  if (option->count() == 0) {
-    throw CLI::RequiredError(option->get_name());
+// As an option of CLI11 that is required; a value may also come from the configuration file.
+void RequireGiven(const char* option, bool isGiven) {
+  if (!isGiven) {
+    throw CLI::RequiredError(option);
   }
 }
 
@@ -123,12 +123,12 @@ void AddChartCommand(CLI::App& program, int& status) {
            "299.2mm")
       ->excludes(paper)
       ->excludes(out);
-  command->callback([options, paper, out, &status] {
+  command->callback([options, &status] {
     if (options->rulerMetres) {
       PrintMeasuredSquare(*options);
     } else {
-      RequireGiven(paper);
-      RequireGiven(out);
+      RequireGiven("--paper", !options->chart.paper.name.empty());
+      RequireGiven("--out", !options->out.empty());
       WriteChart(*options);
     }
     status = 0;

@@ -93,10 +93,11 @@ TEST(ChartLayout, LargestSquareLeavesNoRoom) {
 }
 
 TEST(ChartNotes, SayHowToPrintAndToCalibrate) {
-  EXPECT_THAT(ChartNotes(Chart(9, 6, 12.7, "letter")),
-              testing::ElementsAre("trackedcam calibrate --board 9x6 --square 0.0127",
-                                   "Print on Letter at 100 %: the board measures 127 × 88.9 mm.",
-                                   "The first corner is the inner one at the top left."));
+  EXPECT_THAT(
+      ChartNotes(Chart(9, 6, 12.7, "letter")),
+      testing::ElementsAre("trackedcam calibrate --board 9x6 --square 0.0127",
+                           "Print on Letter at 100 %: the board measures 127 × 88.9 mm.",
+                           "The first corner is the inner one at the top left, as on the right."));
 }
 
 TEST(ChartNotes, WarnOfABoardThatLooksTheSameUpsideDown) {
