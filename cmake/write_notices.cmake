@@ -81,7 +81,8 @@ string(REPLACE "\n" "\\n\",\n\"" copyright "${copyright}")
 file(WRITE ${OUTPUT}.cpp "#include \"app/licences.h\"
 
 // NOLINTBEGIN
-const char* const trackedcam::app::kLicences[] = {
+static const char* const kLines[] = {
 \"${copyright}\", nullptr};
+const char* const* const trackedcam::app::kLicences = kLines;
 // NOLINTEND
 ")

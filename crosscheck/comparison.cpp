@@ -5,7 +5,7 @@
 #include <limits>
 
 #include <Eigen/Cholesky>
-#include <Eigen/SVD>
+#include <Eigen/Eigenvalues>
 
 #include "crosscheck/distributions.h"
 
@@ -118,14 +118,16 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
     }
   }
   mean /= static_cast<double>(std::max<std::size_t>(solution.Used(), 1));
-  const Eigen::JacobiSVD<Eigen::Matrix3d> svd(mean, Eigen::ComputeFullV);
-  // A turn of the mounting about this axis looks almost like one of the camera, in every
-  // photograph.
-  const Eigen::Vector3d common = svd.singularValues();
+  // Its singular values, the largest first: what is common to all rotations, about each axis.
+  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> squares(mean.transpose() * mean);
+  const Eigen::Vector3d common = squares.eigenvalues().reverse().cwiseMax(0).cwiseSqrt();
+  const Eigen::Matrix3d axes = squares.eigenvectors().rowwise().reverse();
   Diversity diversity;
   diversity.amplification = common[0] < 1 ? 1 / std::sqrt(1 - common[0] * common[0])
                                           : std::numeric_limits<double>::infinity();
-  diversity.weakestAxisInChart = svd.matrixV().col(0);
+  // A turn of the mounting about this axis looks almost like one of the camera, in every
+  // photograph.
+  diversity.weakestAxisInChart = axes.col(0);
 
   // As many photographs again with the chart turned by an angle about an axis, half of them to
   // either side, leave that axis what it has in common and (1 + cos) / 2 of it to the axes across.
@@ -135,7 +137,7 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
   const auto turn = [](double cosine) {
     return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
   };
-  diversity.turnAboutInChart = svd.matrixV().col(2);
+  diversity.turnAboutInChart = axes.col(2);
   diversity.turnDegrees = turn(2 * enough / common[0] - 1);
   if (common[2] > enough) {
     diversity.axesToTurnAbout = 2;

@@ -16,7 +16,7 @@ std::vector<Eigen::Vector3d> PointsAt(double distance, const Lens& lens) {
   for (const double x : {1.0, 3.0, 5.0}) {
     for (const double y : {1.0, 3.0, 5.0}) {
       if (const auto ray = Ray(lens, {x / 6 * lens.width, y / 6 * lens.height})) {
-        points.push_back(distance * ray->homogeneous());
+        points.emplace_back(distance * ray->homogeneous());
       }
     }
   }

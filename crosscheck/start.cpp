@@ -31,8 +31,8 @@ std::optional<Rotations> SolveRotations(const Loops& loops, const Indices& indic
   for (const std::size_t i : indices) {
     const Eigen::Matrix3d seen = loops[i].Transform_Cam_Chart.linear();
     const Eigen::Matrix3d tracked = loops[i].Transform_Tc_Tr.linear();
-    for (int r = 0; r < 3; ++r) {
-      for (int c = 0; c < 3; ++c) {
+    for (Eigen::Index r = 0; r < 3; ++r) {
+      for (Eigen::Index c = 0; c < 3; ++c) {
         product.block<3, 3>(3 * r, 3 * c) += seen(r, c) * tracked;
       }
     }

@@ -44,10 +44,9 @@ CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamT
         transform.allFinite())) {
     throw std::invalid_argument("transformCamTc is no rotation and translation");
   }
-  const Matrix3d Rotation_Tc_Cam =
+  const Matrix3d Rot_Tc_Cam =
       Eigen::Quaterniond(rotation).normalized().toRotationMatrix().transpose();
-  return {AxisFix() * Rotation_Tc_Cam,
-          -AxisFix() * Rotation_Tc_Cam * transform.topRightCorner<3, 1>()};
+  return {AxisFix() * Rot_Tc_Cam, -AxisFix() * Rot_Tc_Cam * transform.topRightCorner<3, 1>()};
 }
 
 CameraPlacement InEngineAxes(const CameraPlacement& reported, const Matrix3d& fromReported,

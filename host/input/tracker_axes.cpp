@@ -12,7 +12,6 @@ namespace trackedcam::host {
 namespace {
 
 // A pose's x, y, z and w, x, y, z.
-constexpr std::size_t kFiguresPerPose = std::tuple_size<TrackerPose>::value;
 
 std::string Join(const std::vector<std::string>& fields) {
   std::string text = fields.front();
