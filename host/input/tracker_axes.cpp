@@ -11,7 +11,6 @@
 namespace trackedcam::host {
 namespace {
 
-// A pose's x, y, z and w, x, y, z.
 
 std::string Join(const std::vector<std::string>& fields) {
   std::string text = fields.front();
