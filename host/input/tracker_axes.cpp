@@ -11,7 +11,6 @@
 namespace trackedcam::host {
 namespace {
 
-
 std::string Join(const std::vector<std::string>& fields) {
   std::string text = fields.front();
   for (std::size_t i = 1; i < fields.size(); ++i) {
