@@ -77,19 +77,19 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   return report;
 }
 
-void WriteResult(const CalibrateOptions& options, const host::Report& report) {
+// Returns where the page is; an empty path when none is wanted.
+fs::path WriteFiles(const CalibrateOptions& options, const host::Report& report) {
   const nlohmann::ordered_json json = host::ResultJson(report);
   const std::string text = host::JsonText(json);
-  if (!options.withoutReport) {
-    const fs::path page =
-        options.report.empty() ? report.run.folder / "report.html" : options.report;
-    host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
-    std::cout << "Report: " << page.u8string() << '\n';
-  }
   if (!options.result.empty()) {
     host::WriteFile(options.result, text);
-    std::cout << "Result: " << options.result.u8string() << '\n';
   }
+  if (options.withoutReport) {
+    return {};
+  }
+  fs::path page = options.report.empty() ? report.run.folder / "report.html" : options.report;
+  host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
+  return page;
 }
 
 // False when an engine refuses the result.
@@ -125,8 +125,11 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
     report.verdict.commands = {commandLine + " --refine-mounting"};
   }
-  PrintSummary(std::cout, report, truth ? &*truth : nullptr);
-  WriteResult(options, report);
+  const fs::path page = WriteFiles(options, report);
+  PrintSummary(std::cout, report, truth ? &*truth : nullptr, page);
+  if (!options.result.empty()) {
+    std::cout << "Result: " << options.result.u8string() << '\n';
+  }
   std::cout.flush();
   PrintWarning(std::cerr, report);
   const bool isExported = PrintExports(report);

@@ -103,8 +103,11 @@ void PrintVerdict(std::ostream& out, const Report& report) {
   }
 }
 
-void PrintFiles(std::ostream& out, const Report& report) {
+void PrintFiles(std::ostream& out, const Report& report, const std::filesystem::path& page) {
   const LibraryRun& run = report.run;
+  if (!page.empty()) {
+    out << "Report: " << page.u8string() << '\n';
+  }
   if (host::IsConverted(report.inputs.trackerFrame)) {
     out << "Tracker data: taken as poses in " << host::Describe(report.inputs.trackerFrame)
         << "; converted: " << (run.folder / host::kConvertedData).u8string() << '\n';
@@ -148,7 +151,8 @@ void PrintFirstRun(std::ostream& out, const Report& first, const CalibrationOutp
 
 }  // namespace
 
-void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutputs* truth) {
+void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutputs* truth,
+                  const std::filesystem::path& page) {
   if (report.firstRun) {
     PrintFirstRun(out, *report.firstRun, truth);
   }
@@ -160,7 +164,7 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
     PrintMountingFound(out, report);
   }
   PrintVerdict(out, report);
-  PrintFiles(out, report);
+  PrintFiles(out, report, page);
 }
 
 }  // namespace trackedcam::app
