@@ -1,6 +1,6 @@
 #!/bin/sh
 # Checks the format and the scripts (shellcheck); with --code the code as well (clang-tidy 14, and the
-# warnings of clang), which takes half an hour.
+# warnings of clang), which takes many times as long.
 set -eu
 cd "$(dirname "$0")/.."
 
