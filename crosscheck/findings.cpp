@@ -71,18 +71,20 @@ std::optional<Finding> MountingOff(const CrossCheck& check, const Grounds& groun
 }
 
 std::optional<Finding> LibraryApart(const CrossCheck& check) {
-  if (!check.library || !check.nominalMounting || check.step || !Turns(check)) {
+  if (!check.library || check.step || !Turns(check)) {
     return std::nullopt;
   }
   const Offset& library = *check.library;
   if (!(library.p < kRejected && IsWorth(library.offMm, library.offDegrees))) {
     return std::nullopt;
   }
+  // Where the mounting is not known it may be this far off; where it is right this is little.
+  const bool isUnknown = !check.nominalMounting;
   return Finding{FindingId::kLibraryApart,
-                 Severity::kWarning,
+                 isUnknown && IsGrave(library) ? Severity::kError : Severity::kWarning,
                  {{"offMm", library.offMm}, {"offDegrees", library.offDegrees}, {"p", library.p}},
                  {},
-                 ""};
+                 isUnknown ? "mountingUnknown" : ""};
 }
 
 std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& evidence,
@@ -106,7 +108,7 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
   add(TooLittleTurning(check));
   add(TrackerMoved(check));
   add(BadPhotographs(check, evidence, grounds));
-  // With a wrong mounting, or without a stated one, the result is apart for that reason.
+  // With a wrong mounting the result is apart for that reason.
   if (!add(MountingOff(check, grounds))) {
     add(LibraryApart(check));
   }
