@@ -34,7 +34,7 @@ std::string Listed(const Vector3d& numbers) {
 
 class RealPhotographsShoot : public testing::TestWithParam<unsigned> {
  protected:
-  RealPhotographsShoot() : random(GetParam()) {}
+  RealPhotographsShoot() : random_(GetParam()) {}
 
   void SetUp() override {
     const auto photographs = test::RealPhotographs(TRACKEDCAM_REAL_PHOTOGRAPHS);
@@ -92,12 +92,12 @@ class RealPhotographsShoot : public testing::TestWithParam<unsigned> {
   // Of a good tracking system, along and about each axis of the tracker: 0.3 mm and 0.05 degrees.
   Isometry3d Noise() {
     std::normal_distribution<double> normal;
-    const auto triple = [&] { return Vector3d(normal(random), normal(random), normal(random)); };
+    const auto triple = [&] { return Vector3d(normal(random_), normal(random_), normal(random_)); };
     const Vector3d degrees = 0.05 * triple();
     return Placed(degrees, 0.0003 * triple());
   }
 
-  std::mt19937 random;
+  std::mt19937 random_;
 };
 
 TEST_P(RealPhotographsShoot, TellsTheWrongMountingAndComesBackFromIt) {
