@@ -10,6 +10,7 @@
 #include "app/page/thumbnails.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
+#include "app/words/next_commands.h"
 #include "app/words/progress_bar.h"
 #include "app/words/summary.h"
 #include "app/words/warning.h"
@@ -126,6 +127,8 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   host::Report report = RunCalibration(options);
   if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
     report.verdict.commands = {commandLine + " --refine-mounting"};
+  } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {
+    report.verdict.commands = ExportCommands(options.result, options.exports, options.parentAxes);
   }
   const fs::path page = WriteFiles(options, report);
   PrintSummary(std::cout, report, truth ? &*truth : nullptr, page);

@@ -10,10 +10,9 @@ namespace trackedcam::app {
 
 void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& group) {
   AddValue(command, "--chart-rotation", options.rotation, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, degrees: the\nchart is turned by Rx * Ry * Rz in the "
-           "tracker's\n"
-           "axes after the axis fix: reported x, y, z count\nas -x, -z, -y. Left out, it is found "
-           "from the shoot")
+           "Mounting of the chart's tracker, degrees; left\nout, it is found from the shoot. The "
+           "chart is turned\nby Rx * Ry * Rz in the tracker's axes after the\naxis fix: reported "
+           "x, y, z count as -x, -z, -y")
       ->group(group);
   AddValue(command, "--chart-translation", options.translation, ParseTranslation, "X,Y,Z",
            "Mounting of the chart's tracker, metres: the\nfirst inner corner in the same axes")

@@ -31,9 +31,13 @@ std::string Quoted(const std::string& word) {
 }  // namespace
 
 std::string CommandLine(int argc, const char* const* argv) {
+  return CommandLine(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
+}
+
+std::string CommandLine(const std::vector<std::string>& words) {
   std::string line = "trackedcam";
-  for (int i = 1; i < argc; ++i) {
-    line += ' ' + Quoted(argv[i]);
+  for (const std::string& word : words) {
+    line += ' ' + Quoted(word);
   }
   return line;
 }

@@ -115,6 +115,7 @@ TEST_F(CrosscheckShoot, IsAgreedWithWhereAllIsWell) {
                              Not(HasSubstr("Findings"))));
   EXPECT_TRUE(Result()["firstRun"].is_null());
   EXPECT_EQ(Result()["verdict"]["level"], "good");
+  EXPECT_THAT(run.out, HasSubstr("\n      trackedcam export unreal --result "));
   ExpectCloseToTheTruth();
 }
 

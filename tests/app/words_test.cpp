@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -5,6 +6,7 @@
 #include "app/words/command_line.h"
 #include "app/words/cross_check_words.h"
 #include "app/words/mounting_words.h"
+#include "app/words/next_commands.h"
 #include "app/words/warning.h"
 
 namespace trackedcam::app {
@@ -12,6 +14,7 @@ namespace {
 
 using host::Level;
 using host::Report;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -27,6 +30,33 @@ TEST(CommandLine, CanBePasted) {
             "trackedcam --data \"day 1/a&b.csv\" \"\" 撮影.toml");
   EXPECT_EQ(CommandLineOf({"a\"b", "$HOME", "`x`"}),
             "trackedcam \"a\\\"b\" \"\\$HOME\" \"\\`x\\`\"");
+}
+
+const host::Engine* Named(std::string_view name) {
+  return &*std::find_if(host::kEngines.begin(), host::kEngines.end(),
+                        [&](const host::Engine& engine) { return engine.name == name; });
+}
+
+TEST(ExportCommands, AreOneForEachEngineThatPeopleUse) {
+  EXPECT_THAT(ExportCommands("day 1/result.json", {}, ""),
+              ElementsAre("trackedcam export unreal --result \"day 1/result.json\" --out "
+                          "\"day 1/lens.ulens\"",
+                          "trackedcam export unity --result \"day 1/result.json\"",
+                          "trackedcam export aximmetry --result \"day 1/result.json\""));
+}
+
+TEST(ExportCommands, HaveTheAxesThatTheUserGave) {
+  EXPECT_THAT(ExportCommands("r.json", {}, "-z,x,y"),
+              ElementsAre("trackedcam export unreal --result r.json --parent-axes=-z,x,y --out "
+                          "lens.ulens",
+                          "trackedcam export unity --result r.json --parent-axes=-z,x,y",
+                          "trackedcam export aximmetry --result r.json"));
+}
+
+TEST(ExportCommands, LeaveOutWhatIsDone) {
+  EXPECT_THAT(ExportCommands("r.json", {Named("unity")}, ""), testing::IsEmpty());
+  EXPECT_THAT(ExportCommands("r.json", {Named("unity"), Named("unreal")}, ""),
+              ElementsAre("trackedcam export unreal --result r.json --out lens.ulens"));
 }
 
 Report ReportAt(Level level, std::optional<int> code) {
