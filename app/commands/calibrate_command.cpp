@@ -7,7 +7,6 @@
 #include "app/commands/calibrate_options.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
-#include "app/page/thumbnails.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
 #include "app/words/progress_bar.h"
@@ -19,6 +18,7 @@
 #include "host/text/file_text.h"
 #include "host/text/json_file.h"
 #include "host/verdict/verdict.h"
+#include "report/thumbnails.h"
 
 namespace trackedcam::app {
 namespace {
@@ -88,7 +88,7 @@ fs::path WriteFiles(const CalibrateOptions& options, const host::Report& report)
     return {};
   }
   fs::path page = options.report.empty() ? report.run.folder / "report.html" : options.report;
-  host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
+  host::WriteFile(page, report::Page(text, report::MakeThumbnails(text), page.parent_path()));
   return page;
 }
 
