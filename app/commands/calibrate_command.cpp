@@ -13,6 +13,7 @@
 #include "app/words/summary.h"
 #include "app/words/warning.h"
 #include "host/calibrate.h"
+#include "host/platform.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
@@ -55,7 +56,7 @@ void PrepareOutput(const CalibrateOptions& options) {
 // With the library's own lines when they are wanted; else with a progress bar where standard error
 // is a terminal.
 host::Report RunCalibration(const CalibrateOptions& options) {
-  std::optional<SilencedStdout> silenced;
+  std::optional<host::SilencedStdout> silenced;
   if (!options.verbose) {
     silenced.emplace();
   }
