@@ -16,8 +16,7 @@ void RequireName(const std::string& photograph) {
 }
 
 std::string DataText(const std::vector<RecordedRow>& rows) {
-  std::string text =
-      "Time,photograph,camera x,y,z,camera w,x,y,z,chart x,y,z,chart w,x,y,z\n";
+  std::string text = "Time,photograph,camera x,y,z,camera w,x,y,z,chart x,y,z,chart w,x,y,z\n";
   for (const RecordedRow& row : rows) {
     text += Shortest(row.timeSeconds) + ',' + row.photograph;
     for (const TrackerPose* pose : {&row.camera, &row.chart}) {

@@ -9,8 +9,8 @@ namespace trackedcam::host {
 namespace {
 
 TEST(DataTextTest, HoldsARowForEachPhotograph) {
-  const std::string text = DataText({{0.5, "a b.jpg", {1, 2, 3, 1, 0, 0, 0}, {4, 5, 6, 0, 1, 0, 0}},
-                                     {-1, "c.jpg", {}, {}}});
+  const std::string text = DataText(
+      {{0.5, "a b.jpg", {1, 2, 3, 1, 0, 0, 0}, {4, 5, 6, 0, 1, 0, 0}}, {-1, "c.jpg", {}, {}}});
   EXPECT_EQ(text,
             "Time,photograph,camera x,y,z,camera w,x,y,z,chart x,y,z,chart w,x,y,z\n"
             "0.5,a b.jpg,1,2,3,1,0,0,0,4,5,6,0,1,0,0\n"
