@@ -59,8 +59,9 @@ Report::Report(host::Report report, bool isCalibration, bool isSilent)
       report_(std::move(report)),
       result_(host::ResultJson(report_)) {}
 
-Json Report::At(const std::string& pointer) const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+// Under the lock, and without a copy: the destructor of a copy asks for memory, and would end the
+// process where there is none.
+const Json& Report::At(const std::string& pointer) const {
   try {
     return result_.at(Json::json_pointer(pointer));
   } catch (const Json::parse_error&) {
@@ -71,8 +72,9 @@ Json Report::At(const std::string& pointer) const {
 }
 
 std::vector<double> Report::Numbers(const std::string& pointer) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
   std::vector<double> numbers;
-  const Json place = At(pointer);
+  const Json& place = At(pointer);
   if (place.is_null() || !AddNumbers(place, numbers)) {
     Miss("The report has no numbers at " + pointer + '.');
   }
@@ -80,15 +82,17 @@ std::vector<double> Report::Numbers(const std::string& pointer) const {
 }
 
 const char* Report::Text(const std::string& pointer) {
-  const Json place = At(pointer);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Json& place = At(pointer);
   if (!place.is_string()) {
     Miss("The report has no text at " + pointer + '.');
   }
-  return Keep(place.get<std::string>());
+  return Keep(place.get_ref<const std::string&>());
 }
 
 std::size_t Report::Count(const std::string& pointer) const {
-  const Json place = At(pointer);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Json& place = At(pointer);
   if (!place.is_structured()) {
     Miss("The report has no list at " + pointer + '.');
   }
@@ -96,7 +100,8 @@ std::size_t Report::Count(const std::string& pointer) const {
 }
 
 const char* Report::WholeText() {
-  return Keep(JsonText());
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(host::JsonText(result_));
 }
 
 std::string Report::JsonText() const {
@@ -104,9 +109,9 @@ std::string Report::JsonText() const {
   return host::JsonText(result_);
 }
 
-const char* Report::Keep(std::string text) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return texts_.insert(std::move(text)).first->c_str();
+// Under the lock.
+const char* Report::Keep(const std::string& text) {
+  return texts_.insert(text).first->c_str();
 }
 
 void Report::RequireHandOver() const {
@@ -132,17 +137,13 @@ host::EngineExport Report::RunExport(const host::Engine& engine,
 const char* Report::Export(const std::string& name, const std::string& parentAxes) {
   const host::Engine& engine = EngineNamed(name);
   RequireAxes(engine, parentAxes);
-  Json json;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    auto& exports = result_["exports"];
-    // The library writes one log for an engine, and would give the same figures again.
-    if (engine.takesParentAxes || !exports.contains(name)) {
-      exports[name] = host::EngineJson(RunExport(engine, parentAxes));
-    }
-    json = exports[name];
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Json& exports = result_["exports"];
+  // The library writes one log for an engine, and would give the same figures again.
+  if (engine.takesParentAxes || !exports.contains(name)) {
+    exports[name] = host::EngineJson(RunExport(engine, parentAxes));
   }
-  return Keep(host::JsonText(json));
+  return Keep(host::JsonText(exports[name]));
 }
 
 const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {
@@ -150,11 +151,15 @@ const char* Report::LensFile(const std::string& parentAxes, const std::string& n
   if (!engineExport.figures.unreal) {
     Miss(host::ProblemOf(engineExport));
   }
-  return Keep(host::LensFileText(*engineExport.figures.unreal, name));
+  const std::string text = host::LensFileText(*engineExport.figures.unreal, name);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(text);
 }
 
 const char* Report::Page(const fs::path& folder) {
-  return Keep(PageText(folder));
+  const std::string text = PageText(folder);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(text);
 }
 
 std::string Report::PageText(const fs::path& folder) const {

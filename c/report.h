@@ -45,16 +45,16 @@ class Report {
   std::string PageText(const std::filesystem::path& folder) const;
 
  private:
-  nlohmann::ordered_json At(const std::string& pointer) const;
-  const char* Keep(std::string text);
+  const nlohmann::ordered_json& At(const std::string& pointer) const;
+  const char* Keep(const std::string& text);
   host::EngineExport RunExport(const host::Engine& engine, const std::string& parentAxes) const;
   void RequireHandOver() const;
 
   const host::Level level_;
   const bool isCalibration_;
   const bool isSilent_;
-  mutable std::mutex mutex_;
-  host::Report report_;
+  const host::Report report_;
+  mutable std::mutex mutex_;  // of what follows
   nlohmann::ordered_json result_;
   std::set<std::string> texts_;  // that were handed out: each stays where it is
 };
