@@ -14,18 +14,4 @@ bool IsTerminal(std::FILE* stream);
 /// loading.
 void HoldBlasToOneThread();
 
-/// While it lives, what the process writes to standard output goes nowhere. Below the streams, at
-/// the file descriptor, so that it holds for libraries as well.
-class SilencedStdout {
- public:
-  /// @throws std::system_error
-  SilencedStdout();
-  ~SilencedStdout();
-  SilencedStdout(const SilencedStdout&) = delete;
-  SilencedStdout& operator=(const SilencedStdout&) = delete;
-
- private:
-  int original_;
-};
-
 }  // namespace trackedcam::app

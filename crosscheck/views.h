@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "crosscheck/cross_check.h"
@@ -12,7 +13,12 @@ namespace trackedcam::crosscheck {
 
 View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board);
 
+struct Suggestions {
+  std::vector<SuggestedView> views;
+  std::optional<int> photographsToHalve;
+};
+
 /// The views that add most information, one after the other, each on top of those before it.
-std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution);
+Suggestions SuggestViews(const Evidence& evidence, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck

@@ -1,11 +1,10 @@
 #include "report/page.h"
 
-#include <stdexcept>
-
 #include <nlohmann/json.hpp>
 
 #include "report/embedded.h"
 #include "report/page_view.h"
+#include "report/result_text.h"
 #include "report/template.h"
 #include "report/text.h"
 
@@ -25,23 +24,11 @@ std::string Policy() {
          "; img-src data:; base-uri 'none'; form-action 'none'";
 }
 
-Json Parsed(const std::string& text) {
-  try {
-    Json result = Json::parse(text);
-    if (result.is_object()) {
-      return result;
-    }
-  } catch (const Json::exception&) {
-    // What it expected where helps nobody: a program wrote the file.
-  }
-  throw std::invalid_argument("The text is no result.");
-}
-
 }  // namespace
 
 std::string Page(const std::string& result, const std::vector<Thumbnail>& thumbnails,
                  const std::filesystem::path& pageFolder) {
-  const Json parsed = Parsed(result);
+  const Json parsed = ParseResult(result);
   Json values = PageView(parsed, thumbnails, pageFolder);
   values["policy"] = Policy();
   values["style"] = kPageCss.Text();

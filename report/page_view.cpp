@@ -253,6 +253,7 @@ Json CrossCheck(const Json& result) {
           {"noiseMillimetres", known("/trackerNoise/mm", 2)},
           {"cornerNoise", known("/cornerNoisePixels", 3)},
           {"amplification", known("/diversity/amplification", 2)},
+          {"photographsToHalve", known("/photographsToHalve", 0)},
           {"squareFactor", known("/square/factor", 4)},
           {"squareError", known("/square/standardError", 4)}};
 }

@@ -18,6 +18,6 @@ case "${1:-}" in
     exit 2
     ;;
 esac
-files=$(git ls-files "*.h" "*.cpp")  # fails where there is no repository
+files=$(git ls-files "*.h" "*.c" "*.cpp")  # fails where there is no repository
 # shellcheck disable=SC2086  # one word for each option and file
 clang-format $mode $files

@@ -7,7 +7,6 @@
 #include "app/commands/calibrate_options.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
-#include "app/page/thumbnails.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
 #include "app/words/next_commands.h"
@@ -16,11 +15,13 @@
 #include "app/words/warning.h"
 #include "host/calibrate.h"
 #include "host/input/data_checks.h"
+#include "host/platform.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
 #include "host/text/json_file.h"
 #include "host/verdict/verdict.h"
+#include "report/thumbnails.h"
 
 namespace trackedcam::app {
 namespace {
@@ -57,7 +58,7 @@ void PrepareOutput(const CalibrateOptions& options) {
 // With the library's own lines when they are wanted; else with a progress bar where standard error
 // is a terminal.
 host::Report RunCalibration(const CalibrateOptions& options) {
-  std::optional<SilencedStdout> silenced;
+  std::optional<host::SilencedStdout> silenced;
   if (!options.verbose) {
     silenced.emplace();
   }
@@ -90,7 +91,7 @@ fs::path WriteFiles(const CalibrateOptions& options, const host::Report& report)
     return {};
   }
   fs::path page = options.report.empty() ? report.run.folder / "report.html" : options.report;
-  host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
+  host::WriteFile(page, report::Page(text, report::MakeThumbnails(text), page.parent_path()));
   return page;
 }
 

@@ -7,8 +7,8 @@
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
 #include "app/options/output_file.h"
-#include "app/platform.h"
 #include "app/words/engine_summary.h"
+#include "host/platform.h"
 #include "host/result/result_file.h"
 #include "host/run/run_folder.h"
 #include "host/text/file_text.h"
@@ -67,7 +67,7 @@ host::EngineExport RunExport(const ExportOptions& options, const host::HandOver&
   }
   const fs::path folder = host::CreateRunFolder(
       options.logFolder.empty() ? options.result.parent_path() : options.logFolder);
-  const SilencedStdout silenced;
+  const host::SilencedStdout silenced;
   return host::ExportToEngine(*options.engine, handOver, folder);
 }
 

@@ -7,9 +7,9 @@
 #include "app/options/add_path.h"
 #include "app/options/option_values.h"
 #include "app/options/output_file.h"
-#include "app/page/thumbnails.h"
 #include "host/input/input_error.h"
 #include "host/text/file_text.h"
+#include "report/thumbnails.h"
 
 namespace trackedcam::app {
 namespace {
@@ -26,25 +26,17 @@ struct ReportOptions {
   std::filesystem::path out;
 };
 
-nlohmann::ordered_json ReadResultJson(const std::filesystem::path& file) {
-  try {
-    return nlohmann::ordered_json::parse(host::ReadFile(file));
-  } catch (const std::exception& error) {
-    throw host::InputError(file.u8string() +
-                           " is not the result of a calibration: " + error.what());
-  }
-}
-
 void Report(const ReportOptions& options) {
-  const nlohmann::ordered_json result = ReadResultJson(options.result);
   PrepareOutputFile("--out", options.out);
+  std::string page;
   try {
-    host::WriteFile(options.out,
-                    report::Page(result.dump(), MakeThumbnails(result), options.out.parent_path()));
-  } catch (const std::invalid_argument& error) {
+    const std::string result = host::ReadFile(options.result);
+    page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path());
+  } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
                            " is not the result of a calibration: " + error.what());
   }
+  host::WriteFile(options.out, page);
   std::cout << "Report: " << options.out.u8string() << '\n';
 }
 

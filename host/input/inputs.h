@@ -29,4 +29,9 @@ struct Inputs {
   bool refineMounting = false;  // calibrate again where the cross-check finds another mounting
 };
 
+/// Of figures that no parser has looked at.
+/// @throws InputError for the first that cannot be, such as a board of two corners or a square of
+///         30 metres; it says what the figure should be.
+void RequirePossible(const Inputs& inputs);
+
 }  // namespace trackedcam::host

@@ -195,6 +195,8 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["onScreen"] = OnScreenJson(check.onScreen);
   json["perPhotograph"] = PerPhotographJson(check, photographs, record);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
+  json["photographsToHalve"] =
+      check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
   json["findings"] = FindingsJson(check.findings);
   return json;
 }

@@ -37,8 +37,13 @@ LogFollower::LogFollower(fs::path folder, std::vector<std::string> photographs,
     : folder_(std::move(folder)),
       reader_(std::move(photographs), std::move(listener)),
       thread_([this, stopped = stop_.get_future()] {
-        while (stopped.wait_for(kPause) == std::future_status::timeout) {
-          ReadMore();
+        // What is thrown here, for want of memory or by the listener, must not end the process.
+        // The run goes on, and its record is what was read so far.
+        try {
+          while (stopped.wait_for(kPause) == std::future_status::timeout) {
+            ReadMore();
+          }
+        } catch (const std::exception&) {
         }
       }) {}
 

@@ -13,29 +13,28 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kPrefix = "run_";
 constexpr std::size_t kDigits = 3;
 
-int NumberOf(const std::string& name) {
-  return name.compare(0, kPrefix.size(), kPrefix) == 0
-             ? ParseInteger(std::string_view(name).substr(kPrefix.size())).value_or(0)
+int NumberOf(const std::string& name, const std::string& prefix) {
+  return name.compare(0, prefix.size(), prefix) == 0
+             ? ParseInteger(std::string_view(name).substr(prefix.size())).value_or(0)
              : 0;
 }
 
-int LastRun(const fs::path& logFolder) {
+int LastNumber(const fs::path& logFolder, const std::string& prefix) {
   int last = 0;
   for (const fs::directory_entry& entry : fs::directory_iterator(logFolder)) {
-    last = std::max(last, NumberOf(entry.path().filename().u8string()));
+    last = std::max(last, NumberOf(entry.path().filename().u8string(), prefix));
   }
   return last;
 }
 
-fs::path CreateNext(const fs::path& logFolder) {
+fs::path CreateNext(const fs::path& logFolder, const std::string& prefix) {
   fs::create_directories(logFolder);
-  for (int run = LastRun(logFolder) + 1;; ++run) {
-    std::string number = std::to_string(run);
+  for (int next = LastNumber(logFolder, prefix) + 1;; ++next) {
+    std::string number = std::to_string(next);
     number.insert(0, kDigits - std::min(kDigits, number.size()), '0');
-    fs::path folder = logFolder / (std::string(kPrefix) + number);
+    fs::path folder = logFolder / (prefix + number);
     if (fs::create_directory(folder)) {  // false where another run was quicker
       return folder;
     }
@@ -51,15 +50,19 @@ void RequireWritable(const fs::path& folder) {
 
 }  // namespace
 
-fs::path CreateRunFolder(const fs::path& logFolder) {
+fs::path CreateNumberedFolder(const fs::path& logFolder, const std::string& word) {
   try {
-    fs::path folder = CreateNext(logFolder);
+    fs::path folder = CreateNext(logFolder, word + '_');
     RequireWritable(folder);
     return folder;
   } catch (const std::exception& error) {
     throw InputError("cannot write below the log folder " + logFolder.u8string() +
                      ", and without a log there is no record of a run: " + error.what());
   }
+}
+
+fs::path CreateRunFolder(const fs::path& logFolder) {
+  return CreateNumberedFolder(logFolder, "run");
 }
 
 }  // namespace trackedcam::host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace trackedcam::host {
 
@@ -9,5 +10,9 @@ namespace trackedcam::host {
 /// @param logFolder Created when missing.
 /// @throws InputError where nothing can be written: without a log there is no record of a run.
 std::filesystem::path CreateRunFolder(const std::filesystem::path& logFolder);
+
+/// The same with another word than run: shoot_001.
+std::filesystem::path CreateNumberedFolder(const std::filesystem::path& logFolder,
+                                           const std::string& word);
 
 }  // namespace trackedcam::host

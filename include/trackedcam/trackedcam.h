@@ -19,7 +19,9 @@
 #include <string>
 #include <vector>
 
-#if defined(_WIN32)
+#if defined(TRACKEDCAM_STATIC)
+#define TRACKEDCAM_API  // neither imported nor exported: linked as it comes
+#elif defined(_WIN32)
 #if defined(TRACKEDCAM_BUILDS_LIBRARY)
 #define TRACKEDCAM_API __declspec(dllexport)
 #else

@@ -21,7 +21,7 @@ Report GoodReport() {
                         {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
                         {58.1, 34.7},
                         {32.4}};
-  report.run.record.libraryVersion = "v1.1.0";
+  report.run.record.libraryVersion = "v1.2.3";
   report.run.record.photographs = {{"a.jpg", std::nullopt, std::nullopt},
                                    {"b.jpg", DropReason::kNotLoaded, std::nullopt},
                                    {"c.jpg", DropReason::kBoardNotFound, std::nullopt},
@@ -66,7 +66,7 @@ TEST(ResultJson, ListsPhotographsAndFiles) {
                             {"photograph": "d.jpg", "reason": "outlier"}])"));
   EXPECT_EQ(json["log"], "/logs/log.txt");
   EXPECT_EQ(json["images"], Json::array({"/logs/Reproject_a.jpg"}));
-  EXPECT_EQ(json["versions"]["library"], "v1.1.0");
+  EXPECT_EQ(json["versions"]["library"], "v1.2.3");
   EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
 }
 

@@ -9,7 +9,8 @@ import sys
 
 header, library, nm, objdump = sys.argv[1:]
 with open(header, encoding="utf-8") as file:
-    declared = set(re.findall(r"^TRACKEDCAM_API \w+ (\w+)\(", file.read(), re.MULTILINE))
+    # A declaration begins with the macro, and may go on in the next line.
+    declared = set(re.findall(r"^TRACKEDCAM_(?:C_)?API [\w ]+[*\s]\s*(\w+)\(", file.read(), re.MULTILINE))
 
 
 def output_of(*command):

@@ -1,15 +1,22 @@
 """Checks that a DLL or program for Windows needs nothing but what Windows has, and the library.
 
-Usage: check_imports.py OBJDUMP FILE...
+With --alone not even the library.
+
+Usage: check_imports.py [--alone] OBJDUMP FILE...
 """
 
 import re
 import subprocess
 import sys
 
-ALLOWED = {"kernel32.dll", "msvcrt.dll", "trackedcam.dll"}
+ALLOWED = {"kernel32.dll", "msvcrt.dll"}
 
-objdump, *files = sys.argv[1:]
+arguments = sys.argv[1:]
+if arguments[0] == "--alone":
+    arguments = arguments[1:]
+else:
+    ALLOWED.add("trackedcam.dll")
+objdump, *files = arguments
 faults = []
 for file in files:
     headers = subprocess.run([objdump, "-p", file], check=True, capture_output=True, text=True).stdout

@@ -85,7 +85,8 @@ Json WholeResult() {
         {"library", {{"offMm", 0.1}, {"offDegrees", 0.01}, {"p", 0.5}}},
         {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
         {"perPhotograph", {photograph}},
-        {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}}}}}},
+        {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
+        {"photographsToHalve", 35}}},
   };
   result["firstRun"] = result;
   return result;
@@ -102,8 +103,9 @@ std::string WordsOf(const std::string& page) {
 
 TEST(Page, ShowsTheAnswer) {
   const std::string page = PageOf(WholeResult());
-  for (const char* words : {"It is good.", "Go on.", "do it", "A note.", "10.00", "20.00", "30.00",
-                            "48.600", "± 2.00", "shoot/data.csv", "board not found", "Tilt it."}) {
+  for (const char* words :
+       {"It is good.", "Go on.", "do it", "A note.", "10.00", "20.00", "30.00", "48.600", "± 2.00",
+        "shoot/data.csv", "board not found", "Tilt it.", "1.29", "add about 35 photographs"}) {
     EXPECT_THAT(page, HasSubstr(words));
   }
   EXPECT_THAT(WordsOf(page), Not(HasSubstr("{{")));

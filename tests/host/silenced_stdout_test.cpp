@@ -1,13 +1,14 @@
 #include <cstdio>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "app/platform.h"
+#include "host/platform.h"
 
-namespace trackedcam::app {
+namespace trackedcam::host {
 namespace {
 
 // What reaches standard output while the work runs.
@@ -31,6 +32,19 @@ TEST(SilencedStdoutTest, TakesStreamsAndC) {
   EXPECT_EQ(output, "before after");
 }
 
+TEST(SilencedStdoutTest, EndsWithTheLastOne) {
+  const std::string output = OutputOf([] {
+    auto first = std::make_unique<SilencedStdout>();
+    {
+      const SilencedStdout second;
+      first.reset();
+      std::cout << "still silent";
+    }
+    std::cout << "after";
+  });
+  EXPECT_EQ(output, "after");
+}
+
 TEST(SilencedStdoutTest, EndsWithAnException) {
   const std::string output = OutputOf([] {
     try {
@@ -45,4 +59,4 @@ TEST(SilencedStdoutTest, EndsWithAnException) {
 }
 
 }  // namespace
-}  // namespace trackedcam::app
+}  // namespace trackedcam::host

@@ -1,13 +1,17 @@
-#include "app/page/thumbnails.h"
+#include "report/thumbnails.h"
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 
+#include <nlohmann/json.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "host/text/file_text.h"
+#include "report/result_text.h"
 
-namespace trackedcam::app {
+namespace trackedcam::report {
 namespace {
 
 namespace fs = std::filesystem;
@@ -26,13 +30,13 @@ std::string Encoded(const cv::Mat& image) {
 }
 
 // Decoded at a quarter of its size where the format can do that, which is ten times as fast.
-std::string Thumbnail(const fs::path& file) {
+std::string ThumbnailOf(const fs::path& file) {
   try {
     if (!fs::is_regular_file(file)) {
       return {};
     }
-    const std::string content = host::ReadFile(file);
-    const std::vector<unsigned char> bytes(content.begin(), content.end());
+    std::ifstream stream(file, std::ios::binary);
+    const std::vector<unsigned char> bytes(std::istreambuf_iterator<char>(stream), {});
     const cv::Mat image =
         bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_REDUCED_COLOR_4);
     return image.empty() ? std::string() : Encoded(image);
@@ -43,8 +47,11 @@ std::string Thumbnail(const fs::path& file) {
 
 std::vector<std::string> Texts(const Json& result, const char* key) {
   std::vector<std::string> texts;
-  for (const Json& text : result.value(key, Json::array())) {
-    texts.push_back(text.get<std::string>());
+  const auto list = result.find(key);
+  if (list != result.end() && list->is_array()) {
+    for (const Json& text : *list) {
+      texts.push_back(text.is_string() ? text.get<std::string>() : std::string());
+    }
   }
   return texts;
 }
@@ -62,18 +69,21 @@ std::map<std::string, std::string> ReprojectedImages(const Json& result) {
 
 }  // namespace
 
-std::vector<report::Thumbnail> MakeThumbnails(const Json& result) {
-  const fs::path workingFolder =
-      fs::u8path(result.value("/inputs/workingFolder"_json_pointer, std::string()));
+std::vector<Thumbnail> MakeThumbnails(const std::string& text) {
+  const Json result = ParseResult(text);
+  const Json::json_pointer folder("/inputs/workingFolder");
+  const fs::path workingFolder = result.contains(folder) && result.at(folder).is_string()
+                                     ? fs::u8path(result.at(folder).get<std::string>())
+                                     : fs::path();
   const std::map<std::string, std::string> images = ReprojectedImages(result);
-  std::vector<report::Thumbnail> thumbnails;
+  std::vector<Thumbnail> thumbnails;
   for (const std::string& photograph : Texts(result, "photographs")) {
     const auto image = images.find(photograph);
     const fs::path file =
         image == images.end() ? workingFolder / fs::u8path(photograph) : fs::u8path(image->second);
-    thumbnails.push_back({photograph, Thumbnail(file)});
+    thumbnails.push_back({photograph, ThumbnailOf(file)});
   }
   return thumbnails;
 }
 
-}  // namespace trackedcam::app
+}  // namespace trackedcam::report

@@ -1,0 +1,74 @@
+// What a host holds instead of an object: a number that is never given twice, in the shape of a
+// pointer. It is looked up and never followed, so that one that was freed, or that is none, is told
+// from one that lives.
+
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "c/status.h"
+
+namespace trackedcam::c {
+
+/// One series for all kinds, so that no handle of one kind is one of another.
+inline std::uintptr_t NextHandle() {
+  static std::atomic<std::uintptr_t> last{0};
+  constexpr std::uintptr_t kApart = 16;  // as the allocator's pointers are
+  return last += kApart;
+}
+
+template <class Handle, class Object>
+class Handles {
+ public:
+  explicit Handles(const char* name) : name_(name) {}
+
+  Handle* Add(std::shared_ptr<Object> object) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const std::uintptr_t number = NextHandle();
+    objects_.emplace(number, std::move(object));
+    return reinterpret_cast<Handle*>(number);
+  }
+
+  /// The object lives on while the caller has it, also when another thread frees the handle.
+  /// @throws Refusal
+  std::shared_ptr<Object> Get(const Handle* handle) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return Find(handle)->second;
+  }
+
+  /// NULL is freed by doing nothing.
+  /// @throws Refusal
+  void Free(const Handle* handle) {
+    if (handle == nullptr) {
+      return;
+    }
+    std::shared_ptr<Object> object;  // goes when the lock has gone
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = Find(handle);
+    object = std::move(found->second);
+    objects_.erase(found);
+  }
+
+ private:
+  using Objects = std::map<std::uintptr_t, std::shared_ptr<Object>>;
+
+  typename Objects::iterator Find(const Handle* handle) {
+    RequirePointer(handle, name_);
+    const auto found = objects_.find(reinterpret_cast<std::uintptr_t>(handle));
+    if (found == objects_.end()) {
+      throw Refusal(TRACKEDCAM_INVALID_ARGUMENT,
+                    std::string(name_) + " is no handle of that kind, or was freed before.");
+    }
+    return found;
+  }
+
+  const char* name_;
+  std::mutex mutex_;
+  Objects objects_;
+};
+
+}  // namespace trackedcam::c

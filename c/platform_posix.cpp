@@ -1,0 +1,16 @@
+#include <dlfcn.h>
+
+#include "c/platform.h"
+
+namespace trackedcam::c {
+
+void StayLoaded() {
+  Dl_info info = {};
+  if (dladdr(reinterpret_cast<void*>(&StayLoaded), &info) != 0) {
+    dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
+  }
+}
+
+const bool kThreadsOutliveExit = true;
+
+}  // namespace trackedcam::c

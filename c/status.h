@@ -1,0 +1,86 @@
+// From exceptions to a status and a message.
+
+#pragma once
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "core/float_environment.h"
+#include "host/input/input_error.h"
+#include "trackedcam/trackedcam_c.h"
+
+namespace trackedcam::c {
+
+/// Why a call cannot do its work, with the status that says so.
+class Refusal : public std::runtime_error {
+ public:
+  Refusal(trackedcam_status status, const std::string& message)
+      : std::runtime_error(message), status_(status) {}
+  trackedcam_status Status() const { return status_; }
+
+ private:
+  trackedcam_status status_;
+};
+
+/// A message in memory that is there already: one may have to be kept when there is no more to get.
+struct Message {
+  char text[1024];  // UTF-8, with a zero at the end
+
+  /// Keeps what fits, without a part of a character at the end.
+  void Set(const char* message) noexcept;
+};
+
+/// Of this thread.
+Message& LastError() noexcept;
+
+/// Does the work in the processor's default settings, whatever the host's are, and lets no
+/// exception through.
+template <class Work>
+trackedcam_status Guarded(Message& message, Work work) noexcept {
+  const DefaultFloatEnvironment environment;
+  message.Set("");
+  try {
+    work();
+    return TRACKEDCAM_OK;
+  } catch (const Refusal& refusal) {
+    message.Set(refusal.what());
+    return refusal.Status();
+  } catch (const host::InputError& error) {
+    message.Set(error.what());
+    return TRACKEDCAM_BAD_INPUT;
+  } catch (const std::bad_alloc&) {
+    message.Set("There is not enough memory.");
+    return TRACKEDCAM_OUT_OF_MEMORY;
+  } catch (const std::exception& error) {
+    message.Set(error.what());
+    return TRACKEDCAM_FAILURE;
+  } catch (...) {
+    message.Set("The progress callback ended with an exception.");
+    return TRACKEDCAM_FAILURE;
+  }
+}
+
+template <class Work>
+trackedcam_status Guarded(Work work) noexcept {
+  return Guarded(LastError(), work);
+}
+
+/// @throws Refusal where it is null.
+template <class T>
+void RequirePointer(const T* pointer, const char* name) {
+  if (pointer == nullptr) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, std::string(name) + " is NULL.");
+  }
+}
+
+/// @throws Refusal where it is null or not UTF-8.
+std::string RequireText(const char* text, const char* name);
+
+/// The same, but NULL is an empty text.
+std::string OptionalText(const char* text, const char* name);
+
+/// @throws Refusal where a struct of the caller has another size than the library's.
+void RequireSize(std::size_t size, std::size_t expected, const char* name);
+
+}  // namespace trackedcam::c

@@ -1,0 +1,258 @@
+"""Calibrating, at once or beside other work."""
+
+from __future__ import annotations
+
+import ctypes
+import warnings
+from collections.abc import Sequence
+from typing import Any, Callable, NamedTuple, Optional, Union
+
+from . import _library
+from ._library import Handle, call, encoded
+from ._report import CalibrationError, CalibrationWarning, Path, Report
+
+_POLL_MS = 50
+_AXES = ("reported", "unreal", "unity")
+_UNITS = (None, "m", "cm", "mm")
+_MOUNTING_AXES = ("fixed", "reported")
+
+
+class Progress(NamedTuple):
+    """How far a run is. photographs_in_all is 0 in a stage that does not go through the photographs."""
+
+    stage: str
+    photographs_done: int
+    photographs_in_all: int
+
+
+Listener = Callable[[Progress], Any]
+
+
+class Shoot:
+    """The rows of a shoot in memory, in axes and unit that the calibration is told.
+
+    When a run starts they are written to shoot_001/tracker_data.csv below its log folder.
+    """
+
+    def __init__(self) -> None:
+        self._handle = Handle("trackedcam_shoot_free")
+        call("trackedcam_shoot_create", ctypes.byref(self._handle.pointer))
+
+    def add(self, photograph: Path, camera_position: Sequence[float], camera_quaternion_wxyz: Sequence[float],
+            chart_position: Sequence[float], chart_quaternion_wxyz: Sequence[float], time_s: float = 0) -> None:
+        """Adds a photograph.
+
+        Args:
+            photograph: its path, without commas.
+            camera_position: x, y, z of the tracker on the camera.
+            camera_quaternion_wxyz: its orientation, of any length but 0.
+            chart_position: x, y, z of the tracker on the chart.
+            chart_quaternion_wxyz: its orientation.
+            time_s: when, in seconds from any moment; for the data file only.
+        """
+        poses = [_library.Pose((ctypes.c_double * 3)(*_floats(position, 3)),
+                               (ctypes.c_double * 4)(*_floats(quaternion, 4)))
+                 for position, quaternion in [(camera_position, camera_quaternion_wxyz),
+                                              (chart_position, chart_quaternion_wxyz)]]
+        call("trackedcam_shoot_add", self._handle.pointer, time_s, encoded(photograph),
+             ctypes.byref(poses[0]), ctypes.byref(poses[1]))
+
+
+class Run:
+    """A calibration that goes on in the background. It cannot be cancelled; who drops it lets it end."""
+
+    def __init__(self, handle: Handle) -> None:
+        self._handle = handle
+
+    @property
+    def is_done(self) -> bool:
+        """Whether it has ended."""
+        return self.wait(0)
+
+    @property
+    def progress(self) -> Progress:
+        """Where it is."""
+        done, progress = ctypes.c_int32(), _library.ProgressStruct()
+        call("trackedcam_run_poll", self._handle.pointer, ctypes.byref(done), ctypes.byref(progress),
+             ctypes.sizeof(progress))
+        return Progress(progress.stage.decode(), progress.photographs_done, progress.photographs_in_all)
+
+    def wait(self, timeout_s: Optional[float] = None) -> bool:
+        """Waits until it has ended, or so many seconds.
+
+        Returns:
+            Whether it has ended. While it waits, other threads run; Ctrl-C raises at once.
+        """
+        left_ms = None if timeout_s is None else round(1000 * timeout_s)
+        done = ctypes.c_int32()
+        while True:
+            # In short steps: Python looks for Ctrl-C between calls.
+            step = _POLL_MS if left_ms is None else max(0, min(_POLL_MS, left_ms))
+            call("trackedcam_run_wait", self._handle.pointer, step, ctypes.byref(done))
+            if left_ms is not None:
+                left_ms -= step
+            if done.value or (left_ms is not None and left_ms <= 0):
+                return bool(done.value)
+
+    def report(self) -> Report:
+        """Waits for the end and gives the report, whatever the calibration came to.
+
+        Raises:
+            InputError: where it could not begin.
+        """
+        self.wait()
+        handle = Handle("trackedcam_report_free")
+        call("trackedcam_run_report", self._handle.pointer, ctypes.byref(handle.pointer))
+        return Report(handle)
+
+
+def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequence[int], square_m: float,
+          log_folder: Path, chart_rotation_deg: Optional[Sequence[float]] = None,
+          chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
+          tracker_axes: str = "reported", tracker_unit: Optional[str] = None,
+          invert_tracker_quaternions: bool = False, expected_records: Optional[int] = None,
+          refine_mounting: bool = False, working_folder: Optional[Path] = None, silent: bool = False) -> Run:
+    """Starts to calibrate a shoot and returns at once.
+
+    Args:
+        data: the tracker data file, or a Shoot.
+        sensor_mm: width and height of the camera's sensor, millimetres.
+        board: inner corners of the chart along a row and along a column.
+        square_m: edge of one square, metres.
+        log_folder: for logs and reprojected photographs; each run makes a folder of its own in it.
+        chart_rotation_deg: mounting of the chart's tracker: the chart is turned by Rx · Ry · Rz, degrees. With
+            neither this nor the next the mounting is found from the shoot.
+        chart_translation_m: and shifted by this, metres.
+        mounting_axes: "fixed": both count in the library's axes of the tracker; "reported": in its own.
+        tracker_axes: whose axes the poses count in: "reported", "unreal" or "unity".
+        tracker_unit: of positions: "m", "cm" or "mm"; None: centimetres of Unreal, metres of the others.
+        invert_tracker_quaternions: the trackers' quaternions give the inverse rotation.
+        expected_records: rows that were recorded; None: as many as there are.
+        refine_mounting: calibrate again where the cross-check finds another mounting or bad photographs.
+        working_folder: where relative paths of photographs begin; None: at the data file.
+        silent: let nothing reach standard output of the whole process while the run lasts. The library
+            writes each line of its log there.
+
+    Raises:
+        InputError: for figures that cannot be.
+    """
+    settings = _library.Settings()
+    call("trackedcam_settings_init", ctypes.byref(settings), ctypes.sizeof(settings))
+    settings.sensor_width_mm, settings.sensor_height_mm = _floats(sensor_mm, 2)
+    settings.board_columns, settings.board_rows = (int(count) for count in _floats(board, 2))
+    settings.square_m = square_m
+    _state_mounting(settings, chart_rotation_deg, chart_translation_m, mounting_axes)
+    settings.tracker_axes = _index("tracker_axes", _AXES, tracker_axes)
+    settings.tracker_unit = _index("tracker_unit", _UNITS, tracker_unit)
+    settings.invert_tracker_quaternions = bool(invert_tracker_quaternions)
+    settings.refine_mounting = bool(refine_mounting)
+    settings.silent = bool(silent)
+    if expected_records is not None:
+        settings.expected_records = max(int(expected_records), -2)  # -1 would mean as many as there are
+    settings.log_folder = encoded(log_folder)
+    if working_folder is not None:
+        settings.working_folder = encoded(working_folder)
+    shoot = data._handle if isinstance(data, Shoot) else Handle("trackedcam_shoot_free")
+    if not isinstance(data, Shoot):
+        call("trackedcam_shoot_open", encoded(data), ctypes.byref(shoot.pointer))
+    handle = Handle("trackedcam_run_free")
+    call("trackedcam_start", shoot.pointer, ctypes.byref(settings), ctypes.byref(handle.pointer))
+    return Run(handle)
+
+
+def calibrate(data: Union[Path, Shoot], *, progress: Union[Listener, bool, None] = None,
+              **settings: Any) -> Report:
+    """Calibrates a shoot and waits for it.
+
+    Args:
+        data: the tracker data file, or a Shoot.
+        progress: called with a Progress on this thread; True shows a bar where tqdm is installed.
+        settings: those of start.
+
+    Returns:
+        The report. It warns (CalibrationWarning) where the result is in doubt or certainly wrong.
+
+    Raises:
+        CalibrationError: where there is no result to use; it carries the report and an advice.
+        InputError: where the run could not begin.
+        KeyboardInterrupt: at once; the run ends in the background.
+    """
+    run = start(data, **settings)
+    listener = _bar() if progress is True else progress or None
+    told: Optional[Progress] = None
+    while not run.wait(_POLL_MS / 1000):
+        now = run.progress
+        if listener is not None and now != told and now.stage:
+            listener(now)
+            told = now
+    if listener is not None and run.progress != told and run.progress.stage:
+        listener(run.progress)
+    return _judged(run.report())
+
+
+def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = None,
+               chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed") -> Report:
+    """Cross-checks a calibration by the log that the library wrote, whichever host called it.
+
+    Args:
+        log: the log file.
+        chart_rotation_deg, chart_translation_m, mounting_axes: the mounting that the host stated, as for start;
+            left out where it is not known.
+
+    Raises:
+        InputError: where the file holds no log of a calibration.
+    """
+    settings = _library.Settings()
+    call("trackedcam_settings_init", ctypes.byref(settings), ctypes.sizeof(settings))
+    _state_mounting(settings, chart_rotation_deg, chart_translation_m, mounting_axes)
+    handle = Handle("trackedcam_report_free")
+    call("trackedcam_crosscheck", encoded(log), ctypes.byref(settings), ctypes.byref(handle.pointer))
+    return Report(handle)
+
+
+def _judged(report: Report) -> Report:
+    if report.level == "failed":
+        raise CalibrationError(report)
+    if report.level != "good":
+        warnings.warn(f"{report.words} {report.advice}".strip(), CalibrationWarning, stacklevel=3)
+    return report
+
+
+def _state_mounting(settings: _library.Settings, rotation: Optional[Sequence[float]],
+                    translation: Optional[Sequence[float]], axes: str) -> None:
+    settings.mounting_axes = _index("mounting_axes", _MOUNTING_AXES, axes)
+    if (rotation is None) != (translation is None):
+        raise _library.InputError("a mounting is stated by rotation and translation, or left out")
+    if rotation is not None and translation is not None:
+        settings.mounting_is_stated = 1
+        settings.chart_rotation_deg[:] = _floats(rotation, 3)
+        settings.chart_translation_m[:] = _floats(translation, 3)
+
+
+def _floats(numbers: Sequence[float], count: int) -> list[float]:
+    values = [float(number) for number in numbers]
+    if len(values) != count:
+        raise _library.InputError(f"{len(values)} numbers where there should be {count}")
+    return values
+
+
+def _index(name: str, known: Sequence[Optional[str]], value: Optional[str]) -> int:
+    if value not in known:
+        raise _library.InputError(f"{name} is {value!r}, which is not one of {', '.join(map(repr, known))}")
+    return known.index(value)
+
+
+def _bar() -> Optional[Listener]:
+    try:
+        from tqdm import tqdm
+    except ImportError:
+        return None
+    bar = tqdm(unit=" photographs")
+
+    def show(progress: Progress) -> None:
+        bar.set_description(progress.stage)
+        bar.total = progress.photographs_in_all or None
+        bar.n = progress.photographs_done
+        bar.refresh()
+
+    return show

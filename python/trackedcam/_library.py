@@ -1,0 +1,158 @@
+"""The C library behind the package: where it is, and how its functions are called.
+
+The declarations follow trackedcam_c.h, whose names they keep; a test compares sizes and offsets.
+"""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import pathlib
+import sys
+from ctypes import POINTER, c_char_p, c_double, c_int32, c_size_t, c_uint32, c_void_p
+from typing import Any
+
+OK, INVALID_ARGUMENT, BAD_INPUT, NOT_THERE, NOT_DONE, TOO_SMALL, OUT_OF_MEMORY, FAILURE = range(8)
+
+
+class InputError(ValueError):
+    """What was asked for cannot be done as it was asked; the message says what to change."""
+
+
+class Pose(ctypes.Structure):
+    _fields_ = [("position", c_double * 3), ("quaternion_wxyz", c_double * 4)]
+
+
+class Settings(ctypes.Structure):
+    _fields_ = [
+        ("struct_size", c_uint32),
+        ("board_columns", c_int32),
+        ("board_rows", c_int32),
+        ("expected_records", c_int32),
+        ("sensor_width_mm", c_double),
+        ("sensor_height_mm", c_double),
+        ("square_m", c_double),
+        ("chart_rotation_deg", c_double * 3),
+        ("chart_translation_m", c_double * 3),
+        ("mounting_is_stated", c_int32),
+        ("mounting_axes", c_int32),
+        ("tracker_axes", c_int32),
+        ("tracker_unit", c_int32),
+        ("invert_tracker_quaternions", c_int32),
+        ("refine_mounting", c_int32),
+        ("silent", c_int32),
+        ("reserved", c_int32),
+        ("working_folder", c_char_p),
+        ("log_folder", c_char_p),
+    ]
+
+
+class ProgressStruct(ctypes.Structure):
+    _fields_ = [("stage", ctypes.c_char * 64), ("photographs_done", c_int32), ("photographs_in_all", c_int32)]
+
+
+class LensStruct(ctypes.Structure):
+    _fields_ = [(name, c_double) for name in (
+        "image_width_px", "image_height_px", "fx_px", "fy_px", "cx_px", "cy_px", "k1", "k2", "p1", "p2", "k3",
+        "horizontal_fov_deg", "vertical_fov_deg", "focal_length_mm")]
+
+
+# What each function takes; each gives a status.
+FUNCTIONS: dict[str, list[Any]] = {
+    "trackedcam_shoot_create": [POINTER(c_void_p)],
+    "trackedcam_shoot_open": [c_char_p, POINTER(c_void_p)],
+    "trackedcam_shoot_add": [c_void_p, c_double, c_char_p, POINTER(Pose), POINTER(Pose)],
+    "trackedcam_shoot_free": [c_void_p],
+    "trackedcam_settings_init": [POINTER(Settings), c_size_t],
+    "trackedcam_start": [c_void_p, POINTER(Settings), POINTER(c_void_p)],
+    "trackedcam_run_poll": [c_void_p, POINTER(c_int32), POINTER(ProgressStruct), c_size_t],
+    "trackedcam_run_wait": [c_void_p, c_int32, POINTER(c_int32)],
+    "trackedcam_run_report": [c_void_p, POINTER(c_void_p)],
+    "trackedcam_run_free": [c_void_p],
+    "trackedcam_crosscheck": [c_char_p, POINTER(Settings), POINTER(c_void_p)],
+    "trackedcam_report_level": [c_void_p, POINTER(c_int32)],
+    "trackedcam_report_code": [c_void_p, POINTER(c_int32)],
+    "trackedcam_report_lens": [c_void_p, POINTER(LensStruct), c_size_t],
+    "trackedcam_report_json": [c_void_p, POINTER(c_char_p)],
+    "trackedcam_report_numbers": [c_void_p, c_char_p, POINTER(c_double), c_size_t, POINTER(c_size_t)],
+    "trackedcam_report_export": [c_void_p, c_char_p, c_char_p, POINTER(c_char_p)],
+    "trackedcam_report_lens_file": [c_void_p, c_char_p, c_char_p, POINTER(c_char_p)],
+    "trackedcam_report_page": [c_void_p, c_char_p, POINTER(c_char_p)],
+    "trackedcam_report_save": [c_void_p, c_char_p, c_char_p],
+    "trackedcam_report_free": [c_void_p],
+}
+
+
+def _candidates() -> list[str]:
+    """Where the library may be, the best first."""
+    if "TRACKEDCAM_C_LIBRARY" in os.environ:
+        return [os.environ["TRACKEDCAM_C_LIBRARY"]]
+    here = pathlib.Path(__file__).resolve().parent
+    name = "trackedcam_c.dll" if sys.platform == "win32" else "libtrackedcam_c.so.1"
+    # In the package, as in a wheel; below the prefix that the package is installed in; where the system looks.
+    places = [here / name]
+    for prefix in list(here.parents)[:5]:
+        places += [prefix / "bin" / name, prefix / "lib" / name, *sorted(prefix.glob(f"lib/*-linux-gnu/{name}"))]
+    return [str(place) for place in places if place.is_file()] + [name]
+
+
+def _load() -> ctypes.CDLL:
+    path = _candidates()[0]
+    try:
+        library = ctypes.CDLL(path)
+    except OSError as error:
+        raise ImportError(f"trackedcam's library is not there: {error}. The environment variable "
+                          "TRACKEDCAM_C_LIBRARY can name it.") from error
+    for name, arguments in FUNCTIONS.items():
+        function = getattr(library, name)
+        function.argtypes = arguments
+        function.restype = c_int32
+    for name in ("trackedcam_c_version", "trackedcam_last_error"):
+        getattr(library, name).argtypes = []
+        getattr(library, name).restype = c_char_p
+    return library
+
+
+LIBRARY = _load()
+VERSION: str = LIBRARY.trackedcam_c_version().decode()
+
+
+class StatusError(RuntimeError):
+    """A call that did not do its work, with the status that says why."""
+
+    def __init__(self, status: int, message: str) -> None:
+        super().__init__(message)
+        self.status = status
+
+
+def call(name: str, *arguments: Any) -> None:
+    """Calls a function of the library; a status other than OK raises."""
+    status = getattr(LIBRARY, name)(*arguments)
+    if status == OK:
+        return
+    message = LIBRARY.trackedcam_last_error().decode()
+    if status == BAD_INPUT:
+        raise InputError(message)
+    if status == OUT_OF_MEMORY:
+        raise MemoryError(message)
+    raise StatusError(status, message)
+
+
+def encoded(path: str | os.PathLike[str]) -> bytes:
+    """A path or text as the library takes it."""
+    text = os.fspath(path)
+    if "\0" in text:
+        raise InputError(f"{text!r} holds a zero")
+    return text.encode("utf-8", "surrogatepass")
+
+
+class Handle:
+    """A handle of the library, freed with its object."""
+
+    def __init__(self, free: str) -> None:
+        self.pointer = c_void_p()
+        self._free = getattr(LIBRARY, free)
+
+    def __del__(self) -> None:
+        if self.pointer:
+            self._free(self.pointer)

@@ -1,0 +1,54 @@
+/* Prints how the structs of the header lie in memory, to compare with what other languages declare. */
+
+#include <stdio.h>
+
+#include "trackedcam/trackedcam_c.h"
+
+#define SIZE(type) printf(#type " %u\n", (unsigned)sizeof(type))
+#define AT(type, member) printf(#type "." #member " %u\n", (unsigned)offsetof(type, member))
+
+int main(void) {
+  SIZE(trackedcam_pose);
+  AT(trackedcam_pose, position);
+  AT(trackedcam_pose, quaternion_wxyz);
+  SIZE(trackedcam_settings);
+  AT(trackedcam_settings, struct_size);
+  AT(trackedcam_settings, board_columns);
+  AT(trackedcam_settings, board_rows);
+  AT(trackedcam_settings, expected_records);
+  AT(trackedcam_settings, sensor_width_mm);
+  AT(trackedcam_settings, sensor_height_mm);
+  AT(trackedcam_settings, square_m);
+  AT(trackedcam_settings, chart_rotation_deg);
+  AT(trackedcam_settings, chart_translation_m);
+  AT(trackedcam_settings, mounting_is_stated);
+  AT(trackedcam_settings, mounting_axes);
+  AT(trackedcam_settings, tracker_axes);
+  AT(trackedcam_settings, tracker_unit);
+  AT(trackedcam_settings, invert_tracker_quaternions);
+  AT(trackedcam_settings, refine_mounting);
+  AT(trackedcam_settings, silent);
+  AT(trackedcam_settings, reserved);
+  AT(trackedcam_settings, working_folder);
+  AT(trackedcam_settings, log_folder);
+  SIZE(trackedcam_progress);
+  AT(trackedcam_progress, stage);
+  AT(trackedcam_progress, photographs_done);
+  AT(trackedcam_progress, photographs_in_all);
+  SIZE(trackedcam_lens);
+  AT(trackedcam_lens, image_width_px);
+  AT(trackedcam_lens, image_height_px);
+  AT(trackedcam_lens, fx_px);
+  AT(trackedcam_lens, fy_px);
+  AT(trackedcam_lens, cx_px);
+  AT(trackedcam_lens, cy_px);
+  AT(trackedcam_lens, k1);
+  AT(trackedcam_lens, k2);
+  AT(trackedcam_lens, p1);
+  AT(trackedcam_lens, p2);
+  AT(trackedcam_lens, k3);
+  AT(trackedcam_lens, horizontal_fov_deg);
+  AT(trackedcam_lens, vertical_fov_deg);
+  AT(trackedcam_lens, focal_length_mm);
+  return 0;
+}

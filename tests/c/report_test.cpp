@@ -1,0 +1,218 @@
+// What a report is asked for.
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "simulated_shoot.h"
+
+namespace trackedcam::c {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class ReportTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    logFolder = new test::TemporaryFolder;
+    const std::string log = logFolder->File("log");
+    shared = new OwnedReport(Calibrated(OpenedShoot(), SettingsFor(log)));
+  }
+  static void TearDownTestSuite() {
+    delete shared;
+    delete logFolder;
+  }
+
+  static test::TemporaryFolder* logFolder;
+  static OwnedReport* shared;
+  const OwnedReport& report = *shared;
+  trackedcam_report* handle = report.Get();
+  test::TemporaryFolder folder;
+};
+test::TemporaryFolder* ReportTest::logFolder = nullptr;
+OwnedReport* ReportTest::shared = nullptr;
+
+TEST_F(ReportTest, NumbersStandAsInTheJsonText) {
+  const Json json = Json::parse(JsonOf(report));
+  std::vector<double> covariance;
+  for (const auto& row : json["crossCheck"]["covarianceCamTcTwist"]) {
+    covariance.insert(covariance.end(), row.begin(), row.end());
+  }
+  EXPECT_EQ(covariance.size(), 36U);
+  EXPECT_EQ(NumbersAt(report, "/crossCheck/covarianceCamTcTwist"), covariance);
+  EXPECT_EQ(NumbersAt(report, "/inputs/board"), (std::vector<double>{9, 6}));
+  EXPECT_EQ(NumbersAt(report, "/lensErrorPixels"),
+            std::vector<double>{json["lensErrorPixels"].get<double>()});
+}
+
+TEST_F(ReportTest, TellsHowManyNumbersThereAre) {
+  std::size_t count = 99;
+  double few[15];
+  EXPECT_EQ(trackedcam_report_numbers(handle, "/transformCamTc", few, 15, &count),
+            TRACKEDCAM_TOO_SMALL);
+  EXPECT_EQ(count, 16U);
+}
+
+TEST_F(ReportTest, SaysWhatIsNotThere) {
+  std::size_t count = 99;
+  const char* text = nullptr;
+  for (const char* pointer : {"/nothing", "/transformCamTc/16", "/verdict/words/0", "/code/x"}) {
+    EXPECT_EQ(trackedcam_report_numbers(handle, pointer, nullptr, 0, &count), TRACKEDCAM_NOT_THERE)
+        << pointer;
+    EXPECT_EQ(trackedcam_report_text(handle, pointer, &text), TRACKEDCAM_NOT_THERE) << pointer;
+    EXPECT_EQ(trackedcam_report_count(handle, pointer, &count), TRACKEDCAM_NOT_THERE) << pointer;
+  }
+  EXPECT_EQ(trackedcam_report_numbers(handle, "/verdict/words", nullptr, 0, &count),
+            TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_numbers(handle, "/firstRun", nullptr, 0, &count),
+            TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_text(handle, "/code", &text), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_count(handle, "/code", &count), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_text(handle, "no slash", &text), TRACKEDCAM_INVALID_ARGUMENT);
+  EXPECT_EQ(count, 99U);
+  EXPECT_EQ(text, nullptr);
+}
+
+TEST_F(ReportTest, CountsListsAndObjects) {
+  std::size_t count = 99;
+  EXPECT_EQ(trackedcam_report_count(handle, "/photographs", &count), TRACKEDCAM_OK);
+  EXPECT_EQ(count, 24U);
+  EXPECT_EQ(trackedcam_report_count(handle, "/verdict", &count), TRACKEDCAM_OK);
+  EXPECT_EQ(count, 4U);  // level, words, advice, commands
+}
+
+TEST_F(ReportTest, GivesTheLensInPixels) {
+  trackedcam_lens lens;
+  ASSERT_EQ(trackedcam_report_lens(handle, &lens, sizeof lens), TRACKEDCAM_OK);
+  const simulator::Lens& truth = SimulatedShoot::Get().Truth().lens;
+  EXPECT_EQ(lens.image_width_px, 640);
+  EXPECT_EQ(lens.image_height_px, 360);
+  EXPECT_NEAR(lens.fx_px, truth.fx, 0.01 * truth.fx);
+  EXPECT_NEAR(lens.fy_px, truth.fy, 0.01 * truth.fy);
+  EXPECT_NEAR(lens.cx_px, truth.cx, 5);
+  EXPECT_NEAR(lens.cy_px, truth.cy, 5);
+  EXPECT_NEAR(lens.k1, truth.k1, 0.02);
+  EXPECT_EQ(lens.p1, 0);
+  EXPECT_EQ(lens.p2, 0);
+  EXPECT_EQ(lens.k3, 0);
+  EXPECT_EQ(std::vector<double>({lens.horizontal_fov_deg, lens.vertical_fov_deg}),
+            NumbersAt(report, "/fieldOfView"));
+  EXPECT_NEAR(lens.focal_length_mm, truth.fx * 36 / 640, 0.5);
+}
+
+TEST_F(ReportTest, JudgesInWords) {
+  std::int32_t level = -1;
+  EXPECT_EQ(trackedcam_report_level(handle, &level), TRACKEDCAM_OK);
+  EXPECT_EQ(level, TRACKEDCAM_GOOD);
+  const char* words = nullptr;
+  const char* advice = nullptr;
+  EXPECT_EQ(trackedcam_report_verdict(handle, &words, &advice), TRACKEDCAM_OK);
+  EXPECT_THAT(words, StartsWith("Success"));
+  EXPECT_THAT(advice, HasSubstr("Hand the lens"));
+}
+
+TEST_F(ReportTest, HandsTheResultToEveryEngine) {
+  for (const char* engine : {"unreal", "unity", "ue4", "ue5", "ue5-xn", "aximmetry"}) {
+    const char* text = nullptr;
+    ASSERT_EQ(trackedcam_report_export(handle, engine, nullptr, &text), TRACKEDCAM_OK) << engine;
+    const Json json = Json::parse(text);
+    EXPECT_EQ(json["code"], 0) << engine;
+    EXPECT_EQ(json["engine"], engine);
+    EXPECT_EQ(Json::parse(JsonOf(report))["exports"][engine], json) << engine;
+  }
+  EXPECT_EQ(NumbersAt(report, "/exports/ue4/translationCm").size(), 3U);
+  EXPECT_EQ(NumbersAt(report, "/exports/ue5/quaternionXyzw").size(), 4U);
+}
+
+TEST_F(ReportTest, TakesTheAxesOfTheParent) {
+  ASSERT_EQ(trackedcam_report_export(handle, "unreal", "z,-x,y", nullptr), TRACKEDCAM_OK);
+  const std::vector<double> before = NumbersAt(report, "/exports/unreal/locationCm");
+  ASSERT_EQ(trackedcam_report_export(handle, "unreal", "minus-z-forward", nullptr), TRACKEDCAM_OK);
+  const std::vector<double> after = NumbersAt(report, "/exports/unreal/locationCm");
+  EXPECT_EQ(after[0], -before[0]);
+  EXPECT_EQ(after[2], before[2]);
+  const char* text = nullptr;
+  EXPECT_EQ(trackedcam_report_export(handle, "unreal", "x,y,z", &text), TRACKEDCAM_BAD_INPUT);
+  EXPECT_EQ(trackedcam_report_export(handle, "ue4", "z,-x,y", &text), TRACKEDCAM_BAD_INPUT);
+  EXPECT_EQ(trackedcam_report_export(handle, "blender", nullptr, &text), TRACKEDCAM_BAD_INPUT);
+  EXPECT_THAT(trackedcam_last_error(), HasSubstr("ue4, ue5, ue5-xn, aximmetry, unreal, unity"));
+  EXPECT_EQ(text, nullptr);
+}
+
+TEST_F(ReportTest, WritesALensFile) {
+  const char* text = nullptr;
+  ASSERT_EQ(trackedcam_report_lens_file(handle, nullptr, "Prime 35", &text), TRACKEDCAM_OK);
+  EXPECT_THAT(text, HasSubstr("Prime 35"));
+  EXPECT_TRUE(Json::accept(text));
+}
+
+TEST_F(ReportTest, TextStaysUntilTheReportGoes) {
+  const char* first = nullptr;
+  const char* again = nullptr;
+  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/words", &first), TRACKEDCAM_OK);
+  const std::string before = first;
+  for (int i = 0; i < 24; ++i) {
+    TextAt(report, ("/photographs/" + std::to_string(i)).c_str());
+  }
+  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/words", &again), TRACKEDCAM_OK);
+  EXPECT_EQ(first, again);
+  EXPECT_EQ(first, before);
+}
+
+TEST_F(ReportTest, SavesResultFileAndPage) {
+  const std::string json = folder.File("result.json");
+  const std::string page = folder.File("page.html");
+  ASSERT_EQ(trackedcam_report_save(handle, json.c_str(), page.c_str()), TRACKEDCAM_OK)
+      << trackedcam_last_error();
+  EXPECT_EQ(test::ReadFile(json), JsonOf(report));
+  const char* html = nullptr;
+  ASSERT_EQ(trackedcam_report_page(handle, folder.Path().u8string().c_str(), &html), TRACKEDCAM_OK);
+  EXPECT_EQ(test::ReadFile(page), html);
+  EXPECT_THAT(html, StartsWith("<!"));
+  EXPECT_THAT(html, HasSubstr("data:image/jpeg;base64,"));
+  ASSERT_EQ(trackedcam_report_page(handle, nullptr, &html), TRACKEDCAM_OK);
+  EXPECT_EQ(trackedcam_report_save(handle, nullptr, nullptr), TRACKEDCAM_OK);
+  EXPECT_EQ(trackedcam_report_save(handle, folder.Path().u8string().c_str(), nullptr),
+            TRACKEDCAM_FAILURE);
+}
+
+TEST(FailedReport, HasNeitherLensNorTransform) {
+  const test::TemporaryFolder folder;
+  const std::string log = folder.File("log");
+  trackedcam_settings settings = SettingsFor(log);
+  settings.board_columns = 8;  // the chart has 9: the board is found nowhere
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  std::int32_t level = -1, code = -1;
+  EXPECT_EQ(trackedcam_report_level(report.Get(), &level), TRACKEDCAM_OK);
+  EXPECT_EQ(level, TRACKEDCAM_FAILED);
+  EXPECT_EQ(trackedcam_report_code(report.Get(), &code), TRACKEDCAM_OK);
+  EXPECT_EQ(code, 4);
+  trackedcam_lens lens;
+  double transform[16];
+  EXPECT_EQ(trackedcam_report_lens(report.Get(), &lens, sizeof lens), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_transform_cam_tc(report.Get(), transform), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_export(report.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_THERE);
+  const char* text = nullptr;
+  EXPECT_EQ(trackedcam_report_lens_file(report.Get(), nullptr, "a", &text), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_page(report.Get(), nullptr, &text), TRACKEDCAM_OK);
+}
+
+TEST(FailedReport, TellsTheCodeOfTheLibrary) {
+  const test::TemporaryFolder folder;
+  const std::string log = folder.File("log");
+  trackedcam_settings settings = SettingsFor(log);
+  settings.expected_records = 0;
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  std::int32_t level = -1, code = -1;
+  EXPECT_EQ(trackedcam_report_code(report.Get(), &code), TRACKEDCAM_OK);
+  EXPECT_EQ(code, 7);
+  EXPECT_EQ(trackedcam_report_level(report.Get(), &level), TRACKEDCAM_OK);
+  EXPECT_EQ(level, TRACKEDCAM_FAILED);
+}
+
+}  // namespace
+}  // namespace trackedcam::c

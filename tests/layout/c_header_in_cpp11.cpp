@@ -1,0 +1,12 @@
+#include "trackedcam/trackedcam_c.h"
+
+// As hosts see them that declare them in their own language: later versions append only.
+static_assert(sizeof(trackedcam_pose) == 56, "position and quaternion");
+static_assert(sizeof(trackedcam_progress) == 72, "stage and two counts");
+static_assert(sizeof(trackedcam_lens) == 14 * 8, "fourteen numbers");
+static_assert(offsetof(trackedcam_settings, sensor_width_mm) == 16, "four counts before");
+static_assert(offsetof(trackedcam_settings, mounting_is_stated) == 88, "nine numbers before");
+static_assert(offsetof(trackedcam_settings, working_folder) == 120, "eight choices before");
+static_assert(sizeof(trackedcam_settings) == 120 + 2 * sizeof(char*), "two folders at the end");
+
+extern trackedcam_status (*const create)(trackedcam_shoot**) = &trackedcam_shoot_create;
