@@ -22,10 +22,11 @@ packages_of() {
     # opencv-doc: the photographs of a real chessboard that a test calibrates.
     # dpkg-dev, file: packaging finds the dependencies. poppler-utils, librsvg2-bin: a test renders
     # the printed chart. chromium, python3-selenium: a test reads the report as a browser shows it.
-    # locales: a test runs the library in a host with a decimal comma.
+    # locales: a test runs the library in a host with a decimal comma. mono-mcs: one runs the
+    # recorder in C# that a page shows.
     tests)
       echo python3 libgtest-dev libgmock-dev opencv-doc dpkg-dev file lowdown pkgconf
-      echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr
+      echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr mono-mcs
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;

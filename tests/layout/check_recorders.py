@@ -34,11 +34,12 @@ def listed(numbers):
 
 def in_cpp(folder):
     source = folder / "recorder.cpp"
-    source.write_text(block("cpp", "class Recorder") + f"""
+    source.write_text("#include <cstdio>\n" + block("cpp", "class Recorder") + f"""
 int main(int, char** words) {{
   try {{
     std::locale::global(std::locale("de_DE.UTF-8"));
   }} catch (const std::runtime_error&) {{
+    std::puts("C++: the locale de_DE.UTF-8 is missing, so the numbers had points anyway");
   }}
   Recorder recorder(words[1]);
   for (int i = 0; i < 2; ++i) {{
