@@ -8,6 +8,7 @@
 #include <Eigen/Eigenvalues>
 
 #include "crosscheck/distributions.h"
+#include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 namespace {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 #include "crosscheck/comparison.h"
 #include "crosscheck/distributions.h"
@@ -200,7 +201,9 @@ void Fill(const Observations& observations, const Evidence& evidence, Grounds& g
   }
   check.halves = CompareHalves(evidence, solution);
   check.onScreen = OnScreenAtAll(evidence, solution, library);
-  check.suggestedViews = SuggestViews(evidence, solution);
+  Suggestions suggestions = SuggestViews(evidence, solution);
+  check.suggestedViews = std::move(suggestions.views);
+  check.photographsToHalve = suggestions.photographsToHalve;
   grounds.result = ResultOffset(observations, evidence, solution, check);
   grounds.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
   grounds.chartSpreadMetres = ChartSpread(evidence.loops);

@@ -137,7 +137,10 @@ struct CrossCheck {
   std::vector<OnScreen> onScreen;
   std::vector<PerPhotograph> perPhotograph;   // one for each photograph, in order
   std::vector<SuggestedView> suggestedViews;  // the best first
-  std::vector<Finding> findings;              // the worst first
+  /// How many photographs of such views halve the uncertainty of Transform_Cam_Tc; nothing where a
+  /// hundred do not.
+  std::optional<int> photographsToHalve;
+  std::vector<Finding> findings;  // the worst first
 };
 
 /// Never hangs and never fails on what is not a number: what cannot be solved gives a CrossCheck

@@ -35,7 +35,7 @@ enum class FindingId {
   kLensUncertain,
   /// mm, degrees
   kTrackersNoisy,
-  /// offMm, offDegrees, p
+  /// offMm, offDegrees, p; detail: mountingUnknown where none was stated, or ""
   kLibraryApart,
 };
 

@@ -8,6 +8,7 @@
 
 #include "crosscheck/mounting.h"
 #include "crosscheck/projection.h"
+#include "crosscheck/solve.h"
 #include "crosscheck/views.h"
 
 namespace trackedcam::crosscheck {

@@ -7,7 +7,7 @@
 #include "crosscheck/cross_check.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/observations.h"
-#include "crosscheck/solve.h"
+#include "crosscheck/solution.h"
 
 namespace trackedcam::crosscheck {
 

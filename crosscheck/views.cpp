@@ -13,8 +13,9 @@ namespace trackedcam::crosscheck {
 namespace {
 
 constexpr double kDegree = EIGEN_PI / 180;
-constexpr int kSuggestions = 3;
+constexpr std::size_t kSuggestions = 3;
 constexpr int kViewsEach = 5;
+constexpr int kMostPhotographs = 100;  // nobody would shoot more
 
 using Matrix12d = Eigen::Matrix<double, 12, 12>;
 
@@ -122,14 +123,15 @@ View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>&
   return view;
 }
 
-std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution) {
+Suggestions SuggestViews(const Evidence& evidence, const Solution& solution) {
   const std::vector<Candidate> candidates = Candidates(evidence, solution);
   const double distance = MeanDistance(evidence);
   const Matrix12d present = solution.covariance.topLeftCorner<12, 12>();
   Matrix12d information = present.ldlt().solve(Matrix12d::Identity());
-  std::vector<SuggestedView> suggested;
-  for (int i = 0; i < kSuggestions && !candidates.empty(); ++i) {
-    const double before = Uncertainty(information, distance);
+  const double now = Uncertainty(information, distance);
+  Suggestions suggestions;
+  double before = now;
+  for (int photographs = kViewsEach; photographs <= kMostPhotographs; photographs += kViewsEach) {
     const Candidate* best = nullptr;
     double least = before;
     for (const Candidate& candidate : candidates) {
@@ -142,10 +144,17 @@ std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution
     if (best == nullptr) {
       break;
     }
-    suggested.push_back({{best->view}, kViewsEach, before / least});
+    if (suggestions.views.size() < kSuggestions) {
+      suggestions.views.push_back({{best->view}, kViewsEach, before / least});
+    }
+    if (least <= now / 2) {
+      suggestions.photographsToHalve = photographs;
+      break;
+    }
     information += kViewsEach * best->information;
+    before = least;
   }
-  return suggested;
+  return suggestions;
 }
 
 }  // namespace trackedcam::crosscheck

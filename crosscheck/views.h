@@ -2,17 +2,23 @@
 
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/evidence.h"
-#include "crosscheck/solve.h"
+#include "crosscheck/solution.h"
 
 namespace trackedcam::crosscheck {
 
 View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board);
 
+struct Suggestions {
+  std::vector<SuggestedView> views;
+  std::optional<int> photographsToHalve;
+};
+
 /// The views that add most information, one after the other, each on top of those before it.
-std::vector<SuggestedView> SuggestViews(const Evidence& evidence, const Solution& solution);
+Suggestions SuggestViews(const Evidence& evidence, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck

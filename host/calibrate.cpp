@@ -20,10 +20,13 @@ void Append(std::vector<Finding>& findings, const std::vector<Finding>& more) {
   findings.insert(findings.end(), more.begin(), more.end());
 }
 
-void CrossCheckRun(Report& report) {
-  const auto observations = ObservationsOf(report.run.record, report.inputs.mounting);
+void CrossCheckRun(Report& report, bool hasResult) {
+  auto observations = ObservationsOf(report.run.record, report.inputs.mounting);
   if (!observations) {
     return;
+  }
+  if (!hasResult) {
+    observations->library = std::nullopt;
   }
   for (const crosscheck::Photograph& photograph : observations->photographs) {
     report.checkedPhotographs.push_back(photograph.name);
@@ -36,9 +39,10 @@ void CrossCheckRun(Report& report) {
   Append(report.findings, FindingsOf(*report.crossCheck, report.checkedPhotographs));
 }
 
-void Judge(Report& report, const std::vector<Finding>& ofInput) {
+// A run that was given zeros for a mounting that nobody stated has no result to compare.
+void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) {
   report.findings = ofInput;
-  CrossCheckRun(report);
+  CrossCheckRun(report, hasResult);
   Append(report.findings, FindingsOf(report.run));
   SortFindings(report.findings);
   report.verdict = VerdictOf(report.run, report.findings);
@@ -50,7 +54,7 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
   report.inputs = inputs;
   report.run = RunLibrary(inputs, rows, inputs.mounting.value_or(Mounting{}),
                           CreateRunFolder(inputs.logFolder), listener);
-  Judge(report, ofInput);
+  Judge(report, ofInput, inputs.mounting.has_value());
   return report;
 }
 
@@ -170,7 +174,7 @@ Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>&
     run.exception = "the log ends before the run does";
   }
   run.outputs = OutputsOf(run.record);
-  Judge(report, {});
+  Judge(report, {}, true);
   return report;
 }
 

@@ -463,6 +463,7 @@ const makeScene = () => {
   for (const [x, y] of [[-2, -2], [columns + 1, -2], [-2, rows + 1], [columns + 1, rows + 1]]) {
     points.push(new THREE.Vector3(x * square, y * square, 0).applyMatrix4(chart.matrixWorld));
   }
+  if (found) points.push(...cameras.map(({pose}) => at(pose.clone().multiply(found), 0, 0, 0).applyMatrix4(chart.matrixWorld)));
   if (isList(cross.transformTrChart, 16)) points.push(at(inverse(matrix(cross.transformTrChart)), 0, 0, 0).applyMatrix4(chart.matrixWorld));
   const middle = new THREE.Box3().setFromPoints(points).getCenter(new THREE.Vector3());
   const look = (x, y, z) => {

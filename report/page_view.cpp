@@ -74,16 +74,58 @@ Json Distance(const Json& difference) {
           {"perhaps", TextAt(difference, "/perhaps")}};
 }
 
+/// One word of a command line, whose minus signs a shell takes for no other option.
+std::string Option(const std::string& name, const Json& numbers) {
+  std::string text;
+  for (const Json& number : numbers) {
+    text += (text.empty() ? "" : ",") + number.dump();
+  }
+  return name + '=' + text;
+}
+
+/// What to state instead, in the axes in which the mounting was stated.
+Json MountingOptions(const Json& result) {
+  const bool isReported = TextAt(result, "/inputs/mountingAxes") == "reported";
+  const Json& found =
+      ValueAt(result, isReported ? "/crossCheck/mountingReported" : "/crossCheck/mounting");
+  if (!found.is_object()) {
+    return nullptr;
+  }
+  return Option("--chart-rotation", ValueAt(found, "/rotationDegrees")) + ' ' +
+         Option("--chart-translation", ValueAt(found, "/translationMetres")) +
+         (isReported ? " --mounting-axes=reported" : "");
+}
+
 Json Mounting(const Json& result) {
   const auto angles = [&](const char* path) { return List(ValueAt(result, path), 3); };
   const auto shift = [&](const char* path) {
     return List(ValueAt(result, path), 2, kMillimetresPerMetre);
   };
+  const Json inReported = {
+      {"statedRotation", angles("/inputs/mountingReported/rotationDegrees")},
+      {"statedTranslation", shift("/inputs/mountingReported/translationMetres")},
+      {"foundRotation", angles("/crossCheck/mountingReported/rotationDegrees")},
+      {"foundTranslation", shift("/crossCheck/mountingReported/translationMetres")}};
+  const bool hasReported =
+      !inReported["statedRotation"].is_null() || !inReported["foundRotation"].is_null();
   return {{"statedRotation", angles("/inputs/chartRotationDegrees")},
           {"statedTranslation", shift("/inputs/chartTranslationMetres")},
           {"foundRotation", angles("/crossCheck/mounting/rotationDegrees")},
           {"foundTranslation", shift("/crossCheck/mounting/translationMetres")},
+          {"inReported", hasReported ? inReported : Json()},
+          {"options", MountingOptions(result)},
           {"off", Distance(ValueAt(result, "/crossCheck/nominalMounting"))}};
+}
+
+/// Above which a figure is doubted and above which the run fails; null where there is no limit.
+Json LimitOf(const Json& result, const std::string& figure, int decimals, double scale = 1) {
+  const Number failure = NumberAt(result, "/limits/" + figure + "/failure");
+  if (!failure) {
+    return nullptr;
+  }
+  const Number doubt = NumberAt(result, "/limits/" + figure + "/doubt");
+  return {{"doubt", doubt ? Json(Fixed(Times(doubt, scale), decimals)) : Json()},
+          {"failure", Fixed(Times(failure, scale), decimals)}};
 }
 
 /// In pixels where the file has shares of the image's size, with the 95 % half-width.
@@ -111,6 +153,7 @@ Json Lens(const Json& result) {
           {"width", Fixed(NumberAt(result, kWidth), 0)},
           {"height", Fixed(NumberAt(result, kHeight), 0)},
           {"error", Fixed(NumberAt(result, "/lensErrorPixels"), 3)},
+          {"errorLimit", LimitOf(result, "lensErrorPixels", 1)},
           {"rows",
            {LensRow(result, "fx", pixels("/normFocal/0", kWidth), "/crossCheck/lens/fx", 2),
             LensRow(result, "fy", pixels("/normFocal/1", kHeight), "/crossCheck/lens/fy", 2),
@@ -210,6 +253,7 @@ Json CrossCheck(const Json& result) {
           {"noiseMillimetres", known("/trackerNoise/mm", 2)},
           {"cornerNoise", known("/cornerNoisePixels", 3)},
           {"amplification", known("/diversity/amplification", 2)},
+          {"photographsToHalve", known("/photographsToHalve", 0)},
           {"squareFactor", known("/square/factor", 4)},
           {"squareError", known("/square/standardError", 4)}};
 }
@@ -312,6 +356,8 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"reprojection", Fixed(NumberAt(result, "/reprojectionErrorPixels"), 2)},
       {"spread",
        Fixed(Times(NumberAt(result, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
+      {"reprojectionLimit", LimitOf(result, "reprojectionErrorPixels", 1)},
+      {"spreadLimit", LimitOf(result, "translationSpreadMetres", 0, kMillimetresPerMetre)},
       {"photographs", photographs},
       {"photographCount", photographs.size()},
       {"usedCount", ValueAt(result, "/used").size()},

@@ -31,7 +31,7 @@ packages_of() {
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;
-    python) echo python3 python3-numpy ;;
+    python) echo python3 python3-matplotlib ;;
     # With what scripts/newer_opencv.sh builds.
     newer-opencv)
       echo dpkg-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libopenblas-serial-dev liblapacke-dev

@@ -13,6 +13,7 @@
 #include "app/words/summary.h"
 #include "app/words/warning.h"
 #include "host/calibrate.h"
+#include "host/input/data_checks.h"
 #include "host/platform.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
@@ -111,6 +112,7 @@ bool PrintExports(const host::Report& report) {
 int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   host::Inputs& inputs = options.inputs;
   inputs.mounting = MountingOf(options.mounting);
+  inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (inputs.workingFolder.empty()) {
     inputs.workingFolder = inputs.data.parent_path();
   }
@@ -118,7 +120,7 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  host::ReadDataFile(inputs.data);
+  host::RequireData(inputs.data);  // before anything is written
   PrepareOutput(options);
   fs::current_path(inputs.workingFolder);  // photographs keep their names
 

@@ -34,7 +34,8 @@ struct CrosscheckOptions {
 };
 
 int Crosscheck(const CrosscheckOptions& options) {
-  const host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
+  host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
+  report.inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (options.json) {
     std::cout << host::JsonText(host::ResultJson(report));
   } else {

@@ -42,11 +42,6 @@ void PrintBad(std::ostream& out, const host::Report& report) {
   }
 }
 
-std::string Triple(const std::array<double, 3>& numbers, int decimals) {
-  return Fixed(numbers[0], decimals) + ',' + Fixed(numbers[1], decimals) + ',' +
-         Fixed(numbers[2], decimals);
-}
-
 std::vector<double> RowByRow(const Eigen::Matrix4d& transform) {
   const Eigen::Matrix<double, 4, 4, Eigen::RowMajor> rows = transform;
   return {rows.data(), rows.data() + rows.size()};
@@ -78,19 +73,6 @@ void PrintCrossCheck(std::ostream& out, const host::Report& report,
              {Fixed(off.millimetres, 2) + " mm", Fixed(off.degrees, 3) + " deg"});
   }
   PrintBad(out, report);
-}
-
-void PrintMountingFound(std::ostream& out, const host::Report& report) {
-  const CrossCheck& check = *report.crossCheck;
-  const crosscheck::Mounting& mounting = *report.inputs.mounting;
-  out << "\nMounting found from the shoot, to pass on\n"
-      << "  --chart-rotation=" << Triple(mounting.rotationDegrees, 4)
-      << " --chart-translation=" << Triple(mounting.translationMetres, 6) << '\n';
-  if (check.solved) {
-    auto known = Known(check.standardErrorTrChart, check.t95);
-    known.emplace_back("(95 %)");
-    PrintRow(out, "it is known to", known);
-  }
 }
 
 }  // namespace trackedcam::app

@@ -12,7 +12,4 @@ namespace trackedcam::app {
 void PrintCrossCheck(std::ostream& out, const host::Report& report,
                      const host::CalibrationOutputs* truth);
 
-/// The mounting found, with its uncertainty and ready to paste.
-void PrintMountingFound(std::ostream& out, const host::Report& report);
-
 }  // namespace trackedcam::app

@@ -4,10 +4,12 @@
 
 #include "app/words/cross_check_words.h"
 #include "app/words/lens_table.h"
+#include "app/words/mounting_words.h"
 #include "app/words/table_row.h"
 #include "host/result/transform_difference.h"
 #include "host/run/library_data.h"
 #include "host/text/number_text.h"
+#include "host/verdict/limits.h"
 #include "host/verdict/verdict.h"
 
 namespace trackedcam::app {
@@ -44,16 +46,28 @@ void PrintTransform(std::ostream& out, const std::vector<double>& transform,
   }
 }
 
-void PrintErrors(std::ostream& out, const RunRecord& record) {
-  const auto print = [&](const char* label, std::optional<double> figure, double scale) {
-    if (figure) {
-      PrintRow(out, label, {Fixed(*figure * scale, 2)});
+// Each with the limits that hold for an image of this height.
+void PrintErrors(std::ostream& out, const LibraryRun& run) {
+  const auto print = [&](const char* label, std::optional<double> figure,
+                         const std::optional<host::Limit>& limit, double scale) {
+    if (!figure) {
+      return;
     }
+    std::vector<std::string> figures = {Fixed(*figure * scale, 2)};
+    if (limit) {
+      figures.push_back(limit->doubt ? Fixed(*limit->doubt * scale, 2) : "");
+      figures.push_back(Fixed(limit->failure * scale, 2));
+    }
+    PrintRow(out, label, figures);
   };
+  const RunRecord& record = run.record;
+  const host::Limits limits = host::LimitsOf(run.outputs);
   out << "\nErrors\n";
-  print("of the lens alone, px", record.lensError, 1);
-  print("reprojection, mean, px", record.reprojectionError, 1);
-  print("spread of the translation, mm", record.spread, kMillimetresPerMetre);
+  PrintRow(out, "", {"found", "doubt above", "fails above"});
+  print("of the lens alone, px", record.lensError, limits.lensErrorPixels, 1);
+  print("reprojection, mean, px", record.reprojectionError, limits.reprojectionErrorPixels, 1);
+  print("spread of the translation, mm", record.spread, limits.translationSpreadMetres,
+        kMillimetresPerMetre);
 }
 
 std::size_t Count(const RunRecord& record, DropReason reason) {
@@ -126,13 +140,14 @@ void PrintRun(std::ostream& out, const Report& report, const CalibrationOutputs*
     PrintTransform(out, run.outputs.transformCamTc, truth);
   }
   if (run.record.lensError) {
-    PrintErrors(out, run.record);
+    PrintErrors(out, run);
   }
   if (!run.record.photographs.empty()) {
     PrintPhotographs(out, run.record);
   }
   if (report.crossCheck) {
     PrintCrossCheck(out, report, truth);
+    PrintMountings(out, report);
   }
   PrintFindings(out, report.findings);
 }
@@ -160,7 +175,8 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
     PrintLens(out, report.run.outputs, truth);
   }
   PrintRun(out, report, truth);
-  if (report.firstRun) {
+  const bool isOfALog = report.inputs.data.empty();  // there is no second run then
+  if (report.crossCheck && (report.firstRun || isOfALog)) {
     PrintMountingFound(out, report);
   }
   PrintVerdict(out, report);

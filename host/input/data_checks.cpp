@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "host/input/data_fields.h"
+#include "host/input/input_error.h"
 #include "host/input/pose_checks.h"
 #include "host/input/row_form.h"
 #include "host/input/row_words.h"
@@ -242,6 +243,18 @@ std::vector<Finding> CheckData(const std::string& content, const std::vector<Dat
   AddNotes(faulty, findings);
   SortFindings(findings);
   return findings;
+}
+
+void RequireData(const std::filesystem::path& data) {
+  const std::string content = ReadDataContent(data);
+  const std::vector<DataRow> rows = ReadRows(content);
+  if (rows.empty()) {
+    const std::vector<Finding> findings = CheckData(content, rows);
+    if (!findings.empty()) {
+      throw InputError(findings.front().text + ' ' + findings.front().advice);
+    }
+  }
+  RequireRows(data, rows);
 }
 
 }  // namespace trackedcam::host

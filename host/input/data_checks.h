@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -16,5 +17,8 @@ namespace trackedcam::host {
 /// @param content The whole file.
 /// @param rows ReadRows of it.
 std::vector<Finding> CheckData(const std::string& content, const std::vector<DataRow>& rows);
+
+/// @throws InputError where the file cannot be read or has no row, with what is wrong with it.
+void RequireData(const std::filesystem::path& data);
 
 }  // namespace trackedcam::host

@@ -21,7 +21,8 @@ struct Inputs {
   std::array<double, 2> sensorMm = {};
   std::array<int, 2> board = {};  // inner corners: columns, rows
   double squareMetres = 0;
-  std::optional<Mounting> mounting;  // nothing: to be found from the shoot
+  std::optional<Mounting> mounting;      // after the axis fix; nothing: to be found from the shoot
+  bool hasReportedMountingAxes = false;  // how the user counts it, and wants it told
   bool invertTrackerQuaternions = false;
   std::optional<int> expectedRecords;  // nothing: as many as the file has
   std::filesystem::path logFolder;     // each run gets a folder of its own in it

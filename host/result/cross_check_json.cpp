@@ -1,5 +1,6 @@
 #include "host/result/cross_check_json.h"
 
+#include "host/input/mounting_axes.h"
 #include "host/text/json_file.h"
 #include "host/verdict/cross_check_findings.h"
 
@@ -53,12 +54,6 @@ Json OffsetJson(const crosscheck::Offset& offset) {
 
 Json OffsetJson(const std::optional<crosscheck::Offset>& offset) {
   return offset ? OffsetJson(*offset) : Json(nullptr);
-}
-
-Json MountingJson(const std::optional<crosscheck::Mounting>& mounting) {
-  return mounting ? Json{{"rotationDegrees", mounting->rotationDegrees},
-                         {"translationMetres", mounting->translationMetres}}
-                  : Json(nullptr);
 }
 
 Json NominalMountingJson(const std::optional<crosscheck::NominalMounting>& mounting) {
@@ -162,6 +157,11 @@ Json FindingsJson(const std::vector<crosscheck::Finding>& findings) {
 
 }  // namespace
 
+Json MountingJson(const crosscheck::Mounting& mounting) {
+  return {{"rotationDegrees", mounting.rotationDegrees},
+          {"translationMetres", mounting.translationMetres}};
+}
+
 Json CrossCheckJson(const crosscheck::CrossCheck& check,
                     const std::vector<std::string>& photographs, const RunRecord& record) {
   const crosscheck::LensErrors& lens = check.lens;
@@ -180,7 +180,9 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["lens"] = {{"fx", NumberJson(lens.fx)}, {"fy", NumberJson(lens.fy)},
                   {"cx", NumberJson(lens.cx)}, {"cy", NumberJson(lens.cy)},
                   {"k1", NumberJson(lens.k1)}, {"k2", NumberJson(lens.k2)}};
-  json["mounting"] = MountingJson(check.mounting);
+  json["mounting"] = check.mounting ? MountingJson(*check.mounting) : Json(nullptr);
+  json["mountingReported"] =
+      check.mounting ? MountingJson(ToReportedAxes(*check.mounting)) : Json(nullptr);
   json["nominalMounting"] = NominalMountingJson(check.nominalMounting);
   json["library"] = OffsetJson(check.library);
   json["diversity"] = {{"amplification", NumberJson(check.diversity.amplification)},
@@ -193,6 +195,8 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["onScreen"] = OnScreenJson(check.onScreen);
   json["perPhotograph"] = PerPhotographJson(check, photographs, record);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
+  json["photographsToHalve"] =
+      check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
   json["findings"] = FindingsJson(check.findings);
   return json;
 }

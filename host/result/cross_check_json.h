@@ -10,6 +10,8 @@
 
 namespace trackedcam::host {
 
+nlohmann::ordered_json MountingJson(const crosscheck::Mounting& mounting);
+
 /// Every figure of a cross-check at full precision. What could not be found out is null.
 /// @param record Of the same run, for the corners of the photographs.
 nlohmann::ordered_json CrossCheckJson(const crosscheck::CrossCheck& crossCheck,

@@ -1,7 +1,9 @@
 #include "host/result/result_json.h"
 
+#include "host/input/mounting_axes.h"
 #include "host/result/cross_check_json.h"
 #include "host/text/json_file.h"
+#include "host/verdict/limits.h"
 #include "host/verdict/verdict.h"
 
 namespace trackedcam::host {
@@ -84,6 +86,19 @@ Json FindingsJson(const std::vector<Finding>& findings) {
   return list;
 }
 
+Json LimitJson(const Limit& limit) {
+  return {{"doubt", limit.doubt ? Json(*limit.doubt) : Json(nullptr)}, {"failure", limit.failure}};
+}
+
+Json LimitsJson(const CalibrationOutputs& outputs) {
+  const Limits limits = LimitsOf(outputs);
+  return {
+      {"lensErrorPixels", LimitJson(limits.lensErrorPixels)},
+      {"reprojectionErrorPixels",
+       limits.reprojectionErrorPixels ? LimitJson(*limits.reprojectionErrorPixels) : Json(nullptr)},
+      {"translationSpreadMetres", LimitJson(limits.translationSpreadMetres)}};
+}
+
 Json InputsJson(const Inputs& inputs) {
   const auto& mounting = inputs.mounting;
   return {
@@ -95,6 +110,8 @@ Json InputsJson(const Inputs& inputs) {
       {"squareMetres", inputs.squareMetres},
       {"chartRotationDegrees", mounting ? Json(mounting->rotationDegrees) : Json(nullptr)},
       {"chartTranslationMetres", mounting ? Json(mounting->translationMetres) : Json(nullptr)},
+      {"mountingReported", mounting ? MountingJson(ToReportedAxes(*mounting)) : Json(nullptr)},
+      {"mountingAxes", inputs.hasReportedMountingAxes ? "reported" : "fixed"},
       {"invertTrackerQuaternions", inputs.invertTrackerQuaternions},
       {"expectedRecords", inputs.expectedRecords ? Json(*inputs.expectedRecords) : Json(nullptr)},
   };
@@ -120,6 +137,7 @@ Json RunJson(const Report& report) {
       {"lensErrorPixels", NumberJson(record.lensError)},
       {"reprojectionErrorPixels", NumberJson(record.reprojectionError)},
       {"translationSpreadMetres", NumberJson(record.spread)},
+      {"limits", LimitsJson(outputs)},
       {"photographs", Photographs(record)},
       {"used", UsedPhotographs(record)},
       {"dropped", Dropped(record)},

@@ -155,6 +155,12 @@ Words TrackersNoisy(const crosscheck::Finding& finding) {
 }
 
 Words LibraryApart(const crosscheck::Finding& finding) {
+  if (finding.detail == "mountingUnknown") {
+    return {"The result is off by " +
+                Offset(finding.Number("offMm"), finding.Number("offDegrees")) +
+                ": the mounting that the library was given is off, or bad photographs were used.",
+            "Calibrate again with the mounting that was found."};
+  }
   return {"The result is off by " + Offset(finding.Number("offMm"), finding.Number("offDegrees")) +
               " although the stated mounting is right: too few or bad photographs were used.",
           "Calibrate again without the photographs that contradict the others, or with more."};

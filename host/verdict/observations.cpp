@@ -48,7 +48,7 @@ std::optional<crosscheck::Observations> ObservationsOf(
   }
   observations.invertTrackerQuaternions = record.invertsQuaternions;
   observations.mounting = mounting;
-  if (mounting && record.transformCamTc.size() == 16) {
+  if (record.transformCamTc.size() == 16) {
     observations.library = TransformOf(record.transformCamTc);
   }
   return observations;

@@ -189,10 +189,14 @@ TEST_F(CrosscheckShoot, OfALogIsTheSame) {
 
   const ProgramRun words = RunHostProgram(
       folder.Path(), {"crosscheck", "--log", Result()["log"], "--config", "shoot/shoot.toml"});
-  EXPECT_THAT(words.out, HasSubstr("the mounting used is off by"));
+  EXPECT_THAT(words.out,
+              AllOf(HasSubstr("the mounting used is off by"), HasSubstr("  --chart-rotation=")));
   const ProgramRun open = RunHostProgram(folder.Path(), {"crosscheck", "--log", Result()["log"]});
-  EXPECT_THAT(open.out, AllOf(HasSubstr("the transform is known to"),
-                              Not(HasSubstr("the mounting used is off by"))));
+  EXPECT_EQ(open.status, 3);
+  EXPECT_THAT(open.out,
+              AllOf(HasSubstr("the result above is off by"),
+                    HasSubstr("the mounting that the library was given is off"),
+                    Not(HasSubstr("Success")), Not(HasSubstr("the mounting used is off by"))));
 }
 
 TEST_F(CrosscheckShoot, NeedsALog) {

@@ -140,7 +140,14 @@ TEST(HostProgramMounting, MayStandInReportedAxes) {
                                         "-0.0936,-0.0257,0.0449",
                                         "--mounting-axes",
                                         "reported"};
-  EXPECT_EQ(RunHostProgram(folder.Path(), arguments).status, 0);
+  const ProgramRun run = RunHostProgram(folder.Path(), arguments);
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out,
+              testing::HasSubstr(
+                  "  stated, after axis fix, deg         15.6000      -9.3100       3.8700\n"
+                  "  stated, after axis fix, mm            93.60       -44.90        25.70\n"
+                  "  stated, reported axes, deg          74.4000       9.3100    -176.1300\n"
+                  "  stated, reported axes, mm            -93.60       -25.70        44.90\n"));
   arguments.back() = "fixed";
   EXPECT_EQ(RunHostProgram(folder.Path(), arguments).status, 1);
 }

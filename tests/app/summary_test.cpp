@@ -49,8 +49,13 @@ TEST(Summary, ShowsLensAndTransformInPixelsAndMillimetres) {
 
 TEST(Summary, ShowsErrorsAndPhotographs) {
   const std::string summary = SummaryOf(GoodReport());
-  EXPECT_THAT(summary, HasSubstr("  reprojection, mean, px                 1.50\n"));
-  EXPECT_THAT(summary, HasSubstr("  spread of the translation, mm          1.25\n"));
+  EXPECT_THAT(
+      summary,
+      HasSubstr("                                       found  doubt above"
+                "  fails above\n"
+                "  of the lens alone, px                  0.25                      1.50\n"
+                "  reprojection, mean, px                 1.50        11.11        16.67\n"
+                "  spread of the translation, mm          1.25        10.00        15.00\n"));
   EXPECT_THAT(summary, HasSubstr("Photographs: 1 of 2 used\n  dropped b.jpg (board not found)\n"));
   EXPECT_THAT(summary, HasSubstr("Success"));
 }

@@ -4,6 +4,7 @@
 
 #include "app/words/command_line.h"
 #include "app/words/cross_check_words.h"
+#include "app/words/mounting_words.h"
 #include "app/words/warning.h"
 
 namespace trackedcam::app {
@@ -103,11 +104,49 @@ TEST_F(CrossCheckWords, SayWhenThereIsNoSolution) {
 }
 
 TEST_F(CrossCheckWords, GiveTheMountingToPassOn) {
-  report.inputs.mounting = host::Mounting{{12, -8.00004, 5}, {0.1, -0.05, 0.0200004}};
+  report.crossCheck->mounting = host::Mounting{{12, -8.00004, 5}, {0.1, -0.05, 0.0200004}};
   std::ostringstream out;
   PrintMountingFound(out, report);
   EXPECT_THAT(out.str(), HasSubstr("  --chart-rotation=12.0000,-8.0000,5.0000 "
                                    "--chart-translation=0.100000,-0.050000,0.020000\n"));
+}
+
+// Reported x, y, z count as -x, -z, -y after the axis fix. Its own matrix is a turn of 90 degrees
+// about x after one of 180 about z.
+TEST_F(CrossCheckWords, GiveTheMountingInTheAxesThatTheUserChose) {
+  report.crossCheck->mounting = host::Mounting{{0, 0, 0}, {0.1, -0.05, 0.02}};
+  report.inputs.hasReportedMountingAxes = true;
+  std::ostringstream out;
+  PrintMountingFound(out, report);
+  EXPECT_THAT(out.str(), HasSubstr("  --chart-rotation=90.0000,0.0000,180.0000 --chart-translation="
+                                   "-0.100000,-0.020000,0.050000 --mounting-axes=reported\n"));
+}
+
+TEST_F(CrossCheckWords, GiveTheMountingOfASecondRunAsItWasTaken) {
+  report.crossCheck->mounting = host::Mounting{{1, 2, 3}, {0, 0, 0}};
+  report.inputs.mounting = host::Mounting{{4, 5, 6}, {0, 0, 0}};
+  report.firstRun = std::make_shared<const Report>();
+  std::ostringstream out;
+  PrintMountingFound(out, report);
+  EXPECT_THAT(out.str(), HasSubstr("  --chart-rotation=4.0000,5.0000,6.0000 "));
+}
+
+TEST_F(CrossCheckWords, ShowStatedAndFoundMountingInBothAxes) {
+  report.inputs.mounting = host::Mounting{{0, 0, 0}, {0.1, -0.05, 0.02}};
+  report.crossCheck->mounting = host::Mounting{{0, 0, 1}, {0.11, -0.05, 0.02}};
+  std::ostringstream out;
+  PrintMountings(out, report);
+  EXPECT_EQ(out.str(),
+            "\nMounting of the chart's tracker, turned by Rx * Ry * Rz\n"
+            "                                            X            Y            Z\n"
+            "  stated, after axis fix, deg          0.0000       0.0000       0.0000\n"
+            "  stated, after axis fix, mm           100.00       -50.00        20.00\n"
+            "  stated, reported axes, deg          90.0000       0.0000     180.0000\n"
+            "  stated, reported axes, mm           -100.00       -20.00        50.00\n"
+            "  found, after axis fix, deg           0.0000       0.0000       1.0000\n"
+            "  found, after axis fix, mm            110.00       -50.00        20.00\n"
+            "  found, reported axes, deg           90.0000       0.0000    -179.0000\n"
+            "  found, reported axes, mm            -110.00       -20.00        50.00\n");
 }
 
 }  // namespace

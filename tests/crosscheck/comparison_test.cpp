@@ -123,6 +123,19 @@ TEST(CheckTest, SuggestedViewsAreWorthMoreThanTheLastOnes) {
   }
 }
 
+TEST(CheckTest, SaysHowManyPhotographsHalveTheUncertainty) {
+  const CrossCheck check = Check(test::MakeShoot(test::FortyNoisy(43), 0.05).observations);
+  ASSERT_TRUE(check.photographsToHalve);
+  EXPECT_EQ(*check.photographsToHalve % 5, 0);
+  // Three times as many like those that are there would do, and the best views do better.
+  EXPECT_LE(*check.photographsToHalve, 3 * 40);
+  double ofThreeViews = 1;
+  for (const SuggestedView& view : check.suggestedViews) {
+    ofThreeViews *= view.gain;
+  }
+  EXPECT_EQ(ofThreeViews >= 2, *check.photographsToHalve <= 15);
+}
+
 TEST(CheckTest, WhatIsOffOnScreenIsTheLibrarysDistance) {
   test::KnownShoot shoot = test::MakeShoot(test::FortyNoisy(44), 0.05);
   const CrossCheck alone = Check(shoot.observations);

@@ -169,6 +169,18 @@ TEST(FindingsTest, AResultThatIsApartThoughTheMountingIsRightIsAWarning) {
   EXPECT_NEAR(check.findings[0].Number("offMm"), 10, 1.5);
 }
 
+TEST(FindingsTest, AResultThatIsApartIsAnErrorWhereTheMountingIsNotKnown) {
+  KnownShoot shoot = MakeShoot(FortyNoisy(11), 0.05);
+  shoot.observations.mounting = std::nullopt;
+  shoot.observations.library =
+      (shoot.Transform_Cam_Tc * Pose(Eigen::Translation3d(0.01, 0, 0))).matrix();
+  const CrossCheck check = Check(shoot.observations);
+  ASSERT_THAT(Said(check), ElementsAre("libraryApart error"));
+  EXPECT_EQ(check.findings[0].detail, "mountingUnknown");
+  shoot.observations.library = shoot.Transform_Cam_Tc.matrix();
+  EXPECT_THAT(Said(Check(shoot.observations)), IsEmpty());
+}
+
 TEST(FindingsTest, TooLittleTurningSuggestsNoMounting) {
   simulator::ShootOptions options = FortyNoisy(12);
   options.mountingErrorMm = 27;

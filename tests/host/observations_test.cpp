@@ -46,13 +46,17 @@ TEST_F(ObservationsTest, HoldEveryPhotographWithCorners) {
   EXPECT_EQ(b.corners.size(), 6U);
 }
 
-TEST_F(ObservationsTest, HaveTheResultOfAStatedMountingOnly) {
+TEST_F(ObservationsTest, HaveTheResultWhetherTheMountingIsKnownOrNot) {
   const auto stated = ObservationsOf(record, mounting);
   ASSERT_TRUE(stated->library);
   EXPECT_EQ((*stated->library)(0, 1), -1);
   EXPECT_EQ((*stated->library)(2, 3), 0.3);
   EXPECT_TRUE(stated->mounting);
-  EXPECT_FALSE(ObservationsOf(record, std::nullopt)->library);
+  const auto open = ObservationsOf(record, std::nullopt);
+  EXPECT_TRUE(open->library);
+  EXPECT_FALSE(open->mounting);
+  record.transformCamTc.clear();
+  EXPECT_FALSE(ObservationsOf(record, mounting)->library);
 }
 
 TEST_F(ObservationsTest, NeedBoardAndLens) {

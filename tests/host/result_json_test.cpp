@@ -21,7 +21,7 @@ Report GoodReport() {
                         {1, 0, 0, 0.01, 0, 1, 0, -0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
                         {58.1, 34.7},
                         {32.4}};
-  report.run.record.libraryVersion = "v1.1.0";
+  report.run.record.libraryVersion = "v1.2.3";
   report.run.record.photographs = {{"a.jpg", std::nullopt, std::nullopt},
                                    {"b.jpg", DropReason::kNotLoaded, std::nullopt},
                                    {"c.jpg", DropReason::kBoardNotFound, std::nullopt},
@@ -50,6 +50,11 @@ TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
   EXPECT_EQ(json["lensErrorPixels"], 0.2);
   EXPECT_EQ(json["reprojectionErrorPixels"], 1.5);
   EXPECT_EQ(json["translationSpreadMetres"], 0.001);
+  EXPECT_EQ(json["limits"]["lensErrorPixels"]["failure"], 1.5);
+  EXPECT_TRUE(json["limits"]["lensErrorPixels"]["doubt"].is_null());
+  EXPECT_NEAR(json["limits"]["reprojectionErrorPixels"]["doubt"], 12, 1e-6);
+  EXPECT_NEAR(json["limits"]["reprojectionErrorPixels"]["failure"], 18, 1e-5);
+  EXPECT_EQ(json["limits"]["translationSpreadMetres"]["failure"], 0.015);
 }
 
 TEST(ResultJson, ListsPhotographsAndFiles) {
@@ -61,7 +66,7 @@ TEST(ResultJson, ListsPhotographsAndFiles) {
                             {"photograph": "d.jpg", "reason": "outlier"}])"));
   EXPECT_EQ(json["log"], "/logs/log.txt");
   EXPECT_EQ(json["images"], Json::array({"/logs/Reproject_a.jpg"}));
-  EXPECT_EQ(json["versions"]["library"], "v1.1.0");
+  EXPECT_EQ(json["versions"]["library"], "v1.2.3");
   EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
 }
 
@@ -87,7 +92,24 @@ TEST(ResultJson, OfAFailureHasEmptyListsAndTheMessage) {
   EXPECT_EQ(json["message"], "Amount of valid images < 12.");
   EXPECT_EQ(json["imageSize"], Json::array());
   EXPECT_EQ(json["transformCamTc"], Json::array());
+  EXPECT_TRUE(json["limits"]["reprojectionErrorPixels"].is_null());
   EXPECT_EQ(json["used"], Json::array());
+}
+
+// Reported x, y, z count as -x, -z, -y.
+TEST(ResultJson, HasTheMountingInBothAxes) {
+  Report report = GoodReport();
+  report.inputs.mounting = Mounting{{0, 0, 0}, {0.1, -0.05, 0.02}};
+  const Json inputs = ResultJson(report)["inputs"];
+  EXPECT_EQ(inputs["chartTranslationMetres"], Json({0.1, -0.05, 0.02}));
+  EXPECT_EQ(inputs["mountingAxes"], "fixed");
+  const Json reported = inputs["mountingReported"];
+  EXPECT_NEAR(reported["translationMetres"][0], -0.1, 1e-9);
+  EXPECT_NEAR(reported["translationMetres"][1], -0.02, 1e-9);
+  EXPECT_NEAR(reported["translationMetres"][2], 0.05, 1e-9);
+  EXPECT_NEAR(reported["rotationDegrees"][0], 90, 1e-6);
+  report.inputs.mounting = std::nullopt;
+  EXPECT_TRUE(ResultJson(report)["inputs"]["mountingReported"].is_null());
 }
 
 TEST(ResultJson, OfWrongUseHasTheLastLine) {

@@ -36,7 +36,7 @@ class RunLogReaderTest : public testing::Test {
   }
 
   void LogToThePhotographs() {
-    Log({"Version : v1.1.0", "Flag_ModifyQuat : 0", "Camera Tracker Calibration start."});
+    Log({"Version : v1.2.3", "Flag_ModifyQuat : 0", "Camera Tracker Calibration start."});
     Log(kBoard);
     Log({"Start to read the csv file.", "Read the csv file successfully."});
   }
@@ -67,10 +67,10 @@ class RunLogReaderTest : public testing::Test {
 };
 
 TEST_F(RunLogReaderTest, ReadsWhatOpensTheLog) {
-  Log({"Version : v1.1.0", "Flag_ModifyQuat : 1"});
+  Log({"Version : v1.2.3", "Flag_ModifyQuat : 1"});
   Log(kBoard);
   EXPECT_EQ(record.time, "2026-11-21 01:02:03");
-  EXPECT_EQ(record.libraryVersion, "v1.1.0");
+  EXPECT_EQ(record.libraryVersion, "v1.2.3");
   EXPECT_TRUE(record.invertsQuaternions);
   ASSERT_TRUE(record.board);
   EXPECT_EQ(record.board->columns, 3);
@@ -182,7 +182,7 @@ TEST_F(RunLogReaderTest, ReadsBothFormsOfTheErrorLine) {
 }
 
 TEST_F(RunLogReaderTest, KeepsTheLastMessage) {
-  Log({"Version : v1.1.0", "chartTrackerRotation has 2 elements, needs 3."});
+  Log({"Version : v1.2.3", "chartTrackerRotation has 2 elements, needs 3."});
   reader.Consume("no line of a log\n");
   EXPECT_EQ(record.lastMessage, "chartTrackerRotation has 2 elements, needs 3.");
 }
@@ -198,8 +198,8 @@ TEST_F(RunLogReaderTest, ReadsPiecesOfAnyLength) {
 }
 
 TEST_F(RunLogReaderTest, ReadsLogsOfWindows) {
-  reader.Consume("2026-11-21 01:02:03\tVersion : v1.1.0\r\n2026-11-21 01:02:03\tFlag : \r\r\n");
-  EXPECT_EQ(record.libraryVersion, "v1.1.0");
+  reader.Consume("2026-11-21 01:02:03\tVersion : v1.2.3\r\n2026-11-21 01:02:03\tFlag : \r\r\n");
+  EXPECT_EQ(record.libraryVersion, "v1.2.3");
   EXPECT_EQ(record.lastMessage, "Flag : \r");
 }
 
@@ -209,7 +209,7 @@ TEST_F(RunLogReaderTest, TakesTheLastRunOfALog) {
   LogToThePhotographs();
   Log({"Process : b", "Process : c"});
   LogRawData({"b", "c"});
-  EXPECT_EQ(record.libraryVersion, "v1.1.0");
+  EXPECT_EQ(record.libraryVersion, "v1.2.3");
   LogLens();
   Log({"Camera and Tracker Calibration successful.", "Version : v2"});
   EXPECT_EQ(record.libraryVersion, "v2");
@@ -259,7 +259,7 @@ TEST_P(HostileNames, ChangeNothingOfTheRecord) {
   EXPECT_EQ(record.photographs.size(), names.size());
   EXPECT_EQ(record.errorMessage, "");
   EXPECT_TRUE(record.lens);
-  EXPECT_EQ(record.libraryVersion, "v1.1.0");
+  EXPECT_EQ(record.libraryVersion, "v1.2.3");
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -35,10 +35,21 @@ def difference(a, b, where="result"):
 
 
 def read_result(folder):
+    """The result without what is the run's own: its time, its folder and how its system writes it."""
     result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
-    for path in ("log", "images"):  # of the one machine
-        result.pop(path)
-    return result
+    result.pop("time")
+    return same_paths(result, folder)
+
+
+def same_paths(value, folder):
+    if isinstance(value, dict):
+        return {key: same_paths(element, folder) for key, element in value.items()}
+    if isinstance(value, list):
+        return [same_paths(element, folder) for element in value]
+    if isinstance(value, str):
+        path = re.sub(r"^Z:(?=/)", "", value.replace("\\", "/"))
+        return re.sub(r"/log_[\d.-]+\.txt$", "/log.txt", path.replace(str(folder), "SHOOT"))
+    return value
 
 
 def read_log(folder, line_end):

@@ -14,6 +14,7 @@ namespace trackedcam::report {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -41,6 +42,10 @@ Json WholeResult() {
       {"lensErrorPixels", 0.07},
       {"reprojectionErrorPixels", 1.7},
       {"translationSpreadMetres", 0.0005},
+      {"limits",
+       {{"lensErrorPixels", {{"doubt", nullptr}, {"failure", 1.5}}},
+        {"reprojectionErrorPixels", {{"doubt", 12.0}, {"failure", 18.0}}},
+        {"translationSpreadMetres", {{"doubt", 0.01}, {"failure", 0.015}}}}},
       {"used", {"photos/a.jpg"}},
       {"dropped", {{{"photograph", "photos/b.jpg"}, {"reason", "board not found"}}}},
       {"exports", {{"engine", {{"code", 0}, {"title", "Engine"}, {"translationCm", {1, 2, 3}}}}}},
@@ -61,7 +66,10 @@ Json WholeResult() {
         {"sensorMm", {36, 20.25}},
         {"squareMetres", 0.03},
         {"chartRotationDegrees", {12, -8, 5}},
-        {"chartTranslationMetres", {0.1, -0.05, 0.02}}}},
+        {"chartTranslationMetres", {0.1, -0.05, 0.02}},
+        {"mountingReported",
+         {{"rotationDegrees", {90, 0, 180}}, {"translationMetres", {-0.1, -0.02, 0.05}}}},
+        {"mountingAxes", "fixed"}}},
       {"time", "2026-11-21 14:05:09"},
       {"crossCheck",
        {{"photographs", 1},
@@ -72,10 +80,13 @@ Json WholeResult() {
         {"t95", 2},
         {"lens", {{"fx", 0.5}}},
         {"mounting", {{"rotationDegrees", {12, -8, 5}}, {"translationMetres", {0.1, 0.2, 0.3}}}},
+        {"mountingReported",
+         {{"rotationDegrees", {91, 1, 181}}, {"translationMetres", {-0.1, -0.3, -0.2}}}},
         {"library", {{"offMm", 0.1}, {"offDegrees", 0.01}, {"p", 0.5}}},
         {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
         {"perPhotograph", {photograph}},
-        {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}}}}}},
+        {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
+        {"photographsToHalve", 35}}},
   };
   result["firstRun"] = result;
   return result;
@@ -92,11 +103,33 @@ std::string WordsOf(const std::string& page) {
 
 TEST(Page, ShowsTheAnswer) {
   const std::string page = PageOf(WholeResult());
-  for (const char* words : {"It is good.", "Go on.", "do it", "A note.", "10.00", "20.00", "30.00",
-                            "48.600", "± 2.00", "shoot/data.csv", "board not found", "Tilt it."}) {
+  for (const char* words :
+       {"It is good.", "Go on.", "do it", "A note.", "10.00", "20.00", "30.00", "48.600", "± 2.00",
+        "shoot/data.csv", "board not found", "Tilt it.", "1.29", "add about 35 photographs"}) {
     EXPECT_THAT(page, HasSubstr(words));
   }
   EXPECT_THAT(WordsOf(page), Not(HasSubstr("{{")));
+}
+
+TEST(Page, ShowsTheLimitsBesideTheErrors) {
+  const std::string words = WordsOf(PageOf(WholeResult()));
+  EXPECT_THAT(words, HasSubstr("solved to 0.070 px (limit 1.5)"));
+  EXPECT_THAT(words, HasSubstr("at 1080 rows doubtful above 12.0, fails above 18.0"));
+  EXPECT_THAT(words, HasSubstr("spread by 0.50 mm (limits 10 and 15)"));
+  Json result = WholeResult();
+  result.erase("limits");
+  EXPECT_THAT(WordsOf(PageOf(result)),
+              Not(AnyOf(HasSubstr("doubtful above"), HasSubstr("(limit"))));
+}
+
+TEST(Page, GivesTheMountingToPassOnInTheAxesInWhichItWasStated) {
+  Json result = WholeResult();
+  EXPECT_THAT(WordsOf(PageOf(result)),
+              HasSubstr("<code>--chart-rotation=12,-8,5 --chart-translation=0.1,0.2,0.3</code>"));
+  result["inputs"]["mountingAxes"] = "reported";
+  EXPECT_THAT(WordsOf(PageOf(result)),
+              HasSubstr("<code>--chart-rotation=91,1,181 --chart-translation=-0.1,-0.3,-0.2 "
+                        "--mounting-axes=reported</code>"));
 }
 
 TEST(Page, LetsNothingRunButWhatTheProgramWasBuiltWith) {
