@@ -1,10 +1,14 @@
 #include "c/background.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
+
+#include <opencv2/imgcodecs.hpp>
 
 #include "c/platform.h"
 
@@ -29,11 +33,16 @@ void WaitForAll() {
   threads.ended.wait(lock, [&] { return threads.running == 0; });
 }
 
+// The image library makes its codecs with the first image.
+void MakeCodecs() {
+  std::vector<unsigned char> bytes;
+  cv::imencode(".png", cv::Mat::zeros(1, 1, CV_8UC3), bytes);
+  cv::imdecode(bytes, cv::IMREAD_COLOR);
+}
+
 void Prepare() {
   StayLoaded();
-  if (kThreadsOutliveExit) {
-    std::atexit(WaitForAll);
-  }
+  MakeCodecs();
 }
 
 // Counted from before the thread begins until its last step.
@@ -54,9 +63,19 @@ class Counted {
 
 }  // namespace
 
+void HoldWhatWasMade() {
+  constexpr int kMostTimes = 1000;  // by then all has been made
+  static std::atomic<int> times{0};
+  if (kThreadsOutliveExit && times < kMostTimes) {
+    ++times;
+    std::atexit(WaitForAll);
+  }
+}
+
 void InBackground(std::function<void()> work) {
   static std::once_flag prepared;
   std::call_once(prepared, Prepare);
+  HoldWhatWasMade();
   auto counted = std::make_shared<Counted>();
   std::thread([work = std::move(work), counted]() mutable {
     work();

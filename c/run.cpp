@@ -38,6 +38,7 @@ void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
 }
 
 void Run::Hear(const host::Progress& progress) {
+  HoldWhatWasMade();
   const std::lock_guard<std::mutex> lock(mutex_);
   progress_ = {};
   const std::size_t length = std::min(progress.stage.size(), sizeof(progress_.stage) - 1);

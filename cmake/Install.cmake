@@ -5,13 +5,22 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/trackedcam)
 
+set(libraries trackedcam)
+if(TARGET trackedcam_c)
+  list(APPEND libraries trackedcam_c)
+endif()
 install(
-  TARGETS trackedcam
+  TARGETS ${libraries}
   EXPORT trackedcamTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/trackedcam/trackedcam.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/trackedcam)
+if(TARGET trackedcam_c)
+  install(FILES ${PROJECT_SOURCE_DIR}/include/trackedcam/trackedcam_c.h
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/trackedcam)
+endif()
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md
               ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_BINARY_DIR}/THIRD_PARTY_NOTICES
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -25,20 +34,25 @@ endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
-# find_package(trackedcam CONFIG)
+# find_package(trackedcam CONFIG [COMPONENTS c])
 install(
   EXPORT trackedcamTargets
   NAMESPACE trackedcam::
-  FILE trackedcamConfig.cmake
   DESTINATION ${package_dir})
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/trackedcamConfig.cmake.in
+                              ${PROJECT_BINARY_DIR}/trackedcamConfig.cmake
+                              INSTALL_DESTINATION ${package_dir})
+install(FILES ${PROJECT_BINARY_DIR}/trackedcamConfig.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/trackedcamConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/trackedcamConfigVersion.cmake DESTINATION ${package_dir})
 
-# pkg-config trackedcam, wherever the tree is moved to
+# pkg-config trackedcam and pkg-config trackedcam_c, wherever the tree is moved to
 file(RELATIVE_PATH PREFIX_FROM_PC_FILE /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/trackedcam.pc.in ${PROJECT_BINARY_DIR}/trackedcam.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/trackedcam.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(library IN LISTS libraries)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/trackedcam.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 if(TARGET trackedcam_program)
   file(RELATIVE_PATH libraries_from_programs /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
@@ -64,7 +78,7 @@ endif()
 
 if(MINGW)
   # Says which members of which static libraries are inside; a test compares it with the notices.
-  foreach(target IN ITEMS trackedcam trackedcam_program)
+  foreach(target IN ITEMS trackedcam trackedcam_c trackedcam_program)
     if(TARGET ${target})
       target_link_options(${target} PRIVATE "LINKER:-Map=${PROJECT_BINARY_DIR}/${target}.map")
     endif()

@@ -22,11 +22,12 @@ packages_of() {
     # opencv-doc: the photographs of a real chessboard that a test calibrates.
     # dpkg-dev, file: packaging finds the dependencies. poppler-utils, librsvg2-bin: a test renders
     # the printed chart. chromium, python3-selenium: a test reads the report as a browser shows it.
-    # locales: a test runs the library in a host with a decimal comma. mono-mcs: one runs the
-    # recorder in C# that a page shows.
+    # locales: a test runs the library in a host with a decimal comma.
     tests)
       echo python3 libgtest-dev libgmock-dev opencv-doc dpkg-dev file lowdown pkgconf
-      echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr mono-mcs
+      echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr
+      # The Python package and its wheel, and a host and a recorder in C#.
+      echo python3-numpy python3-pytest python3-build python3-hatchling mypy mono-mcs mono-runtime
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;
@@ -37,7 +38,8 @@ packages_of() {
       ;;
     windows)
       echo g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
-      echo dpkg-dev python3 googletest wine wine64 clang
+      # lld, llvm: a host of another compiler is linked with the C library.
+      echo dpkg-dev python3 googletest wine wine64 clang lld llvm
       ;;
     *)
       echo "scripts/install_packages.sh: there is no part $1" >&2

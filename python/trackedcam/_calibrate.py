@@ -148,7 +148,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     settings.refine_mounting = bool(refine_mounting)
     settings.silent = bool(silent)
     if expected_records is not None:
-        settings.expected_records = max(int(expected_records), -2)  # -1 would mean as many as there are
+        # To the library -1 means as many as there are.
+        settings.expected_records = int(expected_records) if expected_records >= 0 else -2
     settings.log_folder = encoded(log_folder)
     if working_folder is not None:
         settings.working_folder = encoded(working_folder)
@@ -244,7 +245,7 @@ def _index(name: str, known: Sequence[Optional[str]], value: Optional[str]) -> i
 
 def _bar() -> Optional[Listener]:
     try:
-        from tqdm import tqdm
+        from tqdm import tqdm  # type: ignore[import]
     except ImportError:
         return None
     bar = tqdm(unit=" photographs")

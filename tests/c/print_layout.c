@@ -1,4 +1,5 @@
-/* Prints how the structs of the header lie in memory, to compare with what other languages declare. */
+/* Prints how the structs of the header lie in memory, to compare with what other languages declare.
+ */
 
 #include <stdio.h>
 

@@ -7,7 +7,7 @@ import pathlib
 import re
 import tempfile
 
-from stranger import SOURCE, check_examples, check_loading, install, run
+from stranger import SOURCE, check_c_example, check_examples, check_loading, install, run
 
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
@@ -22,6 +22,7 @@ with tempfile.TemporaryDirectory() as name:
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
     run("cmake", "--build", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
+    check_c_example(build, scratch)
     check_loading(build, prefix / "lib/libtrackedcam.so.1", scratch)
 
     # A version that is not there is not taken.
@@ -33,6 +34,9 @@ with tempfile.TemporaryDirectory() as name:
         f"foreach(version {major} {major}.0 {major}.{minor} {major}.{minor}.{patch})\n"
         "  find_package(trackedcam ${version} CONFIG REQUIRED)\n"
         "endforeach()\n"
+        "find_package(trackedcam CONFIG REQUIRED COMPONENTS c)\n"
+        "find_package(trackedcam CONFIG QUIET COMPONENTS d)\n"
+        "if(trackedcam_FOUND)\n  message(FATAL_ERROR \"a component that is not there was found\")\nendif()\n"
         f"foreach(version {major - 1}.9 {major}.{minor + 1} {major + 1})\n"
         "  find_package(trackedcam ${version} CONFIG QUIET)\n"
         "  if(trackedcam_FOUND)\n    message(FATAL_ERROR \"${version} was taken\")\n  endif()\n"

@@ -5,6 +5,7 @@ Usage: check_packages.py BUILD SOURCE
 
 import os
 import pathlib
+import re
 import tarfile
 import tempfile
 
@@ -14,6 +15,10 @@ from stranger import BUILD, run
 FILES = {
     "bin/trackedcam",
     "include/trackedcam/trackedcam.h",
+    "include/trackedcam/trackedcam_c.h",
+    "lib/libtrackedcam_c.so",
+    "lib/libtrackedcam_c.so.1",
+    "lib/pkgconfig/trackedcam_c.pc",
     "lib/libtrackedcam.so",
     "lib/libtrackedcam.so.1",
     "lib/cmake/trackedcam/trackedcamConfig.cmake",
@@ -27,6 +32,8 @@ FILES = {
     "share/doc/trackedcam/examples/01_calibrate.cpp",
     "share/man/man1/trackedcam.1",
 }
+PYTHON_FILES = {"lib/python3/dist-packages/trackedcam/__init__.py", "lib/python3/dist-packages/trackedcam/py.typed",
+                "share/doc/python3-trackedcam/copyright"}
 
 
 def check_content(prefix):
@@ -35,7 +42,9 @@ def check_content(prefix):
     elsewhere = [file for file in prefix.rglob("*")
                  if file.relative_to(prefix).parts[0] not in ("bin", "include", "lib", "share")]
     assert not elsewhere, f"{elsewhere} stand in no standard place"
-    assert "SONAME               libtrackedcam.so.1\n" in run("objdump", "-p", prefix / "lib/libtrackedcam.so")
+    for library in ["trackedcam", "trackedcam_c"]:
+        told = run("objdump", "-p", prefix / f"lib/lib{library}.so")
+        assert f"SONAME               lib{library}.so.1\n" in told
     assert run(prefix / "bin/trackedcam", "--version").startswith("trackedcam 1.")
     check_notices(prefix / "share/doc/trackedcam", prefix / "bin/trackedcam")
 
@@ -57,12 +66,28 @@ def check_deb(deb, root):
     check_content(root / "usr")
 
 
+def check_python_deb(deb, root):
+    """What is in it, and that it works beside the other one."""
+    depends = run("dpkg-deb", "--field", deb, "Depends")
+    for package in ["python3 (>= 3.9)", "python3-numpy", "trackedcam (= "]:
+        assert package in depends, f"{package} is missing in {depends}"
+    assert run("dpkg-deb", "--field", deb, "Architecture").strip() == "all"
+    run("dpkg", f"--root={root}", "--force-not-root", "--force-depends", "--log=/dev/null", "--unpack", deb)
+    found = run("dpkg", f"--root={root}", "--listfiles", "python3-trackedcam").split()
+    missing = sorted(file for file in PYTHON_FILES if f"/usr/{file}" not in found)
+    assert not missing, f"{missing} are missing in {found}"
+    assert not [file for file in found if not re.match(r"/\.|/usr(/lib(/python3(/|$)|$)|/share(/doc(/|$)|$)|$)", file)]
+
+
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
     # dpkg finds its helpers there, also when a user runs the tests.
     os.environ["PATH"] += ":/usr/sbin:/sbin"
     run("cpack", "-G", "DEB;TGZ", "-B", scratch / "packages", cwd=BUILD)
-    check_deb(next((scratch / "packages").glob("*.deb")), scratch / "root")
+    check_deb(next((scratch / "packages").glob("trackedcam_*.deb")), scratch / "root")
+    python = list((scratch / "packages").glob("python3-trackedcam_*_all.deb"))
+    if python:  # else it was left out of the build
+        check_python_deb(python[0], scratch / "root")
     with tarfile.open(next((scratch / "packages").glob("*.tar.gz"))) as archive:
         archive.extractall(scratch)
     check_content(next(scratch.glob("trackedcam-*")))

@@ -8,7 +8,7 @@ import pathlib
 import shlex
 import tempfile
 
-from stranger import SOURCE, check_examples, install, run
+from stranger import SOURCE, check_c_example, check_examples, install, run
 
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
@@ -21,4 +21,11 @@ with tempfile.TemporaryDirectory() as name:
         run(os.environ["CXX"], *shlex.split(os.environ["CXXFLAGS"]), "-std=c++11", source, *flags, "-o",
             scratch / f"example_{source.stem}")
     check_examples(scratch, scratch / "prefix/bin/trackedcam", scratch)
+
+    # A host in C links with nothing but the C library.
+    flags = shlex.split(run("pkg-config", "--cflags", "--libs", "trackedcam_c >= 1.1"))
+    assert "-ltrackedcam" not in flags, flags
+    run(os.environ["CC"], *shlex.split(os.environ["CXXFLAGS"]), "-std=c99", "-pedantic-errors",
+        SOURCE / "examples/04_from_c.c", *flags, "-o", scratch / "example_04_from_c")
+    check_c_example(scratch, scratch)
 print("the examples build and run")

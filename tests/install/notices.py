@@ -81,7 +81,7 @@ def other_inputs(target):
 def linked():
     """From the linker's maps of a static build."""
     inside = set()
-    for map_file in [BUILD / "trackedcam.map", BUILD / "trackedcam_program.map"]:
+    for map_file in [BUILD / f"{target}.map" for target in ("trackedcam", "trackedcam_c", "trackedcam_program")]:
         members = re.findall(r"^(/\S+\.a)\(\S+\)$", map_file.read_text(encoding="utf-8"), re.MULTILINE)
         for archive in sorted({pathlib.Path(member).resolve() for member in members}):
             if BUILD in archive.parents:
@@ -96,8 +96,8 @@ def linked():
 
 
 def packages_inside(windows):
-    names = ["bin/trackedcam.exe", "bin/trackedcam.dll"] if windows else [
-        "app/trackedcam", "src/libtrackedcam.so"]
+    names = ["bin/trackedcam.exe", "bin/trackedcam.dll", "bin/trackedcam_c.dll"] if windows else [
+        "app/trackedcam", "src/libtrackedcam.so", "c/libtrackedcam_c.so"]
     libraries = set() if windows else loaded(BUILD / name for name in names)
     inside = linked() if windows else set()
     ours = {path for path in headers() if PREFIX in path.parents}

@@ -43,6 +43,13 @@ def check_examples(folder, program, scratch):
             sys.exit(f"02_export_to_engine does not print {line} but\n{exported}")
 
 
+def check_c_example(folder, scratch):
+    """Runs the built example in C on the shoot of the others, of which it finds the mounting."""
+    printed = run_program(folder / "example_04_from_c", "tracker_data.csv", scratch / "log_c", cwd=scratch / "shoot")
+    if not re.search(r"^camera tracker at 0\.01\d\d -0\.10\d\d -0\.04\d\d m$", printed, re.MULTILINE):
+        sys.exit(f"04_from_c prints\n{printed}")
+
+
 def check_loading(folder, library, scratch):
     """Runs the built example that loads the installed library by name."""
     printed = run_program(folder / "example_03_load_at_run_time", library, scratch / "log")

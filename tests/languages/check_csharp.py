@@ -1,0 +1,29 @@
+"""Compiles the C# example, compares its structs with the header's, and its result with the program's.
+
+Usage: check_csharp.py SOURCE_ROOT MCS MONO LIBRARY PRINT_LAYOUT PROGRAM
+"""
+
+import os
+import pathlib
+import sys
+import tempfile
+
+from same_result import calibrate_by_program, require_same, run, simulate
+
+root, library = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[4])
+mcs, mono, print_layout, program = sys.argv[2], sys.argv[3], sys.argv[5], sys.argv[6]
+
+with tempfile.TemporaryDirectory() as name:
+    scratch = pathlib.Path(name)
+    os.environ["LD_LIBRARY_PATH"] = str(library.parent)
+    example = scratch / "Calibrate.exe"
+    run(mcs, "-warnaserror", f"-out:{example}", root / "examples/05_csharp/Calibrate.cs")
+    expected, found = run(print_layout), run(mono, example, "--layout")
+    if found != expected:
+        sys.exit(f"C# lays the structs out as\n{found}and the header as\n{expected}")
+
+    shoot = simulate(program, scratch)
+    by_program = calibrate_by_program(program, scratch, "--no-mounting")
+    printed = run(mono, example, "tracker_data.csv", scratch / "log", scratch / "csharp.json", cwd=shoot)
+    require_same(scratch / "csharp.json", by_program)
+    print(printed.strip().splitlines()[-1])

@@ -1,0 +1,54 @@
+"""What the checks of other languages share: a shoot, the program's result, and how two results compare."""
+
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+
+def run(*command, **options):
+    """Runs a command and returns what it prints; a command that fails ends the check."""
+    done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          encoding="utf-8", check=False, **options)
+    if done.returncode != 0:
+        sys.exit(f"{command} failed with {done.returncode}:\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def simulate(program, scratch):
+    run(program, "simulate", scratch / "shoot", "--photographs", "20", "--image", "640x360")
+    return scratch / "shoot"
+
+
+def calibrate_by_program(program, scratch, mounting=""):
+    """The text of the program's result, of a run whose log folder is taken away again.
+
+    With --no-mounting the mounting is found from the shoot.
+    """
+    options = ["--data", "tracker_data.csv", "--sensor", "36x20.25", "--board", "9x6", "--square", "0.03",
+               "--log-folder", scratch / "log", "--result", scratch / "program.json", "--no-report"]
+    if mounting != "--no-mounting":
+        toml = (scratch / "shoot/shoot.toml").read_text(encoding="utf-8")
+        for key in ["chart-rotation", "chart-translation"]:
+            value = re.search(rf'^{key} *= *[\["]?([^\]"\n]*)', toml, re.MULTILINE)[1]
+            options.append(f"--{key}={value.replace(' ', '')}")
+    run(program, "calibrate", *options, cwd=scratch / "shoot")
+    shutil.rmtree(scratch / "log")  # so that the folder of the next run has the same name
+    return (scratch / "program.json").read_text(encoding="utf-8")
+
+
+def without_time(text):
+    """When a run was, is all that differs between one run and the next."""
+    text = re.sub(r"log_[-.0-9]+\.txt", "log_TIME.txt", text)
+    return re.sub(r'"time": "[^"]*"', '"time": ""', text)
+
+
+def require_same(file, expected):
+    found = without_time(pathlib.Path(file).read_text(encoding="utf-8"))
+    expected = without_time(expected)
+    for number, (a, b) in enumerate(zip(found.splitlines(), expected.splitlines()), 1):
+        if a != b:
+            sys.exit(f"line {number} of the result is\n{a}\nand the program's\n{b}")
+    if found != expected:
+        sys.exit("one result goes on where the other ends")

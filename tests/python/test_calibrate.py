@@ -1,0 +1,151 @@
+"""A perfect shoot within its truth, and the same figures as the program."""
+
+import json
+import re
+import shutil
+import subprocess
+import sys
+import threading
+
+import numpy as np
+import pytest
+import trackedcam
+from conftest import CHART, PROGRAM
+
+
+@pytest.fixture(scope="module")
+def report(perfect, tmp_path_factory):
+    log = tmp_path_factory.mktemp("log")
+    return trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log, silent=True)
+
+
+def test_lens_and_transform_are_those_of_the_truth(report, perfect):
+    truth = np.array(perfect.truth["transformCamTc"], dtype=float).reshape(4, 4)
+    assert report.level == "good" and report.code == 0
+    assert np.linalg.norm(report.transform_cam_tc[:3, 3] - truth[:3, 3]) < 0.001
+    assert np.abs(report.transform_cam_tc[:3, :3] - truth[:3, :3]).max() < 0.001
+    assert report.lens.image_size == (640, 360)
+    assert report.lens.camera_matrix.shape == (3, 3)
+    assert report.lens.camera_matrix[2].tolist() == [0, 0, 1]
+    assert report.lens.camera_matrix[0, 0] == pytest.approx(0.9 * 640, rel=0.01)
+    assert report.lens.distortion.shape == (5,)
+    assert report.lens.distortion[0] == pytest.approx(-0.12, abs=0.01)
+    assert report.lens.distortion[2:].tolist() == [0, 0, 0]
+
+
+def test_the_cross_check_knows_how_well(report, perfect):
+    check = report.cross_check
+    truth = np.array(perfect.truth["transformCamTc"], dtype=float).reshape(4, 4)
+    off_mm = 1000 * np.abs(check.transform_cam_tc[:3, 3] - truth[:3, 3])
+    # The corners of rendered photographs have errors of their own, which are not quite by chance.
+    assert (off_mm < 1).all()
+    assert check.covariance_cam_tc.shape == (6, 6)
+    assert (np.linalg.eigvalsh(check.covariance_cam_tc) > 0).all()
+    rotation, translation = check.mounting
+    assert rotation == pytest.approx(perfect.mounting["chart_rotation_deg"], abs=0.1)
+    assert translation == pytest.approx(perfect.mounting["chart_translation_m"], abs=0.001)
+
+
+def without_time(text):
+    return re.sub(r'log_[-.0-9]+\.txt|"time": "[^"]*"', "", text)
+
+
+def test_the_result_is_the_programs(perfect, tmp_path, monkeypatch):
+    result, log = tmp_path / "result.json", tmp_path / "log"
+    subprocess.run([PROGRAM, "calibrate", "--config", perfect.folder / "shoot.toml", "--log-folder", log,
+                    "--result", result, "--export", "ue5", "--no-report"], check=True, stdout=subprocess.DEVNULL)
+    shutil.rmtree(log)
+    monkeypatch.chdir(perfect.folder)
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log, silent=True)
+    exported = report.export("ue5")
+    assert exported["code"] == 0 and len(exported["quaternionXyzw"]) == 4
+    assert without_time(report.json) == without_time(result.read_text(encoding="utf-8"))
+    report.save(tmp_path / "again.json", tmp_path / "page.html")
+    assert (tmp_path / "again.json").read_text(encoding="utf-8") == report.json
+    assert (tmp_path / "page.html").read_text(encoding="utf-8") == report.page(tmp_path)
+
+
+def test_numbers_are_those_of_the_text(report):
+    assert report.numbers("/transformCamTc").tolist() == report.data["transformCamTc"]
+    assert report.numbers("/crossCheck/covarianceCamTcTwist", (6, 6)).tolist() == (
+        report.data["crossCheck"]["covarianceCamTcTwist"])
+    assert report.numbers("/nothing") is None
+    assert report.data == json.loads(report.json)
+
+
+def test_shows_itself(report):
+    assert re.fullmatch(r"<trackedcam.Report good, code 0, \d+ photographs, 32\.\d\d mm>", repr(report))
+    shown = report._repr_html_()
+    assert "Success" in shown and "Transform_Cam_Tc" in shown and "fx" in shown
+
+
+def test_hands_the_result_to_engines(report):
+    assert len(report.export("unreal", parent_axes="minus-z-forward")["locationCm"]) == 3
+    assert json.loads(report.lens_file("Prime 35"))
+    with pytest.raises(trackedcam.InputError, match="not one of the engines"):
+        report.export("word")
+
+
+def test_rows_from_memory(report, perfect, tmp_path):
+    shoot = trackedcam.Shoot()
+    for line in perfect.data.read_text(encoding="utf-8").splitlines()[1:]:
+        time, photograph, *numbers = line.split(",")
+        n = [float(number) for number in numbers]
+        shoot.add(photograph, n[0:3], n[3:7], n[7:10], n[10:14], time_s=float(time))
+    again = trackedcam.calibrate(shoot, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+                                 working_folder=perfect.folder)
+    assert (again.transform_cam_tc == report.transform_cam_tc).all()
+    assert (tmp_path / "shoot_001/tracker_data.csv").is_file()
+
+
+def test_tells_its_progress_on_the_callers_thread(perfect, tmp_path):
+    told = []
+
+    def listen(progress):
+        told.append((threading.get_ident(), progress))
+
+    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+                         progress=listen)
+    assert {thread for thread, _ in told} == {threading.get_ident()}
+    assert "Finding the board" in {progress.stage for _, progress in told}
+
+
+def test_a_bar_where_there_is_one(perfect, tmp_path):
+    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True, progress=True)
+
+
+def test_two_threads_at_once(report, perfect, tmp_path):
+    found = {}
+
+    def work(name):
+        found[name] = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path / name,
+                                           silent=True).transform_cam_tc
+
+    threads = [threading.Thread(target=work, args=(name,)) for name in "ab"]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    for transform in found.values():
+        assert (transform == report.transform_cam_tc).all()
+    assert set(found) == set("ab")
+
+
+def test_runs_beside_other_work(perfect, tmp_path):
+    run = trackedcam.start(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+    assert not run.wait(0)
+    assert not run.is_done
+    assert run.wait()
+    assert run.report().level == "good"
+
+
+def test_standard_output_has_the_log_unless_silent(perfect, tmp_path):
+    script = ("import sys, trackedcam\n"
+              f"trackedcam.calibrate({str(perfect.data)!r}, sensor_mm=(36, 20.25), board=(9, 6), square_m=0.03,\n"
+              f"  chart_rotation_deg={perfect.mounting['chart_rotation_deg']},\n"
+              f"  chart_translation_m={perfect.mounting['chart_translation_m']},\n"
+              f"  log_folder={str(tmp_path)!r}, silent=bool(int(sys.argv[1])))\n")
+    out = [subprocess.run([sys.executable, "-c", script, silent], check=True, capture_output=True, text=True).stdout
+           for silent in "01"]
+    assert "Camera and Tracker Calibration successful." in out[0]
+    assert out[1] == ""

@@ -1,0 +1,105 @@
+"""What goes wrong, and how it is told."""
+
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import warnings
+
+import pytest
+import trackedcam
+from conftest import CHART, SimulatedShoot
+
+
+def test_a_failed_calibration_raises_with_report_and_advice(perfect, tmp_path):
+    with pytest.raises(trackedcam.CalibrationError, match="Fewer than 12 photographs") as caught:
+        trackedcam.calibrate(perfect.data, **{**CHART, "board": (5, 4)}, **perfect.mounting, log_folder=tmp_path,
+                             silent=True)
+    report = caught.value.report
+    assert report.code == 4 and report.level == "failed"
+    assert caught.value.advice == report.advice != ""
+    assert report.lens is None and report.transform_cam_tc is None and report.cross_check is None
+    with pytest.raises(trackedcam.CalibrationError):
+        report.export("ue4")
+    assert "failed" in repr(report) and "Advice" in report._repr_html_()
+
+
+def test_no_rows_announced_is_a_failure_of_the_library(perfect, tmp_path):
+    with pytest.raises(trackedcam.CalibrationError) as caught:
+        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+                             expected_records=0)
+    assert caught.value.report.code == 7
+
+
+def test_a_wrong_mounting_warns(tmp_path):
+    shoot = SimulatedShoot(tmp_path / "shoot", "--photographs", "24", "--mounting-error-mm", "30",
+                           "--mounting-error-degrees", "2")
+    with pytest.warns(trackedcam.CalibrationWarning, match="mounting"):
+        report = trackedcam.calibrate(shoot.data, **CHART, **shoot.mounting, log_folder=tmp_path, silent=True)
+    assert report.level == "wrong"
+    assert "mountingOff" in {finding.id for finding in report.findings}
+
+
+def test_a_good_one_does_not_warn(perfect, tmp_path):
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+
+
+def test_what_cannot_be_is_refused(perfect, tmp_path):
+    def calibrate(data=perfect.data, **changes):
+        trackedcam.calibrate(data, **{**CHART, **perfect.mounting, "log_folder": tmp_path / "log", **changes})
+
+    for changes, message in [
+            ({"square_m": 30}, "squares of 30"),
+            ({"board": (1, 6)}, "inner corners"),
+            ({"board": (9, 6, 1)}, "3 numbers"),
+            ({"sensor_mm": (0, 1)}, "sensor"),
+            ({"chart_rotation_deg": None}, "left out"),
+            ({"tracker_axes": "maya"}, "'maya'"),
+            ({"tracker_unit": "inch"}, "'inch'"),
+            ({"mounting_axes": "world"}, "'world'"),
+            ({"expected_records": -1}, "fewer than no rows"),
+            ({"data": tmp_path / "missing.csv"}, "missing.csv"),
+            ({"data": "a\0b"}, "zero"),
+            ({"data": trackedcam.Shoot()}, "no photographs")]:
+        with pytest.raises(trackedcam.InputError, match=message):
+            calibrate(**changes)
+    shoot = trackedcam.Shoot()
+    with pytest.raises(trackedcam.InputError, match="comma"):
+        shoot.add("a,b.jpg", (0, 0, 0), (1, 0, 0, 0), (0, 0, 0), (1, 0, 0, 0))
+    with pytest.raises(trackedcam.InputError, match="2 numbers"):
+        shoot.add("a.jpg", (0, 0), (1, 0, 0, 0), (0, 0, 0), (1, 0, 0, 0))
+
+
+def test_a_foreign_log(perfect, tmp_path):
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+    checked = trackedcam.crosscheck(report.log, **perfect.mounting)
+    assert checked.level == "good" and checked.cross_check is not None
+    with pytest.raises(trackedcam.InputError, match="is not the log"):
+        trackedcam.crosscheck(perfect.data)
+
+
+@pytest.mark.skipif(os.name != "posix", reason="signals")
+def test_ctrl_c_raises_at_once_and_the_run_ends_in_the_background(tmp_path):
+    # Enough photographs that the run is not over before the signal.
+    shoot = SimulatedShoot(tmp_path / "shoot", "--photographs", "60")
+    log = tmp_path / "log"
+    script = ("import sys, time, trackedcam\n"
+              "try:\n"
+              f"  trackedcam.calibrate({str(shoot.data)!r}, sensor_mm=(36, 20.25), board=(9, 6), square_m=0.03,\n"
+              f"    log_folder={str(log)!r}, silent=False,\n"
+              "    progress=lambda p: print('told', file=sys.stderr, flush=True))\n"
+              "except KeyboardInterrupt:\n"
+              "  print('raised', file=sys.stderr, flush=True)\n")
+    process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                               text=True)
+    assert process.stderr.readline() == "told\n"
+    process.send_signal(signal.SIGINT)
+    rest = process.stderr.read().replace("told\n", "")
+    assert rest == "raised\n"
+    assert process.wait() == 0
+    logs = list(pathlib.Path(log).glob("run_*/log_*.txt"))
+    assert logs and "Camera and Tracker Calibration" in logs[0].read_text(encoding="utf-8")
+    assert "Average reprojection error" in logs[0].read_text(encoding="utf-8")

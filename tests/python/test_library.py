@@ -1,0 +1,43 @@
+"""The declarations of the package against the header."""
+
+import ctypes
+import os
+import pathlib
+import re
+import subprocess
+
+import trackedcam
+from trackedcam import _library
+
+HEADER = pathlib.Path(os.environ["TRACKEDCAM_SOURCE"]) / "include/trackedcam/trackedcam_c.h"
+
+
+def test_structs_lie_as_in_the_header():
+    lines = []
+    for name, struct in [("pose", _library.Pose), ("settings", _library.Settings),
+                         ("progress", _library.ProgressStruct), ("lens", _library.LensStruct)]:
+        lines.append(f"trackedcam_{name} {ctypes.sizeof(struct)}")
+        lines += [f"trackedcam_{name}.{field[0]} {getattr(struct, field[0]).offset}" for field in struct._fields_]
+    printed = subprocess.run([os.environ["TRACKEDCAM_PRINT_LAYOUT"]], check=True, capture_output=True, text=True)
+    assert lines == printed.stdout.splitlines()
+
+
+def test_functions_take_what_the_header_says():
+    text = re.sub(r"\s+", " ", HEADER.read_text(encoding="utf-8"))
+    declared = {name: arguments.count(",") + 1 for name, arguments in
+                re.findall(r"TRACKEDCAM_C_API trackedcam_status (\w+)\(([^)]*)\)", text)}
+    for name, arguments in _library.FUNCTIONS.items():
+        assert declared[name] == len(arguments), name
+    # These have no use in Python: a run and the JSON text serve for them.
+    assert set(declared) - set(_library.FUNCTIONS) == {
+        "trackedcam_calibrate", "trackedcam_report_verdict", "trackedcam_report_transform_cam_tc",
+        "trackedcam_report_text", "trackedcam_report_count"}
+
+
+def test_statuses_are_those_of_the_header():
+    declared = dict(re.findall(r"TRACKEDCAM_(\w+) = (\d)", HEADER.read_text(encoding="utf-8").split("enum ")[1]))
+    assert {name: str(getattr(_library, name)) for name in declared} == declared
+
+
+def test_version():
+    assert re.fullmatch(r"\d+\.\d+\.\d+", trackedcam.__version__)
