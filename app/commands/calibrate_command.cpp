@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "app/commands/calibrate_options.h"
+#include "app/commands/config_file.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
 #include "app/page/thumbnails.h"
@@ -14,10 +15,12 @@
 #include "app/words/summary.h"
 #include "app/words/warning.h"
 #include "host/calibrate.h"
+#include "host/result/own_files.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
 #include "host/text/json_file.h"
+#include "host/text/utf8.h"
 #include "host/verdict/verdict.h"
 
 namespace trackedcam::app {
@@ -39,17 +42,29 @@ With --config FILE the options come from a file, where they stand below [calibra
 Exit status: 0 calibrated (also with a warning), 1 failed (also an export by gimbal lock), 2 wrong
 usage, 3 calibrated, and the cross-check is certain that it is wrong.)";
 
-void PrepareOutput(const CalibrateOptions& options) {
-  CreateFolder("--log-folder", options.inputs.logFolder);
-  if (!options.result.empty()) {
-    if (options.result == options.inputs.data || options.result == options.truth) {
-      throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
+// All that is read, and what a row names and is not there.
+std::vector<fs::path> InputFiles(const CalibrateOptions& options, const fs::path& configFile,
+                                 const std::vector<host::DataRow>& rows) {
+  std::vector<fs::path> files = {options.inputs.data, options.truth, configFile};
+  for (const host::DataRow& row : rows) {
+    if (!row.photograph.empty() && host::IsUtf8(row.photograph)) {
+      files.push_back(options.inputs.workingFolder / fs::u8path(row.photograph));
     }
-    PrepareOutputFile("--result", options.result);
+  }
+  return files;
+}
+
+void PrepareOutput(const CalibrateOptions& options, std::vector<fs::path> inputs) {
+  if (!options.result.empty()) {
+    PrepareOutputFile(
+        {"--result", options.result, "the result of a calibration", host::IsResultFile}, inputs);
+    inputs.push_back(options.result);
   }
   if (!options.report.empty()) {
-    PrepareOutputFile("--report", options.report);
+    PrepareOutputFile({"--report", options.report, "the page of a calibration", host::IsReportPage},
+                      inputs);
   }
+  CreateFolder("--log-folder", options.inputs.logFolder);
 }
 
 // With the library's own lines when they are wanted; else with a progress bar where standard error
@@ -107,7 +122,8 @@ bool PrintExports(const host::Report& report) {
   return isDone;
 }
 
-int Calibrate(CalibrateOptions options, const std::string& commandLine) {
+int Calibrate(CalibrateOptions options, const std::string& commandLine,
+              const fs::path& configFile) {
   host::Inputs& inputs = options.inputs;
   inputs.mounting = MountingOf(options.mounting);
   if (inputs.workingFolder.empty()) {
@@ -117,8 +133,7 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  host::ReadDataFile(inputs.data);
-  PrepareOutput(options);
+  PrepareOutput(options, InputFiles(options, configFile, host::ReadDataFile(inputs.data)));
   fs::current_path(inputs.workingFolder);  // photographs keep their names
 
   host::Report report = RunCalibration(options);
@@ -147,7 +162,9 @@ void AddCalibrateCommand(CLI::App& program, const std::string& commandLine, int&
   command->footer(kFooter);
   const auto options = std::make_shared<CalibrateOptions>();
   AddCalibrateOptions(*command, *options);
-  command->callback([options, commandLine, &status] { status = Calibrate(*options, commandLine); });
+  command->callback([options, commandLine, &program, &status] {
+    status = Calibrate(*options, commandLine, ConfigFile(program));
+  });
 }
 
 }  // namespace trackedcam::app

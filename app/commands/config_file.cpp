@@ -134,4 +134,10 @@ void AddConfigFile(CLI::App& program) {
       ->type_name("FILE");
 }
 
+fs::path ConfigFile(const CLI::App& program) {
+  const CLI::Option* option = program.get_option("--config");
+  return option->results().empty() ? fs::path()
+                                   : fs::absolute(fs::u8path(option->results().front()));
+}
+
 }  // namespace trackedcam::app
