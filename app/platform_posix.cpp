@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <csignal>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <iostream>
@@ -27,6 +28,17 @@ void FlushStreams() {
 
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
+}
+
+void PrepareForWriting() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      // The lowest number that is free: this one. What is written to it fails, and that is told.
+      [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
+    }
+  }
 }
 
 void HoldBlasToOneThread() {

@@ -1,5 +1,6 @@
 #include "app/commands/calibrate_command.h"
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -11,6 +12,7 @@
 #include "app/page/thumbnails.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
+#include "app/words/escaped_output.h"
 #include "app/words/progress_bar.h"
 #include "app/words/summary.h"
 #include "app/words/warning.h"
@@ -67,6 +69,22 @@ void PrepareOutput(const CalibrateOptions& options, std::vector<fs::path> inputs
   CreateFolder("--log-folder", options.inputs.logFolder);
 }
 
+// Engines get no figures of a failed calibration. One that cannot take them does not undo the run.
+void Export(const CalibrateOptions& options, host::Report& report) {
+  if (report.verdict.level == host::Level::kFailed) {
+    return;
+  }
+  for (const host::Engine* engine : options.exports) {
+    try {
+      report.exports.push_back(host::ExportToEngine(
+          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
+          report.run.folder / engine->name));
+    } catch (const std::exception& error) {
+      report.exports.push_back({engine, -1, false, {}, error.what(), {}});
+    }
+  }
+}
+
 // With the library's own lines when they are wanted; else with a progress bar where standard error
 // is a terminal.
 host::Report RunCalibration(const CalibrateOptions& options) {
@@ -74,37 +92,56 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   if (!options.verbose) {
     silenced.emplace();
   }
-  ProgressBar bar(std::cerr);
+  std::ostream terminal(PlainOutput(std::cerr));
+  ProgressBar bar(terminal);
   const bool isShown = !options.verbose && IsTerminal(stderr);
   host::Report report = host::Calibrate(options.inputs, [&](const host::Progress& progress) {
     if (isShown) {
       bar.Show(progress);
     }
   });
-  // Engines get no figures of a failed calibration.
-  if (report.verdict.level != host::Level::kFailed) {
-    for (const host::Engine* engine : options.exports) {
-      report.exports.push_back(host::ExportToEngine(
-          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
-          report.run.folder / engine->name));
-    }
-  }
+  Export(options, report);
   return report;
 }
 
-// Returns where the page is; an empty path when none is wanted.
-fs::path WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  const nlohmann::ordered_json json = host::ResultJson(report);
-  const std::string text = host::JsonText(json);
-  if (!options.result.empty()) {
-    host::WriteFile(options.result, text);
-  }
-  if (options.withoutReport) {
+struct WrittenFiles {
+  fs::path result;  // empty where there is none
+  fs::path page;
+  std::vector<std::string> problems;  // with what was asked for by name
+  std::vector<std::string> losses;    // of what goes beside the log
+};
+
+// Each for itself: the others, and what is on the screen, are as good without it.
+fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
+               const std::function<std::string()>& content) {
+  try {
+    host::WriteFile(file, content());
+    return file;
+  } catch (const std::exception& error) {
+    (isNamed ? written.problems : written.losses).push_back(error.what());
     return {};
   }
-  fs::path page = options.report.empty() ? report.run.folder / "report.html" : options.report;
-  host::WriteFile(page, report::Page(text, MakeThumbnails(json), page.parent_path()));
-  return page;
+}
+
+WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
+  const nlohmann::ordered_json json = host::ResultJson(report);
+  const std::string text = host::JsonText(json);
+  WrittenFiles written;
+  if (!options.result.empty()) {
+    written.result = Write(options.result, true, written, [&] { return text; });
+  }
+  // One that is never replaced.
+  const fs::path own =
+      Write(report.run.folder / "result.json", false, written, [&] { return text; });
+  written.result = written.result.empty() ? own : written.result;
+  if (!options.withoutReport) {
+    const bool isNamed = !options.report.empty();
+    const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
+    written.page = Write(page, isNamed, written, [&] {
+      return report::Page(text, MakeThumbnails(json), page.parent_path());
+    });
+  }
+  return written;
 }
 
 // False when an engine refuses the result.
@@ -140,16 +177,22 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
     report.verdict.commands = {commandLine + " --refine-mounting"};
   }
-  const fs::path page = WriteFiles(options, report);
-  PrintSummary(std::cout, report, truth ? &*truth : nullptr, page);
-  if (!options.result.empty()) {
-    std::cout << "Result: " << options.result.u8string() << '\n';
+  const WrittenFiles written = WriteFiles(options, report);
+  PrintSummary(std::cout, report, truth ? &*truth : nullptr, written.page);
+  if (!written.result.empty()) {
+    std::cout << "Result: " << written.result.u8string() << '\n';
   }
   std::cout.flush();
   PrintWarning(std::cerr, report);
+  for (const std::string& loss : written.losses) {
+    std::cerr << "trackedcam: warning: " << loss << '\n';
+  }
+  for (const std::string& problem : written.problems) {
+    std::cerr << "trackedcam: error: " << problem << '\n';
+  }
   const bool isExported = PrintExports(report);
   const int status = ExitStatus(report);
-  return status == 0 && !isExported ? 1 : status;
+  return status == 0 && !(isExported && written.problems.empty()) ? 1 : status;
 }
 
 }  // namespace

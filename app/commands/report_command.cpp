@@ -12,6 +12,7 @@
 #include "host/input/input_error.h"
 #include "host/result/own_files.h"
 #include "host/text/file_text.h"
+#include "host/text/json_file.h"
 
 namespace trackedcam::app {
 namespace {
@@ -32,7 +33,7 @@ struct ReportOptions {
 
 nlohmann::ordered_json ReadResultJson(const fs::path& file) {
   try {
-    return nlohmann::ordered_json::parse(host::ReadFile(file));
+    return host::ReadJson<nlohmann::ordered_json>(file);
   } catch (const std::exception& error) {
     throw host::InputError(file.u8string() +
                            " is not the result of a calibration: " + error.what());

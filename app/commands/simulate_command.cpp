@@ -7,6 +7,7 @@
 #include "app/commands/simulate_options.h"
 #include "app/options/shoot_folder.h"
 #include "app/platform.h"
+#include "app/words/escaped_output.h"
 #include "app/words/progress_bar.h"
 #include "simulator/shoot.h"
 #include "simulator/write_shoot.h"
@@ -35,7 +36,8 @@ simulator::Shoot Simulate(const simulator::ShootOptions& options) {
 }
 
 void Write(const simulator::Shoot& shoot, const fs::path& folder) {
-  ProgressBar bar(std::cerr);
+  std::ostream terminal(PlainOutput(std::cerr));
+  ProgressBar bar(terminal);
   const bool isShown = IsTerminal(stderr);
   simulator::WriteShoot(shoot, folder, [&](int done, int all) {
     if (isShown) {

@@ -38,13 +38,13 @@ bool IsSimulated(const fs::path& folder) {
 
 // What simulating and calibrating leave there.
 bool Belongs(const fs::path& path) {
-  static const std::set<std::string> kNames = {"photos",     "tracker_data.csv", "truth.json",
+  static const std::set<std::string> kNames = {"photos", "tracker_data.csv", "truth.json",
                                                "shoot.toml", "log"};
   const std::string name = path.filename().u8string();
   // A link leads to files of another place.
   return !fs::is_symlink(path) &&
-         (kNames.count(name) > 0 || IsNumbered(name, "run_", "") ||
-          host::IsResultFile(path) || host::IsReportPage(path) || host::IsLensFile(path));
+         (kNames.count(name) > 0 || IsNumbered(name, "run_", "") || host::IsResultFile(path) ||
+          host::IsReportPage(path) || host::IsLensFile(path));
 }
 
 void RequireAll(const fs::path& folder, bool (*belongs)(const fs::path& path)) {

@@ -13,18 +13,15 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr std::uintmax_t kMostBytes = 1 << 30;
 constexpr std::size_t kHead = 4096;
 
 // Nothing for what is no JSON object. A file that begins otherwise is not read.
 std::optional<Json> ReadObject(const fs::path& file) {
-  std::error_code error;
-  if (!fs::is_regular_file(file, error) || fs::file_size(file, error) > kMostBytes || error ||
-      BeginningOf(file, 1) != "{") {
+  if (BeginningOf(file, 1) != "{") {
     return std::nullopt;
   }
   try {
-    Json json = Json::parse(ReadFile(file));
+    auto json = ReadJson<Json>(file);
     return json.is_object() ? std::optional<Json>(std::move(json)) : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -60,8 +59,13 @@ void KeepPermissions(const fs::path& from, const fs::path& to) {
 
 std::string ReadFile(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  std::string content{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream || fs::is_directory(file)) {
+  std::string content;
+  std::string piece(65536, '\0');
+  while (stream) {
+    stream.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    content.append(piece, 0, static_cast<std::size_t>(stream.gcount()));
+  }
+  if (!stream.eof() || fs::is_directory(file)) {
     throw std::runtime_error("cannot read " + file.u8string());
   }
   return content;

@@ -49,7 +49,8 @@ std::error_code WriteNewFile(const fs::path& file, const std::string& content) {
 }
 
 void FlushFolder(const fs::path& folder) {
-  const int opened = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int opened =
+      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (opened >= 0) {
     fsync(opened);
     close(opened);

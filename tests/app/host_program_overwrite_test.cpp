@@ -38,7 +38,8 @@ class HostProgramOverwrite : public testing::Test {
 
 TEST_F(HostProgramOverwrite, CalibrateKeepsWhatItReads) {
   for (const char* option : {"--result", "--report"}) {
-    for (const char* name : {"shoot.toml", "truth.json", "tracker_data.csv", "photos/img_007.jpg"}) {
+    for (const char* name :
+         {"shoot.toml", "truth.json", "tracker_data.csv", "photos/img_007.jpg"}) {
       const std::string file = std::string("shoot/") + name;
       ExpectRefused(file, {"calibrate", "--config", "shoot/shoot.toml", option, file},
                     "would be overwritten");
@@ -49,9 +50,11 @@ TEST_F(HostProgramOverwrite, CalibrateKeepsWhatItReads) {
 
 TEST_F(HostProgramOverwrite, CalibrateKeepsWhatIsNotItsOwn) {
   test::WriteFile(folder.File("notes.json"), "{\"notes\": []}");
-  ExpectRefused("notes.json", {"calibrate", "--config", "shoot/shoot.toml", "--result", "notes.json"},
+  ExpectRefused("notes.json",
+                {"calibrate", "--config", "shoot/shoot.toml", "--result", "notes.json"},
                 "is not the result of a calibration");
-  ExpectRefused("notes.json", {"calibrate", "--config", "shoot/shoot.toml", "--report", "notes.json"},
+  ExpectRefused("notes.json",
+                {"calibrate", "--config", "shoot/shoot.toml", "--report", "notes.json"},
                 "is not the page of a calibration");
 }
 
@@ -63,8 +66,8 @@ TEST_F(HostProgramOverwrite, ResultAndPageAreTwoFiles) {
 }
 
 TEST_F(HostProgramOverwrite, WhatIsTheirOwnTheyReplace) {
-  const std::vector<std::string> calibrate = {"calibrate", "--config",  "shoot/shoot.toml",
-                                              "--result",  "r.json",    "--report",
+  const std::vector<std::string> calibrate = {"calibrate", "--config",     "shoot/shoot.toml",
+                                              "--result",  "r.json",       "--report",
                                               "page.html", "--log-folder", "shoot/log"};
   Run(calibrate);
   ASSERT_TRUE(fs::exists(folder.Path() / "r.json"));
@@ -75,7 +78,8 @@ TEST_F(HostProgramOverwrite, WhatIsTheirOwnTheyReplace) {
 
   const std::vector<std::string> report = {"report", "--result", "r.json", "--out", "page.html"};
   EXPECT_EQ(Run(report).status, 0);
-  const std::vector<std::string> lens = {"export", "unreal", "--result", "r.json", "--out", "a.ulens"};
+  const std::vector<std::string> lens = {"export", "unreal", "--result",
+                                         "r.json", "--out",  "a.ulens"};
   EXPECT_EQ(Run(lens).status, 0);
   EXPECT_EQ(Run(lens).status, 0) << "the second time over the first";
 }
@@ -111,7 +115,8 @@ TEST_F(HostProgramOverwrite, SimulateKeepsARealShoot) {
   ExpectRefused("real/photos/img_000.jpg", {"simulate", "real", "--photographs", "12"},
                 "real holds files that are no simulated shoot");
   EXPECT_THAT(Read("real/tracker_data.csv"), HasSubstr("1,photos/img_000.jpg"));
-  EXPECT_EQ(Run({"simulate", "real", "--photographs", "12", "--image", "320x180", "--force"}).status, 0);
+  EXPECT_EQ(
+      Run({"simulate", "real", "--photographs", "12", "--image", "320x180", "--force"}).status, 0);
   EXPECT_NE(Read("real/photos/img_000.jpg"), "real");
 }
 
