@@ -2,6 +2,7 @@
 
 #include "app/main.h"
 
+#include <cstdio>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -19,6 +20,7 @@
 #include "app/options/help_formatter.h"
 #include "app/platform.h"
 #include "app/words/command_line.h"
+#include "app/words/escaped_output.h"
 #include "host/input/input_error.h"
 
 namespace {
@@ -72,10 +74,7 @@ int Run(int argc, char** argv) {
   return status;
 }
 
-}  // namespace
-
-int trackedcam::app::Main(int argc, char** argv) {
-  HoldBlasToOneThread();
+int RunToTheEnd(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const trackedcam::host::InputError& error) {
@@ -85,4 +84,25 @@ int trackedcam::app::Main(int argc, char** argv) {
     std::cerr << "trackedcam: " << error.what() << '\n';
     return kFailure;
   }
+}
+
+// What a caller was to read did not all reach it.
+bool IsOutputLost() {
+  std::cout.flush();
+  return !std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
+}
+
+}  // namespace
+
+int trackedcam::app::Main(int argc, char** argv) {
+  PrepareForWriting();
+  HoldBlasToOneThread();
+  const EscapedOutput out(std::cout);
+  const EscapedOutput errors(std::cerr);
+  const int status = RunToTheEnd(argc, argv);
+  if (IsOutputLost()) {
+    std::cerr << "trackedcam: error: standard output could not be written\n";
+    return status == 0 ? kFailure : status;
+  }
+  return status;
 }

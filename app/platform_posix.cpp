@@ -1,4 +1,6 @@
+#include <csignal>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "app/platform.h"
@@ -7,6 +9,17 @@ namespace trackedcam::app {
 
 bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
+}
+
+void PrepareForWriting() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      // The lowest number that is free: this one. What is written to it fails, and that is told.
+      [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
+    }
+  }
 }
 
 void HoldBlasToOneThread() {

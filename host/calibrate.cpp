@@ -1,8 +1,11 @@
 #include "host/calibrate.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <set>
+#include <stdexcept>
 
 #include "host/input/data_checks.h"
 #include "host/input/input_error.h"
@@ -10,6 +13,7 @@
 #include "host/input/row_words.h"
 #include "host/run/run_folder.h"
 #include "host/verdict/cross_check_findings.h"
+#include "host/verdict/losses.h"
 #include "host/verdict/observations.h"
 #include "host/verdict/run_findings.h"
 
@@ -35,6 +39,16 @@ void CrossCheckRun(Report& report, bool hasResult) {
     report.crossCheck = crosscheck::Check(*observations);
   } catch (const std::invalid_argument&) {
     return;  // a log whose figures contradict each other: there is nothing to check
+  } catch (const std::exception& error) {
+    // The library's result stands, whatever becomes of a second opinion about it.
+    report.findings.push_back({"notCrossChecked",
+                               Severity::kWarning,
+                               std::string("The cross-check stopped: ") + error.what() + '.',
+                               "Keep the log and report it.",
+                               {},
+                               {},
+                               ""});
+    return;
   }
   Append(report.findings, FindingsOf(*report.crossCheck, report.checkedPhotographs));
 }
@@ -44,8 +58,16 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) 
   report.findings = ofInput;
   CrossCheckRun(report, hasResult);
   Append(report.findings, FindingsOf(report.run));
+  const std::vector<Finding> losses = LossesOf(report.run);
+  if (!report.crossCheck) {
+    Append(report.findings, losses);  // a result that nothing else vouches for is doubtful
+  }
   SortFindings(report.findings);
   report.verdict = VerdictOf(report.run, report.findings);
+  if (report.crossCheck) {
+    Append(report.findings, losses);
+    SortFindings(report.findings);
+  }
 }
 
 Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
@@ -56,6 +78,29 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
                           CreateRunFolder(inputs.logFolder), listener);
   Judge(report, ofInput, inputs.mounting.has_value());
   return report;
+}
+
+// A search for thousands of corners takes minutes, and a log of them fills a disk.
+void RequireBoard(const Inputs& inputs) {
+  for (const int corners : inputs.board) {
+    if (corners < kLeastInnerCorners || corners > kMostInnerCorners) {
+      throw InputError("a board of " + std::to_string(inputs.board[0]) + 'x' +
+                       std::to_string(inputs.board[1]) +
+                       " inner corners cannot be searched: 3 to "
+                       "100 along each side can");
+    }
+  }
+}
+
+// The linear algebra below the library waits for its 128 MB for ever where it does not get them.
+void RequireMemory() {
+  constexpr std::size_t kBytes = std::size_t{512} << 20;
+  const std::unique_ptr<char, void (*)(void*)> block(static_cast<char*>(std::malloc(kBytes)),
+                                                     std::free);
+  if (block == nullptr) {
+    throw std::runtime_error("there is too little memory: a calibration begins with 512 MB");
+  }
+  *static_cast<volatile char*>(block.get()) = 0;  // else a compiler may leave it all out
 }
 
 struct Shoot {
@@ -131,9 +176,24 @@ void JudgeAsFailed(Report& report) {
   }
 }
 
+void AddNotRefined(Report& first, const std::string& reason) {
+  if (!first.mountingIsStated) {
+    JudgeAsFailed(first);
+  }
+  Finding finding;
+  finding.id = "notRefined";
+  finding.severity = Severity::kWarning;
+  finding.text = "The second run, with the mounting found, could not begin: " + reason + '.';
+  finding.advice = "Check the log folder and the disk, and calibrate again.";
+  first.findings.push_back(finding);
+  SortFindings(first.findings);
+}
+
 }  // namespace
 
 Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
+  RequireBoard(inputs);
+  RequireMemory();
   const Shoot shoot = ReadShoot(inputs);
   const std::vector<Finding>& ofInput = shoot.findings;
   const std::vector<DataRow>& rows = shoot.rows;
@@ -148,10 +208,16 @@ Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
   Inputs again = inputs;
   again.mounting = first.crossCheck->mounting;
   again.expectedRecords = std::nullopt;
-  Report second = RunAndJudge(again, GoodRows(rows, first), ofInput, listener);
-  second.mountingIsStated = first.mountingIsStated;
-  second.firstRun = std::make_shared<const Report>(std::move(first));
-  return second;
+  try {
+    Report second = RunAndJudge(again, GoodRows(rows, first), ofInput, listener);
+    second.mountingIsStated = first.mountingIsStated;
+    second.firstRun = std::make_shared<const Report>(std::move(first));
+    return second;
+  } catch (const std::exception& error) {
+    // Such as a log folder that is gone meanwhile: what the first run found is not lost with it.
+    AddNotRefined(first, error.what());
+    return first;
+  }
 }
 
 Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting) {

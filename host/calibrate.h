@@ -13,7 +13,8 @@ namespace trackedcam::host {
 /// mounting found, without the photographs that contradict the others. The report is then of that
 /// run, with the first one's beside it.
 /// @param listener Hears how far the library is, on another thread.
-/// @throws InputError when the run cannot begin; what happens afterwards stands in the report.
+/// @throws InputError when the run cannot begin, std::runtime_error when there is no memory for it;
+/// what happens afterwards stands in the report.
 Report Calibrate(const Inputs& inputs, const ProgressListener& listener);
 
 /// Cross-checks the run that a log tells of, whichever host called the library.

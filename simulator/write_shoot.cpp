@@ -56,9 +56,10 @@ void WritePhotograph(const Shoot& shoot, const PhotographRenderer& renderer, int
 void WriteShoot(const Shoot& shoot, const fs::path& folder,
                 const std::function<void(int done, int all)>& progress) {
   fs::create_directories(folder / "photos");
-  WriteFile(folder / "tracker_data.csv", TrackerDataText(shoot));
+  // By these two a folder is known as a simulated shoot, also when the rest could not be written.
   WriteFile(folder / "truth.json", TruthText(shoot));
   WriteFile(folder / "shoot.toml", ConfigText(shoot));
+  WriteFile(folder / "tracker_data.csv", TrackerDataText(shoot));
 
   const PhotographRenderer renderer(shoot);
   const int all = static_cast<int>(shoot.photographs.size());

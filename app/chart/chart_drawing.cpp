@@ -4,15 +4,22 @@
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
 #include "app/chart/chart_notes.h"
+#include "host/text/file_text.h"
 
 namespace trackedcam::app {
 namespace {
 
 constexpr double kPointsPerMillimetre = 72 / 25.4;
+
+// By which a chart is known as one that may be replaced. Cairo writes it into a PDF itself.
+constexpr const char* kCreator = "trackedcam chart";
+constexpr const char* kSvgMark = "<!-- trackedcam chart -->\n";
 
 struct Release {
   void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -30,7 +37,9 @@ Surface CreateSurface(ChartFormat format, const ChartLayout& layout, std::string
   const double width = layout.pageWidth * kPointsPerMillimetre;
   const double height = layout.pageHeight * kPointsPerMillimetre;
   if (format == ChartFormat::kPdf) {
-    return Surface(cairo_pdf_surface_create_for_stream(Append, &content, width, height));
+    Surface surface(cairo_pdf_surface_create_for_stream(Append, &content, width, height));
+    cairo_pdf_surface_set_metadata(surface.get(), CAIRO_PDF_METADATA_CREATOR, kCreator);
+    return surface;
   }
   Surface surface(cairo_svg_surface_create_for_stream(Append, &content, width, height));
   // Not in pixels, of which each program has its own size.
@@ -194,7 +203,25 @@ std::string DrawChart(const PrintedChart& chart, ChartFormat format) {
                                cairo_status_to_string(status));
     }
   }
+  if (format == ChartFormat::kSvg) {
+    content.insert(content.find("<svg"), kSvgMark);
+  }
   return content;
+}
+
+bool IsChart(const std::filesystem::path& file) {
+  constexpr std::uintmax_t kMostBytes = 16 << 20;
+  std::error_code error;
+  if (std::filesystem::file_size(file, error) > kMostBytes || error) {
+    return false;
+  }
+  try {
+    const std::string content = host::ReadFile(file);
+    const bool isPdf = content.rfind("%PDF-", 0) == 0;
+    return content.find(isPdf ? std::string("(") + kCreator + ')' : kSvgMark) != std::string::npos;
+  } catch (const std::runtime_error&) {
+    return false;
+  }
 }
 
 }  // namespace trackedcam::app

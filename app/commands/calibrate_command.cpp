@@ -1,14 +1,17 @@
 #include "app/commands/calibrate_command.h"
 
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include "app/commands/calibrate_options.h"
+#include "app/commands/config_file.h"
 #include "app/options/create_folder.h"
 #include "app/options/output_file.h"
 #include "app/platform.h"
 #include "app/words/engine_summary.h"
+#include "app/words/escaped_output.h"
 #include "app/words/next_commands.h"
 #include "app/words/progress_bar.h"
 #include "app/words/summary.h"
@@ -16,10 +19,12 @@
 #include "host/calibrate.h"
 #include "host/input/data_checks.h"
 #include "host/platform.h"
+#include "host/result/own_files.h"
 #include "host/result/result_json.h"
 #include "host/result/truth.h"
 #include "host/text/file_text.h"
 #include "host/text/json_file.h"
+#include "host/text/utf8.h"
 #include "host/verdict/verdict.h"
 #include "report/thumbnails.h"
 
@@ -42,16 +47,44 @@ With --config FILE the options come from a file, where they stand below [calibra
 Exit status: 0 calibrated (also with a warning), 1 failed (also an export by gimbal lock), 2 wrong
 usage, 3 calibrated, and the cross-check is certain that it is wrong.)";
 
-void PrepareOutput(const CalibrateOptions& options) {
-  CreateFolder("--log-folder", options.inputs.logFolder);
-  if (!options.result.empty()) {
-    if (options.result == options.inputs.data || options.result == options.truth) {
-      throw CLI::ValidationError("--result", options.result.u8string() + " would be overwritten");
+// All that is read, and what a row names and is not there.
+std::vector<fs::path> InputFiles(const CalibrateOptions& options, const fs::path& configFile,
+                                 const std::vector<host::DataRow>& rows) {
+  std::vector<fs::path> files = {options.inputs.data, options.truth, configFile};
+  for (const host::DataRow& row : rows) {
+    if (!row.photograph.empty() && host::IsUtf8(row.photograph)) {
+      files.push_back(options.inputs.workingFolder / fs::u8path(row.photograph));
     }
-    PrepareOutputFile("--result", options.result);
+  }
+  return files;
+}
+
+void PrepareOutput(const CalibrateOptions& options, std::vector<fs::path> inputs) {
+  if (!options.result.empty()) {
+    PrepareOutputFile(
+        {"--result", options.result, "the result of a calibration", host::IsResultFile}, inputs);
+    inputs.push_back(options.result);
   }
   if (!options.report.empty()) {
-    PrepareOutputFile("--report", options.report);
+    PrepareOutputFile({"--report", options.report, "the page of a calibration", host::IsReportPage},
+                      inputs);
+  }
+  CreateFolder("--log-folder", options.inputs.logFolder);
+}
+
+// Engines get no figures of a failed calibration. One that cannot take them does not undo the run.
+void Export(const CalibrateOptions& options, host::Report& report) {
+  if (report.verdict.level == host::Level::kFailed) {
+    return;
+  }
+  for (const host::Engine* engine : options.exports) {
+    try {
+      report.exports.push_back(host::ExportToEngine(
+          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
+          report.run.folder / engine->name));
+    } catch (const std::exception& error) {
+      report.exports.push_back({engine, -1, false, {}, error.what(), {}});
+    }
   }
 }
 
@@ -62,37 +95,55 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   if (!options.verbose) {
     silenced.emplace();
   }
-  ProgressBar bar(std::cerr);
+  std::ostream terminal(PlainOutput(std::cerr));
+  ProgressBar bar(terminal);
   const bool isShown = !options.verbose && IsTerminal(stderr);
   host::Report report = host::Calibrate(options.inputs, [&](const host::Progress& progress) {
     if (isShown) {
       bar.Show(progress);
     }
   });
-  // Engines get no figures of a failed calibration.
-  if (report.verdict.level != host::Level::kFailed) {
-    for (const host::Engine* engine : options.exports) {
-      report.exports.push_back(host::ExportToEngine(
-          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
-          report.run.folder / engine->name));
-    }
-  }
+  Export(options, report);
   return report;
 }
 
-// Returns where the page is; an empty path when none is wanted.
-fs::path WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  const nlohmann::ordered_json json = host::ResultJson(report);
-  const std::string text = host::JsonText(json);
-  if (!options.result.empty()) {
-    host::WriteFile(options.result, text);
-  }
-  if (options.withoutReport) {
+struct WrittenFiles {
+  fs::path result;  // empty where there is none
+  fs::path page;
+  std::vector<std::string> problems;  // with what was asked for by name
+  std::vector<std::string> losses;    // of what goes beside the log
+};
+
+// Each for itself: the others, and what is on the screen, are as good without it.
+fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
+               const std::function<std::string()>& content) {
+  try {
+    host::WriteFile(file, content());
+    return file;
+  } catch (const std::exception& error) {
+    (isNamed ? written.problems : written.losses).push_back(error.what());
     return {};
   }
-  fs::path page = options.report.empty() ? report.run.folder / "report.html" : options.report;
-  host::WriteFile(page, report::Page(text, report::MakeThumbnails(text), page.parent_path()));
-  return page;
+}
+
+WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
+  const std::string text = host::JsonText(host::ResultJson(report));
+  WrittenFiles written;
+  if (!options.result.empty()) {
+    written.result = Write(options.result, true, written, [&] { return text; });
+  }
+  // One that is never replaced.
+  const fs::path own =
+      Write(report.run.folder / "result.json", false, written, [&] { return text; });
+  written.result = written.result.empty() ? own : written.result;
+  if (!options.withoutReport) {
+    const bool isNamed = !options.report.empty();
+    const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
+    written.page = Write(page, isNamed, written, [&] {
+      return report::Page(text, report::MakeThumbnails(text), page.parent_path());
+    });
+  }
+  return written;
 }
 
 // False when an engine refuses the result.
@@ -110,7 +161,8 @@ bool PrintExports(const host::Report& report) {
   return isDone;
 }
 
-int Calibrate(CalibrateOptions options, const std::string& commandLine) {
+int Calibrate(CalibrateOptions options, const std::string& commandLine,
+              const fs::path& configFile) {
   host::Inputs& inputs = options.inputs;
   inputs.mounting = MountingOf(options.mounting);
   inputs.hasReportedMountingAxes = options.mounting.isReported;
@@ -122,7 +174,7 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
   host::RequireData(inputs.data);  // before anything is written
-  PrepareOutput(options);
+  PrepareOutput(options, InputFiles(options, configFile, host::ReadDataFile(inputs.data)));
   fs::current_path(inputs.workingFolder);  // photographs keep their names
 
   host::Report report = RunCalibration(options);
@@ -131,16 +183,22 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine) {
   } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {
     report.verdict.commands = ExportCommands(options.result, options.exports, options.parentAxes);
   }
-  const fs::path page = WriteFiles(options, report);
-  PrintSummary(std::cout, report, truth ? &*truth : nullptr, page);
-  if (!options.result.empty()) {
-    std::cout << "Result: " << options.result.u8string() << '\n';
+  const WrittenFiles written = WriteFiles(options, report);
+  PrintSummary(std::cout, report, truth ? &*truth : nullptr, written.page);
+  if (!written.result.empty()) {
+    std::cout << "Result: " << written.result.u8string() << '\n';
   }
   std::cout.flush();
   PrintWarning(std::cerr, report);
+  for (const std::string& loss : written.losses) {
+    std::cerr << "trackedcam: warning: " << loss << '\n';
+  }
+  for (const std::string& problem : written.problems) {
+    std::cerr << "trackedcam: error: " << problem << '\n';
+  }
   const bool isExported = PrintExports(report);
   const int status = ExitStatus(report);
-  return status == 0 && !isExported ? 1 : status;
+  return status == 0 && !(isExported && written.problems.empty()) ? 1 : status;
 }
 
 }  // namespace
@@ -153,7 +211,9 @@ void AddCalibrateCommand(CLI::App& program, const std::string& commandLine, int&
   command->footer(kFooter);
   const auto options = std::make_shared<CalibrateOptions>();
   AddCalibrateOptions(*command, *options);
-  command->callback([options, commandLine, &status] { status = Calibrate(*options, commandLine); });
+  command->callback([options, commandLine, &program, &status] {
+    status = Calibrate(*options, commandLine, ConfigFile(program));
+  });
 }
 
 }  // namespace trackedcam::app

@@ -9,6 +9,7 @@
 #include "app/chart/chart_drawing.h"
 #include "app/chart/chart_layout.h"
 #include "app/chart/chart_notes.h"
+#include "app/commands/config_file.h"
 #include "app/options/add_path.h"
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
@@ -62,10 +63,10 @@ void RequireGiven(const char* option, bool isGiven) {
   }
 }
 
-void WriteChart(const ChartOptions& options) {
+void WriteChart(const ChartOptions& options, const std::filesystem::path& configFile) {
   const ChartFormat format = FormatOf(options.out);
   RequireFit(options.chart);
-  PrepareOutputFile("--out", options.out);
+  PrepareOutputFile({"--out", options.out, "a chart of trackedcam", IsChart}, {configFile});
   host::WriteFile(options.out, DrawChart(options.chart, format));
   const auto& board = options.chart.board;
   const std::string ruler = MillimetresText(RulerLength(board, options.chart.square));
@@ -123,13 +124,13 @@ void AddChartCommand(CLI::App& program, int& status) {
            "299.2mm")
       ->excludes(paper)
       ->excludes(out);
-  command->callback([options, &status] {
+  command->callback([options, &program, &status] {
     if (options->rulerMetres) {
       PrintMeasuredSquare(*options);
     } else {
       RequireGiven("--paper", !options->chart.paper.name.empty());
       RequireGiven("--out", !options->out.empty());
-      WriteChart(*options);
+      WriteChart(*options, ConfigFile(program));
     }
     status = 0;
   });

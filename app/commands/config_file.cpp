@@ -1,9 +1,11 @@
 #include "app/commands/config_file.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #define TOML_HEADER_ONLY 1  // every system has the headers
 #include <toml++/toml.h>
@@ -31,6 +33,11 @@ std::string PlaceOf(const toml::source_region& region) {
 }
 
 toml::table Read(const fs::path& path) {
+  constexpr std::uintmax_t kMostBytes = 1 << 20;
+  std::error_code ignored;
+  if (fs::file_size(path, ignored) > kMostBytes) {
+    Reject(path.u8string() + " is too large for a configuration");
+  }
   std::ifstream file(path, std::ios::binary);
   try {
     return toml::parse(file, path.u8string());
@@ -132,6 +139,12 @@ void AddConfigFile(CLI::App& program) {
       ->check(RequireFile)
       ->trigger_on_parse()  // before it is asked which options are missing
       ->type_name("FILE");
+}
+
+fs::path ConfigFile(const CLI::App& program) {
+  const CLI::Option* option = program.get_option("--config");
+  return option->results().empty() ? fs::path()
+                                   : fs::absolute(fs::u8path(option->results().front()));
 }
 
 }  // namespace trackedcam::app

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <filesystem>
+
 #include <CLI/CLI.hpp>
 
 namespace trackedcam::app {
@@ -10,5 +12,8 @@ namespace trackedcam::app {
 /// commands that have been added before; its paths are relative to its folder, so that a shoot's
 /// folder can be moved with the file in it.
 void AddConfigFile(CLI::App& program);
+
+/// The file that the program was given, as an absolute path; empty when there was none.
+std::filesystem::path ConfigFile(const CLI::App& program);
 
 }  // namespace trackedcam::app

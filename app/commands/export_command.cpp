@@ -3,12 +3,14 @@
 #include <iostream>
 #include <memory>
 
+#include "app/commands/config_file.h"
 #include "app/options/add_path.h"
 #include "app/options/add_value.h"
 #include "app/options/option_values.h"
 #include "app/options/output_file.h"
 #include "app/words/engine_summary.h"
 #include "host/platform.h"
+#include "host/result/own_files.h"
 #include "host/result/result_file.h"
 #include "host/run/run_folder.h"
 #include "host/text/file_text.h"
@@ -37,7 +39,7 @@ struct ExportOptions {
   bool json = false;
 };
 
-void RequireFit(const ExportOptions& options) {
+void RequireFit(const ExportOptions& options, const fs::path& configFile) {
   const std::string name(options.engine->name);
   if (!options.parentAxes.empty() && !options.engine->takesParentAxes) {
     throw CLI::ValidationError("--parent-axes", "is for unreal and unity; the figures of " + name +
@@ -55,10 +57,8 @@ void RequireFit(const ExportOptions& options) {
                                             " does not end in .ulens, by which Unreal knows a "
                                             "lens file");
   }
-  if (options.out == options.result) {
-    throw CLI::ValidationError("--out", options.out.u8string() + " would be overwritten");
-  }
-  PrepareOutputFile("--out", options.out);
+  PrepareOutputFile({"--out", options.out, "a lens file of trackedcam", host::IsLensFile},
+                    {options.result, configFile});
 }
 
 host::EngineExport RunExport(const ExportOptions& options, const host::HandOver& handOver) {
@@ -71,8 +71,8 @@ host::EngineExport RunExport(const ExportOptions& options, const host::HandOver&
   return host::ExportToEngine(*options.engine, handOver, folder);
 }
 
-int Export(const ExportOptions& options) {
-  RequireFit(options);
+int Export(const ExportOptions& options, const fs::path& configFile) {
+  RequireFit(options, configFile);
   host::HandOver handOver = host::ReadResult(options.result);
   handOver.parentAxes = options.parentAxes;
   const host::EngineExport engineExport = RunExport(options, handOver);
@@ -113,7 +113,8 @@ void AddExportCommand(CLI::App& program, int& status) {
            "z-forward\n(presumed) or minus-z-forward");
   AddPath(*command, "--out", options->out, "FILE.ulens", "Of unreal: write a Lens File to import");
   command->add_flag("--json", options->json, "Print the figures as JSON, at full precision");
-  command->callback([options, &status] { status = Export(*options); });
+  command->callback(
+      [options, &program, &status] { status = Export(*options, ConfigFile(program)); });
 }
 
 }  // namespace trackedcam::app

@@ -4,15 +4,19 @@
 #include <iostream>
 #include <memory>
 
+#include "app/commands/config_file.h"
 #include "app/options/add_path.h"
 #include "app/options/option_values.h"
 #include "app/options/output_file.h"
 #include "host/input/input_error.h"
+#include "host/result/own_files.h"
 #include "host/text/file_text.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::app {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* kFooter = R"(Examples:
   trackedcam report --result shoot/result.json --out report.html
@@ -22,12 +26,13 @@ calibrate writes the same page into the folder of each run.
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
 struct ReportOptions {
-  std::filesystem::path result;
-  std::filesystem::path out;
+  fs::path result;
+  fs::path out;
 };
 
-void Report(const ReportOptions& options) {
-  PrepareOutputFile("--out", options.out);
+void Report(const ReportOptions& options, const fs::path& configFile) {
+  PrepareOutputFile({"--out", options.out, "the page of a calibration", host::IsReportPage},
+                    {options.result, configFile});
   std::string page;
   try {
     const std::string result = host::ReadFile(options.result);
@@ -52,8 +57,8 @@ void AddReportCommand(CLI::App& program, int& status) {
       ->required()
       ->check(RequireFile);
   AddPath(*command, "--out", options->out, "FILE.html", "Where to write the page")->required();
-  command->callback([options, &status] {
-    Report(*options);
+  command->callback([options, &program, &status] {
+    Report(*options, ConfigFile(program));
     status = 0;
   });
 }

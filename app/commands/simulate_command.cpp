@@ -5,7 +5,9 @@
 #include <stdexcept>
 
 #include "app/commands/simulate_options.h"
+#include "app/options/shoot_folder.h"
 #include "app/platform.h"
+#include "app/words/escaped_output.h"
 #include "app/words/progress_bar.h"
 #include "simulator/shoot.h"
 #include "simulator/write_shoot.h"
@@ -20,7 +22,8 @@ constexpr const char* kFooter = R"(Examples:
   trackedcam simulate shoot --photographs 30 --missing 1 --outliers 3 --tracker-noise-mm 0.5
   trackedcam calibrate --config shoot/shoot.toml
 
-The folder gets photos/, tracker_data.csv, truth.json and shoot.toml.
+The folder gets photos/, tracker_data.csv, truth.json and shoot.toml. It may hold an earlier simulated
+shoot, which is replaced, and nothing else.
 
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
@@ -33,7 +36,8 @@ simulator::Shoot Simulate(const simulator::ShootOptions& options) {
 }
 
 void Write(const simulator::Shoot& shoot, const fs::path& folder) {
-  ProgressBar bar(std::cerr);
+  std::ostream terminal(PlainOutput(std::cerr));
+  ProgressBar bar(terminal);
   const bool isShown = IsTerminal(stderr);
   simulator::WriteShoot(shoot, folder, [&](int done, int all) {
     if (isShown) {
@@ -53,6 +57,9 @@ void AddSimulateCommand(CLI::App& program, int& status) {
   AddSimulateOptions(*command, *options);
   command->callback([options, &status] {
     const simulator::Shoot shoot = Simulate(options->shoot);
+    if (!options->force) {
+      RequireShootFolder(options->folder);
+    }
     Write(shoot, options->folder);
     std::cout << "Wrote a shoot of " << shoot.photographs.size() << " photographs to "
               << options->folder.u8string() << '\n'

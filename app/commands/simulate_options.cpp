@@ -124,6 +124,9 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
           "Where the shoot is written; created when missing")
       ->type_name("")
       ->required();
+  command.add_flag(
+      "--force", options.force,
+      "Write also into a folder that holds other\nfiles; those of the same names are lost");
   AddPhotographs({command, "Photographs"}, options.shoot);
   AddCamera({command, "Camera"}, options.shoot);
   AddChart({command, "Chart"}, options.shoot);

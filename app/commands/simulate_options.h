@@ -10,6 +10,7 @@ namespace trackedcam::app {
 
 struct SimulateOptions {
   std::filesystem::path folder;
+  bool force = false;  // also over what is no simulated shoot
   simulator::ShootOptions shoot;
 };
 

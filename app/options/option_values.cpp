@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "host/text/number_text.h"
 
 namespace trackedcam::app {
@@ -21,7 +22,6 @@ using host::ParseInteger;
 using host::ParseNumber;
 using host::Shortest;
 
-constexpr int kLeastInnerCorners = 3;
 constexpr double kMillimetresPerMetre = 1000.0;
 constexpr double kFarthestMounting = 3;  // metres; a tracker is within reach of its chart
 
@@ -155,10 +155,15 @@ std::array<int, 2> ParseBoard(const std::string& option, const std::string& text
   if (!board) {
     Reject(option, text + " is not COLSxROWS of inner corners, such as 9x6");
   }
-  if ((*board)[0] < kLeastInnerCorners || (*board)[1] < kLeastInnerCorners) {
+  if ((*board)[0] < host::kLeastInnerCorners || (*board)[1] < host::kLeastInnerCorners) {
     Reject(option, text +
                        " is too small: the chart needs at least 3 inner corners (4 squares) in "
                        "each direction");
+  }
+  if ((*board)[0] > host::kMostInnerCorners || (*board)[1] > host::kMostInnerCorners) {
+    Reject(option, text +
+                       " is too large: at most 100x100 inner corners can be told apart in a "
+                       "photograph");
   }
   return *board;
 }

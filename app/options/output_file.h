@@ -1,14 +1,30 @@
-// A file that a command writes.
+// A file that a command writes. Nothing of a user's is ever lost by it: neither what the command
+// reads nor what another program wrote.
 
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace trackedcam::app {
 
-/// Checks the path of an option and creates the folder of the file.
-/// @throws CLI::ValidationError when the path is that of a folder, or its folder cannot be created.
-void PrepareOutputFile(const std::string& option, const std::filesystem::path& file);
+struct OutputFile {
+  std::string option;
+  std::filesystem::path file;
+  const char* kind;                                         // "the result of a calibration"
+  std::function<bool(const std::filesystem::path&)> isOwn;  // whether a file is of that kind
+};
+
+/// The same file, be it by other names, through links, or where there is none yet.
+bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
+/// Checks the path of an option and creates the folder of the file. An empty file may be replaced:
+/// nothing is lost with it.
+/// @param inputs What the command reads.
+/// @throws CLI::ValidationError when the path is that of an input, of a folder, of a device, or of
+///         a file that is not of the kind, or when its folder cannot be created.
+void PrepareOutputFile(const OutputFile& output, const std::vector<std::filesystem::path>& inputs);
 
 }  // namespace trackedcam::app

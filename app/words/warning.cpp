@@ -2,12 +2,19 @@
 
 #include <string>
 
+#include "host/verdict/losses.h"
+
 namespace trackedcam::app {
 
 using host::Level;
 
 void PrintWarning(std::ostream& out, const host::Report& report) {
   const host::Verdict& verdict = report.verdict;
+  for (const host::Finding& finding : report.findings) {
+    if (host::IsLoss(finding) && verdict.words.find(finding.text) == std::string::npos) {
+      out << "trackedcam: warning: " << finding.text << '\n';
+    }
+  }
   if (verdict.level == Level::kGood) {
     return;
   }

@@ -6,7 +6,8 @@
 
 namespace trackedcam::app {
 
-/// A line that says what is wrong with a result, or doubtful; nothing where all is well.
+/// A line that says what is wrong with a result, or doubtful, and one for each loss; nothing where
+/// all is well.
 void PrintWarning(std::ostream& out, const host::Report& report);
 
 /// The exit status of a program that came to this.

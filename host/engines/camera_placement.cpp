@@ -8,6 +8,7 @@ namespace trackedcam::host {
 
 using Eigen::Matrix3d;
 using Eigen::Vector3d;
+using RowMajor4d = Eigen::Matrix<double, 4, 4, Eigen::RowMajor>;
 
 namespace {
 
@@ -31,19 +32,28 @@ Matrix3d RightUpForward() {
   return Columns(kRight, kUp, kForward);
 }
 
+bool IsPlacement(const std::vector<double>& transformCamTc) {
+  constexpr double kRounded = 1e-3;  // a result that was typed off is still a rotation
+  constexpr double kFarthest = 1e6;  // metres
+  if (transformCamTc.size() < 16) {
+    return false;
+  }
+  const Eigen::Map<const RowMajor4d> transform(transformCamTc.data());
+  const Matrix3d rotation = transform.topLeftCorner<3, 3>();
+  return transform.allFinite() && transform.cwiseAbs().maxCoeff() <= kFarthest &&
+         (rotation * rotation.transpose()).isIdentity(kRounded) && rotation.determinant() > 0;
+}
+
 CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamTc) {
   if (transformCamTc.size() < 16) {
     throw std::invalid_argument("transformCamTc has " + std::to_string(transformCamTc.size()) +
                                 " elements, needs 16");
   }
-  const Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>> transform(
-      transformCamTc.data());
-  const Matrix3d rotation = transform.topLeftCorner<3, 3>();
-  constexpr double kRounded = 1e-3;  // a result that was typed off is still a rotation
-  if (!((rotation * rotation.transpose()).isIdentity(kRounded) && rotation.determinant() > 0 &&
-        transform.allFinite())) {
+  if (!IsPlacement(transformCamTc)) {
     throw std::invalid_argument("transformCamTc is no rotation and translation");
   }
+  const Eigen::Map<const RowMajor4d> transform(transformCamTc.data());
+  const Matrix3d rotation = transform.topLeftCorner<3, 3>();
   const Matrix3d Rot_Tc_Cam =
       Eigen::Quaterniond(rotation).normalized().toRotationMatrix().transpose();
   return {AxisFix() * Rot_Tc_Cam, -AxisFix() * Rot_Tc_Cam * transform.topRightCorner<3, 1>()};

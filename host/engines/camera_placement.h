@@ -14,6 +14,10 @@ struct CameraPlacement {
   Eigen::Vector3d position;  // of the optical centre, metres
 };
 
+/// Whether sixteen values row by row are a rotation and a translation that can be anywhere on a
+/// set: not singular, not scaled, and finite.
+bool IsPlacement(const std::vector<double>& transformCamTc);
+
 /// Seen from the camera in the optical frame: where an engine's axes X, Y and Z point, in columns.
 Eigen::Matrix3d ForwardRightUp();
 Eigen::Matrix3d RightUpForward();

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 
 #include "host/run/log_follower.h"
 #include "host/text/json_file.h"
@@ -58,7 +59,8 @@ EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
   }
   EngineExport engineExport;
   engineExport.engine = &engine;
-  std::filesystem::create_directories(folder);
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);  // where that fails, there is no log
   engineExport.code = engine.convert(handOver, folder.u8string(), engineExport.figures);
   engineExport.log = FindLog(folder);
   engineExport.isGimbalLocked =

@@ -20,8 +20,9 @@ constexpr std::size_t kLeastPhotographs = 12;
 // The rows of each fault; one row may have several.
 struct FaultyRows {
   RowList blank, header, semicolons, tabs, bars, quotes, decimalCommas, extraColumn;
-  RowList pathEncoding, missing, notFinite, text, repeated;
-  std::string firstText;  // of the first row with text
+  RowList pathEncoding, missing, notFinite, tooLarge, text, repeated;
+  // Where the first of each stands: " (field 5 of row 4, photos/a.jpg)".
+  std::string firstNotFinite, firstTooLarge, firstText;
 };
 
 bool IsUtf16(std::string_view content) {
@@ -72,6 +73,17 @@ bool HasMissingFields(const std::vector<std::string_view>& fields) {
          std::any_of(fields.begin() + kPathField, fields.begin() + kFields, isEmpty);
 }
 
+// Metres, millimetres, or a part of a quaternion.
+bool IsTooLarge(double figure) {
+  constexpr double kLargest = 1e9;
+  return figure > kLargest || figure < -kLargest;
+}
+
+std::string Place(const DataRow& row, std::size_t field) {
+  return " (field " + std::to_string(field + 1) + " of row " + std::to_string(row.line) + ", " +
+         row.photograph + ')';
+}
+
 // True when every figure of the poses is a number.
 bool SortByFields(const DataRow& row, FaultyRows& faulty) {
   const auto fields = SplitFields(row.text);
@@ -82,19 +94,21 @@ bool SortByFields(const DataRow& row, FaultyRows& faulty) {
       rows.push_back(&row);
     }
   };
+  const auto addAt = [&](std::size_t field, RowList& rows, std::string& first) {
+    first = rows.empty() ? Place(row, field) : first;
+    add(rows);
+  };
   if (HasMissingFields(fields)) {
     add(faulty.missing);
   }
   for (std::size_t i = kFirstPoseField; i < std::min(kFields, fields.size()); ++i) {
     const FieldKind kind = KindOf(fields[i]);
     if (kind == FieldKind::kNotFinite) {
-      add(faulty.notFinite);
+      addAt(i, faulty.notFinite, faulty.firstNotFinite);
     } else if (kind == FieldKind::kText) {
-      add(faulty.text);
-      if (faulty.firstText.empty()) {
-        faulty.firstText = " (field " + std::to_string(i + 1) + " of row " +
-                           std::to_string(row.line) + "), which reads as 0 or in part.";
-      }
+      addAt(i, faulty.text, faulty.firstText);
+    } else if (IsTooLarge(NumberIn(fields[i]))) {
+      addAt(i, faulty.tooLarge, faulty.firstTooLarge);
     }
   }
   return isNumeric;
@@ -132,14 +146,21 @@ void AddFields(const FaultyRows& faulty, std::size_t all, std::vector<Finding>& 
   add(faulty.pathEncoding,
       {"pathEncoding", "The path of the photograph is not UTF-8 in ", ", so it cannot be opened.",
        "Save the file as UTF-8, or give the photographs names of plain letters."});
-  Finding* notFinite =
-      add(faulty.notFinite, {"noNumber", "A figure is nan or infinite in ",
-                             "; one such row can spoil the whole result.",
-                             "Take these rows out of the file: the tracker gave no pose."});
-  if (notFinite != nullptr) {
-    notFinite->severity = Severity::kError;
-  }
-  add(faulty.text, {"noNumber", "Text stands where a number must in ", faulty.firstText.c_str(),
+  const auto addSpoiling = [&](const char* id, const char* before, const RowList& rows,
+                               const std::string& first) {
+    const std::string after = first + "; one such row can spoil the whole result.";
+    if (Finding* finding =
+            add(rows, {id, before, after.c_str(),
+                       "Take these rows out of the file: the tracker gave no pose."})) {
+      finding->severity = Severity::kError;
+    }
+  };
+  addSpoiling("noNumber", "A figure is nan or infinite in ", faulty.notFinite,
+              faulty.firstNotFinite);
+  addSpoiling("tooLarge", "A figure is far larger than any pose has in ", faulty.tooLarge,
+              faulty.firstTooLarge);
+  const std::string afterText = faulty.firstText + ", which reads as 0 or in part.";
+  add(faulty.text, {"noNumber", "Text stands where a number must in ", afterText.c_str(),
                     "Write plain numbers, such as -1.25 or 1.5e-3, or take these rows out."});
   add(faulty.missing, {"missingFields", "Fields are missing or empty in ", "; each reads as 0.",
                        "A row has 16 fields: time, photograph, then x, y, z, qw, qx, qy, qz of the "

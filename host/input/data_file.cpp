@@ -1,5 +1,6 @@
 #include "host/input/data_file.h"
 
+#include <algorithm>
 #include <system_error>
 
 #include "host/input/input_error.h"
@@ -59,6 +60,15 @@ void RequirePlainFile(const fs::path& data) {
   }
 }
 
+// Before the lines are taken apart: that takes many times the memory of the file.
+void RequireFewLines(const fs::path& data, const std::string& content) {
+  const auto lines = static_cast<std::size_t>(std::count(content.begin(), content.end(), '\n'));
+  if (lines > kMostRows) {
+    throw InputError(data.u8string() + " goes on after row " + std::to_string(kMostRows) +
+                     ", far more rows than any shoot has");
+  }
+}
+
 }  // namespace
 
 std::vector<DataRow> ReadRows(const std::string& content) {
@@ -82,7 +92,11 @@ std::vector<DataRow> ReadRows(const std::string& content) {
 std::string ReadDataContent(const fs::path& data) {
   RequirePlainFile(data);
   try {
-    return ReadFile(data);
+    std::string content = ReadFile(data);
+    RequireFewLines(data, content);
+    return content;
+  } catch (const InputError&) {
+    throw;
   } catch (const std::runtime_error& error) {
     throw InputError(error.what());
   }
@@ -92,9 +106,6 @@ void RequireRows(const fs::path& data, const std::vector<DataRow>& rows) {
   if (rows.empty()) {
     throw InputError(data.u8string() +
                      " has no row: record one row of tracker data for each photograph");
-  }
-  if (rows.size() > kMostRows) {
-    throw InputError(data.u8string() + " has more than a million rows, far more than any shoot");
   }
 }
 

@@ -23,11 +23,12 @@ inline bool operator==(const DataRow& a, const DataRow& b) {
 std::vector<DataRow> ReadRows(const std::string& content);
 
 /// The whole file.
-/// @throws InputError when the file cannot be read, is none or is far larger than any shoot's.
+/// @throws InputError when the file cannot be read, is none, is far larger than any shoot's or has
+///         more than a million lines.
 std::string ReadDataContent(const std::filesystem::path& data);
 
 /// The rows of the file.
-/// @throws InputError when there is no row, or a million of them.
+/// @throws InputError when there is no row.
 void RequireRows(const std::filesystem::path& data, const std::vector<DataRow>& rows);
 
 /// @throws InputError as ReadDataContent and RequireRows do.

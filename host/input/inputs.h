@@ -13,6 +13,9 @@ namespace trackedcam::host {
 
 using crosscheck::Mounting;
 
+constexpr int kLeastInnerCorners = 3;  // along each side of a board
+constexpr int kMostInnerCorners = 100;
+
 /// Paths are absolute.
 struct Inputs {
   std::filesystem::path data;           // a row for each photograph

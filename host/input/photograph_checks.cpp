@@ -27,6 +27,11 @@ using Size = std::array<std::uint64_t, 2>;  // width, height
 using Names = std::vector<std::string>;
 
 constexpr std::uint64_t kMostPixels = 200000000;
+constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
+
+// Beyond, rows without a photograph are not given to the library: it says two lines of each.
+constexpr std::size_t kMostMissing = 10000;
+constexpr std::size_t kMostNamed = 100;
 constexpr double kAspectTolerance = 0.01;
 
 struct Picture {
@@ -43,8 +48,9 @@ struct Picture {
 };
 
 struct Sorted {
-  Names missing, noFile, unreadable, unknown, huge;
+  Names missing, noFile, unreadable, unknown, otherFormat, huge;
   std::vector<Picture> pictures;
+  std::size_t without = 0;  // rows that name no picture
   std::size_t all = 0;
 };
 
@@ -53,12 +59,29 @@ std::string SizeText(const Size& size) {
 }
 
 bool IsHuge(const PhotographHeader& header) {
-  return header.width > kMostPixels / header.height;
+  return header.width > kMostPixels / header.height || header.width > kLongestSide ||
+         header.height > kLongestSide;
 }
 
 bool HasBytes(const fs::path& file) {
   std::error_code error;
   return fs::file_size(file, error) > 0 && !error;
+}
+
+// A picture whose size is not known may be one of gigabytes. What is none, no decoder takes.
+bool SortWithoutHeader(const fs::path& file, const std::string& name, Sorted& sorted) {
+  switch (KindOfFile(file)) {
+    case FileKind::kPhotograph:
+      sorted.unreadable.push_back(name);
+      return false;
+    case FileKind::kOtherPicture:
+      sorted.otherFormat.push_back(name);
+      return false;
+    case FileKind::kText:
+      break;
+  }
+  sorted.unknown.push_back(name);
+  return ++sorted.without <= kMostMissing;
 }
 
 // False for what the library must not be given.
@@ -74,11 +97,11 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
     if (FormOf(row).IsPlain()) {  // else the second field is no path
       sorted.missing.push_back(name);
     }
-    return true;
+    return ++sorted.without <= kMostMissing;
   }
   if (type == fs::file_type::none || (type == fs::file_type::regular && !HasBytes(file))) {
     sorted.unreadable.push_back(name);
-    return true;
+    return ++sorted.without <= kMostMissing;
   }
   if (type != fs::file_type::regular) {
     sorted.noFile.push_back(name);
@@ -86,8 +109,7 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
   }
   const auto header = ReadPhotographHeader(file);
   if (!header) {
-    sorted.unknown.push_back(name);
-    return true;
+    return SortWithoutHeader(file, name, sorted);
   }
   if (IsHuge(*header)) {
     sorted.huge.push_back(name + " (" + SizeText({header->width, header->height}) + ")");
@@ -100,8 +122,10 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
 Finding& Add(std::vector<Finding>& findings, const char* id, Severity severity,
              const std::string& text, const std::string& advice, const Names& photographs) {
   const auto count = static_cast<double>(photographs.size());
-  return findings.emplace_back(
-      Finding{id, severity, text, advice, {{"photographs", count}}, photographs, ""});
+  const auto end =
+      photographs.begin() + static_cast<std::ptrdiff_t>(std::min(photographs.size(), kMostNamed));
+  return findings.emplace_back(Finding{
+      id, severity, text, advice, {{"photographs", count}}, Names(photographs.begin(), end), ""});
 }
 
 void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& findings) {
@@ -130,6 +154,11 @@ void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& 
     Add(findings, "unreadablePhotographs", SeverityOfDropped(sorted.unreadable.size(), sorted.all),
         "Photographs are empty or cannot be read: " + words(sorted.unreadable) + ".",
         "Copy them again.", sorted.unreadable);
+  }
+  if (!sorted.otherFormat.empty()) {
+    Add(findings, "otherFormat", SeverityOfDropped(sorted.otherFormat.size(), sorted.all),
+        "Pictures of a format that is not taken are left out: " + words(sorted.otherFormat) + ".",
+        "Use JPEG, PNG, TIFF, BMP or WebP.", sorted.otherFormat);
   }
   if (!sorted.unknown.empty()) {
     Add(findings, "unknownFormat", Severity::kNote,
@@ -227,6 +256,9 @@ PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs
   Sorted sorted;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].photograph.empty()) {
+      if (++sorted.without > kMostMissing) {
+        checks.leaveOut.push_back(i);
+      }
       continue;
     }
     ++sorted.all;

@@ -16,7 +16,8 @@ struct PhotographChecks {
   std::vector<Finding> findings;  // the worst first
 
   /// Indices of rows, ascending, which the library must not be given: it would wait for a pipe for
-  /// ever, decode a picture of gigabytes, or end at a path that is not UTF-8.
+  /// ever, decode a picture of gigabytes, end at a path that is not UTF-8, or tell of a hundred
+  /// thousand rows without a photograph one by one.
   std::vector<std::size_t> leaveOut;
 };
 

@@ -39,6 +39,18 @@ bool StandsAlone(std::uint64_t jpegMarker) {
   return jpegMarker == 0x01 || (jpegMarker >= 0xD0 && jpegMarker <= 0xD8);
 }
 
+// Where the next marker stands; decoders pass over what is none. Nothing where it is far.
+std::optional<std::uint64_t> NextMarker(const ReadBytes& read, std::uint64_t offset) {
+  constexpr std::size_t kFarthest = 65536;
+  const std::string bytes = read(offset, kFarthest);
+  for (std::size_t i = 0; i + 1 < bytes.size(); ++i) {
+    if (bytes[i] == '\xFF' && bytes[i + 1] != '\xFF' && bytes[i + 1] != '\0') {
+      return offset + i;
+    }
+  }
+  return std::nullopt;
+}
+
 Header JpegHeader(const ReadBytes& read) {
   PhotographHeader header;
   bool hasExif = false;
@@ -46,11 +58,15 @@ Header JpegHeader(const ReadBytes& read) {
   for (int part = 0; part < kMostParts; ++part) {
     const std::string bytes = read(offset, 10);
     const std::uint64_t marker = BigEndian(Part(bytes, 1, 1));
-    if (bytes.size() < 4 || bytes[0] != '\xFF') {
+    if (bytes.size() < 4) {
       return std::nullopt;
     }
-    if (marker == 0xFF) {  // a filling byte
-      ++offset;
+    if (bytes[0] != '\xFF' || marker == 0xFF || marker == 0) {  // filling bytes
+      const auto next = NextMarker(read, offset);
+      if (!next) {
+        return std::nullopt;
+      }
+      offset = *next;
       continue;
     }
     if (StandsAlone(marker)) {
@@ -157,6 +173,30 @@ Header WebpHeader(const ReadBytes& read) {
   return HeaderOf(PhotographFormat::kWebp, header.width, header.height, header.orientation);
 }
 
+// What the bytes of a file say, none of which there are where it is no regular one: a pipe is never
+// opened.
+template <class Ask>
+auto OfFile(const std::filesystem::path& file, Ask ask) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) {
+    return ask([](std::uint64_t, std::size_t) { return std::string(); });
+  }
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  std::ifstream stream;
+  stream.rdbuf()->pubsetbuf(nullptr, 0);  // else each step of some bytes reads a block
+  stream.open(file, std::ios::binary);
+  return ask([&](std::uint64_t offset, std::size_t count) {
+    std::string bytes(count, '\0');
+    stream.clear();
+    if (error || offset >= size || !stream.seekg(static_cast<std::streamoff>(offset))) {
+      return std::string();
+    }
+    stream.read(bytes.data(), static_cast<std::streamsize>(count));
+    bytes.resize(static_cast<std::size_t>(stream.gcount()));
+    return bytes;
+  });
+}
+
 }  // namespace
 
 Header ReadPhotographHeader(const ReadBytes& read) {
@@ -182,25 +222,32 @@ Header ParsePhotographHeader(std::string_view bytes) {
   });
 }
 
-Header ReadPhotographHeader(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) {
-    return std::nullopt;
+FileKind KindOfFile(const ReadBytes& read) {
+  const std::string begin = read(0, 132);
+  const auto has = [&](std::size_t offset, std::string_view mark) {
+    return Part(begin, offset, mark.size()) == mark;
+  };
+  using namespace std::string_view_literals;
+  if (has(0, "\xFF\xD8\xFF") || has(0, "\x89PNG") || has(0, "BM") || has(0, "RIFF") ||
+      has(0, "II*\0"sv) || has(0, "MM\0*"sv) || has(0, "II+\0"sv) || has(0, "MM\0+"sv)) {
+    return FileKind::kPhotograph;
   }
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  std::ifstream stream;
-  stream.rdbuf()->pubsetbuf(nullptr, 0);  // else each step of some bytes reads a block
-  stream.open(file, std::ios::binary);
-  return ReadPhotographHeader([&](std::uint64_t offset, std::size_t count) {
-    std::string bytes(count, '\0');
-    stream.clear();
-    if (error || offset >= size || !stream.seekg(static_cast<std::streamoff>(offset))) {
-      return std::string();
-    }
-    stream.read(bytes.data(), static_cast<std::streamsize>(count));
-    bytes.resize(static_cast<std::size_t>(stream.gcount()));
-    return bytes;
-  });
+  const bool isPortableMap = begin.size() > 2 && begin[0] == 'P' &&
+                             std::string_view("1234567Ff").find(begin[1]) != std::string_view::npos;
+  // JPEG 2000, Sun raster, radiance, OpenEXR, GIF, the family of HEIF, JPEG XL, DICOM.
+  const bool isOther = has(0, "\0\0\0\x0CjP  "sv) || has(0, "\xFF\x4F\xFF\x51") ||
+                       has(0, "\x59\xA6\x6A\x95") || has(0, "#?") || has(0, "\x76\x2F\x31\x01") ||
+                       has(0, "GIF8") || has(4, "ftyp") || has(0, "\xFF\x0A") ||
+                       has(0, "\0\0\0\x0CJXL "sv) || has(128, "DICM");
+  return isPortableMap || isOther ? FileKind::kOtherPicture : FileKind::kText;
+}
+
+FileKind KindOfFile(const std::filesystem::path& file) {
+  return OfFile(file, [](const ReadBytes& read) { return KindOfFile(read); });
+}
+
+Header ReadPhotographHeader(const std::filesystem::path& file) {
+  return OfFile(file, [](const ReadBytes& read) { return ReadPhotographHeader(read); });
 }
 
 }  // namespace trackedcam::host

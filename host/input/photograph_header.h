@@ -23,6 +23,16 @@ struct PhotographHeader {
   bool IsTurnedAside() const { return orientation >= 5; }
 };
 
+/// What a file says that it is in its first bytes.
+enum class FileKind {
+  kText,          // nothing that a decoder takes for a picture
+  kPhotograph,    // one of the formats above
+  kOtherPicture,  // another format, whose size stands nobody knows where
+};
+
+FileKind KindOfFile(const ReadBytes& read);
+FileKind KindOfFile(const std::filesystem::path& file);
+
 /// Nothing for another format and for a header that is cut short. Safe on any bytes; few are read.
 std::optional<PhotographHeader> ReadPhotographHeader(const ReadBytes& read);
 

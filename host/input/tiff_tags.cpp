@@ -5,7 +5,7 @@
 namespace trackedcam::host {
 namespace {
 
-constexpr std::uint64_t kMostEntries = 1000;
+constexpr std::uint64_t kMostEntries = 65535;  // as many as a classic directory counts
 constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62;  // so that no sum of offsets overflows
 
 // How long the parts of a directory are, in bytes.
@@ -55,10 +55,10 @@ std::optional<TiffTags> ReadTiffTags(const ReadBytes& read, std::uint64_t begin)
     const std::uint64_t value = ValueOf(entry, number);
     switch (number(entry.substr(0, 2))) {
       case 256:
-        tags.width = value;
+        tags.width = std::max(tags.width, value);  // whichever of two a decoder takes
         break;
       case 257:
-        tags.height = value;
+        tags.height = std::max(tags.height, value);
         break;
       case 274:
         tags.orientation = value >= 1 && value <= 8 ? static_cast<int>(value) : 1;

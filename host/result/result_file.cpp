@@ -1,8 +1,8 @@
 #include "host/result/result_file.h"
 
-#include <fstream>
 #include <stdexcept>
 
+#include "host/engines/camera_placement.h"
 #include "host/input/input_error.h"
 #include "host/text/json_file.h"
 #include "host/verdict/verdict.h"
@@ -28,8 +28,7 @@ void ParseLens(const nlohmann::json& json, HandOver& handOver) {
   }
 }
 
-Result Parse(std::istream& file) {
-  const auto json = nlohmann::json::parse(file);
+Result Parse(const nlohmann::json& json) {
   Result result;
   result.code = json.at("code").get<int>();
   if (IsUsable(result.code)) {
@@ -43,9 +42,8 @@ Result Parse(std::istream& file) {
 }
 
 Result Read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
   try {
-    return Parse(file);
+    return Parse(ReadJson<nlohmann::json>(path));
   } catch (const std::exception& error) {
     throw InputError(path.u8string() + " is not the result of a calibration: " + error.what());
   }
@@ -58,6 +56,15 @@ HandOver ReadResult(const std::filesystem::path& path) {
   if (!IsUsable(result.code)) {
     throw std::runtime_error(path.u8string() + " is of a calibration that failed, code " +
                              std::to_string(result.code) + ": " + VerdictOf(result.code).words);
+  }
+  if (!IsPlacement(result.handOver.calibration.transformCamTc)) {
+    throw InputError(path.u8string() +
+                     " holds a transformCamTc that no engine can take: it is no rotation and "
+                     "translation");
+  }
+  const std::vector<double>& focal = result.handOver.calibration.normFocal;
+  if (!(focal[0] > 0 && focal[1] > 0)) {
+    throw InputError(path.u8string() + " holds a normFocal that is no focal length");
   }
   return std::move(result.handOver);
 }

@@ -1,15 +1,12 @@
 #include "host/result/truth.h"
 
-#include <fstream>
-
 #include "host/input/input_error.h"
 #include "host/text/json_file.h"
 
 namespace trackedcam::host {
 namespace {
 
-CalibrationOutputs Parse(std::istream& file, const std::array<double, 2>& sensor) {
-  const auto json = nlohmann::json::parse(file);
+CalibrationOutputs Parse(const nlohmann::json& json, const std::array<double, 2>& sensor) {
   CalibrationOutputs truth;
   truth.imageSize = ReadNumbers(json, "imageSize", 2);
   truth.normFocal = ReadNumbers(json, "normFocal", 2);
@@ -28,9 +25,8 @@ CalibrationOutputs Parse(std::istream& file, const std::array<double, 2>& sensor
 
 CalibrationOutputs ReadTruth(const std::filesystem::path& path,
                              const std::array<double, 2>& sensor) {
-  std::ifstream file(path, std::ios::binary);
   try {
-    return Parse(file, sensor);
+    return Parse(ReadJson<nlohmann::json>(path), sensor);
   } catch (const std::exception& error) {
     throw InputError(path.u8string() + " is not the truth of a simulated shoot: " + error.what());
   }

@@ -1,5 +1,8 @@
 #include "host/run/library_run.h"
 
+#include <algorithm>
+
+#include "host/input/whole_picture.h"
 #include "host/run/library_data.h"
 #include "host/run/log_follower.h"
 #include "host/run/reprojected_images.h"
@@ -22,6 +25,40 @@ int CallLibrary(const Inputs& inputs, const Mounting& mounting, const LibraryDat
                      inputs.invertTrackerQuaternions, records);
 }
 
+// A message of several lines would not stand in a sentence.
+std::string OneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+// The log is written before each step: its last lines tell in which one the call ended.
+std::string StoppedAt(const RunRecord& record, const std::vector<DataRow>& rows) {
+  const std::size_t count = record.photographs.size();
+  const auto hasRaw = [](const Photograph& photograph) { return photograph.raw.has_value(); };
+  const bool isSearching =
+      !std::any_of(record.photographs.begin(), record.photographs.end(), hasRaw);
+  if (isSearching && count > 0 && count <= rows.size()) {
+    return "row " + std::to_string(rows[count - 1].line) + ", " + rows[count - 1].photograph;
+  }
+  return record.lastMessage.empty() ? "" : "the step after \"" + record.lastMessage + '"';
+}
+
+// Of the photographs that the second pass went through, when it did.
+std::vector<std::string> LostImages(const LibraryRun& run, const LibraryData& data) {
+  std::vector<std::string> lost;
+  const std::vector<Photograph>& photographs = run.record.photographs;
+  if (run.outputs.transformCamTc.empty() || photographs.size() != data.photographs.size()) {
+    return lost;
+  }
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    if (!photographs[i].dropped &&
+        !IsWholePicture(ReprojectedImage(run.folder, data.photographs[i]))) {
+      lost.push_back(photographs[i].path);
+    }
+  }
+  return lost;
+}
+
 // The library may have been given other names for them.
 void NameAsGiven(std::vector<Photograph>& photographs, const std::vector<DataRow>& rows) {
   for (std::size_t i = 0; i < photographs.size() && i < rows.size(); ++i) {
@@ -42,12 +79,16 @@ LibraryRun RunLibrary(const Inputs& inputs, const std::vector<DataRow>& rows,
   try {
     run.code = CallLibrary(inputs, mounting, data, folder, run.outputs);
   } catch (const std::exception& exception) {
-    run.exception = exception.what();
+    run.exception = OneLine(exception.what());
   }
   run.record = follower.Stop();
   run.log = follower.Log();
   run.images = FindReprojectedImages(folder, data.photographs);
   NameAsGiven(run.record.photographs, rows);
+  run.lostImages = LostImages(run, data);
+  if (!run.code) {
+    run.stoppedAt = StoppedAt(run.record, rows);
+  }
   return run;
 }
 

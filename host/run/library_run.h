@@ -21,7 +21,9 @@ struct LibraryRun {
   RunRecord record;  // the photographs by the names in the data file given
   std::filesystem::path folder;
   std::filesystem::path log;                  // empty when the library could not write one
-  std::vector<std::filesystem::path> images;  // the reprojected ones
+  std::vector<std::filesystem::path> images;  // the reprojected ones that were written whole
+  std::vector<std::string> lostImages;        // photographs whose image was not
+  std::string stoppedAt;  // where an exception left the call, such as "row 7, photos/a.jpg"
 };
 
 /// Calls the library on this thread and follows its log. The library itself writes to the process's

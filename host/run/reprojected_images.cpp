@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "host/input/whole_picture.h"
+
 namespace trackedcam::host {
 
 namespace fs = std::filesystem;
@@ -33,8 +35,7 @@ std::vector<fs::path> FindReprojectedImages(const fs::path& folder,
   std::vector<fs::path> images;
   for (const std::string& photograph : photographs) {
     const fs::path image = ReprojectedImage(folder, photograph);
-    std::error_code error;
-    if (fs::is_regular_file(image, error) && fs::file_size(image, error) > 0 && !error) {
+    if (IsWholePicture(image)) {
       images.push_back(image);
     }
   }

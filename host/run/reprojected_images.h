@@ -21,7 +21,7 @@ bool StaysInFolder(const std::string& photograph);
 void CreateReprojectedImageFolders(const std::filesystem::path& folder,
                                    const std::vector<std::string>& photographs);
 
-/// Those that were written.
+/// Those that were written whole.
 std::vector<std::filesystem::path> FindReprojectedImages(
     const std::filesystem::path& folder, const std::vector<std::string>& photographs);
 

@@ -11,6 +11,7 @@
 namespace trackedcam::host {
 namespace {
 
+constexpr std::size_t kLongestLine = 1 << 20;  // what is beyond no line of a log holds
 constexpr std::string_view kTimeForm = "dddd-dd-dd dd:dd:dd\t";
 
 bool BeginsWithTime(std::string_view line) {
@@ -93,7 +94,9 @@ RunLogReader::RunLogReader(std::vector<std::string> photographs, ProgressListene
 void RunLogReader::Consume(std::string_view text) {
   for (const char character : text) {
     if (character != '\n') {
-      line_ += character;
+      if (line_.size() < kLongestLine) {
+        line_ += character;
+      }
       continue;
     }
     ConsumeLine(line_);

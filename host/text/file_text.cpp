@@ -1,38 +1,93 @@
 #include "host/text/file_text.h"
 
+#include <array>
+#include <charconv>
+#include <cstdint>
 #include <fstream>
-#include <iterator>
+#include <random>
 #include <stdexcept>
 #include <system_error>
+
+#include "host/platform.h"
 
 namespace trackedcam::host {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// Of its own length: the file's name may be as long as names can be.
+fs::path NameBeside(const fs::path& file) {
+  std::random_device random;
+  const std::uint64_t number = (static_cast<std::uint64_t>(random()) << 32) | random();
+  std::array<char, 16> digits = {};
+  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16);
+  return file.parent_path() / (".trackedcam-" + std::string(digits.data(), result.ptr) + ".part");
+}
+
+// Two processes may write beside each other, and a stopped one leave a file behind: whoever finds a
+// name taken takes another.
+fs::path WriteBeside(const fs::path& file, const std::string& content, std::error_code& error) {
+  constexpr int kTrials = 10;
+  for (int i = 0; i < kTrials; ++i) {
+    fs::path beside = NameBeside(file);
+    error = WriteNewFile(beside, content);
+    if (error != std::errc::file_exists) {
+      return beside;
+    }
+  }
+  return {};
+}
+
+// To rename onto a device would put a file in its place.
+bool CanBeReplaced(const fs::path& file) {
+  std::error_code error;
+  const fs::file_type type = fs::symlink_status(file, error).type();
+  return type == fs::file_type::not_found || type == fs::file_type::regular ||
+         type == fs::file_type::symlink;
+}
+
+void KeepPermissions(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(from, error);
+  if (status.type() == fs::file_type::regular) {
+    fs::permissions(to, status.permissions(), error);
+  }
+}
+
+}  // namespace
+
 std::string ReadFile(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  std::string content{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream || fs::is_directory(file)) {
+  std::string content;
+  std::string piece(65536, '\0');
+  while (stream) {
+    stream.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    content.append(piece, 0, static_cast<std::size_t>(stream.gcount()));
+  }
+  if (!stream.eof() || fs::is_directory(file)) {
     throw std::runtime_error("cannot read " + file.u8string());
   }
   return content;
 }
 
 void WriteFile(const fs::path& file, const std::string& content) {
-  fs::path beside = file;
-  beside += ".part";
-  std::ofstream stream(beside, std::ios::binary);  // so that line ends stay as they are
-  stream << content;
-  stream.close();
-  std::error_code error;
-  if (stream) {
-    fs::rename(beside, file, error);
+  std::error_code error = std::make_error_code(std::errc::invalid_argument);
+  if (CanBeReplaced(file)) {
+    const fs::path beside = WriteBeside(file, content, error);
+    if (!error) {
+      KeepPermissions(file, beside);
+      fs::rename(beside, file, error);
+      if (error) {
+        std::error_code ignored;
+        fs::remove(beside, ignored);
+      }
+    }
   }
-  if (!stream || error) {
-    std::error_code ignored;
-    fs::remove(beside, ignored);
-    throw std::runtime_error("cannot write " + file.u8string());
+  if (error) {
+    throw std::runtime_error("cannot write " + file.u8string() + ": " + error.message());
   }
+  FlushFolder(file.parent_path());
 }
 
 }  // namespace trackedcam::host

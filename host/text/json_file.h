@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,6 +10,17 @@
 #include <nlohmann/json.hpp>
 
 namespace trackedcam::host {
+
+/// The content of a file, as nlohmann::json or, in the order of the file, as ordered_json.
+/// @throws std::exception when it cannot be read, is no JSON, or is larger or nested deeper than
+/// any
+///         file of this system: such a one could take all memory.
+template <class Json>
+Json ReadJson(const std::filesystem::path& file);
+
+/// The same of a text.
+template <class Json>
+Json ParseJson(const std::string& text);
 
 /// The list of that name and length.
 /// @throws std::exception when it is missing, longer, shorter, or holds anything but numbers.

@@ -9,14 +9,15 @@ unsigned char ByteAt(std::string_view text, std::size_t index) {
   return index < text.size() ? static_cast<unsigned char>(text[index]) : 0;
 }
 
-// How many bytes the character at the front has; 0 where there is none. The second byte alone tells
-// longer forms, surrogates and what lies beyond the last plane.
+}  // namespace
+
+// The second byte alone tells longer forms, surrogates and what lies beyond the last plane.
 std::size_t CharacterLength(std::string_view text) {
   const unsigned char lead = ByteAt(text, 0);
   const unsigned char second = ByteAt(text, 1);
   const auto follows = [&](std::size_t index) { return (ByteAt(text, index) & 0xC0u) == 0x80; };
   if (lead < 0x80) {
-    return 1;
+    return text.empty() ? 0 : 1;
   }
   if (lead >= 0xC2 && lead <= 0xDF) {
     return follows(1) ? 2 : 0;
@@ -31,8 +32,6 @@ std::size_t CharacterLength(std::string_view text) {
   }
   return 0;
 }
-
-}  // namespace
 
 bool IsUtf8(std::string_view text) {
   while (!text.empty()) {

@@ -64,7 +64,8 @@ const std::map<int, Words> kWords = {
 
 Verdict VerdictOfLibrary(const LibraryRun& run) {
   if (!run.code) {
-    return {Level::kFailed, "The library stopped: " + run.exception + '.', kReport};
+    const std::string where = run.stoppedAt.empty() ? "" : " at " + run.stoppedAt;
+    return {Level::kFailed, "The library stopped" + where + ": " + run.exception + '.', kReport};
   }
   if (IsUsable(*run.code) && !IsUsable(run)) {
     return {Level::kFailed, "The transform is not a number.",

@@ -27,15 +27,6 @@ cv::Mat Reduce(const cv::Mat& image, cv::Size size) {
   return reduced;
 }
 
-// A photograph that the decoder refuses counts as not loaded.
-cv::Mat LoadOrEmpty(const std::string& path) {
-  try {
-    return LoadImage(path);
-  } catch (const cv::Exception&) {
-    return {};
-  }
-}
-
 void Refine(const cv::Mat& grey, Corners& corners, cv::Size boardSize) {
   const cv::TermCriteria criteria(cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.1);
   cv::cornerSubPix(grey, corners, RefinementWindow(corners, boardSize), cv::Size(-1, -1), criteria);
@@ -126,7 +117,7 @@ ResultCode DetectCorners(RunLog log, cv::Size& imageSize, std::vector<std::strin
   for (std::size_t i = 0; i < imagePaths.size(); ++i) {
     const std::string& path = imagePaths[i];
     WriteRunLogLine(log, "Process : " + path);
-    const cv::Mat image = LoadOrEmpty(path);
+    const cv::Mat image = LoadImageOrNone(path);
     if (image.empty()) {
       std::cout << path;
       WriteRunLogLine(log, path + " Not exist!");

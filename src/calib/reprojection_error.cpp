@@ -59,9 +59,12 @@ ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate
         ProjectBoard(boardTemplate, Transform_Cam_Chart, cameraMatrix, distortion);
 
     if (writeImages) {
-      cv::Mat photograph = LoadImage(imagePaths[i]);
-      DrawCorners(photograph, imagePoints[i], projected);
-      WriteReprojectedImage(photograph, outputFolder, imagePaths[i]);
+      // Read a second time, and may be gone by now: the figures do not depend on it.
+      cv::Mat photograph = LoadImageOrNone(imagePaths[i]);
+      if (!photograph.empty()) {
+        DrawCorners(photograph, imagePoints[i], projected);
+        WriteReprojectedImage(photograph, outputFolder, imagePaths[i]);
+      }
     } else {
       ImageOpens(imagePaths[i]);  // a missing photograph shows on the console in either pass
     }

@@ -42,4 +42,12 @@ cv::Mat LoadImage(const std::string& path) {
   return cv::imdecode(bytes, cv::IMREAD_COLOR);
 }
 
+cv::Mat LoadImageOrNone(const std::string& path) {
+  try {
+    return LoadImage(path);
+  } catch (const cv::Exception&) {
+    return {};
+  }
+}
+
 }  // namespace trackedcam

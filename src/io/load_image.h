@@ -11,6 +11,9 @@ namespace trackedcam {
 /// @throws cv::Exception when the decoder refuses the bytes, for example an empty file.
 cv::Mat LoadImage(const std::string& path);
 
+/// The same, where a photograph that the decoder refuses counts as not loaded.
+cv::Mat LoadImageOrNone(const std::string& path);
+
 /// Whether LoadImage can open the file. Says so on the console where it cannot, as LoadImage does.
 bool ImageOpens(const std::string& path);
 

@@ -90,5 +90,17 @@ TEST_F(ChartCommand, NeedsAFileThatCanBeWritten) {
   ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf is no plain file");
 }
 
+TEST_F(ChartCommand, ReplacesAChartAndNoOtherFile) {
+  for (const char* name : {"chart.pdf", "chart.svg"}) {
+    EXPECT_EQ(Draw("30mm", "A3", name).status, 0);
+    EXPECT_EQ(Draw("25mm", "A3", name).status, 0) << name;
+    const std::string foreign = std::string("foreign_") + name;
+    const std::string content = name == std::string("chart.pdf") ? "%PDF-1.4 mine" : "<svg/>";
+    test::WriteFile(folder.File(foreign), content);
+    ExpectError(Draw("30mm", "A3", foreign), 2, "is not a chart of trackedcam");
+    EXPECT_EQ(test::ReadFile(folder.File(foreign)), content);
+  }
+}
+
 }  // namespace
 }  // namespace trackedcam::app

@@ -136,6 +136,23 @@ TEST_F(HostProgramExport, WritesNoLensFileWithoutALens) {
   EXPECT_FALSE(fs::exists(folder.Path() / "lens.ulens"));
 }
 
+TEST_F(HostProgramExport, RefusesATransformThatIsNone) {
+  for (const char* transform : {"[0, 0, 0, 0.1, 0, 0, 0, 0.2, 0, 0, 0, 0.3, 0, 0, 0, 1]",
+                                "[1, 0, 0, null, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]",
+                                "[1, 0, 0, 1e308, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]"}) {
+    test::WriteFile(folder.File("result.json"),
+                    std::string(R"({"code": 0, "normFocal": [0.5, 1], "normCenter": [0.5, 0.5], )"
+                                R"("transformCamTc": )") +
+                        transform + "}");
+    for (const char* engine : {"ue4", "ue5", "ue5-xn", "aximmetry", "unreal", "unity"}) {
+      const ProgramRun run = Export(engine);
+      EXPECT_EQ(run.status, 2) << engine << transform;
+      EXPECT_EQ(run.out, "");
+      EXPECT_THAT(run.error, HasSubstr("result.json"));
+    }
+  }
+}
+
 TEST_F(HostProgramExport, LogsBesideTheResultOrWhereTold) {
   Export("ue5");
   EXPECT_EQ(LogsIn(folder.Path() / "run_001"), 1U);

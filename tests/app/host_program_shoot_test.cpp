@@ -212,9 +212,10 @@ TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
   test::WriteFile(folder.File("shoot/tracker_data.csv"), data);
   const ProgramRun run = Calibrate({"--export", "ue5"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.error,
-            "trackedcam: error: The transform is not a number. A figure is nan or infinite in all "
-            "20 rows; one such row can spoil the whole result.\n");
+  EXPECT_EQ(
+      run.error,
+      "trackedcam: error: The transform is not a number. A figure is nan or infinite in all "
+      "20 rows (field 3 of row 2, photos/img_000.jpg); one such row can spoil the whole result.\n");
   EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
   EXPECT_TRUE(Read("result.json")["transformCamTc"][3].is_null());
 }

@@ -204,12 +204,21 @@ INSTANTIATE_TEST_SUITE_P(
     Fields, DataFault,
     testing::Values(
         Fault{"a nan", Changed({3}, Set(4, "nan")), "noNumber", Severity::kError,
-              "A figure is nan or infinite in row 4; one such row can spoil the whole result."},
+              "A figure is nan or infinite in row 4 (field 5 of row 4, photos/3.jpg); one such row "
+              "can "
+              "spoil the whole result."},
+        Fault{"a figure without bounds", Changed({3, 5}, Set(4, "-1e200")), "tooLarge",
+              Severity::kError,
+              "A figure is far larger than any pose has in rows 4 and 6 (field 5 of row 4, "
+              "photos/3.jpg); "
+              "one such row can spoil the whole result."},
         Fault{"an infinity", Changed({3}, Set(15, " -inf")), "noNumber", Severity::kError,
-              "A figure is nan or infinite in row 4; one such row can spoil the whole result."},
+              "A figure is nan or infinite in row 4 (field 16 of row 4, photos/3.jpg); one such "
+              "row can "
+              "spoil the whole result."},
         Fault{"texts", Changed({3, 9}, Set(5, "1.2m")), "noNumber", Severity::kWarning,
-              "Text stands where a number must in rows 4 and 10 (field 6 of row 4), which reads as "
-              "0 or in part."},
+              "Text stands where a number must in rows 4 and 10 (field 6 of row 4, photos/3.jpg), "
+              "which reads as 0 or in part."},
         Fault{"a row cut short", Changed({3}, [](Row& row) { row.resize(10); }), "missingFields",
               Severity::kWarning, "Fields are missing or empty in row 4; each reads as 0."},
         Fault{"a column less", AllChanged([](Row& row) { row.pop_back(); }), "missingFields",

@@ -95,7 +95,7 @@ TEST_F(DataFileOnDisk, NeedsARow) {
 
 TEST_F(DataFileOnDisk, HasAMillionRowsAtMost) {
   test::WriteFile(folder.File("data.csv"), std::string(1000001, '\n'));
-  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv has more than a million rows"));
+  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv goes on after row 1000000"));
 }
 
 TEST_F(DataFileOnDisk, IsReadWhole) {

@@ -1,9 +1,12 @@
 #include "host/text/file_text.h"
 
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "support/platform.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {
@@ -36,6 +39,72 @@ TEST_F(FileTextTest, StaysWhereWritingFails) {
   EXPECT_TRUE(fs::is_directory(file));
   EXPECT_EQ(Files(), 1U);
   EXPECT_THROW(WriteFile(folder.Path() / "missing" / "file", ""), std::runtime_error);
+}
+
+TEST_F(FileTextTest, SaysWhyItCannotBeWritten) {
+  try {
+    WriteFile(folder.Path() / "missing" / "file", "");
+    FAIL() << "written";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(), testing::HasSubstr("file: "));
+  }
+}
+
+TEST_F(FileTextTest, MayHaveTheLongestName) {
+  const fs::path longest = folder.Path() / std::string(255, 'a');
+  WriteFile(longest, "old");
+  WriteFile(longest, "new");
+  EXPECT_EQ(ReadFile(longest), "new");
+  EXPECT_EQ(Files(), 1U);
+}
+
+TEST_F(FileTextTest, KeepsItsPermissions) {
+  WriteFile(file, "old");
+  const auto mine = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(file, mine);
+  const fs::perms before = fs::status(file).permissions();  // not every system has them all
+  WriteFile(file, "new");
+  EXPECT_EQ(fs::status(file).permissions(), before);
+}
+
+TEST_F(FileTextTest, ReplacesALinkAndNotWhatItLeadsTo) {
+  WriteFile(folder.Path() / "other", "other");
+  std::error_code error;
+  fs::create_symlink("other", file, error);
+  if (error) {
+    GTEST_SKIP() << "no links here: " << error.message();
+  }
+  WriteFile(file, "new");
+  EXPECT_FALSE(fs::is_symlink(file));
+  EXPECT_EQ(ReadFile(folder.Path() / "other"), "other");
+}
+
+TEST_F(FileTextTest, NeverTakesThePlaceOfAPipe) {
+  if (!test::MakePipe(file)) {
+    GTEST_SKIP() << "no pipes among the files here";
+  }
+  EXPECT_THROW(WriteFile(file, "new"), std::runtime_error);
+  EXPECT_TRUE(fs::is_fifo(file));
+  EXPECT_EQ(Files(), 1U);
+}
+
+TEST_F(FileTextTest, IsWholeWhoeverElseWritesIt) {
+  constexpr int kWriters = 4;
+  constexpr int kTimes = 25;
+  std::vector<std::thread> writers;
+  for (int writer = 0; writer < kWriters; ++writer) {
+    writers.emplace_back([this, writer] {
+      for (int i = 0; i < kTimes; ++i) {
+        WriteFile(file, std::string(100000, static_cast<char>('a' + writer)));
+      }
+    });
+  }
+  for (std::thread& writer : writers) {
+    writer.join();
+  }
+  const std::string content = ReadFile(file);
+  EXPECT_EQ(content, std::string(100000, content.front()));
+  EXPECT_EQ(Files(), 1U);
 }
 
 TEST_F(FileTextTest, ThatIsMissingOrNoneCannotBeRead) {

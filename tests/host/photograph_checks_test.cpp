@@ -154,6 +154,53 @@ TEST_F(PhotographChecksTest, TakeTwoHundredMegapixels) {
   EXPECT_EQ(TheFinding().id, "hugePhotograph");
 }
 
+TEST_F(PhotographChecksTest, LeaveOutSidesThatNoDecoderTakes) {
+  Add("photos/5.png", PngHeader((1 << 20) + 1, 1));
+  EXPECT_EQ(TheFinding().id, "hugePhotograph");
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
+}
+
+// Whatever its size, it stands where nobody has read it.
+TEST_F(PhotographChecksTest, LeaveOutPicturesWithoutASize) {
+  Add("photos/5.jpg", Jpeg(60, 40).substr(0, 30));
+  Add("photos/6.tif", std::string("II*\0\xFF\xFF\xFF\x7F", 8));
+  ExpectTheFinding("unreadablePhotographs", Severity::kError,
+                   "Photographs are empty or cannot be read: photos/5.jpg and photos/6.tif.");
+  EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
+}
+
+TEST_F(PhotographChecksTest, LeaveOutOtherFormats) {
+  const std::vector<std::string> others = {"P6\n99999 99999\n255\n",
+                                           "PF\n99999 99999\n-1\n",
+                                           std::string("\0\0\0\x0CjP  \r\n\x87\n", 12),
+                                           "\xFF\x4F\xFF\x51",
+                                           "\x59\xA6\x6A\x95",
+                                           "#?RADIANCE\n\n-Y 99999 +X 99999\n",
+                                           std::string("\x76\x2F\x31\x01\2\0\0\0", 8),
+                                           "GIF89a",
+                                           std::string("\0\0\0\x1C"
+                                                       "ftypavif",
+                                                       12),
+                                           std::string(128, '\0') + "DICM"};
+  for (std::size_t i = 0; i < others.size(); ++i) {
+    Add("photos/" + std::to_string(5 + i) + ".jpg", others[i]);
+  }
+  EXPECT_EQ(TheFinding().id, "otherFormat");
+  EXPECT_THAT(TheFinding().photographs, SizeIs(others.size()));
+  EXPECT_THAT(Check().leaveOut, SizeIs(others.size()));
+}
+
+TEST_F(PhotographChecksTest, LeaveOutRowsWithoutPhotographsWhenTheyAreManyThousands) {
+  for (int i = 0; i < 10000; ++i) {
+    Name(i % 2 == 0 ? "" : "photos/none.jpg");
+  }
+  EXPECT_THAT(Check().leaveOut, IsEmpty());
+  Name("photos/none.jpg");
+  Name("");
+  EXPECT_THAT(Check().leaveOut, ElementsAre(10004U, 10005U));
+  EXPECT_THAT(Check().findings.front().photographs, SizeIs(100));
+}
+
 TEST_F(PhotographChecksTest, LeaveOutFolders) {
   Name("photos");
   ExpectTheFinding("notAFile", Severity::kNote,

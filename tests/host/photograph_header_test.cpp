@@ -118,6 +118,19 @@ TEST(PhotographHeader, BmpMayRunDownwards) {
   ExpectHeader(bmp, PhotographFormat::kBmp);
 }
 
+// A decoder passes over bytes between the parts; so does whoever asks for the size.
+TEST(PhotographHeader, IsFoundBehindFillingBytes) {
+  const std::string jpeg = Encoded(".jpg");
+  const std::string filled = jpeg.substr(0, 20) + std::string("\0\1\2\xFF\0", 5) + jpeg.substr(20);
+  EXPECT_FALSE(cv::imdecode(std::vector<char>(filled.begin(), filled.end()), 1).empty());
+  ExpectHeader(filled, PhotographFormat::kJpeg);
+}
+
+TEST(PhotographHeader, HasTheLargerOfTwoSizes) {
+  const std::string tiff = WithTag(Encoded(".tiff"), 284, 256, 60000);
+  EXPECT_EQ(ParsePhotographHeader(tiff)->width, 60000U);
+}
+
 TEST(PhotographHeader, IsNoneOfWhatIsNoPicture) {
   for (const std::string& bytes :
        {std::string(), std::string("BM"), std::string("a text\n"), std::string("\xFF\xD8\xFF"),

@@ -45,9 +45,11 @@ TEST(ReprojectedImages, NeedNotGetTheirFolders) {
 
 TEST(ReprojectedImages, AreFoundWhereTheyWereWritten) {
   const test::TemporaryFolder folder;
-  test::WriteFile(folder.File("Reproject_b.jpg"), "image");
+  const std::string jpeg = "\xFF\xD8\xFF a picture \xFF\xD9";
+  test::WriteFile(folder.File("Reproject_b.jpg"), jpeg);
   test::WriteFile(folder.File("Reproject_c.jpg"), "");  // the disk was full
-  EXPECT_THAT(FindReprojectedImages(folder.Path(), {"a.jpg", "b.jpg", "c.jpg"}),
+  test::WriteFile(folder.File("Reproject_d.jpg"), jpeg.substr(0, 14));
+  EXPECT_THAT(FindReprojectedImages(folder.Path(), {"a.jpg", "b.jpg", "c.jpg", "d.jpg"}),
               ElementsAre(folder.Path() / "Reproject_b.jpg"));
 }
 

@@ -68,6 +68,25 @@ TEST_F(ResultFileTest, MustBeOfAUsableCalibration) {
   EXPECT_THAT(ErrorOf<std::runtime_error>(With("99", "14")), HasSubstr("code 14"));
 }
 
+TEST_F(ResultFileTest, MustHoldARotationAndATranslation) {
+  for (const auto& [part, replacement] :
+       std::vector<std::pair<std::string, std::string>>{{"[1, 0", "[0, 0"},            // singular
+                                                        {"[1, 0", "[2, 0"},            // scaled
+                                                        {"[1, 0", "[-1, 0"},           // mirrored
+                                                        {"0, 1, 0, -", "0, 1, 1, -"},  // sheared
+                                                        {"0.01", "1e300"}}) {
+    EXPECT_THAT(ErrorOf<InputError>(With(part, replacement)),
+                HasSubstr("result.json holds a transformCamTc that no engine can take"))
+        << replacement;
+  }
+  EXPECT_THAT(ErrorOf<InputError>(With("0.9", "0")), HasSubstr("normFocal"));
+}
+
+TEST_F(ResultFileTest, MustFitIntoMemory) {
+  EXPECT_THAT(ErrorOf<InputError>(std::string(1000000, '[')), HasSubstr("nested too deep"));
+  EXPECT_THAT(ErrorOf<InputError>(std::string(65 << 20, ' ')), HasSubstr("too large"));
+}
+
 TEST_F(ResultFileTest, MustBeAResult) {
   for (const std::string& content :
        {std::string(), std::string("[]"), std::string("{}"), With("99", "\"0\""),

@@ -1,0 +1,124 @@
+// No command writes over what is not its own.
+
+#include <gmock/gmock.h>
+
+#include "host_program.h"
+
+namespace trackedcam::app {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+
+class HostProgramOverwrite : public testing::Test {
+ protected:
+  HostProgramOverwrite() {
+    Run({"simulate", "shoot", "--photographs", "16", "--image", "640x360"});
+  }
+
+  ProgramRun Run(const std::vector<std::string>& arguments) const {
+    return RunHostProgram(folder.Path(), arguments);
+  }
+
+  std::string Read(const std::string& name) const { return test::ReadFile(folder.File(name)); }
+
+  // Status 2, and the file as it was.
+  void ExpectRefused(const std::string& file, const std::vector<std::string>& arguments,
+                     const std::string& reason) const {
+    const std::string before = Read(file);
+    const ProgramRun run = Run(arguments);
+    EXPECT_EQ(run.status, 2) << file;
+    EXPECT_THAT(run.error, HasSubstr(reason));
+    EXPECT_EQ(Read(file), before) << file;
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(HostProgramOverwrite, CalibrateKeepsWhatItReads) {
+  for (const char* option : {"--result", "--report"}) {
+    for (const char* name :
+         {"shoot.toml", "truth.json", "tracker_data.csv", "photos/img_007.jpg"}) {
+      const std::string file = std::string("shoot/") + name;
+      ExpectRefused(file, {"calibrate", "--config", "shoot/shoot.toml", option, file},
+                    "would be overwritten");
+    }
+  }
+  EXPECT_FALSE(fs::exists(folder.Path() / "shoot" / "log"));  // refused before the run
+}
+
+TEST_F(HostProgramOverwrite, CalibrateKeepsWhatIsNotItsOwn) {
+  test::WriteFile(folder.File("notes.json"), "{\"notes\": []}");
+  ExpectRefused("notes.json",
+                {"calibrate", "--config", "shoot/shoot.toml", "--result", "notes.json"},
+                "is not the result of a calibration");
+  ExpectRefused("notes.json",
+                {"calibrate", "--config", "shoot/shoot.toml", "--report", "notes.json"},
+                "is not the page of a calibration");
+}
+
+TEST_F(HostProgramOverwrite, ResultAndPageAreTwoFiles) {
+  const ProgramRun run =
+      Run({"calibrate", "--config", "shoot/shoot.toml", "--result", "one", "--report", "./one"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.error, HasSubstr("--report"));
+}
+
+TEST_F(HostProgramOverwrite, WhatIsTheirOwnTheyReplace) {
+  const std::vector<std::string> calibrate = {"calibrate", "--config",     "shoot/shoot.toml",
+                                              "--result",  "r.json",       "--report",
+                                              "page.html", "--log-folder", "shoot/log"};
+  Run(calibrate);
+  ASSERT_TRUE(fs::exists(folder.Path() / "r.json"));
+  const std::string first = Read("r.json");
+  Run(calibrate);
+  EXPECT_THAT(first, HasSubstr("run_001"));
+  EXPECT_THAT(Read("r.json"), HasSubstr("run_002"));
+
+  const std::vector<std::string> report = {"report", "--result", "r.json", "--out", "page.html"};
+  EXPECT_EQ(Run(report).status, 0);
+  const std::vector<std::string> lens = {"export", "unreal", "--result",
+                                         "r.json", "--out",  "a.ulens"};
+  EXPECT_EQ(Run(lens).status, 0);
+  EXPECT_EQ(Run(lens).status, 0) << "the second time over the first";
+}
+
+TEST_F(HostProgramOverwrite, ReportAndExportKeepWhatIsNotTheirOwn) {
+  Run({"calibrate", "--config", "shoot/shoot.toml"});
+  ASSERT_TRUE(fs::exists(folder.Path() / "shoot" / "result.json"));
+  const std::string result = "shoot/result.json";
+  ExpectRefused(result, {"report", "--result", result, "--out", "shoot/../shoot/result.json"},
+                "would be overwritten");
+  ExpectRefused("shoot/truth.json", {"report", "--result", result, "--out", "shoot/truth.json"},
+                "is not the page of a calibration");
+  test::WriteFile(folder.File("mine.ulens"), "{\"metadata\": {\"type\": \"LensFile\"}}");
+  ExpectRefused("mine.ulens", {"export", "unreal", "--result", result, "--out", "mine.ulens"},
+                "is not a lens file of trackedcam");
+}
+
+TEST_F(HostProgramOverwrite, SimulateReplacesASimulatedShootAlone) {
+  EXPECT_EQ(Run({"simulate", "shoot", "--photographs", "12", "--image", "320x180"}).status, 0);
+  Run({"calibrate", "--config", "shoot/shoot.toml"});
+  EXPECT_EQ(Run({"simulate", "shoot", "--photographs", "12", "--image", "320x180"}).status, 0);
+
+  test::WriteFile(folder.File("shoot/notes.txt"), "mine");
+  const ProgramRun foreign = Run({"simulate", "shoot"});
+  EXPECT_EQ(foreign.status, 2);
+  EXPECT_THAT(foreign.error, AllOf(HasSubstr("notes.txt"), HasSubstr("--force")));
+}
+
+TEST_F(HostProgramOverwrite, SimulateKeepsARealShoot) {
+  fs::create_directories(folder.Path() / "real" / "photos");
+  test::WriteFile(folder.File("real/tracker_data.csv"), "Time,Image\n1,photos/img_000.jpg\n");
+  test::WriteFile(folder.File("real/photos/img_000.jpg"), "real");
+  ExpectRefused("real/photos/img_000.jpg", {"simulate", "real", "--photographs", "12"},
+                "real holds files that are no simulated shoot");
+  EXPECT_THAT(Read("real/tracker_data.csv"), HasSubstr("1,photos/img_000.jpg"));
+  EXPECT_EQ(
+      Run({"simulate", "real", "--photographs", "12", "--image", "320x180", "--force"}).status, 0);
+  EXPECT_NE(Read("real/photos/img_000.jpg"), "real");
+}
+
+}  // namespace
+}  // namespace trackedcam::app
