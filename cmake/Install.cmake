@@ -5,6 +5,9 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/trackedcam)
 
+if(TARGET trackedcam_c_import_library)
+  install(FILES ${PROJECT_BINARY_DIR}/c/trackedcam_c.lib DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 set(libraries trackedcam)
 if(TARGET trackedcam_c)
   list(APPEND libraries trackedcam_c)

@@ -10,12 +10,16 @@ import tempfile
 import zipfile
 
 from notices import check_notices
-from stranger import BUILD, SOURCE, check_examples, check_loading, run
+from stranger import BUILD, SOURCE, check_c_example, check_examples, check_loading, run
 
 FILES = {
     "bin/trackedcam.dll",
     "bin/trackedcam.exe",
+    "bin/trackedcam_c.dll",
     "include/trackedcam/trackedcam.h",
+    "include/trackedcam/trackedcam_c.h",
+    "lib/trackedcam_c.lib",
+    "lib/libtrackedcam_c.dll.a",
     "lib/libtrackedcam.dll.a",
     "lib/cmake/trackedcam/trackedcamConfig.cmake",
     "lib/cmake/trackedcam/trackedcamConfigVersion.cmake",
@@ -42,6 +46,8 @@ with tempfile.TemporaryDirectory() as name:
         f"-DTRACKEDCAM_WINDOWS_DEPENDENCIES={prefix}")
     run("cmake", "--build", build)
     shutil.copy(prefix / "bin/trackedcam.dll", build)
+    shutil.copy(prefix / "bin/trackedcam_c.dll", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
+    check_c_example(build, scratch)
     check_loading(build, prefix / "bin/trackedcam.dll", scratch)
 print("the zip holds what it should, and the examples build and run")

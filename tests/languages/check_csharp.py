@@ -23,7 +23,7 @@ with tempfile.TemporaryDirectory() as name:
         sys.exit(f"C# lays the structs out as\n{found}and the header as\n{expected}")
 
     shoot = simulate(program, scratch)
-    by_program = calibrate_by_program(program, scratch, "--no-mounting")
+    by_program = calibrate_by_program(program, shoot, scratch / "log")
     printed = run(mono, example, "tracker_data.csv", scratch / "log", scratch / "csharp.json", cwd=shoot)
     require_same(scratch / "csharp.json", by_program)
     print(printed.strip().splitlines()[-1])

@@ -21,21 +21,16 @@ def simulate(program, scratch):
     return scratch / "shoot"
 
 
-def calibrate_by_program(program, scratch, mounting=""):
-    """The text of the program's result, of a run whose log folder is taken away again.
+def calibrate_by_program(program, shoot, log):
+    """The text of the program's result, with the mounting found from the shoot.
 
-    With --no-mounting the mounting is found from the shoot.
+    The log folder is relative to the shoot's, or absolute, and is taken away again, so that the folder of the
+    next run has the same name.
     """
-    options = ["--data", "tracker_data.csv", "--sensor", "36x20.25", "--board", "9x6", "--square", "0.03",
-               "--log-folder", scratch / "log", "--result", scratch / "program.json", "--no-report"]
-    if mounting != "--no-mounting":
-        toml = (scratch / "shoot/shoot.toml").read_text(encoding="utf-8")
-        for key in ["chart-rotation", "chart-translation"]:
-            value = re.search(rf'^{key} *= *[\["]?([^\]"\n]*)', toml, re.MULTILINE)[1]
-            options.append(f"--{key}={value.replace(' ', '')}")
-    run(program, "calibrate", *options, cwd=scratch / "shoot")
-    shutil.rmtree(scratch / "log")  # so that the folder of the next run has the same name
-    return (scratch / "program.json").read_text(encoding="utf-8")
+    run(program, "calibrate", "--data", "tracker_data.csv", "--sensor", "36x20.25", "--board", "9x6", "--square",
+        "0.03", "--log-folder", log, "--result", "program.json", "--no-report", cwd=shoot)
+    shutil.rmtree(shoot / log)
+    return (shoot / "program.json").read_text(encoding="utf-8")
 
 
 def without_time(text):

@@ -12,9 +12,9 @@ root = pathlib.Path(sys.argv[1])
 readme = (root / "README.md").read_text(encoding="utf-8")
 
 faults = []
-snippets = re.findall(r"```cpp\n(.*?)\n```", readme, re.DOTALL)
-for example in sorted((root / "examples").glob("*.cpp")):
-    marked = re.findall(r"// README begin\n(.*?)\s*// README end", example.read_text(encoding="utf-8"), re.DOTALL)
+snippets = re.findall(r"```(?:cpp|c)\n(.*?)\n```", readme, re.DOTALL)
+for example in sorted((root / "examples").glob("*.c*")):
+    marked = re.findall(r"/[/*] README begin(?: \*/)?\n(.*?)\s*/[/*] README end", example.read_text(encoding="utf-8"), re.DOTALL)
     for part in map(textwrap.dedent, marked):
         if part in snippets:
             snippets.remove(part)

@@ -1,6 +1,8 @@
 """A perfect shoot within its truth, and the same figures as the program."""
 
 import json
+import os
+import pathlib
 import re
 import shutil
 import subprocess
@@ -84,6 +86,15 @@ def test_hands_the_result_to_engines(report):
     assert json.loads(report.lens_file("Prime 35"))
     with pytest.raises(trackedcam.InputError, match="not one of the engines"):
         report.export("word")
+
+
+def test_the_readmes_snippet_runs(perfect, tmp_path, monkeypatch, capsys):
+    readme = (pathlib.Path(os.environ["TRACKEDCAM_SOURCE"]) / "README.md").read_text(encoding="utf-8")
+    snippet, = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)
+    (tmp_path / "shoot").symlink_to(perfect.folder)
+    monkeypatch.chdir(tmp_path)
+    exec(snippet, {})  # pylint: disable=exec-used
+    assert len(capsys.readouterr().out.splitlines()) == 4 + 3
 
 
 def test_rows_from_memory(report, perfect, tmp_path):
