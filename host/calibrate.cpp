@@ -80,18 +80,6 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
   return report;
 }
 
-// A search for thousands of corners takes minutes, and a log of them fills a disk.
-void RequireBoard(const Inputs& inputs) {
-  for (const int corners : inputs.board) {
-    if (corners < kLeastInnerCorners || corners > kMostInnerCorners) {
-      throw InputError("a board of " + std::to_string(inputs.board[0]) + 'x' +
-                       std::to_string(inputs.board[1]) +
-                       " inner corners cannot be searched: 3 to "
-                       "100 along each side can");
-    }
-  }
-}
-
 // The linear algebra below the library waits for its 128 MB for ever where it does not get them.
 void RequireMemory() {
   constexpr std::size_t kBytes = std::size_t{512} << 20;
@@ -192,7 +180,7 @@ void AddNotRefined(Report& first, const std::string& reason) {
 }  // namespace
 
 Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
-  RequireBoard(inputs);
+  RequirePossible(inputs);
   RequireMemory();
   const Shoot shoot = ReadShoot(inputs);
   const std::vector<Finding>& ofInput = shoot.findings;

@@ -26,7 +26,7 @@ std::error_code LastError() {
 
 std::error_code WriteAll(HANDLE file, const std::string& content) {
   for (std::size_t done = 0; done < content.size();) {
-    const auto count = static_cast<DWORD>(std::min(content.size() - done, kMostAtOnce));
+    const auto count = static_cast<DWORD>((std::min)(content.size() - done, kMostAtOnce));
     DWORD written = 0;
     if (::WriteFile(file, content.data() + done, count, &written, nullptr) == 0) {
       return LastError();

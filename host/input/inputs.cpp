@@ -10,9 +10,6 @@
 namespace trackedcam::host {
 namespace {
 
-constexpr int kLeastInnerCorners = 3;
-constexpr int kMostInnerCorners = 1000;
-
 void Require(bool holds, const std::string& what) {
   if (!holds) {
     throw InputError(what);
@@ -35,7 +32,9 @@ void RequirePossible(const Inputs& inputs) {
   for (const int corners : inputs.board) {
     Require(corners >= kLeastInnerCorners && corners <= kMostInnerCorners,
             "a board with " + std::to_string(corners) +
-                " inner corners in one direction cannot be: it has 3 to 1000 of them");
+                " inner corners in one direction cannot be: it has " +
+                std::to_string(kLeastInnerCorners) + " to " + std::to_string(kMostInnerCorners) +
+                " of them");
   }
   Require(inputs.squareMetres > 0 && inputs.squareMetres < 1,
           "squares of " + Shortest(inputs.squareMetres) +

@@ -13,8 +13,8 @@ namespace trackedcam::host {
 
 using crosscheck::Mounting;
 
-constexpr int kLeastInnerCorners = 3;  // along each side of a board
-constexpr int kMostInnerCorners = 100;
+constexpr int kLeastInnerCorners = 3;   // along each side of a board
+constexpr int kMostInnerCorners = 100;  // a search for thousands takes minutes, their log a disk
 
 /// Paths are absolute.
 struct Inputs {

@@ -1,0 +1,121 @@
+// Whether memory grows where a host calls for days: 500 calibrations in one process, and 1000
+// rounds of loading the library, calling it and unloading it. Memory is counted once what libraries
+// keep for themselves is there. Usage: soak LIBRARY FOLDER   (FOLDER: for a shoot and its logs; it
+// is filled)
+
+#include <cstdio>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "simulator/write_shoot.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Numbers = std::vector<double>;
+using CalibrationFunction = int (*)(std::string, double, double, int, int, double, Numbers, Numbers,
+                                    Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&,
+                                    Numbers&, std::string, bool, int);
+using ExportFunction = int (*)(Numbers, Numbers&, Numbers&, std::string);
+
+constexpr long kKilobyte = 1024;
+constexpr int kWarmUp = 20;
+
+// Pages of this process that are in memory, in kilobytes.
+long ResidentKilobytes() {
+  long all = 0;
+  long resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident * (sysconf(_SC_PAGESIZE) / kKilobyte);
+}
+
+class Library {
+ public:
+  explicit Library(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {}
+  ~Library() {
+    if (handle_ != nullptr) {
+      dlclose(handle_);
+    }
+  }
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  template <class Function>
+  Function Find(const char* name) const {
+    return reinterpret_cast<Function>(handle_ == nullptr ? nullptr : dlsym(handle_, name));
+  }
+
+ private:
+  void* handle_;
+};
+
+int Calibrate(const Library& library, const fs::path& folder) {
+  Numbers size, focal, centre, distortion, transform, fieldOfView, focalLength;
+  fs::remove_all(folder / "log");
+  fs::create_directories(folder / "log" / "Reproject_photos");
+  return library.Find<CalibrationFunction>("Calibration")(
+      (folder / "tracker_data.csv").string(), 36, 20.25, 9, 6, 0.03, {0, 0, 0}, {0, 0, 0}, size,
+      focal, centre, distortion, transform, fieldOfView, focalLength, (folder / "log").string(),
+      false, 1000000);
+}
+
+bool Export(const char* path, const fs::path& folder) {
+  const Library library(path);
+  const auto toEngine = library.Find<ExportFunction>("CamAxisToUE5");
+  Numbers quaternion, translation;
+  fs::remove_all(folder / "log");
+  fs::create_directories(folder / "log");
+  return toEngine != nullptr && toEngine({1, 0, 0, 0.01, 0, 1, 0, 0.02, 0, 0, 1, 0.03, 0, 0, 0, 1},
+                                         quaternion, translation, (folder / "log").string()) == 0;
+}
+
+template <class Round>
+bool Soak(const char* what, int rounds, long mostKilobytes, Round round) {
+  long before = 0;
+  for (int i = 0; i < kWarmUp + rounds; ++i) {
+    if (!round()) {
+      std::fprintf(stderr, "%s: round %d failed\n", what, i);
+      return false;
+    }
+    before = i + 1 == kWarmUp ? ResidentKilobytes() : before;
+  }
+  const long growth = ResidentKilobytes() - before;
+  std::fprintf(stderr, "%s: %d rounds grew by %ld kB, at most %ld\n", what, rounds, growth,
+               mostKilobytes);
+  return growth < mostKilobytes;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::fprintf(stderr, "usage: %s LIBRARY FOLDER\n", argv[0]);
+    return 2;
+  }
+  const std::string path = fs::absolute(argv[1]).string();
+  const fs::path folder = argv[2];
+  trackedcam::simulator::ShootOptions options;
+  options.photographs = 14;
+  options.imageWidth = 480;
+  options.imageHeight = 270;
+  trackedcam::simulator::WriteShoot(trackedcam::simulator::SimulateShoot(options), folder);
+  fs::current_path(folder);
+  dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);  // the library's lines
+
+  // First, while no library stays loaded.
+  const bool unloads =
+      Soak("loading and unloading", 1000, 100, [&] { return Export(path.c_str(), folder); });
+  const Library library(path.c_str());
+  if (library.Find<CalibrationFunction>("Calibration") == nullptr) {
+    std::fprintf(stderr, "cannot load %s\n", path.c_str());
+    return 1;
+  }
+  const bool calibrates =
+      Soak("calibrating", 500, kKilobyte, [&] { return Calibrate(library, folder) >= 0; });
+  return unloads && calibrates ? 0 : 1;
+}
