@@ -1,6 +1,7 @@
 #include <csignal>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 #include "app/platform.h"
