@@ -6,11 +6,9 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-#include <vector>
-
-#include <opencv2/imgcodecs.hpp>
 
 #include "c/platform.h"
+#include "report/thumbnails.h"
 
 namespace trackedcam::c {
 namespace {
@@ -33,16 +31,9 @@ void WaitForAll() {
   threads.ended.wait(lock, [&] { return threads.running == 0; });
 }
 
-// The image library makes its codecs with the first image.
-void MakeCodecs() {
-  std::vector<unsigned char> bytes;
-  cv::imencode(".png", cv::Mat::zeros(1, 1, CV_8UC3), bytes);
-  cv::imdecode(bytes, cv::IMREAD_COLOR);
-}
-
 void Prepare() {
   StayLoaded();
-  MakeCodecs();
+  report::MakeCodecs();
 }
 
 // Counted from before the thread begins until its last step.

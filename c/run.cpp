@@ -85,7 +85,7 @@ std::shared_ptr<Report> Run::TheReport() const {
     throw Refusal(TRACKEDCAM_NOT_DONE, "The run is still going on.");
   }
   if (status_ != TRACKEDCAM_OK) {
-    throw Refusal(status_, message_.text);
+    throw Refusal(status_, message_.text.data());
   }
   return report_;
 }

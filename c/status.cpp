@@ -8,13 +8,13 @@ namespace trackedcam::c {
 
 void Message::Set(const char* message) noexcept {
   std::size_t length = std::strlen(message);
-  if (length >= sizeof(text)) {
-    length = sizeof(text) - 1;
+  if (length >= text.size()) {
+    length = text.size() - 1;
     while (length > 0 && (static_cast<unsigned char>(message[length]) & 0xC0U) == 0x80) {
       --length;
     }
   }
-  std::memcpy(text, message, length);
+  std::memcpy(text.data(), message, length);
   text[length] = '\0';
 }
 
@@ -51,5 +51,5 @@ const char* trackedcam_c_version(void) {
 }
 
 const char* trackedcam_last_error(void) {
-  return trackedcam::c::LastError().text;
+  return trackedcam::c::LastError().text.data();
 }

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <array>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -25,7 +26,7 @@ class Refusal : public std::runtime_error {
 
 /// A message in memory that is there already: one may have to be kept when there is no more to get.
 struct Message {
-  char text[1024];  // UTF-8, with a zero at the end
+  std::array<char, 1024> text = {};  // UTF-8, with a zero at the end
 
   /// Keeps what fits, without a part of a character at the end.
   void Set(const char* message) noexcept;

@@ -86,4 +86,10 @@ std::vector<Thumbnail> MakeThumbnails(const std::string& text) {
   return thumbnails;
 }
 
+void MakeCodecs() {
+  std::vector<unsigned char> bytes;
+  cv::imencode(".png", cv::Mat::zeros(1, 1, CV_8UC3), bytes);
+  cv::imdecode(bytes, cv::IMREAD_COLOR);
+}
+
 }  // namespace trackedcam::report

@@ -13,4 +13,8 @@ namespace trackedcam::report {
 /// @throws std::invalid_argument when the text is no result.
 std::vector<Thumbnail> MakeThumbnails(const std::string& result);
 
+/// The image library makes its codecs with the first image, and destroys them when the process
+/// ends: before what was made earlier. Whoever must outlive that calls this first.
+void MakeCodecs();
+
 }  // namespace trackedcam::report

@@ -16,7 +16,7 @@ from same_result import calibrate_by_program, run, simulate  # noqa: E402
 library, host, program, *emulator = sys.argv[2:]
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
-    plugin = scratch / "plugin ü"
+    plugin = scratch / "folder of a plug-in"
     plugin.mkdir()
     alone = shutil.copy(library, plugin)
     shoot = simulate(program, scratch)

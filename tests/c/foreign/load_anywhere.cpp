@@ -26,11 +26,10 @@ Function* Find(Function* /*like*/, const char* name) {
 
 bool IsSuccessful(const fs::path& run) {
   for (const auto& entry : fs::directory_iterator(run)) {
-    std::ifstream log(entry.path(), std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(log), {});
-    if (entry.path().extension() == ".txt" &&
-        text.find("Camera and Tracker Calibration successful.") != std::string::npos) {
-      return true;
+    if (entry.path().extension() == ".txt") {
+      std::ifstream log(entry.path(), std::ios::binary);
+      const std::string text(std::istreambuf_iterator<char>(log), {});
+      return text.find("Camera and Tracker Calibration successful.") != std::string::npos;
     }
   }
   return false;
@@ -73,9 +72,9 @@ int main(int argc, char** argv) {
     return Fail(CALL(trackedcam_last_error)());
   }
   UnloadLibrary(library);
-  // The first calibration made two folders, since no mounting is stated.
-  const fs::path third = fs::u8path(argv[3]) / "run_003";
-  while (!fs::exists(third) || !IsSuccessful(third)) {
+  // Each calibration makes two folders, since no mounting is stated.
+  const fs::path last = fs::u8path(argv[3]) / "run_004";
+  while (!fs::exists(last) || !IsSuccessful(last)) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
   std::printf("tracker at %.17g %.17g %.17g m\n", transform[3], transform[7], transform[11]);
