@@ -3,15 +3,27 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
+// The parser checks itself by assertions that text can break, such as "[@". They would end the
+// program, or let a compiler assume what is not so; here they refuse the text.
+namespace {
+[[noreturn]] void RefuseText() {
+  throw std::invalid_argument("no TOML");
+}
+}  // namespace
+#pragma push_macro("NDEBUG")
+#undef NDEBUG
+#define TOML_ASSERT(expr) ((expr) ? static_cast<void>(0) : RefuseText())
 #define TOML_HEADER_ONLY 1  // every system has the headers
 #include <toml++/toml.h>
+#pragma pop_macro("NDEBUG")
 
 #include "app/options/add_path.h"
 #include "app/options/option_values.h"
+#include "host/text/file_text.h"
 #include "host/text/number_text.h"
 
 namespace trackedcam::app {
@@ -38,14 +50,28 @@ toml::table Read(const fs::path& path) {
   if (fs::file_size(path, ignored) > kMostBytes) {
     Reject(path.u8string() + " is too large for a configuration");
   }
-  std::ifstream file(path, std::ios::binary);
+  const std::string content = host::ReadFile(path);
+  // The parser takes some of them for the end of the text, and stops the program where it has
+  // checks of itself.
+  const auto isNoText = [](char character) {
+    return character >= 0 && character < ' ' && character != '\n' && character != '\r' &&
+           character != '\t';
+  };
+  const auto found = std::find_if(content.begin(), content.end(), isNoText);
+  if (found != content.end()) {
+    Reject(path.u8string() + ", line " +
+           std::to_string(1 + std::count(content.begin(), found, '\n')) +
+           ": a control character, which no text file holds");
+  }
   try {
-    return toml::parse(file, path.u8string());
+    return toml::parse(content, path.u8string());
   } catch (const toml::parse_error& error) {
     const std::string reason(error.description());
     const bool isEscape = reason.find("escape") != std::string::npos;
     Reject(path.u8string() + ", " + PlaceOf(error.source()) + ": " + reason +
            (isEscape ? kBackslashes : ""));
+  } catch (const std::invalid_argument&) {
+    Reject(path.u8string() + ": a name is none; names are letters, digits, dashes and underscores");
   }
 }
 

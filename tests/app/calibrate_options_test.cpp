@@ -138,6 +138,16 @@ TEST_F(CalibrateOptionsTest, AreRefusedWhereTheFileIsNoToml) {
   EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("calibrate.square is no text"));
 }
 
+// The parser itself would end the program.
+TEST_F(CalibrateOptionsTest, AreRefusedWhereTheFileIsNoText) {
+  test::WriteFile(config, std::string("[calibrate]\n[\0x]\n", 18));
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("shoot.toml, line 2: a control character"));
+  test::WriteFile(config, "[@]\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("shoot.toml"));
+  test::WriteFile(config, std::string(2 << 20, '\n'));
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("is too large"));
+}
+
 TEST_F(CalibrateOptionsTest, SayHowAPathOfWindowsIsWritten) {
   for (const char* path : {R"("D:\takes\new")", R"("D:\shoots\day")"}) {
     test::WriteFile(config, std::string("[calibrate]\nlog-folder = ") + path + '\n');

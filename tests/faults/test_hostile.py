@@ -8,7 +8,9 @@ import zlib
 
 from shoot import GIGABYTE, SANITIZED, Shoot
 
-LIMITS = [] if SANITIZED else [(resource.RLIMIT_AS, 2 * GIGABYTE)]
+# Of the processor's time, which other work on the machine does not lengthen.
+MINUTE = 60
+LIMITS = [] if SANITIZED else [(resource.RLIMIT_AS, 2 * GIGABYTE), (resource.RLIMIT_CPU, MINUTE)]
 
 
 def png(width, height):

@@ -1,0 +1,48 @@
+// The tracker data file: library and program read the same rows, photographs and figures.
+
+#include <cmath>
+#include <iostream>
+
+#include "fuzz/fuzz.h"
+#include "host/input/data_checks.h"
+#include "host/input/data_fields.h"
+#include "host/input/input_error.h"
+#include "host/input/tracker_axes.h"
+#include "io/tracker_data.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace trackedcam;
+  std::cout.rdbuf(nullptr);  // the library echoes every line
+  const std::string content(fuzz::TextOf(data, size));
+
+  std::vector<std::string> paths;
+  std::vector<TrackerRecord> records;
+  const auto file = fuzz::FileWith(content, "data.csv");
+  fuzz::Require(ReadTrackerData({}, file.string(), paths, records) == 0, "every file is read");
+
+  const std::vector<host::DataRow> rows = host::ReadRows(content);
+  fuzz::Require(rows.size() == paths.size() && rows.size() == records.size(), "as many rows");
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    fuzz::Require(rows[i].photograph == paths[i], "the photograph of a row");
+    const auto poses = host::PosesIn(host::SplitFields(rows[i].text));
+    for (std::size_t figure = 0; figure < 14; ++figure) {
+      const double read = records[i][figure + 1];
+      const double checked = poses[figure / 7][figure % 7];
+      // The program takes for a number only what is one as a whole.
+      fuzz::Require(read == checked || std::isnan(checked) == std::isnan(read) || checked == 0,
+                    "a figure of a row");
+    }
+  }
+  for (const host::Finding& finding : host::CheckData(content, rows)) {
+    fuzz::Require(!finding.text.empty() && !finding.id.empty(), "words of a finding");
+  }
+  for (const host::TrackerAxes& axes : host::kTrackerAxes) {
+    try {
+      const host::TrackerFrame frame = {&axes, nullptr};
+      fuzz::Require(host::InReportedAxes(rows, frame).size() == rows.size(), "rows converted");
+    } catch (const host::InputError&) {
+      continue;  // it names the line
+    }
+  }
+  return 0;
+}

@@ -1,0 +1,136 @@
+// The exports of the library, which count angles in single precision, against placements in double
+// precision that share no formula with them.
+
+#include <cmath>
+#include <iostream>
+
+#include "fuzz/fuzz.h"
+#include "host/engines/camera_placement.h"
+#include "host/engines/unity.h"
+#include "host/engines/unreal.h"
+#include "tests/host/engine_arithmetic.h"
+#include "trackedcam/trackedcam.h"
+
+namespace {
+
+using namespace trackedcam;
+using host::arithmetic::DegreesBetween;
+using List = std::vector<double>;
+
+constexpr double kDegrees = 0.05;  // single precision loses most near the poles of its angles
+constexpr double kCentimetres = 1e-4;
+constexpr const char* kNowhere = "/dev/null";  // for a log: there is no file below
+
+// A rotation from four figures, and a translation of at most a few metres.
+List Transform(fuzz::Bytes& bytes) {
+  Eigen::Quaterniond rotation(bytes.Figure(), bytes.Figure(), bytes.Figure(), bytes.Figure());
+  if (!(rotation.norm() > 1e-3) || !(rotation.norm() < 1e6)) {
+    rotation.setIdentity();
+  }
+  const Eigen::Matrix3d matrix = rotation.normalized().toRotationMatrix();
+  List transform;
+  for (int row = 0; row < 3; ++row) {
+    transform.insert(transform.end(), {matrix(row, 0), matrix(row, 1), matrix(row, 2)});
+    const double metres = bytes.Figure();
+    transform.push_back(std::abs(metres) < 10 ? metres : 0);
+  }
+  transform.insert(transform.end(), {0, 0, 0, 1});
+  return transform;
+}
+
+void RequireNear(const List& a, const List& b, double tolerance, const char* what) {
+  fuzz::Require(a.size() == b.size(), what);
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    fuzz::Require(std::abs(a[i] - b[i]) <= tolerance, what);
+  }
+}
+
+// Where single precision cannot tell roll from yaw, the angles are free.
+bool IsNearGimbalLock(double degrees) {
+  return std::abs(std::abs(degrees) - 90) < 1;
+}
+
+void CheckUE4(const List& transform) {
+  List rotation, translation;
+  const int code = CamAxisToUE4(transform, rotation, translation, kNowhere);
+  const host::UnrealFigures expected =
+      host::ToUnreal({{{}, {}, {}, {}, transform, {}, {}}, {}, ""});
+  fuzz::Require(code == 0 || (code == 3 && IsNearGimbalLock(expected.rotationDeg[1])),
+                "lock of UE4");
+  if (code == 0) {
+    RequireNear(translation, expected.locationCm, kCentimetres, "location of UE4");
+    const auto axes = host::arithmetic::FRotator(rotation[0], rotation[1], rotation[2]);
+    const auto& angles = expected.rotationDeg;
+    if (!IsNearGimbalLock(angles[1])) {
+      fuzz::Require(DegreesBetween(axes, host::arithmetic::FRotator(angles[0], angles[1],
+                                                                    angles[2])) < kDegrees,
+                    "rotation of UE4");
+    }
+  }
+}
+
+// Both hand out quaternions in right-handed axes: there and back by the plain formula.
+void CheckUE5(const List& transform, int (*convert)(List, List&, List&, std::string),
+              const Eigen::Matrix3d& fromReported, const Eigen::Matrix3d& axesAtCamera) {
+  List quaternion, translation;
+  fuzz::Require(convert(transform, quaternion, translation, kNowhere) == 0, "code of UE5");
+  const host::CameraPlacement expected =
+      host::InEngineAxes(host::PlacementInReportedAxes(transform), fromReported, axesAtCamera);
+  const Eigen::Vector3d centimetres = expected.position * 100;
+  RequireNear(translation, {centimetres.x(), centimetres.y(), centimetres.z()}, 1e-6,
+              "translation of UE5");
+  fuzz::Require(DegreesBetween(host::arithmetic::Quaternion(quaternion), expected.rotation) < 1e-3,
+                "rotation of UE5");
+}
+
+Eigen::Matrix3d Rows(std::initializer_list<double> numbers) {
+  Eigen::Matrix3d matrix;
+  int i = 0;
+  for (const double number : numbers) {
+    matrix(i / 3, i % 3) = number;
+    ++i;
+  }
+  return matrix;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::cout.rdbuf(nullptr);
+  fuzz::Bytes bytes(data, size);
+  const List transform = Transform(bytes);
+  CheckUE4(transform);
+  // right, down, forward; along the reported -x, -y, z.
+  CheckUE5(transform, CamAxisToUE5, Rows({-1, 0, 0, 0, -1, 0, 0, 0, 1}),
+           Eigen::Matrix3d::Identity());
+  // up, forward, left; along the reported y, z, x.
+  CheckUE5(transform, CamAxisToUE5_ExportxN, Rows({0, 1, 0, 0, 0, 1, 1, 0, 0}),
+           Rows({0, 0, -1, -1, 0, 0, 0, 1, 0}));
+  List fov, centre, rotation, translation;
+  const double figure = bytes.Figure();
+  const double focal = std::isfinite(figure) ? 0.3 + std::abs(std::remainder(figure, 4)) : 1;
+  CamAxisToAximmetry({focal, focal}, {0.5, 0.5}, transform, fov, centre, rotation, translation,
+                     kNowhere);
+  fuzz::Require(std::abs(fov.at(0) - 2 * std::atan(0.5 / focal) * 180 / 3.14159265358979) < 1e-6,
+                "field of view");
+  for (const double centimetres : translation) {
+    fuzz::Require(std::isfinite(centimetres), "finite figures");
+  }
+
+  // Any numbers at all: refused or taken, never a crash.
+  List any;
+  for (int i = 0; i < 16; ++i) {
+    any.push_back(bytes.Figure());
+  }
+  any.resize(bytes.Take<std::uint8_t>() % 18);
+  List one, two;
+  CamAxisToUE4(any, one, two, kNowhere);
+  one.clear();
+  two.clear();
+  CamAxisToUE5(any, one, two, kNowhere);
+  if (host::IsPlacement(any)) {
+    host::ToUnreal({{{}, {}, {}, {}, any, {}, {}}, {}, ""});
+    host::ToUnity({{{}, {}, {}, {}, any, {}, {}}, {}, ""});
+  }
+  return 0;
+}

@@ -1,0 +1,37 @@
+// The result file: taken by the exports and by the page, or refused in words.
+
+#include <cmath>
+#include <stdexcept>
+
+#include "fuzz/fuzz.h"
+#include "host/engines/unity.h"
+#include "host/engines/unreal.h"
+#include "host/result/own_files.h"
+#include "host/result/result_file.h"
+#include "report/page.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace trackedcam;
+  const std::string content(fuzz::TextOf(data, size));
+  const auto file = fuzz::FileWith(content, "result.json");
+  host::IsResultFile(file);
+  host::IsLensFile(file);
+  try {
+    const host::HandOver handOver = host::ReadResult(file);
+    const host::UnrealFigures figures = host::ToUnreal(handOver);
+    for (const double figure : figures.locationCm) {
+      fuzz::Require(std::isfinite(figure), "finite figures for an engine");
+    }
+    if (figures.lens) {
+      host::LensFileText(figures, "lens");
+    }
+    host::ToUnity(handOver);
+  } catch (const std::runtime_error&) {  // refused, or of a calibration that failed
+  }
+  try {
+    const std::string page = report::Page(content, {}, "/");
+    fuzz::Require(page.find("</html>") != std::string::npos, "a whole page");
+  } catch (const std::invalid_argument&) {
+  }
+  return 0;
+}

@@ -1,0 +1,18 @@
+// The truth of a simulated shoot.
+
+#include "fuzz/fuzz.h"
+#include "host/input/input_error.h"
+#include "host/result/own_files.h"
+#include "host/result/truth.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace trackedcam;
+  const auto file = fuzz::FileWith(fuzz::TextOf(data, size), "truth.json");
+  host::IsTruthFile(file);
+  try {
+    const host::CalibrationOutputs truth = host::ReadTruth(file, {36, 20.25});
+    fuzz::Require(truth.transformCamTc.size() == 16, "sixteen figures");
+  } catch (const host::InputError&) {
+  }
+  return 0;
+}
