@@ -28,9 +28,11 @@ def calibrate_by_program(program, shoot, log):
     next run has the same name.
     """
     run(program, "calibrate", "--data", "tracker_data.csv", "--sensor", "36x20.25", "--board", "9x6", "--square",
-        "0.03", "--log-folder", log, "--result", "program.json", "--no-report", cwd=shoot)
+        "0.03", "--log-folder", log, "--no-report", cwd=shoot)
+    # The one beside the log: a result of the user's own names commands to go on with.
+    text = max((shoot / log).glob("run_*/result.json")).read_text(encoding="utf-8")
     shutil.rmtree(shoot / log)
-    return (shoot / "program.json").read_text(encoding="utf-8")
+    return text
 
 
 def without_time(text):
