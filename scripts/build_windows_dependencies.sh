@@ -130,12 +130,13 @@ build_image_formats() {
 }
 
 # The kernels of OpenBLAS for real numbers: for every processor (PRESCOTT) and for those with AVX2
-# (HASWELL). Without threads, since the library keeps to its caller's.
+# (HASWELL). Without threads, since the library keeps to its caller's, and with locks, since a host
+# may call it from several.
 # Debian's compiler calls its version "12-posix", which is taken for an old one unless NO_AVX2 and
 # OLDGCC are cleared. Every file includes windows.h, whose lean half compiles in half the time.
 build_openblas() {
   make -C openblas libs TARGET=PRESCOTT DYNAMIC_ARCH=1 DYNAMIC_LIST=HASWELL USE_THREAD=0 \
-    BUILD_SINGLE=1 BUILD_DOUBLE=1 NO_LAPACK=1 NO_LAPACKE=1 NOFORTRAN=1 NO_SHARED=1 \
+    USE_LOCKING=1 BUILD_SINGLE=1 BUILD_DOUBLE=1 NO_LAPACK=1 NO_LAPACKE=1 NOFORTRAN=1 NO_SHARED=1 \
     CROSS=1 BINARY=64 HOSTCC=gcc NO_AVX2= OLDGCC= MAKE_NB_JOBS="$(nproc)" \
     CC="x86_64-w64-mingw32-gcc-posix -DWIN32_LEAN_AND_MEAN" AR=x86_64-w64-mingw32-gcc-ar-posix \
     RANLIB=x86_64-w64-mingw32-gcc-ranlib-posix >build-openblas.log 2>&1 ||

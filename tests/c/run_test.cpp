@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 
 #include "simulated_shoot.h"
-#include "support/platform.h"
 
 namespace trackedcam::c {
 namespace {
@@ -90,9 +89,6 @@ TEST_F(RunTest, EndsInTheBackgroundWhenItIsFreed) {
 }
 
 TEST_F(RunTest, SeveralGoOnAtOnce) {
-  if (!test::kBlasTakesThreads) {
-    GTEST_SKIP() << "the linear algebra is not made for threads";
-  }
   const OwnedShoot shoot = OpenedShoot();
   const std::string logs[] = {folder.File("log a"), folder.File("log b"), log};
   const OwnedRun a = Started(shoot, SettingsFor(logs[0]));

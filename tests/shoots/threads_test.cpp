@@ -101,9 +101,6 @@ class Threads : public testing::Test {
 };
 
 TEST_F(Threads, GiveTheSameInFoldersOfTheirOwn) {
-  if (!test::kBlasTakesThreads) {
-    GTEST_SKIP() << "linear algebra without locks";
-  }
   ASSERT_EQ(alone.figures.size(), 1u + 2 + 2 + 2 + 5 + 16 + 2 + 1);
   const TemporaryFolder folders;
   std::vector<std::string> logFolders;
@@ -119,9 +116,6 @@ TEST_F(Threads, GiveTheSameInFoldersOfTheirOwn) {
 }
 
 TEST_F(Threads, GiveTheSameInOneFolder) {
-  if (!test::kBlasTakesThreads) {
-    GTEST_SKIP() << "linear algebra without locks";
-  }
   const TemporaryFolder folder;
   RunAll(std::vector<std::string>(kThreads * kCallsOfEach, folder.Path().u8string()));
   // No line is lost, whichever of them share a log.

@@ -14,9 +14,6 @@ extern const bool kHasGnuStrtod;
 /// The end of a line in a text file.
 extern const char* const kLineEnd;
 
-/// Whether the linear algebra below the library may be called from several threads at once.
-extern const bool kBlasTakesThreads;
-
 /// Runs a program in a folder and waits for its end. What it writes to standard output and standard
 /// error goes into the two files. The arguments are UTF-8.
 /// @return Its exit status; -1 when it did not start or crashed.

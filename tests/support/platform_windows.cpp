@@ -40,9 +40,6 @@ std::wstring Quoted(const std::wstring& word) {
 }  // namespace
 
 const bool kHasGnuStrtod = false;
-// OpenBLAS is built there without threads and without the locks that callers with threads need:
-// calls at the same time differ in the last digits.
-const bool kBlasTakesThreads = false;
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
