@@ -30,7 +30,7 @@ class Handles {
     const std::lock_guard<std::mutex> lock(mutex_);
     const std::uintptr_t number = NextHandle();
     objects_.emplace(number, std::move(object));
-    return reinterpret_cast<Handle*>(number);
+    return reinterpret_cast<Handle*>(number);  // NOLINT(performance-no-int-to-ptr): never followed
   }
 
   /// The object lives on while the caller has it, also when another thread frees the handle.
