@@ -2,11 +2,13 @@
 
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <random>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include "host/platform.h"
 
@@ -47,6 +49,19 @@ bool CanBeReplaced(const fs::path& file) {
          type == fs::file_type::symlink;
 }
 
+// While another process replaces the same file or looks into it, Windows refuses for a moment.
+std::error_code Replace(const fs::path& file, const fs::path& by) {
+  constexpr int kTrials = 40;
+  constexpr std::chrono::milliseconds kMoment(25);
+  std::error_code error;
+  fs::rename(by, file, error);
+  for (int i = 1; i < kTrials && error == std::errc::permission_denied; ++i) {
+    std::this_thread::sleep_for(kMoment);
+    fs::rename(by, file, error);
+  }
+  return error;
+}
+
 void KeepPermissions(const fs::path& from, const fs::path& to) {
   std::error_code error;
   const fs::file_status status = fs::symlink_status(from, error);
@@ -77,7 +92,7 @@ void WriteFile(const fs::path& file, const std::string& content) {
     const fs::path beside = WriteBeside(file, content, error);
     if (!error) {
       KeepPermissions(file, beside);
-      fs::rename(beside, file, error);
+      error = Replace(file, beside);
       if (error) {
         std::error_code ignored;
         fs::remove(beside, ignored);

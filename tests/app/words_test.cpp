@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -38,11 +39,12 @@ const host::Engine* Named(std::string_view name) {
 }
 
 TEST(ExportCommands, AreOneForEachEngineThatPeopleUse) {
-  EXPECT_THAT(ExportCommands("day 1/result.json", {}, ""),
-              ElementsAre("trackedcam export unreal --result \"day 1/result.json\" --out "
-                          "\"day 1/lens.ulens\"",
-                          "trackedcam export unity --result \"day 1/result.json\"",
-                          "trackedcam export aximmetry --result \"day 1/result.json\""));
+  const std::string lens = (std::filesystem::path("day 1") / "lens.ulens").u8string();
+  EXPECT_THAT(
+      ExportCommands("day 1/result.json", {}, ""),
+      ElementsAre("trackedcam export unreal --result \"day 1/result.json\" --out \"" + lens + "\"",
+                  "trackedcam export unity --result \"day 1/result.json\"",
+                  "trackedcam export aximmetry --result \"day 1/result.json\""));
 }
 
 TEST(ExportCommands, HaveTheAxesThatTheUserGave) {

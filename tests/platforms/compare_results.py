@@ -47,7 +47,7 @@ def same_paths(value, folder):
     if isinstance(value, list):
         return [same_paths(element, folder) for element in value]
     if isinstance(value, str):
-        path = re.sub(r"^Z:(?=/)", "", value.replace("\\", "/"))
+        path = re.sub(r"\bZ:(?=/)", "", value.replace("\\", "/"))
         return re.sub(r"/log_[\d.-]+\.txt$", "/log.txt", path.replace(str(folder), "SHOOT"))
     return value
 

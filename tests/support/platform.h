@@ -14,6 +14,10 @@ extern const bool kHasGnuStrtod;
 /// The end of a line in a text file.
 extern const char* const kLineEnd;
 
+/// Whether a line that is appended to a file stays whole and in place beside those of other
+/// threads.
+extern const bool kAppendsWholeLines;
+
 /// Runs a program in a folder and waits for its end. What it writes to standard output and standard
 /// error goes into the two files. The arguments are UTF-8.
 /// @return Its exit status; -1 when it did not start or crashed.

@@ -15,6 +15,7 @@ std::string Quoted(const std::string& word) {
 }  // namespace
 
 const bool kHasGnuStrtod = true;
+const bool kAppendsWholeLines = true;
 const char* const kLineEnd = "\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,

@@ -40,6 +40,7 @@ std::wstring Quoted(const std::wstring& word) {
 }  // namespace
 
 const bool kHasGnuStrtod = false;
+const bool kAppendsWholeLines = false;  // it finds the end first and writes there next
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
