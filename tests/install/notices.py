@@ -57,7 +57,7 @@ def headers():
         target, *files = entry.strip().splitlines() or [""]
         if OURS.match(target):
             included |= {file.strip() for file in files}
-    paths = {pathlib.Path(file).resolve() for file in included if file.startswith("/")}
+    paths = {(BUILD / file).resolve() for file in included}
     paths = {path for path in paths if SOURCE not in path.parents and BUILD not in path.parents}
     assert len(paths) > 200, f"only {len(paths)} headers"
     return paths
