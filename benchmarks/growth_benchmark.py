@@ -27,8 +27,9 @@ NOISE = ["--tracker-noise-mm", "0.3", "--tracker-noise-degrees", "0.05"]
 def off(transform, truth):
     """Millimetres and degrees between two transforms of 16 numbers."""
     a, b = (np.array(t).reshape(4, 4) for t in (transform, truth))
-    cosine = (np.trace(a[:3, :3].T @ b[:3, :3]) - 1) / 2
-    return 1000 * np.linalg.norm(a[:3, 3] - b[:3, 3]), np.degrees(np.arccos(np.clip(cosine, -1, 1)))
+    # Not by the cosine, which tells small angles in steps.
+    angle = 2 * np.arcsin(np.linalg.norm(a[:3, :3] - b[:3, :3]) / np.sqrt(8))
+    return 1000 * np.linalg.norm(a[:3, 3] - b[:3, 3]), np.degrees(angle)
 
 
 def run(command):

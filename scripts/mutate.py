@@ -1,14 +1,17 @@
 #!/usr/bin/env python3
 """Takes out one statement of the library at a time and says which the tests do not miss.
 
-Works in a copy of the tree, so that nothing here changes; the copy is kept for the next time. A
+Works in copies of the last commit, one for each processor, which are kept for the next time. A
 mutant that does not compile, or of which the compiler warns, counts as caught by the build.
 
 Usage: scripts/mutate.py COPY [COUNT] [SEED]    (e.g. scripts/mutate.py ~/mutants 200 1)
 """
 
+import collections
+import concurrent.futures
 import os
 import pathlib
+import queue
 import random
 import re
 import subprocess
@@ -27,15 +30,15 @@ EQUIVALENT = {
 }
 
 
-def mutants(copy):
+def mutants(tree):
     for folder in FOLDERS:
-        for path in sorted((copy / "src" / folder).glob("*.cpp")):
+        for path in sorted((tree / "src" / folder).glob("*.cpp")):
             text = path.read_text(encoding="utf-8")
             body = text.index("namespace trackedcam")
             for match in STATEMENT.finditer(text, body):
                 before = re.sub(r"//.*", "", text[:match.start()]).rstrip()
                 if before[-1] in ";{}" and not DECLARATION.match(match[0]):
-                    yield folder, path.relative_to(copy), match.span()
+                    yield folder, path.relative_to(tree), match.span()
 
 
 def run(*command, **options):
@@ -43,11 +46,25 @@ def run(*command, **options):
                           **options).returncode == 0
 
 
-def is_caught(copy, folder):
+def build(copy, *folders):
+    return run("cmake", "--build", "--preset", "dev", "-j1", "--target", *(f"{folder}_tests" for folder in folders),
+               cwd=copy)
+
+
+def prepare(copy):
+    copy.mkdir(parents=True, exist_ok=True)
+    archive = subprocess.run(["git", "archive", "HEAD"], cwd=ROOT, stdout=subprocess.PIPE, check=True)
+    subprocess.run(["tar", "x", "-C", copy], input=archive.stdout, check=True)
+    if not run("cmake", "--preset", "dev", "-D", "TRACKEDCAM_TEST_OPTIONS=-O0", cwd=copy) or not build(
+            copy, *FOLDERS, "shoots"):
+        sys.exit("the tree itself does not build")
+
+
+def caught_by(copy, folder):
     """By the tests of its folder, else by whole runs."""
-    environment = os.environ | {"OPENBLAS_NUM_THREADS": "1"}
+    environment = os.environ | {"OPENBLAS_NUM_THREADS": "1", "TMPDIR": str(copy)}
     for tests in (folder, "shoots"):
-        if not run("cmake", "--build", "--preset", "dev", "--target", f"{tests}_tests", cwd=copy):
+        if not build(copy, tests):
             return "build"
         try:
             if not run(copy / f"build/dev/tests/{tests}_tests", "--gtest_fail_fast",
@@ -62,38 +79,34 @@ def is_caught(copy, folder):
 def main():
     if not 2 <= len(sys.argv) <= 4:
         sys.exit(__doc__)
-    copy = pathlib.Path(sys.argv[1]).resolve()
     count = int(sys.argv[2]) if len(sys.argv) > 2 else 200
     seed = int(sys.argv[3]) if len(sys.argv) > 3 else 1
-    copy.mkdir(parents=True, exist_ok=True)
-    archive = subprocess.run(["git", "archive", "HEAD"], cwd=ROOT, stdout=subprocess.PIPE, check=True)
-    subprocess.run(["tar", "x", "-C", copy], input=archive.stdout, check=True)
-    if not run("cmake", "--preset", "dev", cwd=copy) or not all(
-            run("cmake", "--build", "--preset", "dev", "--target", f"{tests}_tests", cwd=copy)
-            for tests in [*FOLDERS, "shoots"]):
-        sys.exit("the tree itself does not build")
-
-    everything = list(mutants(copy))
+    copies = [pathlib.Path(sys.argv[1]).resolve() / str(number) for number in range(os.cpu_count())]
+    everything = list(mutants(ROOT))
     chosen = random.Random(seed).sample(everything, min(count, len(everything)))
-    caught, equivalent, survivors = {}, 0, []
-    for number, (folder, path, (start, end)) in enumerate(chosen, 1):
-        target = copy / path
-        text = target.read_text(encoding="utf-8")
+    free = queue.SimpleQueue()
+
+    def judge(mutant):
+        folder, path, (start, end) = mutant
+        copy = free.get()
+        text = (ROOT / path).read_text(encoding="utf-8")
+        (copy / path).write_text(text[:start] + text[end:], encoding="utf-8")
+        by = caught_by(copy, folder)
+        (copy / path).write_text(text, encoding="utf-8")
+        free.put(copy)
         statement = " ".join(text[start:end].split())
-        target.write_text(text[:start] + text[end:], encoding="utf-8")
-        by = is_caught(copy, folder)
-        target.write_text(text, encoding="utf-8")
-        caught[by] = caught.get(by, 0) + 1
-        place = f"{path}:{text.count(chr(10), 0, start) + 1}: {statement}"
-        if by is None:
-            reason = next((why for part, why in EQUIVALENT.items() if part in statement), None)
-            equivalent += reason is not None
-            survivors += [] if reason else [place]
-        print(f"{number}/{len(chosen)} {by or reason or 'SURVIVES'}: {place}", flush=True)
-    survived = caught.pop(None, 0)
-    print(f"seed {seed}: of {len(chosen)} mutants {len(chosen) - survived} caught {caught}, "
-          f"{equivalent} change nothing, {len(survivors)} survive", *survivors, sep="\n  ")
-    sys.exit(1 if survivors else 0)
+        reason = next((why for part, why in EQUIVALENT.items() if part in statement), None)
+        return by or reason or "SURVIVES", f"{path}:{text.count(chr(10), 0, start) + 1}: {statement}"
+
+    with concurrent.futures.ThreadPoolExecutor(len(copies)) as workers:
+        for copy in workers.map(lambda copy: prepare(copy) or copy, copies):
+            free.put(copy)
+        verdicts = collections.Counter()
+        for number, (verdict, place) in enumerate(workers.map(judge, chosen), 1):
+            verdicts[verdict] += 1
+            print(f"{number}/{len(chosen)} {verdict}: {place}", flush=True)
+    print(f"seed {seed}: {len(chosen)} of {len(everything)} mutants: {dict(verdicts)}")
+    sys.exit(1 if verdicts["SURVIVES"] else 0)
 
 
 main()
