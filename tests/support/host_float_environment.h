@@ -25,6 +25,9 @@ class HostFloatEnvironment {
  public:
   explicit HostFloatEnvironment(FloatHabit habit) {
     std::fegetenv(&before_);
+#if defined(TRACKEDCAM_TESTS_HAVE_SSE)
+    vectorUnitBefore_ = _mm_getcsr();
+#endif
     std::feclearexcept(FE_ALL_EXCEPT);
     if (habit == FloatHabit::kRoundsUp) {
       std::fesetround(FE_UPWARD);
@@ -32,7 +35,6 @@ class HostFloatEnvironment {
       std::fesetround(FE_TOWARDZERO);
     }
 #if defined(TRACKEDCAM_TESTS_HAVE_SSE)
-    vectorUnitBefore_ = _mm_getcsr();
     constexpr unsigned int kMasks = 0x0E80;     // invalid, division by zero, overflow, underflow
     constexpr unsigned int kFlushing = 0x8040;  // of results and of arguments
     if (habit == FloatHabit::kTrapsExceptions) {
