@@ -148,8 +148,15 @@ std::vector<DataRow> GoodRows(const std::vector<DataRow>& rows, const Report& re
   return good;
 }
 
+// Of a run without a mounting: its zeros lead to a result or to one of these.
+bool DependsOnMounting(const LibraryRun& run) {
+  const std::set<int> codes = {kSuccess, kNewShootRecommended, 6, 13, 14};
+  return run.code && codes.count(*run.code) > 0;
+}
+
 // A run without a mounting is no result, whatever its code.
 void JudgeAsFailed(Report& report) {
+  const std::string wordsOfRun = report.verdict.words;
   report.verdict.level = Level::kFailed;
   report.verdict.words =
       "The mounting of the chart's tracker was not stated, and cannot be found from this shoot.";
@@ -159,8 +166,10 @@ void JudgeAsFailed(Report& report) {
   if (worst != report.findings.end()) {
     report.verdict.words += ' ' + worst->text;
     report.verdict.advice = worst->advice;
-  } else if (report.run.code && IsUsable(*report.run.code)) {
+  } else if (DependsOnMounting(report.run)) {
     report.verdict.advice = "State the mounting, or shoot more photographs.";
+  } else {
+    report.verdict.words += ' ' + wordsOfRun;  // such as that photographs are too few
   }
 }
 
