@@ -48,15 +48,16 @@ TEST(RealPhotographs, GiveTheirLensAndTheTransformThatWasPutIn) {
                                        13});
 
   EXPECT_EQ(result.code, 0);
+  // Versions of the image library differ in the last digit shown.
   const auto start = std::find(result.log.begin(), result.log.end(), "Camera calibration start.");
   ASSERT_NE(start, result.log.end());
-  EXPECT_TRUE(LogReads({start + 1, start + 6}, {{"Fx : 533.840000 pixel.", 0.005},
-                                                {"Fy : 534.060000 pixel.", 0.005},
-                                                {"Cx : 342.650000 pixel.", 0.005},
-                                                {"Cy : 233.580000 pixel.", 0.005},
-                                                {"reprojection error : 0.240700", 0.00005}}));
-  EXPECT_NEAR(result.distortion[0], -0.2887, 0.00005);
-  EXPECT_NEAR(result.distortion[1], 0.0996, 0.00005);
+  EXPECT_TRUE(LogReads({start + 1, start + 6}, {{"Fx : 533.840000 pixel.", 0.02},
+                                                {"Fy : 534.060000 pixel.", 0.02},
+                                                {"Cx : 342.650000 pixel.", 0.02},
+                                                {"Cy : 233.580000 pixel.", 0.02},
+                                                {"reprojection error : 0.240700", 0.0002}}));
+  EXPECT_NEAR(result.distortion[0], -0.2887, 0.0003);
+  EXPECT_NEAR(result.distortion[1], 0.0996, 0.0003);
   EXPECT_THAT(result.Transform_Cam_Tc(), IsTransformNear(Transform_Cam_Tc.matrix(), 0.0005, 0.05));
 }
 
