@@ -19,10 +19,11 @@ mkdir -p "$findings"
 export ASAN_OPTIONS=allocator_may_return_null=1:detect_odr_violation=0
 export LSAN_OPTIONS="suppressions=$PWD/tests/leaks_of_others.txt:print_suppressions=0"
 
+# With a seed: what lands must not depend on chance.
 run_one() {
   mkdir -p "build/fuzz/corpus/$1"
   if ! "build/fuzz/fuzz/fuzz_$1" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
-    -artifact_prefix="$findings/$1-" -print_final_stats=1 "build/fuzz/corpus/$1" "fuzz/seeds/$1" \
+    -seed=1 -artifact_prefix="$findings/$1-" -print_final_stats=1 "build/fuzz/corpus/$1" "fuzz/seeds/$1" \
     >"build/fuzz/$1.log" 2>&1; then
     tail -n 40 "build/fuzz/$1.log"
     echo "fuzz_$1: found something; see $findings"
