@@ -1,6 +1,7 @@
 #include "host/run/run_folder.h"
 
 #include <algorithm>
+#include <limits>
 #include <string>
 #include <system_error>
 
@@ -15,10 +16,13 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kDigits = 3;
 
+// 0 for what is no numbered folder, and for the last number, which none could follow.
 int NumberOf(const std::string& name, const std::string& prefix) {
-  return name.compare(0, prefix.size(), prefix) == 0
-             ? ParseInteger(std::string_view(name).substr(prefix.size())).value_or(0)
-             : 0;
+  if (name.compare(0, prefix.size(), prefix) != 0) {
+    return 0;
+  }
+  const int number = ParseInteger(std::string_view(name).substr(prefix.size())).value_or(0);
+  return number == std::numeric_limits<int>::max() ? 0 : number;
 }
 
 int LastNumber(const fs::path& logFolder, const std::string& prefix) {

@@ -34,6 +34,8 @@ TEST_F(RunFolderTest, ComesAfterTheLastOne) {
   EXPECT_EQ(Create(), "run_042");
   fs::create_directories(logFolder / "run_999");
   EXPECT_EQ(Create(), "run_1000");
+  fs::create_directories(logFolder / "run_2147483647");
+  EXPECT_EQ(Create(), "run_1001");
 }
 
 TEST_F(RunFolderTest, IsNeverShared) {

@@ -38,9 +38,9 @@ class HostFloatEnvironment {
     constexpr unsigned int kMasks = 0x0E80;     // invalid, division by zero, overflow, underflow
     constexpr unsigned int kFlushing = 0x8040;  // of results and of arguments
     if (habit == FloatHabit::kTrapsExceptions) {
-      _mm_setcsr(vectorUnitBefore_ & ~kMasks);
+      _mm_setcsr(_mm_getcsr() & ~kMasks);
     } else if (habit == FloatHabit::kFlushesTinyNumbers) {
-      _mm_setcsr(vectorUnitBefore_ | kFlushing);
+      _mm_setcsr(_mm_getcsr() | kFlushing);
     }
 #endif
   }
