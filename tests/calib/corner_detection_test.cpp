@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include <opencv2/calib3d.hpp>
+#include <opencv2/imgproc.hpp>
+
 #include "support/drawn_board.h"
 #include "support/image_file.h"
 #include "support/stage_test.h"
@@ -77,6 +80,39 @@ TEST_F(CornerDetectionTest, FindsCornersAtFullResolutionInALargePhotograph) {
   ExpectCorners(imagePoints[0], {601, 403}, 200, 0.1);
 }
 
+// Where the second refinement ends depends on where the first one left it.
+TEST_F(CornerDetectionTest, RefinesInTheReducedPhotographFirst) {
+  cv::Mat image = DrawnBoard({2560, 1440}, {601, 403}, 200, kCols, kRows);
+  cv::Mat noise(image.size(), CV_16SC3);
+  cv::RNG(1).fill(noise, cv::RNG::NORMAL, 0, 12);
+  cv::add(image, noise, image, cv::noArray(), CV_8U);
+  EXPECT_EQ(Detect({WriteImage(folder.File("large.png"), image)}), 4);
+  ASSERT_EQ(imagePoints.size(), 1u);
+
+  cv::Mat grey;
+  cv::Mat reduced;
+  cv::cvtColor(image, grey, cv::COLOR_BGR2GRAY);
+  cv::resize(image, reduced, {1280, 720});
+  cv::cvtColor(reduced, reduced, cv::COLOR_BGR2GRAY);
+  Corners expected;
+  ASSERT_TRUE(cv::findChessboardCorners(
+      reduced, {kCols, kRows}, expected,
+      cv::CALIB_CB_ADAPTIVE_THRESH + cv::CALIB_CB_NORMALIZE_IMAGE + cv::CALIB_CB_FAST_CHECK));
+  const auto toFullSize = [&](Corners corners) {
+    for (cv::Point2f& corner : corners) {
+      corner *= 2;
+    }
+    cv::cornerSubPix(grey, corners, {51, 51}, {-1, -1},
+                     {cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.1});
+    return corners;
+  };
+  const Corners unrefined = toFullSize(expected);
+  cv::cornerSubPix(reduced, expected, {25, 25}, {-1, -1},
+                   {cv::TermCriteria::COUNT + cv::TermCriteria::EPS, 30, 0.1});
+  EXPECT_EQ(imagePoints[0], toFullSize(expected));
+  EXPECT_NE(imagePoints[0], unrefined);
+}
+
 TEST_F(CornerDetectionTest, ReducesFrom1440RowsOn) {
   EXPECT_EQ(ReductionFactor({1920, 1080}), 1.0F);
   EXPECT_EQ(ReductionFactor({2560, 1439}), 1.0F);
@@ -131,6 +167,7 @@ TEST_F(CornerDetectionTest, DropsPhotographsThatCannotBeUsed) {
     EXPECT_EQ(Detect({missing, blank, good, folder.File("text.jpg"), folder.File("empty.jpg"), ""}),
               4);
   });
+  EXPECT_EQ(Num_TrackerData, 3);  // less 1 for the first, the second and the fourth
   EXPECT_EQ(imagePaths, std::vector<std::string>{good});
   EXPECT_EQ(records, std::vector<TrackerRecord>{TrackerRecord(15, 2.0)});
   EXPECT_EQ(LogLines(),

@@ -88,7 +88,7 @@ TEST_F(OutlierFilterTest, RemovesAnAxisThatIsTiltedByMoreThanHalfADegree) {
   EXPECT_EQ(Left(), (std::vector<int>{0, 2, 3}));
 }
 
-TEST_F(OutlierFilterTest, LogsTheAngleBetweenTheAxes) {
+TEST_F(OutlierFilterTest, LogsTheAnglesBetweenTheAxesAndTheirSpread) {
   EXPECT_EQ(Filter({WithTiltedAxis(0.4), WithTiltedAxis(10)}), 13);
   const std::string first = LogLines()[0];
   const std::string second = LogLines()[1];
@@ -97,6 +97,11 @@ TEST_F(OutlierFilterTest, LogsTheAngleBetweenTheAxes) {
   EXPECT_EQ(second.rfind("Diff R in image 1 : ", 0), 0u);
   EXPECT_NEAR(std::stod(second.substr(20)), 10, 0.001);
   EXPECT_EQ(second.substr(second.size() - 8), " degree.");
+
+  // Root mean square sqrt((0.4² + 10²) / 2).
+  const std::string spread = LogLines()[2];
+  EXPECT_EQ(spread.rfind("STD_R : ", 0), 0u);
+  EXPECT_NEAR(std::stod(spread.substr(8)), 7.0767, 0.001);
 }
 
 TEST_F(OutlierFilterTest, RemovesBeyondOnePointThreeOfTheSpread) {

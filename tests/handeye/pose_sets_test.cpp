@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "support/foreign_locale.h"
 #include "support/stage_test.h"
 #include "support/transform_matchers.h"
 
@@ -201,6 +202,15 @@ TEST_F(PoseSetsTest, PrintTheChartTrackersRotationToTheConsole) {
   ASSERT_NE(first, std::string::npos) << console;
   EXPECT_NE(console.find(matrix, first + 1), std::string::npos);
   EXPECT_EQ(LogLines().size(), 1u);
+}
+
+TEST_F(PoseSetsTest, PrintWithDecimalPointsInEveryLocale) {
+  TrackerRecord turned = kAtBase;
+  turned[11] = 0.6;
+  turned[12] = 0.8;
+  const test::ForeignLocale locale;
+  const std::string console = ConsoleOf([&] { Organize({turned, turned}); });
+  EXPECT_NE(console.find("-0.28"), std::string::npos) << console;
 }
 
 }  // namespace
