@@ -21,6 +21,7 @@ namespace {
 #include <toml++/toml.h>
 #pragma pop_macro("NDEBUG")
 
+#include "app/commands/toml_characters.h"
 #include "app/options/add_path.h"
 #include "app/options/option_values.h"
 #include "host/text/file_text.h"
@@ -36,7 +37,7 @@ constexpr const char* kBackslashes =
     "'D:\\takes\\new', or with slashes";
 
 [[noreturn]] void Reject(const std::string& reason) {
-  throw CLI::ValidationError("--config", reason);
+  throw CLI::ValidationError("--config", FromTomlCharacters(reason));
 }
 
 std::string PlaceOf(const toml::source_region& region) {
@@ -64,7 +65,7 @@ toml::table Read(const fs::path& path) {
            ": a control character, which no text file holds");
   }
   try {
-    return toml::parse(content, path.u8string());
+    return toml::parse(ToTomlCharacters(content), path.u8string());
   } catch (const toml::parse_error& error) {
     const std::string reason(error.description());
     const bool isEscape = reason.find("escape") != std::string::npos;
@@ -85,7 +86,7 @@ std::string TextOf(const toml::node& value, const std::string& name) {
     return text;
   }
   if (const auto* text = value.as_string()) {
-    return text->get();
+    return FromTomlCharacters(text->get());
   }
   if (const auto* number = value.as_integer()) {
     return std::to_string(number->get());

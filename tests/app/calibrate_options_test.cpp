@@ -148,6 +148,19 @@ TEST_F(CalibrateOptionsTest, AreRefusedWhereTheFileIsNoText) {
   EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("is too large"));
 }
 
+// Some the parser takes for impossible where white space may stand.
+TEST_F(CalibrateOptionsTest, MayHoldCharactersOfAnyLanguage) {
+  std::string text = kConfig;
+  text.replace(text.find("log #1, in"), 10, "é撮影𝄞\uFEFB");
+  test::WriteFile(config, "\uFEFF# \uFEFB\n" + text);
+  Parse({"--config", config});
+  EXPECT_EQ(options.inputs.logFolder.filename().u8string(), "é撮影𝄞\uFEFB");
+  test::WriteFile(config, "[calibrate]\n\uFEFB = 3\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("shoot.toml, line 2, column 1"));
+  test::WriteFile(config, "[calibrate]\n'é' = 3\n");
+  EXPECT_THAT(ErrorOf({"--config", config}), HasSubstr("there is no option calibrate.é"));
+}
+
 TEST_F(CalibrateOptionsTest, SayHowAPathOfWindowsIsWritten) {
   for (const char* path : {R"("D:\takes\new")", R"("D:\shoots\day")"}) {
     test::WriteFile(config, std::string("[calibrate]\nlog-folder = ") + path + '\n');
