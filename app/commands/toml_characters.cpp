@@ -14,8 +14,8 @@ unsigned int Byte(std::string_view text, std::size_t index) {
 
 }  // namespace
 
-// Three bytes with 4, 6 and 6 bits become four with the same ones behind that of the plane; two with
-// 5 and 6 bits become the same with none in front.
+// Three bytes with 4, 6 and 6 bits become four with the same ones behind that of the plane; two
+// with 5 and 6 bits become the same with none in front.
 std::string ToTomlCharacters(std::string_view text) {
   const bool isMarked = text.substr(0, kByteOrderMark.size()) == kByteOrderMark;
   std::string shifted(isMarked ? kByteOrderMark : "");
