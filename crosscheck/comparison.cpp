@@ -7,13 +7,13 @@
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
 
+#include "crosscheck/angle.h"
 #include "crosscheck/distributions.h"
 #include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kDegree = EIGEN_PI / 180;
 constexpr double kMetresPerMm = 1e-3;
 constexpr double kGoodAmplification = 3;
 

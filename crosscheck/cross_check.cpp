@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "crosscheck/angle.h"
 #include "crosscheck/comparison.h"
 #include "crosscheck/distributions.h"
 #include "crosscheck/evidence.h"
@@ -23,7 +24,6 @@ namespace trackedcam::crosscheck {
 namespace {
 
 constexpr int kSamples = 100;
-constexpr double kDegree = EIGEN_PI / 180;
 
 void Require(bool holds, const char* message) {
   if (!holds) {

@@ -2,12 +2,9 @@
 
 #include <cmath>
 
+#include "crosscheck/angle.h"
+
 namespace trackedcam::crosscheck {
-namespace {
-
-constexpr double kDegree = EIGEN_PI / 180;
-
-}  // namespace
 
 Eigen::Matrix3d TurnAbout(int axis, double degrees) {
   return Eigen::AngleAxisd(degrees * kDegree, Eigen::Vector3d::Unit(axis)).toRotationMatrix();

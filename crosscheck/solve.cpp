@@ -6,6 +6,7 @@
 #include <Eigen/Cholesky>
 
 #include "crosscheck/distributions.h"
+#include "crosscheck/median.h"
 #include "crosscheck/refinement.h"
 
 namespace trackedcam::crosscheck {
@@ -22,12 +23,6 @@ void MeasureDisagreement(const Loops& loops, Solution& solution) {
         residual.dot(CovarianceOf(loops[i], solution, solution.noise).llt().solve(residual));
     solution.disagreement[i] = std::isfinite(value) ? value : HUGE_VAL;
   }
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
 }
 
 }  // namespace

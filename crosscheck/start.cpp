@@ -9,6 +9,8 @@
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
 
+#include "crosscheck/median.h"
+
 namespace trackedcam::crosscheck {
 namespace {
 
@@ -73,12 +75,6 @@ void SolveTranslations(const Loops& loops, const Indices& indices, Start& start)
   const Twist translations = normal.ldlt().solve(right);
   start.Transform_Cam_Tc.translation() = translations.head<3>();
   start.Transform_Tr_Chart.translation() = translations.tail<3>();
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
 }
 
 class Search {

@@ -6,13 +6,13 @@
 
 #include <Eigen/Cholesky>
 
+#include "crosscheck/angle.h"
 #include "crosscheck/mounting.h"
 #include "crosscheck/projection.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kDegree = EIGEN_PI / 180;
 constexpr std::size_t kSuggestions = 3;
 constexpr int kViewsEach = 5;
 constexpr int kMostPhotographs = 100;  // nobody would shoot more

@@ -9,12 +9,12 @@ namespace {
 
 constexpr const char* kReport = "This should not happen: keep the log and report it.";
 
-struct Words {
+struct WordsOfCode {
   const char* words;
   const char* advice;
 };
 
-const std::map<int, Words> kWords = {
+const std::map<int, WordsOfCode> kWords = {
     {kSuccess,
      {"Success: the calibration is good", "Hand the lens and Transform_Cam_Tc to the host."}},
     {kNewShootRecommended,
