@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs what is needed, builds, and runs all tests.
-# Usage: scripts/test.sh [PRESET]   (dev, release or asan; dev by default)
+# Usage: scripts/test.sh [PRESET]   (dev, release, asan or coverage; dev by default)
 set -eu
 cd "$(dirname "$0")/.."
 
