@@ -13,7 +13,7 @@ import tempfile
 
 root = pathlib.Path(__file__).resolve().parent.parent
 readme = (root / "README.md").read_text(encoding="utf-8")
-ci = (root / ".ci/run").read_text(encoding="utf-8").splitlines()
+ci = (root / ".ci/run").read_text(encoding="utf-8").split()
 commands = [command for command in
             re.findall(r"^    ((?:cmake|cpack|trackedcam|scripts/\S+)\b.*)$", readme, re.MULTILINE)
             if command.split()[0] not in ci]
