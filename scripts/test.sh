@@ -5,4 +5,7 @@ set -eu
 cd "$(dirname "$0")/.."
 
 scripts/install_packages.sh build host tests docs
-cmake --workflow --preset "${1:-dev}"
+preset="${1:-dev}"
+cmake --preset "$preset"
+cmake --build --preset "$preset"
+ctest --preset "$preset"
