@@ -20,7 +20,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# The lens solves ten times as fast as with the reference LAPACK, and needs no second thread for it.
-set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_RECOMMENDS libopenblas0-serial)
+# The lens solves ten times as fast as with the reference LAPACK. It needs no second thread for it, but
+# OpenBLAS without threads has no locks either, and hosts may call it from several.
+set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_RECOMMENDS libopenblas0-pthread)
 
 include(CPack)

@@ -94,8 +94,8 @@ extern "C" {
 /// from the first two elements of normFocal, which are the caller's own when it comes in filled.
 ///
 /// Threads: runs on the caller's thread from start to end and keeps no state, so calls may run side
-/// by side. They share standard output, to which every line of the log is echoed, and a log file
-/// when they name one folder and begin in the same second.
+/// by side; they take turns to solve the lens. They share standard output, to which every line of
+/// the log is echoed, and a log file when they name one folder and begin in the same second.
 ///
 /// Floating point: while the call runs, its thread rounds to nearest, traps nothing and keeps
 /// subnormal numbers; afterwards it has the host's settings and flags again.

@@ -2,12 +2,20 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <mutex>
 
 #include <opencv2/calib3d.hpp>
 
 #include "core/number_text.h"
 
 namespace trackedcam {
+namespace {
+
+// Calls take turns to solve. There is linear algebra without threads that has no locks either, as
+// in Debian's libopenblas0-serial: two solves at once would multiply in one place and be wrong.
+std::mutex solveTurn;
+
+}  // namespace
 
 ResultCode CheckLensError(const RunLog& log, double rms, float rmsLimit) {
   if (rms > rmsLimit) {
@@ -38,9 +46,12 @@ ResultCode CalibrateIntrinsics(RunLog log, double& rms, cv::Size imageSize, cv::
   cv::Mat intrinsicDeviations;
   cv::Mat extrinsicDeviations;
   cv::Mat perViewErrors;
-  rms = cv::calibrateCamera(objectPoints, imagePoints, imageSize, cameraMatrix, distortion,
-                            Rot_Cam_Chart_vec, Trans_Cam_Chart_vec, intrinsicDeviations,
-                            extrinsicDeviations, perViewErrors, flags, criteria);
+  {
+    const std::lock_guard<std::mutex> turn(solveTurn);
+    rms = cv::calibrateCamera(objectPoints, imagePoints, imageSize, cameraMatrix, distortion,
+                              Rot_Cam_Chart_vec, Trans_Cam_Chart_vec, intrinsicDeviations,
+                              extrinsicDeviations, perViewErrors, flags, criteria);
+  }
 
   const auto logPixels = [&](const std::string& label, double value) {
     WriteRunLogLine(log, label + " : " + ToSixDecimals(value) + " pixel.");

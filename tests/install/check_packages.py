@@ -55,7 +55,7 @@ def check_deb(deb, root):
         assert f"libopencv-{library}4" in depends, f"{library} is missing in {depends}"
     for foreign in ["dev", "eigen", "gtest", "cli11"]:
         assert foreign not in depends, f"{foreign} is in {depends}"
-    assert run("dpkg-deb", "--field", deb, "Recommends").strip() == "libopenblas0-serial"
+    assert run("dpkg-deb", "--field", deb, "Recommends").strip() == "libopenblas0-pthread"
 
     # A root without any package has nothing to depend on, nor to configure with.
     for folder in ["info", "updates", "triggers"]:
