@@ -31,7 +31,10 @@ Eigen::Isometry3d DrawTransform_Base_Chart(Random& random) {
   const Eigen::Isometry3d stand =
       Eigen::Translation3d(0.4, 1.1, -1.8) *
       Eigen::AngleAxisd(Radians(160), Eigen::Vector3d(1, 0.1, 0.2).normalized());
-  return stand * random.Displacement(Radians(random.Uniform(0, 30)), random.Uniform(0, 0.5));
+  // One after the other: which argument of a call is drawn first is each compiler's own choice.
+  const double metres = random.Uniform(0, 0.5);
+  const double degrees = random.Uniform(0, 30);
+  return stand * random.Displacement(Radians(degrees), metres);
 }
 
 Eigen::Isometry3d WithNoise(const Eigen::Isometry3d& pose, const ShootOptions& options,
