@@ -2,15 +2,15 @@
 # Builds the fuzzers and lets each run for some seconds, two at a time; fails where one finds something.
 # Usage: scripts/fuzz.sh [SECONDS [NAME...]]   (20 seconds and all of them by default)
 #
-# What they find stands in build/fuzz/findings; build/fuzz/fuzz/fuzz_NAME FILE shows it again. What they
+# What they find stands in build/fuzz/findings; build/asan/fuzz/fuzz_NAME FILE shows it again. What they
 # learn stays in build/fuzz/corpus/NAME, beside the seeds of fuzz/seeds/NAME.
 set -eu
 cd "$(dirname "$0")/.."
 
 seconds="${1:-20}"
 [ $# -eq 0 ] || shift
-scripts/install_packages.sh build host fuzz
-cmake --preset fuzz
+scripts/install_packages.sh build host tests
+cmake --preset asan
 cmake --build --preset fuzz
 
 [ $# -gt 0 ] || set -- numbers utf8 data_file image exports result truth config options run_log observations
@@ -22,7 +22,7 @@ export LSAN_OPTIONS="suppressions=$PWD/tests/leaks_of_others.txt:print_suppressi
 # With a seed: what lands must not depend on chance.
 run_one() {
   mkdir -p "build/fuzz/corpus/$1"
-  if ! "build/fuzz/fuzz/fuzz_$1" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
+  if ! "build/asan/fuzz/fuzz_$1" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
     -seed=1 -artifact_prefix="$findings/$1-" -print_final_stats=1 "build/fuzz/corpus/$1" "fuzz/seeds/$1" \
     >"build/fuzz/$1.log" 2>&1; then
     tail -n 40 "build/fuzz/$1.log"

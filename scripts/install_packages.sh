@@ -3,7 +3,6 @@
 # Usage: scripts/install_packages.sh [PART...]   (all but the last two by default)
 #   build    the library          host     the program       tests    the tests and the packages
 #   lint     the checks           docs     the reference     python   scripts that draw and measure
-#   fuzz     the fuzzers
 #   windows  the Windows DLL          newer-opencv  an OpenCV to test with; both beside build and host
 set -eu
 
@@ -28,11 +27,12 @@ packages_of() {
     tests)
       echo python3 libgtest-dev libgmock-dev opencv-doc dpkg-dev file lowdown pkgconf
       echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr
+      # The sanitizers and the fuzzers.
+      echo clang libclang-rt-14-dev
       # The Python package and its wheel, and a host and a recorder in C#.
       echo python3-numpy python3-pytest python3-build python3-hatchling mypy mono-mcs mono-runtime
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
-    fuzz) echo clang libclang-rt-14-dev ;;
     docs) echo doxygen lowdown ;;
     python) echo python3 python3-matplotlib ;;
     # With what scripts/newer_opencv.sh builds.
@@ -51,7 +51,7 @@ packages_of() {
   esac
 }
 
-[ $# -gt 0 ] || set -- build host tests lint docs python fuzz
+[ $# -gt 0 ] || set -- build host tests lint docs python
 packages=""
 for part in "$@"; do
   packages="$packages $(packages_of "$part")"
