@@ -134,16 +134,16 @@ host::EngineExport Report::RunExport(const host::Engine& engine,
                               report_.run.folder / engine.name);
 }
 
-const char* Report::Export(const std::string& name, const std::string& parentAxes) {
-  const host::Engine& engine = EngineNamed(name);
+const char* Report::Export(const std::string& engineName, const std::string& parentAxes) {
+  const host::Engine& engine = EngineNamed(engineName);
   RequireAxes(engine, parentAxes);
   const std::lock_guard<std::mutex> lock(mutex_);
   Json& exports = result_["exports"];
   // The library writes one log for an engine, and would give the same figures again.
-  if (engine.takesParentAxes || !exports.contains(name)) {
-    exports[name] = host::EngineJson(RunExport(engine, parentAxes));
+  if (engine.takesParentAxes || !exports.contains(engineName)) {
+    exports[engineName] = host::EngineJson(RunExport(engine, parentAxes));
   }
-  return Keep(host::JsonText(exports[name]));
+  return Keep(host::JsonText(exports[engineName]));
 }
 
 const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {

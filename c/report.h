@@ -37,7 +37,7 @@ class Report {
   std::string JsonText() const;
 
   /// Adds the export to the report.
-  const char* Export(const std::string& engine, const std::string& parentAxes);
+  const char* Export(const std::string& engineName, const std::string& parentAxes);
   const char* LensFile(const std::string& parentAxes, const std::string& name);
 
   /// @param folder Empty: that of the run.

@@ -21,7 +21,7 @@ file(
 namespace trackedcam::report {
 namespace {
 
-const unsigned char kBytes[] = {
+const unsigned char kBytes[] = {  // NOLINT(modernize-avoid-c-arrays)
 ${bytes}};
 
 }  // namespace

@@ -121,13 +121,13 @@ fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
     host::WriteFile(file, content());
     return file;
   } catch (const std::exception& error) {
-    (isNamed ? written.problems : written.losses).push_back(error.what());
+    (isNamed ? written.problems : written.losses).emplace_back(error.what());
     return {};
   }
 }
 
 WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  const std::string text = host::JsonText(host::ResultJson(report));
+  std::string text = host::JsonText(host::ResultJson(report));
   WrittenFiles written;
   if (!options.result.empty()) {
     written.result = Write(options.result, true, written, [&] { return text; });

@@ -1,5 +1,6 @@
 #include "app/words/escaped_output.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -51,12 +52,8 @@ bool IsUnfinished(std::string_view text) {
   if (lead > 0xF4 || text.size() >= needed) {
     return false;
   }
-  for (const char next : text.substr(1)) {
-    if ((Byte(next) & 0xC0u) != 0x80) {
-      return false;
-    }
-  }
-  return true;
+  return std::all_of(text.begin() + 1, text.end(),
+                     [](char next) { return (Byte(next) & 0xC0u) == 0x80; });
 }
 
 }  // namespace
@@ -67,7 +64,7 @@ EscapedOutput::EscapedOutput(std::ostream& stream) : stream_(stream), plain_(str
 }
 
 EscapedOutput::~EscapedOutput() {
-  sync();
+  EscapedOutput::sync();
   const std::ios_base::iostate state = stream_.rdstate();
   stream_.rdbuf(plain_);  // clears the state
   stream_.clear(state);

@@ -1,5 +1,6 @@
 #include "host/result/own_files.h"
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
 #include <system_error>
@@ -29,12 +30,7 @@ std::optional<Json> ReadObject(const fs::path& file) {
 }
 
 bool HasAll(const Json& json, std::initializer_list<const char*> keys) {
-  for (const char* key : keys) {
-    if (!json.contains(key)) {
-      return false;
-    }
-  }
-  return true;
+  return std::all_of(keys.begin(), keys.end(), [&](const char* key) { return json.contains(key); });
 }
 
 }  // namespace
@@ -57,7 +53,7 @@ bool IsResultFile(const fs::path& file) {
 }
 
 bool IsReportPage(const fs::path& file) {
-  return BeginningOf(file, kHead).find("<meta name=\"generator\" content=\"trackedcam\">") !=
+  return BeginningOf(file, kHead).find(R"(<meta name="generator" content="trackedcam">)") !=
          std::string::npos;
 }
 
