@@ -108,15 +108,17 @@ const Misstatement kMisstatements[] = {
     {"millimetres",
      [](const Pose&, const Mounting& figures, const Observations&) {
        Mounting stated = figures;
-       for (double& metres : stated.translationMetres)
+       for (double& metres : stated.translationMetres) {
          metres *= 1000;
+       }
        return stated;
      }},
     {"centimetres",
      [](const Pose&, const Mounting& figures, const Observations&) {
        Mounting stated = figures;
-       for (double& metres : stated.translationMetres)
+       for (double& metres : stated.translationMetres) {
          metres *= 100;
+       }
        return stated;
      }},
     {"angleSigns",

@@ -31,9 +31,9 @@ struct Instant {
       : Transform_Base_Cam(test::RandomTransform(random)),
         Transform_Cam_Tc(test::RandomTransform(random)) {
     // The calibration counts along the reported -x, -z and -y of the tracker.
-    Transform Transform_Tc_Reported = Transform::Identity();
-    Transform_Tc_Reported.topLeftCorner<3, 3>() << -1, 0, 0, 0, 0, -1, 0, -1, 0;
-    reported = Transform_Base_Cam * Transform_Cam_Tc * Transform_Tc_Reported;
+    Transform axisFix = Transform::Identity();
+    axisFix.topLeftCorner<3, 3>() << -1, 0, 0, 0, 0, -1, 0, -1, 0;
+    reported = Transform_Base_Cam * Transform_Cam_Tc * axisFix;
   }
 
   /// The tracker as the engine's component holds it.

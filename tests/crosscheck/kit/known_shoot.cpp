@@ -43,11 +43,11 @@ Pose MeanPose(const std::vector<Pose>& poses) {
 
 }  // namespace
 
-crosscheck::TrackerPose Reported(const Pose& Transform_Base_Tracker) {
+crosscheck::TrackerPose Reported(const Pose& tracker) {
   Eigen::Matrix3d fix;
   fix << -1, 0, 0, 0, 0, -1, 0, -1, 0;
-  const Eigen::Quaterniond q(Eigen::Matrix3d(Transform_Base_Tracker.linear() * fix.transpose()));
-  return {Transform_Base_Tracker.translation(), {q.w(), q.x(), q.y(), q.z()}};
+  const Eigen::Quaterniond q(Eigen::Matrix3d(tracker.linear() * fix.transpose()));
+  return {tracker.translation(), {q.w(), q.x(), q.y(), q.z()}};
 }
 
 simulator::ShootOptions FortyPhotographs(std::uint64_t seed) {

@@ -25,8 +25,8 @@ simulator::ShootOptions FortyPhotographs(std::uint64_t seed);
 /// The same with 0.3 mm and 0.05 degrees of noise on both trackers.
 simulator::ShootOptions FortyNoisy(std::uint64_t seed);
 
-/// From a pose to the row that a tracking system reports of it: its tracker's axes are -x, -z, -y.
-crosscheck::TrackerPose Reported(const crosscheck::Pose& Transform_Base_Tracker);
+/// The row that a tracking system reports of a tracker's pose: its axes are -x, -z, -y.
+crosscheck::TrackerPose Reported(const crosscheck::Pose& tracker);
 
 /// Transform_Cam_Tc as a calibration that believes the mounting finds it: what each photograph
 /// says, the median of each element of the twists.
