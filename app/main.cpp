@@ -17,11 +17,11 @@
 #include "app/commands/report_command.h"
 #include "app/commands/simulate_command.h"
 #include "app/licences.h"
-#include "app/options/help_formatter.h"
+#include "app/options/option_values.h"
 #include "app/platform.h"
-#include "app/words/command_line.h"
-#include "app/words/escaped_output.h"
-#include "host/input/input_error.h"
+#include "app/terminal/next_commands.h"
+#include "app/terminal/output.h"
+#include "host/input/inputs.h"
 
 namespace {
 

@@ -1,15 +1,91 @@
 #include "c/run.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
 #include <optional>
+#include <thread>
 
-#include "c/background.h"
-#include "c/settings.h"
+#include "c/platform.h"
+#include "c/shoot.h"
 #include "host/calibrate.h"
 #include "host/platform.h"
+#include "report/thumbnails.h"
 
 namespace trackedcam::c {
+namespace {
+
+// Never destroyed: threads use it until they end.
+struct Threads {
+  std::mutex mutex;
+  std::condition_variable ended;
+  int running = 0;
+};
+
+Threads& AllThreads() {
+  static auto* const threads = new Threads;
+  return *threads;
+}
+
+void WaitForAll() {
+  Threads& threads = AllThreads();
+  std::unique_lock<std::mutex> lock(threads.mutex);
+  threads.ended.wait(lock, [&] { return threads.running == 0; });
+}
+
+void Prepare() {
+  StayLoaded();
+  report::MakeCodecs();
+}
+
+// Counted from before the thread begins until its last step.
+class Counted {
+ public:
+  Counted() {
+    const std::lock_guard<std::mutex> lock(AllThreads().mutex);
+    ++AllThreads().running;
+  }
+  ~Counted() {
+    const std::lock_guard<std::mutex> lock(AllThreads().mutex);
+    --AllThreads().running;
+    AllThreads().ended.notify_all();
+  }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+};
+
+/// To be called by the work from time to time. The end of a process waits for the work before it
+/// destroys what was made before the last of these calls; the libraries underneath make objects
+/// that they need when they first need them.
+void HoldWhatWasMade() {
+  constexpr int kMostTimes = 1000;  // by then all has been made
+  static std::atomic<int> times{0};
+  if (kThreadsOutliveExit && times < kMostTimes) {
+    ++times;
+    std::atexit(WaitForAll);
+  }
+}
+
+/// Does the work on a thread of its own, which nobody joins.
+/// @param work Must let no exception through.
+/// @throws std::system_error where the system gives no thread.
+void InBackground(std::function<void()> work) {
+  static std::once_flag prepared;
+  std::call_once(prepared, Prepare);
+  HoldWhatWasMade();
+  auto counted = std::make_shared<Counted>();
+  std::thread([work = std::move(work), counted]() mutable {
+    work();
+    work = nullptr;  // what it holds goes before the thread counts as ended
+    counted.reset();
+  }).detach();
+}
+
+}  // namespace
 
 std::shared_ptr<Run> Run::Start(const host::Inputs& inputs, bool isSilent) {
   auto run = std::make_shared<Run>();
@@ -104,6 +180,7 @@ std::shared_ptr<Run> Started(trackedcam_shoot* shoot, const trackedcam_settings*
 }
 
 }  // namespace
+
 }  // namespace trackedcam::c
 
 using namespace trackedcam::c;

@@ -7,9 +7,9 @@
 #include <mutex>
 #include <optional>
 
-#include "c/report.h"
+#include "c/report_handle.h"
 #include "host/input/inputs.h"
-#include "host/run/run_log_reader.h"
+#include "host/run/run_log.h"
 
 namespace trackedcam::c {
 

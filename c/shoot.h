@@ -4,11 +4,13 @@
 
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "c/handles.h"
-#include "host/input/recorded_rows.h"
+#include "host/input/data_file.h"
+#include "host/input/inputs.h"
 
 namespace trackedcam::c {
 
@@ -35,5 +37,16 @@ class Shoot {
 };
 
 Handles<trackedcam_shoot, Shoot>& Shoots();
+
+/// @throws Refusal for settings that trackedcam_settings_init did not fill, and for numbers that
+///         stand for nothing.
+void RequireSettings(const trackedcam_settings* settings);
+
+/// As the settings state it; nothing where they do not.
+std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
+
+/// All paths absolute. The data file of a shoot in memory is written.
+/// @throws Refusal, host::InputError
+host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings);
 
 }  // namespace trackedcam::c

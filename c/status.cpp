@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "host/text/utf8.h"
+#include "host/text/text.h"
 
 namespace trackedcam::c {
 

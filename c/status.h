@@ -8,7 +8,7 @@
 #include <string>
 
 #include "core/float_environment.h"
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "trackedcam/trackedcam_c.h"
 
 namespace trackedcam::c {

@@ -5,19 +5,17 @@
 #include <stdexcept>
 #include <utility>
 
-#include "crosscheck/angle.h"
-#include "crosscheck/comparison.h"
-#include "crosscheck/distributions.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"
-#include "crosscheck/mounting.h"
-#include "crosscheck/on_screen.h"
+#include "crosscheck/misread.h"
 #include "crosscheck/photographs.h"
-#include "crosscheck/readings.h"
-#include "crosscheck/slips.h"
+#include "crosscheck/reported_poses.h"
 #include "crosscheck/solve.h"
 #include "crosscheck/start.h"
+#include "crosscheck/statistics.h"
 #include "crosscheck/step.h"
+#include "crosscheck/twist.h"
+#include "crosscheck/uncertainty.h"
 #include "crosscheck/views.h"
 
 namespace trackedcam::crosscheck {

@@ -9,7 +9,7 @@
 
 #include "crosscheck/chart_pose.h"
 #include "crosscheck/observations.h"
-#include "crosscheck/tracker_loop.h"
+#include "crosscheck/reported_poses.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {

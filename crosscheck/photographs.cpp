@@ -6,8 +6,8 @@
 
 #include <Eigen/Cholesky>
 
-#include "crosscheck/mounting.h"
-#include "crosscheck/projection.h"
+#include "crosscheck/chart_pose.h"
+#include "crosscheck/reported_poses.h"
 #include "crosscheck/solve.h"
 #include "crosscheck/views.h"
 

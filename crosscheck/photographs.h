@@ -4,10 +4,10 @@
 
 #include <vector>
 
-#include "crosscheck/cross_check.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/observations.h"
-#include "crosscheck/solution.h"
+#include "crosscheck/result.h"
+#include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 

@@ -9,7 +9,7 @@
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
 
-#include "crosscheck/median.h"
+#include "crosscheck/statistics.h"
 
 namespace trackedcam::crosscheck {
 namespace {

@@ -1,11 +1,13 @@
-// Rigid transforms and the small displacements between them: six numbers, turn before shift.
-
 #pragma once
 
 #include <Eigen/Core>
 #include <Eigen/Geometry>
 
 namespace trackedcam::crosscheck {
+
+constexpr double kDegree = EIGEN_PI / 180;  // radians
+
+// Rigid transforms and the small displacements between them: six numbers, turn before shift.
 
 using Pose = Eigen::Isometry3d;  // named Transform_A_B: p_A = Transform_A_B · p_B; metres
 using Twist = Eigen::Matrix<double, 6, 1>;

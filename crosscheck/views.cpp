@@ -6,9 +6,9 @@
 
 #include <Eigen/Cholesky>
 
-#include "crosscheck/angle.h"
-#include "crosscheck/mounting.h"
-#include "crosscheck/projection.h"
+#include "crosscheck/chart_pose.h"
+#include "crosscheck/reported_poses.h"
+#include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
 namespace {

@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-#include "crosscheck/cross_check.h"
 #include "crosscheck/evidence.h"
-#include "crosscheck/solution.h"
+#include "crosscheck/result.h"
+#include "crosscheck/solve.h"
 
 namespace trackedcam::crosscheck {
 

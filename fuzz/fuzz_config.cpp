@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/commands/calibrate_options.h"
+#include "app/commands/calibrate_command.h"
 #include "app/commands/config_file.h"
 #include "fuzz/fuzz.h"
 

@@ -5,9 +5,9 @@
 
 #include "fuzz/fuzz.h"
 #include "host/input/data_checks.h"
-#include "host/input/data_fields.h"
-#include "host/input/input_error.h"
-#include "host/input/tracker_axes.h"
+#include "host/input/data_file.h"
+#include "host/input/inputs.h"
+#include "host/input/reported_axes.h"
 #include "io/tracker_data.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

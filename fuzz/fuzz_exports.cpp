@@ -5,7 +5,7 @@
 #include <iostream>
 
 #include "fuzz/fuzz.h"
-#include "host/engines/camera_placement.h"
+#include "host/engines/placement.h"
 #include "host/engines/unity.h"
 #include "host/engines/unreal.h"
 #include "tests/host/engine_arithmetic.h"

@@ -9,8 +9,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "fuzz/fuzz.h"
-#include "host/input/photograph_header.h"
-#include "host/input/whole_picture.h"
+#include "host/input/image_header.h"
 
 namespace {
 

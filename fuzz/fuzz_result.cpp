@@ -6,7 +6,6 @@
 #include "fuzz/fuzz.h"
 #include "host/engines/unity.h"
 #include "host/engines/unreal.h"
-#include "host/result/own_files.h"
 #include "host/result/result_file.h"
 #include "report/page.h"
 

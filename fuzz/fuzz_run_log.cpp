@@ -5,8 +5,8 @@
 
 #include "crosscheck/cross_check.h"
 #include "fuzz/fuzz.h"
-#include "host/run/run_log_reader.h"
-#include "host/verdict/observations.h"
+#include "host/run/run_log.h"
+#include "host/verdict/observed.h"
 
 namespace {
 

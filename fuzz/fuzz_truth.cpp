@@ -1,9 +1,8 @@
 // The truth of a simulated shoot.
 
 #include "fuzz/fuzz.h"
-#include "host/input/input_error.h"
-#include "host/result/own_files.h"
-#include "host/result/truth.h"
+#include "host/input/inputs.h"
+#include "host/result/result_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace trackedcam;

@@ -4,7 +4,7 @@
 
 #include "core/utf8.h"
 #include "fuzz/fuzz.h"
-#include "host/text/utf8.h"
+#include "host/text/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace trackedcam;

@@ -7,15 +7,14 @@
 #include <set>
 #include <stdexcept>
 
+#include "host/findings/cross_check_findings.h"
+#include "host/findings/row_words.h"
+#include "host/findings/run_findings.h"
 #include "host/input/data_checks.h"
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
-#include "host/input/row_words.h"
-#include "host/run/run_folder.h"
-#include "host/verdict/cross_check_findings.h"
-#include "host/verdict/losses.h"
-#include "host/verdict/observations.h"
-#include "host/verdict/run_findings.h"
+#include "host/run/library_run.h"
+#include "host/verdict/observed.h"
 
 namespace trackedcam::host {
 namespace {

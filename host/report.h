@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "crosscheck/cross_check.h"
-#include "host/engines/engine_export.h"
-#include "host/finding.h"
+#include "host/engines/engine.h"
+#include "host/findings/finding.h"
 #include "host/input/inputs.h"
 #include "host/run/library_run.h"
 #include "host/verdict/verdict.h"

@@ -3,10 +3,10 @@
 #include <nlohmann/json.hpp>
 
 #include "report/embedded.h"
+#include "report/html.h"
 #include "report/page_view.h"
-#include "report/result_text.h"
+#include "report/result_values.h"
 #include "report/template.h"
-#include "report/text.h"
 
 namespace trackedcam::report {
 namespace {

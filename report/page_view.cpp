@@ -1,24 +1,190 @@
 #include "report/page_view.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <iterator>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
-#include "report/comparison_view.h"
-#include "report/number_text.h"
-#include "report/photograph_list.h"
-#include "report/text.h"
+#include "report/html.h"
+#include "report/result_values.h"
 
 namespace trackedcam::report {
 namespace {
 
 using Json = nlohmann::ordered_json;
 using Number = std::optional<double>;
+namespace fs = std::filesystem;
 
 constexpr double kMillimetresPerMetre = 1000;
+constexpr double kSmall = 0.01;  // millimetres or degrees
+
+Number Minus(const Number& a, const Number& b) {
+  return a && b ? Number(*a - *b) : std::nullopt;
+}
+
+std::optional<Rotation> RotationAt(const Json& result, const std::string& path) {
+  Rotation rotation = {};
+  for (std::size_t i = 0; i < rotation.size(); ++i) {
+    const Number number = NumberAt(result, At(path, i / 3 * 4 + i % 3));
+    if (!number) {
+      return std::nullopt;
+    }
+    rotation[i] = *number;
+  }
+  return rotation;
+}
+
+std::optional<Rotation> StatedRotation(const Json& result) {
+  std::array<double, 3> degrees = {};
+  for (std::size_t i = 0; i < degrees.size(); ++i) {
+    const Number number = NumberAt(result, At("/inputs/chartRotationDegrees", i));
+    if (!number) {
+      return std::nullopt;
+    }
+    degrees[i] = *number;
+  }
+  return RotationOfAngles(degrees);
+}
+
+/// A row of the tables of section 6, which its charts are drawn from.
+Json Component(const char* axis, const Number& one, const Number& other, const Number& difference,
+               const Number& half, int decimals) {
+  const auto raw = [](const Number& number) { return number ? Json(*number) : Json(); };
+  return {{"axis", axis},
+          {"one", one ? Json(Fixed(one, decimals)) : Json()},
+          {"other", other ? Json(Fixed(other, decimals)) : Json()},
+          {"difference", Fixed(difference, decimals)},
+          // A perfect shoot is known better than the other decimals show.
+          {"half", Fixed(half, half && *half < kSmall ? decimals + 2 : decimals)},
+          {"rawDifference", raw(difference)},
+          {"rawHalf", raw(half)}};
+}
+
+constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
+
+/// Shift rows and turn rows of one transform against the cross-check's.
+/// @param shift Path of the other's translation: a list of 3, or of 16 where `isMatrix`.
+/// @param turn From the cross-check's rotation to the other's; none where there is no other.
+Json Components(const Json& result, const std::string& shift, bool isMatrix,
+                const std::string& found, const std::string& errors,
+                const std::optional<std::array<double, 3>>& turn) {
+  const Number t95 = NumberAt(result, "/crossCheck/t95");
+  Json shifts = Json::array();
+  Json turns = Json::array();
+  for (std::size_t i = 0; i < kAxes.size(); ++i) {
+    const Number other =
+        Times(NumberAt(result, At(shift, isMatrix ? 4 * i + 3 : i)), kMillimetresPerMetre);
+    const Number one = Times(NumberAt(result, At(found, 4 * i + 3)), kMillimetresPerMetre);
+    shifts.push_back(Component(kAxes[i], other, one, Minus(other, one),
+                               Times(NumberAt(result, At(errors + "/shiftMm", i)), t95), 2));
+    turns.push_back(Component(kAxes[i], {}, {}, turn ? Number((*turn)[i]) : std::nullopt,
+                              Times(NumberAt(result, At(errors + "/turnDegrees", i)), t95), 3));
+  }
+  return {{"shifts", shifts}, {"turns", turns}, {"isCompared", turn.has_value()}};
+}
+
+const double kDegreesPerRadian = 180 / std::acos(-1.0);
+
+struct Row {
+  std::string name;
+  const Json* figures;  // of the cross-check; null where it has none
+  std::size_t place;    // of the figures in its list
+};
+
+/// A data file may name a photograph twice; each row has figures of its own.
+std::vector<Row> RowsOf(const Json& result) {
+  std::vector<Row> solved;
+  for (const Json& photograph : ValueAt(result, "/crossCheck/perPhotograph")) {
+    solved.push_back({TextAt(photograph, "/photograph"), &photograph, solved.size()});
+  }
+  std::vector<Row> rows;
+  std::set<std::string> known;
+  std::set<std::size_t> taken;
+  for (const Json& value : ValueAt(result, "/photographs")) {
+    if (value.is_string()) {
+      const auto name = value.get<std::string>();
+      const auto row = std::find_if(solved.begin(), solved.end(), [&](const Row& candidate) {
+        return candidate.name == name && taken.count(candidate.place) == 0;
+      });
+      rows.push_back(row == solved.end() ? Row{name, nullptr, 0} : *row);
+      if (row != solved.end()) {
+        taken.insert(row->place);
+      }
+      known.insert(name);
+    }
+  }
+  for (const Row& row : solved) {
+    if (taken.count(row.place) == 0) {
+      rows.push_back(row);
+      known.insert(row.name);
+    }
+  }
+  const auto addIfNew = [&](const Json& name) {
+    if (name.is_string() && known.insert(name.get<std::string>()).second) {
+      rows.push_back({name.get<std::string>(), nullptr, 0});
+    }
+  };
+  for (const Json& name : ValueAt(result, "/used")) {
+    addIfNew(name);
+  }
+  for (const Json& dropped : ValueAt(result, "/dropped")) {
+    addIfNew(ValueAt(dropped, "/photograph"));
+  }
+  return rows;
+}
+
+/// Of the photographs that the library dropped, by name.
+std::map<std::string, std::string> ReasonsOf(const Json& result) {
+  std::map<std::string, std::string> reasons;
+  for (const Json& dropped : ValueAt(result, "/dropped")) {
+    reasons.emplace(TextAt(dropped, "/photograph"), TextAt(dropped, "/reason"));
+  }
+  return reasons;
+}
+
+/// The library names the image "Reproject_" and all of the photograph's path behind the last
+/// backslash.
+std::string ReprojectedImage(const Json& result, const std::string& photograph) {
+  const std::string end = "Reproject_" + photograph.substr(photograph.find_last_of('\\') + 1);
+  for (const Json& image : ValueAt(result, "/images")) {
+    std::string path = image.is_string() ? image.get<std::string>() : std::string();
+    if (path.size() >= end.size() && path.compare(path.size() - end.size(), end.size(), end) == 0) {
+      return path;
+    }
+  }
+  return {};
+}
+
+std::string LinkTo(const std::string& path, const Json& result, const fs::path& pageFolder) {
+  const fs::path working = fs::u8path(TextAt(result, "/inputs/workingFolder"));
+  try {
+    return FileLink(working / fs::u8path(path), pageFolder);
+  } catch (const std::exception&) {
+    return {};  // not every name can be a path on every system
+  }
+}
+
+/// What the page's colours and words say about it.
+const char* StateOf(const Json* crossCheck, const std::string* reason) {
+  if (crossCheck == nullptr) {
+    return reason == nullptr ? "kept" : "missing";
+  }
+  if (ValueAt(*crossCheck, "/used") == false) {
+    return "apart";
+  }
+  return reason == nullptr ? "kept" : "spare";
+}
+
+std::string ShortName(const std::string& path) {
+  return path.substr(path.find_last_of("/\\") + 1);
+}
+
 constexpr double kCertain = 0.001;  // the share of chance below which two figures differ
 
 /// The numbers as the file has them, for a paste.
@@ -328,6 +494,112 @@ Json InState(const Json& photographs, const char* state) {
 }
 
 }  // namespace
+
+Json TransformComponents(const Json& result) {
+  const auto one = RotationAt(result, "/transformCamTc");
+  const auto found = RotationAt(result, "/crossCheck/transformCamTc");
+  std::optional<std::array<double, 3>> turn;
+  if (one && found) {
+    turn = TurnDegrees(Product(*one, Inverse(*found)));
+  }
+  return Components(result, "/transformCamTc", true, "/crossCheck/transformCamTc",
+                    "/crossCheck/standardErrorCamTc", turn);
+}
+
+Json MountingComponents(const Json& result) {
+  const auto stated = StatedRotation(result);
+  const auto found = RotationAt(result, "/crossCheck/transformTrChart");
+  std::optional<std::array<double, 3>> turn;
+  if (stated && found) {
+    turn = TurnDegrees(Product(Inverse(*found), *stated));
+  }
+  return Components(result, "/inputs/chartTranslationMetres", false, "/crossCheck/transformTrChart",
+                    "/crossCheck/standardErrorTrChart", turn);
+}
+
+Rotation Product(const Rotation& a, const Rotation& b) {
+  Rotation product = {};
+  for (std::size_t r = 0; r < 3; ++r) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      product[3 * r + c] = a[3 * r] * b[c] + a[3 * r + 1] * b[3 + c] + a[3 * r + 2] * b[6 + c];
+    }
+  }
+  return product;
+}
+
+Rotation Inverse(const Rotation& a) {
+  return {a[0], a[3], a[6], a[1], a[4], a[7], a[2], a[5], a[8]};
+}
+
+Rotation RotationOfAngles(const std::array<double, 3>& degrees) {
+  std::array<double, 3> c = {};
+  std::array<double, 3> s = {};
+  for (std::size_t i = 0; i < 3; ++i) {
+    c[i] = std::cos(degrees[i] / kDegreesPerRadian);
+    s[i] = std::sin(degrees[i] / kDegreesPerRadian);
+  }
+  const Rotation aboutX = {1, 0, 0, 0, c[0], -s[0], 0, s[0], c[0]};
+  const Rotation aboutY = {c[1], 0, s[1], 0, 1, 0, -s[1], 0, c[1]};
+  const Rotation aboutZ = {c[2], -s[2], 0, s[2], c[2], 0, 0, 0, 1};
+  return Product(Product(aboutX, aboutY), aboutZ);
+}
+
+std::array<double, 3> TurnDegrees(const Rotation& rotation) {
+  // Twice the sine of the angle along the axis; atan2 keeps small angles exact.
+  std::array<double, 3> turn = {rotation[7] - rotation[5], rotation[2] - rotation[6],
+                                rotation[3] - rotation[1]};
+  const double sine = std::hypot(turn[0], turn[1], turn[2]) / 2;
+  const double cosine = (rotation[0] + rotation[4] + rotation[8] - 1) / 2;
+  const double scale = sine > 0 ? std::atan2(sine, cosine) * kDegreesPerRadian / (2 * sine) : 0;
+  for (double& part : turn) {
+    part *= scale;
+  }
+  return turn;
+}
+
+Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails,
+                    const fs::path& pageFolder) {
+  const std::map<std::string, std::string> reasons = ReasonsOf(result);
+  std::map<std::string, const Thumbnail*> thumbnailOf;
+  for (const Thumbnail& thumbnail : thumbnails) {
+    if (!ImageType(thumbnail.bytes).empty()) {
+      thumbnailOf.emplace(thumbnail.photograph, &thumbnail);
+    }
+  }
+  Json list = Json::array();
+  for (const auto& [name, crossCheck, place] : RowsOf(result)) {
+    const auto reason = reasons.find(name);
+    const std::string state =
+        StateOf(crossCheck, reason == reasons.end() ? nullptr : &reason->second);
+    const std::string image = ReprojectedImage(result, name);
+    Json photograph = {
+        {"number", list.size() + 1},
+        {"photograph", name},
+        {"shortName", ShortName(name)},
+        {"state", state},
+        {state, true},
+        {"reason", reason == reasons.end() ? "" : reason->second},
+        {"link", LinkTo(image.empty() ? name : image, result, pageFolder)},
+        {"isReprojected", !image.empty()},
+    };
+    if (crossCheck != nullptr) {
+      photograph["place"] = place;
+      photograph["hasFigures"] = true;
+      photograph["millimetres"] = Fixed(NumberAt(*crossCheck, "/mm"), 2);
+      photograph["degrees"] = Fixed(NumberAt(*crossCheck, "/degrees"), 3);
+      photograph["pixels"] = Fixed(NumberAt(*crossCheck, "/predictedPixels"), 2);
+      photograph["why"] = TextAt(*crossCheck, "/why");
+    }
+    const auto thumbnail = thumbnailOf.find(name);
+    if (thumbnail != thumbnailOf.end()) {
+      const std::string& bytes = thumbnail->second->bytes;
+      photograph["thumbnail"] =
+          "data:" + std::string(ImageType(bytes)) + ";base64," + Base64(bytes);
+    }
+    list.push_back(photograph);
+  }
+  return list;
+}
 
 Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
               const std::filesystem::path& pageFolder) {

@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "report/text.h"
+#include "report/html.h"
 
 namespace trackedcam::report {
 namespace {

@@ -9,7 +9,7 @@
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "report/result_text.h"
+#include "report/result_values.h"
 
 namespace trackedcam::report {
 namespace {

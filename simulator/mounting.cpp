@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "simulator/angle.h"
-
 namespace trackedcam::simulator {
 
 Eigen::Isometry3d Mounting::Transform() const {

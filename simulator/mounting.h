@@ -1,10 +1,18 @@
-// How the chart sits on its tracker, in the figures that a user types in.
-
 #pragma once
 
+#include <Eigen/Core>
 #include <Eigen/Geometry>
 
 namespace trackedcam::simulator {
+
+constexpr double Radians(double degrees) {
+  return degrees * (EIGEN_PI / 180);
+}
+constexpr double Degrees(double radians) {
+  return radians * (180 / EIGEN_PI);
+}
+
+// How the chart sits on its tracker, in the figures that a user types in.
 
 struct Mounting {
   Eigen::Vector3d anglesDegrees;      // the rotation is Rx * Ry * Rz

@@ -1,8 +1,4 @@
-// One simulated shoot: what is true, and what the tracking system says.
-//
-// Frames: Cam (x right, y down, z forward), Tc (the tracker on the camera), Base (the tracking
-// system), Tr (the tracker on the chart), Chart (origin in the first inner corner, x along a row, y
-// along a column). Transform_A_B takes coordinates of frame B into frame A. Lengths are metres.
+// Where the chart is seen: poses that a lens can be solved from.
 
 #pragma once
 
@@ -15,6 +11,17 @@
 #include "simulator/shoot_options.h"
 
 namespace trackedcam::simulator {
+
+/// Transform_Cam_Chart of each photograph. The paper is wholly and largely in the picture, tilted
+/// to all sides, turned, near and far, and all over the picture.
+/// @throws std::invalid_argument when no such pose can be found.
+std::vector<Eigen::Isometry3d> DrawChartPoses(const ShootOptions& options);
+
+// One simulated shoot: what is true, and what the tracking system says.
+//
+// Frames: Cam (x right, y down, z forward), Tc (the tracker on the camera), Base (the tracking
+// system), Tr (the tracker on the chart), Chart (origin in the first inner corner, x along a row, y
+// along a column). Transform_A_B takes coordinates of frame B into frame A. Lengths are metres.
 
 /// What is wrong with a photograph; at most one thing.
 enum class Flaw { kNone, kMissing, kNotAnImage, kWithoutChart, kSlippedTracker };

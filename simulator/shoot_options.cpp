@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/number_text.h"
+#include "simulator/write_shoot.h"
 
 namespace trackedcam::simulator {
 namespace {

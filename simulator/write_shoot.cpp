@@ -1,21 +1,132 @@
 #include "simulator/write_shoot.h"
 
+#include <array>
+#include <charconv>
+#include <cmath>
 #include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
 #include <opencv2/imgcodecs.hpp>
 
-#include "simulator/config_text.h"
-#include "simulator/photograph_renderer.h"
-#include "simulator/tracker_data_text.h"
-#include "simulator/truth_text.h"
+#include "simulator/mounting.h"
+#include "simulator/photographs.h"
 
 namespace trackedcam::simulator {
 namespace {
 
+using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
+
+template <typename... Format>
+std::string Text(double number, Format... format) {
+  std::array<char, 400> text = {};
+  const auto [end, error] =
+      std::to_chars(text.data(), text.data() + text.size(), number, format...);
+  return error == std::errc() ? std::string(text.data(), end) : std::string();
+}
+
+constexpr const char* kHeader =
+    "Time,Photograph,"
+    "Tc x,Tc y,Tc z,Tc qw,Tc qx,Tc qy,Tc qz,"
+    "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
+constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
+constexpr double kSecondsBetweenPhotographs = 2.5;
+
+// The tracking system has axes of its own on each tracker: x and x point opposite ways, and y and z
+// are exchanged and point opposite ways.
+Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
+  Eigen::Matrix3d axes;
+  axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
+  Eigen::Isometry3d reported = pose;
+  reported.linear() = pose.linear() * axes;
+  return reported;
+}
+
+std::string PoseText(const Eigen::Isometry3d& pose, bool invertedQuaternion) {
+  const Eigen::Isometry3d reported = InReportedAxes(pose);
+  Eigen::Quaterniond rotation(reported.linear());
+  if (invertedQuaternion) {
+    rotation = rotation.conjugate();
+  }
+  const Eigen::Vector3d position = reported.translation();
+  std::string text;
+  for (const double number : {position.x(), position.y(), position.z(), rotation.w(), rotation.x(),
+                              rotation.y(), rotation.z()}) {
+    text += ',' + ToFixedText(number, 12);
+  }
+  return text;
+}
+
+std::string Triple(const Eigen::Vector3d& numbers) {
+  return ToShortestText(numbers.x()) + ',' + ToShortestText(numbers.y()) + ',' +
+         ToShortestText(numbers.z());
+}
+
+std::string Line(const std::string& key, const std::string& value) {
+  return key + " = " + value + '\n';
+}
+
+std::string Quoted(const std::string& text) {
+  return '"' + text + '"';
+}
+
+Json Numbers(const Eigen::Vector3d& vector) {
+  return {vector.x(), vector.y(), vector.z()};
+}
+
+Json Numbers(const Eigen::Isometry3d& transform) {
+  Json numbers = Json::array();
+  for (int row = 0; row < 4; ++row) {
+    for (int col = 0; col < 4; ++col) {
+      numbers.push_back(transform(row, col));
+    }
+  }
+  return numbers;
+}
+
+Json Figures(const Mounting& mounting) {
+  return {{"rotationDegrees", Numbers(mounting.anglesDegrees)},
+          {"translationMetres", Numbers(mounting.translationMetres)},
+          {"transformTrChart", Numbers(mounting.Transform())}};
+}
+
+double FieldOfViewDegrees(double pixels, double focal) {
+  return Degrees(2 * std::atan(pixels / (2 * focal)));
+}
+
+const char* Reason(Flaw flaw) {
+  switch (flaw) {
+    case Flaw::kMissing:
+      return "missing";
+    case Flaw::kNotAnImage:
+      return "not an image";
+    case Flaw::kWithoutChart:
+      return "without chart";
+    case Flaw::kSlippedTracker:
+      return "slipped tracker";
+    case Flaw::kNone:
+      break;
+  }
+  return "";
+}
+
+void ListPhotographs(const Shoot& shoot, Json& truth) {
+  for (const Photograph& photograph : shoot.photographs) {
+    truth["photographs"].push_back({{"photograph", photograph.path},
+                                    {"transformCamChart", Numbers(photograph.Transform_Cam_Chart)},
+                                    {"transformBaseTc", Numbers(photograph.Transform_Base_Tc)},
+                                    {"transformBaseTr", Numbers(photograph.Transform_Base_Tr)}});
+    if (photograph.flaw == Flaw::kSlippedTracker) {
+      truth["outliers"].push_back(photograph.path);
+    } else if (photograph.flaw != Flaw::kNone) {
+      truth["unusable"].push_back(
+          {{"photograph", photograph.path}, {"reason", Reason(photograph.flaw)}});
+    }
+  }
+}
 
 // Binary, so that line ends stay as they are.
 void WriteFile(const fs::path& path, const std::string& content) {
@@ -52,6 +163,70 @@ void WritePhotograph(const Shoot& shoot, const PhotographRenderer& renderer, int
 }
 
 }  // namespace
+
+std::string ToShortestText(double number) {
+  return Text(number);
+}
+
+std::string ToFixedText(double number, int decimals) {
+  return Text(number, std::chars_format::fixed, decimals);
+}
+
+std::string TrackerDataText(const Shoot& shoot) {
+  const ShootOptions& options = shoot.options;
+  const std::string lineEnd = options.windowsLineEnds ? "\r\n" : "\n";
+  std::string text = (options.byteOrderMark ? kByteOrderMark : "") + (kHeader + lineEnd);
+  double seconds = 0;
+  for (const Photograph& photograph : shoot.photographs) {
+    text += ToFixedText(seconds, 3) + ',' + photograph.path +
+            PoseText(photograph.trackedTc, options.invertedQuaternions) +
+            PoseText(photograph.trackedTr, options.invertedQuaternions) + lineEnd;
+    seconds += kSecondsBetweenPhotographs;
+  }
+  return text;
+}
+
+std::string ConfigText(const Shoot& shoot) {
+  const ShootOptions& options = shoot.options;
+  const Chart& chart = options.chart;
+  const Mounting& mounting = shoot.nominalMounting;
+  const std::string sensor =
+      ToShortestText(options.sensorWidthMm) + 'x' + ToShortestText(options.sensorHeightMm);
+  const std::string board = ToShortestText(chart.cols) + 'x' + ToShortestText(chart.rows);
+  return "# A simulated shoot. Run it with: trackedcam calibrate --config shoot.toml\n"
+         "[calibrate]\n" +
+         Line("data", Quoted("tracker_data.csv")) + Line("sensor", Quoted(sensor)) +
+         Line("board", Quoted(board)) + Line("square", ToShortestText(chart.squareMetres)) +
+         Line("chart-rotation", Quoted(Triple(mounting.anglesDegrees))) +
+         Line("chart-translation", Quoted(Triple(mounting.translationMetres))) +
+         Line("invert-tracker-quaternions", options.invertedQuaternions ? "true" : "false") +
+         Line("log-folder", Quoted("log")) + Line("result", Quoted("result.json")) +
+         Line("truth", Quoted("truth.json"));
+}
+
+std::string TruthText(const Shoot& shoot) {
+  const ShootOptions& options = shoot.options;
+  const Lens& lens = shoot.lens;
+  const double width = options.imageWidth;
+  const double height = options.imageHeight;
+  Json truth = {
+      {"seed", options.seed},
+      {"imageSize", {options.imageWidth, options.imageHeight}},
+      {"lensPixels", {{"fx", lens.fx}, {"fy", lens.fy}, {"cx", lens.cx}, {"cy", lens.cy}}},
+      {"normFocal", {lens.fx / width, lens.fy / height}},
+      {"normCenter", {lens.cx / width, lens.cy / height}},
+      {"distortion", {lens.k1, lens.k2, 0, 0, 0}},
+      {"fieldOfView", {FieldOfViewDegrees(width, lens.fx), FieldOfViewDegrees(height, lens.fy)}},
+      {"transformCamTc", Numbers(shoot.Transform_Cam_Tc)},
+      {"mounting",
+       {{"true", Figures(shoot.trueMounting)}, {"nominal", Figures(shoot.nominalMounting)}}},
+      {"outliers", Json::array()},
+      {"unusable", Json::array()},
+      {"photographs", Json::array()},
+  };
+  ListPhotographs(shoot, truth);
+  return truth.dump(2) + '\n';
+}
 
 void WriteShoot(const Shoot& shoot, const fs::path& folder,
                 const std::function<void(int done, int all)>& progress) {

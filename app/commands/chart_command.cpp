@@ -6,15 +6,11 @@
 #include <memory>
 #include <optional>
 
-#include "app/chart/chart_drawing.h"
-#include "app/chart/chart_layout.h"
-#include "app/chart/chart_notes.h"
+#include "app/chart/chart.h"
 #include "app/commands/config_file.h"
-#include "app/options/add_path.h"
-#include "app/options/add_value.h"
 #include "app/options/option_values.h"
-#include "app/options/output_file.h"
-#include "host/text/file_text.h"
+#include "app/options/outputs.h"
+#include "host/text/files.h"
 
 namespace trackedcam::app {
 namespace {

@@ -22,10 +22,9 @@ namespace {
 #pragma pop_macro("NDEBUG")
 
 #include "app/commands/toml_characters.h"
-#include "app/options/add_path.h"
 #include "app/options/option_values.h"
-#include "host/text/file_text.h"
-#include "host/text/number_text.h"
+#include "host/text/files.h"
+#include "host/text/text.h"
 
 namespace trackedcam::app {
 namespace {

@@ -4,15 +4,12 @@
 #include <memory>
 #include <optional>
 
-#include "app/options/add_path.h"
-#include "app/options/mounting_options.h"
 #include "app/options/option_values.h"
-#include "app/words/summary.h"
-#include "app/words/warning.h"
+#include "app/terminal/summary.h"
 #include "host/calibrate.h"
+#include "host/result/result_file.h"
 #include "host/result/result_json.h"
-#include "host/result/truth.h"
-#include "host/text/json_file.h"
+#include "host/text/files.h"
 
 namespace trackedcam::app {
 namespace {

@@ -4,17 +4,13 @@
 #include <memory>
 
 #include "app/commands/config_file.h"
-#include "app/options/add_path.h"
-#include "app/options/add_value.h"
 #include "app/options/option_values.h"
-#include "app/options/output_file.h"
-#include "app/words/engine_summary.h"
+#include "app/options/outputs.h"
+#include "app/terminal/engine_summary.h"
 #include "host/platform.h"
-#include "host/result/own_files.h"
 #include "host/result/result_file.h"
-#include "host/run/run_folder.h"
-#include "host/text/file_text.h"
-#include "host/text/json_file.h"
+#include "host/run/library_run.h"
+#include "host/text/files.h"
 
 namespace trackedcam::app {
 namespace {

@@ -5,12 +5,11 @@
 #include <memory>
 
 #include "app/commands/config_file.h"
-#include "app/options/add_path.h"
 #include "app/options/option_values.h"
-#include "app/options/output_file.h"
-#include "host/input/input_error.h"
-#include "host/result/own_files.h"
-#include "host/text/file_text.h"
+#include "app/options/outputs.h"
+#include "host/input/inputs.h"
+#include "host/result/result_file.h"
+#include "host/text/files.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::app {

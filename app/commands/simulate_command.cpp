@@ -3,19 +3,125 @@
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
-#include "app/commands/simulate_options.h"
-#include "app/options/shoot_folder.h"
+#include "app/options/option_values.h"
+#include "app/options/outputs.h"
 #include "app/platform.h"
-#include "app/words/escaped_output.h"
-#include "app/words/progress_bar.h"
+#include "app/terminal/output.h"
+#include "host/text/text.h"
 #include "simulator/shoot.h"
 #include "simulator/write_shoot.h"
 
 namespace trackedcam::app {
 namespace {
 
+using host::Shortest;
+using simulator::ShootOptions;
 namespace fs = std::filesystem;
+
+/// Adds options that show their defaults to one group of the help.
+class Group {
+ public:
+  Group(CLI::App& command, std::string name) : command_(command), name_(std::move(name)) {}
+
+  void AddFlag(const std::string& name, bool& value, const std::string& description) {
+    command_.add_flag(name, value, description)->group(name_);
+  }
+
+  template <class Number>
+  void AddNumber(const std::string& name, Number& value, const std::string& unit,
+                 const std::string& description) {
+    command_.add_option(name, value, description)
+        ->capture_default_str()
+        ->type_name(unit)
+        ->group(name_);
+  }
+
+  template <class Store>
+  void AddValue(const std::string& name, const std::string& form, const std::string& standard,
+                const std::string& description, Store store) {
+    command_.add_option_function<std::string>(name, store, description)
+        ->default_str(standard)
+        ->type_name(form)
+        ->group(name_);
+  }
+
+ private:
+  CLI::App& command_;
+  std::string name_;
+};
+
+std::string TextOf(double width, double height) {
+  return Shortest(width) + 'x' + Shortest(height);
+}
+
+void AddPhotographs(Group group, ShootOptions& shoot) {
+  group.AddNumber("--photographs", shoot.photographs, "N", "Photographs, flawed ones included");
+  group.AddNumber("--missing", shoot.missing, "N", "Of these: do not exist");
+  group.AddNumber("--not-an-image", shoot.notAnImage, "N", "Of these: are text files");
+  group.AddNumber("--without-chart", shoot.withoutChart, "N", "Of these: do not show the chart");
+  group.AddNumber("--outliers", shoot.outliers, "N", "Of these: a tracker had slipped");
+  group.AddNumber("--seed", shoot.seed, "N", "Decides everything that is drawn by chance");
+}
+
+void AddCamera(Group group, ShootOptions& shoot) {
+  group.AddValue("--image", "WxH", TextOf(shoot.imageWidth, shoot.imageHeight),
+                 "Size of the photographs, pixels", [&shoot](const std::string& text) {
+                   const auto size = ParseImageSize("--image", text);
+                   shoot.imageWidth = size[0];
+                   shoot.imageHeight = size[1];
+                 });
+  group.AddValue("--sensor", "WxH", TextOf(shoot.sensorWidthMm, shoot.sensorHeightMm),
+                 "Size of the sensor, millimetres", [&shoot](const std::string& text) {
+                   const auto sensor = ParseSensor("--sensor", text);
+                   shoot.sensorWidthMm = sensor[0];
+                   shoot.sensorHeightMm = sensor[1];
+                 });
+  group.AddValue(
+      "--lens", "FX,FY,CX,CY,K1,K2", "",
+      "In pixels; else a slightly distorted lens that\nsuits the size of the photographs",
+      [&shoot](const std::string& text) {
+        const auto lens = ParseLens("--lens", text);
+        shoot.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
+      });
+  group.AddNumber("--blur", shoot.blurPixels, "PIXELS", "Blur of the optics");
+  group.AddNumber("--noise", shoot.noiseGreyLevels, "LEVELS", "Noise of the sensor, of 255");
+  group.AddNumber("--uneven-light", shoot.unevenLight, "SHARE", "0: even, 1: dark on one side");
+  group.AddNumber("--jpeg-quality", shoot.jpegQuality, "N", "1 to 100");
+}
+
+void AddChart(Group group, ShootOptions& shoot) {
+  group.AddValue("--board", "COLSxROWS", TextOf(shoot.chart.cols, shoot.chart.rows),
+                 "Inner corners along a row and along a column", [&shoot](const std::string& text) {
+                   const auto board = ParseBoard("--board", text);
+                   shoot.chart.cols = board[0];
+                   shoot.chart.rows = board[1];
+                 });
+  group.AddValue("--square", "METRES", Shortest(shoot.chart.squareMetres),
+                 "Edge of one square, metres", [&shoot](const std::string& text) {
+                   shoot.chart.squareMetres = ParseSquare("--square", text);
+                 });
+  group.AddNumber("--mounting-error-mm", shoot.mountingErrorMm, "MM",
+                  "Shift of the stated mounting from the true one");
+  group.AddNumber("--mounting-error-degrees", shoot.mountingErrorDegrees, "DEG",
+                  "Turn of the stated mounting from the true one");
+}
+
+void AddTrackers(Group group, ShootOptions& shoot) {
+  group.AddNumber("--tracker-noise-mm", shoot.trackerNoiseMm, "MM", "Noise along each axis");
+  group.AddNumber("--tracker-noise-degrees", shoot.trackerNoiseDegrees, "DEG",
+                  "Noise about each axis");
+  group.AddNumber("--slip-mm", shoot.slipMm, "MM", "Shift of an outlier's tracker");
+  group.AddNumber("--slip-degrees", shoot.slipDegrees, "DEG", "Turn of an outlier's tracker");
+  group.AddFlag("--inverted-quaternions", shoot.invertedQuaternions,
+                "The trackers report the inverse rotation");
+}
+
+void AddDataFile(Group group, ShootOptions& shoot) {
+  group.AddFlag("--windows-line-ends", shoot.windowsLineEnds, "End lines as on Windows");
+  group.AddFlag("--byte-order-mark", shoot.byteOrderMark, "Begin with a byte-order mark");
+}
 
 constexpr const char* kFooter = R"(Examples:
   trackedcam simulate shoot
@@ -47,6 +153,24 @@ void Write(const simulator::Shoot& shoot, const fs::path& folder) {
 }
 
 }  // namespace
+
+void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
+  command
+      .add_option_function<std::string>(
+          "FOLDER",
+          [&options](const std::string& text) { options.folder = std::filesystem::u8path(text); },
+          "Where the shoot is written; created when missing")
+      ->type_name("")
+      ->required();
+  command.add_flag(
+      "--force", options.force,
+      "Write also into a folder that holds other\nfiles; those of the same names are lost");
+  AddPhotographs({command, "Photographs"}, options.shoot);
+  AddCamera({command, "Camera"}, options.shoot);
+  AddChart({command, "Chart"}, options.shoot);
+  AddTrackers({command, "Trackers"}, options.shoot);
+  AddDataFile({command, "Data file"}, options.shoot);
+}
 
 void AddSimulateCommand(CLI::App& program, int& status) {
   CLI::App* command = program.add_subcommand("simulate", "Write a simulated shoot and its truth");

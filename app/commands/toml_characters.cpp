@@ -1,6 +1,6 @@
 #include "app/commands/toml_characters.h"
 
-#include "host/text/utf8.h"
+#include "host/text/text.h"
 
 namespace trackedcam::app {
 namespace {

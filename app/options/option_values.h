@@ -1,16 +1,65 @@
-// How the values of options are written.
-
 #pragma once
 
 #include <array>
+#include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "app/chart/paper.h"
+#include <CLI/CLI.hpp>
+
+#include "app/chart/chart.h"
 #include "host/engines/engine.h"
-#include "host/input/tracker_axes.h"
+#include "host/input/inputs.h"
+#include "host/input/reported_axes.h"
 
 namespace trackedcam::app {
+
+/// The layout of the help: room for long options, and one blank line between groups.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() {
+    column_width(38);
+    label("SUBCOMMAND", "COMMAND");
+    label("REQUIRED", "(required)");
+  }
+
+  std::string make_help(const CLI::App* app, std::string name,
+                        CLI::AppFormatMode mode) const override {
+    return CLI::detail::find_and_replace(Formatter::make_help(app, std::move(name), mode), "\n\n\n",
+                                         "\n\n");
+  }
+};
+
+/// Adds an option whose value is read by one of the functions of option_values.h.
+/// @param form How the value is written, for the help.
+template <class Value, class Parsed>
+CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value,
+                      Parsed (*parse)(const std::string& option, const std::string& text),
+                      const std::string& form, const std::string& description) {
+  const auto store = [name, &value, parse](const std::string& text) { value = parse(name, text); };
+  return command.add_option_function<std::string>(name, store, description)->type_name(form);
+}
+
+// A path option: stored as an absolute path without "." and "..".
+
+/// @param form How the value is written, for the help: FILE or FOLDER, which tells paths from other
+///             values.
+inline CLI::Option* AddPath(CLI::App& command, const std::string& name, std::filesystem::path& path,
+                            const std::string& form, const std::string& description) {
+  const auto store = [&path](const std::string& text) {
+    path = std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
+  };
+  return command.add_option_function<std::string>(name, store, description)->type_name(form);
+}
+
+inline bool IsPath(const CLI::Option& option) {
+  const std::string form = option.get_type_name();
+  return form.rfind("FILE", 0) == 0 || form.rfind("FOLDER", 0) == 0;
+}
+
+// How the values of options are written.
 
 /// Each parser names the option in its error and says how to write the value.
 /// @throws CLI::ValidationError when the text has another form.
@@ -66,5 +115,18 @@ bool ParseMountingAxes(const std::string& option, const std::string& text);
 
 /// A check of an option: nothing when the path names a file, else what is wrong.
 std::string RequireFile(const std::string& path);
+
+struct MountingOptions {
+  std::optional<std::array<double, 3>> rotation;     // degrees
+  std::optional<std::array<double, 3>> translation;  // metres
+  bool isReported = false;                           // in the axes that the tracking system reports
+};
+
+/// Adds --chart-rotation, --chart-translation and --mounting-axes to a group of the help.
+void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& group);
+
+/// In the tracker's axes after the axis fix. Nothing where none is stated.
+/// @throws CLI::ValidationError where only one half is.
+std::optional<host::Mounting> MountingOf(const MountingOptions& options);
 
 }  // namespace trackedcam::app

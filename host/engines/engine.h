@@ -3,12 +3,15 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/engines/hand_over.h"
+#include <nlohmann/json.hpp>
+
+#include "host/engines/placement.h"
 #include "host/engines/unity.h"
 #include "host/engines/unreal.h"
 
@@ -44,5 +47,27 @@ struct Engine {
 };
 
 extern const std::array<Engine, 6> kEngines;
+
+/// What became of handing a calibration to an engine.
+struct EngineExport {
+  const Engine* engine = nullptr;
+  int code = 0;
+  bool isGimbalLocked = false;
+  EngineFigures figures;
+  std::string refusal;        // why there are no figures, where no log says so
+  std::filesystem::path log;  // empty when the library was not asked or could not write one
+};
+
+/// Calls the library, or computes the figures.
+/// @param folder For the library's log, of this call alone; created when missing.
+/// @throws InputError for parent axes that the engine cannot have.
+EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
+                            const std::filesystem::path& folder);
+
+/// What went wrong, or what to beware of, and what to do; empty when all is well.
+std::string ProblemOf(const EngineExport& engineExport);
+
+/// The figures at full precision, with the axes they count along.
+nlohmann::ordered_json EngineJson(const EngineExport& engineExport);
 
 }  // namespace trackedcam::host

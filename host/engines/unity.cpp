@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "host/text/json_file.h"
+#include "host/text/files.h"
 
 namespace trackedcam::host {
 namespace {

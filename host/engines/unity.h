@@ -9,9 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/engines/camera_placement.h"
-#include "host/engines/engine_lens.h"
-#include "host/engines/parent_axes.h"
+#include "host/engines/placement.h"
 
 namespace trackedcam::host {
 

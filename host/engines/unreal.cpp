@@ -3,8 +3,8 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "host/text/json_file.h"
-#include "host/text/number_text.h"
+#include "host/text/files.h"
+#include "host/text/text.h"
 
 namespace trackedcam::host {
 namespace {

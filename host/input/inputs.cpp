@@ -4,8 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "host/input/input_error.h"
-#include "host/text/number_text.h"
+#include "host/text/text.h"
 
 namespace trackedcam::host {
 namespace {

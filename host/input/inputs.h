@@ -1,15 +1,22 @@
-// What a calibration is told.
-
 #pragma once
 
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 
 #include "crosscheck/observations.h"
-#include "host/input/tracker_axes.h"
+#include "host/input/reported_axes.h"
 
 namespace trackedcam::host {
+
+/// What was asked for cannot be done as it was asked; the message says what to change.
+class InputError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// What a calibration is told.
 
 using crosscheck::Mounting;
 

@@ -1,16 +1,22 @@
-// What is wrong with the photographs, seen from outside: their files and headers. Decoding them all
-// would take as long as the run itself.
-
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
+#include <string>
 #include <vector>
 
-#include "host/finding.h"
+#include "host/findings/finding.h"
 #include "host/input/data_file.h"
 #include "host/input/inputs.h"
 
 namespace trackedcam::host {
+
+/// Looks around the data file and the working folder for a photograph that is not where its row
+/// says, and tells in one sentence what to do.
+std::string AdviceOnMissing(const std::string& photograph, const Inputs& inputs);
+
+// What is wrong with the photographs, seen from outside: their files and headers. Decoding them all
+// would take as long as the run itself.
 
 struct PhotographChecks {
   std::vector<Finding> findings;  // the worst first

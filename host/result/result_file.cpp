@@ -1,14 +1,60 @@
 #include "host/result/result_file.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <fstream>
+#include <optional>
 #include <stdexcept>
+#include <system_error>
 
-#include "host/engines/camera_placement.h"
-#include "host/input/input_error.h"
-#include "host/text/json_file.h"
+#include "host/engines/placement.h"
+#include "host/input/inputs.h"
+#include "host/text/files.h"
 #include "host/verdict/verdict.h"
 
 namespace trackedcam::host {
 namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kHead = 4096;
+
+// Nothing for what is no JSON object. A file that begins otherwise is not read.
+std::optional<Json> ReadObject(const fs::path& file) {
+  if (BeginningOf(file, 1) != "{") {
+    return std::nullopt;
+  }
+  try {
+    auto json = ReadJson<Json>(file);
+    return json.is_object() ? std::optional<Json>(std::move(json)) : std::nullopt;
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+bool HasAll(const Json& json, std::initializer_list<const char*> keys) {
+  return std::all_of(keys.begin(), keys.end(), [&](const char* key) { return json.contains(key); });
+}
+
+constexpr double kDegreesPerRadian = 57.295779513082321;
+constexpr double kMillimetresPerMetre = 1000.0;
+
+CalibrationOutputs Parse(const nlohmann::json& json, const std::array<double, 2>& sensor) {
+  CalibrationOutputs truth;
+  truth.imageSize = ReadNumbers(json, "imageSize", 2);
+  truth.normFocal = ReadNumbers(json, "normFocal", 2);
+  truth.normCenter = ReadNumbers(json, "normCenter", 2);
+  truth.distortion = ReadNumbers(json, "distortion", 5);
+  truth.transformCamTc = ReadNumbers(json, "transformCamTc", 16);
+  truth.fieldOfView = ReadNumbers(json, "fieldOfView", 2);
+  // As the library does it: by the smaller pixel pitch.
+  const bool isVertical = sensor[1] / truth.imageSize[1] <= sensor[0] / truth.imageSize[0];
+  const std::size_t axis = isVertical ? 1 : 0;
+  truth.focalLengthMm = {truth.normFocal[axis] * sensor[axis]};
+  return truth;
+}
 
 struct Result {
   int code = 0;
@@ -50,6 +96,64 @@ Result Read(const std::filesystem::path& path) {
 }
 
 }  // namespace
+
+std::string BeginningOf(const fs::path& file, std::size_t count) {
+  std::error_code error;
+  if (!fs::is_regular_file(file, error)) {
+    return {};
+  }
+  std::ifstream stream(file, std::ios::binary);
+  std::string bytes(count, '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(count));
+  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  return bytes;
+}
+
+bool IsResultFile(const fs::path& file) {
+  const auto json = ReadObject(file);
+  return json && HasAll(*json, {"code", "message", "normFocal", "transformCamTc", "versions"});
+}
+
+bool IsReportPage(const fs::path& file) {
+  return BeginningOf(file, kHead).find(R"(<meta name="generator" content="trackedcam">)") !=
+         std::string::npos;
+}
+
+bool IsLensFile(const fs::path& file) {
+  const auto json = ReadObject(file);
+  // Those of other programs are of the same form, but hardly to the last blank.
+  return json && json->value("/metadata/type"_json_pointer, "") == "LensFile" &&
+         json->value("/metadata/lensInfo/serialNumber"_json_pointer, "none").empty() &&
+         json->value("/metadata/userMetadata"_json_pointer, Json()).empty() &&
+         JsonText(*json) == ReadFile(file);
+}
+
+bool IsTruthFile(const fs::path& file) {
+  const auto json = ReadObject(file);
+  return json && HasAll(*json, {"seed", "lensPixels", "transformCamTc", "mounting", "photographs"});
+}
+
+TransformDifference Difference(const std::vector<double>& a, const std::vector<double>& b) {
+  double rotationSquares = 0;
+  double translationSquares = 0;
+  for (std::size_t i = 0; i < 12; ++i) {
+    const double difference = a.at(i) - b.at(i);
+    (i % 4 == 3 ? translationSquares : rotationSquares) += difference * difference;
+  }
+  // By the distance between the matrices: the arc cosine of a trace loses small angles.
+  const double sine = std::sqrt(rotationSquares / 8);
+  return {kMillimetresPerMetre * std::sqrt(translationSquares),
+          2 * std::asin(std::min(sine, 1.0)) * kDegreesPerRadian};
+}
+
+CalibrationOutputs ReadTruth(const std::filesystem::path& path,
+                             const std::array<double, 2>& sensor) {
+  try {
+    return Parse(ReadJson<nlohmann::json>(path), sensor);
+  } catch (const std::exception& error) {
+    throw InputError(path.u8string() + " is not the truth of a simulated shoot: " + error.what());
+  }
+}
 
 HandOver ReadResult(const std::filesystem::path& path) {
   Result result = Read(path);

@@ -1,10 +1,48 @@
+// Which files are this system's own work, so that a new one may take their place. Whatever else has
+// the name of an output is somebody's, and stays.
+
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <filesystem>
+#include <string>
+#include <vector>
 
-#include "host/engines/hand_over.h"
+#include "host/engines/placement.h"
+#include "host/run/calibration_outputs.h"
 
 namespace trackedcam::host {
+
+/// The result of a calibration, whatever it came to.
+bool IsResultFile(const std::filesystem::path& file);
+
+/// The page of a calibration.
+bool IsReportPage(const std::filesystem::path& file);
+
+/// A Lens File as ExportToEngine makes it, as it was written.
+bool IsLensFile(const std::filesystem::path& file);
+
+/// The truth of a simulated shoot.
+bool IsTruthFile(const std::filesystem::path& file);
+
+/// The first bytes of a file, at most so many; fewer where it ends or cannot be read.
+std::string BeginningOf(const std::filesystem::path& file, std::size_t count);
+
+struct TransformDifference {
+  double millimetres;  // between the translations
+  double degrees;      // of the turn from one rotation to the other
+};
+
+/// Of two transforms given row by row, sixteen values each, translations in metres.
+TransformDifference Difference(const std::vector<double>& a, const std::vector<double>& b);
+
+/// What a perfect calibration of a simulated shoot would find, from the file that the simulator
+/// wrote.
+/// @param sensor The stated size of the sensor, millimetres, which the file does not hold.
+/// @throws InputError when the file holds no truth.
+CalibrationOutputs ReadTruth(const std::filesystem::path& path,
+                             const std::array<double, 2>& sensor);
 
 /// What the engines need of a result file: normFocal, normCenter and transformCamTc; where the file
 /// has them also imageSize, distortion and the sensor.

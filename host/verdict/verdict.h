@@ -1,14 +1,34 @@
-// What a run came to, for whoever shot the photographs.
+// The limits by which the library judges a run.
 
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "host/finding.h"
+#include "host/findings/finding.h"
+#include "host/run/calibration_outputs.h"
 #include "host/run/library_run.h"
 
 namespace trackedcam::host {
+
+/// Above the first a new calibration is recommended, above the second the run fails. Nothing where
+/// the library has no such limit.
+struct Limit {
+  std::optional<double> doubt;
+  double failure = 0;
+};
+
+struct Limits {
+  Limit lensErrorPixels;
+  std::optional<Limit> reprojectionErrorPixels;  // nothing where the image's size is not known
+  Limit translationSpreadMetres;
+};
+
+/// Those of a run. That of the reprojection error grows with the height of the image.
+Limits LimitsOf(const CalibrationOutputs& outputs);
+
+// What a run came to, for whoever shot the photographs.
 
 enum class Level {
   kGood,

@@ -1,10 +1,9 @@
-#include "app/commands/calibrate_options.h"
-
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 
+#include "app/commands/calibrate_command.h"
 #include "app/commands/config_file.h"
 #include "support/stage_test.h"
 

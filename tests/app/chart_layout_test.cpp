@@ -1,10 +1,8 @@
-#include "app/chart/chart_layout.h"
-
 #include <string>
 
 #include <gmock/gmock.h>
 
-#include "app/chart/chart_notes.h"
+#include "app/chart/chart.h"
 #include "app/options/option_values.h"
 
 namespace trackedcam::app {

@@ -1,4 +1,4 @@
-#include "app/words/engine_summary.h"
+#include "app/terminal/engine_summary.h"
 
 #include <sstream>
 

@@ -1,8 +1,8 @@
-#include "app/words/escaped_output.h"
-
 #include <sstream>
 
 #include <gtest/gtest.h>
+
+#include "app/terminal/output.h"
 
 namespace trackedcam::app {
 namespace {

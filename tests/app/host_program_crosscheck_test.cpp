@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "host/result/transform_difference.h"
+#include "host/result/result_file.h"
 #include "host_program.h"
 
 namespace trackedcam::app {

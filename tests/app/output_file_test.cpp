@@ -1,8 +1,7 @@
-#include "app/options/output_file.h"
-
 #include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 
+#include "app/options/outputs.h"
 #include "support/platform.h"
 #include "support/stage_test.h"
 

@@ -1,4 +1,4 @@
-#include "app/words/summary.h"
+#include "app/terminal/summary.h"
 
 #include <sstream>
 

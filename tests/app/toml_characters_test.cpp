@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/text/utf8.h"
+#include "host/text/text.h"
 
 namespace trackedcam::app {
 namespace {

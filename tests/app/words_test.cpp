@@ -4,11 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include "app/words/command_line.h"
-#include "app/words/cross_check_words.h"
-#include "app/words/mounting_words.h"
-#include "app/words/next_commands.h"
-#include "app/words/warning.h"
+#include "app/terminal/next_commands.h"
+#include "app/terminal/summary.h"
 
 namespace trackedcam::app {
 namespace {

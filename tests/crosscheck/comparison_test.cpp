@@ -1,12 +1,12 @@
-#include "crosscheck/comparison.h"
-
 #include <cmath>
 
 #include <gmock/gmock.h>
 
+#include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
-#include "crosscheck/noise.h"
-#include "crosscheck/tracker_loop.h"
+#include "crosscheck/reported_poses.h"
+#include "crosscheck/solve.h"
+#include "crosscheck/uncertainty.h"
 #include "crosscheck/views.h"
 #include "simulator/random.h"
 #include "simulator/shoot.h"

@@ -1,9 +1,9 @@
-#include "crosscheck/distributions.h"
-
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
+
+#include "crosscheck/statistics.h"
 
 namespace trackedcam::crosscheck {
 namespace {

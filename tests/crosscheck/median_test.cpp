@@ -1,6 +1,6 @@
-#include "crosscheck/median.h"
-
 #include <gtest/gtest.h>
+
+#include "crosscheck/statistics.h"
 
 namespace trackedcam::crosscheck {
 namespace {

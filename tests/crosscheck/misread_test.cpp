@@ -7,8 +7,8 @@
 #include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
 #include "crosscheck/kit/shoot_flaws.h"
-#include "crosscheck/mounting.h"
-#include "simulator/angle.h"
+#include "crosscheck/reported_poses.h"
+#include "simulator/mounting.h"
 
 namespace trackedcam::crosscheck {
 namespace {

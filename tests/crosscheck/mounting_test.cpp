@@ -1,9 +1,8 @@
-#include "crosscheck/mounting.h"
-
 #include <cmath>
 
 #include <gmock/gmock.h>
 
+#include "crosscheck/reported_poses.h"
 #include "support/transform_matchers.h"
 
 namespace trackedcam::crosscheck {

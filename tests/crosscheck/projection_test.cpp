@@ -1,10 +1,9 @@
-#include "crosscheck/projection.h"
-
 #include <cmath>
 
 #include <Eigen/Geometry>
 #include <gmock/gmock.h>
 
+#include "crosscheck/chart_pose.h"
 #include "simulator/lens.h"
 #include "support/transform_matchers.h"
 

@@ -6,9 +6,9 @@
 
 #include <gmock/gmock.h>
 
-#include "host/text/number_text.h"
+#include "host/text/text.h"
 #include "simulator/shoot.h"
-#include "simulator/tracker_data_text.h"
+#include "simulator/write_shoot.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,8 +1,7 @@
-#include "host/engines/engine_export.h"
-
 #include <gmock/gmock.h>
 
 #include "engine_named.h"
+#include "host/engines/engine.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

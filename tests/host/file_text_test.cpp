@@ -1,11 +1,10 @@
-#include "host/text/file_text.h"
-
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
 
+#include "host/text/files.h"
 #include "support/platform.h"
 #include "support/stage_test.h"
 

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "host/input/input_error.h"
-
 namespace trackedcam::host {
 namespace {
 

@@ -1,8 +1,6 @@
-#include "host/run/library_data.h"
-
 #include <gmock/gmock.h>
 
-#include "host/run/reprojected_images.h"
+#include "host/run/library_run.h"
 #include "support/stage_test.h"
 #include "support/working_folder.h"
 

@@ -1,6 +1,6 @@
-#include "host/input/mounting_axes.h"
-
 #include <gmock/gmock.h>
+
+#include "host/input/reported_axes.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,6 +1,6 @@
-#include "host/verdict/observations.h"
-
 #include <gtest/gtest.h>
+
+#include "host/verdict/observed.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,5 +1,3 @@
-#include "host/input/photograph_header.h"
-
 #include <random>
 #include <vector>
 
@@ -7,6 +5,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "host/exif_segments.h"
+#include "host/input/image_header.h"
 #include "support/platform.h"
 #include "support/stage_test.h"
 

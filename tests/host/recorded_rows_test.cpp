@@ -1,9 +1,7 @@
-#include "host/input/recorded_rows.h"
-
 #include <gtest/gtest.h>
 
 #include "host/input/data_file.h"
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,7 +1,6 @@
-#include "host/run/reprojected_images.h"
-
 #include <gmock/gmock.h>
 
+#include "host/run/library_run.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

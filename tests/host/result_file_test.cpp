@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

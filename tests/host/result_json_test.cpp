@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/text/json_file.h"
+#include "host/text/files.h"
 
 namespace trackedcam::host {
 namespace {

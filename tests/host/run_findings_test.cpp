@@ -1,4 +1,4 @@
-#include "host/verdict/run_findings.h"
+#include "host/findings/run_findings.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "engine_arithmetic.h"
-#include "host/engines/hand_over.h"
+#include "host/engines/placement.h"
 #include "support/random_transform.h"
 
 namespace trackedcam::host {

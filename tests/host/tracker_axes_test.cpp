@@ -1,10 +1,9 @@
-#include "host/input/tracker_axes.h"
-
 #include <sstream>
 
 #include <gmock/gmock.h>
 
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
+#include "host/input/reported_axes.h"
 #include "set_in_engine.h"
 
 namespace trackedcam::host {

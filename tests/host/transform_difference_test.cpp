@@ -1,8 +1,8 @@
-#include "host/result/transform_difference.h"
-
 #include <cmath>
 
 #include <gtest/gtest.h>
+
+#include "host/result/result_file.h"
 
 namespace trackedcam::host {
 namespace {

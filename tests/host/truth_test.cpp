@@ -1,8 +1,7 @@
-#include "host/result/truth.h"
-
 #include <gmock/gmock.h>
 
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
+#include "host/result/result_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "engine_arithmetic.h"
-#include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "set_in_engine.h"
 
 namespace trackedcam::host {

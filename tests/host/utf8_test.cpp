@@ -1,6 +1,6 @@
-#include "host/text/utf8.h"
-
 #include <gtest/gtest.h>
+
+#include "host/text/text.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,8 +1,7 @@
-#include "host/input/whole_picture.h"
-
 #include <gtest/gtest.h>
 #include <opencv2/imgcodecs.hpp>
 
+#include "host/input/image_header.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

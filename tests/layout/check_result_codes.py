@@ -26,7 +26,7 @@ LIMITS = re.compile(r"^constexpr \w+ (k(?:Lens|Norm|Spread)\w+) = ([\d.]+)F?;", 
 limits = {name: float(figure) for file in ("src/api/calibration.cpp", "src/api/camera_tracker_run.cpp")
           for name, figure in LIMITS.findall((root / file).read_text(encoding="utf-8"))}
 shown = {name: float(figure)
-         for name, figure in LIMITS.findall((root / "host/verdict/limits.cpp").read_text(encoding="utf-8"))}
+         for name, figure in LIMITS.findall((root / "host/verdict/verdict.cpp").read_text(encoding="utf-8"))}
 if len(limits) != 5 or limits != shown:
     faults.append(f"the library's limits are {limits}, those that the program shows {shown}")
 print("\n".join(faults) or f"{len(listed)} codes and their messages are those of the library, and so are the limits")

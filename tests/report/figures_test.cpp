@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "report/number_text.h"
-#include "report/turn.h"
+#include "report/page_view.h"
+#include "report/result_values.h"
 
 namespace trackedcam::report {
 namespace {

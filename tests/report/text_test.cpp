@@ -1,6 +1,6 @@
-#include "report/text.h"
-
 #include <gtest/gtest.h>
+
+#include "report/html.h"
 
 namespace trackedcam::report {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "shoots/calibrate_shoot.h"
 #include "shoots/expected_log.h"
-#include "simulator/photograph_renderer.h"
-#include "simulator/tracker_data_text.h"
+#include "simulator/photographs.h"
+#include "simulator/write_shoot.h"
 #include "support/image_file.h"
 #include "support/transform_matchers.h"
 

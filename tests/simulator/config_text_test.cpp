@@ -1,7 +1,6 @@
-#include "simulator/config_text.h"
-
 #include <gmock/gmock.h>
 
+#include "simulator/write_shoot.h"
 #include "support/foreign_locale.h"
 
 namespace trackedcam::simulator {

@@ -1,8 +1,8 @@
-#include "simulator/photograph_renderer.h"
-
 #include <gtest/gtest.h>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/imgproc.hpp>
+
+#include "simulator/photographs.h"
 
 namespace trackedcam::simulator {
 namespace {

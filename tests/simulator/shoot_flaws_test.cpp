@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator/angle.h"
+#include "simulator/mounting.h"
 #include "simulator/shoot.h"
 
 namespace trackedcam::simulator {

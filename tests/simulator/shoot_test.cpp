@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator/angle.h"
+#include "simulator/mounting.h"
 
 namespace trackedcam::simulator {
 namespace {

@@ -1,9 +1,8 @@
-#include "simulator/tracker_data_text.h"
-
 #include <sstream>
 
 #include <gmock/gmock.h>
 
+#include "simulator/write_shoot.h"
 #include "support/foreign_locale.h"
 
 namespace trackedcam::simulator {

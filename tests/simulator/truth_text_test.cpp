@@ -1,7 +1,7 @@
-#include "simulator/truth_text.h"
-
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include "simulator/write_shoot.h"
 
 namespace trackedcam::simulator {
 namespace {

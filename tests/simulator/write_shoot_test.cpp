@@ -5,8 +5,7 @@
 #include <gmock/gmock.h>
 #include <opencv2/imgcodecs.hpp>
 
-#include "simulator/photograph_renderer.h"
-#include "simulator/tracker_data_text.h"
+#include "simulator/photographs.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::simulator {

@@ -14,7 +14,7 @@ using crosscheck::Twist;
 
 constexpr double kDegree = EIGEN_PI / 180;
 
-Pose TransformOf(const crosscheck::Mounting& mounting) {
+Pose TrueTransformOf(const crosscheck::Mounting& mounting) {
   const auto& angles = mounting.rotationDegrees;
   const auto& metres = mounting.translationMetres;
   return Eigen::Translation3d(metres[0], metres[1], metres[2]) *
@@ -115,7 +115,7 @@ KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels
 
 crosscheck::Pose BelievingTheMounting(const KnownShoot& shoot) {
   const crosscheck::Observations& observations = shoot.observations;
-  const Pose nominal = TransformOf(*observations.mounting);
+  const Pose nominal = TrueTransformOf(*observations.mounting);
   std::vector<Pose> said;
   for (const crosscheck::Loop& loop : crosscheck::Gather(observations).loops) {
     said.push_back(loop.Transform_Cam_Chart * (loop.Transform_Tc_Tr * nominal).inverse());

@@ -1,0 +1,156 @@
+#include "app/terminal/output.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <string_view>
+
+#include "host/text/text.h"
+
+namespace trackedcam::app {
+namespace {
+
+constexpr int kLabelWidth = 30;
+constexpr int kFigureWidth = 13;
+
+int PlainIndex() {
+  static const int kIndex = std::ios_base::xalloc();
+  return kIndex;
+}
+
+unsigned int Byte(char character) {
+  return static_cast<unsigned char>(character);
+}
+
+// Of a whole character.
+unsigned int CodePoint(std::string_view character) {
+  constexpr std::array<unsigned int, 5> kLeadMasks = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  unsigned int code = Byte(character.front()) & kLeadMasks.at(character.size());
+  for (const char next : character.substr(1)) {
+    code = (code << 6) | (Byte(next) & 0x3Fu);
+  }
+  return code;
+}
+
+// Of both control sets, of direction, and of lines.
+bool Commands(unsigned int code) {
+  const bool isPlain = code == '\n' || code == '\t' || code == '\f';
+  return (code < 0x20 && !isPlain) || (code >= 0x7F && code <= 0x9F) || code == 0x061C ||
+         code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+         (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string Escape(const char* begin, unsigned int code, int digits) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text = begin;
+  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
+    text += kDigits[(code >> static_cast<unsigned int>(shift)) & 0xFu];
+  }
+  return text;
+}
+
+// Whether more bytes may make a character of it.
+bool IsUnfinished(std::string_view text) {
+  const unsigned int lead = Byte(text.front());
+  const std::size_t needed = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+  if (lead > 0xF4 || text.size() >= needed) {
+    return false;
+  }
+  return std::all_of(text.begin() + 1, text.end(),
+                     [](char next) { return (Byte(next) & 0xC0u) == 0x80; });
+}
+
+constexpr std::size_t kStageWidth = 22;
+constexpr std::size_t kCells = 30;
+
+}  // namespace
+
+void PrintRow(std::ostream& out, const std::string& label,
+              const std::vector<std::string>& figures) {
+  out << "  " << std::left << std::setw(kLabelWidth) << label << std::right;
+  for (const std::string& figure : figures) {
+    out << std::setw(kFigureWidth) << figure;
+  }
+  out << '\n';
+}
+
+EscapedOutput::EscapedOutput(std::ostream& stream) : stream_(stream), plain_(stream.rdbuf()) {
+  stream_.pword(PlainIndex()) = plain_;
+  stream_.rdbuf(this);
+}
+
+EscapedOutput::~EscapedOutput() {
+  EscapedOutput::sync();
+  const std::ios_base::iostate state = stream_.rdstate();
+  stream_.rdbuf(plain_);  // clears the state
+  stream_.clear(state);
+  stream_.pword(PlainIndex()) = nullptr;
+}
+
+EscapedOutput::int_type EscapedOutput::overflow(int_type character) {
+  if (traits_type::eq_int_type(character, traits_type::eof())) {
+    return sync() == 0 ? traits_type::not_eof(character) : traits_type::eof();
+  }
+  const char one = traits_type::to_char_type(character);
+  return xsputn(&one, 1) == 1 ? character : traits_type::eof();
+}
+
+std::streamsize EscapedOutput::xsputn(const char* text, std::streamsize length) {
+  waiting_.append(text, static_cast<std::size_t>(length));
+  return Write(false) ? length : 0;
+}
+
+int EscapedOutput::sync() {
+  return Write(true) && plain_->pubsync() == 0 ? 0 : -1;
+}
+
+bool EscapedOutput::Write(bool isEnd) {
+  std::string text;
+  std::string_view rest = waiting_;
+  while (!rest.empty() && (isEnd || !IsUnfinished(rest))) {
+    const std::size_t length = host::CharacterLength(rest);
+    const std::string_view character = rest.substr(0, length);
+    if (length == 0) {
+      text += Escape("\\x", Byte(rest.front()), 2);
+    } else if (const unsigned int code = CodePoint(character); Commands(code)) {
+      text += Escape("\\u", code, 4);
+    } else {
+      text += character;
+    }
+    rest.remove_prefix(length == 0 ? 1 : length);
+  }
+  waiting_ = std::string(rest);
+  const auto size = static_cast<std::streamsize>(text.size());
+  return plain_->sputn(text.data(), size) == size;
+}
+
+std::streambuf* PlainOutput(std::ostream& stream) {
+  void* plain = stream.pword(PlainIndex());
+  return plain == nullptr ? stream.rdbuf() : static_cast<std::streambuf*>(plain);
+}
+
+std::string ProgressText(const host::Progress& progress) {
+  std::string text = progress.stage;
+  if (progress.all == 0) {
+    return text + " ...";
+  }
+  text.resize(std::max(text.size(), kStageWidth), ' ');
+  const std::size_t filled = kCells * std::min(progress.done, progress.all) / progress.all;
+  return text + '[' + std::string(filled, '#') + std::string(kCells - filled, '.') + "] " +
+         std::to_string(progress.done) + " of " + std::to_string(progress.all) + " photographs";
+}
+
+ProgressBar::~ProgressBar() {
+  if (width_ > 0) {
+    Draw("");
+  }
+}
+
+void ProgressBar::Draw(const std::string& text) {
+  // Blanks wipe out what a longer text left behind.
+  const std::size_t wiped = width_ - std::min(width_, text.size());
+  terminal_ << '\r' << text << std::string(wiped, ' ') << (text.empty() ? "\r" : "") << std::flush;
+  width_ = text.size();
+}
+
+}  // namespace trackedcam::app

@@ -1,0 +1,370 @@
+#include "c/report_handle.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "host/calibrate.h"
+#include "host/platform.h"
+#include "host/result/result_json.h"
+#include "host/text/files.h"
+#include "report/thumbnails.h"
+
+namespace trackedcam::c {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+[[noreturn]] void Miss(const std::string& what) {
+  throw Refusal(TRACKEDCAM_NOT_THERE, what);
+}
+
+// False where there is anything but numbers and what could not be found out.
+bool AddNumbers(const Json& json, std::vector<double>& numbers) {
+  if (json.is_array()) {
+    return std::all_of(json.begin(), json.end(),
+                       [&](const Json& element) { return AddNumbers(element, numbers); });
+  }
+  if (!json.is_number() && !json.is_null()) {
+    return false;
+  }
+  numbers.push_back(json.is_null() ? std::numeric_limits<double>::quiet_NaN() : json.get<double>());
+  return true;
+}
+
+const host::Engine& EngineNamed(const std::string& name) {
+  std::string names;
+  for (const host::Engine& engine : host::kEngines) {
+    if (engine.name == name) {
+      return engine;
+    }
+    names += (names.empty() ? "" : ", ") + std::string(engine.name);
+  }
+  throw host::InputError(name + " is not one of the engines " + names + '.');
+}
+
+void RequireAxes(const host::Engine& engine, const std::string& parentAxes) {
+  if (!parentAxes.empty() && !engine.takesParentAxes) {
+    throw host::InputError("the figures of " + std::string(engine.name) +
+                           " have axes of their own; parent axes are for unreal and unity");
+  }
+}
+
+}  // namespace
+
+Report::Report(host::Report report, bool isCalibration, bool isSilent)
+    : level_(report.verdict.level),
+      isCalibration_(isCalibration),
+      isSilent_(isSilent),
+      report_(std::move(report)),
+      result_(host::ResultJson(report_)) {}
+
+// Under the lock, and without a copy: the destructor of a copy asks for memory, and would end the
+// process where there is none.
+const Json& Report::At(const std::string& pointer) const {
+  try {
+    return result_.at(Json::json_pointer(pointer));
+  } catch (const Json::parse_error&) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, pointer + " is no JSON pointer.");
+  } catch (const Json::exception&) {
+    Miss("The report has no " + pointer + '.');
+  }
+}
+
+std::vector<double> Report::Numbers(const std::string& pointer) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  std::vector<double> numbers;
+  const Json& place = At(pointer);
+  if (place.is_null() || !AddNumbers(place, numbers)) {
+    Miss("The report has no numbers at " + pointer + '.');
+  }
+  return numbers;
+}
+
+const char* Report::Text(const std::string& pointer) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Json& place = At(pointer);
+  if (!place.is_string()) {
+    Miss("The report has no text at " + pointer + '.');
+  }
+  return Keep(place.get_ref<const std::string&>());
+}
+
+std::size_t Report::Count(const std::string& pointer) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Json& place = At(pointer);
+  if (!place.is_structured()) {
+    Miss("The report has no list at " + pointer + '.');
+  }
+  return place.size();
+}
+
+const char* Report::WholeText() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(host::JsonText(result_));
+}
+
+std::string Report::JsonText() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return host::JsonText(result_);
+}
+
+// Under the lock.
+const char* Report::Keep(const std::string& text) {
+  return texts_.insert(text).first->c_str();
+}
+
+void Report::RequireHandOver() const {
+  if (!isCalibration_) {
+    Miss("What a log tells is too coarse for an engine: hand over the result of the calibration.");
+  }
+  if (level_ == host::Level::kFailed) {
+    Miss("The calibration failed: there is nothing to hand to an engine.");
+  }
+}
+
+host::EngineExport Report::RunExport(const host::Engine& engine,
+                                     const std::string& parentAxes) const {
+  RequireHandOver();
+  std::optional<host::SilencedStdout> silenced;
+  if (isSilent_ && !engine.takesParentAxes) {
+    silenced.emplace();
+  }
+  return host::ExportToEngine(engine, {report_.run.outputs, report_.inputs.sensorMm, parentAxes},
+                              report_.run.folder / engine.name);
+}
+
+const char* Report::Export(const std::string& engineName, const std::string& parentAxes) {
+  const host::Engine& engine = EngineNamed(engineName);
+  RequireAxes(engine, parentAxes);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Json& exports = result_["exports"];
+  // The library writes one log for an engine, and would give the same figures again.
+  if (engine.takesParentAxes || !exports.contains(engineName)) {
+    exports[engineName] = host::EngineJson(RunExport(engine, parentAxes));
+  }
+  return Keep(host::JsonText(exports[engineName]));
+}
+
+const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {
+  const auto engineExport = RunExport(EngineNamed("unreal"), parentAxes);
+  if (!engineExport.figures.unreal) {
+    Miss(host::ProblemOf(engineExport));
+  }
+  const std::string text = host::LensFileText(*engineExport.figures.unreal, name);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(text);
+}
+
+const char* Report::Page(const fs::path& folder) {
+  const std::string text = PageText(folder);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return Keep(text);
+}
+
+std::string Report::PageText(const fs::path& folder) const {
+  const std::string text = JsonText();
+  return report::Page(text, report::MakeThumbnails(text),
+                      folder.empty() ? report_.run.folder : folder);
+}
+
+Handles<trackedcam_report, Report>& Reports() {
+  static auto* const reports = new Handles<trackedcam_report, Report>("report");
+  return *reports;
+}
+
+}  // namespace trackedcam::c
+
+using namespace trackedcam::c;
+namespace host = trackedcam::host;
+
+namespace {
+
+static_assert(TRACKEDCAM_GOOD == static_cast<int>(host::Level::kGood) &&
+              TRACKEDCAM_DOUBT == static_cast<int>(host::Level::kDoubtful) &&
+              TRACKEDCAM_WRONG == static_cast<int>(host::Level::kWrong) &&
+              TRACKEDCAM_FAILED == static_cast<int>(host::Level::kFailed));
+
+std::filesystem::path PathOf(const char* text, const char* name) {
+  return std::filesystem::absolute(std::filesystem::u8path(RequireText(text, name)));
+}
+
+// Where the library did not get so far there are none.
+std::vector<double> FiguresOf(const Report& report, const char* pointer, std::size_t count) {
+  std::vector<double> figures = report.Numbers(pointer);
+  if (figures.size() != count) {
+    throw Refusal(TRACKEDCAM_NOT_THERE, std::string("The library found no ") + (pointer + 1) + '.');
+  }
+  return figures;
+}
+
+}  // namespace
+
+trackedcam_status trackedcam_report_level(trackedcam_report* report, int32_t* level) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(level, "level");
+    *level = static_cast<int32_t>(read->Level());
+  });
+}
+
+trackedcam_status trackedcam_report_code(trackedcam_report* report, int32_t* code) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(code, "code");
+    *code = static_cast<int32_t>(read->Numbers("/code").at(0));
+  });
+}
+
+trackedcam_status trackedcam_report_verdict(trackedcam_report* report, const char** words,
+                                            const char** advice) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(words, "words");
+    RequirePointer(advice, "advice");
+    const char* const readWords = read->Text("/verdict/words");
+    *advice = read->Text("/verdict/advice");
+    *words = readWords;
+  });
+}
+
+trackedcam_status trackedcam_report_lens(trackedcam_report* report, trackedcam_lens* lens,
+                                         size_t lens_size) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(lens, "lens");
+    RequireSize(lens_size, sizeof(trackedcam_lens), "lens");
+    const std::vector<double> size = FiguresOf(*read, "/imageSize", 2);
+    const std::vector<double> focal = FiguresOf(*read, "/normFocal", 2);
+    const std::vector<double> centre = FiguresOf(*read, "/normCenter", 2);
+    const std::vector<double> k = FiguresOf(*read, "/distortion", 5);
+    const std::vector<double> fov = FiguresOf(*read, "/fieldOfView", 2);
+    const std::vector<double> focalMm = FiguresOf(*read, "/focalLengthMm", 1);
+    *lens = {size[0],
+             size[1],
+             focal[0] * size[0],
+             focal[1] * size[1],
+             centre[0] * size[0],
+             centre[1] * size[1],
+             k[0],
+             k[1],
+             k[2],
+             k[3],
+             k[4],
+             fov[0],
+             fov[1],
+             focalMm[0]};
+  });
+}
+
+trackedcam_status trackedcam_report_transform_cam_tc(trackedcam_report* report,
+                                                     double transform_cam_tc[16]) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(transform_cam_tc, "transform_cam_tc");
+    const std::vector<double> transform = FiguresOf(*read, "/transformCamTc", 16);
+    std::copy(transform.begin(), transform.end(), transform_cam_tc);
+  });
+}
+
+trackedcam_status trackedcam_report_json(trackedcam_report* report, const char** json) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(json, "json");
+    *json = read->WholeText();
+  });
+}
+
+trackedcam_status trackedcam_report_numbers(trackedcam_report* report, const char* pointer,
+                                            double* values, size_t capacity, size_t* count) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    const std::string place = RequireText(pointer, "pointer");
+    RequirePointer(count, "count");
+    if (capacity > 0) {
+      RequirePointer(values, "values");
+    }
+    const std::vector<double> numbers = read->Numbers(place);
+    *count = numbers.size();
+    if (capacity < numbers.size()) {
+      throw Refusal(TRACKEDCAM_TOO_SMALL, place + " has " + std::to_string(numbers.size()) +
+                                              " numbers, more than there is room for.");
+    }
+    std::copy(numbers.begin(), numbers.end(), values);
+  });
+}
+
+trackedcam_status trackedcam_report_text(trackedcam_report* report, const char* pointer,
+                                         const char** text) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    const std::string place = RequireText(pointer, "pointer");
+    RequirePointer(text, "text");
+    *text = read->Text(place);
+  });
+}
+
+trackedcam_status trackedcam_report_count(trackedcam_report* report, const char* pointer,
+                                          size_t* count) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    const std::string place = RequireText(pointer, "pointer");
+    RequirePointer(count, "count");
+    *count = read->Count(place);
+  });
+}
+
+trackedcam_status trackedcam_report_export(trackedcam_report* report, const char* engine,
+                                           const char* parent_axes, const char** json) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    const char* const text =
+        read->Export(RequireText(engine, "engine"), OptionalText(parent_axes, "parent_axes"));
+    if (json != nullptr) {
+      *json = text;
+    }
+  });
+}
+
+trackedcam_status trackedcam_report_lens_file(trackedcam_report* report, const char* parent_axes,
+                                              const char* name, const char** text) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    const std::string lens = RequireText(name, "name");
+    RequirePointer(text, "text");
+    *text = read->LensFile(OptionalText(parent_axes, "parent_axes"), lens);
+  });
+}
+
+trackedcam_status trackedcam_report_page(trackedcam_report* report, const char* page_folder,
+                                         const char** html) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    RequirePointer(html, "html");
+    *html = read->Page(page_folder == nullptr ? std::filesystem::path()
+                                              : PathOf(page_folder, "page_folder"));
+  });
+}
+
+trackedcam_status trackedcam_report_save(trackedcam_report* report, const char* json_file,
+                                         const char* page_file) {
+  return Guarded([&] {
+    const auto read = Reports().Get(report);
+    // Both are looked at before one is written.
+    const auto json =
+        json_file == nullptr ? std::filesystem::path() : PathOf(json_file, "json_file");
+    const auto page =
+        page_file == nullptr ? std::filesystem::path() : PathOf(page_file, "page_file");
+    if (!json.empty()) {
+      host::WriteFile(json, read->JsonText());
+    }
+    if (!page.empty()) {
+      host::WriteFile(page, read->PageText(page.parent_path()));
+    }
+  });
+}
+
+trackedcam_status trackedcam_report_free(trackedcam_report* report) {
+  return Guarded([&] { Reports().Free(report); });
+}

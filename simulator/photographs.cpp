@@ -1,0 +1,189 @@
+#include "simulator/photographs.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <opencv2/imgproc.hpp>
+
+#include "simulator/random.h"
+
+namespace trackedcam::simulator {
+namespace {
+
+constexpr float kBlack = 28;
+constexpr float kWhite = 222;
+// Along each side of a pixel that does not see one colour only.
+constexpr int kSamples = 8;
+
+// Smooth patches of all sizes, like a room out of focus.
+cv::Mat Background(cv::Size size, Random& random) {
+  cv::Mat background(size, CV_32F, cv::Scalar(95));
+  for (const int patches : {3, 7, 16}) {
+    cv::Mat coarse(patches, patches * 2, CV_32F);
+    std::generate(coarse.begin<float>(), coarse.end<float>(),
+                  [&] { return static_cast<float>(random.Uniform(-75, 75) / std::sqrt(patches)); });
+    cv::Mat fine;
+    cv::resize(coarse, fine, size, 0, 0, cv::INTER_CUBIC);
+    background += fine;
+  }
+  return background;
+}
+
+// Full at one corner of the picture, and less by the given part at the opposite one.
+void LightUnevenly(cv::Mat& picture, double unevenness, Random& random) {
+  const auto share = static_cast<float>(random.Uniform(0, 1));
+  const bool fromRight = random.Uniform(0, 1) < 0.5;
+  const bool fromBelow = random.Uniform(0, 1) < 0.5;
+  const auto loss = static_cast<float>(unevenness);
+  const auto distance = [](int i, int count, bool reversed) {
+    return static_cast<float>(reversed ? count - 1 - i : i) / static_cast<float>(count);
+  };
+  for (int row = 0; row < picture.rows; ++row) {
+    auto* pixels = picture.ptr<float>(row);
+    const float down = (1 - share) * distance(row, picture.rows, fromBelow);
+    for (int col = 0; col < picture.cols; ++col) {
+      pixels[col] *= 1 - loss * (down + share * distance(col, picture.cols, fromRight));
+    }
+  }
+}
+
+void Blur(cv::Mat& picture, double pixels) {
+  if (pixels > 0) {
+    cv::GaussianBlur(picture, picture, {0, 0}, pixels);
+  }
+}
+
+void AddNoise(cv::Mat& picture, double greyLevels, Random& random) {
+  if (greyLevels > 0) {
+    cv::Mat noise(picture.size(), CV_32F);
+    cv::RNG(random.Bits()).fill(noise, cv::RNG::NORMAL, 0, greyLevels);
+    picture += noise;
+  }
+}
+
+}  // namespace
+
+ChartPainter::ChartPainter(const Chart& chart, const Lens& lens, int imageWidth, int imageHeight)
+    : chart_(chart), lens_(lens), size_(imageWidth, imageHeight) {
+  rays_.reserve((size_.width + 1) * static_cast<std::size_t>(size_.height + 1));
+  for (int row = 0; row <= size_.height; ++row) {
+    for (int col = 0; col <= size_.width; ++col) {
+      const Eigen::Vector2d ray = lens_.Ray({col - 0.5, row - 0.5});
+      rays_.push_back({ray.x(), ray.y()});
+    }
+  }
+}
+
+void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart) const {
+  // From the chart's plane, in squares, to the plane z = 1; then back.
+  Eigen::Matrix3d plane;
+  plane << Transform_Cam_Chart.linear().leftCols<2>() * chart_.squareMetres,
+      Transform_Cam_Chart.translation();
+  const Eigen::Matrix3d homography = plane.inverse();
+
+  const cv::Rect area = PaintedArea(Transform_Cam_Chart);
+  std::vector<ChartPoint> upper(area.width + 1);
+  std::vector<ChartPoint> lower(area.width + 1);
+  const auto rays = [&](int row) {
+    return &rays_[row * static_cast<std::size_t>(size_.width + 1) + area.x];
+  };
+  ToChart(homography, rays(area.y), lower);
+  for (int row = area.y; row < area.y + area.height; ++row) {
+    std::swap(upper, lower);
+    ToChart(homography, rays(row + 1), lower);
+    float* pixels = picture.ptr<float>(row) + area.x;
+    for (int col = 0; col < area.width; ++col) {
+      pixels[col] = MeanLevel(&upper[col], &lower[col], pixels[col]);
+    }
+  }
+}
+
+cv::Rect ChartPainter::PaintedArea(const Eigen::Isometry3d& Transform_Cam_Chart) const {
+  // The outline bends a little between its points.
+  constexpr int kMargin = 8;
+  Eigen::Array2d least = Eigen::Array2d::Constant(1e9);
+  Eigen::Array2d most = -least;
+  for (const Eigen::Vector3d& point : chart_.PaperOutline()) {
+    const Eigen::Array2d pixel = lens_.Project(Transform_Cam_Chart * point);
+    least = least.min(pixel);
+    most = most.max(pixel);
+  }
+  const cv::Point first(cvFloor(least.x()) - kMargin, cvFloor(least.y()) - kMargin);
+  const cv::Point last(cvCeil(most.x()) + kMargin, cvCeil(most.y()) + kMargin);
+  return cv::Rect(first, last) & cv::Rect({0, 0}, size_);
+}
+
+void ChartPainter::ToChart(const Eigen::Matrix3d& homography, const Point* rays,
+                           std::vector<ChartPoint>& points) const {
+  const double* h = homography.data();  // columns first
+  const int width = chart_.cols + 2 * kBorderSquares + 3;
+  const auto cell = [](double squares, int count) {
+    return std::clamp(static_cast<int>(std::floor(squares)), -2 - kBorderSquares,
+                      count + kBorderSquares);
+  };
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const auto [rayX, rayY] = rays[i];
+    const double depth = h[2] * rayX + h[5] * rayY + h[8];
+    const double x = (h[0] * rayX + h[3] * rayY + h[6]) / depth;
+    const double y = (h[1] * rayX + h[4] * rayY + h[7]) / depth;
+    points[i] = {x, y, cell(y, chart_.rows) * width + cell(x, chart_.cols)};
+  }
+}
+
+float ChartPainter::MeanLevel(const ChartPoint* upper, const ChartPoint* lower,
+                              float background) const {
+  if (upper[0].cell == upper[1].cell && upper[0].cell == lower[0].cell &&
+      upper[0].cell == lower[1].cell) {
+    return Level(upper[0].x, upper[0].y, background);
+  }
+  float sum = 0;
+  for (int j = 0; j < kSamples; ++j) {
+    const double down = (j + 0.5) / kSamples;
+    const double leftX = upper[0].x + down * (lower[0].x - upper[0].x);
+    const double leftY = upper[0].y + down * (lower[0].y - upper[0].y);
+    const double stepX = upper[1].x + down * (lower[1].x - upper[1].x) - leftX;
+    const double stepY = upper[1].y + down * (lower[1].y - upper[1].y) - leftY;
+    for (int i = 0; i < kSamples; ++i) {
+      const double across = (i + 0.5) / kSamples;
+      sum += Level(leftX + across * stepX, leftY + across * stepY, background);
+    }
+  }
+  return sum / (kSamples * kSamples);
+}
+
+float ChartPainter::Level(double x, double y, float background) const {
+  const auto isWithin = [&](int border) {
+    return x >= -1 - border && x < chart_.cols + border && y >= -1 - border &&
+           y < chart_.rows + border;
+  };
+  if (!isWithin(kBorderSquares)) {
+    return background;
+  }
+  // Shifted above 0, where the conversion to a whole number rounds down.
+  const bool isBlack = (static_cast<int>(x + 1) + static_cast<int>(y + 1)) % 2 == 0;
+  return isWithin(0) && isBlack ? kBlack : kWhite;
+}
+
+PhotographRenderer::PhotographRenderer(const Shoot& shoot)
+    : shoot_(shoot),
+      painter_(shoot.options.chart, shoot.lens, shoot.options.imageWidth,
+               shoot.options.imageHeight) {}
+
+cv::Mat PhotographRenderer::Render(int index) const {
+  const ShootOptions& options = shoot_.options;
+  const Photograph& photograph = shoot_.photographs.at(static_cast<std::size_t>(index));
+  Random random(options.seed, Draw::kPicture, index);
+
+  cv::Mat picture = Background({options.imageWidth, options.imageHeight}, random);
+  if (photograph.flaw != Flaw::kWithoutChart) {
+    painter_.Paint(picture, photograph.Transform_Cam_Chart);
+  }
+  LightUnevenly(picture, options.unevenLight, random);
+  Blur(picture, options.blurPixels);
+  AddNoise(picture, options.noiseGreyLevels, random);
+  cv::Mat grey;
+  picture.convertTo(grey, CV_8U);
+  return grey;
+}
+
+}  // namespace trackedcam::simulator
