@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
   }
   const std::string data = argv[1];
   const std::string logFolder = argv[2];
-  // README begin
+  // README.md begin
   std::vector<double> imageSize, normFocal, normCenter, distortion;
   std::vector<double> transformCamTc, fieldOfView, focalLengthMm;
   const int code = Calibration(data,                // tracker data file, one row per photograph
@@ -29,6 +29,6 @@ int main(int argc, char** argv) {
     std::printf("%.1f mm, camera tracker at %.4f %.4f %.4f m\n", focalLengthMm[0],
                 transformCamTc[3], transformCamTc[7], transformCamTc[11]);
   }
-  // README end
+  // README.md end
   return code;
 }

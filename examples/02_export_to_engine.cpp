@@ -28,7 +28,6 @@ int main(int argc, char** argv) {
                                               0,
                                               0,
                                               1};
-  // README begin
   std::vector<double> rotationDeg, translationCm;
   const int code = CamAxisToUE4(transformCamTc, rotationDeg, translationCm, logFolder);
   if (code == 0) {  // 3: gimbal lock
@@ -37,6 +36,5 @@ int main(int argc, char** argv) {
     std::printf("roll %.2f, pitch %.2f, yaw %.2f degrees\n", rotationDeg[0], rotationDeg[1],
                 rotationDeg[2]);
   }
-  // README end
   return code;
 }

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   }
   const char* data = argv[1];
   const char* log_folder = argv[2];
-  /* README begin */
+  /* docs/other-languages.md begin */
   trackedcam_shoot* shoot = NULL;
   trackedcam_report* report = NULL;
   double transform_cam_tc[16]; /* row by row, metres */
@@ -33,6 +33,6 @@ int main(int argc, char** argv) {
   }
   trackedcam_report_free(report);
   trackedcam_shoot_free(shoot);
-  /* README end */
+  /* docs/other-languages.md end */
   return 0;
 }
