@@ -102,8 +102,9 @@ void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
       silenced.emplace();
     }
     report = std::make_shared<Report>(
-        host::Calibrate(inputs, [this](const host::Progress& progress) { Hear(progress); }), true,
-        isSilent);
+        host::Calibrate(inputs, host::ReadShootData(inputs.data, inputs.trackerFrame),
+                        [this](const host::Progress& progress) { Hear(progress); }),
+        true, isSilent);
   });
   const std::lock_guard<std::mutex> lock(mutex_);
   status_ = status;

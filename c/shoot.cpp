@@ -1,7 +1,7 @@
 #include "c/shoot.h"
 
 #include "host/input/reported_axes.h"
-#include "host/run/library_run.h"
+#include "host/run/run_folder.h"
 #include "host/text/files.h"
 
 namespace trackedcam::c {

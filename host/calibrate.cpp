@@ -10,10 +10,10 @@
 #include "host/findings/cross_check_findings.h"
 #include "host/findings/row_words.h"
 #include "host/findings/run_findings.h"
-#include "host/input/data_checks.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/run/library_run.h"
+#include "host/run/run_folder.h"
 #include "host/verdict/observed.h"
 
 namespace trackedcam::host {
@@ -31,9 +31,6 @@ void CrossCheckRun(Report& report, bool hasResult) {
   if (!hasResult) {
     observations->library = std::nullopt;
   }
-  for (const crosscheck::Photograph& photograph : observations->photographs) {
-    report.checkedPhotographs.push_back(photograph.name);
-  }
   try {
     report.crossCheck = crosscheck::Check(*observations);
   } catch (const std::invalid_argument&) {
@@ -49,7 +46,8 @@ void CrossCheckRun(Report& report, bool hasResult) {
                                ""});
     return;
   }
-  Append(report.findings, FindingsOf(*report.crossCheck, report.checkedPhotographs));
+  EnterCrossCheck(*report.crossCheck, report.photographs);
+  Append(report.findings, FindingsOf(*report.crossCheck, CheckedNames(report.photographs)));
 }
 
 // A run that was given zeros for a mounting that nobody stated has no result to compare.
@@ -69,12 +67,19 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) 
   }
 }
 
-Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows,
+Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, PhotographList list,
                    const std::vector<Finding>& ofInput, const ProgressListener& listener) {
+  const std::vector<std::size_t> given = ToRun(list);
+  std::vector<DataRow> givenRows;
+  for (const std::size_t index : given) {
+    givenRows.push_back(rows[index]);
+  }
   Report report;
   report.inputs = inputs;
-  report.run = RunLibrary(inputs, rows, inputs.mounting.value_or(Mounting{}),
+  report.run = RunLibrary(inputs, givenRows, inputs.mounting.value_or(Mounting{}),
                           CreateRunFolder(inputs.logFolder), listener);
+  report.photographs = std::move(list);
+  EnterRun(report.run, given, report.photographs);
   Judge(report, ofInput, inputs.mounting.has_value());
   return report;
 }
@@ -90,28 +95,19 @@ void RequireMemory() {
   *static_cast<volatile char*>(block.get()) = 0;  // else a compiler may leave it all out
 }
 
-struct Shoot {
-  std::vector<DataRow> rows;  // that the library can be given
-  std::vector<Finding> findings;
-};
-
-Shoot ReadShoot(const Inputs& inputs) {
-  Shoot shoot;
-  const std::string content = ReadDataContent(inputs.data);
-  const std::vector<DataRow> all = InReportedAxes(ReadRows(content), inputs.trackerFrame);
-  shoot.findings = CheckData(content, all);
-  const PhotographChecks checks = CheckPhotographs(all, inputs);
-  Append(shoot.findings, checks.findings);
-  for (std::size_t row = 0; row < all.size(); ++row) {
-    if (!std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), row)) {
-      shoot.rows.push_back(all[row]);
-    }
+// Photographs that the library must not be given are left out of the list's run.
+PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
+                           std::vector<Finding>& findings) {
+  PhotographList list = ListPhotographs(shoot.rows, inputs.workingFolder);
+  const PhotographChecks checks = CheckPhotographs(shoot.rows, inputs);
+  Append(findings, checks.findings);
+  for (const std::size_t index : checks.leaveOut) {
+    list[index].state = PhotographState::kLeftOutBeforeTheRun;
   }
-  if (shoot.rows.empty() && !shoot.findings.empty()) {
-    throw InputError(shoot.findings.front().text + ' ' + shoot.findings.front().advice);
+  if (ToRun(list).empty() && !findings.empty()) {
+    throw InputError(findings.front().text + ' ' + findings.front().advice);
   }
-  RequireRows(inputs.data, all);
-  return shoot;
+  return list;
 }
 
 bool HasFinding(const Report& report, const std::string& id) {
@@ -128,23 +124,16 @@ bool HasBetterAnswer(const Report& report) {
   return !report.inputs.mounting || (report.inputs.refineMounting && isOff);
 }
 
-// Without those that the cross-check left out.
-std::vector<DataRow> GoodRows(const std::vector<DataRow>& rows, const Report& report) {
-  std::set<std::size_t> bad;  // rows
-  std::size_t checked = 0;
-  const auto& photographs = report.run.record.photographs;
-  for (std::size_t row = 0; row < photographs.size(); ++row) {
-    if (photographs[row].raw && !report.crossCheck->perPhotograph.at(checked++).used) {
-      bad.insert(row);
+// For a second run: what contradicts the others in the first one is left out, and says why.
+PhotographList ListWithoutBad(const Report& first, PhotographList list) {
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    const PhotographEntry& entry = first.photographs[i];
+    if (entry.checked && !first.crossCheck->perPhotograph.at(*entry.checked).used) {
+      list[i].state = PhotographState::kLeftOutByCrossCheck;
+      list[i].reason = entry.reason;
     }
   }
-  std::vector<DataRow> good;
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    if (bad.count(row) == 0) {
-      good.push_back(rows[row]);
-    }
-  }
-  return good;
+  return list;
 }
 
 // Of a run without a mounting: its zeros lead to a result or to one of these.
@@ -187,13 +176,12 @@ void AddNotRefined(Report& first, const std::string& reason) {
 
 }  // namespace
 
-Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
+Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressListener& listener) {
   RequirePossible(inputs);
   RequireMemory();
-  const Shoot shoot = ReadShoot(inputs);
-  const std::vector<Finding>& ofInput = shoot.findings;
-  const std::vector<DataRow>& rows = shoot.rows;
-  Report first = RunAndJudge(inputs, rows, ofInput, listener);
+  std::vector<Finding> ofInput = shoot.findings;
+  const PhotographList list = CheckedList(inputs, shoot, ofInput);
+  Report first = RunAndJudge(inputs, shoot.rows, list, ofInput, listener);
   first.mountingIsStated = inputs.mounting.has_value();
   if (!HasBetterAnswer(first)) {
     if (!first.mountingIsStated) {
@@ -205,7 +193,7 @@ Report Calibrate(const Inputs& inputs, const ProgressListener& listener) {
   again.mounting = first.crossCheck->mounting;
   again.expectedRecords = std::nullopt;
   try {
-    Report second = RunAndJudge(again, GoodRows(rows, first), ofInput, listener);
+    Report second = RunAndJudge(again, shoot.rows, ListWithoutBad(first, list), ofInput, listener);
     second.mountingIsStated = first.mountingIsStated;
     second.firstRun = std::make_shared<const Report>(std::move(first));
     return second;
@@ -236,6 +224,8 @@ Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>&
     run.exception = "the log ends before the run does";
   }
   run.outputs = OutputsOf(run.record);
+  report.photographs = ListPhotographs(run.record);
+  EnterRun(run, ToRun(report.photographs), report.photographs);
   Judge(report, {}, true);
   return report;
 }

@@ -11,6 +11,7 @@
 #include "host/engines/engine.h"
 #include "host/findings/finding.h"
 #include "host/input/inputs.h"
+#include "host/photograph_list.h"
 #include "host/run/library_run.h"
 #include "host/verdict/verdict.h"
 
@@ -20,10 +21,10 @@ struct Report {
   Inputs inputs;  // of this run: with the mounting that it took
   bool mountingIsStated = true;
   LibraryRun run;
+  PhotographList photographs;  // one for each row of the data file, also in a second run
   /// Nothing where the log ends before corners and lens.
   std::optional<crosscheck::CrossCheck> crossCheck;
-  std::vector<std::string> checkedPhotographs;  // those of the cross-check, in its order
-  std::vector<Finding> findings;                // of input and result, the worst first
+  std::vector<Finding> findings;  // of input and result, the worst first
   Verdict verdict;
   std::vector<EngineExport> exports;       // those that were asked for
   std::shared_ptr<const Report> firstRun;  // of two; null where one was enough

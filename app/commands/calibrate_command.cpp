@@ -15,7 +15,6 @@
 #include "app/terminal/output.h"
 #include "app/terminal/summary.h"
 #include "host/calibrate.h"
-#include "host/input/data_checks.h"
 #include "host/platform.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
@@ -92,7 +91,7 @@ void Export(const CalibrateOptions& options, host::Report& report) {
 
 // With the library's own lines when they are wanted; else with a progress bar where standard error
 // is a terminal.
-host::Report RunCalibration(const CalibrateOptions& options) {
+host::Report RunCalibration(const CalibrateOptions& options, const host::ShootData& shoot) {
   std::optional<host::SilencedStdout> silenced;
   if (!options.verbose) {
     silenced.emplace();
@@ -100,7 +99,7 @@ host::Report RunCalibration(const CalibrateOptions& options) {
   std::ostream terminal(PlainOutput(std::cerr));
   ProgressBar bar(terminal);
   const bool isShown = !options.verbose && IsTerminal(stderr);
-  host::Report report = host::Calibrate(options.inputs, [&](const host::Progress& progress) {
+  host::Report report = host::Calibrate(options.inputs, shoot, [&](const host::Progress& progress) {
     if (isShown) {
       bar.Show(progress);
     }
@@ -175,11 +174,11 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  host::RequireData(inputs.data);  // before anything is written
-  PrepareOutput(options, InputFiles(options, configFile, host::ReadDataFile(inputs.data)));
+  const host::ShootData shoot = host::ReadShootData(inputs.data, inputs.trackerFrame);
+  PrepareOutput(options, InputFiles(options, configFile, shoot.rows));
   fs::current_path(inputs.workingFolder);  // photographs keep their names
 
-  host::Report report = RunCalibration(options);
+  host::Report report = RunCalibration(options, shoot);
   if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
     report.verdict.commands = {commandLine + " --refine-mounting"};
   } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {

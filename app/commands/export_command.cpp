@@ -9,7 +9,7 @@
 #include "app/terminal/engine_summary.h"
 #include "host/platform.h"
 #include "host/result/result_file.h"
-#include "host/run/library_run.h"
+#include "host/run/run_folder.h"
 #include "host/text/files.h"
 
 namespace trackedcam::app {

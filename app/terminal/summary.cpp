@@ -21,11 +21,10 @@ using host::CalibrationOutputs;
 using host::Fixed;
 using List = std::vector<double> CalibrationOutputs::*;
 using crosscheck::CrossCheck;
-using host::DropReason;
 using host::Level;
 using host::LibraryRun;
 using host::Mounting;
-using host::Photograph;
+using host::PhotographState;
 using host::Report;
 using host::RunRecord;
 
@@ -162,24 +161,19 @@ void PrintErrors(std::ostream& out, const LibraryRun& run) {
         kMillimetresPerMetre);
 }
 
-std::size_t Count(const RunRecord& record, DropReason reason) {
-  return static_cast<std::size_t>(
-      std::count_if(record.photographs.begin(), record.photographs.end(),
-                    [&](const Photograph& photograph) { return photograph.dropped == reason; }));
-}
-
-// The filter's share is no list of bad photographs: which are bad the cross-check says.
-void PrintPhotographs(std::ostream& out, const RunRecord& record) {
-  out << "\nPhotographs: " << host::UsedPhotographs(record).size() << " of "
-      << record.photographs.size() << " used";
-  if (const std::size_t outliers = Count(record, DropReason::kOutlier)) {
-    out << "; " << outliers << " left out by the filter (about half is normal)";
+// Which photographs are bad the cross-check says, not the filter.
+void PrintPhotographs(std::ostream& out, const host::PhotographList& list) {
+  out << "\nPhotographs: " << CountInState(list, PhotographState::kUsed) << " of " << list.size()
+      << " used";
+  if (const std::size_t count = CountInState(list, PhotographState::kLeftOutByFilter)) {
+    out << "; " << count << " left out by the filter (about half is normal)";
   }
   out << '\n';
-  for (const Photograph& photograph : record.photographs) {
-    if (photograph.dropped && photograph.dropped != DropReason::kOutlier) {
-      out << "  dropped " << photograph.path << " (" << host::Describe(*photograph.dropped)
-          << ")\n";
+  for (const host::PhotographEntry& entry : list) {
+    const bool isNamed =
+        entry.state != PhotographState::kUsed && entry.state != PhotographState::kLeftOutByFilter;
+    if (isNamed) {
+      out << "  not used: " << entry.name << " (" << entry.reason << ")\n";
     }
   }
 }
@@ -215,14 +209,17 @@ void PrintFiles(std::ostream& out, const Report& report, const std::filesystem::
     out << "Report: " << page.u8string() << '\n';
   }
   if (host::IsConverted(report.inputs.trackerFrame)) {
-    out << "Tracker data: taken as poses in " << host::Describe(report.inputs.trackerFrame)
-        << "; converted: " << (run.folder / host::kConvertedData).u8string() << '\n';
+    out << "Tracker data: converted from poses in " << host::Describe(report.inputs.trackerFrame)
+        << '\n';
   }
   if (!run.log.empty()) {
     out << "Log: " << run.log.u8string() << '\n';
   }
-  if (!run.images.empty()) {
-    out << "Images: " << run.images.size() << ", such as " << run.images.front().u8string() << '\n';
+  const auto isWritten = [](const std::filesystem::path& image) { return !image.empty(); };
+  const auto image = std::find_if(run.images.begin(), run.images.end(), isWritten);
+  if (image != run.images.end()) {
+    out << "Images: " << std::count_if(image, run.images.end(), isWritten) << ", such as "
+        << image->u8string() << '\n';
   }
 }
 
@@ -234,8 +231,8 @@ void PrintRun(std::ostream& out, const Report& report, const CalibrationOutputs*
   if (run.record.lensError) {
     PrintErrors(out, run);
   }
-  if (!run.record.photographs.empty()) {
-    PrintPhotographs(out, run.record);
+  if (!report.photographs.empty()) {
+    PrintPhotographs(out, report.photographs);
   }
   if (report.crossCheck) {
     PrintCrossCheck(out, report, truth);

@@ -34,7 +34,7 @@ Finding LogLost(const LibraryRun& run) {
 }
 
 Finding ImagesLost(const LibraryRun& run) {
-  const std::vector<std::string>& lost = run.lostImages;
+  const std::vector<std::string>& lost = run.missingImages;
   const std::size_t all = lost.size() + run.images.size();
   Finding finding;
   finding.id = kImages;
@@ -89,7 +89,7 @@ std::vector<Finding> LossesOf(const LibraryRun& run) {
   if (run.code && !IsWhole(run)) {
     losses.push_back(LogLost(run));
   }
-  if (!run.lostImages.empty()) {
+  if (!run.missingImages.empty()) {
     losses.push_back(ImagesLost(run));
   }
   return losses;

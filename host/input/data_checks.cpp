@@ -476,16 +476,4 @@ std::vector<Finding> CheckData(const std::string& content, const std::vector<Dat
   return findings;
 }
 
-void RequireData(const std::filesystem::path& data) {
-  const std::string content = ReadDataContent(data);
-  const std::vector<DataRow> rows = ReadRows(content);
-  if (rows.empty()) {
-    const std::vector<Finding> findings = CheckData(content, rows);
-    if (!findings.empty()) {
-      throw InputError(findings.front().text + ' ' + findings.front().advice);
-    }
-  }
-  RequireRows(data, rows);
-}
-
 }  // namespace trackedcam::host

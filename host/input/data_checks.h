@@ -31,7 +31,4 @@ std::vector<Finding> CheckPoses(const std::vector<PoseRow>& rows);
 /// @param rows ReadRows of it.
 std::vector<Finding> CheckData(const std::string& content, const std::vector<DataRow>& rows);
 
-/// @throws InputError where the file cannot be read or has no row, with what is wrong with it.
-void RequireData(const std::filesystem::path& data);
-
 }  // namespace trackedcam::host

@@ -222,19 +222,6 @@ std::string ReadDataContent(const fs::path& data) {
   }
 }
 
-void RequireRows(const fs::path& data, const std::vector<DataRow>& rows) {
-  if (rows.empty()) {
-    throw InputError(data.u8string() +
-                     " has no row: record one row of tracker data for each photograph");
-  }
-}
-
-std::vector<DataRow> ReadDataFile(const fs::path& data) {
-  std::vector<DataRow> rows = ReadRows(ReadDataContent(data));
-  RequireRows(data, rows);
-  return rows;
-}
-
 std::string WithPhotograph(const DataRow& row, const std::string& photograph) {
   const std::size_t begin = row.text.find(',');
   if (begin == std::string::npos) {

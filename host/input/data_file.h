@@ -40,10 +40,6 @@ struct DataRow {
   std::string photograph;  // the second field as written; empty where there is none
 };
 
-inline bool operator==(const DataRow& a, const DataRow& b) {
-  return a.line == b.line && a.text == b.text;
-}
-
 /// The lines that the library takes for rows.
 std::vector<DataRow> ReadRows(const std::string& content);
 
@@ -51,13 +47,6 @@ std::vector<DataRow> ReadRows(const std::string& content);
 /// @throws InputError when the file cannot be read, is none, is far larger than any shoot's or has
 ///         more than a million lines.
 std::string ReadDataContent(const std::filesystem::path& data);
-
-/// The rows of the file.
-/// @throws InputError when there is no row.
-void RequireRows(const std::filesystem::path& data, const std::vector<DataRow>& rows);
-
-/// @throws InputError as ReadDataContent and RequireRows do.
-std::vector<DataRow> ReadDataFile(const std::filesystem::path& data);
 
 /// The row with another path in its second field.
 std::string WithPhotograph(const DataRow& row, const std::string& photograph);

@@ -10,6 +10,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+Json MountingJson(const crosscheck::Mounting& mounting) {
+  return {{"rotationDegrees", mounting.rotationDegrees},
+          {"translationMetres", mounting.translationMetres}};
+}
+
 template <class Derived>
 Json RowByRow(const Eigen::MatrixBase<Derived>& matrix) {
   Json list = Json::array();
@@ -99,38 +104,6 @@ void AddView(Json& json, const crosscheck::View& view) {
   json["distanceMetres"] = NumberJson(view.distanceMetres);
 }
 
-std::vector<std::array<double, 2>> NoCorners() {
-  return {};
-}
-
-Json PerPhotographJson(const crosscheck::CrossCheck& crossCheck,
-                       const std::vector<std::string>& photographs, const RunRecord& record) {
-  std::vector<const Photograph*> observed;
-  for (const Photograph& photograph : record.photographs) {
-    if (photograph.raw) {
-      observed.push_back(&photograph);
-    }
-  }
-  Json list = Json::array();
-  for (std::size_t i = 0; i < crossCheck.perPhotograph.size(); ++i) {
-    const crosscheck::PerPhotograph& photograph = crossCheck.perPhotograph[i];
-    Json json = {
-        {"photograph", photographs.at(i)},
-        {"used", photograph.used},
-        {"mm", NumberJson(photograph.mm)},
-        {"degrees", NumberJson(photograph.degrees)},
-        {"predictedPixels", NumberJson(photograph.predictedPixels)},
-        {"why", photograph.used ? Json(nullptr) : Json(WhyLeftOut(photograph, photographs))},
-        {"transformCamChart", RowByRow(photograph.Transform_Cam_Chart)},
-        {"transformTcTr", RowByRow(photograph.Transform_Tc_Tr)},
-        {"corners", PointsJson(i < observed.size() ? observed[i]->raw->corners : NoCorners())},
-        {"predicted", PointsJson(photograph.predicted)}};
-    AddView(json, photograph.view);
-    list.push_back(std::move(json));
-  }
-  return list;
-}
-
 Json SuggestedViewsJson(const std::vector<crosscheck::SuggestedView>& views) {
   Json list = Json::array();
   for (const crosscheck::SuggestedView& view : views) {
@@ -168,23 +141,55 @@ std::string Message(const LibraryRun& run) {
   return record.errorMessage.empty() ? record.lastMessage : record.errorMessage;
 }
 
-Json Photographs(const RunRecord& record) {
-  Json photographs = Json::array();
-  for (const Photograph& photograph : record.photographs) {
-    photographs.push_back(photograph.path);
-  }
-  return photographs;
+Json CheckedJson(const crosscheck::PerPhotograph& photograph,
+                 const std::vector<std::array<double, 2>>& corners) {
+  Json json = {{"used", photograph.used},
+               {"mm", NumberJson(photograph.mm)},
+               {"degrees", NumberJson(photograph.degrees)},
+               {"predictedPixels", NumberJson(photograph.predictedPixels)},
+               {"transformCamChart", RowByRow(photograph.Transform_Cam_Chart)},
+               {"transformTcTr", RowByRow(photograph.Transform_Tc_Tr)},
+               {"corners", PointsJson(corners)},
+               {"predicted", PointsJson(photograph.predicted)}};
+  AddView(json, photograph.view);
+  return json;
 }
 
-Json Dropped(const RunRecord& record) {
-  Json dropped = Json::array();
-  for (const Photograph& photograph : record.photographs) {
-    if (photograph.dropped) {
-      dropped.push_back(
-          {{"photograph", photograph.path}, {"reason", Describe(*photograph.dropped)}});
-    }
+Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
+Json PhotographJson(const PhotographEntry& entry, const Report& report) {
+  Json json = {{"row", entry.row == 0 ? Json(nullptr) : Json(entry.row)},
+               {"name", entry.name},
+               {"path", TextOrNull(entry.path.u8string())},
+               {"state", Name(entry.state)},
+               {"reason", TextOrNull(entry.reason)},
+               {"libraryErrorPixels", nullptr},
+               {"reprojectedImage", nullptr},
+               {"crossCheck", nullptr}};
+  if (!entry.inRun) {
+    return json;
   }
-  return dropped;
+  const LibraryRun& run = report.run;
+  const Photograph& photograph = run.record.photographs.at(*entry.inRun);
+  json["libraryErrorPixels"] = NumberJson(photograph.errorPixels);
+  if (*entry.inRun < run.images.size()) {  // a log alone has none
+    json["reprojectedImage"] = TextOrNull(run.images[*entry.inRun].u8string());
+  }
+  if (entry.checked && report.crossCheck) {
+    json["crossCheck"] =
+        CheckedJson(report.crossCheck->perPhotograph.at(*entry.checked), photograph.raw->corners);
+  }
+  return json;
+}
+
+Json PhotographsJson(const Report& report) {
+  Json photographs = Json::array();
+  for (const PhotographEntry& entry : report.photographs) {
+    photographs.push_back(PhotographJson(entry, report));
+  }
+  return photographs;
 }
 
 Json Exports(const Report& report) {
@@ -193,14 +198,6 @@ Json Exports(const Report& report) {
     exports[std::string(engineExport.engine->name)] = EngineJson(engineExport);
   }
   return exports;
-}
-
-Json Images(const LibraryRun& run) {
-  Json images = Json::array();
-  for (const auto& image : run.images) {
-    images.push_back(image.u8string());
-  }
-  return images;
 }
 
 Json VerdictJson(const Verdict& verdict) {
@@ -262,51 +259,8 @@ Json InputsJson(const Inputs& inputs) {
   };
 }
 
-// What is told of each run, the first of two as well as the last.
-Json RunJson(const Report& report) {
-  const LibraryRun& run = report.run;
-  const CalibrationOutputs& outputs = run.outputs;
-  const RunRecord& record = run.record;
-  return {
-      {"code", run.code ? Json(*run.code) : Json(nullptr)},
-      {"message", Message(run)},
-      {"verdict", VerdictJson(report.verdict)},
-      {"findings", FindingsJson(report.findings)},
-      {"imageSize", NumbersJson(outputs.imageSize)},
-      {"normFocal", NumbersJson(outputs.normFocal)},
-      {"normCenter", NumbersJson(outputs.normCenter)},
-      {"distortion", NumbersJson(outputs.distortion)},
-      {"transformCamTc", NumbersJson(outputs.transformCamTc)},
-      {"fieldOfView", NumbersJson(outputs.fieldOfView)},
-      {"focalLengthMm", NumbersJson(outputs.focalLengthMm)},
-      {"lensErrorPixels", NumberJson(record.lensError)},
-      {"reprojectionErrorPixels", NumberJson(record.reprojectionError)},
-      {"translationSpreadMetres", NumberJson(record.spread)},
-      {"limits", LimitsJson(outputs)},
-      {"photographs", Photographs(record)},
-      {"used", UsedPhotographs(record)},
-      {"dropped", Dropped(record)},
-      {"exports", Exports(report)},
-      {"inputs", InputsJson(report.inputs)},
-      {"time", record.time},
-      {"log", run.log.u8string()},
-      {"images", Images(run)},
-      {"crossCheck", report.crossCheck
-                         ? CrossCheckJson(*report.crossCheck, report.checkedPhotographs, record)
-                         : Json(nullptr)},
-      {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
-  };
-}
-
-}  // namespace
-
-Json MountingJson(const crosscheck::Mounting& mounting) {
-  return {{"rotationDegrees", mounting.rotationDegrees},
-          {"translationMetres", mounting.translationMetres}};
-}
-
 Json CrossCheckJson(const crosscheck::CrossCheck& check,
-                    const std::vector<std::string>& photographs, const RunRecord& record) {
+                    const std::vector<std::string>& photographs) {
   const crosscheck::LensErrors& lens = check.lens;
   Json json = {{"solved", check.solved}, {"photographs", check.photographs}, {"used", check.used}};
   json["transformCamTc"] = RowByRow(check.Transform_Cam_Tc);
@@ -336,13 +290,47 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["step"] = StepJson(check.step, photographs);
   json["halves"] = OffsetJson(check.halves);
   json["onScreen"] = OnScreenJson(check.onScreen);
-  json["perPhotograph"] = PerPhotographJson(check, photographs, record);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
   json["photographsToHalve"] =
       check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
   json["findings"] = FindingsJson(check.findings);
   return json;
 }
+
+// What is told of each run, the first of two as well as the last.
+Json RunJson(const Report& report) {
+  const LibraryRun& run = report.run;
+  const CalibrationOutputs& outputs = run.outputs;
+  const RunRecord& record = run.record;
+  return {
+      {"code", run.code ? Json(*run.code) : Json(nullptr)},
+      {"message", Message(run)},
+      {"verdict", VerdictJson(report.verdict)},
+      {"findings", FindingsJson(report.findings)},
+      {"imageSize", NumbersJson(outputs.imageSize)},
+      {"normFocal", NumbersJson(outputs.normFocal)},
+      {"normCenter", NumbersJson(outputs.normCenter)},
+      {"distortion", NumbersJson(outputs.distortion)},
+      {"transformCamTc", NumbersJson(outputs.transformCamTc)},
+      {"fieldOfView", NumbersJson(outputs.fieldOfView)},
+      {"focalLengthMm", NumbersJson(outputs.focalLengthMm)},
+      {"lensErrorPixels", NumberJson(record.lensError)},
+      {"reprojectionErrorPixels", NumberJson(record.reprojectionError)},
+      {"translationSpreadMetres", NumberJson(record.spread)},
+      {"limits", LimitsJson(outputs)},
+      {"photographs", PhotographsJson(report)},
+      {"exports", Exports(report)},
+      {"inputs", InputsJson(report.inputs)},
+      {"time", record.time},
+      {"log", run.log.u8string()},
+      {"crossCheck", report.crossCheck
+                         ? CrossCheckJson(*report.crossCheck, CheckedNames(report.photographs))
+                         : Json(nullptr)},
+      {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
+  };
+}
+
+}  // namespace
 
 Json ResultJson(const Report& report) {
   Json json = RunJson(report);

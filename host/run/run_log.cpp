@@ -105,18 +105,6 @@ bool IsLogName(const std::string& name) {
 
 }  // namespace
 
-const char* Describe(DropReason reason) {
-  switch (reason) {
-    case DropReason::kNotLoaded:
-      return "missing or not an image";
-    case DropReason::kBoardNotFound:
-      return "board not found";
-    case DropReason::kOutlier:
-      return "outlier";
-  }
-  return "";
-}
-
 CalibrationOutputs OutputsOf(const RunRecord& record) {
   CalibrationOutputs outputs;
   if (const auto& lens = record.lens) {
@@ -131,13 +119,15 @@ CalibrationOutputs OutputsOf(const RunRecord& record) {
   return outputs;
 }
 
+// With too few left, the filter took none away and there is no result.
+bool IsUsed(const RunRecord& record, const Photograph& photograph) {
+  return !photograph.dropped && record.errorCode != kTooFewLeft;
+}
+
 std::vector<std::string> UsedPhotographs(const RunRecord& record) {
   std::vector<std::string> used;
-  if (record.errorCode == kTooFewLeft) {
-    return used;  // the filter would leave next to none, and took none away
-  }
   for (const Photograph& photograph : record.photographs) {
-    if (!photograph.dropped) {
+    if (IsUsed(record, photograph)) {
       used.push_back(photograph.path);
     }
   }
@@ -365,10 +355,12 @@ void RunLogReader::ReadTrackers(const std::string& message) {
   } else if (message == "Mean_Transform_Chart_Tr : ") {
     isSecondSolve_ = true;
     BeginStage("Writing the images", UsedPhotographs(record_).size());
-  } else if (After("Image ", message)) {
+  } else if (ReadImageError(message)) {
     ShowDone(progress_.done + 1);
   } else if (const auto index = After("Remove index : ", message)) {
-    ReadOutlier(*index);
+    if (Photograph* outlier = InUse(ParseInteger(*index).value_or(-1))) {
+      outlier->dropped = DropReason::kOutlier;
+    }
   } else if (After("Version : ", message)) {  // the log holds another run
     section_ = Section::kOpening;
     ReadOpening(message);
@@ -379,15 +371,30 @@ void RunLogReader::ReadTrackers(const std::string& message) {
   ReadError(message);
 }
 
-// Outliers are counted among the photographs that are in use.
-void RunLogReader::ReadOutlier(const std::string& index) {
-  int left = ParseInteger(index).value_or(-1);
-  for (Photograph& photograph : record_.photographs) {
-    if (!photograph.dropped && left-- == 0) {
-      photograph.dropped = DropReason::kOutlier;
-      return;
+// "Image 3 reprojection error : 0.25 pixels."
+bool RunLogReader::ReadImageError(const std::string& message) {
+  const auto rest = After("Image ", message);
+  if (!rest) {
+    return false;
+  }
+  constexpr std::string_view kBefore = " reprojection error : ";
+  const std::size_t end = rest->find(kBefore);
+  if (end != std::string::npos) {
+    if (Photograph* photograph = InUse(ParseInteger(rest->substr(0, end)).value_or(-1))) {
+      photograph->errorPixels = NumberAfter(kBefore, rest->substr(end));
     }
   }
+  return true;
+}
+
+// From here on the log counts among the photographs that are in use. Null if there is none.
+Photograph* RunLogReader::InUse(int index) {
+  for (Photograph& photograph : record_.photographs) {
+    if (!photograph.dropped && index-- == 0) {
+      return &photograph;
+    }
+  }
+  return nullptr;
 }
 
 // "Error code 4: text"; some codes have a blank before the colon.

@@ -20,9 +20,6 @@ namespace trackedcam::host {
 
 enum class DropReason { kNotLoaded, kBoardNotFound, kOutlier };
 
-/// "missing or not an image" and the like.
-const char* Describe(DropReason reason);
-
 /// What was read and found of a photograph in which the board was seen.
 struct RawData {
   std::array<double, 15> row = {};             // as the library read it: the time, then Tc and Tr,
@@ -33,7 +30,8 @@ struct RawData {
 struct Photograph {
   std::string path;                   // as the data file has it
   std::optional<DropReason> dropped;  // nothing for one that is in use
-  std::optional<RawData> raw;
+  std::optional<RawData> raw = {};
+  std::optional<double> errorPixels = {};  // mean of the last pass that had it
 };
 
 struct BoardRecord {
@@ -71,6 +69,9 @@ struct RunRecord {
 
 /// What the library handed out, as far as the log tells it, which is to six decimals.
 CalibrationOutputs OutputsOf(const RunRecord& record);
+
+/// Whether the library's result rests on the photograph.
+bool IsUsed(const RunRecord& record, const Photograph& photograph);
 
 std::vector<std::string> UsedPhotographs(const RunRecord& record);
 
@@ -115,7 +116,8 @@ class RunLogReader {
   void ReadRawData(const std::string& message);
   void ReadLens(const std::string& message);
   void ReadTrackers(const std::string& message);
-  void ReadOutlier(const std::string& index);
+  bool ReadImageError(const std::string& message);
+  Photograph* InUse(int index);
   void ReadError(const std::string& message);
   void EndRawData();
   void NamePhotographs();

@@ -23,7 +23,11 @@ class CalibrateTest : public testing::Test {
     inputs.sensorMm = {options.sensorWidthMm, options.sensorHeightMm};
     inputs.board = {options.chart.cols, options.chart.rows};
     inputs.squareMetres = options.chart.squareMetres;
-    return Calibrate(inputs, [](const Progress&) {});
+    return Calibrate(inputs);
+  }
+
+  static Report Calibrate(const Inputs& inputs) {
+    return host::Calibrate(inputs, ReadShootData(inputs.data, {}), [](const Progress&) {});
   }
 
   static simulator::ShootOptions Small(int photographs) {
@@ -56,6 +60,43 @@ TEST_F(CalibrateTest, CalibratesWithTheMountingThatItFound) {
   ASSERT_TRUE(report.inputs.mounting);
   EXPECT_NE(report.verdict.level, Level::kFailed);
   EXPECT_NE(report.run.folder, report.firstRun->run.folder);
+}
+
+// What the first run left out keeps its row and place, and says why.
+TEST_F(CalibrateTest, ListsEveryRowInTheSecondRun) {
+  simulator::ShootOptions options = Small(20);
+  options.outliers = 2;
+  options.missing = 1;
+  const Report report = WithoutMounting(options);
+  ASSERT_NE(report.firstRun, nullptr);
+  ASSERT_EQ(report.photographs.size(), 20U);
+  ASSERT_EQ(report.firstRun->photographs.size(), 20U);
+  EXPECT_EQ(CountInState(report.photographs, PhotographState::kLeftOutByCrossCheck), 2U);
+  EXPECT_EQ(CountInState(report.photographs, PhotographState::kNotLoaded), 1U);
+  for (std::size_t i = 0; i < report.photographs.size(); ++i) {
+    const PhotographEntry& entry = report.photographs[i];
+    EXPECT_EQ(entry.row, i + 2);
+    EXPECT_EQ(entry.name, report.firstRun->photographs[i].name);
+    EXPECT_EQ(entry.reason.empty(), entry.state == PhotographState::kUsed) << entry.name;
+    if (entry.inRun) {
+      EXPECT_EQ(report.run.record.photographs.at(*entry.inRun).path, entry.name);
+    }
+    if (entry.state == PhotographState::kUsed) {
+      EXPECT_THAT(report.run.images.at(*entry.inRun).u8string(), HasSubstr(entry.name));
+      EXPECT_TRUE(report.run.record.photographs[*entry.inRun].errorPixels);
+    }
+  }
+}
+
+// A file that changes after it was checked does not change what is calibrated.
+TEST_F(CalibrateTest, CalibratesWhatWasRead) {
+  const Report before = WithoutMounting(Small(14));
+  const ShootData shoot = ReadShootData(before.inputs.data, {});
+  test::WriteFile(before.inputs.data.u8string(), "Time\n0,photos/img_000.jpg\n");
+  Inputs inputs = before.inputs;
+  inputs.mounting = std::nullopt;
+  const Report after = host::Calibrate(inputs, shoot, [](const Progress&) {});
+  EXPECT_EQ(after.run.outputs.transformCamTc, before.run.outputs.transformCamTc);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "host/input/inputs.h"
+#include "host/input/shoot_data.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {
@@ -78,7 +79,7 @@ class DataFileOnDisk : public testing::Test {
  protected:
   std::string ErrorOf(const std::string& name) {
     try {
-      ReadDataFile(folder.Path() / name);
+      ReadShootData(folder.Path() / name, {});
     } catch (const InputError& error) {
       return error.what();
     }

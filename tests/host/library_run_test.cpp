@@ -10,8 +10,7 @@ namespace trackedcam::host {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::Each;
 
 class LibraryRunTest : public testing::Test {
  protected:
@@ -32,7 +31,7 @@ class LibraryRunTest : public testing::Test {
   }
 
   LibraryRun Run() {
-    return RunLibrary(inputs, ReadDataFile(inputs.data), {}, run,
+    return RunLibrary(inputs, ReadRows(ReadDataContent(inputs.data)), {}, run,
                       [this](const Progress& progress) { stages.push_back(progress.stage); });
   }
 
@@ -49,6 +48,7 @@ TEST_F(LibraryRunTest, IsSeenFromOutside) {
   // The process works elsewhere, so the library was given absolute paths.
   ASSERT_EQ(seen.record.photographs.size(), 14U);
   EXPECT_EQ(seen.record.photographs[0].path, "photos/img_000.jpg");
+  ASSERT_EQ(seen.images.size(), 14U);
   EXPECT_THAT(stages, testing::Contains("Solving the lens"));
   EXPECT_EQ(stages.front(), "Finding the board");
 }
@@ -60,7 +60,7 @@ TEST_F(LibraryRunTest, KeepsItsRecordThroughAnException) {
   EXPECT_NE(seen.exception, "");
   EXPECT_EQ(seen.record.photographs.size(), 14U);
   EXPECT_TRUE(seen.record.lensError);
-  EXPECT_THAT(seen.images, IsEmpty());
+  EXPECT_THAT(seen.images, Each(fs::path()));
 }
 
 }  // namespace

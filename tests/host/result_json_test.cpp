@@ -3,6 +3,7 @@
 #include <limits>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "host/text/files.h"
 
@@ -31,7 +32,13 @@ Report GoodReport() {
   report.run.record.spread = 0.001;
   report.run.record.lastMessage = "Camera and Tracker Calibration successful.";
   report.run.log = "/logs/log.txt";
-  report.run.images = {"/logs/Reproject_a.jpg"};
+  report.run.record.photographs[0].errorPixels = 0.25;
+  report.run.images = {"/logs/Reproject_a.jpg", "", "", ""};
+  const std::vector<DataRow> rows = {
+      {2, "", "a.jpg"}, {3, "", "b.jpg"}, {4, "", "c.jpg"}, {5, "", "d.jpg"}, {6, "", "e.jpg"}};
+  report.photographs = ListPhotographs(rows, "/shoot");
+  report.photographs[4].state = PhotographState::kLeftOutBeforeTheRun;
+  EnterRun(report.run, ToRun(report.photographs), report.photographs);
   return report;
 }
 
@@ -59,13 +66,18 @@ TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
 
 TEST(ResultJson, ListsPhotographsAndFiles) {
   const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
-  EXPECT_EQ(json["used"], Json::array({"a.jpg"}));
-  EXPECT_EQ(json["dropped"],
-            Json::parse(R"([{"photograph": "b.jpg", "reason": "missing or not an image"},
-                            {"photograph": "c.jpg", "reason": "board not found"},
-                            {"photograph": "d.jpg", "reason": "outlier"}])"));
+  std::string states;
+  for (const Json& photograph : json["photographs"]) {
+    states += photograph["state"].get<std::string>() + ' ';
+  }
+  EXPECT_EQ(states, "used notLoaded boardNotFound leftOutByFilter leftOutBeforeTheRun ");
+  EXPECT_EQ(json["photographs"][0], Json::parse(R"({"row": 2, "name": "a.jpg",
+      "path": "/shoot/a.jpg", "state": "used", "reason": null, "libraryErrorPixels": 0.25,
+      "reprojectedImage": "/logs/Reproject_a.jpg", "crossCheck": null})"));
+  EXPECT_EQ(json["photographs"][3]["row"], 5);
+  EXPECT_TRUE(json["photographs"][3]["reprojectedImage"].is_null());
+  EXPECT_TRUE(json["photographs"][3]["reason"].is_string());
   EXPECT_EQ(json["log"], "/logs/log.txt");
-  EXPECT_EQ(json["images"], Json::array({"/logs/Reproject_a.jpg"}));
   EXPECT_EQ(json["versions"]["library"], "v1.2.3");
   EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
 }
@@ -93,7 +105,7 @@ TEST(ResultJson, OfAFailureHasEmptyListsAndTheMessage) {
   EXPECT_EQ(json["imageSize"], Json::array());
   EXPECT_EQ(json["transformCamTc"], Json::array());
   EXPECT_TRUE(json["limits"]["reprojectionErrorPixels"].is_null());
-  EXPECT_EQ(json["used"], Json::array());
+  EXPECT_EQ(json["photographs"], Json::array());
 }
 
 // Reported x, y, z count as -x, -z, -y.
@@ -129,8 +141,8 @@ TEST(ResultJson, OfAnExceptionHasNoCode) {
 
 TEST(ResultJson, IsValidWhateverBytesAPathHas) {
   Report report = GoodReport();
-  report.run.record.photographs[0].path = "a\xFF\"b.jpg";
-  EXPECT_EQ(Json::parse(JsonText(ResultJson(report)))["used"][0], "a\uFFFD\"b.jpg");
+  report.photographs[0].name = "a\xFF\"b.jpg";
+  EXPECT_EQ(Json::parse(JsonText(ResultJson(report)))["photographs"][0]["name"], "a\uFFFD\"b.jpg");
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
+#include "host/run/run_folder.h"
+
 #include <set>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include "host/input/inputs.h"
-#include "host/run/library_run.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {

@@ -231,6 +231,23 @@ TEST_F(RunLogReaderTest, ShowsStagesAndPhotographs) {
                                  "Writing the images 0/1", "Writing the images 1/1"));
 }
 
+// The first pass counts all, the second what the filter kept.
+TEST_F(RunLogReaderTest, ReadsTheErrorOfEachPhotograph) {
+  LogToThePhotographs();
+  Log({"Process : a", "Process : b", "Process : c"});
+  LogRawData({"a", "b", "c"});
+  LogLens();
+  Log({"Image 0 reprojection error : 1.500000 pixels.",
+       "Image 1 reprojection error : 2.500000 pixels.",
+       "Image 2 reprojection error : 3.500000 pixels.", "Remove index : 1",
+       "Image 0 reprojection error : 0.250000 pixels.",
+       "Image 1 reprojection error : 0.500000 pixels.",
+       "Image 7 reprojection error : 9.000000 pixels."});
+  EXPECT_EQ(record.photographs[0].errorPixels, 0.25);
+  EXPECT_EQ(record.photographs[1].errorPixels, 2.5);
+  EXPECT_EQ(record.photographs[2].errorPixels, 0.5);
+}
+
 TEST_F(RunLogReaderTest, KnowsWhenTheBoardIsNowhere) {
   LogToThePhotographs();
   Log({"Process : a", "a Not exist!"});

@@ -1,0 +1,21 @@
+#include "host/input/shoot_data.h"
+
+#include "host/input/data_checks.h"
+#include "host/input/inputs.h"
+
+namespace trackedcam::host {
+
+ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame) {
+  const std::string content = ReadDataContent(file);
+  ShootData shoot = {InReportedAxes(ReadRows(content), frame), {}};
+  shoot.findings = CheckData(content, shoot.rows);
+  if (shoot.rows.empty()) {
+    throw InputError(shoot.findings.empty()
+                         ? file.u8string() +
+                               " has no row: record one row of tracker data for each photograph"
+                         : shoot.findings.front().text + ' ' + shoot.findings.front().advice);
+  }
+  return shoot;
+}
+
+}  // namespace trackedcam::host

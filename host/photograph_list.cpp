@@ -1,0 +1,154 @@
+#include "host/photograph_list.h"
+
+#include <algorithm>
+
+#include "host/findings/cross_check_findings.h"
+
+namespace trackedcam::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Not every name is a path on every system.
+fs::path PathOf(const std::string& name, const fs::path& workingFolder) {
+  try {
+    return (workingFolder / fs::u8path(name)).lexically_normal();
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+PhotographState StateOf(const RunRecord& record, const Photograph& photograph) {
+  if (!photograph.dropped) {
+    return IsUsed(record, photograph) ? PhotographState::kUsed : PhotographState::kNotUsed;
+  }
+  switch (*photograph.dropped) {
+    case DropReason::kNotLoaded:
+      return PhotographState::kNotLoaded;
+    case DropReason::kBoardNotFound:
+      return PhotographState::kBoardNotFound;
+    case DropReason::kOutlier:
+      return PhotographState::kLeftOutByFilter;
+  }
+  return PhotographState::kNotReached;
+}
+
+const char* Describe(PhotographState state) {
+  switch (state) {
+    case PhotographState::kUsed:
+      return "";
+    case PhotographState::kLeftOutByFilter:
+      return "left out by the library's outlier filter";
+    case PhotographState::kLeftOutByCrossCheck:
+      return "contradicts the others";
+    case PhotographState::kBoardNotFound:
+      return "board not found";
+    case PhotographState::kNotLoaded:
+      return "missing or not an image";
+    case PhotographState::kLeftOutBeforeTheRun:
+      return "not given to the library";
+    case PhotographState::kNotReached:
+      return "the run ended before it";
+    case PhotographState::kNotUsed:
+      return "the run failed";
+  }
+  return "";
+}
+
+}  // namespace
+
+const char* Name(PhotographState state) {
+  switch (state) {
+    case PhotographState::kUsed:
+      return "used";
+    case PhotographState::kLeftOutByFilter:
+      return "leftOutByFilter";
+    case PhotographState::kLeftOutByCrossCheck:
+      return "leftOutByCrossCheck";
+    case PhotographState::kBoardNotFound:
+      return "boardNotFound";
+    case PhotographState::kNotLoaded:
+      return "notLoaded";
+    case PhotographState::kLeftOutBeforeTheRun:
+      return "leftOutBeforeTheRun";
+    case PhotographState::kNotReached:
+      return "notReached";
+    case PhotographState::kNotUsed:
+      return "notUsed";
+  }
+  return "";
+}
+
+PhotographList ListPhotographs(const std::vector<DataRow>& rows, const fs::path& workingFolder) {
+  PhotographList list;
+  for (const DataRow& row : rows) {
+    PhotographEntry entry;
+    entry.row = row.line;
+    entry.name = row.photograph;
+    entry.path = PathOf(row.photograph, workingFolder);
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
+PhotographList ListPhotographs(const RunRecord& record) {
+  PhotographList list(record.photographs.size());
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    list[i].name = record.photographs[i].path;
+  }
+  return list;
+}
+
+std::vector<std::size_t> ToRun(const PhotographList& list) {
+  std::vector<std::size_t> given;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    if (list[i].state == PhotographState::kNotReached) {
+      given.push_back(i);
+    }
+  }
+  return given;
+}
+
+void EnterRun(const LibraryRun& run, const std::vector<std::size_t>& given, PhotographList& list) {
+  const std::vector<Photograph>& photographs = run.record.photographs;
+  std::size_t checked = 0;
+  for (std::size_t i = 0; i < std::min(given.size(), photographs.size()); ++i) {
+    PhotographEntry& entry = list[given[i]];
+    entry.inRun = i;
+    entry.state = StateOf(run.record, photographs[i]);
+    if (photographs[i].raw) {
+      entry.checked = checked++;
+    }
+  }
+  for (PhotographEntry& entry : list) {
+    entry.reason = entry.reason.empty() ? Describe(entry.state) : entry.reason;
+  }
+}
+
+void EnterCrossCheck(const crosscheck::CrossCheck& check, PhotographList& list) {
+  const std::vector<std::string> names = CheckedNames(list);
+  for (PhotographEntry& entry : list) {
+    if (entry.checked && !check.perPhotograph.at(*entry.checked).used) {
+      const std::string why = WhyLeftOut(check.perPhotograph[*entry.checked], names);
+      entry.reason = why.empty() ? Describe(PhotographState::kLeftOutByCrossCheck) : why;
+    }
+  }
+}
+
+std::vector<std::string> CheckedNames(const PhotographList& list) {
+  std::vector<std::string> names;
+  for (const PhotographEntry& entry : list) {
+    if (entry.checked) {
+      names.push_back(entry.name);
+    }
+  }
+  return names;
+}
+
+std::size_t CountInState(const PhotographList& list, PhotographState state) {
+  return static_cast<std::size_t>(
+      std::count_if(list.begin(), list.end(),
+                    [&](const PhotographEntry& entry) { return entry.state == state; }));
+}
+
+}  // namespace trackedcam::host

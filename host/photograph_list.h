@@ -1,0 +1,66 @@
+// What became of each photograph: one entry for each row of the data file, in its order. Terminal,
+// page and result file read this list; a second run keeps rows and places.
+
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "crosscheck/result.h"
+#include "host/input/data_file.h"
+#include "host/run/library_run.h"
+
+namespace trackedcam::host {
+
+enum class PhotographState {
+  kUsed,                 // the library's result rests on it
+  kLeftOutByFilter,      // by the library's outlier filter
+  kLeftOutByCrossCheck,  // not given to the second run: it contradicts the others
+  kBoardNotFound,
+  kNotLoaded,            // missing or not an image
+  kLeftOutBeforeTheRun,  // not given to the library
+  kNotReached,           // the run ended before it
+  kNotUsed,              // the board was found, but the run failed
+};
+
+/// used, leftOutByFilter, ...
+const char* Name(PhotographState state);
+
+struct PhotographEntry {
+  std::size_t row = 0;         // line of the data file, from 1; 0 if only a log is known
+  std::string name;            // as the data file has it
+  std::filesystem::path path;  // absolute; empty if only a log is known
+  PhotographState state = PhotographState::kNotReached;
+  std::string reason;                  // why it is not used, or contradicts the others; or empty
+  std::optional<std::size_t> inRun;    // its index in LibraryRun::images and ::record.photographs
+  std::optional<std::size_t> checked;  // its index in CrossCheck::perPhotograph
+};
+
+using PhotographList = std::vector<PhotographEntry>;
+
+/// Before a run: nothing is reached.
+PhotographList ListPhotographs(const std::vector<DataRow>& rows,
+                               const std::filesystem::path& workingFolder);
+
+/// Of a log alone.
+PhotographList ListPhotographs(const RunRecord& record);
+
+/// Indices of the entries that can be given to the library: those that nothing has left out.
+std::vector<std::size_t> ToRun(const PhotographList& list);
+
+/// Enters what the run of these entries says.
+/// @param given Indices of the entries, in the order of the rows that the library was given.
+void EnterRun(const LibraryRun& run, const std::vector<std::size_t>& given, PhotographList& list);
+
+/// Enters why photographs contradict the others.
+void EnterCrossCheck(const crosscheck::CrossCheck& check, PhotographList& list);
+
+/// The names of the photographs that the cross-check takes, in its order.
+std::vector<std::string> CheckedNames(const PhotographList& list);
+
+std::size_t CountInState(const PhotographList& list, PhotographState state);
+
+}  // namespace trackedcam::host
