@@ -50,6 +50,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } else if (kind == FileKind::kText) {
     fuzz::Require(Decode(data, size).empty(), "no picture where no format is known");
   }
-  host::IsWholePicture(fuzz::FileWith(bytes, "picture"));
+  host::IsCompleteImage(fuzz::FileWith(bytes, "picture"));
   return 0;
 }

@@ -34,9 +34,9 @@ void CrossCheckRun(Report& report, bool hasResult) {
   try {
     report.crossCheck = crosscheck::Check(*observations);
   } catch (const std::invalid_argument&) {
-    return;  // a log whose figures contradict each other: there is nothing to check
+    return;  // a log whose values contradict each other: there is nothing to check
   } catch (const std::exception& error) {
-    // The library's result stands, whatever becomes of a second opinion about it.
+    // The library's result is valid without a second opinion.
     report.findings.push_back({"notCrossChecked",
                                Severity::kWarning,
                                std::string("The cross-check stopped: ") + error.what() + '.',
@@ -50,14 +50,14 @@ void CrossCheckRun(Report& report, bool hasResult) {
   Append(report.findings, FindingsOf(*report.crossCheck, CheckedNames(report.photographs)));
 }
 
-// A run that was given zeros for a mounting that nobody stated has no result to compare.
+// A run without a stated mounting was given zeros: it has no result to compare.
 void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) {
   report.findings = ofInput;
   CrossCheckRun(report, hasResult);
   Append(report.findings, FindingsOf(report.run));
   const std::vector<Finding> losses = LossesOf(report.run);
   if (!report.crossCheck) {
-    Append(report.findings, losses);  // a result that nothing else vouches for is doubtful
+    Append(report.findings, losses);  // without a cross-check the result is doubtful
   }
   SortFindings(report.findings);
   report.verdict = VerdictOf(report.run, report.findings);
@@ -84,7 +84,7 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
   return report;
 }
 
-// The linear algebra below the library waits for its 128 MB for ever where it does not get them.
+// Without its 128 MB, the linear algebra below the library never returns.
 void RequireMemory() {
   constexpr std::size_t kBytes = std::size_t{512} << 20;
   const std::unique_ptr<char, void (*)(void*)> block(static_cast<char*>(std::malloc(kBytes)),
@@ -92,10 +92,10 @@ void RequireMemory() {
   if (block == nullptr) {
     throw std::runtime_error("there is too little memory: a calibration begins with 512 MB");
   }
-  *static_cast<volatile char*>(block.get()) = 0;  // else a compiler may leave it all out
+  *static_cast<volatile char*>(block.get()) = 0;  // otherwise a compiler may remove the allocation
 }
 
-// Photographs that the library must not be given are left out of the list's run.
+// Photographs that the library must not be given are left out.
 PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
                            std::vector<Finding>& findings) {
   PhotographList list = ListPhotographs(shoot.rows, inputs.workingFolder);
@@ -136,13 +136,13 @@ PhotographList ListWithoutBad(const Report& first, PhotographList list) {
   return list;
 }
 
-// Of a run without a mounting: its zeros lead to a result or to one of these.
+// Without a mounting a run ends with a result or one of these.
 bool DependsOnMounting(const LibraryRun& run) {
   const std::set<int> codes = {kSuccess, kNewShootRecommended, 6, 13, 14};
   return run.code && codes.count(*run.code) > 0;
 }
 
-// A run without a mounting is no result, whatever its code.
+// Without a mounting there is no result, whatever the code.
 void JudgeAsFailed(Report& report) {
   const std::string wordsOfRun = report.verdict.words;
   report.verdict.level = Level::kFailed;
@@ -157,7 +157,7 @@ void JudgeAsFailed(Report& report) {
   } else if (DependsOnMounting(report.run)) {
     report.verdict.advice = "State the mounting, or shoot more photographs.";
   } else {
-    report.verdict.words += ' ' + wordsOfRun;  // such as that photographs are too few
+    report.verdict.words += ' ' + wordsOfRun;  // such as too few photographs
   }
 }
 
@@ -198,7 +198,7 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
     second.firstRun = std::make_shared<const Report>(std::move(first));
     return second;
   } catch (const std::exception& error) {
-    // Such as a log folder that is gone meanwhile: what the first run found is not lost with it.
+    // Such as a deleted log folder: what the first run found is kept.
     AddNotRefined(first, error.what());
     return first;
   }

@@ -1,4 +1,4 @@
-// All that is known of a calibration when it has ended.
+// Everything that is known after a calibration.
 
 #pragma once
 
@@ -18,16 +18,16 @@
 namespace trackedcam::host {
 
 struct Report {
-  Inputs inputs;  // of this run: with the mounting that it took
+  Inputs inputs;  // of this run: with the mounting that it used
   bool mountingIsStated = true;
   LibraryRun run;
   PhotographList photographs;  // one for each row of the data file, also in a second run
-  /// Nothing where the log ends before corners and lens.
+  /// Nothing if the log ends before corners and lens.
   std::optional<crosscheck::CrossCheck> crossCheck;
-  std::vector<Finding> findings;  // of input and result, the worst first
+  std::vector<Finding> findings;  // about input and result, the worst first
   Verdict verdict;
-  std::vector<EngineExport> exports;       // those that were asked for
-  std::shared_ptr<const Report> firstRun;  // of two; null where one was enough
+  std::vector<EngineExport> exports;       // as requested
+  std::shared_ptr<const Report> firstRun;  // null if there was only one
 };
 
 }  // namespace trackedcam::host

@@ -68,28 +68,29 @@ std::string PhotographIn(const std::string& row) {
 void RequirePlainFile(const fs::path& data) {
   std::error_code error;
   if (!fs::exists(data, error)) {
-    throw InputError("there is no tracker data file " + data.u8string());
+    throw InputError("tracker data file not found: " + data.u8string());
   }
   if (!fs::is_regular_file(data, error)) {
-    throw InputError(data.u8string() + " is no file, so it cannot be the tracker data");
+    throw InputError(data.u8string() + " is not a regular file, expected the tracker data file");
   }
   if (fs::file_size(data, error) > kMostBytes) {
-    throw InputError(data.u8string() + " is far larger than the tracker data of any shoot");
+    throw InputError(data.u8string() + " is larger than " + std::to_string(kMostBytes >> 20) +
+                     " MB, more than the tracker data of any shoot");
   }
 }
 
-// Before the lines are taken apart: that takes many times the memory of the file.
+// Checked before the lines are split, which takes many times the memory of the file.
 void RequireFewLines(const fs::path& data, const std::string& content) {
   const auto lines = static_cast<std::size_t>(std::count(content.begin(), content.end(), '\n'));
   if (lines > kMostRows) {
-    throw InputError(data.u8string() + " goes on after row " + std::to_string(kMostRows) +
-                     ", far more rows than any shoot has");
+    throw InputError(data.u8string() + " has more than " + std::to_string(kMostRows) +
+                     " rows, more than any shoot");
   }
 }
 
 constexpr std::size_t kNumbers = 14;  // after the path
 
-// A comma for most of the numbers; as many columns as a recorder adds have none of their own.
+// A decimal comma in most of the numbers adds as many fields.
 constexpr std::size_t kFieldsWithDecimalCommas = 24;
 
 char SeparatorOf(std::string_view row) {
@@ -142,7 +143,7 @@ bool HasNumberFrom(const Fields& fields, std::size_t first) {
              [](std::string_view field) { return IsNumber(field) || IsDecimalCommaNumber(field); });
 }
 
-// Titles from the third field on; a row of lost numbers has none.
+// Titles from the third field on. A row whose numbers are nan has no titles.
 bool IsHeader(const DataRow& row, const Fields& fields) {
   return row.line == 1 && fields.size() > kFirstPoseField && IsText(fields[kFirstPoseField]) &&
          !IsNumber(fields[0]) && !HasNumberFrom(fields, kFirstPoseField);
@@ -256,11 +257,11 @@ bool IsSkippedRow(std::string_view line) {
 
 void RequireName(const std::string& photograph) {
   if (photograph.empty()) {
-    throw InputError("a photograph has no name");
+    throw InputError("the name of a photograph is empty");
   }
   if (photograph.find_first_of(std::string(",\r\n\0", 4)) != std::string::npos) {
-    throw InputError("the photograph " + photograph +
-                     " has a comma or a line's end in its name, which cannot stand in a data file");
+    throw InputError("the name of the photograph " + photograph +
+                     " contains a comma or a line ending, which a data file cannot hold");
   }
 }
 

@@ -13,11 +13,33 @@ namespace {
 using ToNumber = std::uint64_t (*)(std::string_view);
 using Header = std::optional<PhotographHeader>;
 
-constexpr std::uint64_t kMostEntries = 65535;  // as many as a classic directory counts
-constexpr std::uint64_t kFarthestOffset = std::uint64_t{1}
-                                          << 62;  // so that no sum of offsets overflows
+// Up to eight bytes as an integer, the most significant first.
+std::uint64_t BigEndian(std::string_view bytes) {
+  std::uint64_t number = 0;
+  for (const char byte : bytes) {
+    number = (number << 8) | static_cast<unsigned char>(byte);
+  }
+  return number;
+}
 
-// How long the parts of a directory are, in bytes.
+std::uint64_t LittleEndian(std::string_view bytes) {
+  std::uint64_t number = 0;
+  for (std::size_t i = bytes.size(); i > 0; --i) {
+    number = (number << 8) | static_cast<unsigned char>(bytes[i - 1]);
+  }
+  return number;
+}
+
+struct TiffTags {
+  std::uint64_t width = 0;   // pixels; 0: no such tag
+  std::uint64_t height = 0;  // pixels; 0: no such tag
+  int orientation = 1;       // 1 to 8
+};
+
+constexpr std::uint64_t kMostEntries = 65535;                      // of a classic directory
+constexpr std::uint64_t kFarthestOffset = std::uint64_t{1} << 62;  // no sum of offsets overflows
+
+// Lengths of the parts of a directory, bytes.
 struct Layout {
   std::size_t offset;  // of the directory
   std::size_t count;   // of its entries, and of an entry's values
@@ -33,7 +55,51 @@ std::uint64_t ValueOf(std::string_view entry, ToNumber number) {
   return number(entry.substr(value, std::min(length, entry.size() - value)));
 }
 
-// A header with more parts is no camera's.
+// The first directory of a TIFF file; Exif is one too, inside an image of another format. Offsets
+// in it count from `begin`, where "II" or "MM" is.
+std::optional<TiffTags> ReadTiffTags(const ReadBytes& read, std::uint64_t begin) {
+  const std::string header = read(begin, 16);
+  const std::string mark = header.substr(0, 4);
+  const bool isBig = mark == std::string("II+\0", 4) || mark == std::string("MM\0+", 4);
+  const bool isClassic = mark == std::string("II*\0", 4) || mark == std::string("MM\0*", 4);
+  const Layout& layout = isBig ? kBig : kClassic;
+  if ((!isBig && !isClassic) || header.size() < 2 * layout.offset) {
+    return std::nullopt;
+  }
+  const ToNumber number = mark[0] == 'I' ? LittleEndian : BigEndian;
+  const std::uint64_t offset =
+      number(std::string_view(header).substr(layout.offset, layout.offset));
+  if (offset > kFarthestOffset || begin > kFarthestOffset) {
+    return std::nullopt;
+  }
+  const std::string count = read(begin + offset, layout.count);
+  if (count.size() < layout.count) {
+    return std::nullopt;
+  }
+  const auto entries = static_cast<std::size_t>(std::min(number(count), kMostEntries));
+  const std::string directory = read(begin + offset + layout.count, entries * layout.entry);
+  TiffTags tags;
+  for (std::size_t at = 0; at + layout.entry <= directory.size(); at += layout.entry) {
+    const std::string_view entry = std::string_view(directory).substr(at, layout.entry);
+    const std::uint64_t value = ValueOf(entry, number);
+    switch (number(entry.substr(0, 2))) {
+      case 256:
+        tags.width = std::max(tags.width, value);  // a decoder may use either of two tags
+        break;
+      case 257:
+        tags.height = std::max(tags.height, value);
+        break;
+      case 274:
+        tags.orientation = value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
+        break;
+      default:
+        break;
+    }
+  }
+  return tags;
+}
+
+// No camera writes more parts.
 constexpr int kMostParts = 1000;
 
 std::string_view Part(const std::string& bytes, std::size_t begin, std::size_t length) {
@@ -61,7 +127,7 @@ bool StandsAlone(std::uint64_t jpegMarker) {
   return jpegMarker == 0x01 || (jpegMarker >= 0xD0 && jpegMarker <= 0xD8);
 }
 
-// Where the next marker stands; decoders pass over what is none. Nothing where it is far.
+// The offset of the next marker: decoders skip other bytes. Nothing if it is far away.
 std::optional<std::uint64_t> NextMarker(const ReadBytes& read, std::uint64_t offset) {
   constexpr std::size_t kFarthest = 65536;
   const std::string bytes = read(offset, kFarthest);
@@ -95,7 +161,7 @@ Header JpegHeader(const ReadBytes& read) {
       offset += 2;
       continue;
     }
-    if (marker == 0xDA) {  // here the picture begins
+    if (marker == 0xDA) {  // the pixels begin
       return HeaderOf(PhotographFormat::kJpeg, header.width, header.height, header.orientation);
     }
     if (HoldsSize(marker) && bytes.size() >= 9) {
@@ -133,7 +199,7 @@ Header PngHeader(const ReadBytes& read) {
                   BigEndian(Part(begin, 20, 4)), orientation);
 }
 
-// From bottom to top where the height is positive, else from top to bottom.
+// A negative height means rows from top to bottom.
 std::uint64_t Magnitude(std::uint64_t number) {
   return number < 0x80000000U ? number : 0x100000000U - number;
 }
@@ -156,7 +222,7 @@ Header TiffHeader(const ReadBytes& read) {
               : std::nullopt;
 }
 
-// A lossy picture, a lossless one, or the canvas that both may have.
+// Lossy, lossless, or the canvas of either.
 void TakeWebpSize(const std::string& chunk, PhotographHeader& header) {
   const std::string_view name = Part(chunk, 0, 4);
   if (chunk.size() < 18 || (header.width != 0 && name != "VP8X")) {
@@ -195,8 +261,7 @@ Header WebpHeader(const ReadBytes& read) {
   return HeaderOf(PhotographFormat::kWebp, header.width, header.height, header.orientation);
 }
 
-// What the bytes of a file say, none of which there are where it is no regular one: a pipe is never
-// opened.
+// Reads no bytes from what is not a regular file: a pipe is never opened.
 template <class Ask>
 auto OfFile(const std::filesystem::path& file, Ask ask) {
   std::error_code error;
@@ -205,7 +270,7 @@ auto OfFile(const std::filesystem::path& file, Ask ask) {
   }
   const std::uintmax_t size = std::filesystem::file_size(file, error);
   std::ifstream stream;
-  stream.rdbuf()->pubsetbuf(nullptr, 0);  // else each step of some bytes reads a block
+  stream.rdbuf()->pubsetbuf(nullptr, 0);  // otherwise each small step reads a block
   stream.open(file, std::ios::binary);
   return ask([&](std::uint64_t offset, std::size_t count) {
     std::string bytes(count, '\0');
@@ -241,48 +306,6 @@ bool EndsWith(std::string_view text, std::string_view end) {
 }
 
 }  // namespace
-
-std::optional<TiffTags> ReadTiffTags(const ReadBytes& read, std::uint64_t begin) {
-  const std::string header = read(begin, 16);
-  const std::string mark = header.substr(0, 4);
-  const bool isBig = mark == std::string("II+\0", 4) || mark == std::string("MM\0+", 4);
-  const bool isClassic = mark == std::string("II*\0", 4) || mark == std::string("MM\0*", 4);
-  const Layout& layout = isBig ? kBig : kClassic;
-  if ((!isBig && !isClassic) || header.size() < 2 * layout.offset) {
-    return std::nullopt;
-  }
-  const ToNumber number = mark[0] == 'I' ? LittleEndian : BigEndian;
-  const std::uint64_t offset =
-      number(std::string_view(header).substr(layout.offset, layout.offset));
-  if (offset > kFarthestOffset || begin > kFarthestOffset) {
-    return std::nullopt;
-  }
-  const std::string count = read(begin + offset, layout.count);
-  if (count.size() < layout.count) {
-    return std::nullopt;
-  }
-  const auto entries = static_cast<std::size_t>(std::min(number(count), kMostEntries));
-  const std::string directory = read(begin + offset + layout.count, entries * layout.entry);
-  TiffTags tags;
-  for (std::size_t at = 0; at + layout.entry <= directory.size(); at += layout.entry) {
-    const std::string_view entry = std::string_view(directory).substr(at, layout.entry);
-    const std::uint64_t value = ValueOf(entry, number);
-    switch (number(entry.substr(0, 2))) {
-      case 256:
-        tags.width = std::max(tags.width, value);  // whichever of two a decoder takes
-        break;
-      case 257:
-        tags.height = std::max(tags.height, value);
-        break;
-      case 274:
-        tags.orientation = value >= 1 && value <= 8 ? static_cast<int>(value) : 1;
-        break;
-      default:
-        break;
-    }
-  }
-  return tags;
-}
 
 Header ReadPhotographHeader(const ReadBytes& read) {
   const std::string mark = read(0, 12);
@@ -335,7 +358,7 @@ Header ReadPhotographHeader(const std::filesystem::path& file) {
   return OfFile(file, [](const ReadBytes& read) { return ReadPhotographHeader(read); });
 }
 
-bool IsWholePicture(const std::filesystem::path& file) {
+bool IsCompleteImage(const std::filesystem::path& file) {
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) {
     return false;
@@ -359,7 +382,7 @@ bool IsWholePicture(const std::filesystem::path& file) {
     return LittleEndian(mark.substr(4, 4)) + 8 <= size;
   }
   if (mark.substr(0, 2) == "II" || mark.substr(0, 2) == "MM") {
-    return ReadPhotographHeader(file).has_value();  // its directory stands behind the pixels
+    return ReadPhotographHeader(file).has_value();  // its directory is behind the pixels
   }
   return true;
 }

@@ -26,22 +26,21 @@ bool AreFinite(const std::array<double, N>& numbers) {
 void RequirePossible(const Inputs& inputs) {
   const auto [width, height] = inputs.sensorMm;
   Require(AreFinite(inputs.sensorMm) && width > 0 && height > 0,
-          "a sensor of " + Shortest(width) + " x " + Shortest(height) +
-              " cannot be: state its width and height in millimetres");
+          "sensor of " + Shortest(width) + " x " + Shortest(height) +
+              " mm: width and height must be above 0");
   for (const int corners : inputs.board) {
     Require(corners >= kLeastInnerCorners && corners <= kMostInnerCorners,
-            "a board with " + std::to_string(corners) +
-                " inner corners in one direction cannot be: it has " +
-                std::to_string(kLeastInnerCorners) + " to " + std::to_string(kMostInnerCorners) +
-                " of them");
+            "board with " + std::to_string(corners) + " inner corners in one direction: expected " +
+                std::to_string(kLeastInnerCorners) + " to " + std::to_string(kMostInnerCorners));
   }
-  Require(inputs.squareMetres > 0 && inputs.squareMetres < 1,
-          "squares of " + Shortest(inputs.squareMetres) +
-              " cannot be: state their edge in metres, above 0 and below 1");
+  Require(
+      inputs.squareMetres > 0 && inputs.squareMetres < 1,
+      "square of " + Shortest(inputs.squareMetres) + " m: the edge must be above 0 and below 1 m");
   Require(!inputs.mounting || (AreFinite(inputs.mounting->rotationDegrees) &&
                                AreFinite(inputs.mounting->translationMetres)),
-          "a mounting with an infinite figure, or one that is no number, cannot be");
-  Require(inputs.expectedRecords.value_or(0) >= 0, "fewer than no rows cannot be expected");
+          "the mounting contains an infinite or NaN value");
+  Require(inputs.expectedRecords.value_or(0) >= 0,
+          "the expected number of records must not be negative");
 }
 
 }  // namespace trackedcam::host

@@ -79,7 +79,7 @@ struct Picture {
 
   // Not every decoder turns a WebP picture, and this one does not.
   Size Decoded() const {
-    const bool isTurned = header.IsTurnedAside() && header.format != PhotographFormat::kWebp;
+    const bool isTurned = header.IsRotated() && header.format != PhotographFormat::kWebp;
     return isTurned ? Size{header.height, header.width} : Stored();
   }
 };

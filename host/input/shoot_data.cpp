@@ -12,7 +12,7 @@ ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& f
   if (shoot.rows.empty()) {
     throw InputError(shoot.findings.empty()
                          ? file.u8string() +
-                               " has no row: record one row of tracker data for each photograph"
+                               " has no rows: record one row of tracker data for each photograph"
                          : shoot.findings.front().text + ' ' + shoot.findings.front().advice);
   }
   return shoot;

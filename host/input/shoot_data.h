@@ -17,7 +17,8 @@ struct ShootData {
   std::vector<Finding> findings;  // about the rows
 };
 
-/// @throws InputError if the file cannot be read or converted, or has no row; it says what is wrong.
+/// @throws InputError if the file cannot be read or converted, or has no row; it says what is
+/// wrong.
 ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame);
 
 }  // namespace trackedcam::host

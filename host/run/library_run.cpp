@@ -27,13 +27,13 @@ int CallLibrary(const Inputs& inputs, const Mounting& mounting, const RunData& d
                      inputs.invertTrackerQuaternions, records);
 }
 
-// A message of several lines would not stand in a sentence.
+// Messages are parts of sentences.
 std::string OneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
   return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-// The log is written before each step: its last lines tell in which one the call ended.
+// The log has a line before each step, so its last lines show where the call ended.
 std::string StoppedAt(const RunRecord& record, const std::vector<DataRow>& rows) {
   const std::size_t count = record.photographs.size();
   const auto hasRaw = [](const Photograph& photograph) { return photograph.raw.has_value(); };
@@ -49,7 +49,7 @@ std::string StoppedAt(const RunRecord& record, const std::vector<DataRow>& rows)
 std::vector<fs::path> CompleteImages(const RunData& data) {
   std::vector<fs::path> images;
   for (const fs::path& image : data.images) {
-    images.push_back(IsWholePicture(image) ? image : fs::path());
+    images.push_back(IsCompleteImage(image) ? image : fs::path());
   }
   return images;
 }
@@ -69,7 +69,7 @@ std::vector<std::string> PhotographsWithoutImage(const LibraryRun& run) {
   return missing;
 }
 
-// The library may have been given other names for them.
+// The library may have been given absolute paths.
 void NameAsGiven(std::vector<Photograph>& photographs, const std::vector<DataRow>& rows) {
   for (std::size_t i = 0; i < photographs.size() && i < rows.size(); ++i) {
     photographs[i].path = rows[i].photograph;

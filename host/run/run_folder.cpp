@@ -129,7 +129,7 @@ fs::path CreateNumberedFolder(const fs::path& logFolder, const std::string& word
     RequireWritable(folder);
     return folder;
   } catch (const std::exception& error) {
-    throw InputError("cannot write below the log folder " + logFolder.u8string() +
+    throw InputError("cannot write to the log folder " + logFolder.u8string() +
                      ", and without a log there is no record of a run: " + error.what());
   }
 }
@@ -155,7 +155,8 @@ RunData WriteRunData(const std::vector<DataRow>& rows, const fs::path& workingFo
 
 void WriteRunConfig(const Inputs& inputs, const std::optional<Mounting>& mounting,
                     const fs::path& runFolder) {
-  std::string text = "# The options of this run: trackedcam calibrate --config calibrate.toml\n[calibrate]\n";
+  std::string text =
+      "# The options of this run: trackedcam calibrate --config calibrate.toml\n[calibrate]\n";
   const auto add = [&](const char* option, const std::string& value) {
     text += std::string(option) + " = " + value + '\n';
   };
@@ -163,8 +164,7 @@ void WriteRunConfig(const Inputs& inputs, const std::optional<Mounting>& mountin
   add("working-folder", Quoted(inputs.workingFolder.u8string()));
   add("log-folder", Quoted(".."));
   add("sensor", '"' + Shortest(inputs.sensorMm[0]) + 'x' + Shortest(inputs.sensorMm[1]) + '"');
-  add("board",
-      '"' + std::to_string(inputs.board[0]) + 'x' + std::to_string(inputs.board[1]) + '"');
+  add("board", '"' + std::to_string(inputs.board[0]) + 'x' + std::to_string(inputs.board[1]) + '"');
   add("square", Shortest(inputs.squareMetres));
   if (mounting) {
     add("chart-rotation", NumbersText(mounting->rotationDegrees));

@@ -11,8 +11,8 @@
 
 namespace trackedcam::host {
 
-/// Creates the next folder that does not exist yet: run_001, run_002 and so on. Two runs never share
-/// one, so the log in it is that of this run alone.
+/// Creates the next folder that does not exist yet: run_001, run_002 and so on. Two runs never
+/// share one, so the log in it is that of this run alone.
 /// @param logFolder Created if missing.
 /// @throws InputError if nothing can be written there: without a log there is no record of a run.
 std::filesystem::path CreateRunFolder(const std::filesystem::path& logFolder);
@@ -29,9 +29,9 @@ struct RunData {
 };
 
 /// Writes the rows into the run's folder, so that what was checked is what is calibrated, whatever
-/// becomes of the file that they came from; and the folders of the images, since the library creates
-/// none. A photograph gets its absolute path if the library would not find it by its name, or if the
-/// name would lead the image out of the folder.
+/// becomes of the file that they came from; and the folders of the images, since the library
+/// creates none. A photograph gets its absolute path if the library would not find it by its name,
+/// or if the name would lead the image out of the folder.
 /// @throws std::runtime_error if the file cannot be written.
 RunData WriteRunData(const std::vector<DataRow>& rows, const std::filesystem::path& workingFolder,
                      const std::filesystem::path& runFolder);

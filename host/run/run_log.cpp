@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr int kTooFewLeft = 13;
 
-constexpr std::size_t kLongestLine = 1 << 20;  // what is beyond no line of a log holds
+constexpr std::size_t kLongestLine = 1 << 20;  // bytes; no line of a log is longer
 constexpr std::string_view kTimeForm = "dddd-dd-dd dd:dd:dd\t";
 
 bool BeginsWithTime(std::string_view line) {
@@ -29,7 +29,7 @@ bool BeginsWithTime(std::string_view line) {
          });
 }
 
-// What follows the prefix; nothing for a text that begins otherwise.
+// The text after the prefix; nothing if it begins differently.
 std::optional<std::string> After(std::string_view prefix, const std::string& text) {
   if (text.compare(0, prefix.size(), prefix) != 0) {
     return std::nullopt;
@@ -37,8 +37,7 @@ std::optional<std::string> After(std::string_view prefix, const std::string& tex
   return text.substr(prefix.size());
 }
 
-// The numbers of a line, with blanks, commas and brackets between them; nothing where there is any
-// other text.
+// The numbers of a line, separated by blanks, commas and brackets; nothing if there is other text.
 std::optional<std::vector<double>> Numbers(std::string_view text) {
   constexpr std::string_view kBetween = " ,[]()";
   std::vector<double> numbers;
@@ -81,7 +80,7 @@ void SetFromPrefix(Figure& figure, std::string_view prefix, const std::string& m
   }
 }
 
-// The corners stand row by row, the first in the origin; the last one's place is the most exact.
+// The corners are listed row by row from the origin; the last one gives the most exact square.
 std::optional<BoardRecord> BoardOf(const std::vector<std::array<double, 2>>& corners) {
   const auto endOfRow = std::find_if(corners.begin(), corners.end(),
                                      [](const auto& corner) { return corner[1] != 0; });
@@ -162,7 +161,7 @@ void RunLogReader::ConsumeLine(std::string_view line) {
   if (!BeginsWithTime(line)) {
     return;
   }
-  // Which line ends the log has shows in its first line, which holds no path.
+  // The first line, which holds no path, shows which line endings the log has.
   hasCarriageReturns_ = time_.empty() ? !line.empty() && line.back() == '\r' : hasCarriageReturns_;
   if (hasCarriageReturns_ && line.back() == '\r') {
     line.remove_suffix(1);
@@ -184,7 +183,7 @@ void RunLogReader::ConsumeMessage(const std::string& message) {
       break;
     case Section::kRawData:
       ReadRawData(message);
-      return;  // its lines are nobody's last words
+      return;  // its lines do not say where a run stopped
     case Section::kLens:
       ReadLens(message);
       break;
@@ -243,7 +242,7 @@ void RunLogReader::ReadPhotographs(const std::string& message) {
   }
 }
 
-// Whether the line says why the photograph before it is dropped.
+// Whether the line says why the photograph was dropped.
 bool RunLogReader::ReadDrop(const std::string& message) {
   if (record_.photographs.empty() || record_.photographs.back().dropped) {
     return false;
@@ -257,7 +256,7 @@ bool RunLogReader::ReadDrop(const std::string& message) {
   return last.dropped.has_value();
 }
 
-// A name may read like the lines around it: the data file knows which photographs there are.
+// A name may look like a line of the log, so the names of the data file are used.
 void RunLogReader::NamePhotographs() {
   if (photographs_.empty()) {
     return;
@@ -272,7 +271,7 @@ void RunLogReader::NamePhotographs() {
   }
 }
 
-// For each photograph a line with its path, one with its row, and one for each corner.
+// For each photograph: a line with its path, one with its row, one for each corner.
 void RunLogReader::ReadRawData(const std::string& message) {
   const std::size_t corners = boardCorners_.size();
   if (!rawData_.empty() && rawData_.back().raw->corners.size() < corners) {
@@ -282,14 +281,14 @@ void RunLogReader::ReadRawData(const std::string& message) {
   } else if (const auto row = NumbersIn<15>(message)) {
     rawData_.push_back({rawPath_, std::nullopt, RawData{*row, {}}});
     rawPath_.clear();
-  } else {  // no row: what seemed to name a photograph was "RAW DATA END"
+  } else {  // no row: the line before was "RAW DATA END"
     EndRawData();
     section_ = Section::kLens;
     ConsumeMessage(message);
   }
 }
 
-// Which photographs are in use is what the raw data says: they stand there with all their lines.
+// The photographs in use are those with raw data.
 void RunLogReader::EndRawData() {
   NamePhotographs();
   std::map<std::string, std::vector<RawData*>> rawByPath;
@@ -327,7 +326,7 @@ void RunLogReader::ReadLens(const std::string& message) {
   if (message == "Camera calibration start.") {
     lens_ = {};
     BeginStage("Solving the lens", 0);
-  } else if (message == "Start OrganizeRT.") {  // the lens is accepted and told in full
+  } else if (message == "Start OrganizeRT.") {  // the lens is accepted and complete
     record_.lens = lens_;
     section_ = Section::kTrackers;
     isSecondSolve_ = false;
@@ -387,7 +386,7 @@ bool RunLogReader::ReadImageError(const std::string& message) {
   return true;
 }
 
-// From here on the log counts among the photographs that are in use. Null if there is none.
+// The lines of the solves count only the photographs in use. Null if there is none.
 Photograph* RunLogReader::InUse(int index) {
   for (Photograph& photograph : record_.photographs) {
     if (!photograph.dropped && index-- == 0) {
@@ -441,8 +440,8 @@ LogFollower::LogFollower(fs::path folder, std::vector<std::string> photographs,
     : folder_(std::move(folder)),
       reader_(std::move(photographs), std::move(listener)),
       thread_([this, stopped = stop_.get_future()] {
-        // What is thrown here, for want of memory or by the listener, must not end the process.
-        // The run goes on, and its record is what was read so far.
+        // An exception, of the listener or for lack of memory, must not end the process. The run
+        // goes on, and its record is what was read so far.
         try {
           while (stopped.wait_for(kPause) == std::future_status::timeout) {
             ReadMore();

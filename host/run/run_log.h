@@ -1,4 +1,4 @@
-// What the log of a run tells.
+// The log of a run, read while it grows or afterwards.
 
 #pragma once
 
@@ -20,16 +20,16 @@ namespace trackedcam::host {
 
 enum class DropReason { kNotLoaded, kBoardNotFound, kOutlier };
 
-/// What was read and found of a photograph in which the board was seen.
+/// Row and corners of a photograph in which the board was found.
 struct RawData {
-  std::array<double, 15> row = {};             // as the library read it: the time, then Tc and Tr,
+  std::array<double, 15> row = {};             // as the library read it: time, then Tc and Tr,
                                                // each position (metres) and quaternion w, x, y, z
   std::vector<std::array<double, 2>> corners;  // pixels, row by row of the board
 };
 
 struct Photograph {
   std::string path;                   // as the data file has it
-  std::optional<DropReason> dropped;  // nothing for one that is in use
+  std::optional<DropReason> dropped;  // nothing: in use
   std::optional<RawData> raw = {};
   std::optional<double> errorPixels = {};  // mean of the last pass that had it
 };
@@ -55,11 +55,11 @@ struct RunRecord {
   bool invertsQuaternions = false;
   std::optional<BoardRecord> board;
   std::vector<Photograph> photographs;      // in the order of the rows
-  std::optional<LensRecord> lens;           // when the lens was solved and accepted
+  std::optional<LensRecord> lens;           // if the lens was solved and accepted
   std::optional<double> lensError;          // of the lens solution, pixels
   std::optional<double> reprojectionError;  // mean of the last pass, pixels
-  std::optional<double> spread;             // of the single photographs' translations, metres
-  /// Of the second solve, 16 numbers row by row; empty when the run did not get there.
+  std::optional<double> spread;             // of the translations of single photographs, metres
+  /// Of the second solve, 16 numbers row by row; empty if the run did not reach it.
   std::vector<double> transformCamTc;
   std::string errorMessage;  // of the last error line, without its code
   std::optional<int> errorCode;
@@ -67,7 +67,7 @@ struct RunRecord {
   bool isSuccessful = false;  // the log's last line says so
 };
 
-/// What the library handed out, as far as the log tells it, which is to six decimals.
+/// The library's results, which the log has with six decimals.
 CalibrationOutputs OutputsOf(const RunRecord& record);
 
 /// Whether the library's result rests on the photograph.
@@ -75,10 +75,8 @@ bool IsUsed(const RunRecord& record, const Photograph& photograph);
 
 std::vector<std::string> UsedPhotographs(const RunRecord& record);
 
-/// True when photographs were loaded and the board was found in none of them.
+/// True if photographs were loaded and the board was found in none of them.
 bool IsBoardNowhere(const RunRecord& record);
-
-// Reads the log of a calibration, as it grows or afterwards.
 
 struct Progress {
   std::string stage;
@@ -88,12 +86,12 @@ struct Progress {
 
 using ProgressListener = std::function<void(const Progress&)>;
 
-/// Lines are told apart by where they stand, never by what they hold alone: a log names
-/// photographs, and a photograph may be named like any line.
+/// Reads each line by its place in the log, never by its text alone: a photograph may be named like
+/// any line.
 class RunLogReader {
  public:
-  /// The listener hears of every stage and of every photograph that is done.
-  /// @param photographs Those of the data file, in its order; empty where it is not known.
+  /// @param photographs Names in the order of the data file; empty if it is not known.
+  /// @param listener Called for every stage and every photograph that is done.
   explicit RunLogReader(
       std::vector<std::string> photographs = {},
       ProgressListener listener = [](const Progress&) {});
@@ -101,7 +99,7 @@ class RunLogReader {
   /// Takes the next piece of the log, of any length.
   void Consume(std::string_view text);
 
-  /// Of a log that holds several runs, the last one's.
+  /// The last run's, if the log holds several.
   const RunRecord& Record() const { return record_; }
 
  private:
@@ -135,16 +133,16 @@ class RunLogReader {
   std::string rawPath_;              // the line that names the next photograph, or ends the data
   std::vector<Photograph> rawData_;  // so far
   LensRecord lens_;
-  std::size_t matrixRows_ = 0;  // that are still to come
+  std::size_t matrixRows_ = 0;  // still to come
   bool isSecondSolve_ = false;
   RunRecord record_;
 };
 
-/// The record of a log that is complete or as far as it goes.
+/// The record of a whole log, or as far as it goes.
 RunRecord ReadRunLog(std::istream& log);
 
-/// Reads the log that the library writes into a folder of its own, while it writes it. The library
-/// names the log itself, after the second in which it begins.
+/// Reads the log while the library writes it. The library names it after the second in which it
+/// begins, so the folder must hold no other log.
 class LogFollower {
  public:
   /// @param listener Called on a thread of the follower, until Stop.
@@ -154,10 +152,10 @@ class LogFollower {
   LogFollower(const LogFollower&) = delete;
   LogFollower& operator=(const LogFollower&) = delete;
 
-  /// Reads what is left. To be called once, when the library has returned.
+  /// Reads the rest. Call it once, after the library has returned.
   RunRecord Stop();
 
-  /// Empty when the library could not write one.
+  /// Empty if the library could not write one.
   const std::filesystem::path& Log() const { return log_; }
 
  private:
@@ -171,7 +169,7 @@ class LogFollower {
   std::thread thread_;
 };
 
-/// The log in a folder; an empty path when there is none.
+/// The log in a folder; an empty path if there is none.
 std::filesystem::path FindLog(const std::filesystem::path& folder);
 
 }  // namespace trackedcam::host

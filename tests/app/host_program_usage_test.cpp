@@ -79,7 +79,7 @@ TEST_F(HostProgramUsage, NeedsADataFile) {
 TEST_F(HostProgramUsage, NeedsRows) {
   test::WriteFile(folder.File("empty.csv"), "Time,Image\n");
   ExpectUsageError(Calibrate({"--data", "empty.csv", "--board", "9x6", "--square", "0.03"}),
-                   "empty.csv has no row");
+                   "empty.csv has no rows");
   EXPECT_FALSE(std::filesystem::exists(folder.Path() / "log"));
 }
 

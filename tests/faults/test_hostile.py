@@ -101,7 +101,7 @@ class HostileInput(Shoot):
         self.write_data([""] * 999000 + rows)
         self.assert_named("There is nothing in rows 2, 3, 4")
         self.write_data([""] * 1000001)
-        self.assert_named("goes on after row 1000000", 2)
+        self.assert_named("has more than 1000000 rows", 2)
 
     def test_figures_that_are_none(self):
         rows = self.rows()

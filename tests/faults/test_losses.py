@@ -57,7 +57,7 @@ class FullDisk(Shoot):
             (self.log_folder / "filler").write_bytes(b" " * 4096)
             done = self.calibrate()
             self.assertEqual(done.returncode, 2)
-            self.assertRegex(done.stderr, "cannot write below the log folder")
+            self.assertRegex(done.stderr, "cannot write to the log folder")
 
     def test_a_full_disk_keeps_the_old_result(self):
         disk = self.home / "disk"
@@ -89,7 +89,7 @@ class PlacesThatCannotBeWritten(Shoot):
         self.assertRegex(done.stderr, "--log-folder: cannot create the folder")
         done = self.calibrate("--log-folder", "/proc")
         self.assertEqual(done.returncode, 2, done.stderr)
-        self.assertRegex(done.stderr, "cannot write below the log folder /proc")
+        self.assertRegex(done.stderr, "cannot write to the log folder /proc")
 
     def test_a_result_that_cannot_be_written_costs_nothing_else(self):
         done = self.calibrate("--result", "/proc/result.json", "--report", "/proc/page.html")

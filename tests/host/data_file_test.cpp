@@ -91,12 +91,12 @@ class DataFileOnDisk : public testing::Test {
 
 TEST_F(DataFileOnDisk, NeedsARow) {
   test::WriteFile(folder.File("data.csv"), "Time,Image\n");
-  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv has no row"));
+  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv has no rows"));
 }
 
 TEST_F(DataFileOnDisk, HasAMillionRowsAtMost) {
   test::WriteFile(folder.File("data.csv"), std::string(1000001, '\n'));
-  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("data.csv goes on after row 1000000"));
+  EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("has more than 1000000 rows"));
 }
 
 TEST_F(DataFileOnDisk, IsReadWhole) {
@@ -105,8 +105,8 @@ TEST_F(DataFileOnDisk, IsReadWhole) {
 }
 
 TEST_F(DataFileOnDisk, MustBeAFile) {
-  EXPECT_THAT(ErrorOf(""), HasSubstr("is no file"));
-  EXPECT_THAT(ErrorOf("missing.csv"), HasSubstr("there is no tracker data file"));
+  EXPECT_THAT(ErrorOf(""), HasSubstr("is not a regular file"));
+  EXPECT_THAT(ErrorOf("missing.csv"), HasSubstr("tracker data file not found"));
 }
 
 }  // namespace

@@ -70,9 +70,8 @@ TEST_F(RunDataTest, KeepsEveryImageInTheRunFolder) {
 // The library takes what follows the last backslash, and creates no folder.
 TEST_F(RunDataTest, KnowsWhereTheLibraryWritesTheImages) {
   const RunData data = Write({"photos/a.jpg", "/a/b/c.jpg", "D:\\shoot\\c.jpg", "x\\y/c.jpg"});
-  EXPECT_THAT(data.images,
-              ElementsAre(run / "Reproject_photos/a.jpg", run / "Reproject_/a/b/c.jpg",
-                          run / "Reproject_c.jpg", run / "Reproject_y/c.jpg"));
+  EXPECT_THAT(data.images, ElementsAre(run / "Reproject_photos/a.jpg", run / "Reproject_/a/b/c.jpg",
+                                       run / "Reproject_c.jpg", run / "Reproject_y/c.jpg"));
   EXPECT_TRUE(fs::is_directory(run / "Reproject_photos"));
   EXPECT_TRUE(fs::is_directory(run / "Reproject_" / "a" / "b"));
   EXPECT_FALSE(fs::exists(run / "Reproject_photos" / "a.jpg"));

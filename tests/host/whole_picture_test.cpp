@@ -11,7 +11,7 @@ class WholePicture : public testing::TestWithParam<const char*> {
  protected:
   bool IsWhole(const std::string& bytes) const {
     test::WriteFile(folder.File("picture"), bytes);
-    return IsWholePicture(folder.Path() / "picture");
+    return IsCompleteImage(folder.Path() / "picture");
   }
 
   test::TemporaryFolder folder;
@@ -38,8 +38,8 @@ INSTANTIATE_TEST_SUITE_P(Formats, WholePicture,
 
 TEST(WholePictureTest, IsAFile) {
   const test::TemporaryFolder folder;
-  EXPECT_FALSE(IsWholePicture(folder.Path()));
-  EXPECT_FALSE(IsWholePicture(folder.Path() / "missing.jpg"));
+  EXPECT_FALSE(IsCompleteImage(folder.Path()));
+  EXPECT_FALSE(IsCompleteImage(folder.Path() / "missing.jpg"));
 }
 
 }  // namespace
