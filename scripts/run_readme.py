@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Runs the commands that the README shows, as a reader would, after scripts/demo.sh has built a release.
+"""Runs the commands in the README: first those that build a release, then those that use the program.
 
-The program runs in a folder of its own, where the installed files go as well. The scripts that CI runs
-anyway are left to it.
+The program runs in a temporary folder, which also receives the installed files. Scripts that .ci/run
+runs itself are skipped.
 """
 
 import os
@@ -17,6 +17,7 @@ ci = (root / ".ci/run").read_text(encoding="utf-8").split()
 commands = [command for command in
             re.findall(r"^    ((?:cmake|cpack|trackedcam|scripts/\S+)\b.*)$", readme, re.MULTILINE)
             if command.split()[0] not in ci]
+commands.sort(key=lambda command: command.startswith("trackedcam"))
 assert len(commands) >= 7, f"only {commands} found"
 
 with tempfile.TemporaryDirectory() as home:
