@@ -1,19 +1,23 @@
 #!/bin/sh
-# Builds what the Windows DLL stands on from Debian's source packages, and links
-# build/windows-dependencies to the result. The result is cached outside the tree, so that a second
-# run takes seconds: in $TRACKEDCAM_CACHE, or else in the user's cache folder.
+# Builds the libraries that the Windows DLL needs from Debian's source packages, and links
+# build/windows-dependencies to the result.
+# Usage: scripts/build_windows_dependencies.sh
+#
+# The result is cached outside the tree, so a second run takes seconds: in $TRACKEDCAM_CACHE if it is
+# set, otherwise in the user's cache folder.
 set -eu
 cd "$(dirname "$0")/.."
 root=$PWD
 toolchain=$root/cmake/mingw-w64.cmake
 
-# The cache holds one folder for each state of what the result is made with and of.
+# The cache has one folder for each version of this script and of the toolchain file, without their
+# comments, and of these packages.
 made_with="g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
   mingw-w64-x86-64-dev nasm cmake libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
   libtomlplusplus-dev libboost-dev"
 # shellcheck disable=SC2086  # one word for each package
 key=$({
-  cat "$0" "$toolchain"
+  sed '/^ *# /d' "$0" "$toolchain"
   dpkg-query -W $made_with
 } | sha256sum | cut -c1-16)
 cache=${TRACKEDCAM_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/trackedcam}
@@ -21,7 +25,7 @@ prefix=$cache/windows-$key
 stamp=$prefix/complete
 work=$prefix/work
 
-# Source packages through lists of our own, made of the machine's: they may lack the sources.
+# Separate package lists, made from this machine's, which may lack source packages.
 update_source_lists() {
   mkdir -p sources lists/partial
   for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list \
@@ -43,8 +47,8 @@ END
   apt-get update --quiet=2
 }
 
-# fetch PACKAGE: unpacks the newest version that the mirror has; its list can be ahead of it. Its
-# licence goes where a binary package would put it.
+# fetch PACKAGE: unpacks the newest version that can be fetched (a mirror's list can be ahead of its
+# files) and copies its licence to where a binary package has it.
 fetch() {
   for version in $(apt-cache showsrc "$1" | sed -n 's/^Version: //p' | sort --reverse --version-sort); do
     if apt-get source --quiet=2 --only-source "$1=$version"; then
@@ -54,7 +58,7 @@ fetch() {
       return
     fi
   done
-  echo "$1: no version of the source package can be fetched." >&2
+  echo "$1: no version of the source package could be fetched." >&2
   exit 1
 }
 
@@ -69,7 +73,7 @@ build() {
     { tail -n 50 "build-$package.log" >&2; exit 1; }
 }
 
-# Files that Debian has ready: zlib without its import library, and headers for every system.
+# Ready files from Debian's packages: zlib without its import library, and headers for any system.
 copy_packages() {
   mkdir -p "$prefix/lib" "$prefix/include" "$prefix/share/cmake/tomlplusplus"
   cp /usr/x86_64-w64-mingw32/lib/libz.a "$prefix/lib"
@@ -79,7 +83,7 @@ copy_packages() {
   cp -R /usr/share/eigen3 "$prefix/share"
   cp -R /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake"
 
-  # Debian's package of toml++ leads to a shared library of its own; here its headers are all.
+  # Debian's CMake package of toml++ names a shared library. Here only its headers are used.
   cp "$(dpkg -L libtomlplusplus-dev | grep 'ConfigVersion\.cmake$')" "$prefix/share/cmake/tomlplusplus"
   cat >"$prefix/share/cmake/tomlplusplus/tomlplusplusConfig.cmake" <<'END'
 get_filename_component(prefix "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
@@ -91,7 +95,7 @@ if(NOT TARGET tomlplusplus::tomlplusplus)
 endif()
 END
 
-  # Licences of these, and of the compilers' runtimes, which go into the DLL as well.
+  # The licences of these, and of the compilers' runtimes, which are linked into the DLL too.
   boost=$(dpkg -S /usr/include/boost/version.hpp)
   for package in libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev \
     libtomlplusplus-dev "${boost%%:*}" gcc-mingw-w64-base mingw-w64-x86-64-dev; do
@@ -104,7 +108,7 @@ build_image_formats() {
     -DZLIB_INCLUDE_DIR="$prefix/include"
   build libjpeg-turbo -DENABLE_SHARED=OFF -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
 
-  # Of the compressions of TIFF, those that cameras and image programs write.
+  # Only the TIFF compressions that cameras and image programs write.
   options=""
   for option in BUILD_SHARED_LIBS tiff-tools tiff-tests tiff-contrib tiff-docs cxx jbig lerc \
     libdeflate lzma webp zstd; do
@@ -130,11 +134,12 @@ build_image_formats() {
 }
 
 # The kernels of OpenBLAS for real numbers: for every processor (PRESCOTT) and for those with AVX2
-# (HASWELL). Without threads, since the library keeps to its caller's, and with locks, since a host
-# may call it from several.
-# Debian's compiler calls its version "12-posix", which is taken for an old one unless NO_AVX2 and
-# OLDGCC are cleared. Every file includes windows.h, which takes most of its time: its lean half, read
-# once for each set of options that they have, and not for those in assembler.
+# (HASWELL). Without threads, because the library stays on its caller's thread; with locks, because a
+# program may call it from several threads.
+# Debian's compiler reports its version as "12-posix". OpenBLAS takes that for an old compiler unless
+# NO_AVX2 and OLDGCC are cleared.
+# Every C file includes windows.h, which takes most of its compile time: WIN32_LEAN_AND_MEAN leaves out a
+# part of it, and a precompiled header for each set of options reads it once. Assembler files skip it.
 build_openblas() {
   cc="x86_64-w64-mingw32-gcc-posix -DWIN32_LEAN_AND_MEAN"
   mkdir -p first/first.h.gch
@@ -152,8 +157,8 @@ build_openblas() {
   cp openblas/libopenblas-r*.a "$prefix/lib/libopenblas.a"
 }
 
-# Of LAPACK, what OpenCV calls and what that calls in turn; of the reference BLAS, the products of
-# complex matrices, which OpenCV links and the library does not use. All goes into libopenblas.a.
+# Adds to libopenblas.a the LAPACK routines that OpenCV calls, with all that they call, and the complex
+# matrix products of the reference BLAS, which OpenCV links and the library does not use.
 add_lapack() {
   fortran="x86_64-w64-mingw32-gfortran-posix -O2 -frecursive -c"
   mkdir routines
@@ -164,7 +169,8 @@ add_lapack() {
     x86_64-w64-mingw32-gcc-posix -O2 -DADD_ -I"$prefix/include" -Ilapack/CBLAS/include \
       -c "lapack/CBLAS/src/$file.c" -o "routines/$file.o"
   done
-  # All that these routines want of the Fortran runtime, which would bring its input and output.
+  # The only function of the Fortran runtime that these routines need; the runtime itself would add its
+  # input and output.
   cat >concat_string.c <<'END'
 #include <string.h>
 
@@ -198,8 +204,8 @@ END
   x86_64-w64-mingw32-gcc-ar-posix qs "$prefix/lib/libopenblas.a" routines/*.o
 }
 
-# Without all that is optional. OpenCV finds no threads on mingw-w64, and that is right: those of its
-# own would outlive the DLL. SSE3 is what every 64-bit Windows machine has.
+# OpenCV without its optional parts. It finds no threads on mingw-w64, as intended: its own threads would
+# outlive the DLL. Every 64-bit Windows machine has SSE3.
 build_opencv() {
   options=""
   for option in BUILD_SHARED_LIBS BUILD_TESTS BUILD_PERF_TESTS BUILD_opencv_apps BUILD_JAVA \
@@ -222,7 +228,7 @@ build_opencv() {
     -DLAPACK_IMPL=OpenBLAS -DLAPACK_LIBRARIES="$prefix/lib/libopenblas.a" \
     -DLAPACK_INCLUDE_DIR="$prefix/include" -DLAPACK_CBLAS_H="$prefix/include/cblas.h" \
     -DLAPACK_LAPACKE_H="$prefix/include/lapacke.h"
-  # Where the parts are missing, OpenCV goes without them and says so in passing.
+  # OpenCV only prints a line when a part is missing, and builds without it.
   for part in HAVE_EIGEN HAVE_LAPACK HAVE_JPEG HAVE_PNG HAVE_TIFF HAVE_WEBP; do
     grep -q -e "^#define $part" -e "-D$part\b" build-opencv/cvconfig.h build-opencv/build.ninja ||
       { echo "OpenCV was built without $part." >&2; exit 1; }
@@ -237,7 +243,7 @@ if [ ! -e "$stamp" ]; then
   mkdir -p "$work"
   (
     cd "$work"
-    # Messages name source files: by paths that are the same on every machine.
+    # Messages contain paths of source files; these make them the same on every machine.
     export CFLAGS="-ffile-prefix-map=$work=." CXXFLAGS="-ffile-prefix-map=$work=."
     update_source_lists
     for package in libpng1.6 libjpeg-turbo tiff libwebp openblas lapack opencv; do

@@ -1,5 +1,7 @@
 #!/bin/sh
-# Builds the Windows DLL once more, in another folder, and compares the two byte by byte.
+# Builds the Windows DLL again in another folder and compares the two byte by byte. Needs the build of
+# scripts/windows.sh, which calls it.
+# Usage: scripts/check_same_bytes.sh
 set -eu
 cd "$(dirname "$0")/.."
 

@@ -1,15 +1,15 @@
 #!/bin/sh
-# Builds with coverage, runs all tests, and prints which part of the lines of each folder they reach.
-# Fails where src/, crosscheck/ or host/ is below 95 %.
+# Builds with coverage, runs all tests, and prints the share of lines that they cover in each folder.
+# Fails if src/, crosscheck/ or host/ is below 95 %.
 # Usage: scripts/coverage.sh
 #
-# build/coverage/lines.txt tells it file by file.
+# build/coverage/lines.txt lists the files.
 set -eu
 cd "$(dirname "$0")/.."
 
 least=95
 folders="src crosscheck host report simulator app c"
-[ ! -d build/coverage ] || find build/coverage -name '*.gcda' -delete  # of runs before
+[ ! -d build/coverage ] || find build/coverage -name '*.gcda' -delete  # of earlier runs
 scripts/test.sh coverage
 
 filters=""

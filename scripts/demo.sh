@@ -1,7 +1,7 @@
 #!/bin/sh
-# Installs what is needed, builds a release, simulates a shoot, calibrates it and hands the result to
-# every engine. Its last line names the report page.
-# Usage: scripts/demo.sh [FOLDER]   (build/demo by default)
+# Installs the packages, builds a release, simulates a shoot, calibrates it and exports the result to
+# each engine. The last line names the report page.
+# Usage: scripts/demo.sh [FOLDER]   (default: build/demo)
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -18,4 +18,4 @@ for engine in unreal unity aximmetry ue4 ue5 ue5-xn; do
   "$trackedcam" export "$engine" --result "$folder/result.json"
 done
 echo
-echo "The report page, to open in a browser: $folder/report.html"
+echo "Open the report page in a browser: $folder/report.html"

@@ -1,12 +1,13 @@
 #!/bin/sh
-# Formats all sources with clang-format 14; with --check says only which are not formatted.
+# Formats all C and C++ files with clang-format 14. With --check only lists the files to format.
+# Usage: scripts/format.sh [--check]
 set -eu
 cd "$(dirname "$0")/.."
 
 case "$(clang-format --version)" in
   *"version 14."*) ;;
   *)
-    echo "scripts/format.sh: clang-format 14 is needed, as in Debian 12" >&2
+    echo "scripts/format.sh: install clang-format 14, the version of Debian 12" >&2
     exit 1
     ;;
 esac
@@ -18,6 +19,6 @@ case "${1:-}" in
     exit 2
     ;;
 esac
-files=$(git ls-files "*.h" "*.c" "*.cpp")  # fails where there is no repository
+files=$(git ls-files "*.h" "*.c" "*.cpp")  # fails outside a git repository
 # shellcheck disable=SC2086  # one word for each option and file
 clang-format $mode $files

@@ -1,9 +1,9 @@
 #!/bin/sh
-# Builds the fuzzers and lets each run for some seconds, two at a time; fails where one finds something.
-# Usage: scripts/fuzz.sh [SECONDS [NAME...]]   (20 seconds and all of them by default)
+# Builds the fuzzers and runs each for some seconds, two at a time. Fails if one finds an error.
+# Usage: scripts/fuzz.sh [SECONDS [NAME...]]   (default: 20 seconds, all fuzzers)
 #
-# What they find stands in build/fuzz/findings; build/asan/fuzz/fuzz_NAME FILE shows it again. What they
-# learn stays in build/fuzz/corpus/NAME, beside the seeds of fuzz/seeds/NAME.
+# Inputs that fail are written to build/fuzz/findings; to repeat one, run build/asan/fuzz/fuzz_NAME FILE.
+# Inputs that reach new code are kept in build/fuzz/corpus/NAME and used with those of fuzz/seeds/NAME.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -19,14 +19,14 @@ mkdir -p "$findings"
 export ASAN_OPTIONS=allocator_may_return_null=1:detect_odr_violation=0
 export LSAN_OPTIONS="suppressions=$PWD/tests/leaks_of_others.txt:print_suppressions=0"
 
-# With a seed: what lands must not depend on chance.
+# A fixed seed: a change must not pass or fail by chance.
 run_one() {
   mkdir -p "build/fuzz/corpus/$1"
   if ! "build/asan/fuzz/fuzz_$1" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
     -seed=1 -artifact_prefix="$findings/$1-" -print_final_stats=1 "build/fuzz/corpus/$1" "fuzz/seeds/$1" \
     >"build/fuzz/$1.log" 2>&1; then
     tail -n 40 "build/fuzz/$1.log"
-    echo "fuzz_$1: found something; see $findings"
+    echo "fuzz_$1 found an error; see $findings"
     return 1
   fi
   echo "fuzz_$1: $(sed -n 's/^stat::number_of_executed_units: //p' "build/fuzz/$1.log") inputs, nothing found"

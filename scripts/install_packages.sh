@@ -1,9 +1,14 @@
 #!/bin/sh
-# Installs what the parts of the work need, on Debian 12.
-# Usage: scripts/install_packages.sh [PART...]   (all but the last two by default)
-#   build    the library          host     the program       tests    the tests and the packages
-#   lint     the checks           docs     the reference     python   scripts that draw and measure
-#   windows  the Windows DLL          newer-opencv  an OpenCV to test with; both beside build and host
+# Installs the Debian 12 packages that the parts of the project need.
+# Usage: scripts/install_packages.sh [PART...]   (default: all but the last two)
+#   build         the library
+#   host          the program
+#   tests         the tests and the packaging
+#   lint          the checks of format and code
+#   docs          the API reference
+#   python        the scripts that draw and measure
+#   windows       the Windows DLL; needs build and host as well
+#   newer-opencv  scripts/newer_opencv.sh; needs build, host and tests as well
 set -eu
 
 as_root() {
@@ -12,36 +17,35 @@ as_root() {
 
 packages_of() {
   case "$1" in
-    # libopenblas0-serial: the lens solves ten times as fast as with the reference LAPACK, and unlike
-    # with OpenBLAS's own threads just as fast beside busy programs. It has no locks, so that the tests
-    # show whether the library does without.
+    # libopenblas0-serial: the lens solves ten times as fast as with the reference LAPACK. Unlike
+    # OpenBLAS with threads, it keeps that speed beside busy programs. It has no locks, so the tests
+    # show that the library needs none.
     build) echo cmake g++ git ninja-build libopencv-dev libeigen3-dev libopenblas0-serial ;;
     host)
       echo libcli11-dev nlohmann-json3-dev libboost-dev libtomlplusplus-dev
       echo libcairo2-dev pkgconf lowdown libjs-three libjs-chart.js
       ;;
-    # opencv-doc: the photographs of a real chessboard that a test calibrates.
+    # opencv-doc: photographs of a real chessboard that a test calibrates.
     # dpkg-dev, file: packaging finds the dependencies. poppler-utils, librsvg2-bin: a test renders
-    # the printed chart. chromium, python3-selenium: a test reads the report as a browser shows it.
-    # locales: a test runs the library in a host with a decimal comma.
+    # the printed chart. chromium, python3-selenium: a test opens the report in a browser.
+    # locales: a test runs the library in a program with a decimal comma.
     tests)
       echo python3 libgtest-dev libgmock-dev opencv-doc dpkg-dev file lowdown pkgconf
       echo poppler-utils librsvg2-bin chromium chromium-driver python3-selenium locales gcovr
-      # The sanitizers and the fuzzers.
+      # Sanitizers and fuzzers.
       echo clang libclang-rt-14-dev
-      # The Python package and its wheel, and a host and a recorder in C#.
+      # The Python package and its wheel; a C# program and a C# recorder.
       echo python3-numpy python3-pytest python3-build python3-hatchling mypy mono-mcs mono-runtime
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;
     python) echo python3 python3-matplotlib ;;
-    # With what scripts/newer_opencv.sh builds.
     newer-opencv)
       echo dpkg-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libopenblas-serial-dev liblapacke-dev
       ;;
     windows)
       echo g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm
-      # lld, llvm: a host of another compiler is linked with the C library.
+      # lld, llvm: a test links the C library into a program by another compiler.
       echo dpkg-dev python3 googletest wine wine64 clang lld llvm
       ;;
     *)

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Takes out one statement of the library at a time and says which the tests do not miss.
+"""Removes one statement of the library at a time (a mutant) and prints the mutants that no test catches.
 
-Works in copies of the last commit, one for each processor, which are kept for the next time. A
-mutant that does not compile, or of which the compiler warns, counts as caught by the build.
+Works in copies of the last commit, one for each processor, and keeps them for the next run. A mutant
+that does not compile, or that the compiler warns about, counts as caught by the build.
 
-Usage: scripts/mutate.py COPY [COUNT] [SEED]    (e.g. scripts/mutate.py ~/mutants 200 1)
+Usage: scripts/mutate.py COPIES [COUNT] [SEED]    (e.g. scripts/mutate.py ~/mutants 200 1)
 """
 
 import collections
@@ -19,14 +19,13 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ["handeye", "calib", "geometry", "api"]
-# An assignment, a call or a jump, on one line or more. Declarations stay: without them nothing
-# compiles.
+# An assignment, a call or a jump, on one line or more. Not declarations: without them nothing compiles.
 STATEMENT = re.compile(r"^ +(?=[A-Za-z_*+-])[^;{}]*?;[ \t]*(?://.*)?\n", re.MULTILINE)
 DECLARATION = re.compile(r" *(?!return\b)(const |auto |constexpr |using |[\w:<>, ]+[\w>&*] \w+ *[=;({])")
 
-# Survivors that change nothing, each with the reason.
+# Statements whose removal changes no result, with the reason.
 EQUIVALENT = {
-    "reserve(": "a list grows without it",
+    "reserve(": "a list grows without it too",
 }
 
 
@@ -56,10 +55,10 @@ def prepare(copy):
     archive = subprocess.run(["git", "archive", "HEAD"], cwd=ROOT, stdout=subprocess.PIPE, check=True)
     subprocess.run(["tar", "x", "-C", copy], input=archive.stdout, check=True)
     for _, path, _ in mutants(copy):
-        (copy / path).touch()  # a run that was cut short may have built another text
+        (copy / path).touch()  # an interrupted run may have built another text
     if not run("cmake", "--preset", "dev", "-D", "TRACKEDCAM_TEST_OPTIONS=-O0", cwd=copy) or not build(
             copy, *FOLDERS, "shoots"):
-        sys.exit("the tree itself does not build")
+        sys.exit("the tree does not build without a mutant")
     for tests in [*FOLDERS, "shoots"]:
         if not passes(copy, tests):
             sys.exit(f"{tests}_tests fails without a mutant")
@@ -72,7 +71,7 @@ def passes(copy, tests):
 
 
 def caught_by(copy, folder):
-    """By the tests of its folder, else by whole runs."""
+    """The tests of its folder, the whole runs, the build or the time limit; None if nothing catches it."""
     for tests in (folder, "shoots"):
         if not build(copy, tests):
             return "build"

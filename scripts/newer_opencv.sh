@@ -1,14 +1,14 @@
 #!/bin/sh
-# Builds the newest OpenCV 4 of Debian's source packages, and runs the tests with it. Takes up to an
-# hour, and is not part of CI.
-# Usage: scripts/newer_opencv.sh [SUITE...]   (looks in the machine's suites and in those named)
+# Builds the newest OpenCV 4 among Debian's source packages and runs the tests with it. Takes up to an
+# hour. Not part of .ci/run.
+# Usage: scripts/newer_opencv.sh [SUITE...]   (searches this machine's suites and those named)
 set -eu
 cd "$(dirname "$0")/.."
 root=$PWD
 work=$root/build/newer-opencv
 installed=$(dpkg-query -W -f '${source:Upstream-Version}' libopencv-dev | sed 's/+.*//')
 
-# Lists of our own, made of the machine's: they may lack the sources, and know its suites only.
+# Separate package lists, made from this machine's, which may lack source packages and other suites.
 rm -rf "$work"
 mkdir -p "$work/sources" "$work/lists/partial" "$work/apt/archives/partial"
 cd "$work"
@@ -16,7 +16,7 @@ release=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
 for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list /etc/apt/sources.list.d/*.sources; do
   if [ -e "$file" ]; then
     sed -e 's/^Types:.*/Types: deb-src/' -e 's/^deb /deb-src /' "$file" >"sources/${file##*/}"
-    for suite in "$@"; do  # beside the suite of the same archive that the machine follows
+    for suite in "$@"; do  # in addition to this machine's suite of the same archive
       sed -e "s/^\(Suites:.*\)\b$release /\1$suite $release /" \
         -e "s/^\(Suites: *\)$release\$/\1$suite $release/" \
         -e "s/^\(deb-src .*\) $release \(.*\)/&\n\1 $suite \2/" -i "sources/${file##*/}"
@@ -32,7 +32,7 @@ APT::Sandbox::User "$(id -un)";
 END
 export APT_CONFIG="$work/apt.conf"
 apt-get update --quiet=2
-# The newest that the mirror has; its list can be ahead of it.
+# The newest version that can be fetched: a mirror's list can be ahead of its files.
 offered=$installed
 for version in $(apt-cache showsrc opencv | sed -n 's/^Version: \(4\..*\)/\1/p' |
   sort --reverse --version-sort); do
@@ -43,11 +43,11 @@ for version in $(apt-cache showsrc opencv | sed -n 's/^Version: \(4\..*\)/\1/p' 
   fi
 done
 if [ "$offered" = "$installed" ]; then
-  echo "OpenCV $installed is installed, and no newer 4.x is to be had among the source packages of" \
-    "these suites. Nothing was tested." >&2
+  echo "OpenCV $installed is installed. These suites offer no newer 4.x as a source package." \
+    "Nothing was tested." >&2
   exit 1
 fi
-echo "OpenCV $offered, beside the installed $installed"
+echo "Testing with OpenCV $offered; $installed is installed"
 unset APT_CONFIG
 "$root/scripts/install_packages.sh" build host tests newer-opencv
 
@@ -62,7 +62,7 @@ cmake -S opencv-4.*/ -B opencv -G Ninja --log-level=WARNING $options -DCMAKE_BUI
   -DBUILD_LIST=core,imgproc,imgcodecs,calib3d,features2d,flann -DCMAKE_INSTALL_PREFIX="$work/prefix"
 cmake --build opencv --target install -- --quiet
 
-# Packages stand on Debian's own OpenCV, so that their tests stay out.
+# Without the tests of the packages, which depend on Debian's OpenCV.
 cd "$root"
 cmake --preset release -B "$work/trackedcam" -D OpenCV_DIR="$(dirname "$(find "$work/prefix" -name OpenCVConfig.cmake)")"
 cmake --build "$work/trackedcam"
