@@ -1,4 +1,4 @@
-# What the library stands on. Both are private to it: a host needs neither.
+# What the library is built on. Both are private: a program that uses the library needs neither.
 
 find_package(OpenCV 4.6 REQUIRED COMPONENTS core imgproc imgcodecs calib3d)
 if(OpenCV_VERSION VERSION_GREATER_EQUAL 5)

@@ -1,4 +1,4 @@
-# What a user gets, and where it goes.
+# The installed files and their folders.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -28,7 +28,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md
               ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_BINARY_DIR}/THIRD_PARTY_NOTICES
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT WIN32)
-  # By this name a Debian package tells its licences.
+  # The file name under which a Debian package has its licences.
   install(
     FILES ${PROJECT_BINARY_DIR}/THIRD_PARTY_NOTICES.copyright
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
@@ -50,7 +50,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/trackedcamConfigVersion.c
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/trackedcamConfigVersion.cmake DESTINATION ${package_dir})
 
-# pkg-config trackedcam and pkg-config trackedcam_c, wherever the tree is moved to
+# pkg-config trackedcam and pkg-config trackedcam_c; both work after the installed tree is moved.
 file(RELATIVE_PATH PREFIX_FROM_PC_FILE /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 foreach(library IN LISTS libraries)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/trackedcam.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
@@ -75,12 +75,12 @@ if(TARGET trackedcam_program)
     add_custom_target(trackedcam_man_page ALL DEPENDS ${man_page})
     install(FILES ${man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   else()
-    message(STATUS "Without lowdown there is no man page.")
+    message(STATUS "lowdown is missing: no man page")
   endif()
 endif()
 
 if(MINGW)
-  # Says which members of which static libraries are inside; a test compares it with the notices.
+  # The map lists the members of static libraries that were linked; a test compares it with the notices.
   foreach(target IN ITEMS trackedcam trackedcam_c trackedcam_program)
     if(TARGET ${target})
       target_link_options(${target} PRIVATE "LINKER:-Map=${PROJECT_BINARY_DIR}/${target}.map")

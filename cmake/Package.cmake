@@ -7,7 +7,7 @@ set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_THREADS 0)
 
-# The Python package is a .deb of its own, which needs the other one. An archive holds both.
+# The Python package is a separate .deb, which depends on the other one. An archive holds both.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_NAME ${PROJECT_NAME})
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-${PROJECT_NAME})
@@ -20,8 +20,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# The lens solves ten times as fast as with the reference LAPACK. It needs no second thread for it, but
-# OpenBLAS without threads has no locks either, and hosts may call it from several.
+# The lens solves ten times as fast as with the reference LAPACK. It does not need OpenBLAS's threads, but
+# OpenBLAS without threads has no locks, and programs may call it from several threads.
 set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_RECOMMENDS libopenblas0-pthread)
 
 include(CPack)

@@ -1,4 +1,4 @@
-# What of other people goes into the library and the program, and the texts that come with it: the file
+# The third-party packages that are part of the library and the program, and their licences: the file
 # THIRD_PARTY_NOTICES, and the target trackedcam_licences for the program. A test compares the list
 # with what is linked and included.
 
@@ -17,7 +17,7 @@ elseif(DEFINED VCPKG_INSTALLED_DIR)
   file(GLOB third_party RELATIVE ${licence_folders} ${licence_folders}/*/copyright)
   list(TRANSFORM third_party REPLACE "/copyright$" "")
 elseif(NOT EXISTS /usr/share/doc/libeigen3-dev/copyright)
-  message(STATUS "Without the licences of Debian's packages the notices name none.")
+  message(STATUS "The licences of Debian's packages are missing: the notices are empty")
   set(third_party "")
 endif()
 

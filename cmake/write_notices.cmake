@@ -1,17 +1,17 @@
 # cmake -D OUTPUT=FILE -D LICENSE=FILE -D FOLDERS="FOLDER;..." -D PACKAGES="NAME;..." -P write_notices.cmake
 #
-# Writes the licences of the packages whose parts are inside, one section for each, into OUTPUT; with
-# the project's own before them into OUTPUT.copyright, and that as a C++ array into OUTPUT.cpp.
-# The text of NAME is FOLDER/NAME/copyright in the first folder that has one; NAME may be a pattern.
+# Writes three files: OUTPUT with the licences of the packages, one section for each; OUTPUT.copyright
+# with the project's own licence before them; OUTPUT.cpp with the same text as a C++ array.
+# The licence of NAME is FOLDER/NAME/copyright in the first folder that has it; NAME may be a pattern.
 
 cmake_minimum_required(VERSION 3.25)
 
 set(line =======================================================================)
-set(notices "trackedcam holds parts of these packages. Their licences follow, and after them the
-licences that they name and do not spell out.\n")
+set(notices "trackedcam contains parts of these packages. Their licences follow, and after them the
+texts of the licences that they only name.\n")
 set(named "")
 
-# A file that lists every single source file keeps what holds for all, and the licences.
+# A very long file lists each source file. Keep its entry for all files, and the licences.
 function(shorten variable)
   string(LENGTH "${${variable}}" length)
   string(FIND "${${variable}}" "\n\nFiles:" first)
@@ -25,7 +25,7 @@ function(shorten variable)
   math(EXPR second "${after_first} + ${second} + 2")
   string(SUBSTRING "${${variable}}" 0 ${second} head)
   string(SUBSTRING "${${variable}}" ${licences} -1 tail)
-  set(${variable} "${head}[Here the package lists its single files.]${tail}" PARENT_SCOPE)
+  set(${variable} "${head}[The package lists its single files here.]${tail}" PARENT_SCOPE)
 endfunction()
 
 foreach(package IN LISTS PACKAGES)
@@ -38,7 +38,7 @@ foreach(package IN LISTS PACKAGES)
     endif()
   endforeach()
   if(NOT found)
-    message(FATAL_ERROR "The licence of ${package} is missing in ${FOLDERS}.")
+    message(FATAL_ERROR "The licence of ${package} is in none of ${FOLDERS}.")
   endif()
   get_filename_component(name ${found} DIRECTORY)
   get_filename_component(name ${name} NAME)
@@ -49,7 +49,7 @@ foreach(package IN LISTS PACKAGES)
   list(APPEND named ${paths})
 endforeach()
 
-# Several names lead to one text: GPL to the newest.
+# Several names are links to one text: GPL is a link to the newest.
 set(licences "")
 foreach(path IN LISTS named)
   get_filename_component(path ${path} REALPATH)
@@ -70,7 +70,7 @@ set(copyright "${own}\n${line}\n\n${notices}")
 file(WRITE ${OUTPUT} "${notices}")
 file(WRITE ${OUTPUT}.copyright "${copyright}")
 
-# One literal for each line: compilers bound the length of one.
+# One literal for each line: compilers limit the length of a literal.
 string(REPLACE "\\" "\\\\" copyright "${copyright}")
 string(REPLACE "\"" "\\\"" copyright "${copyright}")
 string(REPLACE "?" "\\?" copyright "${copyright}")

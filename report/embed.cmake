@@ -1,13 +1,13 @@
-# Turns a text file into a constant of the program: cmake -D NAME= -D FILE= -D OUTPUT= -P embed.cmake
+# Writes a text file as a C++ constant: cmake -D NAME= -D FILE= -D OUTPUT= -P embed.cmake
 #
-# As numbers, since no compiler takes a literal of this length everywhere. Line ends become those
-# that a browser sees, whose hash the page's security policy names.
+# As an array of numbers, because compilers limit the length of a literal. Line ends become those that a
+# browser sees: the page's security policy has the hash of the text.
 
 file(READ ${FILE} text)
 string(REPLACE "\r\n" "\n" text "${text}")
 string(TOLOWER "${text}" lower)
 if(FILE MATCHES "\\.js$" AND lower MATCHES "</script|<!--")
-  message(FATAL_ERROR "${FILE} would end the script element that it stands in.")
+  message(FATAL_ERROR "${FILE} would end its script element.")
 endif()
 
 string(SHA256 hash "${text}")

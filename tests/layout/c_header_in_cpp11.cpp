@@ -1,6 +1,6 @@
 #include "trackedcam/trackedcam_c.h"
 
-// As hosts see them that declare them in their own language: later versions append only.
+// Programs in other languages declare these structs themselves: later versions may only append.
 static_assert(sizeof(trackedcam_pose) == 56, "position and quaternion");
 static_assert(sizeof(trackedcam_progress) == 72, "stage and two counts");
 static_assert(sizeof(trackedcam_lens) == 14 * 8, "fourteen numbers");

@@ -1,4 +1,4 @@
-"""Checks the page on engines: its example against its words, the figures and pictures against the program.
+"""Checks the page on engines: its text, its example values and its pictures against the program.
 
 Usage: check_engines.py SOURCE_ROOT PROGRAM
 """
@@ -30,15 +30,15 @@ shift_up = number(r"and ([\d.]+) image heights above")
 k1, k2 = number(r"k1 is (-[\d.]+)"), number(r"k2 is ([\d.]+)\. ")
 width, height = number(r"picture has (\d+)×"), number(r"picture has \d+×(\d+)")
 sensor = [number(r"the sensor (\d+) by"), number(r"the sensor \d+ by ([\d.]+) mm")]
-# One focal length in millimetres serves both directions, and half a pixel lies before the first one's centre.
+# One focal length in millimetres holds for both directions. The first pixel's centre is at half a pixel.
 fx_fy = [focal, focal * sensor[0] / sensor[1]]
 centre = [0.5 + shift_right + 0.5 / width, 0.5 - shift_up + 0.5 / height]
 
 
-def quaternion(*turns):
-    """The product of turns about an axis by degrees, as x, y, z, w."""
+def quaternion(*rotations):
+    """The product of rotations about an axis by degrees, as x, y, z, w."""
     x, y, z, w = 0.0, 0.0, 0.0, 1.0
-    for axis, degrees in turns:
+    for axis, degrees in rotations:
         s, c = math.sin(math.radians(degrees) / 2), math.cos(math.radians(degrees) / 2)
         a, b, d = (s * component for component in axis)
         x, y, z, w = (w * a + x * c + y * d - z * b, w * b - x * d + y * c + z * a,
@@ -46,7 +46,7 @@ def quaternion(*turns):
     return [x, y, z, w]
 
 
-# A turn to the right is one about down, upwards about right, clockwise about forward.
+# A pan to the right rotates about down, a tilt upwards about right, a clockwise roll about forward.
 EXPECTED = {
     "ue4": {"translationCm": [forward, right, -down], "rotationDeg": [roll, tilt, pan]},
     "ue5": {"translationCm": [right, down, forward],
@@ -69,8 +69,8 @@ EXPECTED = {
 }
 
 
-def figures_at(json_text, key):
-    """The numbers at a dotted key: of a list, of an object in its order, or the one alone."""
+def values_at(json_text, key):
+    """The numbers at a dotted key: a list, the values of an object in its order, or one number."""
     value = json.loads(json_text)
     for part in key.split("."):
         value = value[part]
@@ -86,14 +86,14 @@ with tempfile.TemporaryDirectory() as scratch:
             faults.append(f"{name}: the page does not show\n{text}")
         as_json = subprocess.run([*command, "--json"], check=True, capture_output=True).stdout
         for key, values in expected.items():
-            figures = figures_at(as_json, key)
-            if len(figures) != len(values) or any(abs(a - b) > 1e-4 for a, b in zip(figures, values)):
-                faults.append(f"{name}: {key} is {figures}, the words say {values}")
+            exported = values_at(as_json, key)
+            if len(exported) != len(values) or any(abs(a - b) > 1e-4 for a, b in zip(exported, values)):
+                faults.append(f"{name}: {key} is {exported}, expected {values} from the page's text")
     subprocess.run([sys.executable, engines / "draw_axes.py", program, scratch], check=True)
     for picture in engines.glob("*.svg"):
         name = picture.stem
         if (pathlib.Path(scratch) / f"{name}.svg").read_bytes() != (engines / f"{name}.svg").read_bytes():
-            faults.append(f"docs/engines/{name}.svg is not what draw_axes.py draws")
+            faults.append(f"docs/engines/{name}.svg differs from the output of draw_axes.py")
 
-print("\n".join(faults) or "words, figures and pictures agree")
+print("\n".join(faults) or "the text, the example and the pictures agree with the program")
 sys.exit(1 if faults else 0)

@@ -1,4 +1,4 @@
-"""Compares the functions that the public header declares with those that the library exports.
+"""Checks that the library exports the functions that its header declares, and no others.
 
 Usage: check_exports.py HEADER LIBRARY NM OBJDUMP
 """
@@ -9,7 +9,7 @@ import sys
 
 header, library, nm, objdump = sys.argv[1:]
 with open(header, encoding="utf-8") as file:
-    # A declaration begins with the macro, and may go on in the next line.
+    # A declaration begins with the macro and may continue on the next line.
     declared = set(re.findall(r"^TRACKEDCAM_(?:C_)?API [\w ]+[*\s]\s*(\w+)\(", file.read(), re.MULTILINE))
 
 
@@ -24,9 +24,9 @@ else:
     exported = {line.split()[-1] for line in output_of(nm, "-D", "--defined-only", library).splitlines()}
 
 for name in sorted(declared - exported):
-    print(f"{name} is declared and not exported")
+    print(f"{name} is declared but not exported")
 for name in sorted(exported - declared):
-    print(f"{name} is exported and not declared")
+    print(f"{name} is exported but not declared")
 if not declared:
-    print("the header declares nothing")
+    print("the header declares no function")
 sys.exit(0 if declared and declared == exported else 1)

@@ -1,6 +1,6 @@
-"""Checks that a DLL or program for Windows needs nothing but what Windows has, and the library.
+"""Checks that a DLL or program for Windows needs only DLLs of Windows and the library.
 
-With --alone not even the library.
+With --alone the library is not allowed either.
 
 Usage: check_imports.py [--alone] OBJDUMP FILE...
 """
@@ -23,7 +23,7 @@ for file in files:
     imported = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers)}
     faults += [f"{file} needs {name}" for name in sorted(imported - ALLOWED)]
     if not imported:
-        faults.append(f"{file} shows no imports")
+        faults.append(f"{file} has no imports")
 
-print("\n".join(faults) or "Windows has what is needed")
+print("\n".join(faults) or "only allowed DLLs are needed")
 sys.exit(1 if faults else 0)

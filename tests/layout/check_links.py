@@ -1,4 +1,4 @@
-"""Checks that each relative link and picture of the pages leads to a file, and to a heading where it names one.
+"""Checks that each relative link and picture of the pages leads to an existing file and heading.
 
 Usage: check_links.py SOURCE_ROOT
 """
@@ -12,7 +12,7 @@ pages = sorted([*root.glob("*.md"), *(root / "docs").rglob("*.md")])
 
 
 def prose(page):
-    """The page without its code, in which brackets are no links."""
+    """The page without its code, where brackets are not links."""
     text = page.read_text(encoding="utf-8")
     return re.sub(r"```.*?```|^ {4}.*?$|`[^`\n]*`", "", text, flags=re.DOTALL | re.MULTILINE)
 
@@ -34,7 +34,7 @@ for page in pages:
         if not target.exists():
             faults.append(f"{page.relative_to(root)}: {link} does not exist")
         elif anchor and anchor not in anchors(target):
-            faults.append(f"{page.relative_to(root)}: {link} names no heading")
+            faults.append(f"{page.relative_to(root)}: there is no heading {link}")
 
-print("\n".join(faults) or f"{links} links of {len(pages)} pages lead somewhere")
+print("\n".join(faults) or f"{links} links of {len(pages)} pages exist")
 sys.exit(0 if links and not faults else 1)

@@ -1,4 +1,4 @@
-"""Checks that the manual names each option that the program's help shows, and no other.
+"""Checks that the manual has the same options as the program's help.
 
 Usage: check_man_page.py SOURCE_ROOT PROGRAM
 """
@@ -13,7 +13,7 @@ page = (root / "docs/trackedcam.1.md").read_text(encoding="utf-8")
 commands = sorted(set(re.findall(r"^    trackedcam ([a-z]+)", page, re.MULTILINE)))
 
 
-def told(text):
+def options_in_bold(text):
     return set(re.findall(r"\*\*(--[a-z-]+)\*\*", text))
 
 
@@ -27,10 +27,10 @@ faults = [] if commands else ["the manual has no synopsis"]
 of_all = re.search(r"^## All commands\n(.*?)^#", page, re.MULTILINE | re.DOTALL)[1]
 for command in commands:
     sections = re.findall(rf"^## {command}\b.*?\n(.*?)(?=^#)", page, re.MULTILINE | re.DOTALL)
-    in_manual = told("".join(sections) + of_all)
+    in_manual = options_in_bold("".join(sections) + of_all)
     in_help = shown(command) | shown()
     faults += [f"{command}: {option} is not in the manual" for option in sorted(in_help - in_manual)]
     faults += [f"{command}: {option} does not exist" for option in sorted(in_manual - in_help)]
 
-print("\n".join(faults) or f"the manual knows {', '.join(commands)} and their options")
+print("\n".join(faults) or f"the manual and the help agree on {', '.join(commands)} and their options")
 sys.exit(1 if faults else 0)

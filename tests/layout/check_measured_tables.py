@@ -1,6 +1,6 @@
-"""Checks that the tables of the pages hold the figures of docs/measurements.
+"""Checks that the tables of the pages have the values of the CSV files in docs/.
 
-A comment with the name of a CSV file stands above such a table, whose columns are some of the file's.
+Such a table follows a comment with the name of its CSV file. It has some or all columns of the file.
 
 Usage: check_measured_tables.py SOURCE_ROOT
 """
@@ -34,6 +34,6 @@ for page in sorted(docs.rglob("*.md")):
                         for row in csv.DictReader(file)]
         faults += [f"{page.name}: {row} is not in {name}" for row in rows if row not in measured]
         faults += [f"{page.name}: {row} of {name} is missing" for row in measured if row not in rows]
-faults += [f"{name} is shown on no page" for name in sorted(set(files) - shown)]
-print("\n".join(faults) or f"{len(shown)} tables show what was measured")
+faults += [f"no page has a table of {name}" for name in sorted(set(files) - shown)]
+print("\n".join(faults) or f"{len(shown)} tables agree with their CSV files")
 sys.exit(0 if shown and not faults else 1)

@@ -1,6 +1,6 @@
-"""Checks that only the files of the platform seams ask which system they are on.
+"""Checks that only the files *_posix.cpp and *_windows.cpp depend on the operating system.
 
-The export macros of the public headers are the one exception.
+The only exception: the export macros of the public headers.
 
 Usage: check_platform.py SOURCE_ROOT
 """
@@ -28,7 +28,7 @@ for folder in FOLDERS:
         if SEAM.search(name):
             seams += 1
         elif name not in EXCEPTIONS and (found := ASKS.search(path.read_text(encoding="utf-8"))):
-            faults.append(f"{name} has {found[0]}")
+            faults.append(f"{name} uses {found[0]}")
 
-print("\n".join(faults) or f"{seams} of {files} files know the system")
+print("\n".join(faults) or f"{seams} of {files} files depend on the system")
 sys.exit(1 if faults or not seams else 0)

@@ -1,9 +1,9 @@
-"""Runs the recorders of docs/record-a-shoot.md and checks that they write rows as the page says.
+"""Runs the recorders of docs/record-a-shoot.md and checks that they write rows as the page describes.
 
 Usage: check_recorders.py SOURCE_ROOT CXX [MCS MONO]
 
-Without a compiler of C# that recorder is left out, and the last line says so. The recorders run where
-numbers have decimal commas, as on many a set.
+Without a C# compiler that recorder is skipped, and the last line says so. The recorders run in a locale
+with decimal commas.
 """
 
 import pathlib
@@ -15,7 +15,7 @@ import tempfile
 CAMERA = (0.5123, 1.402, -0.221, 0.98769, 0.01234, -0.15432, 0.02101)
 CHART = (1.1034, 0.912, 0.3321, 0.70711, 0.0, 0.70711, 0.00001)
 TIME, IMAGE = 12.04, "photos/0001.jpg"
-# Of each number: half of the last decimal that the page asks for.
+# For each number: half a unit of the last decimal that the page requires.
 PRECISION = (0.00005,) * 3 + (0.000005,) * 4
 
 root, compiler, *csharp = sys.argv[1:]
@@ -85,7 +85,7 @@ def in_python(folder):
 
 
 def faults_of(text):
-    """What is not as the page says: a header that is skipped, then rows of 16 fields."""
+    """Differences from the page: it requires a header line, then rows of 16 fields."""
     if not text.endswith("\n") or "\r" in text:
         return ["the lines do not end with a line feed"]
     header, *rows = text[:-1].split("\n")
@@ -98,7 +98,7 @@ def faults_of(text):
             faults.append(f"the row {row}")
         elif any(abs(float(n) - true) > limit
                  for n, true, limit in zip(numbers, CAMERA + CHART, PRECISION * 2, strict=True)):
-            faults.append(f"the figures of {row}")
+            faults.append(f"the numbers of {row}")
     return faults
 
 
@@ -118,6 +118,6 @@ for recorder in recorders:
         recorder(folder)
         faults += [f"{recorder.__name__}: {fault}"
                    for fault in faults_of((folder / "data.csv").read_bytes().decode())]
-print("\n".join(faults) or f"{len(recorders)} recorders write what the page says"
-      + ("" if csharp else "; no compiler of C# is here"))
+print("\n".join(faults) or f"{len(recorders)} recorders write rows as the page describes"
+      + ("" if csharp else "; C# was skipped, there is no compiler"))
 sys.exit(1 if faults else 0)

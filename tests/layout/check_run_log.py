@@ -1,4 +1,4 @@
-"""Checks that docs/run-log.md and the log agree: texts of the sources, lines of the page, lines of runs.
+"""Checks that docs/run-log.md agrees with the texts in the sources and with the log lines of real runs.
 
 Usage: check_run_log.py SOURCE_ROOT HOST_PROGRAM
 """
@@ -9,13 +9,13 @@ import subprocess
 import sys
 import tempfile
 
-# Texts of the sources that reach no log.
+# Texts in the sources that are never logged.
 SILENT = {"%Y-%m-%d %H:%M:%S", "%Y-%m-%d-%H.%M.%S", "Time,", "bad conversion", "date", "inf", "nan", "now",
           "rb", "wb", "//Reproject_"}
-# Its messages stand on the page of the result codes.
+# Its messages are on the page of the result codes.
 MESSAGES = "src/core/result_code.cpp"
-# What a place holder of the page stands for; the others are numbers.
-PLACE_HOLDERS = {
+# What a placeholder of the page matches; all others match a number.
+PLACEHOLDERS = {
     "{photograph}": r"\S*/\S+", "{numbers}": r"[-\d. ]+", "{message}": ".*", "{version}": r"[\d.]+",
     "{text}": ".*", "{address}": r"\S+", "{function}": r"\w+", "{argument}": r"\w+",
     "{engine}": r"\w+", "{list}": r"\w+"}
@@ -28,7 +28,7 @@ templates = re.findall(r"^\| `([^`]+)` \|", page.split("\n## A log that stops\n"
 
 def pattern(template):
     parts = re.split(r"(\{\w+\})", template)
-    return re.compile("".join(PLACE_HOLDERS.get(part, NUMBER) if part.startswith("{") else
+    return re.compile("".join(PLACEHOLDERS.get(part, NUMBER) if part.startswith("{") else
                               re.escape(part) for part in parts))
 
 
@@ -40,7 +40,7 @@ def is_line(text):
 
 
 def literals():
-    """The texts in the sources, without comments and includes."""
+    """The string literals in the sources."""
     found = set()
     for path in sorted((root / "src").rglob("*.cpp")):
         code = re.sub(r"^\s*#include.*|//[^\"\n]*$", "", path.read_text(encoding="utf-8"),
@@ -52,25 +52,25 @@ def literals():
 
 
 def check_texts(texts):
-    """Each text of the sources stands on the page, as a line or as a part of one."""
+    """Each text in the sources is on the page, as a line or as part of one."""
     for text in sorted(texts - SILENT):
         if re.search("[A-Za-z]{2}", text) and text not in page and not is_line(text):
-            yield f'"{text}" of the sources is not on the page'
+            yield f'"{text}" is in the sources but not on the page'
     for text in sorted(SILENT - texts):
-        yield f'"{text}" is not in the sources any more'
+        yield f'"{text}" is no longer in the sources'
 
 
 def check_templates(texts):
-    """What is fixed in a line of the page is put together from texts of the sources."""
+    """The fixed parts of each line on the page consist of texts in the sources."""
     fixed = re.compile("(?:" + "|".join(map(re.escape, texts)) + ")*")
     for template in templates:
         for fragment in re.split(r"\{\w+\}", template):
             if not fixed.fullmatch(fragment):
-                yield f'`{template}` of the page: no source writes "{fragment}"'
+                yield f'`{template}` is on the page, but "{fragment}" is not in the sources'
 
 
 def check_run(last, *options):
-    """Each line that a run logs is one of the page, to the last, with which it was meant to end."""
+    """Each line that a run logs is on the page, and the last one is the expected one."""
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run([program, "simulate", folder, "--image=640x360", *options], check=True,
                        stdout=subprocess.DEVNULL)
@@ -80,7 +80,7 @@ def check_run(last, *options):
         lines = [line.split("\t", 1)[1] for line in log.read_text(encoding="utf-8").splitlines()]
     for line in lines:
         if not is_line(line):
-            yield f'"{line}" of a run is not on the page'
+            yield f'a run logged "{line}", which is not on the page'
     if not lines[-1].startswith(last):
         yield f'a run ended with "{lines[-1]}"'
 
@@ -93,5 +93,5 @@ faults = [
     *check_run("Error code 4: ", "--photographs=12", "--missing=1"),
     *check_run("Error code 6: ", "--photographs=14", "--tracker-noise-mm=40"),
 ]
-print("\n".join(faults) or f"{len(templates)} lines of the page agree with sources and runs")
+print("\n".join(faults) or f"{len(templates)} lines of the page agree with the sources and the runs")
 sys.exit(0 if templates and not faults else 1)

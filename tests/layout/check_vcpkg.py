@@ -1,5 +1,4 @@
-"""Checks the manifest of vcpkg against the rules of its format, and that it has a port for each package
-that the build looks for.
+"""Checks the format of vcpkg.json, and that it has a port for each package that the build looks for.
 
 Usage: check_vcpkg.py SOURCE_ROOT
 """
@@ -10,7 +9,7 @@ import re
 import sys
 
 root = pathlib.Path(sys.argv[1])
-# The ports of packages that CMake finds, and the packages that come with it or that Windows goes without.
+# The port of each package that CMake looks for, then packages that need none.
 PORTS = {"OpenCV": "opencv4", "Eigen3": "eigen3", "CLI11": "cli11", "nlohmann_json": "nlohmann-json",
          "googletest": "gtest", "tomlplusplus": "tomlplusplus", "Boost": "boost-math"}
 NONE = {"Threads", "Python3", "Doxygen", "PkgConfig", "trackedcam"}
@@ -27,8 +26,8 @@ def expect(condition, message):
 
 manifest = json.loads((root / "vcpkg.json").read_text(encoding="utf-8"))
 expect(manifest.keys() <= FIELDS, f"unknown fields {sorted(manifest.keys() - FIELDS)}")
-expect(re.fullmatch(NAME, manifest.get("name", "")), "the name is no port's name")
-expect(re.fullmatch(r"[0-9a-f]{40}", manifest.get("builtin-baseline", "")), "the baseline is no commit")
+expect(re.fullmatch(NAME, manifest.get("name", "")), "the name is not a valid port name")
+expect(re.fullmatch(r"[0-9a-f]{40}", manifest.get("builtin-baseline", "")), "the baseline is not a commit")
 
 ports = []
 for dependency in manifest["dependencies"]:
@@ -36,25 +35,26 @@ for dependency in manifest["dependencies"]:
         dependency = {"name": dependency}
     unknown = dependency.keys() - DEPENDENCY_FIELDS
     expect(not unknown, f"{dependency} has unknown fields")
-    expect(isinstance(dependency.get("default-features", True), bool), f"{dependency}: no boolean")
+    expect(isinstance(dependency.get("default-features", True), bool),
+           f"{dependency}: default-features must be a boolean")
     for name in [dependency["name"], *dependency.get("features", [])]:
-        expect(re.fullmatch(NAME, name), f"{name} is no port's name")
+        expect(re.fullmatch(NAME, name), f"{name} is not a valid port name")
     ports.append(dependency["name"])
-expect(ports == sorted(set(ports)), f"{ports} are not sorted, or one stands twice")
+expect(ports == sorted(set(ports)), f"{ports} are not sorted, or one appears twice")
 for override in manifest.get("overrides", []):
-    expect(override.keys() == {"name", "version"}, f"{override} is no override")
-    expect(override["name"] in ports, f"{override['name']} is pinned and not needed")
-    expect(re.fullmatch(r"\d+(\.\d+)*(#\d+)?", override["version"]), f"{override} pins no version")
+    expect(override.keys() == {"name", "version"}, f"{override} is not an override")
+    expect(override["name"] in ports, f"{override['name']} is pinned but not needed")
+    expect(re.fullmatch(r"\d+(\.\d+)*(#\d+)?", override["version"]), f"{override} pins an invalid version")
 
 wanted = set()
 tracked = [path for path in root.rglob("CMakeLists.txt") if "build" not in path.relative_to(root).parts]
 for path in [*tracked, *(root / "cmake").glob("*.cmake")]:
     wanted |= set(re.findall(r"(?:find_package|FetchContent_Declare)\((\w+)", path.read_text(encoding="utf-8")))
-expect(len(wanted) > 5, f"the build looks for {sorted(wanted)} only")
+expect(len(wanted) > 5, f"the build looks for only {sorted(wanted)}")
 for package in sorted(wanted - NONE):
     expect(package in PORTS and PORTS[package] in ports, f"there is no port for {package}")
 formats = next(d for d in manifest["dependencies"] if isinstance(d, dict) and d["name"] == "opencv4")["features"]
-expect({"calib3d", "jpeg", "png", "tiff", "webp"} <= set(formats), f"OpenCV comes with {formats} only")
+expect({"calib3d", "jpeg", "png", "tiff", "webp"} <= set(formats), f"OpenCV has only the features {formats}")
 
-print("\n".join(faults) or f"the manifest names the ports of {len(wanted - NONE)} packages")
+print("\n".join(faults) or f"vcpkg.json has the ports of {len(wanted - NONE)} packages")
 sys.exit(1 if faults else 0)

@@ -1,8 +1,8 @@
-"""Checks what can be checked without Visual Studio of what it will compile.
+"""Checks with clang, as far as possible, that Visual Studio can compile the sources.
 
-The public header for its system and compiler, as far as an object that calls all its functions, with
-stand-ins for the two standard headers that it includes. The Windows seams, with the extensions of its
-language and none of GCC's, against the headers of mingw-w64.
+Compiles for Visual Studio's target an object that calls all functions of the public header, with
+replacements for the two standard headers that it includes. Compiles the *_windows.cpp files with Visual
+Studio's language extensions, without GCC's, against the headers of mingw-w64.
 
 Usage: check_visual_studio.py SOURCE_ROOT CLANG MINGW_COMPILER DEPENDENCIES
 """
@@ -14,7 +14,7 @@ import sys
 import tempfile
 
 root, clang, mingw, dependencies = pathlib.Path(sys.argv[1]), *sys.argv[2:]
-STAND_INS = {
+STANDARD_HEADERS = {
     "string": "namespace std { class string { public: string(const char*); string(const string&);"
               " ~string(); }; }\n",
     "vector": "namespace std { template <class T> class vector { public: vector(); vector(const vector&);"
@@ -41,7 +41,7 @@ def compile_with(what, *arguments):
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
     (scratch / "std").mkdir()
-    for header, text in STAND_INS.items():
+    for header, text in STANDARD_HEADERS.items():
         (scratch / "std" / header).write_text(text, encoding="utf-8")
     (scratch / "calls.cpp").write_text(CALLS, encoding="utf-8")
     compile_with("the public header", "--target=x86_64-pc-windows-msvc", "-fms-compatibility-version=19.29",
@@ -54,16 +54,16 @@ with tempfile.TemporaryDirectory() as name:
 
 standard = subprocess.run([mingw, "-print-file-name=include/c++"], capture_output=True, text=True,
                           check=True).stdout.strip()
-seams = sorted(path for folder in ["src", "app", "host", "c", "examples", "tests"]
+files = sorted(path for folder in ["src", "app", "host", "c", "examples", "tests"]
                for path in (root / folder).rglob("*_windows.cpp"))
-for seam in seams:
-    compile_with(seam.relative_to(root), "--target=x86_64-w64-mingw32", "-fms-extensions", "-fmsc-version=0",
+for file in files:
+    compile_with(file.relative_to(root), "--target=x86_64-w64-mingw32", "-fms-extensions", "-fmsc-version=0",
                  "-fdelayed-template-parsing", "-std=c++17", "-D_WIN32_WINNT=0x0601", "-Wall", "-Wextra",
                  "-Wpedantic", "-Wgnu", "-Werror", "-fsyntax-only", "-isystem", standard, "-isystem",
                  f"{standard}/x86_64-w64-mingw32", "-isystem", f"{dependencies}/include", "-I", root, "-I",
-                 root / "src", "-I", root / "tests", "-I", root / "include", seam)
-    if found := GCC_ONLY.search(seam.read_text(encoding="utf-8")):
-        faults.append(f"{seam.relative_to(root)} has {found[0]}")
+                 root / "src", "-I", root / "tests", "-I", root / "include", file)
+    if found := GCC_ONLY.search(file.read_text(encoding="utf-8")):
+        faults.append(f"{file.relative_to(root)} uses {found[0]}")
 
-print("\n".join(faults) or f"the public header and {len(seams)} seams hold nothing but standard C++ and Windows")
-sys.exit(1 if faults or len(seams) < 4 else 0)
+print("\n".join(faults) or f"the public header and {len(files)} *_windows.cpp files compile")
+sys.exit(1 if faults or len(files) < 4 else 0)

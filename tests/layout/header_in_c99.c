@@ -1,6 +1,6 @@
 #include "trackedcam/trackedcam_c.h"
 
-/* Calls through the header: the linker would miss what it does not declare as it is. */
+/* Calls functions through the header: a wrong declaration fails to link. */
 int calibrate(const char* data_file, const char* log_folder, double transform_cam_tc[16]);
 
 int calibrate(const char* data_file, const char* log_folder, double transform_cam_tc[16]) {

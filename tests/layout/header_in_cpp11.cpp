@@ -1,6 +1,6 @@
 #include "trackedcam/trackedcam.h"
 
-// The types and the order of the arguments, as hosts that look the functions up by name cast them.
+// Programs that look up the functions by name cast them to these types: their arguments may not change.
 using Numbers = std::vector<double>;
 extern int (*const calibration)(std::string, double, double, int, int, double, Numbers, Numbers,
                                 Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&,
