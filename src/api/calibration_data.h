@@ -1,4 +1,4 @@
-// The working data of one calibration, owned by the exported call.
+// The working data of one call of Calibration.
 
 #pragma once
 
@@ -12,10 +12,10 @@
 
 namespace trackedcam {
 
-/// Filled from the tracker data file up to the lens. Element i of each list, and row i of the two
-/// pose matrices with what lies behind their end, belongs to the i-th photograph that shows the
-/// board. The outlier filter then takes photographs out of imagePaths and imagePoints alone: nobody
-/// reads the other lists after it.
+/// Filled stage by stage, from the tracker data file to the lens. Element i of each list and row i
+/// of the two pose matrices (including the rows after the end of a view) belong to the i-th
+/// photograph in which the board was found. The outlier filter removes photographs from imagePaths
+/// and imagePoints only; the other lists are not read after it.
 struct CalibrationData {
   BoardTemplate boardTemplate;
   std::vector<std::string> imagePaths;

@@ -1,4 +1,4 @@
-// What a calibration starts from: the board, and photographs and records that belong together.
+// The input of a calibration: the board, the photographs and their records.
 
 #pragma once
 
@@ -12,10 +12,10 @@
 
 namespace trackedcam {
 
-/// The board's inner corners in the chart's frame; empty for a board without rows or columns.
+/// The board's inner corners in frame Chart; empty for a board without rows or columns.
 BoardTemplate MakeBoardTemplate(const RunLog& log, int boardCols, int boardRows, double squareSize);
 
-/// Returns 0, or 2 when the numbers of photographs and of records differ.
+/// @return 0, or 2 if photographs and records differ in number.
 ResultCode CheckRecords(const RunLog& log, const std::vector<std::string>& imagePaths,
                         const std::vector<TrackerRecord>& records);
 

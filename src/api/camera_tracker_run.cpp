@@ -10,11 +10,11 @@
 namespace trackedcam {
 namespace {
 
-// Of the reprojection error divided by the image height: 12 and 18 pixels at 1080 rows.
+// Limits of the reprojection error divided by the image height: 12 and 18 pixels at 1080 rows.
 constexpr float kNormErrorWarning = 0.011111111F;
 constexpr float kNormErrorFailure = 0.016666668F;
 
-// Of the translations' spread, metres.
+// Limits of the spread of the translations, metres.
 constexpr float kSpreadWarning = 0.01F;
 constexpr float kSpreadFailure = 0.015F;
 
@@ -48,7 +48,7 @@ ResultCode RunCameraTracker(RunLog log, CalibrationData& data,
   }
   WriteRunLogLine(log, "Finish OrganizeRT.");
 
-  // First with the nominal mounting of the chart's tracker.
+  // First solve, with the nominal mounting of the chart's tracker.
   Transform Mean_Transform_Cam_Tc = Transform::Identity();
   WriteRunLogLine(log, "Start Calculate_Transform_Cam_Tc in first time.");
   if (const ResultCode code =
@@ -71,7 +71,7 @@ ResultCode RunCameraTracker(RunLog log, CalibrationData& data,
     return code;
   }
 
-  // Then with the mounting that the remaining photographs show.
+  // Second solve, with the mounting estimated from the remaining photographs.
   Transform Mean_Transform_Chart_Tr;
   if (const ResultCode code = Calculate_Transform_Chart_Tr(
           log, Mean_Transform_Chart_Tr, Transform_Cam_Chart_all, Mean_Transform_Cam_Tc,

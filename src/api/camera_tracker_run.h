@@ -9,11 +9,10 @@
 
 namespace trackedcam {
 
-/// The second half of a calibration: solves the camera-to-tracker transform, drops outlying
-/// photographs, solves again, measures and judges the result. Arguments are those of Calibration.
-///
-/// Appends Mean_Transform_Cam_Tc to transformCamTc, and returns the first stage's code that is not
-/// 0. 0, 6, 14 and 99 leave transformCamTc filled.
+/// The second half of a calibration: solves the transform between camera and tracker, removes
+/// outliers, solves again, and judges the result. The arguments are those of Calibration.
+/// @return The first code of a stage that is not 0, or 0. With 0, 6, 14 and 99,
+///   Mean_Transform_Cam_Tc is appended to transformCamTc.
 ResultCode RunCameraTracker(RunLog log, CalibrationData& data,
                             const std::vector<double>& chartTrackerRotation,
                             const std::vector<double>& chartTrackerTranslation,

@@ -33,7 +33,7 @@ std::string Join(std::initializer_list<double> numbers) {
 
 using AxisChangeStage = ResultCode (*)(RunLog, const Transform&, Transform&);
 
-// From the boundary form to the offset in the engine's axes, both of which are logged.
+// Converts the 16 numbers to the offset in the engine's axes, and logs both transforms.
 Transform ChangeAxes(const RunLog& log, const std::string& engine, AxisChangeStage change,
                      const std::vector<double>& transformCamTc) {
   const Transform Transform_Cam_Tc = TransformFromVector(transformCamTc);
@@ -50,7 +50,7 @@ Quaternion RotationOf(const RunLog& log, const Transform& transform) {
   return QuaternionFromRotation(rotation);
 }
 
-// The two outputs are filled in turns.
+// Appends to the two outputs alternately; the order shows if the caller passes one vector for both.
 void AppendInTurns(std::vector<double>& rotationDeg, const EulerAngles& angles,
                    std::vector<double>& translationCm, const Eigen::Vector3f& centimetres) {
   for (int i = 0; i < 3; ++i) {
@@ -67,7 +67,7 @@ void LogPlacement(const RunLog& log, const std::string& engine, const EulerAngle
                            Join({centimetres.x(), centimetres.y(), centimetres.z()}) + " cm");
 }
 
-// The two exports to Unreal Engine 5 differ in their axes and in their name.
+// The two exports for Unreal Engine 5 differ only in their axes and their name.
 ResultCode ExportToUE5(const std::string& name, AxisChangeStage changeAxes,
                        const std::vector<double>& transformCamTc,
                        std::vector<double>& quaternionXyzw, std::vector<double>& translationCm,
@@ -87,7 +87,7 @@ ResultCode ExportToUE5(const std::string& name, AxisChangeStage changeAxes,
   for (int axis = 0; axis < 3; ++axis) {
     translationCm.push_back(Transform_Tc_Cam(axis, 3) * 100);
   }
-  // From the caller's lists, which begin with older figures when they came in filled.
+  // The first elements of the vectors, which are the caller's if they were not empty.
   WriteRunLogLine(log, "UE5 Quat_Tc_Cam (xyzw): " + Join({quaternionXyzw[0], quaternionXyzw[1],
                                                           quaternionXyzw[2], quaternionXyzw[3]}));
   WriteRunLogLine(log, "UE5 Trans_Tc_Cam_cm (xyz): " +
@@ -159,7 +159,7 @@ int CamAxisToAximmetry(std::vector<double> normFocal, std::vector<double> normCe
   fovX.push_back(2 * std::atan(1 / (2 * normFocal[0])) / kShortPi * 180.0);
   lensCentre.push_back(normCenter[0] - 0.5);
   lensCentre.push_back(-(normCenter[1] - 0.5));
-  // From the caller's lists, which begin with older figures when they came in filled.
+  // The first elements of the vectors, which are the caller's if they were not empty.
   WriteRunLogLine(log, "FoVX : " + ToSixDecimals(fovX[0]));
   WriteRunLogLine(log, "AximmetryCxy : " + Join({lensCentre[0], lensCentre[1]}));
 

@@ -8,7 +8,7 @@
 
 namespace trackedcam {
 
-/// Returns 0, or -1 with a line that names the argument when it has fewer elements than are read.
+/// @return 0, or -1 if the argument has fewer elements than are read. The log then names it.
 ResultCode CheckLength(const RunLog& log, const std::string& argument,
                        const std::vector<double>& elements, std::size_t needed);
 

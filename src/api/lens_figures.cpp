@@ -12,7 +12,7 @@ double FieldOfViewDeg(double normFocal) {
   return 2 * std::atan(1 / (2 * normFocal)) * kRoundedDegreesPerRadian;
 }
 
-// By the smaller pixel pitch; equal pitches go by the vertical one.
+// Uses the smaller pixel pitch, or the vertical one if they are equal.
 double FocalLengthMm(const CalibrationData& data, double sensorWidth, double sensorHeight) {
   const double horizontalPitch = sensorWidth / data.imageSize.width;
   const double verticalPitch = sensorHeight / data.imageSize.height;
@@ -50,7 +50,7 @@ void HandOutLens(const RunLog& log, const CalibrationData& data, double sensorWi
   WriteRunLogLine(log, "Norm C : (" + ToSixDecimals(normCx) + ", " + ToSixDecimals(normCy) + ").");
   WriteRunLogLine(log, "Distortion (k1, k2, p1, p2, k3) : " + distortionText);
 
-  // From the caller's lists, which begin with older figures when they came in filled.
+  // From the first elements of the vector, which are the caller's if it was not empty.
   const double horizontal = FieldOfViewDeg(outputs.normFocal[0]);
   const double vertical = FieldOfViewDeg(outputs.normFocal[1]);
   WriteRunLogLine(log, "FoV_H : " + ToSixDecimals(horizontal) + " degree.");

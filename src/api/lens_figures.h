@@ -1,4 +1,4 @@
-// The figures of the lens as the host gets them, made from the camera matrix.
+// The lens outputs of Calibration, computed from the camera matrix.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 
 namespace trackedcam {
 
-/// Where the lens figures are appended; the units are those of Calibration.
+/// The caller's vectors, to which the values are appended; units are those of Calibration.
 struct LensOutputs {
   std::vector<double>& imageSize;
   std::vector<double>& normFocal;
@@ -19,7 +19,7 @@ struct LensOutputs {
   std::vector<double>& focalLengthMm;
 };
 
-/// Hands out the lens figures and logs them. The sensor's size is in millimetres.
+/// Appends the lens outputs and logs them. The sensor's size is in millimetres.
 void HandOutLens(const RunLog& log, const CalibrationData& data, double sensorWidth,
                  double sensorHeight, LensOutputs outputs);
 

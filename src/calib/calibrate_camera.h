@@ -12,17 +12,21 @@
 
 namespace trackedcam {
 
-/// Finds the chessboard in the photographs and solves the lens. Photographs that cannot be used
-/// leave imagePaths and records.
+/// Finds the chessboard in the photographs and solves the lens. Unusable photographs are removed
+/// from imagePaths and records.
 ///
-/// rms is the reprojection error in pixels; cameraMatrix is 3x3, in pixels; distortion begins with
-/// k1, k2, p1, p2, k3. Rot_Cam_Chart_vec (axis times angle, radians) and Trans_Cam_Chart_vec
-/// (metres) hold the chart's pose in the camera frame, N rows of three doubles. objectPoints and
-/// imagePoints hold one list of corners for each usable photograph; rmsLimit is in pixels.
-/// imageSize comes in as 0 by 0 and is that of the first photograph that loads. Num_TrackerData is
-/// lowered for every photograph that drops out; the poses leave as views of the first
-/// Num_TrackerData rows.
-/// Returns 0, 4 (fewer than 12 usable photographs) or 5 (rms above rmsLimit).
+/// - rms: the reprojection error, pixels; rmsLimit: its limit, pixels.
+/// - imageSize: 0 by 0 at the call; then the size of the first photograph that loads, pixels.
+/// - cameraMatrix: 3x3 doubles, pixels; distortion begins with k1, k2, p1, p2, k3.
+/// - Rot_Cam_Chart_vec (axis times angle, radians) and Trans_Cam_Chart_vec (metres): the chart's
+///   poses in frame Cam, rows of three doubles. At the end they are views of their first
+///   Num_TrackerData rows.
+/// - objectPoints and imagePoints: one list of corners for each usable photograph.
+/// - Num_TrackerData: lowered for each unusable photograph among the first Num_TrackerData.
+///
+/// The spare arguments are not used.
+/// @return 0, 4 (fewer than 12 usable photographs) or 5 (rms above rmsLimit).
+/// @throws cv::Exception if the views cannot be solved, or if Num_TrackerData is negative.
 ResultCode Calibrate_Camera(RunLog log, double& rms, cv::Size& imageSize, cv::Mat& cameraMatrix,
                             cv::Mat& distortion, cv::Mat& Rot_Cam_Chart_vec,
                             cv::Mat& Trans_Cam_Chart_vec, std::vector<std::string>& imagePaths,

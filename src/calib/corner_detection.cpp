@@ -32,8 +32,8 @@ void Refine(const cv::Mat& grey, Corners& corners, cv::Size boardSize) {
   cv::cornerSubPix(grey, corners, RefinementWindow(corners, boardSize), cv::Size(-1, -1), criteria);
 }
 
-// Searches on a reduced image, where the detector is quick and sure, and refines at full
-// resolution.
+// Searches large photographs in a reduced copy, where the detector is fast and reliable, and
+// refines at full resolution.
 bool FindCorners(const cv::Mat& image, cv::Size imageSize, cv::Size boardSize, Corners& corners) {
   const float reduction = ReductionFactor(imageSize);
   const bool isReduced = reduction != 1.0;

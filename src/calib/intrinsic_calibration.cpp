@@ -11,8 +11,8 @@
 namespace trackedcam {
 namespace {
 
-// Calls take turns to solve. There is linear algebra without threads that has no locks either, as
-// in Debian's libopenblas0-serial: two solves at once would multiply in one place and be wrong.
+// Serialises the solves of concurrent calls. Some linear algebra libraries, such as Debian's
+// libopenblas0-serial, have no locks: two solves at once would share a buffer and be wrong.
 std::mutex solveTurn;
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace trackedcam {
 
-/// Corner positions in the chart's frame, metres, row by row with columns fastest.
+/// Corner positions in frame Chart, metres, row by row.
 using BoardTemplate = std::vector<cv::Point3f>;
 
 /// Corner positions in one photograph, pixels, in the order of the template.

@@ -32,7 +32,7 @@ ResultCode Quality_Verdict(RunLog log, float normError, float normErrorWarning,
   const auto compare = [](const std::string& what, float figure, float limit) {
     return what + ToSixDecimals(figure) + " > " + ToSixDecimals(limit) + " )";
   };
-  // The spread comes first: a warning about it is reported even where the error would fail.
+  // The spread is judged first: a warning about it hides an error that would fail.
   if (maxStd > spreadFailure) {
     WriteRunLogLine(log, compare("T_STD too large. ( ", maxStd, spreadFailure));
     return LogError(log, result::kTranslationSpreadTooLarge);

@@ -10,10 +10,10 @@
 
 namespace trackedcam {
 
-/// Judges the finished calibration by the reprojection error, divided by the image height, and by
-/// the spread of the single photographs' translations (metres) around the mean transform's. Returns
-/// 0 (good), 6 (spread too large), 14 (error too large) or 99 (recalibration recommended). A figure
-/// that is not a number passes.
+/// Judges the finished calibration by two values: normError, the reprojection error divided by the
+/// image height, and the spread of the photographs' translations (metres) around that of the mean
+/// transform, along the worst axis. A value passes if it equals its limit or is NaN.
+/// @return 0 (good), 6 (spread too large), 14 (error too large) or 99 (recalibration recommended).
 ResultCode Quality_Verdict(RunLog log, float normError, float normErrorWarning,
                            float normErrorFailure, const Transform& Mean_Transform_Cam_Tc,
                            const std::vector<Eigen::Vector3f>& translations, float spreadWarning,

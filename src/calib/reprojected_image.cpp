@@ -37,14 +37,15 @@ void WriteReprojectedImage(const cv::Mat& image, const std::string& folder,
   const std::string name = imagePath.substr(imagePath.find_last_of('\\') + 1);
   const std::string path = folder + "//Reproject_" + name;
   try {
-    // Encoded in memory, by the end of the name: the image library cannot open every path.
+    // Encoded in memory, because the image library cannot open every path. The extension of the
+    // name selects the format.
     std::vector<unsigned char> bytes;
     cv::imencode(path, image, bytes);
     if (const File file = OpenFile(WideFromUtf8(path), "wb")) {
       std::fwrite(bytes.data(), 1, bytes.size(), file.get());
     }
   } catch (const cv::Exception&) {
-    // The image is an extra: the figures of the run do not depend on it.
+    // No result depends on the image.
   }
 }
 

@@ -1,4 +1,4 @@
-// The photograph with the detected and the predicted corners drawn on it.
+// Reprojected images: photographs with the detected and the predicted corners drawn on them.
 
 #pragma once
 
@@ -10,12 +10,12 @@
 
 namespace trackedcam {
 
-/// Draws red discs at the detected corners and blue ones at the projected corners that lie strictly
-/// inside the photograph.
+/// Draws a red disc at each detected corner and a blue one at each projected corner strictly inside
+/// the photograph.
 void DrawCorners(cv::Mat& photograph, const Corners& detected, const Corners& projected);
 
-/// Saves the image as folder, "//Reproject_" and what follows the last backslash of imagePath. A
-/// failure is passed over in silence.
+/// Saves the image as folder + "//Reproject_" + the part of imagePath after the last backslash. A
+/// failure is ignored.
 void WriteReprojectedImage(const cv::Mat& image, const std::string& folder,
                            const std::string& imagePath);
 

@@ -27,7 +27,7 @@ Corners ProjectBoard(const BoardTemplate& boardTemplate, const Transform& Transf
   return projected;
 }
 
-// The mean distance, not its root-mean-square.
+// The mean of the distances, not their root mean square.
 float MeanDistance(const Corners& detected, const Corners& projected) {
   FloatSum sum;
   for (std::size_t j = 0; j < projected.size(); ++j) {
@@ -59,14 +59,14 @@ ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate
         ProjectBoard(boardTemplate, Transform_Cam_Chart, cameraMatrix, distortion);
 
     if (writeImages) {
-      // Read a second time, and may be gone by now: the figures do not depend on it.
+      // The second read can fail. No result depends on it.
       cv::Mat photograph = LoadImageOrNone(imagePaths[i]);
       if (!photograph.empty()) {
         DrawCorners(photograph, imagePoints[i], projected);
         WriteReprojectedImage(photograph, outputFolder, imagePaths[i]);
       }
     } else {
-      ImageOpens(imagePaths[i]);  // a missing photograph shows on the console in either pass
+      ImageOpens(imagePaths[i]);  // reports a missing photograph on the console in this pass too
     }
 
     const float error = MeanDistance(imagePoints[i], projected);

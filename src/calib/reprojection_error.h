@@ -12,14 +12,14 @@
 
 namespace trackedcam {
 
-/// Predicts the corners of each photograph from the trackers and the two fixed transforms, through
-/// the lens, and sets averageError to the mean over photographs of their mean distance, in pixels,
-/// from the detected corners. The error so measures the whole solution, not only the lens.
+/// Predicts the corners of each photograph from the trackers, the two fixed transforms and the
+/// lens. A photograph's error is the mean distance between predicted and detected corners;
+/// averageError is the mean over the photographs, in pixels. It measures the whole solution, not
+/// only the lens.
 ///
-/// With writeImages each photograph is saved with both sets of corners drawn on it, as
-/// outputFolder, "//Reproject_" and the photograph's name; one that cannot be written is passed
-/// over. Without it photographs are opened, not decoded. Returns 0, or 7 when imagePoints and
-/// Transform_Base_Tc_all differ in length.
+/// With writeImages, saves each photograph with both sets of corners (see WriteReprojectedImage).
+/// Without it, photographs are opened but not decoded.
+/// @return 0, or 7 if imagePoints and Transform_Base_Tc_all differ in length.
 ResultCode Cal_Reproj_Error(RunLog log, float& averageError, const BoardTemplate& boardTemplate,
                             const std::vector<Corners>& imagePoints, const cv::Mat& cameraMatrix,
                             const cv::Mat& distortion, const Transform& Mean_Transform_Cam_Tc,

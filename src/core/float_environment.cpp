@@ -8,10 +8,10 @@
 namespace trackedcam {
 namespace {
 
-// The runtimes disagree about which parts of the vector unit's register belong to fenv_t, so it is
-// read and written as a whole. Elsewhere fenv_t is all there is.
+// Runtimes disagree about which parts of the vector unit's control register belong to fenv_t, so
+// the register is saved and restored as a whole. Processors without SSE need only fenv_t.
 #if defined(TRACKEDCAM_HAS_SSE)
-constexpr unsigned int kVectorUnitDefault = 0x1F80;  // nothing trapped, to nearest, no flushing
+constexpr unsigned int kVectorUnitDefault = 0x1F80;  // no traps, round to nearest, no flush to zero
 unsigned int VectorUnit() {
   return _mm_getcsr();
 }

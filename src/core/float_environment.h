@@ -1,4 +1,4 @@
-// How the processor rounds, what it traps and what it does with the tiniest numbers.
+// The floating-point settings of the calling thread: rounding, traps, subnormal numbers.
 
 #pragma once
 
@@ -6,10 +6,9 @@
 
 namespace trackedcam {
 
-/// While it lives, the thread computes as a program does that never asked for anything else: rounds
-/// to nearest, traps nothing, keeps subnormal numbers. Afterwards all is as the host had it, the
-/// flags of exceptions included. Without it a host that traps would die of a figure that is not a
-/// number, and one that rounds otherwise would get other figures.
+/// During its lifetime the thread rounds to nearest, traps nothing and keeps subnormal numbers. The
+/// destructor restores the host's settings and exception flags. Without it, a host that traps would
+/// crash on a NaN, and a host with another rounding mode would get other results.
 class DefaultFloatEnvironment {
  public:
   DefaultFloatEnvironment();

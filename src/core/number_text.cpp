@@ -10,16 +10,19 @@
 namespace trackedcam {
 namespace {
 
-// More digits than decide how any number is rounded. Those behind count only as more than nothing.
+// Enough digits to round any double correctly. Of the digits after them it matters only whether one
+// is not 0.
 constexpr std::size_t kDigitsKept = 800;
 
-// Beyond it a number is infinite or 0 however many digits it has; within it readers are safe.
+// An exponent beyond kReadableExponent makes a number infinite or 0, however many digits it has.
+// kExponentLimit keeps the sum of exponents from overflowing.
 constexpr long long kExponentLimit = 1'000'000'000'000'000;
 constexpr long long kReadableExponent = 10'000;
 
-// 0.digits times 10, or 2 for hexadecimal digits, to the power of the exponent; 0 without digits.
+// The value is 0.digits * base^exponent, with base 10, or 2 for hexadecimal digits. It is 0 without
+// digits.
 struct Scientific {
-  std::string digits;  // begin with one that is not 0
+  std::string digits;  // without leading zeros
   long long exponent = 0;
 };
 
@@ -32,7 +35,7 @@ bool IsHexadecimal(char character) {
          (character >= 'A' && character <= 'F');
 }
 
-// The word is given in small letters and found in any.
+// Ignores the case of the text. The word must be in lower case.
 bool StartsWith(std::string_view text, std::string_view word) {
   const auto small = [](char letter) {
     return static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter);
@@ -74,7 +77,7 @@ void TakeDigits(std::string_view& text, bool isHex, Scientific& number) {
   }
 }
 
-// A mark without digits behind it belongs to the text after the number.
+// An exponent mark without digits after it does not belong to the number.
 void TakeExponent(std::string_view text, bool isHex, Scientific& number) {
   if (!StartsWith(text, isHex ? "p" : "e")) {
     return;
@@ -109,7 +112,7 @@ double ValueOf(const Scientific& number, bool isHex) {
 }  // namespace
 
 std::string ToSixDecimals(double number) {
-  // The longest text: a sign, 309 digits, the point and six decimals.
+  // The longest text has a sign, 309 digits, the point and six decimals.
   std::array<char, 320> buffer = {};
   number = std::isnan(number) ? std::copysign(number, 1.0) : number;
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
@@ -131,7 +134,7 @@ double ParseLeadingNumber(std::string_view text) {
   if (number.empty() || !IsDecimal(number.front())) {
     return 0;
   }
-  // Of "0x" without digits behind it the 0 is the number.
+  // "0x" without digits after it is the number 0.
   const bool isHex = StartsWith(text, "0x");
   text.remove_prefix(isHex ? 2 : 0);
   Scientific scientific;

@@ -1,4 +1,4 @@
-// Numbers as text, the same whatever locale the host has set and on every system.
+// Numbers as text, the same in every locale and on every system.
 
 #pragma once
 
@@ -7,16 +7,16 @@
 
 namespace trackedcam {
 
-/// What printf's "%f" gives in the C locale, as the run log writes numbers. A float is widened.
-/// What is no number is "nan": its sign depends on the runtime.
+/// The text of printf's "%f" in the C locale, as the run log writes numbers. A float is widened.
+/// A NaN is always "nan", because its sign depends on the runtime.
 std::string ToSixDecimals(double number);
 
-/// A whole number is written as std::to_string does; it must not come out as 16.000000.
+/// Use std::to_string for whole numbers: 16 must not become 16.000000.
 std::string ToSixDecimals(int) = delete;
 
-/// What atof of the GNU C library gives in the C locale: the longest beginning that is a number,
-/// decimal, hexadecimal, infinite or none, and 0 where there is no such beginning. The characters
-/// of "nan(...)" leave no trace in what is not a number.
+/// The value that atof of the GNU C library returns in the C locale: the longest prefix that is a
+/// number (decimal, hexadecimal, "inf" or "nan"), or 0 without such a prefix. The characters in
+/// "nan(...)" do not change the NaN.
 double ParseLeadingNumber(std::string_view text);
 
 }  // namespace trackedcam

@@ -1,4 +1,4 @@
-// Element i of every list that has one element for each photograph belongs to the same photograph.
+// Lists with one element for each photograph: element i of all of them belongs to one photograph.
 
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace trackedcam {
 
-/// Removes a photograph from all the given lists together; a list that ends before it stays as it
-/// is.
+/// Removes the photograph at this index from every given list. A list that is too short stays
+/// unchanged.
 template <class... Lists>
 void RemovePhotograph(std::size_t index, Lists&... lists) {
   const auto remove = [index](auto& list) {

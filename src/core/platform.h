@@ -1,4 +1,4 @@
-// Everything that differs between operating systems.
+// The functions of the library that differ between operating systems.
 
 #pragma once
 
@@ -14,14 +14,14 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Opens a file by its wide-character path in a mode of fopen; null when that fails or when the
-/// path names a folder. Another process may have the file open at the same time.
+/// Opens a file in a mode of fopen. Other processes may have it open at the same time.
+/// @return Null if the file cannot be opened or the path is that of a folder.
 File OpenFile(const std::wstring& path, const char* mode);
 
 /// The current local time.
 std::tm LocalTime();
 
-/// Makes the console show UTF-8. Doing nothing, or failing, is no error.
+/// Makes the console show UTF-8, where that needs a call. A failure is ignored.
 void UseUtf8Console();
 
 }  // namespace trackedcam

@@ -7,7 +7,7 @@
 namespace trackedcam {
 namespace {
 
-// fopen opens a folder for reading and fails only when it is read.
+// fopen can open a folder for reading; only reading from it fails.
 bool IsFolder(std::FILE* file) {
   struct stat status = {};
   return fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode);

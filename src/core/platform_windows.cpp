@@ -19,7 +19,7 @@ std::tm LocalTime() {
 }
 
 void UseUtf8Console() {
-  SetConsoleOutputCP(CP_UTF8);  // fails without a console, where nothing is shown
+  SetConsoleOutputCP(CP_UTF8);  // fails without a console, where it is not needed
 }
 
 }  // namespace trackedcam

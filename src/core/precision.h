@@ -1,7 +1,7 @@
-// Where the library deliberately keeps less than double precision.
+// Deliberately lower precision than double.
 //
-// Results and log lines must repeat to the last printed digit, whoever computes them. So the
-// figures below are part of the result and are not to be "corrected" to full precision.
+// Results and log lines must be the same to the last printed digit everywhere. The precision of
+// these values is therefore part of the result: do not raise it.
 
 #pragma once
 
@@ -9,18 +9,19 @@
 
 namespace trackedcam {
 
-/// Pi cut after ten decimals: angles of the chart tracker's mounting, the tracker's axis fix, and
-/// the outlier filter's degrees.
+/// Pi truncated after ten decimals. Used for the angles of the chart tracker's mounting, the
+/// tracker's axis fix, the degrees of the outlier filter, and the field of view and first angle for
+/// Aximmetry.
 constexpr double kShortPi = 3.1415926535;
 
-/// 180 / pi rounded to single precision and used in double: the fields of view, Unreal Engine's
-/// roll.
+/// 180 / pi rounded to single precision and used in double precision: fields of view, roll of
+/// Unreal Engine.
 constexpr double kRoundedDegreesPerRadian = 57.295780181884766;
 
-/// The same in single precision: the engines' other angles.
+/// 180 / pi in single precision: the other angles of the exports.
 constexpr float kDegreesPerRadianSingle = 57.29578F;
 
-/// A running sum that is kept in single precision: rounded after each addition.
+/// A running sum in single precision: it is rounded after each addition.
 class FloatSum {
  public:
   void Add(double value) { sum_ = static_cast<float>(sum_ + value); }

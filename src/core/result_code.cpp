@@ -27,7 +27,7 @@ const std::map<ResultCode, std::string> ResultMessageTable = {
     {100, "DoF Near calculation error, Near > ObjectDistance."},
 };
 
-// Readers of logs know the lines of these codes with a blank before the colon.
+// Programs that read logs expect a blank before the colon for these codes.
 bool HasBlankBeforeColon(ResultCode code) {
   return code == 1 || code == 2 || code == 3 || code == 15;
 }

@@ -1,4 +1,4 @@
-// The numbered results that every stage and every exported function returns.
+// The result codes that every stage and every exported function returns.
 
 #pragma once
 
@@ -31,15 +31,15 @@ constexpr ResultCode kReprojectionErrorTooLarge = 14;
 constexpr ResultCode kDataFileFormat = 15;
 constexpr ResultCode kRecalibrationRecommended = 99;
 
-/// Wrong use by the host: an input list is too short to be read. It has no message.
+/// Wrong use by the host: an input list is too short. This code has no message.
 constexpr ResultCode kInputTooShort = -1;
 
 }  // namespace result
 
-/// The fixed message of a code; empty for a code that has none.
+/// The fixed message of a code; empty for a code without a message.
 std::string LookupResultMessage(ResultCode code);
 
-/// Writes the error line of a code, "Error code", its digits and its message, and returns the code.
+/// Writes the error line, "Error code" with the code and its message, and returns the code.
 ResultCode LogError(const RunLog& log, ResultCode code, const std::string& detail = "");
 
 }  // namespace trackedcam

@@ -9,7 +9,7 @@
 namespace trackedcam {
 
 std::string FormatLocalTime(const std::string& key) {
-  // Digits only, so that the text is the same in every locale that a host may have set.
+  // These formats write digits only, so the host's locale does not matter.
   const char* format = "";
   if (key == "now") {
     format = "%Y-%m-%d %H:%M:%S";

@@ -1,4 +1,4 @@
-// The record of one exported call: a text file in the host's folder, echoed to standard output.
+// The run log of one exported call: a text file in the host's folder, echoed to standard output.
 
 #pragma once
 
@@ -6,20 +6,22 @@
 
 namespace trackedcam {
 
-/// Holds only the path, so that every stage can have a copy; the file is opened for each line.
+/// Holds only the path, so that every stage can have a copy. The file is opened for each line.
 struct RunLog {
   std::wstring path;
 };
 
-/// Names the log after the local time, below a folder given in UTF-8. No file or folder is created.
-/// @throws std::range_error("bad conversion") when the folder is not UTF-8.
+/// Sets the path of the log: a name with the local time in the folder (UTF-8). Creates no file and
+/// no folder.
+/// @throws std::range_error("bad conversion") if the folder is not UTF-8.
 void OpenRunLog(RunLog& log, const std::string& folder);
 
-/// Appends the local time, a tab and the message to the file and to standard output. A file that
-/// cannot be written is passed over in silence.
+/// Appends the local time, a tab and the message to the file and to standard output. If the file
+/// cannot be written, the line goes to standard output only.
 void WriteRunLogLine(const RunLog& log, const std::string& message);
 
-/// Key "now": the time stamp of a line; key "date": the part of a log's name; else empty.
+/// For key "now" the time stamp of a line, for key "date" the time in the name of a log; empty for
+/// any other key.
 std::string FormatLocalTime(const std::string& key);
 
 }  // namespace trackedcam

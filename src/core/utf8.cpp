@@ -23,12 +23,11 @@ bool IsCharacter(std::uint32_t codePoint) {
   return codePoint <= 0x10FFFF && !IsHighSurrogate(codePoint) && !IsLowSurrogate(codePoint);
 }
 
-// How many bytes follow a lead byte, which of its bits count, and the least code point that needs
-// so many bytes: a longer form of a smaller one is not UTF-8.
+// A character of UTF-8, as its first byte announces it.
 struct Sequence {
   int continuationBytes;
-  std::uint32_t leadBits;
-  std::uint32_t leastCodePoint;
+  std::uint32_t leadBits;        // the bits of the first byte that belong to the code point
+  std::uint32_t leastCodePoint;  // a smaller one has a shorter form, and the longer is not UTF-8
 };
 
 Sequence SequenceOf(unsigned char lead) {

@@ -1,4 +1,4 @@
-// Conversion between UTF-8, the text at the library's boundary, and wide paths.
+// Conversion between UTF-8, the encoding of the public functions, and wide paths.
 
 #pragma once
 
@@ -7,11 +7,11 @@
 
 namespace trackedcam {
 
-/// UTF-16 where wchar_t has two bytes, UTF-32 where it has four.
-/// @throws std::range_error("bad conversion") when the text is not UTF-8.
+/// Converts to UTF-16 if wchar_t has two bytes, to UTF-32 if it has four.
+/// @throws std::range_error("bad conversion") if the text is not UTF-8.
 std::wstring WideFromUtf8(std::string_view text);
 
-/// @throws std::range_error("bad conversion") when the text holds what is no character.
+/// @throws std::range_error("bad conversion") if the text holds an invalid character.
 std::string Utf8FromWide(std::wstring_view text);
 
 }  // namespace trackedcam

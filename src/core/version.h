@@ -4,7 +4,7 @@
 
 namespace trackedcam {
 
-/// The version text, which every exported function logs first.
+/// The text in the first line of every log.
 extern const std::string LibraryVersion;
 
 }  // namespace trackedcam

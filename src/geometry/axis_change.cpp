@@ -5,9 +5,9 @@
 namespace trackedcam {
 namespace {
 
-// out = result * inverse(camera * T * tracker), where T is Transform_Cam_Tc, with its hand changed
-// first for a left-handed engine. A matrix that an engine does not have is left out rather than
-// multiplied as the identity, which would turn negative zeros into zeros.
+// out = result * inverse(camera * T * tracker), with T = Transform_Cam_Tc, mirrored first for a
+// left-handed engine. A matrix that an engine does not need is left out: a product with the
+// identity would make negative zeros positive.
 struct AxisChange {
   bool changesHand = false;
   std::optional<Transform> camera = {};

@@ -8,7 +8,8 @@
 
 namespace trackedcam {
 
-/// Each returns 0. Only the first writes to the log.
+/// out is the offset from the tracker to the camera, translation in metres. All return 0; only
+/// AxisChangeUE4 writes to the log.
 ResultCode AxisChangeUE4(RunLog log, const Transform& Transform_Cam_Tc, Transform& out);
 ResultCode AxisChangeUE5(RunLog log, const Transform& Transform_Cam_Tc, Transform& out);
 ResultCode AxisChangeUE5xN(RunLog log, const Transform& Transform_Cam_Tc, Transform& out);

@@ -41,7 +41,7 @@ ResultCode QuatToEulerUE(RunLog log, const Quaternion& quaternion, EulerAngles& 
   const float pitch = std::asin(2 * singularity) * kDegreesPerRadianSingle;
   const float yaw = std::atan2(2 * (w * z + x * y), static_cast<float>(CosineTerm(y, z))) *
                     kDegreesPerRadianSingle;
-  // The numerator is rounded to single precision, the angle is not.
+  // Only the numerator is in single precision.
   const double rollNumerator = -2 * (z * y + w * x);
   const auto roll =
       static_cast<float>(std::atan2(rollNumerator, CosineTerm(x, y)) * kRoundedDegreesPerRadian);

@@ -1,4 +1,4 @@
-// Rotations as quaternions, in the order x, y, z, w (scalar last).
+// Rotations as quaternions. coeffs() is in the order x, y, z, w.
 
 #pragma once
 
@@ -8,11 +8,11 @@ namespace trackedcam {
 
 using Quaternion = Eigen::Quaterniond;
 
-/// Neither argument nor result is normalised; w is positive when the rotation's trace is.
+/// Normalises neither the argument nor the result. If the trace of the rotation is positive, so is
+/// w.
 Quaternion QuaternionFromRotation(const Eigen::Matrix3d& rotation);
 
-/// The rotation block of a quaternion as it is, without normalising it. A zero quaternion gives the
-/// identity.
+/// Does not normalise the quaternion. A zero quaternion gives the identity.
 Eigen::Matrix3d RotationFromQuaternion(const Quaternion& quaternion);
 
 /// The rotation Rx(x) * Ry(y) * Rz(z), angles in radians.

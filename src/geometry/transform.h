@@ -1,7 +1,7 @@
 // Rigid transforms between the frames Cam, Tc, Tr, Base and Chart.
 //
-// Transform_A_B takes coordinates given in frame B into frame A: p_A = Transform_A_B * p_B.
-// Products read right to left.
+// Transform_A_B converts coordinates in frame B to frame A: p_A = Transform_A_B * p_B. Products
+// read right to left.
 
 #pragma once
 
@@ -19,22 +19,23 @@ namespace trackedcam {
 using Transform = Eigen::Matrix4d;
 using TransformList = std::vector<Transform>;
 
-/// Reads the boundary form, 16 numbers row by row. Numbers behind the 16th are ignored.
+/// Reads the form of the public functions: at least 16 numbers, row by row. Further numbers are
+/// ignored.
 Transform TransformFromVector(const std::vector<double>& elements);
 
-/// Appends the boundary form.
+/// Appends the form of the public functions: 16 numbers, row by row.
 void AppendTransform(std::vector<double>& elements, const Transform& transform);
 
-/// The transform with this rotation block and this translation in metres.
+/// A transform from its rotation block and its translation (metres).
 Transform MakeTransform(const Eigen::Matrix3d& rotation, const Eigen::Vector3d& translation);
 
-/// Writes the label and then the four rows.
+/// Logs the label and the four rows, one line each.
 void LogTransform(const RunLog& log, const std::string& label, const Transform& transform);
 
-/// Changes the handedness by mirroring the z axis on both sides: out = C * in * C. Returns 0.
+/// Changes the handedness: out = C * in * C, where C mirrors the z axis. Returns 0.
 ResultCode ChangeHand(RunLog log, const Transform& in, Transform& out);
 
-/// The general 4x4 inverse. A singular matrix gives values that are not finite.
+/// The general 4x4 inverse. For a singular matrix the elements are infinite or NaN.
 Transform InverseTransform(const Transform& transform);
 
 /// Copies the upper left 3x3 block. Returns 0.

@@ -12,9 +12,9 @@ namespace trackedcam {
 
 /// Closes the loop Cam <- Chart <- Tr <- Base <- Tc for each photograph and averages the results.
 ///
-/// The three lists (Transform_Cam_Tc_all, rotations x, y, z, w and translations in metres) are
-/// cleared first. Returns 0, or 8 when the pose lists differ in length; Mean_Transform_Cam_Tc is
-/// then left.
+/// First clears Transform_Cam_Tc_all, rotations (x, y, z, w) and translations (metres), then
+/// appends one element for each photograph.
+/// @return 0, or 8 if the pose lists differ in length. Mean_Transform_Cam_Tc is then unchanged.
 ResultCode Calculate_Transform_Cam_Tc(
     RunLog log, Transform& Mean_Transform_Cam_Tc, TransformList& Transform_Cam_Tc_all,
     std::vector<Eigen::Quaternionf>& rotations, std::vector<Eigen::Vector3f>& translations,

@@ -6,10 +6,9 @@
 
 namespace trackedcam {
 
-/// Solves the same loop as Calculate_Transform_Cam_Tc for the mounting of the chart's tracker, with
-/// the transform between camera and tracker taken as known, and averages over the photographs.
-///
-/// Returns 0, or 12 when the lists differ in length; Mean_Transform_Chart_Tr is then the identity.
+/// Solves the loop of Calculate_Transform_Cam_Tc for the mounting of the chart's tracker, with the
+/// transform between camera and tracker known, and averages over the photographs.
+/// @return 0, or 12 if the lists differ in length. Mean_Transform_Chart_Tr is then the identity.
 ResultCode Calculate_Transform_Chart_Tr(RunLog log, Transform& Mean_Transform_Chart_Tr,
                                         const TransformList& Transform_Cam_Chart_all,
                                         const Transform& Mean_Transform_Cam_Tc,

@@ -16,7 +16,7 @@ constexpr float kRotationLimitDeg = 0.5F;
 constexpr float kTranslationLimitFactor = 1.3F;
 constexpr int kLeastPairs = 2;
 
-// How far a photograph's transform lies from the mean.
+// The difference between a photograph's transform and the mean.
 struct Deviation {
   float rotationDeg;            // between the rotation axes
   Eigen::Vector3f translation;  // metres
@@ -39,8 +39,8 @@ ResultCode MeasureDeviations(const RunLog& log, const TransformList& Transform_C
     if (const ResultCode code = Dot_Vec(log, product, Rot_Cam_Tc_vec, Mean_Rot_Cam_Tc_vec)) {
       return code;
     }
-    // Not clamped: where rounding lifts the product above 1 the angle is not a number, and such a
-    // photograph is kept.
+    // Not clamped: if rounding makes the product larger than 1, the angle is NaN and the photograph
+    // is kept.
     const auto rotationDeg = static_cast<float>(std::acos(product) / kShortPi * 180.0);
     WriteRunLogLine(log, "Diff R in image " + std::to_string(deviations.size()) + " : " +
                              ToSixDecimals(rotationDeg) + " degree.");
@@ -49,7 +49,7 @@ ResultCode MeasureDeviations(const RunLog& log, const TransformList& Transform_C
   return result::kSuccess;
 }
 
-// The root mean square over all photographs.
+// The root mean square of each deviation over all photographs.
 Deviation SpreadOf(const std::vector<Deviation>& deviations) {
   FloatSum rotation;
   FloatSum x;
@@ -66,7 +66,7 @@ Deviation SpreadOf(const std::vector<Deviation>& deviations) {
           {x.RootOfMean(count), y.RootOfMean(count), z.RootOfMean(count)}};
 }
 
-// In ascending order. A deviation that is not a number exceeds no limit.
+// The indices in ascending order. NaN exceeds no limit.
 std::vector<std::int32_t> FindOutliers(const std::vector<Deviation>& deviations,
                                        const Eigen::Vector3f& limit) {
   std::vector<std::int32_t> outliers;
@@ -111,7 +111,7 @@ ResultCode RT_Filt_Outlier(RunLog log, TransformList& Transform_Cam_Tc_all,
     return LogError(log, result::kTooFewFiltered);
   }
 
-  // From the last to the first, so that the indices of those still to go stay valid.
+  // From last to first, so that the remaining indices stay valid.
   for (auto outlier = outliers.rbegin(); outlier != outliers.rend(); ++outlier) {
     const auto index = static_cast<std::size_t>(*outlier);
     WriteRunLogLine(log, "Remove index : " + std::to_string(index));

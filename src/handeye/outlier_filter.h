@@ -11,12 +11,11 @@
 
 namespace trackedcam {
 
-/// Removes from all six lists together the photographs whose transform disagrees with the mean: by
-/// more than 0.5 degree between the rotation axes, or along an axis by more than 1.3 times the
-/// root-mean-square deviation along it.
-///
-/// Returns 0; 9 or 10 from the axes' comparison; 11 when the filtered lists differ in length; 13
-/// when fewer than two photographs would be left. Only 0 and 11 change the lists.
+/// Removes a photograph from all six lists if its transform disagrees with the mean: more than 0.5
+/// degree between the rotation axes, or more than 1.3 times the root-mean-square deviation along x,
+/// y or z.
+/// @return 0; 9 or 10 if the axes cannot be compared; 11 if the filtered lists differ in length; 13
+///   if fewer than two photographs would remain. Only 0 and 11 change the lists.
 ResultCode RT_Filt_Outlier(RunLog log, TransformList& Transform_Cam_Tc_all,
                            const Transform& Mean_Transform_Cam_Tc,
                            std::vector<std::vector<cv::Point2f>>& ImageCoordinate,

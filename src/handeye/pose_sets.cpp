@@ -13,8 +13,8 @@
 namespace trackedcam {
 namespace {
 
-// Axes of a tracker in the axes of the solving stages: all three point the other way round, and y
-// and z change places. Built from the angles, since the cut pi shows in the last digits.
+// The reported x, y, z of a tracker count as -x, -z, -y in the solving stages. Built from the
+// angles, because the truncated pi shows in the last digits.
 Transform MakeTrackerAxisFix() {
   const Quaternion rotation = QuaternionFromAnglesXyz({kShortPi / 2, 0, kShortPi});
   return MakeTransform(RotationFromQuaternion(rotation), Eigen::Vector3d::Zero());
@@ -51,15 +51,15 @@ Transform ChartPose(const cv::Vec3d& rotationVector, const cv::Vec3d& translatio
   return MakeTransform(block, {translation[0], translation[1], translation[2]});
 }
 
-// The rows behind a view's last one belong to the matrix that it is a view of. A view of no rows
-// has none behind it.
+// Extends a view to this number of rows, as far as its underlying matrix has them. An empty view
+// stays empty.
 cv::Mat WithRowsBehind(const cv::Mat& view, std::size_t rows) {
   cv::Mat whole = view;
   const int missing = static_cast<int>(rows) - view.rows;
   return view.empty() || missing <= 0 ? whole : whole.adjustROI(0, missing, 0, 0);
 }
 
-// The host's locale must not reach the digits.
+// The classic locale keeps the digits independent of the host's.
 void PrintMatrix(const Eigen::Matrix3d& matrix) {
   std::ostringstream text;
   text.imbue(std::locale::classic());
@@ -83,7 +83,7 @@ ResultCode OrganizeRT(RunLog log, TransformList& Transform_Base_Tc_all,
   Transform_Chart_Tr = NominalChartTracker(chartTrackerRotation, chartTrackerTranslation);
   WriteRunLogLine(log, "Transform_Chart_Tr successful.");
 
-  // The poses may be cut shorter than the records, but element i is that of record i all the same.
+  // The poses can be views with fewer rows than there are records. Row i belongs to record i.
   const cv::Mat rotations = WithRowsBehind(Rot_Cam_Chart_vec, records.size());
   const cv::Mat translations = WithRowsBehind(Trans_Cam_Chart_vec, records.size());
   const int count = std::min({static_cast<int>(records.size()), rotations.rows, translations.rows});

@@ -11,15 +11,18 @@
 
 namespace trackedcam {
 
-/// Turns the chart's poses in the camera frame and the tracker records into lists of transforms,
-/// appended in step, and the nominal mounting of the chart's tracker into Transform_Chart_Tr.
+/// Converts the chart's poses in frame Cam and the tracker records to transforms, and the nominal
+/// mounting of the chart's tracker to Transform_Chart_Tr. Appends one element to each list for each
+/// record that has a pose.
 ///
-/// Rot_Cam_Chart_vec (axis times angle, radians) and Trans_Cam_Chart_vec (metres) have N rows of
-/// three doubles; row i belongs to record i. Where they are views that end before the records do,
-/// the rows behind them are taken from the matrix that they are views of. The lists get one element
-/// for each record that has a row so. chartTrackerRotation holds three angles in degrees,
-/// chartTrackerTranslation three lengths in metres, both of Transform_Tr_Chart. Flag_ModifyQuat
-/// inverts the trackers' quaternions. Always returns 0.
+/// - Rot_Cam_Chart_vec (axis times angle, radians) and Trans_Cam_Chart_vec (metres): rows of three
+///   doubles; row i belongs to record i. If they are views with fewer rows than there are records,
+///   the missing rows come from the underlying matrix.
+/// - chartTrackerRotation (three angles, degrees) and chartTrackerTranslation (three lengths,
+///   metres): the nominal Transform_Tr_Chart.
+/// - Flag_ModifyQuat: whether to invert the trackers' quaternions.
+///
+/// @return 0 always.
 ResultCode OrganizeRT(RunLog log, TransformList& Transform_Base_Tc_all,
                       TransformList& Transform_Tr_Base_all, Transform& Transform_Chart_Tr,
                       TransformList& Transform_Cam_Chart_all, const cv::Mat& Rot_Cam_Chart_vec,
@@ -28,7 +31,7 @@ ResultCode OrganizeRT(RunLog log, TransformList& Transform_Base_Tc_all,
                       const std::vector<double>& chartTrackerTranslation,
                       const std::vector<TrackerRecord>& records, bool Flag_ModifyQuat);
 
-/// Re-expresses a tracker's own axes in the axes that the solving stages use.
+/// Converts a reported pose to the tracker axes of the solving stages.
 Transform ApplyTrackerAxisFix(const Transform& trackerPose);
 
 }  // namespace trackedcam

@@ -23,7 +23,7 @@ Quaternion QuaternionMean(const std::vector<Eigen::Quaternionf>& quaternions) {
   }
   const Eigen::MatrixXf mean = sum / static_cast<float>(quaternions.size());
   if (!mean.allFinite()) {
-    // The decomposition would leave its vectors unset.
+    // For such a matrix the decomposition would leave its vectors unset.
     return Quaternion(Eigen::Vector4d::Constant(std::numeric_limits<double>::quiet_NaN()));
   }
   const Eigen::JacobiSVD<Eigen::MatrixXf> svd(mean, Eigen::ComputeThinU | Eigen::ComputeThinV);

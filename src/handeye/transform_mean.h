@@ -1,6 +1,5 @@
-// The average of a set of rigid transforms.
-//
-// What enters a mean is narrowed to single precision first, and the sums are kept in it.
+// The mean of rigid transforms. Rotations and translations are narrowed to single precision before
+// they enter a mean, and the sums are in single precision.
 
 #pragma once
 
@@ -14,16 +13,16 @@
 
 namespace trackedcam {
 
-/// The mean of the quaternions' rotations, and the sum of the translations divided by their count.
-/// A mean of nothing is not a number.
+/// The mean of the rotations, and translationSum (metres) divided by count. The mean of nothing is
+/// NaN.
 Transform TransformMean(const std::vector<Eigen::Quaternionf>& rotations,
                         const Eigen::Vector3f& translationSum, std::size_t count);
 
-/// The unit quaternion whose outer product is nearest to the average of theirs, so that q and -q
-/// count as the same rotation. Its sign is free.
+/// The first singular vector of the mean of all q * q^T, so q and -q count as the same rotation.
+/// Its sign is free. NaN if the list is empty or has a NaN.
 Quaternion QuaternionMean(const std::vector<Eigen::Quaternionf>& quaternions);
 
-/// The rotation of a transform as a single-precision quaternion, and its translation as floats.
+/// Rotation and translation (metres) of a transform in single precision.
 Eigen::Quaternionf RotationAsFloats(const RunLog& log, const Transform& transform);
 Eigen::Vector3f TranslationAsFloats(const Transform& transform);
 

@@ -15,7 +15,7 @@ File OpenImage(const std::string& path) {
   const std::wstring widePath = WideFromUtf8(path);
   File file = OpenFile(widePath, "rb");
   if (!file) {
-    // The address, since a narrow stream prints no wide text.
+    // The address, because a narrow stream cannot print wide text.
     std::cout << "Failed to open " << static_cast<const void*>(widePath.c_str()) << '\n';
   }
   return file;
@@ -36,7 +36,7 @@ cv::Mat LoadImage(const std::string& path) {
   const long length = std::ftell(file.get());
   std::fseek(file.get(), 0, SEEK_SET);
 
-  // A file that is cut short while it is read leaves zeros at the end, which the decoder judges.
+  // If the file becomes shorter in the meantime, zeros remain at the end, and the decoder decides.
   std::vector<unsigned char> bytes(length > 0 ? static_cast<std::size_t>(length) : 0);
   [[maybe_unused]] const std::size_t read = std::fread(bytes.data(), 1, bytes.size(), file.get());
   return cv::imdecode(bytes, cv::IMREAD_COLOR);

@@ -6,15 +6,16 @@
 
 namespace trackedcam {
 
-/// Loads a photograph, 8-bit in blue-green-red order whatever the file holds, by its UTF-8 path.
-/// The image is empty when the file cannot be opened or holds no image.
-/// @throws cv::Exception when the decoder refuses the bytes, for example an empty file.
+/// Loads a photograph by its UTF-8 path and converts it to 8 bits in blue-green-red order.
+/// @return An empty image if the file cannot be opened or is not an image.
+/// @throws cv::Exception if the decoder refuses the bytes, for example those of an empty file.
+/// @throws std::range_error("bad conversion") if the path is not UTF-8.
 cv::Mat LoadImage(const std::string& path);
 
-/// The same, where a photograph that the decoder refuses counts as not loaded.
+/// LoadImage, but returns an empty image if the decoder refuses the bytes.
 cv::Mat LoadImageOrNone(const std::string& path);
 
-/// Whether LoadImage can open the file. Says so on the console where it cannot, as LoadImage does.
+/// Whether LoadImage can open the file. If not, prints the same line as LoadImage.
 bool ImageOpens(const std::string& path);
 
 }  // namespace trackedcam

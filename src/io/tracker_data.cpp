@@ -23,7 +23,8 @@ std::string ReadAll(std::FILE* file) {
   return content;
 }
 
-// Without the line feed and the carriage return that belongs to it. Any other one is text.
+// Reads a line without its line feed and without a carriage return before that. Any other carriage
+// return is text.
 bool GetLine(std::istream& content, std::string& line) {
   if (!std::getline(content, line)) {
     return false;
@@ -50,7 +51,7 @@ void RemoveByteOrderMark(std::string& firstLine) {
   }
 }
 
-// A field that the line does not have is empty.
+// Missing fields are empty.
 std::array<std::string, kFields> Split(const std::string& line) {
   std::array<std::string, kFields> fields;
   std::istringstream stream(line);

@@ -11,15 +11,16 @@
 
 namespace trackedcam {
 
-/// Appends each row's photograph path and its record. Missing or malformed numbers read as 0, as
-/// atof reads them; lines that begin with "T" are headers.
-/// Returns 0, 1 (the file cannot be opened) or 15 (a row has the wrong form).
-/// @throws std::range_error("bad conversion") when the path is not UTF-8.
+/// Appends the photograph's path and the record of each row. Numbers are read like atof: missing
+/// and malformed ones are 0. Lines that begin with "T" are headers and are skipped.
+/// @return 0, 1 (the file cannot be opened) or 15 (a row has the wrong form).
+/// @throws std::range_error("bad conversion") if dataPath is not UTF-8.
 ResultCode ReadTrackerData(RunLog log, const std::string& dataPath,
                            std::vector<std::string>& imagePaths,
                            std::vector<TrackerRecord>& records);
 
-/// Moves a record to the list. Returns 15 when it does not hold exactly 15 numbers.
+/// Moves a record to the end of the list.
+/// @return 0, or 15 if the record does not have 15 numbers.
 ResultCode AppendRecord(RunLog log, TrackerRecord& record, std::vector<TrackerRecord>& records);
 
 }  // namespace trackedcam

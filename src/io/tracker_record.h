@@ -8,13 +8,13 @@
 namespace trackedcam {
 
 /// Fifteen numbers: the time, then position and orientation of the camera's tracker (Tc) and of the
-/// chart's tracker (Tr) in the base frame.
+/// chart's tracker (Tr) in frame Base.
 using TrackerRecord = std::vector<double>;
 
 namespace record {
 
 constexpr std::size_t kTcPosition = 1;     // x, y, z in metres
-constexpr std::size_t kTcQuaternion = 4;   // w, x, y, z: scalar first, as the file has it
+constexpr std::size_t kTcQuaternion = 4;   // w, x, y, z
 constexpr std::size_t kTrPosition = 8;     // x, y, z in metres
 constexpr std::size_t kTrQuaternion = 11;  // w, x, y, z
 constexpr std::size_t kLength = 15;
