@@ -1,4 +1,4 @@
-// The printed chessboard: squares about the inner corners, and a white border.
+// The printed chessboard: its squares with a white border around them.
 
 #pragma once
 
@@ -13,10 +13,10 @@ struct Chart {
   int rows = 6;                // inner corners along a column
   double squareMetres = 0.03;  // edge of a square
 
-  /// The inner corners in frame Chart, metres: row by row, columns fastest.
+  /// The inner corners in frame Chart, metres, row by row.
   std::vector<Eigen::Vector3d> Corners() const;
 
-  /// Points along the edge of the paper in frame Chart, metres: enough to follow it through a lens.
+  /// Points along the edge of the paper in frame Chart, metres, dense enough for a distorted edge.
   std::vector<Eigen::Vector3d> PaperOutline() const;
 
   /// The centre of the paper in frame Chart, and its width and height, metres.
@@ -24,7 +24,7 @@ struct Chart {
   Eigen::Vector2d PaperSize() const;
 };
 
-/// White around the outer squares, in squares.
+/// Width of the white border, in squares.
 constexpr int kBorderSquares = 1;
 
 }  // namespace trackedcam::simulator

@@ -13,7 +13,7 @@ double DistortedRadius(const Lens& lens, double radius) {
   return radius * (1 + r2 * (lens.k1 + r2 * lens.k2));
 }
 
-// How fast the distorted radius grows; where it stops to grow the picture folds back on itself.
+// The derivative of the distorted radius. Where it is not positive, the image folds back on itself.
 double Growth(const Lens& lens, double radius) {
   const double r2 = radius * radius;
   return 1 + r2 * (3 * lens.k1 + r2 * 5 * lens.k2);

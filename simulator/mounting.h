@@ -1,3 +1,5 @@
+// The mounting of the chart on its tracker, in the values that a user types in.
+
 #pragma once
 
 #include <Eigen/Core>
@@ -12,8 +14,6 @@ constexpr double Degrees(double radians) {
   return radians * (180 / EIGEN_PI);
 }
 
-// How the chart sits on its tracker, in the figures that a user types in.
-
 struct Mounting {
   Eigen::Vector3d anglesDegrees;      // the rotation is Rx * Ry * Rz
   Eigen::Vector3d translationMetres;  // the chart's origin in frame Tr
@@ -22,7 +22,7 @@ struct Mounting {
   Eigen::Isometry3d Transform() const;
 };
 
-/// The figures of this transform; its turn about y must be less than 90 degrees either way.
+/// The mounting with this transform. Its rotation about y must be between -90 and 90 degrees.
 Mounting MountingOf(const Eigen::Isometry3d& Transform_Tr_Chart);
 
 }  // namespace trackedcam::simulator

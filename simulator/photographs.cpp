@@ -12,10 +12,10 @@ namespace {
 
 constexpr float kBlack = 28;
 constexpr float kWhite = 222;
-// Along each side of a pixel that does not see one colour only.
+// Samples along each side of a pixel that sees more than one colour.
 constexpr int kSamples = 8;
 
-// Smooth patches of all sizes, like a room out of focus.
+// Smooth patches of several sizes, like a room out of focus.
 cv::Mat Background(cv::Size size, Random& random) {
   cv::Mat background(size, CV_32F, cv::Scalar(95));
   for (const int patches : {3, 7, 16}) {
@@ -29,7 +29,7 @@ cv::Mat Background(cv::Size size, Random& random) {
   return background;
 }
 
-// Full at one corner of the picture, and less by the given part at the opposite one.
+// Full light at one corner of the image, less by the fraction `unevenness` at the opposite one.
 void LightUnevenly(cv::Mat& picture, double unevenness, Random& random) {
   const auto share = static_cast<float>(random.Uniform(0, 1));
   const bool fromRight = random.Uniform(0, 1) < 0.5;
@@ -75,7 +75,7 @@ ChartPainter::ChartPainter(const Chart& chart, const Lens& lens, int imageWidth,
 }
 
 void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart) const {
-  // From the chart's plane, in squares, to the plane z = 1; then back.
+  // `plane` maps the chart, in squares, to the plane z = 1; its inverse maps rays to the chart.
   Eigen::Matrix3d plane;
   plane << Transform_Cam_Chart.linear().leftCols<2>() * chart_.squareMetres,
       Transform_Cam_Chart.translation();
@@ -99,7 +99,7 @@ void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Ca
 }
 
 cv::Rect ChartPainter::PaintedArea(const Eigen::Isometry3d& Transform_Cam_Chart) const {
-  // The outline bends a little between its points.
+  // Distortion bends the outline a little between its points.
   constexpr int kMargin = 8;
   Eigen::Array2d least = Eigen::Array2d::Constant(1e9);
   Eigen::Array2d most = -least;
@@ -115,7 +115,7 @@ cv::Rect ChartPainter::PaintedArea(const Eigen::Isometry3d& Transform_Cam_Chart)
 
 void ChartPainter::ToChart(const Eigen::Matrix3d& homography, const Point* rays,
                            std::vector<ChartPoint>& points) const {
-  const double* h = homography.data();  // columns first
+  const double* h = homography.data();  // column by column
   const int width = chart_.cols + 2 * kBorderSquares + 3;
   const auto cell = [](double squares, int count) {
     return std::clamp(static_cast<int>(std::floor(squares)), -2 - kBorderSquares,
@@ -159,7 +159,7 @@ float ChartPainter::Level(double x, double y, float background) const {
   if (!isWithin(kBorderSquares)) {
     return background;
   }
-  // Shifted above 0, where the conversion to a whole number rounds down.
+  // + 1 makes the numbers positive, for which the conversion to int rounds down.
   const bool isBlack = (static_cast<int>(x + 1) + static_cast<int>(y + 1)) % 2 == 0;
   return isWithin(0) && isBlack ? kBlack : kWhite;
 }

@@ -1,4 +1,4 @@
-// Paints the chart into a picture as the lens sees it.
+// The photographs of a simulated shoot.
 
 #pragma once
 
@@ -14,11 +14,12 @@
 
 namespace trackedcam::simulator {
 
+/// Paints the chart into an image as the lens projects it.
 class ChartPainter {
  public:
   ChartPainter(const Chart& chart, const Lens& lens, int imageWidth, int imageHeight);
 
-  /// Each pixel of the picture (CV_32F, grey levels) gets the mean of what its area sees.
+  /// Sets each pixel that sees the paper (CV_32F, grey levels) to the mean over its area.
   void Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart) const;
 
  private:
@@ -26,10 +27,10 @@ class ChartPainter {
     double x, y;
   };
 
-  // A corner of a pixel on the chart.
+  // The point on the chart that a corner of a pixel sees.
   struct ChartPoint {
     double x, y;  // in squares; (0, 0) is the chart's first inner corner
-    int cell;     // two points of one cell have one colour between them
+    int cell;     // between two points of the same cell the colour is the same
   };
 
   cv::Rect PaintedArea(const Eigen::Isometry3d& Transform_Cam_Chart) const;
@@ -41,20 +42,17 @@ class ChartPainter {
   Chart chart_;
   Lens lens_;
   cv::Size size_;
-  // Where the corners of the pixels look, in the plane z = 1 of frame Cam: the lens is the same in
-  // each photograph.
+  // The rays of the corners of all pixels, in the plane z = 1 of frame Cam. Computed once, because
+  // the lens is the same in each photograph.
   std::vector<Point> rays_;
 };
 
-// Makes the pictures of a shoot.
-
-/// Sees the shoot it was made for, which must outlive it.
+/// Renders the photographs of a shoot. The shoot must outlive the renderer.
 class PhotographRenderer {
  public:
   explicit PhotographRenderer(const Shoot& shoot);
 
-  /// A grey picture (CV_8U). It depends on the shoot and the index only, not on what was rendered
-  /// before.
+  /// A grey image (CV_8U). It depends on the shoot and the index only, not on earlier calls.
   cv::Mat Render(int index) const;
 
  private:

@@ -1,5 +1,5 @@
-// Random numbers that are the same on every machine. The standard fixes what the engine draws, but
-// not what its distributions make of it.
+// Random numbers that are the same on every machine. The standard defines the engine's output but
+// not that of its distributions.
 
 #pragma once
 
@@ -10,8 +10,8 @@
 
 namespace trackedcam::simulator {
 
-/// What numbers are drawn for. Each purpose has a sequence of its own, so that more noise, say,
-/// does not move the camera.
+/// The purpose of random numbers. Each purpose has its own sequence, so that more noise, for
+/// example, does not move the camera.
 enum class Draw : std::uint32_t { kRig, kFlaws, kPose, kTrackers, kPicture };
 
 class Random {
@@ -20,12 +20,13 @@ class Random {
 
   std::uint64_t Bits() { return engine_(); }
   double Uniform(double low, double high);
-  /// Of spread 1 about 0.
+  /// Standard deviation 1 around 0.
   double Normal();
   Eigen::Vector3d NormalVector();
-  /// A unit vector, each direction as likely as another.
+  /// A unit vector; all directions are equally likely.
   Eigen::Vector3d Direction() { return NormalVector().normalized(); }
-  /// A turn by this angle about any axis, and a shift by this length in any direction.
+  /// A rotation by this angle about a random axis and a translation by this length in a random
+  /// direction.
   Eigen::Isometry3d Displacement(double radians, double metres);
 
  private:

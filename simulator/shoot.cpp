@@ -11,19 +11,22 @@
 namespace trackedcam::simulator {
 namespace {
 
-// Upright enough for a detector to begin with the chart's first corner.
+constexpr double kMetresPerMm = 1e-3;
+// Within this roll, a detector begins with the chart's first corner.
 constexpr double kMostRoll = Radians(35);
 constexpr double kLeastTilt = Radians(12);
 constexpr double kMostTilt = Radians(38);
-// Between the line of sight and the chart's normal; beyond it squares turn into slivers.
+// Angle between the line of sight and the chart's normal. Beyond it, squares become slivers.
 constexpr double kMostSlant = Radians(60);
-// Share of the picture's width or height that the paper would fill if it faced the camera.
+// Fraction of the image's width or height that the paper would fill if it faced the camera.
 constexpr double kLeastFill = 0.65;
 constexpr double kMostFill = 1.05;
+// Distance of the paper from the edge of the image, as a fraction of width or height.
 constexpr double kMargin = 0.01;
-// Successive tilts by the golden angle go to all sides, however many there are.
+// Successive tilts by the golden angle go to all sides, for any number of photographs.
 constexpr double kGoldenAngle = Radians(137.50776405);
 
+// Draws poses until one shows the whole chart.
 class ChartPoses {
  public:
   explicit ChartPoses(const ShootOptions& options)
@@ -40,9 +43,8 @@ class ChartPoses {
       }
     }
     throw std::invalid_argument(
-        "No place is found from which the whole chart is seen well: choose a longer focal length, "
-        "or "
-        "a principal point nearer to the centre.");
+        "No camera pose is found that shows the whole chart: choose a longer focal length, or a "
+        "principal point nearer to the centre.");
   }
 
  private:
@@ -86,12 +88,10 @@ class ChartPoses {
 
   Chart chart_;
   Lens lens_;
-  Eigen::Vector2d size_;  // of the picture, pixels
+  Eigen::Vector2d size_;  // of the image, pixels
 };
 
-constexpr double kMetresPerMm = 1e-3;
-
-// The angle keeps clear of 0 and 180 degrees, where a rotation has no definite axis.
+// The angle stays away from 0 and 180 degrees, where the axis of a rotation is ill-defined.
 Eigen::Isometry3d DrawTransform_Cam_Tc(Random& random) {
   const double angle = Radians(random.Uniform(105, 120));
   const Eigen::Vector3d axis = Eigen::Vector3d(1, 0.4, -0.3) + 0.2 * random.Direction();
@@ -99,19 +99,19 @@ Eigen::Isometry3d DrawTransform_Cam_Tc(Random& random) {
          Eigen::AngleAxisd(angle, axis.normalized());
 }
 
-// As on a drawing: in hundredths of a degree and tenths of a millimetre.
+// Rounded as on a drawing: to hundredths of a degree and tenths of a millimetre.
 Mounting DrawMounting(Random& random) {
   const Eigen::Vector3d angles = Eigen::Vector3d(12, -8, 5) + 4 * random.Direction();
   const Eigen::Vector3d metres = Eigen::Vector3d(0.1, -0.05, 0.02) + 0.01 * random.Direction();
   return {(angles * 1e2).array().round() / 1e2, (metres * 1e4).array().round() / 1e4};
 }
 
-// Carried about by hand, roughly upright, a few metres from the tracking system's origin.
+// A chart held by hand, roughly upright, a few metres from the tracking system's origin.
 Eigen::Isometry3d DrawTransform_Base_Chart(Random& random) {
   const Eigen::Isometry3d stand =
       Eigen::Translation3d(0.4, 1.1, -1.8) *
       Eigen::AngleAxisd(Radians(160), Eigen::Vector3d(1, 0.1, 0.2).normalized());
-  // One after the other: which argument of a call is drawn first is each compiler's own choice.
+  // Drawn in separate statements: the order in which arguments are evaluated is unspecified.
   const double metres = random.Uniform(0, 0.5);
   const double degrees = random.Uniform(0, 30);
   return stand * random.Displacement(Radians(degrees), metres);
@@ -139,7 +139,7 @@ void TrackPhotograph(Photograph& photograph, const ShootOptions& options, Random
   }
 }
 
-// The flaws asked for, in random order.
+// One flaw for each photograph, in random order.
 std::vector<Flaw> DrawFlaws(const ShootOptions& options) {
   std::vector<Flaw> flaws;
   flaws.insert(flaws.end(), options.missing, Flaw::kMissing);
@@ -180,16 +180,6 @@ Photograph TakePhotograph(const Shoot& shoot, int index, Flaw flaw,
 
 }  // namespace
 
-std::vector<Eigen::Isometry3d> DrawChartPoses(const ShootOptions& options) {
-  const ChartPoses poses(options);
-  std::vector<Eigen::Isometry3d> drawn;
-  for (int i = 0; i < options.photographs; ++i) {
-    Random random(options.seed, Draw::kPose, i);
-    drawn.push_back(poses.DrawSeen(i * kGoldenAngle, random));
-  }
-  return drawn;
-}
-
 std::vector<Eigen::Matrix4d> Shoot::Matrices(Eigen::Isometry3d Photograph::*transform) const {
   std::vector<Eigen::Matrix4d> matrices;
   for (const Photograph& photograph : photographs) {
@@ -216,6 +206,16 @@ Shoot SimulateShoot(const ShootOptions& options) {
     shoot.photographs.push_back(TakePhotograph(shoot, i, flaws[i], poses[i]));
   }
   return shoot;
+}
+
+std::vector<Eigen::Isometry3d> DrawChartPoses(const ShootOptions& options) {
+  const ChartPoses poses(options);
+  std::vector<Eigen::Isometry3d> drawn;
+  for (int i = 0; i < options.photographs; ++i) {
+    Random random(options.seed, Draw::kPose, i);
+    drawn.push_back(poses.DrawSeen(i * kGoldenAngle, random));
+  }
+  return drawn;
 }
 
 }  // namespace trackedcam::simulator

@@ -9,7 +9,7 @@
 namespace trackedcam::simulator {
 namespace {
 
-// Written so that a value that is no number is refused as well.
+// The callers compare so that NaN is refused as well.
 void Require(bool isMet, const std::string& demand) {
   if (!isMet) {
     throw std::invalid_argument(demand);
@@ -42,8 +42,8 @@ void CheckCounts(const ShootOptions& options) {
   const double flawed =
       0.0 + options.missing + options.notAnImage + options.withoutChart + options.outliers;
   Require(flawed <= options.photographs,
-          "missing, notAnImage, withoutChart and outliers are " + ToShortestText(flawed) +
-              " together, more than photographs: ask for fewer, or raise photographs.");
+          "missing, notAnImage, withoutChart and outliers add up to " + ToShortestText(flawed) +
+              ", more than photographs: reduce them, or raise photographs.");
 }
 
 void CheckChart(const Chart& chart) {
@@ -51,8 +51,8 @@ void CheckChart(const Chart& chart) {
   RequireAtLeast("chart.rows", chart.rows, 3);
   RequireAbove0("chart.squareMetres", chart.squareMetres);
   Require(chart.cols != chart.rows,
-          "chart.cols and chart.rows must differ: nobody can tell the first corner of a board that "
-          "looks the same from all sides.");
+          "chart.cols and chart.rows must differ: a square board looks the same from all sides, so "
+          "its first corner is unknown.");
 }
 
 void CheckLens(const ShootOptions& options) {
@@ -64,7 +64,7 @@ void CheckLens(const ShootOptions& options) {
   for (const Eigen::Vector2d& corner :
        {Eigen::Vector2d(-1, -1), {right, -1}, {-1, bottom}, {right, bottom}}) {
     Require(lens.Reaches(corner),
-            "The lens cannot see the whole picture: choose k1 and k2 nearer to 0, a longer focal "
+            "The lens does not cover the whole image: choose k1 and k2 nearer to 0, a longer focal "
             "length or a principal point nearer to the centre.");
   }
 }

@@ -1,4 +1,4 @@
-// All that a simulated shoot can be asked for.
+// The options of a simulated shoot.
 
 #pragma once
 
@@ -11,28 +11,28 @@
 namespace trackedcam::simulator {
 
 struct ShootOptions {
-  std::uint64_t seed = 1;  // decides everything that is drawn
+  std::uint64_t seed = 1;  // of all random numbers
 
-  int photographs = 20;  // rows of the data file; the flawed ones below are a part of them
+  int photographs = 20;  // rows of the data file, including the flawed ones below
   int missing = 0;       // photographs that do not exist
   int notAnImage = 0;    // photographs that are text files
   int withoutChart = 0;  // photographs that do not show the chart
-  int outliers = 0;      // photographs for which one of the trackers had slipped
+  int outliers = 0;      // photographs in which one of the trackers had slipped
 
   int imageWidth = 1920;          // pixels
   int imageHeight = 1080;         // pixels
-  std::optional<Lens> lens;       // unset: DefaultLens for the image size
-  double sensorWidthMm = 36;      // stated in the configuration file only
-  double sensorHeightMm = 20.25;  // stated in the configuration file only
+  std::optional<Lens> lens;       // default: DefaultLens for the image size
+  double sensorWidthMm = 36;      // for the configuration file only
+  double sensorHeightMm = 20.25;  // for the configuration file only
   Chart chart;
 
-  double blurPixels = 1;         // spread of the optics' blur
-  double noiseGreyLevels = 1.5;  // spread of the sensor's noise, of 255
-  double unevenLight = 0.2;      // 0: even; 1: one side of the picture is dark
+  double blurPixels = 1;         // standard deviation of the optics' blur
+  double noiseGreyLevels = 1.5;  // standard deviation of the sensor's noise, of 255 grey levels
+  double unevenLight = 0.2;      // 0: even; 1: one corner of the image is black
   int jpegQuality = 97;          // 1 to 100
 
-  double trackerNoiseMm = 0;       // spread along each axis
-  double trackerNoiseDegrees = 0;  // spread about each axis
+  double trackerNoiseMm = 0;       // standard deviation along each axis
+  double trackerNoiseDegrees = 0;  // standard deviation about each axis
   double slipMm = 40;              // of an outlier's tracker
   double slipDegrees = 3;          // of an outlier's tracker
 
@@ -44,7 +44,7 @@ struct ShootOptions {
   bool invertedQuaternions = false;  // the trackers report the inverse rotation
 };
 
-/// @throws std::invalid_argument for a shoot that cannot be made; it says what to change.
+/// @throws std::invalid_argument if the shoot cannot be simulated; the text says what to change.
 void CheckOptions(const ShootOptions& options);
 
 /// The lens of the options, or the default one.

@@ -20,6 +20,13 @@ namespace {
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
+constexpr const char* kHeader =
+    "Time,Photograph,"
+    "Tc x,Tc y,Tc z,Tc qw,Tc qx,Tc qy,Tc qz,"
+    "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
+constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
+constexpr double kSecondsBetweenPhotographs = 2.5;
+
 template <typename... Format>
 std::string Text(double number, Format... format) {
   std::array<char, 400> text = {};
@@ -28,15 +35,7 @@ std::string Text(double number, Format... format) {
   return error == std::errc() ? std::string(text.data(), end) : std::string();
 }
 
-constexpr const char* kHeader =
-    "Time,Photograph,"
-    "Tc x,Tc y,Tc z,Tc qw,Tc qx,Tc qy,Tc qz,"
-    "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
-constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
-constexpr double kSecondsBetweenPhotographs = 2.5;
-
-// The tracking system has axes of its own on each tracker: x and x point opposite ways, and y and z
-// are exchanged and point opposite ways.
+// The tracking system reports other axes of a tracker: its x, y, z are -x, -z, -y here.
 Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
   Eigen::Matrix3d axes;
   axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
@@ -128,18 +127,18 @@ void ListPhotographs(const Shoot& shoot, Json& truth) {
   }
 }
 
-// Binary, so that line ends stay as they are.
+// Binary, so that line ends are not converted.
 void WriteFile(const fs::path& path, const std::string& content) {
   std::ofstream file(path, std::ios::binary);
   file << content;
   file.close();
   if (!file) {
     throw std::runtime_error("Cannot write " + path.u8string() +
-                             ": check the folder's permissions and the space on the disk.");
+                             ": check the folder's permissions and the free disk space.");
   }
 }
 
-// Encoded in memory: the image library cannot open every path.
+// Encoded in memory, because the image library cannot open every path.
 std::string Jpeg(const cv::Mat& picture, int quality) {
   std::vector<unsigned char> bytes;
   cv::imencode(".jpg", picture, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
@@ -155,7 +154,7 @@ void WritePhotograph(const Shoot& shoot, const PhotographRenderer& renderer, int
       fs::remove(path);
       break;
     case Flaw::kNotAnImage:
-      WriteFile(path, "This file has the name of a photograph but is none.\n");
+      WriteFile(path, "This file has the name of a photograph but is not an image.\n");
       break;
     default:
       WriteFile(path, Jpeg(renderer.Render(index), shoot.options.jpegQuality));
@@ -164,12 +163,23 @@ void WritePhotograph(const Shoot& shoot, const PhotographRenderer& renderer, int
 
 }  // namespace
 
-std::string ToShortestText(double number) {
-  return Text(number);
-}
+void WriteShoot(const Shoot& shoot, const fs::path& folder,
+                const std::function<void(int done, int all)>& progress) {
+  fs::create_directories(folder / "photos");
+  // First, because the program recognises a simulated shoot by these two files, also an incomplete
+  // one.
+  WriteFile(folder / "truth.json", TruthText(shoot));
+  WriteFile(folder / "shoot.toml", ConfigText(shoot));
+  WriteFile(folder / "tracker_data.csv", TrackerDataText(shoot));
 
-std::string ToFixedText(double number, int decimals) {
-  return Text(number, std::chars_format::fixed, decimals);
+  const PhotographRenderer renderer(shoot);
+  const int all = static_cast<int>(shoot.photographs.size());
+  for (int i = 0; i < all; ++i) {
+    WritePhotograph(shoot, renderer, i, folder);
+    if (progress) {
+      progress(i + 1, all);
+    }
+  }
 }
 
 std::string TrackerDataText(const Shoot& shoot) {
@@ -228,22 +238,12 @@ std::string TruthText(const Shoot& shoot) {
   return truth.dump(2) + '\n';
 }
 
-void WriteShoot(const Shoot& shoot, const fs::path& folder,
-                const std::function<void(int done, int all)>& progress) {
-  fs::create_directories(folder / "photos");
-  // By these two a folder is known as a simulated shoot, also when the rest could not be written.
-  WriteFile(folder / "truth.json", TruthText(shoot));
-  WriteFile(folder / "shoot.toml", ConfigText(shoot));
-  WriteFile(folder / "tracker_data.csv", TrackerDataText(shoot));
+std::string ToShortestText(double number) {
+  return Text(number);
+}
 
-  const PhotographRenderer renderer(shoot);
-  const int all = static_cast<int>(shoot.photographs.size());
-  for (int i = 0; i < all; ++i) {
-    WritePhotograph(shoot, renderer, i, folder);
-    if (progress) {
-      progress(i + 1, all);
-    }
-  }
+std::string ToFixedText(double number, int decimals) {
+  return Text(number, std::chars_format::fixed, decimals);
 }
 
 }  // namespace trackedcam::simulator

@@ -1,4 +1,4 @@
-// Numbers as text, the same under every locale of the host.
+// Writes a shoot to disk, as a photographer would pass it on, together with the truth.
 
 #pragma once
 
@@ -10,32 +10,29 @@
 
 namespace trackedcam::simulator {
 
-/// The shortest text that reads back as this number.
-std::string ToShortestText(double number);
+/// Writes photos/, tracker_data.csv, truth.json and shoot.toml. Creates the folder, and replaces
+/// the files of an earlier shoot in it.
+/// @param progress Called after each photograph with the number written and the number of all.
+/// @throws std::runtime_error or std::filesystem::filesystem_error if something cannot be written.
+void WriteShoot(const Shoot& shoot, const std::filesystem::path& folder,
+                const std::function<void(int done, int all)>& progress = {});
 
-/// With this number of decimals.
-std::string ToFixedText(double number, int decimals);
-
-/// The tracker data file: a header, then one row for each photograph with the time (seconds), its
-/// path, and for Tc and then Tr the position (metres) and the quaternion w, x, y, z in Base.
+/// The tracker data file: a header, then one row for each photograph: time (seconds), path, and for
+/// Tc, then Tr, the position (metres) and the quaternion w, x, y, z in frame Base.
 std::string TrackerDataText(const Shoot& shoot);
 
 /// The configuration file (TOML) with which the host program calibrates the shoot. Its paths are
 /// relative to the shoot's folder.
 std::string ConfigText(const Shoot& shoot);
 
-/// Every true figure of the shoot as JSON. Matrices are lists of 16 numbers, row by row; lengths
-/// are metres, angles degrees, and lens figures pixels unless their name says otherwise.
+/// All true values of the shoot as JSON. Matrices are lists of 16 numbers, row by row. Lengths are
+/// in metres, angles in degrees, and lens values in pixels unless their name says otherwise.
 std::string TruthText(const Shoot& shoot);
 
-// A shoot on disk, as a photographer would hand it over, with the truth beside it.
+/// The shortest text that reads back as this number, in every locale.
+std::string ToShortestText(double number);
 
-/// Writes photos/, tracker_data.csv, truth.json and shoot.toml. The folder is created; files of an
-/// earlier shoot in it are replaced.
-/// @param progress Called after each photograph with the number done and the number of all.
-/// @throws std::runtime_error or std::filesystem::filesystem_error when something cannot be
-/// written.
-void WriteShoot(const Shoot& shoot, const std::filesystem::path& folder,
-                const std::function<void(int done, int all)>& progress = {});
+/// The number with this many decimals, in every locale.
+std::string ToFixedText(double number, int decimals);
 
 }  // namespace trackedcam::simulator
