@@ -1,9 +1,11 @@
-"""How long a calibration takes on two processors, alone and beside three busy loops.
+"""Measures how long a calibration takes on two processors, alone and beside three busy loops.
 
-Three times the idle time is what five programs on two processors would share out among them, more than
-enough for one that does not wait for threads of its own.
+Fails if the calibration takes more than three times as long beside the loops: five programs that share two
+processors would need about that long, and this one must not also wait for its own threads.
 
-Usage: contention.py PROGRAM [RUNS]   (of each; 3 by default. The median counts.)
+Usage: contention.py PROGRAM [RUNS]
+
+RUNS is the number of runs of each kind, of which the median counts (default: 3).
 """
 
 import os

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Time, peak memory and accuracy of a calibration from 12 to 400 photographs.
+"""Measures time, peak memory and accuracy of a calibration with 12 to 400 photographs.
 
 Usage: growth_benchmark.py PROGRAM [PHOTOGRAPHS...]
 
-Simulated shoots of 1920x1080 with trackers that are off by 0.3 mm and 0.05 degrees along and about
-each axis. The accuracy is the median of five shoots, the rest is of the first.
+The shoots are simulated, 1920x1080, with tracker noise of 0.3 mm along and 0.05 degrees about each axis. The
+accuracy is the median of five shoots; time and memory are those of the first one.
 """
 
 import json
@@ -27,20 +27,20 @@ NOISE = ["--tracker-noise-mm", "0.3", "--tracker-noise-degrees", "0.05"]
 def off(transform, truth):
     """Millimetres and degrees between two transforms of 16 numbers."""
     a, b = (np.array(t).reshape(4, 4) for t in (transform, truth))
-    # Not by the cosine, which tells small angles in steps.
+    # The cosine would resolve small angles in steps only.
     angle = 2 * np.arcsin(np.linalg.norm(a[:3, :3] - b[:3, :3]) / np.sqrt(8))
     return 1000 * np.linalg.norm(a[:3, 3] - b[:3, 3]), np.degrees(angle)
 
 
 def run(command):
-    """Seconds, and MB at the peak. Whatever it ends with: 99 is a result, too."""
+    """Runs a command, whatever its exit status, and returns its seconds and its peak memory in MB."""
     begin = time.perf_counter()
     child = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     usage = os.wait4(child.pid, 0)[2]
     return time.perf_counter() - begin, usage.ru_maxrss / 1024
 
 
-print("| photographs | s | of it the cross-check and the page | peak memory, MB | result off the truth | cross-check off the truth |")
+print("| photographs | total, s | of which cross-check and page, s | peak memory, MB | result off | cross-check off |")
 print("|---|---|---|---|---|---|")
 for photographs in SIZES:
     errors = {"result": [], "crossCheck": []}

@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
-"""What an engineer would script in an afternoon with OpenCV's own calls, and how long it takes.
+"""Calibrates a shoot as an engineer would script it with OpenCV's own calls, and measures time and accuracy.
 
-Usage: script_benchmark.py SHOOT   (needs python3-opencv; SHOOT is what `trackedcam simulate` wrote)
+Usage: script_benchmark.py SHOOT
 
-Full-size search with the default flags, refinement, calibrateCamera, one hand-eye call. It needs no
-mounting, since the tracker on the chart stands for the base of the robot.
+SHOOT is a folder written by `trackedcam simulate`. Needs the package python3-opencv.
+
+The script searches at full size with the default flags, refines, and calls calibrateCamera and
+calibrateHandEye once. It needs no mounting, because the tracker on the chart takes the place of the robot's base.
 """
 
 import csv
@@ -17,7 +19,7 @@ import cv2
 import numpy as np
 
 BOARD, SQUARE_M = (9, 6), 0.03
-# Trackers are reported in axes of which x is used as -x, z as -y and y as -z.
+# The reported x, y, z of a tracker are used as -x, -z, -y.
 AXIS_FIX = np.array([[-1, 0, 0, 0], [0, 0, -1, 0], [0, -1, 0, 0], [0, 0, 0, 1]], float)
 
 

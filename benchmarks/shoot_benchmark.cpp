@@ -1,7 +1,7 @@
-// A whole calibration beside the bare calls of the image library that it must make, on the same
-// photographs in the same run. What is left is what the library adds.
+// Compares a whole calibration with the calls of the image library that it must make, on the same
+// photographs in the same run. The difference is the library's own part.
 //
-// Usage: shoot_benchmark [ROWS PHOTOGRAPHS]...   (1080 20 1080 100 2160 20 2160 100)
+// Usage: shoot_benchmark [ROWS PHOTOGRAPHS]...   (default: 1080 20 1080 100 2160 20 2160 100)
 
 #include <algorithm>
 #include <cfloat>
@@ -30,7 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace trackedcam;
 
-constexpr int kRuns = 5;  // the best of each stage counts: other work on the machine only adds time
+constexpr int kRuns = 5;  // the best time of each stage counts: other work only adds to it
 
 double Seconds(const std::function<void()>& work) {
   const auto begin = std::chrono::steady_clock::now();
@@ -38,7 +38,7 @@ double Seconds(const std::function<void()>& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-/// The stages in which the image library works, and what each took.
+/// Seconds in each stage in which the image library works.
 struct Stages {
   double decode = 0, search = 0, refine = 0, solve = 0, project = 0, draw = 0, encode = 0;
 
@@ -83,7 +83,7 @@ simulator::Shoot WriteShoot(int rows, int photographs, const fs::path& folder) {
   return shoot;
 }
 
-// The same pictures as PNG, with a data file that names them.
+// Writes the same photographs as PNG and changes their names in the data file.
 void ConvertToPng(const simulator::Shoot& shoot, const fs::path& folder) {
   std::string data = ReadFile(folder / "tracker_data.csv");
   for (const simulator::Photograph& photograph : shoot.photographs) {
@@ -120,7 +120,7 @@ double SecondsOfLibrary(const simulator::Shoot& shoot, const fs::path& folder) {
   return seconds;
 }
 
-// The photographs that passed the filter, by the images that the library left of them.
+// The photographs that passed the outlier filter: those with a reprojected image.
 std::set<std::string> Painted(const fs::path& folder) {
   std::set<std::string> names;
   for (const fs::directory_entry& entry :
@@ -144,7 +144,7 @@ class BareCalls {
     }
     Solve();
     for (std::size_t i = 0; i < paths.size(); ++i) {
-      Project(i);  // the errors, before and after the filter
+      Project(i);  // the reprojection errors, before and after the filter
       if (paintedPaths.count(paths[i]) > 0) {
         Paint(i);
       }
@@ -241,7 +241,7 @@ class BareCalls {
 };
 
 void Measure(const simulator::Shoot& shoot, const std::string& format, const fs::path& folder) {
-  fs::current_path(folder);  // the data file names the photographs from here
+  fs::current_path(folder);  // the photographs' paths in the data file are relative to it
   double library = SecondsOfLibrary(shoot, folder);
   std::vector<std::string> paths;
   for (const simulator::Photograph& photograph : shoot.photographs) {
@@ -270,11 +270,11 @@ int main(int argc, char** argv) {
     std::transform(argv + 1, argv + argc, std::back_inserter(sizes),
                    [](char* t) { return std::atoi(t); });
   }
-  std::cout.setstate(std::ios::failbit);  // not what the library says
+  std::cout.setstate(std::ios::failbit);  // suppresses the log
   std::puts(
-      "| rows | format | photographs | library, s | bare calls, s | more | decode | search | "
-      "refine "
-      "| solve | project and draw | encode |\n|---|---|---|---|---|---|---|---|---|---|---|---|");
+      "| rows | format | photographs | library, s | these calls alone, s | difference | decode | "
+      "search | refine | solve | project and draw | encode |\n"
+      "|---|---|---|---|---|---|---|---|---|---|---|---|");
   for (std::size_t i = 0; i + 1 < sizes.size(); i += 2) {
     const Folder folder;
     const simulator::Shoot shoot = WriteShoot(sizes[i], sizes[i + 1], folder.path);
