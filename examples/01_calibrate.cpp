@@ -1,5 +1,5 @@
-// Calibrates the shoot whose tracker data file is the first argument; the log goes to the second.
-// The chart has 9x6 inner corners and squares of 30 mm, the sensor 36 x 20.25 mm.
+// Calibrates a shoot. Arguments: the tracker data file, and a folder for the log. The chart has 9x6
+// inner corners and squares of 30 mm; the sensor is 36 x 20.25 mm.
 
 #include <cstdio>
 #include <string>

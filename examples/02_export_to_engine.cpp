@@ -1,5 +1,4 @@
-// Hands the transform of a calibration to an engine; the log goes to the folder that is the
-// argument.
+// Exports the transform of a calibration to an engine. Argument: a folder for the log.
 
 #include <cstdio>
 #include <trackedcam/trackedcam.h>
@@ -11,7 +10,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const char* logFolder = argv[1];
-  // As Calibration hands it out: row by row, metres.
+  // As Calibration returns it: row by row, metres.
   const std::vector<double> transformCamTc = {0.870297134,
                                               0.484990543,
                                               0.085831651,

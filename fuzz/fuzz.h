@@ -1,6 +1,5 @@
-// What the targets have in common. A target looks at one kind of input that others write, and stops
-// where the program would: at a crash, at a sanitizer's finding, or where two readers of the same
-// bytes disagree.
+// Helpers of the fuzzers. A fuzzer tests one kind of input from outside. It stops at a crash, at a
+// sanitizer's finding, or if two readers of the same bytes disagree.
 
 #pragma once
 
@@ -21,15 +20,15 @@ inline std::string_view TextOf(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Ends the run where something that must hold does not.
+/// Ends the run if the condition does not hold.
 inline void Require(bool holds, const std::string& what) {
   if (!holds) {
-    std::fprintf(stderr, "does not hold: %s\n", what.c_str());
+    std::fprintf(stderr, "wrong: %s\n", what.c_str());
     std::abort();
   }
 }
 
-/// A file of this process alone, with the content given.
+/// Writes a file with this content in a folder of this process.
 inline std::filesystem::path FileWith(std::string_view content, const std::string& name) {
   static const std::filesystem::path folder = [] {
     std::string form = (std::filesystem::temp_directory_path() / "trackedcam_fuzz_XXXXXX").string();
@@ -41,7 +40,7 @@ inline std::filesystem::path FileWith(std::string_view content, const std::strin
   return file;
 }
 
-/// Takes numbers off the front of the bytes; zeros where there are none left.
+/// Takes numbers from the front of the bytes; zeros when no bytes are left.
 class Bytes {
  public:
   Bytes(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
@@ -58,7 +57,7 @@ class Bytes {
     return number;
   }
 
-  /// A number of ordinary size most of the time, of any bits else.
+  /// Usually a number of ordinary size, sometimes one of arbitrary bits.
   double Figure() {
     const auto kind = Take<std::uint8_t>();
     if (kind == 0) {

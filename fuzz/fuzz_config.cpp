@@ -1,4 +1,4 @@
-// The configuration file: options, or one line that says what is wrong.
+// The configuration file: it gives options, or an error with a message.
 
 #include <CLI/CLI.hpp>
 
@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     program.parse(4, const_cast<char**>(arguments));
   } catch (const CLI::ParseError& error) {
-    fuzz::Require(error.what() != std::string(), "words of an error");
+    fuzz::Require(error.what() != std::string(), "an error without a message");
   }
   return 0;
 }

@@ -1,4 +1,4 @@
-// The tracker data file: library and program read the same rows, photographs and figures.
+// The tracker data file: library and program read the same rows, photographs and numbers.
 
 #include <cmath>
 #include <iostream>
@@ -18,30 +18,31 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> paths;
   std::vector<TrackerRecord> records;
   const auto file = fuzz::FileWith(content, "data.csv");
-  fuzz::Require(ReadTrackerData({}, file.string(), paths, records) == 0, "every file is read");
+  fuzz::Require(ReadTrackerData({}, file.string(), paths, records) == 0, "a file is refused");
 
   const std::vector<host::DataRow> rows = host::ReadRows(content);
-  fuzz::Require(rows.size() == paths.size() && rows.size() == records.size(), "as many rows");
+  fuzz::Require(rows.size() == paths.size() && rows.size() == records.size(), "number of rows");
   for (std::size_t i = 0; i < rows.size(); ++i) {
     fuzz::Require(rows[i].photograph == paths[i], "the photograph of a row");
     const auto poses = host::PosesIn(host::SplitFields(rows[i].text));
     for (std::size_t figure = 0; figure < 14; ++figure) {
       const double read = records[i][figure + 1];
       const double checked = poses[figure / 7][figure % 7];
-      // The program takes for a number only what is one as a whole.
+      // The program accepts a field as a number only if all of it is one.
       fuzz::Require(read == checked || std::isnan(checked) == std::isnan(read) || checked == 0,
-                    "a figure of a row");
+                    "a number of a row");
     }
   }
   for (const host::Finding& finding : host::CheckData(content, rows)) {
-    fuzz::Require(!finding.text.empty() && !finding.id.empty(), "words of a finding");
+    fuzz::Require(!finding.text.empty() && !finding.id.empty(), "a finding without id or text");
   }
   for (const host::TrackerAxes& axes : host::kTrackerAxes) {
     try {
       const host::TrackerFrame frame = {&axes, nullptr};
-      fuzz::Require(host::InReportedAxes(rows, frame).size() == rows.size(), "rows converted");
+      fuzz::Require(host::InReportedAxes(rows, frame).size() == rows.size(),
+                    "number of converted rows");
     } catch (const host::InputError&) {
-      continue;  // it names the line
+      continue;  // refused, with the line in the message
     }
   }
   return 0;

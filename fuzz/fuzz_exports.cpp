@@ -1,4 +1,4 @@
-// The exports of the library, which count angles in single precision, against placements in double
+// The exports of the library, with angles in single precision, compared with placements in double
 // precision that share no formula with them.
 
 #include <cmath>
@@ -17,11 +17,11 @@ using namespace trackedcam;
 using host::arithmetic::DegreesBetween;
 using List = std::vector<double>;
 
-constexpr double kDegrees = 0.05;  // single precision loses most near the poles of its angles
+constexpr double kDegrees = 0.05;  // the error of single precision near gimbal lock
 constexpr double kCentimetres = 1e-4;
-constexpr const char* kNowhere = "/dev/null";  // for a log: there is no file below
+constexpr const char* kNowhere = "/dev/null";  // a log folder in which no file can be created
 
-// A rotation from four figures, and a translation of at most a few metres.
+// A rotation from four numbers, and a translation below 10 metres along each axis.
 List Transform(fuzz::Bytes& bytes) {
   Eigen::Quaterniond rotation(bytes.Figure(), bytes.Figure(), bytes.Figure(), bytes.Figure());
   if (!(rotation.norm() > 1e-3) || !(rotation.norm() < 1e6)) {
@@ -45,7 +45,7 @@ void RequireNear(const List& a, const List& b, double tolerance, const char* wha
   }
 }
 
-// Where single precision cannot tell roll from yaw, the angles are free.
+// Near gimbal lock, single precision cannot separate roll and yaw.
 bool IsNearGimbalLock(double degrees) {
   return std::abs(std::abs(degrees) - 90) < 1;
 }
@@ -56,7 +56,7 @@ void CheckUE4(const List& transform) {
   const host::UnrealFigures expected =
       host::ToUnreal({{{}, {}, {}, {}, transform, {}, {}}, {}, ""});
   fuzz::Require(code == 0 || (code == 3 && IsNearGimbalLock(expected.rotationDeg[1])),
-                "lock of UE4");
+                "gimbal lock of UE4");
   if (code == 0) {
     RequireNear(translation, expected.locationCm, kCentimetres, "location of UE4");
     const auto axes = host::arithmetic::FRotator(rotation[0], rotation[1], rotation[2]);
@@ -69,7 +69,7 @@ void CheckUE4(const List& transform) {
   }
 }
 
-// Both hand out quaternions in right-handed axes: there and back by the plain formula.
+// Both exports give quaternions in right-handed axes, so one plain formula checks them.
 void CheckUE5(const List& transform, int (*convert)(List, List&, List&, std::string),
               const Eigen::Matrix3d& fromReported, const Eigen::Matrix3d& axesAtCamera) {
   List quaternion, translation;
@@ -100,10 +100,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Bytes bytes(data, size);
   const List transform = Transform(bytes);
   CheckUE4(transform);
-  // right, down, forward; along the reported -x, -y, z.
+  // Right, down, forward along the reported -x, -y, z.
   CheckUE5(transform, CamAxisToUE5, Rows({-1, 0, 0, 0, -1, 0, 0, 0, 1}),
            Eigen::Matrix3d::Identity());
-  // up, forward, left; along the reported y, z, x.
+  // Up, forward, left along the reported y, z, x.
   CheckUE5(transform, CamAxisToUE5_ExportxN, Rows({0, 1, 0, 0, 0, 1, 1, 0, 0}),
            Rows({0, 0, -1, -1, 0, 0, 0, 1, 0}));
   List fov, centre, rotation, translation;
@@ -114,10 +114,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Require(std::abs(fov.at(0) - 2 * std::atan(0.5 / focal) * 180 / 3.14159265358979) < 1e-6,
                 "field of view");
   for (const double centimetres : translation) {
-    fuzz::Require(std::isfinite(centimetres), "finite figures");
+    fuzz::Require(std::isfinite(centimetres), "a translation is not finite");
   }
 
-  // Any numbers at all: refused or taken, never a crash.
+  // Arbitrary numbers are refused or accepted; they never cause a crash.
   List any;
   for (int i = 0; i < 16; ++i) {
     any.push_back(bytes.Figure());

@@ -1,5 +1,5 @@
-// Photographs: what their headers promise is what the decoder makes, and what is taken for no
-// picture makes none. Else a file could fill the memory although its size was asked for.
+// Photographs: the decoder makes no more pixels than the header says, and none from a file that
+// counts as text. Otherwise a file could fill the memory although its size was checked.
 
 #include <algorithm>
 #include <iostream>
@@ -35,20 +35,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto header = host::ReadPhotographHeader(read);
   const FileKind kind = host::KindOfFile(read);
   if (header) {
-    fuzz::Require(kind == FileKind::kPhotograph, "a header of a photograph");
+    fuzz::Require(kind == FileKind::kPhotograph, "a header, but not a photograph");
     fuzz::Require(header->orientation >= 1 && header->orientation <= 8, "an orientation");
     constexpr std::uint64_t kMostPixels = 1 << 20;
     if (header->width > kMostPixels / header->height) {
-      return 0;  // the program leaves out such ones, from a larger number on
+      return 0;  // too slow to decode here; the program's own limit is higher
     }
     const cv::Mat image = Decode(data, size);
     const auto [shorter, longer] = std::minmax(header->width, header->height);
     fuzz::Require(image.empty() || static_cast<std::uint64_t>(image.rows) *
                                            static_cast<std::uint64_t>(image.cols) <=
                                        shorter * longer,
-                  "no more pixels than the header says");
+                  "more pixels than the header says");
   } else if (kind == FileKind::kText) {
-    fuzz::Require(Decode(data, size).empty(), "no picture where no format is known");
+    fuzz::Require(Decode(data, size).empty(), "an image in a file that counts as text");
   }
   host::IsCompleteImage(fuzz::FileWith(bytes, "picture"));
   return 0;

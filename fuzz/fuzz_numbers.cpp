@@ -1,4 +1,4 @@
-// Numbers of the data file: as strtod of the C library reads them, to the last bit.
+// Numbers of the data file: read like strtod of the C library, to the last bit.
 
 #include <cmath>
 
@@ -14,11 +14,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Require(std::isnan(expected)
                     ? std::isnan(number) && std::signbit(number) == std::signbit(expected)
                     : std::memcmp(&expected, &number, sizeof number) == 0,
-                "the number of strtod in \"" + text + '"');
-  // What is written reads back, but for the decimals that are cut.
+                "a number differs from strtod in \"" + text + '"');
+  // A written number reads back, to six decimals.
   if (std::isfinite(number)) {
     const double again = ParseLeadingNumber(ToSixDecimals(number));
-    fuzz::Require(std::abs(again - number) <= 1e-6, "a number that was written and read");
+    fuzz::Require(std::abs(again - number) <= 1e-6, "a number that was written and read back");
   }
   return 0;
 }

@@ -1,4 +1,4 @@
-// What the cross-check is told: any figures end in an answer, or in words.
+// The input of the cross-check: any numbers give an answer or an error.
 
 #include <stdexcept>
 
@@ -21,7 +21,7 @@ crosscheck::TrackerPose Pose(fuzz::Bytes& bytes) {
   return pose;
 }
 
-// Corners of a chart that is seen somehow, or anywhere.
+// Corners in a regular grid, of arbitrary place and shape.
 void AddCorners(fuzz::Bytes& bytes, const Observations& observations,
                 crosscheck::Photograph& photograph) {
   const Eigen::Vector2d origin(320 + bytes.Figure(), 180 + bytes.Figure());
@@ -79,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const crosscheck::CrossCheck check = crosscheck::Check(observations);
     fuzz::Require(check.perPhotograph.size() == observations.photographs.size(),
-                  "a word on each photograph");
+                  "number of photographs");
   } catch (const std::invalid_argument&) {
   }
   return 0;

@@ -1,4 +1,4 @@
-// Values of options: taken or refused, and what is taken is within its bounds.
+// Values of options: refused, or accepted and within their limits.
 
 #include <cmath>
 
@@ -13,7 +13,7 @@ template <class Value, class Check>
 void Try(Value (*parse)(const std::string&, const std::string&), const std::string& text,
          Check check) {
   try {
-    trackedcam::fuzz::Require(check(parse("--option", text)), "a value within its bounds: " + text);
+    trackedcam::fuzz::Require(check(parse("--option", text)), "a value beyond its limits: " + text);
   } catch (const CLI::ValidationError&) {
   }
 }

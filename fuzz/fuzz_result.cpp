@@ -1,4 +1,4 @@
-// The result file: taken by the exports and by the page, or refused in words.
+// The result file: accepted by the exports and by the page, or refused with a message.
 
 #include <cmath>
 #include <stdexcept>
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const host::HandOver handOver = host::ReadResult(file);
     const host::UnrealFigures figures = host::ToUnreal(handOver);
     for (const double figure : figures.locationCm) {
-      fuzz::Require(std::isfinite(figure), "finite figures for an engine");
+      fuzz::Require(std::isfinite(figure), "a location is not finite");
     }
     if (figures.lens) {
       host::LensFileText(figures, "lens");
@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   try {
     const std::string page = report::Page(content, {}, "/");
-    fuzz::Require(page.find("</html>") != std::string::npos, "a whole page");
+    fuzz::Require(page.find("</html>") != std::string::npos, "an incomplete page");
   } catch (const std::invalid_argument&) {
   }
   return 0;

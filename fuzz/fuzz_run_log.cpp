@@ -1,4 +1,5 @@
-// The log of a run: read in pieces as it is read whole, and checked whatever it says.
+// The log of a run: reading it in pieces gives the same record as reading it at once, and the
+// cross-check accepts or refuses any record.
 
 #include <algorithm>
 #include <stdexcept>
@@ -32,10 +33,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace trackedcam;
   const std::string_view log = fuzz::TextOf(data, size);
   const RunRecord whole = ReadInPieces(log, log.size());
-  fuzz::Require(AreSame(whole, ReadInPieces(log, 7)), "a log that grew and one that is whole");
+  fuzz::Require(AreSame(whole, ReadInPieces(log, 7)), "a log read in pieces");
   OutputsOf(whole);
   UsedPhotographs(whole);
-  constexpr std::size_t kMost = 16;  // more of them take their time and tell nothing more
+  constexpr std::size_t kMost = 16;  // more take longer and find nothing more
   const auto observations = ObservationsOf(whole, crosscheck::Mounting{});
   if (observations && observations->photographs.size() <= kMost) {
     try {

@@ -1,4 +1,4 @@
-// The truth of a simulated shoot.
+// The truth of a simulated shoot: accepted with sixteen values, or refused.
 
 #include "fuzz/fuzz.h"
 #include "host/input/inputs.h"
@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   host::IsTruthFile(file);
   try {
     const host::CalibrationOutputs truth = host::ReadTruth(file, {36, 20.25});
-    fuzz::Require(truth.transformCamTc.size() == 16, "sixteen figures");
+    fuzz::Require(truth.transformCamTc.size() == 16, "sixteen values");
   } catch (const host::InputError&) {
   }
   return 0;

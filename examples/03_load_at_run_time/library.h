@@ -1,12 +1,14 @@
-// A library that is loaded while the program runs, by the means of the operating system.
+// Loads a library at run time with the functions of the operating system.
 
 #pragma once
 
-/// Loads a library by its UTF-8 path; null when that fails.
+/// Loads a library by its UTF-8 path.
+/// @return Null if that fails.
 void* LoadLibraryByName(const char* path);
 
-/// The function of that name; null when the library has none.
+/// Finds a function by its name.
+/// @return Null if the library has no such function.
 void* FindFunction(void* library, const char* name);
 
-/// Returns whether the library went.
+/// @return Whether the library was unloaded.
 bool UnloadLibrary(void* library);

@@ -1,5 +1,5 @@
-// Loads the library (first argument) by name, finds its functions, calls one of each kind and
-// unloads it, a hundred times. The logs go to the second argument, a folder.
+// Loads the library by name, finds its functions, calls one of each kind and unloads it, a hundred
+// times. Arguments: the library, and a folder for the logs.
 
 #include <array>
 #include <cmath>
@@ -13,7 +13,7 @@ namespace {
 
 using Numbers = std::vector<double>;
 
-// The types that the public header declares, which a host without it writes down itself.
+// The types of the public header. A host without the header declares them itself.
 using CalibrationFunction = int (*)(std::string, double, double, int, int, double, Numbers, Numbers,
                                     Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&,
                                     Numbers&, std::string, bool, int);
@@ -29,7 +29,7 @@ Function Find(void* library, const char* name) {
   return reinterpret_cast<Function>(FindFunction(library, name));
 }
 
-// A data file that is not there is a result code, not the end of the host.
+// A missing data file gives a result code.
 bool ReportsAMissingFile(void* library, const std::string& logFolder) {
   const auto calibrate = Find<CalibrationFunction>(library, "Calibration");
   Numbers imageSize, focal, center, distortion, transform, fieldOfView, focalLengthMm;
@@ -38,7 +38,7 @@ bool ReportsAMissingFile(void* library, const std::string& logFolder) {
                    logFolder, false, 1000) == kDataFileNotOpened;
 }
 
-// A camera in its tracker's place, seen by Unreal Engine 5: the offset is 1, 2 and 3 cm long.
+// Exports a translation of 1, 2 and 3 cm without rotation: the axes change, the length does not.
 bool Exports(void* library, const std::string& logFolder) {
   const auto toEngine = Find<ExportFunction>(library, "CamAxisToUE5");
   const Numbers transformCamTc = {1, 0, 0, 0.01, 0, 1, 0, 0.02, 0, 0, 1, 0.03, 0, 0, 0, 1};
