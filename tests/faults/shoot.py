@@ -14,13 +14,13 @@ import tempfile
 import unittest
 
 PROGRAM = os.environ["TRACKEDCAM_PROGRAM"]
-SANITIZED = os.environ.get("TRACKEDCAM_SANITIZED", "")  # such a program reserves terabytes
-SECONDS = 1800  # a run that takes longer hangs, however busy the machine is
+SANITIZED = os.environ.get("TRACKEDCAM_SANITIZED", "")  # a sanitizer reserves terabytes of addresses
+SECONDS = 1800  # a longer run hangs, even on a busy machine
 GIGABYTE = 1 << 30
 
 
 def run(*arguments, limits=(), **options):
-    """Runs the program; limits are pairs for setrlimit."""
+    """Runs the program; limits are pairs of arguments for setrlimit."""
     def limit():
         for which, value in limits:
             resource.setrlimit(which, (value, value))
@@ -31,7 +31,7 @@ def run(*arguments, limits=(), **options):
 
 @contextlib.contextmanager
 def full_disk(folder, size):
-    """A disk of so many bytes at a folder; skips the test where none can be mounted."""
+    """Mounts a disk of this size at a folder; skips the test if that is not possible."""
     folder.mkdir(parents=True, exist_ok=True)
     libc = ctypes.CDLL(None, use_errno=True)
     if libc.mount(b"none", os.fsencode(folder), b"tmpfs", 0, f"size={size}".encode()) != 0:
@@ -43,7 +43,7 @@ def full_disk(folder, size):
 
 
 class Shoot(unittest.TestCase):
-    """Each test has a copy of one shoot, in a folder of its own."""
+    """Each test has its own copy of one shoot."""
 
     photographs = 16
 
@@ -66,18 +66,18 @@ class Shoot(unittest.TestCase):
         return run("calibrate", "--config", self.folder / "shoot.toml", *more, **options)
 
     def read_result(self, path=None):
-        """The result, which must be whole."""
+        """The result file, which must be complete."""
         return json.loads((path or self.result).read_text(encoding="utf-8"))
 
     def write_data(self, rows):
-        """rows: of text, without the line's end."""
+        """Replaces the data file. rows are texts without line ends."""
         (self.folder / "tracker_data.csv").write_text("Time,Image\n" + "".join(f"{row}\n" for row in rows))
 
     def rows(self):
         return (self.folder / "tracker_data.csv").read_text().splitlines()[1:]
 
     def assert_same_figures(self, result):
-        """What a run that nothing disturbs finds."""
+        """The result must have the values of an undisturbed run."""
         calm = self.home / "calm"
         shutil.copytree(self.origin / "shoot", calm)
         self.assertEqual(run("calibrate", "--config", calm / "shoot.toml").returncode, 0)
@@ -86,8 +86,8 @@ class Shoot(unittest.TestCase):
             self.assertEqual(result[key], expected[key], key)
 
     def calibrate_with_intrusion(self, line, intrude, *more):
-        """Calls intrude when the library's line appears. The program can be at most a page ahead of
-        what is read of its output, so that it is not done by then."""
+        """Calls intrude when the library prints the line. The program waits while the pipe holds a page of
+        unread output, so it cannot be finished by then."""
         reading, writing = os.pipe()
         fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
         with tempfile.TemporaryFile() as errors:

@@ -1,4 +1,4 @@
-"""Whatever a shoot holds, a run ends soon, in little memory, and says which row is at fault."""
+"""A run with any input ends soon, uses little memory, and reports the row that is at fault."""
 
 import os
 import resource
@@ -8,7 +8,7 @@ import zlib
 
 from shoot import GIGABYTE, SANITIZED, Shoot
 
-# Of the processor's time, which other work on the machine does not lengthen.
+# Seconds of processor time, which does not depend on other work on the machine.
 MINUTE = 60
 LIMITS = [] if SANITIZED else [(resource.RLIMIT_AS, 2 * GIGABYTE), (resource.RLIMIT_CPU, MINUTE)]
 
@@ -35,7 +35,7 @@ def bmp(width, height):
 
 
 def tiff(width, height, before=0):
-    """before: entries of no meaning that stand before the size."""
+    """before: the number of meaningless entries before the size."""
     entries = [(254, 4, 0)] * before + [(256, 4, width), (257, 4, height), (258, 3, 8), (259, 3, 1),
                                         (262, 3, 1), (273, 4, 8), (277, 3, 1), (278, 4, height), (279, 4, 100)]
     directory = struct.pack("<H", len(entries))
@@ -103,7 +103,7 @@ class HostileInput(Shoot):
         self.write_data([""] * 1000001)
         self.assert_named("has more than 1000000 rows", 2)
 
-    def test_figures_that_are_none(self):
+    def test_numbers_that_are_not_finite_or_too_large(self):
         rows = self.rows()
         for figure in ["nan", "-inf", "1e400", "1e300"]:
             with self.subTest(figure):
@@ -113,7 +113,7 @@ class HostileInput(Shoot):
                 done = self.assert_named(r"in row 8 \(field 5 of row 8, photos/img_006\.jpg\)")
                 self.assertNotEqual(done.returncode, 0)
 
-    def test_names_that_command_a_terminal(self):
+    def test_names_with_terminal_commands(self):
         rows = self.rows()
         fields = rows[0].split(",")
         fields[1] = "photos/\x1b[2J\x9b31m\u202egpj.\r.jpg"

@@ -1,4 +1,4 @@
-"""At whatever moment the program is stopped, its files are whole: the old ones or the new ones."""
+"""Whenever the program is stopped, its files are complete: either the old ones or the new ones."""
 
 import os
 import random
@@ -45,7 +45,7 @@ class Signals(Shoot):
     def test_hangup(self):
         self.interrupt(signal.SIGHUP, 8)
 
-    def test_what_a_kill_leaves_behind_disturbs_nobody(self):
+    def test_leftovers_of_a_kill_do_no_harm(self):
         for number in range(3):
             (self.folder / f".trackedcam-{number}.part").write_text("half")
         self.assertEqual(self.calibrate().returncode, 0)
@@ -54,7 +54,7 @@ class Signals(Shoot):
 
 @unittest.skipIf(SANITIZED, "a sanitizer reserves terabytes of addresses")
 class Memory(Shoot):
-    def test_too_little_memory_ends_in_words(self):
+    def test_too_little_memory_ends_with_a_message(self):
         self.calibrate()
         outcomes = set()
         for megabytes in [1200, 900, 700, 600, 500, 400]:
@@ -71,7 +71,7 @@ class Memory(Shoot):
             outcomes.add(done.returncode)
         self.assertIn(0, outcomes)
 
-    def test_a_calibration_takes_little(self):
+    def test_a_calibration_needs_little(self):
         self.assertEqual(self.calibrate(limits=[(resource.RLIMIT_AS, 2 * GIGABYTE)]).returncode, 0)
 
 

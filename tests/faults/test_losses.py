@@ -1,4 +1,4 @@
-"""What cannot be written is told, and what was computed is kept."""
+"""The program reports output that it cannot write, and keeps the result."""
 
 import os
 import re
@@ -52,7 +52,7 @@ class FullDisk(Shoot):
             self.assertEqual(result["verdict"]["level"], "doubt")
             self.assert_same_figures(result)
 
-    def test_a_full_disk_is_told_before_the_run(self):
+    def test_a_full_disk_is_reported_before_the_run(self):
         with full_disk(self.log_folder, "4k"):
             (self.log_folder / "filler").write_bytes(b" " * 4096)
             done = self.calibrate()
@@ -73,7 +73,7 @@ class FullDisk(Shoot):
             own = re.search(r"^Result: (.*)$", done.stdout, re.MULTILINE)[1]
             self.assertEqual(self.read_result(self.folder / own)["code"], 0)
 
-    def test_a_shoot_is_not_half_simulated_in_silence(self):
+    def test_an_incomplete_simulation_is_reported(self):
         disk = self.home / "disk"
         with full_disk(disk, "300k"):
             done = run("simulate", disk / "shoot", "--photographs", "16", "--image", "640x360")
@@ -83,7 +83,7 @@ class FullDisk(Shoot):
 
 class PlacesThatCannotBeWritten(Shoot):
     def test_a_folder_in_which_nothing_can_be_created(self):
-        # Neither below a file nor in this file system, not even by the superuser.
+        # Not even the superuser can create anything in this file system.
         done = self.calibrate("--log-folder", "/proc/trackedcam")
         self.assertEqual(done.returncode, 2, done.stderr)
         self.assertRegex(done.stderr, "--log-folder: cannot create the folder")
@@ -91,7 +91,7 @@ class PlacesThatCannotBeWritten(Shoot):
         self.assertEqual(done.returncode, 2, done.stderr)
         self.assertRegex(done.stderr, "cannot write to the log folder /proc")
 
-    def test_a_result_that_cannot_be_written_costs_nothing_else(self):
+    def test_a_result_that_cannot_be_written_affects_nothing_else(self):
         done = self.calibrate("--result", "/proc/result.json", "--report", "/proc/page.html")
         self.assertEqual(done.returncode, 1)
         self.assertRegex(done.stderr, r"error: cannot write /proc/result\.json: ")
@@ -159,14 +159,14 @@ class LostOutput(Shoot):
             with open("/dev/full", "w", encoding="utf-8") as full:
                 self.assert_told(arguments, stdout=full)
 
-    def test_into_a_pipe_that_nobody_reads(self):
+    def test_into_a_pipe_without_a_reader(self):
         for arguments in self.commands():
             reading, writing = os.pipe()
             os.close(reading)
             self.assert_told(arguments, stdout=writing)
             os.close(writing)
 
-    def test_where_standard_output_is_closed(self):
+    def test_with_standard_output_closed(self):
         for arguments in self.commands():
             words = " ".join(f"'{word}'" for word in [PROGRAM, *map(str, arguments)])
             status = os.system(f"{words} >&- 2>/dev/null")

@@ -17,7 +17,7 @@ with tempfile.TemporaryDirectory() as name:
         for private in ["opencv", "Eigen"]:
             assert private not in file.read_text(encoding="utf-8"), f"{file} names {private}"
 
-    # Moved, as a package that is unpacked elsewhere is.
+    # Moved, like a package that is unpacked in another folder.
     prefix = prefix.rename(scratch / "moved")
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
     run("cmake", "--build", build)
@@ -25,7 +25,7 @@ with tempfile.TemporaryDirectory() as name:
     check_c_example(build, scratch)
     check_loading(build, prefix / "lib/libtrackedcam.so.1", scratch)
 
-    # A version that is not there is not taken.
+    # find_package refuses other versions and unknown components.
     major, minor, patch = map(int, re.search(
         r"VERSION (\d+)\.(\d+)\.(\d+)\n", (SOURCE / "CMakeLists.txt").read_text(encoding="utf-8")).groups())
     (scratch / "newer").mkdir()

@@ -1,4 +1,4 @@
-"""Makes the packages, installs the .deb into a root of its own, and checks what is there.
+"""Makes the packages, installs the .deb packages into an empty root, and checks the files.
 
 Usage: check_packages.py BUILD SOURCE
 """
@@ -41,7 +41,7 @@ def check_content(prefix):
     assert not missing, f"{missing} are missing"
     elsewhere = [file for file in prefix.rglob("*")
                  if file.relative_to(prefix).parts[0] not in ("bin", "include", "lib", "share")]
-    assert not elsewhere, f"{elsewhere} stand in no standard place"
+    assert not elsewhere, f"{elsewhere} are in no standard folder"
     for library in ["trackedcam", "trackedcam_c"]:
         told = run("objdump", "-p", prefix / f"lib/lib{library}.so")
         assert f"SONAME               lib{library}.so.1\n" in told
@@ -57,7 +57,7 @@ def check_deb(deb, root):
         assert foreign not in depends, f"{foreign} is in {depends}"
     assert run("dpkg-deb", "--field", deb, "Recommends").strip() == "libopenblas0-pthread"
 
-    # A root without any package has nothing to depend on, nor to configure with.
+    # The root has no other packages, so dependencies are not checked and the package is only unpacked.
     for folder in ["info", "updates", "triggers"]:
         (root / "var/lib/dpkg" / folder).mkdir(parents=True)
     (root / "var/lib/dpkg/status").touch()
@@ -67,7 +67,7 @@ def check_deb(deb, root):
 
 
 def check_python_deb(deb, root):
-    """What is in it, and that it works beside the other one."""
+    """Checks the files of the Python package, unpacked into the same root."""
     depends = run("dpkg-deb", "--field", deb, "Depends")
     for package in ["python3 (>= 3.9)", "python3-numpy", "trackedcam (= "]:
         assert package in depends, f"{package} is missing in {depends}"
@@ -81,12 +81,12 @@ def check_python_deb(deb, root):
 
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
-    # dpkg finds its helpers there, also when a user runs the tests.
+    # The helpers of dpkg are there; they are not in every user's path.
     os.environ["PATH"] += ":/usr/sbin:/sbin"
     run("cpack", "-G", "DEB;TGZ", "-B", scratch / "packages", cwd=BUILD)
     check_deb(next((scratch / "packages").glob("trackedcam_*.deb")), scratch / "root")
     python = list((scratch / "packages").glob("python3-trackedcam_*_all.deb"))
-    if python:  # else it was left out of the build
+    if python:  # the build can be without it
         check_python_deb(python[0], scratch / "root")
     with tarfile.open(next((scratch / "packages").glob("*.tar.gz"))) as archive:
         archive.extractall(scratch)

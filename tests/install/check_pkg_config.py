@@ -17,12 +17,12 @@ with tempfile.TemporaryDirectory() as name:
     os.environ["LD_LIBRARY_PATH"] = str(scratch / "prefix/lib")
     flags = shlex.split(run("pkg-config", "--cflags", "--libs", "trackedcam >= 1.1"))
     for source in (SOURCE / "examples").glob("*.cpp"):
-        # C++11 is enough for a host.
+        # Hosts need C++11 only.
         run(os.environ["CXX"], *shlex.split(os.environ["CXXFLAGS"]), "-std=c++11", source, *flags, "-o",
             scratch / f"example_{source.stem}")
     check_examples(scratch, scratch / "prefix/bin/trackedcam", scratch)
 
-    # A host in C links with nothing but the C library.
+    # A host in C links the C library only.
     flags = shlex.split(run("pkg-config", "--cflags", "--libs", "trackedcam_c >= 1.1"))
     assert "-ltrackedcam" not in flags, flags
     run(os.environ["CC"], *shlex.split(os.environ["CXXFLAGS"]), "-std=c99", "-pedantic-errors",

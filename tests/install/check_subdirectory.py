@@ -1,4 +1,4 @@
-"""Takes the sources into a stranger's project, where they build the library alone, and runs it.
+"""Includes the sources in another project, where only the library is built, and runs the examples.
 
 Usage: check_subdirectory.py BUILD SOURCE
 """
@@ -42,7 +42,7 @@ PARTS = {"BUILD_HOST": "trackedcam_program", "BUILD_TESTS": "shoots_tests",
 
 
 def taken_in(folder, take_in, *options):
-    """Configures a project that takes the sources in; returns its targets and tests."""
+    """Configures a project that includes the sources; returns its targets and tests."""
     folder.mkdir()
     (folder / "CMakeLists.txt").write_text(PROJECT.format(take_in=take_in, source=SOURCE), encoding="utf-8")
     printed = run("cmake", "-S", folder, "-B", folder / "build", "-G", "Ninja", *options)
@@ -59,7 +59,7 @@ with tempfile.TemporaryDirectory() as name:
         found = taken_in(scratch / part, SUBDIRECTORY, f"-DTRACKEDCAM_{part}=ON")
         assert found >= LIBRARY | {target}, f"{part} does not bring {target}"
         others = [other for other in PARTS if PARTS[other] in found and part != other]
-        # The tests are those of the program and of the examples; the program prints the notices.
+        # The tests need the program and the examples; the program needs the notices, which it prints.
         needed = {"BUILD_TESTS": ["BUILD_HOST", "BUILD_EXAMPLES", "INSTALL"], "BUILD_HOST": ["INSTALL"]}
         assert set(others) == set(needed.get(part, [])), f"{part} brings {others}"
 
@@ -70,4 +70,4 @@ with tempfile.TemporaryDirectory() as name:
                  if path.is_file()]
     assert installed == ["bin/example_01_calibrate"], f"{installed} are installed"
     check_examples(build, BUILD / "app/trackedcam", scratch)
-print("a project that takes the sources in gets the library, and what it asks for")
+print("a project that includes the sources gets the library and the parts that it switches on")

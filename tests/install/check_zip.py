@@ -1,4 +1,4 @@
-"""Makes the zip for Windows, unpacks it, and builds and runs the examples with what is in it.
+"""Makes the zip for Windows, unpacks it, and builds and runs the examples with its files.
 
 Usage: check_zip.py BUILD SOURCE
 """
@@ -40,7 +40,7 @@ with tempfile.TemporaryDirectory() as name:
     assert not missing, f"{missing} are missing"
     check_notices(prefix / "share/doc/trackedcam", prefix / "bin/trackedcam", windows=True)
 
-    # The unpacked folder is where the toolchain looks for packages.
+    # The toolchain looks for packages in the unpacked folder.
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja",
         f"-DCMAKE_TOOLCHAIN_FILE={os.environ['TOOLCHAIN']}",
         f"-DTRACKEDCAM_WINDOWS_DEPENDENCIES={prefix}")

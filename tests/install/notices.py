@@ -1,8 +1,7 @@
-"""Compares the notices with what the build says it has put into the library and the program.
+"""Compares the third-party notices with the packages of which the build put something into library and program.
 
-A name is a source package's. What counts as inside: the headers that were included and are not those of
-a shared library, the static libraries of which the linker took something, and other packages' files that
-the build reads.
+Names are those of source packages. A package is inside if the build included a header of it that does not
+belong to a shared library, if the linker used one of its static libraries, or if the build reads another file of it.
 """
 
 import functools
@@ -11,10 +10,10 @@ import re
 
 from stranger import BUILD, SOURCE, run, run_program
 
-SYSTEM = {"linux"}  # its headers only describe the kernel
-# Folders of the program and the library below BUILD.
+SYSTEM = {"linux"}  # its headers only declare the kernel's interface
+# Folders of program and library below BUILD.
 OURS = re.compile(r"(src|simulator|app|host|crosscheck|report|c)/|CMakeFiles/")
-# Where scripts/build_windows_dependencies.sh has put what.
+# Files installed by scripts/build_windows_dependencies.sh, and their packages.
 PREFIX_LIBRARIES = {
     "libz.a": {"libz-mingw-w64"}, "libpng16.a": {"libpng1.6"}, "libjpeg.a": {"libjpeg-turbo"},
     "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
@@ -30,7 +29,7 @@ def source_package(package):
 
 
 def owners(paths):
-    """The binary packages of files."""
+    """The binary packages to which the files belong."""
     found = run("dpkg", "-S", *sorted(paths)) if paths else ""
     packages = {line.split(":", maxsplit=1)[0].split(",")[0] for line in found.splitlines()}
     assert bool(paths) == bool(packages)
@@ -44,13 +43,13 @@ def shared_libraries(package):
 
 
 def loaded(programs):
-    """Names of all shared libraries that are loaded with the programs, without versions."""
+    """Names of all shared libraries that the programs load, without versions."""
     text = "".join(run("ldd", program) for program in programs)
     return set(re.findall(r"^\t(\S+\.so)[.\d]* ", text, re.MULTILINE))
 
 
 def headers():
-    """What the files of the program and the library include from elsewhere."""
+    """The headers from other projects that program and library include."""
     text = run("ninja", "-t", "deps", cwd=BUILD)
     included = set()
     for entry in text.split("\n\n"):
@@ -64,7 +63,7 @@ def headers():
 
 
 def in_prefix(paths):
-    """The packages of headers that the build of the dependencies has installed or copied."""
+    """The packages of headers that the build of the Windows dependencies installed or copied."""
     first = {path.relative_to(PREFIX / "include").parts[0] for path in paths}
     built = {name for name in first if name.startswith("opencv")}
     copied = owners({PREFIX_HEADERS[name] for name in first - built})
@@ -72,14 +71,14 @@ def in_prefix(paths):
 
 
 def other_inputs(target):
-    """Files of packages that are neither headers nor libraries, such as scripts of a page."""
+    """Files of packages that are neither headers nor libraries, such as scripts of the report page."""
     return {pathlib.Path(path).resolve() for path in
             run("ninja", "-t", "inputs", target, cwd=BUILD).splitlines()
             if re.match(r"/usr/share/(javascript|nodejs)/", path)}
 
 
 def linked():
-    """From the linker's maps of a static build."""
+    """The packages of static libraries that the linker used, from its map files."""
     inside = set()
     for map_file in [BUILD / f"{target}.map" for target in ("trackedcam", "trackedcam_c", "trackedcam_program")]:
         members = re.findall(r"^(/\S+\.a)\(\S+\)$", map_file.read_text(encoding="utf-8"), re.MULTILINE)
@@ -123,7 +122,7 @@ def check_notices(folder, program, windows=False):
     assert not inside - told, f"{sorted(inside - told)} are inside and have no notice"
     assert not told - inside, f"{sorted(told - inside)} have a notice and are not inside"
 
-    # A licence that a package names by its path on Debian is there as well.
+    # If a notice refers to a licence by its path on Debian, the text must be included.
     texts = {name for kind, name in sections(notices) if kind == "Licence"}
     for path in re.findall(r"/usr/share/common-licenses/[\w.-]*\w", notices):
         if pathlib.Path(path).exists():

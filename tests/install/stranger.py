@@ -1,4 +1,4 @@
-"""What the checks of the installed tree share: an installed tree, a shoot, and running the examples."""
+"""Helpers of the checks: install the tree, simulate a shoot, run the examples."""
 
 import os
 import pathlib
@@ -10,7 +10,7 @@ BUILD, SOURCE = (pathlib.Path(argument) for argument in sys.argv[1:3])
 
 
 def run(*command, **options):
-    """Runs a command and returns what it prints; a command that fails ends the check."""
+    """Runs a command and returns its output; a failure ends the check."""
     done = subprocess.run([str(word) for word in command], stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, encoding="utf-8", check=False, **options)
     if done.returncode != 0:
@@ -19,7 +19,7 @@ def run(*command, **options):
 
 
 def run_program(program, *arguments, **options):
-    """Runs a program that was built, through the emulator where it is for another system."""
+    """Runs a built program, with the emulator if it is for another system."""
     if "EMULATOR" in os.environ:
         return run(os.environ["EMULATOR"], f"{program}.exe", *arguments, **options)
     return run(program, *arguments, **options)
@@ -30,7 +30,7 @@ def install(prefix):
 
 
 def check_examples(folder, program, scratch):
-    """Runs the built examples of a folder on a shoot that the installed program simulates."""
+    """Runs the built examples in a folder on a shoot simulated by the installed program."""
     run_program(program, "simulate", scratch / "shoot", "--photographs", "14", "--image", "960x540")
     (scratch / "log").mkdir()
     calibrated = run_program(folder / "example_01_calibrate", scratch / "shoot/tracker_data.csv",
@@ -44,14 +44,14 @@ def check_examples(folder, program, scratch):
 
 
 def check_c_example(folder, scratch):
-    """Runs the built example in C on the shoot of the others, of which it finds the mounting."""
+    """Runs the built example in C on the shoot of the other examples; it finds the mounting itself."""
     printed = run_program(folder / "example_04_from_c", "tracker_data.csv", scratch / "log_c", cwd=scratch / "shoot")
     if not re.search(r"^camera tracker at 0\.01\d\d -0\.10\d\d -0\.04\d\d m$", printed, re.MULTILINE):
         sys.exit(f"04_from_c prints\n{printed}")
 
 
 def check_loading(folder, library, scratch):
-    """Runs the built example that loads the installed library by name."""
+    """Runs the built example that loads the installed library at run time."""
     printed = run_program(folder / "example_03_load_at_run_time", library, scratch / "log")
     if "100 rounds of loading, calling and unloading" not in printed:
         sys.exit(f"03_load_at_run_time prints\n{printed}")

@@ -1,4 +1,4 @@
-"""Calibrates one simulated shoot with the programs of two systems and compares all that they say.
+"""Calibrates one simulated shoot with the programs of two systems and compares results and logs.
 
 Usage: compare_results.py LINUX_PROGRAM WINDOWS_PROGRAM
 """
@@ -11,7 +11,7 @@ import sys
 import tempfile
 
 LINUX, WINDOWS = sys.argv[1:]
-# The two image libraries decode, and their linear algebra sums, in orders of their own.
+# Image decoding and linear algebra of the two systems differ in the order of their operations.
 TOLERANCE = 1e-5
 
 
@@ -20,7 +20,7 @@ def run(program, *arguments):
 
 
 def difference(a, b, where="result"):
-    """The largest difference of two figures in the same place, relative where they exceed 1."""
+    """The largest difference between two numbers in the same place, relative if they exceed 1."""
     if isinstance(a, dict):
         assert a.keys() == b.keys(), where
         return max((difference(a[key], b[key], f"{where} {key}") for key in a), default=(0, where))
@@ -35,7 +35,7 @@ def difference(a, b, where="result"):
 
 
 def read_result(folder):
-    """The result without what is the run's own: its time, its folder and how its system writes it."""
+    """The result without its time, and with paths that do not depend on folder and system."""
     result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
     result.pop("time")
     return same_paths(result, folder)
@@ -53,7 +53,7 @@ def same_paths(value, folder):
 
 
 def read_log(folder, line_end):
-    """Messages with their numbers apart; every line ends as its system ends lines."""
+    """The text of the messages, and their numbers. Every line must have the system's line end."""
     content = next(folder.glob("**/log_*.txt")).read_bytes()
     assert content.count(b"\n") == content.count(line_end) > 20, f"line ends in {folder}"
     lines = content.decode("utf-8").replace("\r\n", "\n").splitlines()
@@ -74,8 +74,8 @@ with tempfile.TemporaryDirectory(prefix="trackedcam_撮影é_") as name:
 largest, where = difference(*results)
 print(f"results: the largest difference is {largest:.3g}, in {where}")
 for lines in zip(logs[0][0].splitlines(), logs[1][0].splitlines()):
-    assert lines[0] == lines[1], f"the logs read differently: {lines}"
+    assert lines[0] == lines[1], f"the logs differ: {lines}"
 assert len(logs[0][1]) == len(logs[1][1]), "one log is longer"
 logged, _ = difference(logs[0][1], logs[1][1])
-print(f"logs: the largest difference of {len(logs[0][1])} figures is {logged:.3g}")
+print(f"logs: the largest difference of {len(logs[0][1])} numbers is {logged:.3g}")
 sys.exit(0 if max(largest, logged) <= TOLERANCE else 1)

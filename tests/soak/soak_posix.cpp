@@ -1,7 +1,8 @@
-// Whether memory grows where a host calls for days: 500 calibrations in one process, and 1000
-// rounds of loading the library, calling it and unloading it. Memory is counted once what libraries
-// keep for themselves is there. Usage: soak LIBRARY FOLDER   (FOLDER: for a shoot and its logs; it
-// is filled)
+// Checks that memory does not grow in a host that runs for days: 500 calibrations in one process,
+// and 1000 rounds of loading the library, calling it and unloading it. The measurement starts after
+// some rounds, when the libraries underneath have filled their caches.
+//
+// Usage: soak_program LIBRARY FOLDER   (FOLDER gets a shoot and its logs)
 
 #include <cstdio>
 #include <dlfcn.h>
@@ -26,7 +27,7 @@ using ExportFunction = int (*)(Numbers, Numbers&, Numbers&, std::string);
 constexpr long kKilobyte = 1024;
 constexpr int kWarmUp = 20;
 
-// Pages of this process that are in memory, in kilobytes.
+// Resident memory of this process, kilobytes.
 long ResidentKilobytes() {
   long all = 0;
   long resident = 0;
@@ -110,9 +111,9 @@ int main(int argc, char** argv) {
   const trackedcam::simulator::Shoot shoot = trackedcam::simulator::SimulateShoot(options);
   trackedcam::simulator::WriteShoot(shoot, folder);
   fs::current_path(folder);
-  dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);  // the library's lines
+  dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);  // suppresses the log
 
-  // First, while no library stays loaded.
+  // Must come first: the second measurement keeps the library loaded.
   const bool unloads =
       Soak("loading and unloading", 1000, 100, [&] { return Export(path.c_str(), folder); });
   const Library library(path.c_str());
