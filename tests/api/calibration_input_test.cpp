@@ -28,7 +28,7 @@ TEST_F(CalibrationInputTest, BoardWithoutRowsOrColumnsIsEmpty) {
   EXPECT_TRUE(MakeBoardTemplate(log, 9, -1, 0.025).empty());
 }
 
-TEST_F(CalibrationInputTest, RecordsMustBeAsManyAsPhotographs) {
+TEST_F(CalibrationInputTest, RecordsAndPhotographsMustBeEqualInNumber) {
   EXPECT_EQ(CheckRecords(log, {"a", "b"}, {TrackerRecord(15)}), 2);
   EXPECT_EQ(CheckRecords(log, {"a"}, {TrackerRecord(15), TrackerRecord(15)}), 2);
   EXPECT_EQ(LogLines().back(),

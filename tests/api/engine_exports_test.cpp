@@ -23,8 +23,8 @@ Eigen::Matrix3d Rotation(const Eigen::Vector3d& axis, double degrees) {
   return Eigen::AngleAxisd(degrees * EIGEN_PI / 180, axis).toRotationMatrix();
 }
 
-// The offset in the engine's axes, composed the slow way: the inverse of Transform_Cam_Tc with both
-// frames' axes renamed by the rows given.
+// The offset in the engine's axes, computed in another way: the inverse of Transform_Cam_Tc with
+// the axes of both frames exchanged. A row of cameraAxes or trackerAxes is an axis of the engine.
 Eigen::Matrix4d Offset(const Eigen::Matrix4d& Transform_Cam_Tc, const Eigen::Matrix3d& cameraAxes,
                        const Eigen::Matrix3d& trackerAxes) {
   const Eigen::Matrix3d rotation = Transform_Cam_Tc.topLeftCorner<3, 3>().transpose();
@@ -41,7 +41,7 @@ class EngineExports : public testing::Test {
   std::string Folder() const { return folder.Path().u8string(); }
   std::vector<std::string> Log() const { return test::ReadLogLines(test::OnlyLogIn(Folder())); }
 
-  // The opening lines, the transform that came in, and what follows.
+  // The opening lines, the input transform, and the rest.
   static std::vector<std::string> Lines(const std::string& name,
                                         const std::vector<std::string>& rest) {
     std::vector<std::string> lines = {"Version : v" TRACKEDCAM_VERSION, name + " start."};
@@ -77,7 +77,7 @@ TEST_F(EngineExports, ToUnrealEngine4RefusesTheTrackersOwnFrame) {
                           "Error code 3 : Encountered Gimbal lock."}));
 }
 
-TEST_F(EngineExports, ToUnrealEngine4AgreeWithTheSlowWay) {
+TEST_F(EngineExports, ToUnrealEngine4AgreeWithASecondComputation) {
   std::mt19937 random(6);
   testing::internal::CaptureStdout();
   for (int i = 0; i < 10000; ++i) {
@@ -103,8 +103,8 @@ TEST_F(EngineExports, ToUnrealEngine4AgreeWithTheSlowWay) {
   testing::internal::GetCapturedStdout();
 }
 
-TEST_F(EngineExports, ToUnrealEngine4HandOutSinglePrecision) {
-  // A quarter turn about x keeps clear of gimbal lock.
+TEST_F(EngineExports, ToUnrealEngine4ReturnSinglePrecision) {
+  // 90 degrees about x is not near gimbal lock.
   const Numbers turned = {1, 0, 0, 0.1, 0, 0, -1, 0.2, 0, 1, 0, 0.3, 0, 0, 0, 1};
   EXPECT_EQ(CamAxisToUE4(turned, rotation, translation, Folder()), 0);
   ASSERT_EQ(translation.size(), 3u);
@@ -122,8 +122,8 @@ TEST_F(EngineExports, ToUnrealEngine4HandOutSinglePrecision) {
   EXPECT_EQ(translation.size(), 6u);
 }
 
-TEST_F(EngineExports, FillTheirTwoOutputsInTurns) {
-  // One vector for both shows the order: roll, x, pitch, y, yaw, z.
+TEST_F(EngineExports, FillTheirTwoOutputsAlternately) {
+  // One vector for both outputs shows the order: roll, x, pitch, y, yaw, z.
   const Numbers turned = {1, 0, 0, 0.1, 0, 0, -1, 0.2, 0, 1, 0, 0.3, 0, 0, 0, 1};
   CamAxisToUE4(turned, rotation, translation, Folder());
   Numbers both;
@@ -132,7 +132,7 @@ TEST_F(EngineExports, FillTheirTwoOutputsInTurns) {
                            translation[2]}));
 }
 
-TEST_F(EngineExports, ToUnrealEngine5GiveTheWorkedFigure) {
+TEST_F(EngineExports, ToUnrealEngine5GiveTheValuesComputedByHand) {
   EXPECT_EQ(CamAxisToUE5(kShifted, rotation, translation, Folder()), 0);
   ExpectNear(rotation, {-std::sqrt(0.5), 0, 0, std::sqrt(0.5)}, 1e-15);
   ExpectNear(translation, {-10, -30, 20}, 1e-13);
@@ -145,7 +145,7 @@ TEST_F(EngineExports, ToUnrealEngine5GiveTheWorkedFigure) {
   EXPECT_EQ(log[14], "CamAxisToUE5 successful.");
 }
 
-TEST_F(EngineExports, ToUnrealEngine5xNGiveTheWorkedFigure) {
+TEST_F(EngineExports, ToUnrealEngine5xNGiveTheValuesComputedByHand) {
   EXPECT_EQ(CamAxisToUE5_ExportxN(kShifted, rotation, translation, Folder()), 0);
   ExpectNear(rotation, {0, 0, std::sqrt(0.5), std::sqrt(0.5)}, 1e-15);
   ExpectNear(translation, {30, 20, 10}, 1e-13);
@@ -155,7 +155,7 @@ TEST_F(EngineExports, ToUnrealEngine5xNGiveTheWorkedFigure) {
   EXPECT_EQ(log.back(), "CamAxisToUE5_ExportxN successful.");
 }
 
-TEST_F(EngineExports, ToUnrealEngine5AgreeWithTheSlowWay) {
+TEST_F(EngineExports, ToUnrealEngine5AgreeWithASecondComputation) {
   std::mt19937 random(7);
   testing::internal::CaptureStdout();
   for (int i = 0; i < 10000; ++i) {
@@ -203,7 +203,7 @@ class AximmetryExport : public EngineExports {
   Numbers lensCentre;
 };
 
-TEST_F(AximmetryExport, GivesTheWorkedFigureInGimbalLock) {
+TEST_F(AximmetryExport, GivesTheValuesComputedByHandInGimbalLock) {
   EXPECT_EQ(Export({0.5, 0.888889}, {0.5, 0.5}, kShifted), 0);
   EXPECT_EQ(fovX, Numbers{90.00000000257238});
   EXPECT_EQ(lensCentre, (Numbers{0, 0}));
@@ -225,7 +225,7 @@ TEST_F(AximmetryExport, GivesTheWorkedFigureInGimbalLock) {
   EXPECT_EQ(log.size(), 19u);
 }
 
-TEST_F(AximmetryExport, TurnsTheLensFigures) {
+TEST_F(AximmetryExport, ConvertsTheLens) {
   EXPECT_EQ(Export({0.6, 1}, {0.52, 0.47}, kShifted), 0);
   EXPECT_EQ(fovX, Numbers{79.61114218680585});
   EXPECT_EQ(lensCentre, (Numbers{0.020000000000000018, 0.030000000000000027}));
@@ -248,7 +248,7 @@ TEST_F(AximmetryExport, LogsTheFirstElementsOfFilledLensOutputs) {
   EXPECT_EQ(Log()[5], "AximmetryCxy : 3.000000, 4.000000");
 }
 
-TEST_F(AximmetryExport, AgreesWithTheSlowWay) {
+TEST_F(AximmetryExport, AgreesWithASecondComputation) {
   std::mt19937 random(8);
   testing::internal::CaptureStdout();
   for (int i = 0; i < 10000; ++i) {

@@ -51,9 +51,9 @@ TEST_F(LensFiguresTest, FieldOfViewUsesTheRoundedFactor) {
 }
 
 TEST_F(LensFiguresTest, FocalLengthGoesByTheSmallerPixelPitch) {
-  HandOut(36, 24);  // 0.01875 and 0.0222 mm for a pixel
+  HandOut(36, 24);  // a pixel is 0.01875 mm wide and 0.0222 mm high
   EXPECT_DOUBLE_EQ(focalLengthMm[0], 0.01875 * 1920);
-  HandOut(36, 16.2);  // 0.01875 and 0.015
+  HandOut(36, 16.2);  // a pixel is 0.01875 mm wide and 0.015 mm high
   EXPECT_DOUBLE_EQ(focalLengthMm[1], 0.015 * 1620);
 }
 

@@ -20,7 +20,7 @@ constexpr int kRows = 4;
 
 class CornerDetectionTest : public test::StageTest {
  protected:
-  // A photograph whose first corner lies 0.5 pixel up and left of this pixel.
+  // The first corner is 0.5 pixel above and to the left of the pixel `first`.
   std::string Photograph(const std::string& name, cv::Size image, cv::Point first, int square) {
     return WriteImage(folder.File(name), DrawnBoard(image, first, square, kCols, kRows));
   }
@@ -80,7 +80,7 @@ TEST_F(CornerDetectionTest, FindsCornersAtFullResolutionInALargePhotograph) {
   ExpectCorners(imagePoints[0], {601, 403}, 200, 0.1);
 }
 
-// Where the second refinement ends depends on where the first one left it.
+// The result of the second refinement depends on that of the first.
 TEST_F(CornerDetectionTest, RefinesInTheReducedPhotographFirst) {
   cv::Mat image = DrawnBoard({2560, 1440}, {601, 403}, 200, kCols, kRows);
   cv::Mat noise(image.size(), CV_16SC3);
@@ -120,7 +120,7 @@ TEST_F(CornerDetectionTest, ReducesFrom1440RowsOn) {
   EXPECT_EQ(ReductionFactor({3840, 2160}), 3.0F);
   EXPECT_EQ(ReducedSize({2560, 1440}, 2.0F), cv::Size(1280, 720));
   EXPECT_EQ(ReducedSize({3840, 2160}, 3.0F), cv::Size(1280, 720));
-  EXPECT_EQ(ReducedSize({2561, 1441}, 2.0F), cv::Size(1281, 721));  // halves round up
+  EXPECT_EQ(ReducedSize({2561, 1441}, 2.0F), cv::Size(1281, 721));  // halves are rounded up
 }
 
 TEST_F(CornerDetectionTest, ReducesByTheSizeOfTheFirstPhotographThatLoads) {
@@ -167,7 +167,7 @@ TEST_F(CornerDetectionTest, DropsPhotographsThatCannotBeUsed) {
     EXPECT_EQ(Detect({missing, blank, good, folder.File("text.jpg"), folder.File("empty.jpg"), ""}),
               4);
   });
-  EXPECT_EQ(Num_TrackerData, 3);  // less 1 for the first, the second and the fourth
+  EXPECT_EQ(Num_TrackerData, 3);  // lowered for the first, the second and the fourth
   EXPECT_EQ(imagePaths, std::vector<std::string>{good});
   EXPECT_EQ(records, std::vector<TrackerRecord>{TrackerRecord(15, 2.0)});
   EXPECT_EQ(LogLines(),
@@ -180,7 +180,7 @@ TEST_F(CornerDetectionTest, DropsPhotographsThatCannotBeUsed) {
                 "Error code 4: Amount of valid images < 12."}));
 }
 
-TEST_F(CornerDetectionTest, PrintsTheLossOfAPhotographInOrder) {
+TEST_F(CornerDetectionTest, PrintsTheStepsOfADroppedPhotographInOrder) {
   const std::string missing = folder.File("missing.png");
   Num_TrackerData = 1;
   const std::string console = ConsoleOf([&] { Detect({missing}); });
@@ -191,7 +191,7 @@ TEST_F(CornerDetectionTest, PrintsTheLossOfAPhotographInOrder) {
   };
   std::size_t at = after("Process : " + missing + "\n", 0);
   at = after("Failed to open 0x", at);
-  at = after("\n" + missing + "2", at);  // no line end: the time stamp follows at once
+  at = after("\n" + missing + "2", at);  // no line end before the time stamp, which begins with 2
   at = after("\t" + missing + " Not exist!\n", at);
   after("Num_TrackerData - 1, Num_TrackerData = 0\n", at);
 }
@@ -231,7 +231,7 @@ TEST_F(CornerDetectionTest, LogsTheRawDataOfTwelvePhotographs) {
   ASSERT_EQ(raw.size(), 12 * kLines);
   EXPECT_EQ(LogLines()[14], "Corner detection successful.");
   EXPECT_EQ(raw[3 * kLines], good);
-  // The record of the photograph behind the missing one.
+  // The record of the photograph after the missing one.
   std::string numbers = "4.000000";
   for (int i = 1; i < 15; ++i) {
     numbers += " 4.000000";
@@ -243,7 +243,7 @@ TEST_F(CornerDetectionTest, LogsTheRawDataOfTwelvePhotographs) {
                                  std::to_string(imagePoints[0].back().y));
 }
 
-TEST_F(CornerDetectionTest, LetsABoardThatTheDetectorRefusesLeave) {
+TEST_F(CornerDetectionTest, PassesOnTheExceptionOfTheDetectorForAnInvalidBoard) {
   imagePaths = {GoodPhotograph("good.png")};
   records = {TrackerRecord(15)};
   EXPECT_THROW(DetectCorners(log, imageSize, imagePaths, records, objectPoints, boardTemplate,

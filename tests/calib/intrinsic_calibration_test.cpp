@@ -27,7 +27,7 @@ BoardTemplate TemplateOf(const sim::Chart& chart) {
 
 class IntrinsicCalibrationTest : public test::StageTest {
  protected:
-  // Solves from the exact corners of a simulated shoot.
+  // Solves with the exact corners of a simulated shoot.
   ResultCode Solve(const sim::Shoot& shoot, float rmsLimit = 1.5F) {
     for (const sim::Photograph& photograph : shoot.photographs) {
       Corners corners;
@@ -143,7 +143,7 @@ TEST_F(IntrinsicCalibrationTest, CutsThePosesToTheCount) {
   }
 }
 
-TEST_F(IntrinsicCalibrationTest, LeavesANegativeCountToTheImageLibrary) {
+TEST_F(IntrinsicCalibrationTest, PassesANegativeCountToTheImageLibrary) {
   cv::Mat poses = cv::Mat::zeros(14, 1, CV_64FC3);
   cv::Mat others = cv::Mat::ones(14, 1, CV_64FC3);
   int count = -1;

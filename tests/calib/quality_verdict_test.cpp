@@ -17,7 +17,7 @@ class QualityVerdictTest : public test::StageTest {
                            0.015F);
   }
 
-  // Two photographs whose spread is this, exactly.
+  // Judges two photographs with exactly this spread.
   ResultCode JudgeSpread(float normError, float x, float y, float z) {
     return Judge(normError, {{x, y, z}, {-x, -y, -z}});
   }
@@ -94,7 +94,7 @@ TEST_F(QualityVerdictTest, DividesByTheNumberOfPhotographs) {
   EXPECT_EQ(LogLines()[2], "Max T_STD : 0.004000 meter.");
 }
 
-TEST_F(QualityVerdictTest, LeavesASpreadOfNothingToTheError) {
+TEST_F(QualityVerdictTest, JudgesNoPhotographsByTheErrorAlone) {
   EXPECT_EQ(Judge(kGoodError, {}), 0);
   EXPECT_EQ(Judge(0.017F, {}), 14);
   EXPECT_NE(LogLines()[2].find("nan"), std::string::npos);

@@ -19,8 +19,8 @@ const cv::Vec3b kBlue(200, 20, 20);
 
 class ReprojectionErrorTest : public test::StageTest {
  protected:
-  // The chart one metre in front of a camera with fx = fy = 100 and its centre at (50, 40);
-  // trackers and base are wherever the seed puts them.
+  // The chart is one metre in front of a camera with fx = fy = 100 and its principal point at
+  // (50, 40). The poses of the trackers are random.
   void AddPhotograph(const std::string& path, cv::Point2f detectedShift) {
     Transform Transform_Cam_Chart = Transform::Identity();
     Transform_Cam_Chart(2, 3) = 1;
@@ -81,7 +81,7 @@ TEST_F(ReprojectionErrorTest, GoesThroughTheLens) {
   distortion.at<double>(0) = 0.5;
   AddPhotograph(GreyImage("a.png"), {0, 0});
   EXPECT_EQ(Measure(), 0);
-  // Distances r = 0.125 and 0.25 from the axis move by 100 * 0.5 * r³ pixels.
+  // Points at distances r = 0.125 and 0.25 from the axis move by 100 * 0.5 * r³ pixels.
   EXPECT_NEAR(averageError, 50 * (std::pow(0.125, 3) + std::pow(0.25, 3)) / 3, 1e-4);
 }
 
@@ -131,16 +131,16 @@ TEST_F(ReprojectionErrorTest, IsDrawnWhenImagesAreWritten) {
 
 TEST_F(ReprojectionErrorTest, DecodesPhotographsOnlyToWriteThem) {
   const std::string empty = folder.File("empty.png");
-  test::WriteFile(empty, "");  // which the decoder refuses
+  test::WriteFile(empty, "");  // the decoder refuses it
   AddPhotograph(empty, {0, 0});
   AddPhotograph(folder.File("missing.png"), {0, 0});
   const std::string console = ConsoleOf([&] { EXPECT_EQ(Measure(false), 0); });
   EXPECT_NEAR(averageError, 0, 1e-4);
-  // The line of the missing photograph stands between those of the two figures.
+  // The line of the missing photograph is between those of the two errors.
   const std::size_t missing = console.find("Failed to open 0x");
   EXPECT_LT(console.find("Image 0"), missing);
   EXPECT_LT(missing, console.find("Image 1"));
-  EXPECT_EQ(Measure(true), 0);  // without the image
+  EXPECT_EQ(Measure(true), 0);  // writes no image
 }
 
 TEST_F(ReprojectionErrorTest, AppendsAPathWithForwardSlashesWhole) {
@@ -153,7 +153,7 @@ TEST_F(ReprojectionErrorTest, AppendsAPathWithForwardSlashesWhole) {
 }
 
 TEST_F(ReprojectionErrorTest, GoesOnWithoutAnImageThatCannotBeWritten) {
-  AddPhotograph(GreyImage("in a missing folder.png"), {-1, 0});  // its folder below Reproject_
+  AddPhotograph(GreyImage("in a missing folder.png"), {-1, 0});  // no folder for its image
   const std::string untyped = folder.File("no type");
   fs::copy(fs::u8path(imagePaths[0]), fs::u8path(untyped));
   AddPhotograph(untyped, {-2, 0});
@@ -169,7 +169,7 @@ TEST_F(ReprojectionErrorTest, GoesOnWithoutAnImageThatCannotBeWritten) {
 TEST(ReprojectedImage, ShowsTheProjectionAboveTheDetection) {
   cv::Mat image(60, 60, CV_8UC3, kGrey);
   DrawCorners(image, {{30.9F, 30.9F}}, {{40.9F, 30.9F}});
-  EXPECT_EQ(image.at<cv::Vec3b>(30, 22), kRed);   // 8 pixels left of 30: cut, not rounded
+  EXPECT_EQ(image.at<cv::Vec3b>(30, 22), kRed);   // 8 pixels left of 30: truncated, not rounded
   EXPECT_EQ(image.at<cv::Vec3b>(30, 36), kBlue);  // where the discs overlap
   EXPECT_EQ(image.at<cv::Vec3b>(30, 48), kBlue);
   EXPECT_EQ(image.at<cv::Vec3b>(30, 49), cv::Vec3b(128, 128, 128));

@@ -29,7 +29,7 @@ TEST_P(FloatEnvironment, IsTheDefaultInside) {
     half = tiny / 2;
     infinite = std::sqrt(-one) / (one - one);
   }
-  EXPECT_EQ(tenth, -0x1.999999999999ap-4);  // upwards and to zero it ends in 9
+  EXPECT_EQ(tenth, -0x1.999999999999ap-4);  // ends in 9 if rounded up or to zero
   EXPECT_EQ(half, 0x1p-1023);
   EXPECT_TRUE(std::isnan(infinite));
 }

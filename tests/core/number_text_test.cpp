@@ -60,7 +60,7 @@ TEST(NumberText, IsWhatPrintfGivesForAnyBits) {
 
 TEST(NumberText, KeepsItsDigitsInAnyLocale) {
   const test::ForeignLocale locale;
-  ASSERT_EQ(Printf(1234.5), "1234,500000") << "the locale is not in force";
+  ASSERT_EQ(Printf(1234.5), "1234,500000") << "the locale has no effect";
   EXPECT_EQ(ToSixDecimals(1234.5), "1234.500000");
 }
 
@@ -70,14 +70,14 @@ std::uint64_t Bits(double number) {
   return bits;
 }
 
-// The sign of a zero and of what is not a number counts.
+// The signs of zero and NaN count.
 bool IsSame(double a, double b) {
   return std::isnan(a) || std::isnan(b)
              ? std::isnan(a) && std::isnan(b) && std::signbit(a) == std::signbit(b)
              : Bits(a) == Bits(b);
 }
 
-// Texts that look like numbers to one reader and not to another.
+// Texts that one reader can take for a number and another cannot.
 class NastyTexts {
  public:
   explicit NastyTexts(unsigned seed) : random_(seed) {}
@@ -134,7 +134,7 @@ class NastyTexts {
     return OneOf(marks) + OneOf({"", "-", "+", "-", "--"}) + OneOf({exponent, exponent, ""});
   }
 
-  // Between two neighbours among the doubles, or one digit beside the middle.
+  // Halfway between two neighbouring doubles, or a digit away from it.
   std::string Halfway() {
     double number = 0;
     const std::uint64_t bits = (static_cast<std::uint64_t>(random_()) << 32) | random_();
@@ -157,7 +157,7 @@ class NastyTexts {
 
 TEST(ParseLeadingNumber, ReadsWhateverStrtodReads) {
   if (!test::kHasGnuStrtod) {
-    GTEST_SKIP() << "This runtime's strtod reads some texts otherwise.";
+    GTEST_SKIP() << "This runtime's strtod reads some texts differently.";
   }
   constexpr unsigned kSeed = 20;
   NastyTexts texts(kSeed);
@@ -194,7 +194,7 @@ TEST(ParseLeadingNumber, ReadsWhatFuzzersFound) {
                                                   {"1e+", 1.0},
                                                   {"0x1p", 1.0},
                                                   {"0x1p-1074", kLeast},
-                                                  {"0x1p-1075", 0.0},  // halfway, to the even one
+                                                  {"0x1p-1075", 0.0},  // halfway: rounds to even
                                                   {"0x1.8p-1075", kLeast},  // above halfway
                                                   {"0x0.00000000000018p-1022", 2 * kLeast},
                                                   {"0x1.fffffffffffff8p1023", kInfinite},

@@ -21,13 +21,13 @@ std::string PathOfLogIn(const std::string& folder) {
   return Utf8FromWide(log.path);
 }
 
-TEST_F(RunLogTest, IsNamedAfterTheTimeBehindTwoSlashes) {
+TEST_F(RunLogTest, HasTheTimeAfterTwoSlashesInItsPath) {
   EXPECT_TRUE(std::regex_match(PathOfLogIn("C:/runs"), std::regex("C:/runs//" + kLogName)));
   EXPECT_TRUE(std::regex_match(PathOfLogIn("C:/runs/"), std::regex("C:/runs///" + kLogName)));
   EXPECT_TRUE(std::regex_match(PathOfLogIn(""), std::regex("//" + kLogName)));
 }
 
-TEST_F(RunLogTest, ComesIntoBeingWithItsFirstLine) {
+TEST_F(RunLogTest, IsCreatedWithItsFirstLine) {
   EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
   WriteRunLogLine(log, "first");
   EXPECT_EQ(LogLines(), std::vector<std::string>{"first"});
@@ -60,7 +60,7 @@ TEST_F(RunLogTest, IsSharedByTwoCallsOfOneSecond) {
   do {
     OpenRunLog(log, folder.Path().u8string());
     OpenRunLog(other, folder.Path().u8string());
-  } while (other.path != log.path);  // the second ended between the two
+  } while (other.path != log.path);  // the clock moved on between the two
   WriteRunLogLine(log, "first call");
   WriteRunLogLine(other, "second call");
   EXPECT_EQ(test::ReadLogLines(test::OnlyLogIn(folder.Path().u8string())),

@@ -33,7 +33,7 @@ TEST(Utf8, RefusesWhatIsNotUtf8) {
       "\xC0\xAF",          // a longer form of "/"
       "\xE0\x80\xAF",      // a longer form of "/"
       "\xF0\x82\x82\xAC",  // a longer form of the euro sign
-      "\xED\xA0\x80",      // half a surrogate pair
+      "\xED\xA0\x80",      // half of a surrogate pair
       "\xF4\x90\x80\x80",  // above the last character
       "\xF8\x88\x80\x80\x80",
       "\xFF",
@@ -48,7 +48,7 @@ TEST(Utf8, RefusesWhatIsNotUtf8) {
   }
 }
 
-TEST(Utf8, RefusesWideTextThatIsNoCharacter) {
+TEST(Utf8, RefusesInvalidWideText) {
   EXPECT_THROW(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(0xD800))), std::range_error);
   EXPECT_THROW(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(0xDFFF))), std::range_error);
 }

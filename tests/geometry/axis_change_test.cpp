@@ -15,8 +15,7 @@ Transform Rows(std::initializer_list<double> elements) {
   return TransformFromVector(std::vector<double>(elements));
 }
 
-// The camera's axes and the tracker's axes of each engine, told by what becomes of a point: the
-// slow way, without a matrix product.
+// The axes of camera and tracker of each engine, as functions of a point, without matrix products.
 using Point = Eigen::Vector3d;
 struct Engine {
   Change change;
@@ -55,7 +54,7 @@ TEST_F(AxisChangeTest, TakesPointsFromCameraToTracker) {
   });
 }
 
-TEST_F(AxisChangeTest, OfNoRotationIsTheWorkedFigure) {
+TEST_F(AxisChangeTest, OfATranslationIsTheValueComputedByHand) {
   Transform shifted = Transform::Identity();
   shifted.topRightCorner<3, 1>() = Eigen::Vector3d(0.1, 0.2, 0.3);
   const std::pair<Change, Transform> figures[] = {

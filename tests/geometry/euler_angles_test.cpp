@@ -14,7 +14,7 @@ using EulerAnglesTest = test::StageTest;
 constexpr float kUntouched = 7;
 const float kHalfRoot = static_cast<float>(std::sqrt(0.5));
 
-// Quaternion with its parts in the order x, y, z, w.
+// A quaternion from x, y, z, w.
 Quaternion Xyzw(double x, double y, double z, double w) {
   return Quaternion(w, x, y, z);
 }
@@ -60,7 +60,7 @@ TEST_F(EulerAnglesTest, ComposeTheRotationUE) {
     }
     const auto [roll, pitch, yaw] = angles;
     const Eigen::Matrix3d composed = Rotation(kZ, yaw) * Rotation(kY, -pitch) * Rotation(kX, -roll);
-    // Single precision, which loses digits towards a pitch of 90 degrees.
+    // Single precision is least accurate near a pitch of 90 degrees.
     ASSERT_LT(test::AngleBetweenDeg(composed, rotation), std::abs(pitch) < 89 ? 2e-3 : 0.1);
   }
 }
@@ -92,7 +92,7 @@ TEST_F(EulerAnglesTest, InGimbalLockUEAreRefused) {
 TEST_F(EulerAnglesTest, AtTheLimitOfGimbalLockUEAreGiven) {
   const float limit = 0.4999995F;
   EulerAngles angles = {};
-  // z * x - w * y is then -y, exactly.
+  // With these values z * x - w * y is exactly -y.
   EXPECT_EQ(QuatToEulerUE(log, Xyzw(0, -limit, 0, 1), angles), 0);
   EXPECT_EQ(QuatToEulerUE(log, Xyzw(0, limit, 0, 1), angles), 0);
   EXPECT_EQ(QuatToEulerUE(log, Xyzw(0, -std::nextafter(limit, 0.0F), 0, 1), angles), 0);
@@ -110,13 +110,13 @@ TEST_F(EulerAnglesTest, InGimbalLockAximmetryAreGivenAndLogged) {
   EXPECT_EQ(QuatToEulerAximmetry(log, Xyzw(-0.7071068, 0, 0, 0.7071068), angles), 0);
   EXPECT_EQ(angles[0], 90);
   ExpectNegativeZero(angles[1]);
-  ExpectNegativeZero(angles[2]);  // atan2 of 0 * x, which is negative here, and 1
+  ExpectNegativeZero(angles[2]);  // atan2(0 * x, 1) with x < 0
   EXPECT_EQ(LogLines(),
             (std::vector<std::string>{"Encountered Gimbal lock", "Encountered Gimbal lock"}));
 }
 
 TEST_F(EulerAnglesTest, InGimbalLockAximmetryFillTheThirdAngle) {
-  // A quarter turn about x after a turn of 40 degrees about z, either way up.
+  // 40 degrees about z, then 90 or -90 degrees about x.
   for (const double quarter : {90.0, -90.0}) {
     const Eigen::Matrix3d rotation = Rotation(kX, quarter) * Rotation(kZ, 40);
     EulerAngles angles = {};
@@ -127,7 +127,7 @@ TEST_F(EulerAnglesTest, InGimbalLockAximmetryFillTheThirdAngle) {
 }
 
 TEST_F(EulerAnglesTest, AtTheLimitOfGimbalLockAximmetryTakeTheUsualPath) {
-  // 2 * (w * x) with w = 1/2 is x, exactly; the limit lies between two neighbouring floats.
+  // With w = 1/2, 2 * (w * x) is exactly x. The limit is between two neighbouring floats.
   const double limit = 0.9999987;
   auto below = static_cast<float>(limit);
   if (static_cast<double>(below) > limit) {
@@ -146,10 +146,9 @@ TEST_F(EulerAnglesTest, AtTheLimitOfGimbalLockAximmetryTakeTheUsualPath) {
   EXPECT_EQ(LogLines().size(), 2u);
 }
 
-TEST_F(EulerAnglesTest, AximmetryConvertTheFirstAngleWithTheCutPi) {
+TEST_F(EulerAnglesTest, AximmetryConvertTheFirstAngleWithTheTruncatedPi) {
   EulerAngles angles = {};
-  // Twice w * x is the sine, exactly. Not known at compile time, where it would be rounded
-  // otherwise.
+  // 2 * (w * x) is exactly the sine. Volatile, because the compiler would round it differently.
   volatile float sine = 0.8F;
   QuatToEulerAximmetry(log, Xyzw(sine, 0, 0, 0.5), angles);
   EXPECT_EQ(angles[0],

@@ -20,8 +20,8 @@ Xyzw Parts(const Quaternion& q) {
   return {q.x(), q.y(), q.z(), q.w()};
 }
 
-// The conversion written out, with the largest diagonal element chosen where the trace is not
-// positive.
+// The conversion as plain formulas. If the trace is not positive, they start from the largest
+// diagonal element.
 Xyzw PlainQuaternion(const Eigen::Matrix3d& m) {
   double q[3];
   double w = 0;
@@ -86,7 +86,7 @@ TEST(QuaternionTest, AgreesWithThePlainFormulas) {
   std::mt19937 random(11);
   std::normal_distribution<double> number;
   for (int i = 0; i < 10000; ++i) {
-    // Not of unit length, since neither conversion normalises.
+    // Not of unit length, because neither conversion normalises.
     const Xyzw q = {number(random), number(random), number(random), number(random)};
     const Eigen::Matrix3d rotation = RotationFromQuaternion(Quaternion(q.w, q.x, q.y, q.z));
     ASSERT_EQ(rotation, PlainRotation(q));

@@ -13,7 +13,7 @@ namespace {
 using test::IsNear;
 using TransformTest = test::StageTest;
 
-// Rotation by a quarter turn about z, translation (0.1, 0.2, 0.3), row by row.
+// Rotation by 90 degrees about z, translation (0.1, 0.2, 0.3), row by row.
 const std::vector<double> kElements = {0, -1, 0, 0.1, 1, 0, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1};
 
 TEST_F(TransformTest, IsReadRowByRow) {
@@ -23,7 +23,7 @@ TEST_F(TransformTest, IsReadRowByRow) {
   EXPECT_EQ(transform(1, 0), 1);
 }
 
-TEST_F(TransformTest, IgnoresWhatIsBehindTheSixteenthElement) {
+TEST_F(TransformTest, IgnoresElementsAfterTheSixteenth) {
   std::vector<double> elements = kElements;
   elements.push_back(99);
   EXPECT_EQ(TransformFromVector(elements), TransformFromVector(kElements));

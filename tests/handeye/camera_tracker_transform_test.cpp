@@ -50,7 +50,7 @@ TEST_F(CameraTrackerTransformTest, FollowsAWrongMounting) {
   const Transform truth = poses.Transform_Chart_Tr;
   poses.Transform_Chart_Tr = test::Disturbed(truth, 3, {1, 0, 0}, {0.01, 0, 0});
   EXPECT_EQ(Solve(poses), 0);
-  // The error of the mounting, seen from the camera, is that of the result.
+  // The error of the result is that of the mounting, expressed in frame Cam.
   const Transform& Transform_Cam_Chart = poses.Transform_Cam_Chart_all[0];
   const Transform expected = Transform_Cam_Chart * poses.Transform_Chart_Tr * truth.inverse() *
                              Transform_Cam_Chart.inverse() * poses.Transform_Cam_Tc;

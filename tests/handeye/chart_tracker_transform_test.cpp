@@ -33,7 +33,7 @@ TEST_F(ChartTrackerTransformTest, IsFoundFromConsistentPoses) {
 
 TEST_F(ChartTrackerTransformTest, WeighsEachPhotographAlike) {
   PoseLists poses = ConsistentPoseLists(10, 3);
-  // The chart of one photograph seen 0.2 m off along its own x axis.
+  // In one photograph the chart is 0.2 m off along its own x axis.
   Transform shift = Transform::Identity();
   shift(0, 3) = 0.2;
   poses.Transform_Cam_Chart_all[4] *= shift;

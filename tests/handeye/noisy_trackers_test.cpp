@@ -1,4 +1,4 @@
-// The solving stages in a row, on trackers that are noisy: what the noise does to the result.
+// The effect of tracker noise on the result of all solving stages.
 
 #include <cmath>
 
@@ -64,7 +64,7 @@ class NoisyTrackersTest : public test::StageTest {
             test::AngleBetweenDeg(mean.topLeftCorner<3, 3>(), truth.topLeftCorner<3, 3>())};
   }
 
-  // The root mean square over shoots.
+  // The root mean square of the error over shoots.
   Error ErrorOver(int shoots, int photographs) {
     Error squares;
     for (int seed = 1; seed <= shoots; ++seed) {
@@ -78,19 +78,20 @@ class NoisyTrackersTest : public test::StageTest {
   RunLog silent;
 };
 
-TEST_F(NoisyTrackersTest, SpoilTheResultLessTheMorePhotographsThereAre) {
+TEST_F(NoisyTrackersTest, DisturbTheResultLessWithMorePhotographs) {
   Error few;
   Error many;
   ConsoleOf([&] {
     few = ErrorOver(20, 15);
     many = ErrorOver(20, 150);
   });
-  // Of ten times the photographs, a third of the error; half leaves room for chance.
+  // Ten times the photographs give about a third of the error; half of it leaves room for chance.
   EXPECT_LT(many.metres, 0.5 * few.metres);
   EXPECT_LT(many.degrees, 0.5 * few.degrees);
 
-  // What the noise explains: 1 mm along each axis from each tracker and 0.1 degree of the chart's
-  // tracker seen from a metre away, 1.7 mm across; 0.1 degree about each axis from each tracker.
+  // The error expected from the noise. Translation: 1 mm along each axis from each tracker, and 1.7
+  // mm in two directions from 0.1 degree of the chart's tracker at a distance of a metre. Rotation:
+  // 0.1 degree about each axis from each tracker.
   const double metres = std::sqrt(3 * 2 * 0.001 * 0.001 + 2 * 0.0017 * 0.0017);
   const double degrees = std::sqrt(3 * 2 * 0.1 * 0.1);
   EXPECT_LT(few.metres, 1.5 * metres / std::sqrt(15));

@@ -10,12 +10,12 @@ namespace {
 
 using Corners = std::vector<cv::Point2f>;
 
-// A turn of 100 degrees about (1, 2, 2) / 3.
+// A rotation by 100 degrees about (1, 2, 2) / 3.
 const Transform kMean = test::Disturbed(Transform::Identity(), 100, {1, 2, 2}, {0.1, -0.2, 0.05});
 
 class OutlierFilterTest : public test::StageTest {
  protected:
-  // Every list gets elements that tell which photograph they belong to.
+  // Fills every list with elements that identify their photograph.
   ResultCode Filter(const TransformList& transforms) {
     Transform_Cam_Tc_all = transforms;
     for (std::size_t i = 0; i < transforms.size(); ++i) {
@@ -42,7 +42,7 @@ class OutlierFilterTest : public test::StageTest {
                            Transform_Tr_Base_all, Transform_Base_Tc_all, Transform_Cam_Chart_all);
   }
 
-  // The photographs left, after checking that every list names the same ones.
+  // The remaining photographs, after a check that all lists hold the same ones.
   std::vector<int> Left() const {
     std::vector<int> photographs;
     for (std::size_t i = 0; i < Image_name.size(); ++i) {
@@ -68,7 +68,7 @@ Transform Shifted(double x, double y = 0, double z = 0) {
   return test::Disturbed(kMean, 0, {1, 0, 0}, {x, y, z});
 }
 
-// The same angle about an axis that is tilted by degrees.
+// The rotation of kMean about an axis that is tilted by this angle.
 Transform WithTiltedAxis(double degrees) {
   const Eigen::Vector3d axis = Eigen::Vector3d(1, 2, 2) / 3;
   const Eigen::Matrix3d tilt =
@@ -98,7 +98,7 @@ TEST_F(OutlierFilterTest, LogsTheAnglesBetweenTheAxesAndTheirSpread) {
   EXPECT_NEAR(std::stod(second.substr(20)), 10, 0.001);
   EXPECT_EQ(second.substr(second.size() - 8), " degree.");
 
-  // Root mean square sqrt((0.4² + 10²) / 2).
+  // The root mean square is sqrt((0.4² + 10²) / 2).
   const std::string spread = LogLines()[2];
   EXPECT_EQ(spread.rfind("STD_R : ", 0), 0u);
   EXPECT_NEAR(std::stod(spread.substr(8)), 7.0767, 0.001);
@@ -112,7 +112,7 @@ TEST_F(OutlierFilterTest, RemovesBeyondOnePointThreeOfTheSpread) {
       const Eigen::Vector3d shift = metres * axis;
       return Shifted(shift.x(), shift.y(), shift.z());
     };
-    // Root mean square sqrt((0.01² + 0.02² + 0.01² + 0.03²) / 4) = 0.0194, the limit is 0.0252.
+    // The root mean square is sqrt((0.01² + 0.02² + 0.01² + 0.03²) / 4) = 0.0194, the limit 0.0252.
     EXPECT_EQ(Filter({shifted(0.01), shifted(-0.02), shifted(0.01), shifted(-0.03)}), 0);
     EXPECT_EQ(Left(), (std::vector<int>{0, 1, 2}));
   }

@@ -14,7 +14,7 @@ using test::IsTransformNear;
 
 const double kPi = std::acos(-1.0);
 
-// The axes of a tracker as the solving stages see them.
+// The axes of a tracker in the solving stages.
 Transform PlainAxisFix() {
   Transform fix;
   fix << -1, 0, 0, 0,  //
@@ -47,7 +47,7 @@ class PoseSetsTest : public test::StageTest {
               0);
   }
 
-  // Poses of the chart for two photographs: no rotation, and a quarter turn about z.
+  // The chart's poses in two photographs: no rotation, and 90 degrees about z.
   cv::Mat rotations = (cv::Mat_<cv::Vec3d>(2, 1) << cv::Vec3d(0, 0, 0), cv::Vec3d(0, 0, kPi / 2));
   cv::Mat translations = (cv::Mat_<cv::Vec3d>(2, 1) << cv::Vec3d(1, 2, 3), cv::Vec3d(4, 5, 6));
   std::vector<double> mountingRotation = {0, 0, 0};
@@ -59,8 +59,8 @@ class PoseSetsTest : public test::StageTest {
   TransformList Transform_Cam_Chart_all;
 };
 
-// Time; Tc at (0.1, 0.2, 0.3), a third of a turn about (1, 1, 1); Tr at (4, 5, 6), half a turn
-// about y.
+// Time; Tc at (0.1, 0.2, 0.3), rotated by 120 degrees about (1, 1, 1); Tr at (4, 5, 6), rotated by
+// 180 degrees about y.
 const TrackerRecord kRecord = {7, 0.1, 0.2, 0.3, 0.5, 0.5, 0.5, 0.5, 4, 5, 6, 0, 0, 1, 0};
 const TrackerRecord kAtBase = {7, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0};
 
@@ -81,10 +81,10 @@ TEST_F(PoseSetsTest, MountingIsComposedAboutXThenYThenZAndInverted) {
               IsNear(Transform(Transform::Identity()), 1e-9));
 }
 
-TEST_F(PoseSetsTest, MountingOfAQuarterTurnUsesTheCutPi) {
+TEST_F(PoseSetsTest, MountingOfAQuarterTurnUsesTheTruncatedPi) {
   mountingRotation = {90, 0, 0};
   Organize({});
-  // Rx of 1.57079632675, which is 4.49e-11 short of a quarter turn.
+  // Rx(1.57079632675): 4.49e-11 less than 90 degrees.
   EXPECT_NEAR(Transform_Chart_Tr(1, 1), std::cos(1.57079632675), 1e-15);
   EXPECT_GT(Transform_Chart_Tr(1, 1), 4e-11);
   EXPECT_LT(Transform_Chart_Tr(1, 1), 5e-11);
@@ -95,8 +95,8 @@ TEST_F(PoseSetsTest, AxisFixActsOnTheTrackersOwnAxes) {
   EXPECT_THAT(ApplyTrackerAxisFix(pose), IsNear(Transform(pose * PlainAxisFix()), 1e-9));
 }
 
-TEST_F(PoseSetsTest, AxisFixIsBuiltFromTheCutPi) {
-  // Rows of Rx(pi / 2) * Rz(pi) with pi = 3.1415926535: the sines are about 1e-10, not 0.
+TEST_F(PoseSetsTest, AxisFixIsBuiltFromTheTruncatedPi) {
+  // With the truncated pi, the sines in Rx(pi / 2) * Rz(pi) are about 1e-10, not 0.
   const Transform fix = ApplyTrackerAxisFix(Transform::Identity());
   EXPECT_NEAR(std::abs(fix(0, 2)) + std::abs(fix(0, 1)), std::sin(3.1415926535), 1e-14);
   EXPECT_GT(std::sin(3.1415926535), 8e-11);
@@ -113,7 +113,7 @@ TEST_F(PoseSetsTest, PairTheChartWithBothTrackers) {
   EXPECT_THAT(Transform_Cam_Chart_all[1],
               IsNear(MakeTransform(PlainRotation('z', 90), {4, 5, 6}), 1e-15));
 
-  Eigen::Matrix3d third;  // takes x to y, y to z and z to x
+  Eigen::Matrix3d third;  // maps x to y, y to z and z to x
   third << 0, 0, 1, 1, 0, 0, 0, 1, 0;
   EXPECT_THAT(Transform_Base_Tc_all[0],
               IsNear(Transform(MakeTransform(third, {0.1, 0.2, 0.3}) * PlainAxisFix()), 1e-9));
@@ -161,7 +161,7 @@ TEST_F(PoseSetsTest, TakeAZeroQuaternionAsNoRotation) {
   EXPECT_EQ(Transform_Tr_Base_all[0], Transform_Tr_Base_all[1]);
 }
 
-TEST_F(PoseSetsTest, TakeTheRowsBehindACut) {
+TEST_F(PoseSetsTest, TakeTheRowsAfterTheEndOfAView) {
   Organize({kRecord, kAtBase});
   rotations = rotations(cv::Range(0, 1), cv::Range(0, 1));
   translations = translations(cv::Range(0, 1), cv::Range(0, 1));
@@ -174,7 +174,7 @@ TEST_F(PoseSetsTest, TakeTheRowsBehindACut) {
   }
 }
 
-TEST_F(PoseSetsTest, AreAsShortAsTheMatrixBehindACut) {
+TEST_F(PoseSetsTest, AreAsShortAsTheMatrixOfAView) {
   rotations = rotations(cv::Range(0, 1), cv::Range(0, 1));
   Organize({kRecord, kAtBase, kRecord});
   EXPECT_EQ(Transform_Cam_Chart_all.size(), 2u);
@@ -182,12 +182,12 @@ TEST_F(PoseSetsTest, AreAsShortAsTheMatrixBehindACut) {
   EXPECT_EQ(Transform_Base_Tc_all.size(), 2u);
 }
 
-TEST_F(PoseSetsTest, LeaveOutPosesBehindTheRecords) {
+TEST_F(PoseSetsTest, LeaveOutPosesWithoutRecords) {
   Organize({kAtBase});
   EXPECT_EQ(Transform_Cam_Chart_all.size(), 1u);
 }
 
-TEST_F(PoseSetsTest, OfACutToNothingAreNone) {
+TEST_F(PoseSetsTest, OfAnEmptyViewAreNone) {
   rotations = rotations(cv::Range(0, 0), cv::Range(0, 1));
   translations = translations(cv::Range(0, 0), cv::Range(0, 1));
   Organize({kRecord, kAtBase});

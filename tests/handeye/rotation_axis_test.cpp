@@ -57,7 +57,7 @@ TEST_F(RotationAxisTest, OfAQuarterTurnAboutZIsZ) {
 TEST_F(RotationAxisTest, ProductIsSummedInSinglePrecision) {
   float product = 7;
   EXPECT_EQ(Dot_Vec(log, product, Vector(1e8, 1, -1e8), Vector(1, 1, 1)), 0);
-  EXPECT_EQ(product, 0.0F);  // the 1 is below the float's last digit
+  EXPECT_EQ(product, 0.0F);  // the 1 is lost in single precision
 }
 
 TEST_F(RotationAxisTest, ProductOfAnotherShapeIsCodeTen) {

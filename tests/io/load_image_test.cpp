@@ -28,7 +28,7 @@ TEST_F(LoadImageTest, GivesThreeChannelsOfAGreyPhotograph) {
   EXPECT_EQ(image.at<cv::Vec3b>(0, 0), cv::Vec3b(77, 77, 77));
 }
 
-TEST_F(LoadImageTest, IsSilentAboutAFileThatIsNoImage) {
+TEST_F(LoadImageTest, PrintsNothingForAFileThatIsNotAnImage) {
   test::WriteFile(folder.File("text.jpg"), "not a photograph");
   const std::string console =
       ConsoleOf([&] { EXPECT_TRUE(LoadImage(folder.File("text.jpg")).empty()); });
@@ -43,7 +43,7 @@ TEST_F(LoadImageTest, PrintsAnAddressForAFileThatDoesNotOpen) {
   EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(LoadImageTest, CanBeAskedWhetherAFileOpens) {
+TEST_F(LoadImageTest, ReportsWhetherAFileOpens) {
   test::WriteFile(folder.File("text.jpg"), "not a photograph");
   test::WriteFile(folder.File("empty.jpg"), "");
   const std::string console = ConsoleOf([&] {

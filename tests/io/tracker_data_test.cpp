@@ -31,7 +31,7 @@ TEST_F(TrackerDataTest, BecomesAPathAndARecordForEachRow) {
   EXPECT_TRUE(LogLines().empty());
 }
 
-TEST_F(TrackerDataTest, IsAppendedBehindWhatIsThere) {
+TEST_F(TrackerDataTest, IsAppendedToTheLists) {
   imagePaths = {"earlier.png"};
   records = {TrackerRecord(15, 0.5)};
   EXPECT_EQ(Read(kRow), 0);
@@ -66,7 +66,7 @@ TEST_F(TrackerDataTest, KeepsOtherBytesBeforeTheHeader) {
   }
 }
 
-TEST_F(TrackerDataTest, LosesAByteOrderMarkInTheFirstLineOnly) {
+TEST_F(TrackerDataTest, IgnoresAByteOrderMarkInTheFirstLineOnly) {
   EXPECT_EQ(Read(kRow + "\n\xEF\xBB\xBF" + kHeader), 0);
   EXPECT_EQ(records.size(), 2u);
 }
@@ -76,7 +76,7 @@ TEST_F(TrackerDataTest, SkipsEveryLineThatBeginsWithT) {
   EXPECT_EQ(records.size(), 2u);
 }
 
-TEST_F(TrackerDataTest, IgnoresFieldsBehindTheSixteenth) {
+TEST_F(TrackerDataTest, IgnoresFieldsAfterTheSixteenth) {
   EXPECT_EQ(Read(kRow + ",16,17,18,19"), 0);
   EXPECT_EQ(records, std::vector<TrackerRecord>{kRecord});
 }
@@ -116,7 +116,7 @@ TEST_F(TrackerDataTest, KeepsTheDecimalPointInAnyLocale) {
   EXPECT_EQ(records.front()[0], 0.25);
 }
 
-TEST_F(TrackerDataTest, LosesCarriageReturnsBeforeLineFeedsOnly) {
+TEST_F(TrackerDataTest, IgnoresCarriageReturnsBeforeLineFeedsOnly) {
   const std::string row = "1,a\rb.png,2,3,4,5,6,7,8,9,10,11,12,13,14,15,end\r";
   EXPECT_EQ(Read("0,first.png\r\n0,second.png\r\r\n" + row), 0);
   EXPECT_EQ(imagePaths, (std::vector<std::string>{"first.png", "second.png\r", "a\rb.png"}));

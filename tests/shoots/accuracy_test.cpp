@@ -1,4 +1,4 @@
-// What a whole run finds, against what is true.
+// The results of whole runs compared with the truth.
 
 #include <cmath>
 #include <cstdlib>
@@ -70,8 +70,9 @@ TEST(Accuracy, OfATrackerThatIsNoisy) {
   const TemporaryFolder folder;
   const Calibrated result = CalibrateShoot(shoot, folder);
   EXPECT_EQ(result.code, 0);
-  // One photograph's error: 1 mm from each tracker along each axis, and 0.1 degree of the chart's
-  // tracker at the camera's distance of about 0.7 m, 1.2 mm; three times the mean's, of all axes.
+  // The error of one photograph is 1 mm along each axis from each tracker, and 1.2 mm from 0.1
+  // degree of the chart's tracker at the camera's distance of about 0.7 m. The limit is three times
+  // the error of the mean over 30 photographs, of all axes together.
   const double metres = 3 * std::sqrt(3 * (2 * 1.0 + 1.2 * 1.2) / 30) / 1000;
   const double degrees = 3 * std::sqrt(3 * 2 * 0.1 * 0.1 / 30);
   EXPECT_THAT(result.Transform_Cam_Tc(),
@@ -94,9 +95,9 @@ TEST(Accuracy, IsNotSpoiledByOutliers) {
       EXPECT_NE(std::find(removed.begin(), removed.end(), i), removed.end()) << i;
     }
   }
-  // The first mean, which outliers pull, tells the mounting that the second solve starts from. Each
-  // pulls it by a twentieth of its slip, 40 mm and 3 degrees seen from 0.7 m, to any side; twice
-  // the sum of three leaves room for chance.
+  // The outliers shift the first mean, and the mounting of the second solve is estimated with it.
+  // Each outlier shifts it by a twentieth of its slip (40 mm, and 3 degrees at 0.7 m) in a random
+  // direction. Twice the sum of three leaves room for chance.
   const double metres = 2 * std::sqrt(3) * std::hypot(0.04, 0.7 * 3 * EIGEN_PI / 180) / 20;
   const double degrees = 2 * std::sqrt(3) * 3.0 / 20;
   EXPECT_THAT(result.Transform_Cam_Tc(),
@@ -130,12 +131,12 @@ TEST(Accuracy, ImprovesOnANominalMountingThatIsWrong) {
   const TemporaryFolder folder;
   const Calibrated result = CalibrateShoot(shoot, folder);
   EXPECT_EQ(result.code, 0);
-  // The error of the mounting goes into the result, but no more than that.
+  // The error of the mounting goes into the result, but not more than that.
   EXPECT_THAT(result.Transform_Cam_Tc(),
               IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 0.008, 0.6));
 }
 
-// The mounting is refined between the two solves: of its error a share goes.
+// The refinement of the mounting between the two solves removes a part of its error.
 TEST(Accuracy, IsBetterThanThatOfTheFirstSolve) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -166,7 +167,7 @@ TEST(Outputs, AreAppendedToWhatTheHostPassesIn) {
   const Calibrated second = Calibrate(ArgumentsFor(shoot, folder), filled);
   EXPECT_EQ(second.normFocal.size(), 4u);
   EXPECT_EQ(second.normFocal[2], first.normFocal[0]);
-  // The fields of view follow the first elements, which are the host's own: 90 degrees each.
+  // The fields of view come from the first elements, which are the host's: 90 degrees each.
   EXPECT_NEAR(second.fieldOfView[0], 90.00000105, 1e-8);
   EXPECT_NEAR(second.fieldOfView[1], 90.00000105, 1e-8);
   EXPECT_EQ(second.focalLengthMm, (std::vector<double>{1000, first.focalLengthMm[0]}));

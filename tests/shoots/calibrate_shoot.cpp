@@ -50,7 +50,7 @@ Calibrated CallCalibration(const HostArguments& arguments, Calibrated result) {
 }
 
 Calibrated Calibrate(const HostArguments& arguments, Calibrated outputs) {
-  // The name of the data file itself need not be UTF-8.
+  // Only the folder must be UTF-8: a test passes an invalid file name.
   const fs::path dataFolder =
       fs::u8path(arguments.dataPath.substr(0, arguments.dataPath.find_last_of("/\\")));
   const WorkingFolder workingFolder(fs::is_directory(dataFolder) ? dataFolder

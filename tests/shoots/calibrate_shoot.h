@@ -1,4 +1,4 @@
-// Calibrates a simulated shoot as a host does: through the public interface alone.
+// Calibrates a simulated shoot as a host does, through the public interface.
 
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace trackedcam::test {
 
-/// Photographs that are many and large enough to be calibrated, and no more.
+/// Options with just enough photographs, and just large enough, for a calibration.
 simulator::ShootOptions SmallShoot(int photographs = 16);
 
 /// The arguments of Calibration that a test may want to change.
@@ -28,7 +28,7 @@ struct HostArguments {
   int Num_TrackerData;
 };
 
-/// The arguments that suit a shoot whose files are in the folder; its log goes there, too.
+/// The arguments for a shoot whose files are in this folder, which is also the log folder.
 HostArguments ArgumentsFor(const simulator::Shoot& shoot, const TemporaryFolder& folder);
 
 struct Calibrated {
@@ -44,11 +44,11 @@ struct Calibrated {
 
   Eigen::Matrix4d Transform_Cam_Tc() const;
 
-  /// The code and the figures of all outputs, to compare.
+  /// The code and the values of all outputs, to compare.
   std::vector<double> AllFigures() const;
 };
 
-/// Calls Calibration and leaves the log alone. `outputs` holds what the host passes in.
+/// Calls Calibration without reading the log. `outputs` has the vectors that the host passes.
 Calibrated CallCalibration(const HostArguments& arguments, Calibrated outputs = {});
 
 /// Calls Calibration in the folder of the data file, to which the photographs' paths are relative.

@@ -1,4 +1,4 @@
-// The log of a run, written down from what is known of the shoot.
+// The log that a run of a known shoot must write.
 
 #pragma once
 
@@ -12,19 +12,20 @@ namespace trackedcam::test {
 
 using ExpectedLog = std::vector<ExpectedLine>;
 
-/// The indices in "Remove index" lines: which photographs the filter drops is not known beforehand.
+/// The indices in the "Remove index" lines. It is not known beforehand which photographs the filter
+/// removes.
 std::vector<std::size_t> RemovedIndices(const std::vector<std::string>& log);
 
-/// What a host's call logs before the tracker data file is read.
+/// The lines before the tracker data file is read.
 ExpectedLog OpeningLines(const HostArguments& arguments);
 
-/// The search of the board in every photograph, raw data included if enough are usable.
+/// The search for the board in every photograph, with the raw data if enough are usable.
 ExpectedLog CornerLines(const simulator::Shoot& shoot);
 
-/// The lens, from calibration start to the focal length in millimetres.
+/// The lens, from the start of the solve to the focal length in millimetres.
 ExpectedLog LensLines(const simulator::Shoot& shoot);
 
-/// The whole run up to the verdict, which `verdict` gives line by line.
+/// The whole run, which ends with the lines `verdict`.
 ExpectedLog RunLines(const simulator::Shoot& shoot, const HostArguments& arguments,
                      const std::vector<std::size_t>& removed, const ExpectedLog& verdict);
 

@@ -1,4 +1,4 @@
-// Hosts that round, trap or flush otherwise get the same figures and keep their settings.
+// Hosts with other floating-point settings get the same results and keep their settings.
 
 #include <cstring>
 #include <functional>
@@ -17,7 +17,7 @@ namespace sim = simulator;
 constexpr FloatHabit kHabits[] = {FloatHabit::kTrapsExceptions, FloatHabit::kRoundsUp,
                                   FloatHabit::kRoundsToZero, FloatHabit::kFlushesTinyNumbers};
 
-TEST(FloatHabits, DoNotReachACalibration) {
+TEST(FloatHabits, DoNotAffectACalibration) {
   sim::ShootOptions options = SmallShoot(13);
   options.missing = 1;
   options.trackerNoiseMm = 1;
@@ -45,7 +45,7 @@ TEST(FloatHabits, DoNotReachACalibration) {
   }
 }
 
-TEST(FloatHabits, DoNotReachExports) {
+TEST(FloatHabits, DoNotAffectExports) {
   const TemporaryFolder folder;
   const std::string log = folder.Path().u8string();
   using Export = std::function<void(const std::vector<double>&, std::vector<double>&)>;
@@ -56,7 +56,7 @@ TEST(FloatHabits, DoNotReachExports) {
       [&](auto& transform, auto& out) {
         CamAxisToAximmetry({0.7, 0.0}, {0.51, 1e-310}, transform, out, out, out, out, log);
       }};
-  // A rotation, and one that cannot be inverted.
+  // A rigid transform, and a singular one.
   const std::vector<double> turned = {0.36, 0.48, -0.8, 0.1, -0.8, 0.6, 0, 1e-310,
                                       0.48, 0.64, 0.6,  0.3, 0,    0,   0, 1};
   const std::vector<double> singular(16, 0.0);
@@ -86,7 +86,7 @@ TEST(FloatHabits, DoNotReachExports) {
   }
 }
 
-TEST(FloatHabits, AreKeptWhenTheCallThrows) {
+TEST(FloatHabits, AreRestoredWhenTheCallThrows) {
   const TemporaryFolder folder;
   HostArguments arguments = ArgumentsFor(sim::SimulateShoot(SmallShoot()), folder);
   arguments.dataPath += "\xE9";

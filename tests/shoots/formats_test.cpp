@@ -1,4 +1,4 @@
-// The same photographs in every format that the library reads, on every system.
+// The same photographs in every format that the library reads on every system.
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
@@ -25,7 +25,7 @@ struct Format {
 
 const Format kPng = {"PNG", ".png", {}, CV_8U};
 
-// They keep every pixel. 16 bits hold what 8 do, and a photograph is taken with 8.
+// Lossless formats. Those of 16 bits lose nothing when the library converts them to 8 bits.
 const std::vector<Format> kLossless = {
     {"BMP", ".bmp", {}, CV_8U},
     {"PNG of 16 bits", ".png", {}, CV_16U},
@@ -61,14 +61,14 @@ Calibrated CalibrateAs(const Format& format, sim::Shoot shoot,
     shoot.photographs[i].path = std::to_string(i) + format.extension;
     cv::Mat picture;
     pictures[i].convertTo(picture, format.depth,
-                          format.depth == CV_16U ? 257 : 1);  // white to white
+                          format.depth == CV_16U ? 257 : 1);  // white stays white
     std::vector<unsigned char> bytes;
     EXPECT_TRUE(cv::imencode(format.extension, picture, bytes, format.parameters));
     WriteFile(folder.File(shoot.photographs[i].path), {bytes.begin(), bytes.end()});
   }
   WriteFile(folder.File("tracker_data.csv"), sim::TrackerDataText(shoot));
   Calibrated result = Calibrate(ArgumentsFor(shoot, folder));
-  // The photographs are written in their own format, too.
+  // Reprojected images have the format of their photographs.
   std::size_t images = 0;
   for (const auto& file : fs::directory_iterator(folder.Path())) {
     const std::string name = file.path().filename().u8string();
@@ -109,7 +109,7 @@ TEST(Formats, WithLossComeNear) {
     const Calibrated result = CalibrateAs(format, shoot, pictures);
     EXPECT_EQ(result.code, 0);
     ASSERT_EQ(result.normFocal.size(), 2u);
-    EXPECT_NE(result.normFocal, png.normFocal);  // the loss is there
+    EXPECT_NE(result.normFocal, png.normFocal);  // the format is lossy
     EXPECT_NEAR(result.normFocal[0], png.normFocal[0], 0.002 * png.normFocal[0]);
     EXPECT_NEAR(result.normFocal[1], png.normFocal[1], 0.002 * png.normFocal[1]);
     EXPECT_THAT(result.Transform_Cam_Tc(), IsTransformNear(png.Transform_Cam_Tc(), 0.0005, 0.05));

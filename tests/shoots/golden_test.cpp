@@ -1,4 +1,4 @@
-// A whole run of one shoot, against figures that a plain reference made (golden/README.md).
+// A whole run of one shoot, compared with the results of a plain reference (golden/README.md).
 
 #include <map>
 #include <sstream>
@@ -34,7 +34,7 @@ Log GoldenLines(const std::string& file) {
   return lines;
 }
 
-// A line is a name and its numbers.
+// Each line has a name and its numbers.
 std::map<std::string, std::vector<double>> GoldenFigures(const std::string& file) {
   std::map<std::string, std::vector<double>> figures;
   for (const std::string& line : GoldenLines(file)) {
@@ -63,7 +63,7 @@ TEST(GoldenRun, FindsWhatTheReferenceFinds) {
   const Calibrated result = CalibrateShoot(shoot, folder);
   const Log& log = result.log;
 
-  // Of the same rows and corners.
+  // The reference had the same rows and corners.
   const Log input = GoldenLines("input.txt");
   ExpectedLog rawData;
   for (auto line = std::find(input.begin(), input.end(), "RAW DATA START"); line != input.end();

@@ -1,4 +1,5 @@
-// Names that are not ASCII, and names with backslashes, from the data file to the written images.
+// Names that are not ASCII, and names with backslashes, from the data file to the reprojected
+// images.
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,8 @@ namespace {
 namespace sim = simulator;
 namespace fs = std::filesystem;
 
-// Calibrates a shoot whose data file, photographs and log folder have names of many languages, and
-// expects the written images under these names in the log folder.
+// Calibrates a shoot whose data file, photographs and log folder have names in several languages,
+// and expects the reprojected images under these names in the log folder.
 void ExpectImages(const std::string& photographs, const std::string& images) {
   sim::ShootOptions options = SmallShoot(14);
   sim::Shoot shoot = sim::SimulateShoot(options);
@@ -50,7 +51,7 @@ TEST(Names, WithForwardSlashesKeepTheirFolders) {
   ExpectImages("写真é/撮影_", "Reproject_写真é/撮影_");
 }
 
-TEST(Names, WithBackslashesLoseTheirFolders) {
+TEST(Names, WithBackslashesDropTheirFolders) {
   ExpectImages("写真é\\撮影_", "Reproject_撮影_");
 }
 

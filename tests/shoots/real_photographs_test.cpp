@@ -26,7 +26,7 @@ TEST(RealPhotographs, GiveTheirLensAndTheTransformThatWasPutIn) {
   std::string data = "Time,Image,Tc x,y,z,w,x,y,z,Tr x,y,z,w,x,y,z\n";
   const std::vector<Eigen::Isometry3d> chartPoses = RealChartPoses(photographs);
   for (std::size_t i = 0; i < photographs.size(); ++i) {
-    // The chart's tracker sits in the chart's origin, turned like it.
+    // The chart's tracker has the pose of the chart.
     const Eigen::Isometry3d Transform_Base_Tr(RandomTransform(random));
     const Eigen::Isometry3d Transform_Base_Tc =
         Transform_Base_Tr * chartPoses[i].inverse() * Transform_Cam_Tc;
@@ -48,7 +48,7 @@ TEST(RealPhotographs, GiveTheirLensAndTheTransformThatWasPutIn) {
                                        13});
 
   EXPECT_EQ(result.code, 0);
-  // Versions of the image library differ in the last digit shown.
+  // Versions of the image library differ in the last digit here.
   const auto start = std::find(result.log.begin(), result.log.end(), "Camera calibration start.");
   ASSERT_NE(start, result.log.end());
   EXPECT_TRUE(LogReads({start + 1, start + 6}, {{"Fx : 533.840000 pixel.", 0.02},

@@ -1,4 +1,4 @@
-// A shoot for every result that a call can return, with its whole log.
+// A shoot for every result code that a call can return, with its whole log.
 
 #include <algorithm>
 #include <stdexcept>
@@ -16,8 +16,8 @@ namespace sim = simulator;
 
 class ResultCodes : public testing::Test {
  protected:
-  // Turns the camera's tracker to and fro about the axis of Transform_Cam_Tc, which neither the
-  // filter nor the spread of the translations can see.
+  // Rotates the camera's tracker alternately to both sides about the axis of Transform_Cam_Tc.
+  // Neither the filter nor the spread of the translations can see this.
   static void SwingCameraTracker(sim::Shoot& shoot, double degrees) {
     const Eigen::Vector3d axis = Eigen::AngleAxisd(shoot.Transform_Cam_Tc.linear()).axis();
     double angle = degrees * EIGEN_PI / 180;
@@ -104,7 +104,7 @@ TEST_F(ResultCodes, FiveForPhotographsOfTwoLenses) {
   sim::ShootOptions options = SmallShoot();
   sim::Shoot shoot = sim::SimulateShoot(options);
   sim::WriteShoot(shoot, folder.Path());
-  // Every second photograph through a lens that stretches it.
+  // Every second photograph is taken with a lens that stretches it.
   options.lens = sim::DefaultLens(options.imageWidth, options.imageHeight);
   options.lens->fx *= 1.3;
   const TemporaryFolder other;
@@ -158,7 +158,7 @@ TEST_F(ResultCodes, ZeroForFewerRecordsThanPhotographs) {
   const Calibrated result = Calibrate(arguments);
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.transformCamTc, all.transformCamTc);
-  // The log tells of the cut in three lines and is the same elsewhere.
+  // The log differs in three lines only.
   std::vector<std::string> log = all.log;
   std::replace(log.begin(), log.end(), std::string("Num_TrackerData : 16"),
                std::string("Num_TrackerData : 15"));
@@ -176,7 +176,7 @@ TEST_F(ResultCodes, ZeroForAHeaderThatIsNotRecognised) {
   WriteFile(arguments.dataPath, " " + ReadFile(arguments.dataPath));
   const Calibrated result = Calibrate(arguments);
   EXPECT_EQ(result.code, 0);
-  // The row of the header takes one of the 16 that were announced with it.
+  // The header counts as one of the 16 rows that were announced, and drops out.
   EXPECT_NE(std::find(result.log.begin(), result.log.end(), "size of Rot_Cam_Chart_vec : 15"),
             result.log.end());
   EXPECT_THAT(result.Transform_Cam_Tc(),
@@ -243,7 +243,7 @@ TEST_F(ResultCodes, MinusOneForAMountingThatIsTooShort) {
   expectRefused(translation, "chartTrackerTranslation has 0 elements, needs 3.");
 }
 
-TEST_F(ResultCodes, LeaveTheCallToExceptionsOfTheLibrariesUnderneath) {
+TEST_F(ResultCodes, PassOnExceptionsOfTheLibrariesUnderneath) {
   const sim::Shoot shoot = sim::SimulateShoot(SmallShoot());
   sim::WriteShoot(shoot, folder.Path());
   HostArguments negative = ArgumentsFor(shoot, folder);

@@ -1,4 +1,4 @@
-// Calls on several threads at once: the same figures as one after the other.
+// Calls on several threads at once give the same results as one after the other.
 
 #include <algorithm>
 #include <filesystem>
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 constexpr int kThreads = 8;
 constexpr int kCallsOfEach = 3;
 
-// Photographs that no thread needs a working folder for.
+// The photographs have absolute paths, because threads share one working folder.
 sim::Shoot ShootIn(const TemporaryFolder& folder) {
   sim::ShootOptions options = SmallShoot(13);
   options.imageWidth = 640;
@@ -57,7 +57,7 @@ Outcome CalibrateAndExport(HostArguments arguments, const std::string& logFolder
 
 class Threads : public testing::Test {
  protected:
-  // Each call logs to the folder of its place.
+  // Call i logs to logFolders[i].
   void RunAll(const std::vector<std::string>& logFolders) {
     std::vector<Outcome> outcomes(logFolders.size());
     std::vector<std::thread> threads;
@@ -100,7 +100,7 @@ class Threads : public testing::Test {
   Outcome alone = CalibrateAndExport(arguments, logFolder.Path().u8string());
 };
 
-TEST_F(Threads, GiveTheSameInFoldersOfTheirOwn) {
+TEST_F(Threads, GiveTheSameInSeparateFolders) {
   ASSERT_EQ(alone.figures.size(), 1u + 2 + 2 + 2 + 5 + 16 + 2 + 1);
   const TemporaryFolder folders;
   std::vector<std::string> logFolders;
@@ -118,7 +118,7 @@ TEST_F(Threads, GiveTheSameInFoldersOfTheirOwn) {
 TEST_F(Threads, GiveTheSameInOneFolder) {
   const TemporaryFolder folder;
   RunAll(std::vector<std::string>(kThreads * kCallsOfEach, folder.Path().u8string()));
-  if (test::kAppendsWholeLines) {  // no line is lost, whichever of them share a log
+  if (test::kAppendsWholeLines) {  // no line is missing, whichever calls share a log
     EXPECT_EQ(LinesIn(folder.Path()).size(),
               LinesIn(logFolder.Path()).size() * kThreads * kCallsOfEach);
   }

@@ -35,7 +35,7 @@ double MeanDistance(const std::vector<cv::Point2f>& found,
   return sum / static_cast<double>(found.size());
 }
 
-// The mean difference between the pictures and its spread, grey levels.
+// Mean and standard deviation of the difference between two images, grey levels.
 std::pair<double, double> Difference(const cv::Mat& a, const cv::Mat& b) {
   cv::Mat difference;
   cv::subtract(a, b, difference, {}, CV_32F);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kDraws = 20000;
 
-TEST(RandomTest, EachSeedPurposeAndPhotographHasASequenceOfItsOwn) {
+TEST(RandomTest, EachSeedPurposeAndPhotographHasItsOwnSequence) {
   EXPECT_EQ(Random(1, Draw::kPose, 2).Bits(), Random(1, Draw::kPose, 2).Bits());
   const auto bits = Random(1, Draw::kPose, 2).Bits();
   EXPECT_NE(bits, Random(2, Draw::kPose, 2).Bits());

@@ -65,7 +65,7 @@ TEST(ShootFlawsTest, OneTrackerOfAnOutlierSlipsByTheStatedAmount) {
   }
 }
 
-// Mean square of each axis's noise, in the trackers' frames.
+// The root mean square of the noise along and about each axis, in the trackers' frames.
 struct Spread {
   Eigen::Vector3d metres = Eigen::Vector3d::Zero();
   Eigen::Vector3d radians = Eigen::Vector3d::Zero();

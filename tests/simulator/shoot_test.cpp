@@ -63,7 +63,7 @@ TEST_P(ShootTest, TheLoopOfTransformsClosesInEachPhotograph) {
   }
 }
 
-TEST_P(ShootTest, TheTrackersTellTheTruthUnlessAskedForNoise) {
+TEST_P(ShootTest, TheTrackersReportTheTruthWithoutNoise) {
   const Shoot shoot = SimulateShoot(options);
   EXPECT_EQ(shoot.Matrices(&Photograph::trackedTc), shoot.Matrices(&Photograph::Transform_Base_Tc));
   EXPECT_EQ(shoot.Matrices(&Photograph::trackedTr), shoot.Matrices(&Photograph::Transform_Base_Tr));

@@ -22,7 +22,7 @@ std::vector<std::string> Split(const std::string& text, char separator) {
   return parts;
 }
 
-// -1 when the text is not a number with a decimal point.
+// The number of decimals; -1 if the text is not a number with a decimal point.
 int Decimals(const std::string& text) {
   const std::size_t point = text.find('.');
   const bool isNumber =
@@ -30,14 +30,14 @@ int Decimals(const std::string& text) {
   return isNumber ? static_cast<int>(text.size() - point - 1) : -1;
 }
 
-// The pose that the row reports from this field on.
+// The pose in the seven fields of the row from `first` on.
 Eigen::Isometry3d Pose(const std::vector<std::string>& fields, std::size_t first) {
   const auto number = [&](std::size_t i) { return std::stod(fields.at(first + i)); };
   return Eigen::Translation3d(number(0), number(1), number(2)) *
          Eigen::Quaterniond(number(3), number(4), number(5), number(6));
 }
 
-// The tracking system's axes on a tracker, seen from the axes that the shoot counts in.
+// The reported axes of a tracker, in the tracker axes of the shoot.
 Eigen::Isometry3d Axes() {
   Eigen::Isometry3d axes = Eigen::Isometry3d::Identity();
   axes.linear() << -1, 0, 0, 0, 0, -1, 0, -1, 0;

@@ -25,7 +25,7 @@ class WriteShootTest : public testing::Test {
 
   std::string Read(const std::string& name) const { return test::ReadFile(folder.File(name)); }
 
-  // Empty when the file is no picture.
+  // Empty if the file is not an image.
   cv::Mat Picture(const Photograph& photograph) const {
     const std::string bytes = Read(photograph.path);
     return cv::imdecode(std::vector<char>(bytes.begin(), bytes.end()), cv::IMREAD_GRAYSCALE);
@@ -78,7 +78,7 @@ TEST_F(WriteShootTest, TheDataFileIsWrittenByteForByte) {
   EXPECT_EQ(Read("tracker_data.csv"), TrackerDataText(shoot));
 }
 
-TEST_F(WriteShootTest, TellsHowManyPhotographsAreDone) {
+TEST_F(WriteShootTest, ReportsHowManyPhotographsAreDone) {
   std::vector<std::pair<int, int>> progress;
   WriteShoot(SimulateShoot(options), folder.Path(),
              [&](int done, int all) { progress.emplace_back(done, all); });
@@ -89,7 +89,7 @@ TEST_F(WriteShootTest, SaysWhichFileCannotBeWritten) {
   fs::create_directory(folder.Path() / "truth.json");
   try {
     WriteShoot(SimulateShoot(options), folder.Path());
-    FAIL() << "not noticed";
+    FAIL() << "no exception";
   } catch (const std::runtime_error& error) {
     EXPECT_THAT(error.what(), testing::HasSubstr("truth.json"));
   }

@@ -1,4 +1,4 @@
-// Photographs of a chessboard as a plain drawing, seen from straight above.
+// Images of a chessboard, drawn as seen from straight above.
 
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace trackedcam::test {
 
-/// A board of (cols + 1) x (rows + 1) squares on white; its first inner corner, where four squares
-/// of `square` pixels meet, lies between the pixels (first.x - 1) and first.x, and likewise in y.
+/// A board of (cols + 1) x (rows + 1) squares of `square` pixels on white. Its first inner corner
+/// is between the pixels first.x - 1 and first.x, and likewise in y.
 inline cv::Mat DrawnBoard(cv::Size image, cv::Point first, int square, int cols, int rows) {
   cv::Mat picture(image, CV_8UC3, cv::Scalar::all(255));
   for (int r = 0; r <= rows; ++r) {

@@ -7,13 +7,14 @@
 
 namespace trackedcam::test {
 
-/// While it lives, the process has a locale with a decimal comma, as many hosts set one.
+/// During its lifetime the process has a locale with a decimal comma, like many hosts.
 class ForeignLocale {
  public:
   ForeignLocale() {
-    // The streams get a comma of our own: not every C++ runtime knows the system's locales.
+    // Streams get their own decimal comma, because not every C++ runtime knows the system's
+    // locales.
     std::locale::global(std::locale(std::locale::classic(), new DecimalComma));
-    // The names on Linux and on Windows.
+    // The locale's names on Linux and on Windows.
     if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr &&
         std::setlocale(LC_ALL, "German_Germany.1252") == nullptr) {
       throw std::runtime_error("The machine has no German locale.");

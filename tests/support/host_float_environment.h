@@ -1,4 +1,4 @@
-// The floating-point settings that a host may have when it calls.
+// Floating-point settings that a host may have when it calls the library.
 
 #pragma once
 
@@ -19,8 +19,8 @@ inline std::ostream& operator<<(std::ostream& out, FloatHabit habit) {
   return out << names[static_cast<int>(habit)];
 }
 
-/// While it lives, the thread has the habit. What only some processors have stays as it is on the
-/// others.
+/// During its lifetime the thread has this habit. A habit that the processor does not support has
+/// no effect.
 class HostFloatEnvironment {
  public:
   explicit HostFloatEnvironment(FloatHabit habit) {
@@ -53,7 +53,7 @@ class HostFloatEnvironment {
   HostFloatEnvironment(const HostFloatEnvironment&) = delete;
   HostFloatEnvironment& operator=(const HostFloatEnvironment&) = delete;
 
-  /// What makes up the settings, to compare.
+  /// The settings as one number, to compare.
   static unsigned int Settings() {
     auto settings = static_cast<unsigned int>(std::fegetround());
 #if defined(TRACKEDCAM_TESTS_HAVE_SSE)
@@ -63,7 +63,7 @@ class HostFloatEnvironment {
     return settings;
   }
 
-  /// The exceptions that were raised and not cleared.
+  /// The exception flags that are set.
   static int Flags() {
     return std::fetestexcept(FE_ALL_EXCEPT);
   }

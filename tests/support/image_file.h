@@ -1,4 +1,5 @@
-// Images by paths of any language, which the image library cannot open everywhere.
+// Reads and writes images with paths that are not ASCII, which the image library cannot open on
+// every system.
 
 #pragma once
 
@@ -16,7 +17,8 @@ inline cv::Mat ReadImage(const std::string& path, int flags = cv::IMREAD_COLOR) 
   return cv::imdecode(std::vector<unsigned char>(content.begin(), content.end()), flags);
 }
 
-/// Creates the image's folder as well, and returns the path.
+/// Writes an image and creates its folder.
+/// @return The path.
 inline std::string WriteImage(const std::string& path, const cv::Mat& image) {
   std::vector<unsigned char> bytes;
   cv::imencode(path, image, bytes);

@@ -1,4 +1,4 @@
-// Run logs as the tests compare them.
+// Reads run logs and compares their lines.
 
 #pragma once
 
@@ -10,19 +10,20 @@
 
 namespace trackedcam::test {
 
-/// The messages of a log file. A line without a time stamp and a tab in front is a test failure.
-/// A file that does not exist holds none.
+/// The messages of a log file; none if the file does not exist. A line that does not begin with a
+/// time stamp and a tab is a test failure.
 std::vector<std::string> ReadLogLines(const std::string& path);
 
-/// The path of the only log in a folder; empty when there is none or more than one.
+/// The path of the only log in a folder; empty if there is none or more than one.
 std::string OnlyLogIn(const std::string& folder);
 
-/// The numbers in the n-th line, counted from 0, that begins with the label, and in those after it.
+/// The numbers in the nth line (from 0) that begins with the label and in the lines after it, in
+/// `lines` lines together.
 std::vector<double> NumbersBehind(const std::vector<std::string>& log, const std::string& label,
                                   int nth, int lines);
 
-/// A log line as it should read. Text must be equal; a number must be met to within the tolerance;
-/// "#" stands for any number with six decimals, infinite ones and what is not a number included.
+/// An expected line of a log. Its text must be equal and its numbers within the tolerance. "#" is
+/// any number with six decimals, infinite or NaN.
 struct ExpectedLine {
   ExpectedLine(const char* line) : text(line) {}
   ExpectedLine(std::string line, double within = 0) : text(std::move(line)), tolerance(within) {}
@@ -33,7 +34,7 @@ struct ExpectedLine {
 
 bool LineReads(const std::string& line, const ExpectedLine& expected);
 
-/// Every line reads as expected, in order and without any left over.
+/// Whether the log has exactly the expected lines, in this order.
 testing::AssertionResult LogReads(const std::vector<std::string>& lines,
                                   const std::vector<ExpectedLine>& expected);
 

@@ -1,4 +1,4 @@
-// Everything of the tests that differs between operating systems.
+// The parts of the tests that differ between operating systems.
 
 #pragma once
 
@@ -8,31 +8,30 @@
 
 namespace trackedcam::test {
 
-/// Whether strtod is that of the GNU C library.
+/// Whether strtod is the one of the GNU C library.
 extern const bool kHasGnuStrtod;
 
 /// The end of a line in a text file.
 extern const char* const kLineEnd;
 
-/// Whether a line that is appended to a file stays whole and in place beside those of other
-/// threads.
+/// Whether a line that one thread appends to a file stays whole if other threads append as well.
 extern const bool kAppendsWholeLines;
 
-/// Runs a program in a folder and waits for its end. What it writes to standard output and standard
-/// error goes into the two files. The arguments are UTF-8.
-/// @return Its exit status; -1 when it did not start or crashed.
+/// Runs a program in a folder, with standard output and standard error redirected to two files, and
+/// waits for its end. The arguments are UTF-8.
+/// @return Its exit status, or -1 if it did not start or crashed.
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                const std::filesystem::path& folder, const std::filesystem::path& outFile,
                const std::filesystem::path& errorFile);
 
-/// Lets the linear algebra of this process use so many threads, where it can.
+/// Sets the number of threads of this process's linear algebra, if it has threads.
 void SetBlasThreads(int threads);
 
-/// How many threads it uses; 1 where it has none of its own.
+/// The number of threads of the linear algebra; 1 if it has no threads.
 int BlasThreads();
 
-/// A pipe with a name among files, which whoever opens it to read waits for.
-/// @return False where the system has none.
+/// Creates a named pipe, which blocks a program that opens it for reading.
+/// @return False if the system has no named pipes.
 bool MakePipe(const std::filesystem::path& path);
 
 }  // namespace trackedcam::test

@@ -5,7 +5,7 @@
 namespace trackedcam::test {
 namespace {
 
-// A handle that the program inherits.
+// A file whose handle the started program inherits.
 class OutputFile {
  public:
   explicit OutputFile(const std::filesystem::path& path) {
@@ -23,7 +23,7 @@ class OutputFile {
   HANDLE handle_;
 };
 
-// As programs take a command line apart: backslashes are plain text but before a quotation mark.
+// Quotes a word for a command line. Backslashes are special only before a quotation mark.
 std::wstring Quoted(const std::wstring& word) {
   std::wstring quoted = L"\"";
   std::size_t backslashes = 0;
@@ -40,7 +40,7 @@ std::wstring Quoted(const std::wstring& word) {
 }  // namespace
 
 const bool kHasGnuStrtod = false;
-const bool kAppendsWholeLines = false;  // it finds the end first and writes there next
+const bool kAppendsWholeLines = false;  // finding the end and writing there are separate steps
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
@@ -67,14 +67,14 @@ int RunProgram(const std::filesystem::path& program, const std::vector<std::stri
   GetExitCodeProcess(process.hProcess, &status);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
-  // A crash ends with one of the system's own codes, 0xC0000005 and the like.
+  // A crash ends with a code of the system, such as 0xC0000005.
   return status <= 255 ? static_cast<int>(status) : -1;
 }
 
 void SetBlasThreads(int /*threads*/) {}
 
 int BlasThreads() {
-  return 1;  // as it is built
+  return 1;  // built without threads
 }
 
 bool MakePipe(const std::filesystem::path& /*path*/) {

@@ -1,4 +1,4 @@
-// Hand-made pose lists that close the loop Cam <- Chart <- Tr <- Base <- Tc exactly.
+// Random pose lists that close the loop Cam <- Chart <- Tr <- Base <- Tc exactly.
 
 #pragma once
 

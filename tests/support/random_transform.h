@@ -8,7 +8,7 @@
 
 namespace trackedcam::test {
 
-/// Any rotation, each as likely as another, and a translation of up to a metre along each axis.
+/// A random rotation (all are equally likely) and a translation of up to a metre along each axis.
 inline Transform RandomTransform(std::mt19937& random) {
   std::normal_distribution<double> normal;
   std::uniform_real_distribution<double> metre(-1, 1);
@@ -17,7 +17,8 @@ inline Transform RandomTransform(std::mt19937& random) {
   return MakeTransform(rotation.toRotationMatrix(), {metre(random), metre(random), metre(random)});
 }
 
-/// A transform turned by degrees about an axis of its target frame, and shifted by metres.
+/// The transform with an additional rotation about an axis of its target frame, and an additional
+/// translation in metres.
 inline Transform Disturbed(const Transform& transform, double degrees, const Eigen::Vector3d& axis,
                            const Eigen::Vector3d& shift) {
   Transform disturbed = transform;

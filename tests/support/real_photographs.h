@@ -1,5 +1,5 @@
-// Photographs of a real chessboard, from the examples of the image library, and trackers that would
-// have been beside them.
+// Photographs of a real chessboard from the examples of the image library, and matching tracker
+// poses.
 
 #pragma once
 
@@ -16,11 +16,12 @@
 
 namespace trackedcam::test {
 
-/// Of the board on them; its squares count as metres of this edge, whatever they were.
+/// The board in the photographs. The edge of its squares is unknown; the tests assume this one,
+/// metres.
 inline const cv::Size kRealBoard(9, 6);
 constexpr double kRealSquare = 0.025;
 
-/// The photographs that the folder holds: all but one of left01.jpg to left14.jpg.
+/// The photographs in the folder: left01.jpg to left14.jpg, of which one does not exist.
 inline std::vector<std::filesystem::path> RealPhotographs(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> photographs;
   for (int i = 1; i <= 14; ++i) {
@@ -64,9 +65,8 @@ inline std::vector<Eigen::Isometry3d> RealChartPoses(
   return poses;
 }
 
-/// The fields of a tracker's pose in a row, each after its comma, as the tracking system reports
-/// it.
-/// @param pose Of the tracker's axes after the axis fix.
+/// The fields of a tracker's reported pose in a row, each with a comma before it.
+/// @param pose The tracker's pose after the axis fix.
 inline std::string ReportedFields(const Eigen::Isometry3d& pose) {
   Eigen::Matrix3d axes;
   axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;

@@ -1,4 +1,4 @@
-// A clean folder and a run log of its own for each test of a stage.
+// A base class for tests of a stage, with an empty folder and a run log for each test.
 
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace trackedcam::test {
 
-/// A new, empty folder that goes with its object. Its name is not ASCII, as folders of hosts are.
+/// Creates an empty folder, and removes it at the end. Its name is not ASCII, as on some hosts.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -22,7 +22,7 @@ class TemporaryFolder {
 
   const std::filesystem::path& Path() const { return path_; }
 
-  /// The UTF-8 text of the path of a file in the folder.
+  /// The path of a file in the folder, UTF-8.
   std::string File(const std::string& name) const;
 
  private:
@@ -32,7 +32,7 @@ class TemporaryFolder {
 void WriteFile(const std::string& path, const std::string& content);
 std::string ReadFile(const std::string& path);
 
-/// With a line feed for each line end, whatever the system writes.
+/// The content with a line feed for each line end, on every system.
 std::string ReadText(const std::string& path);
 
 class StageTest : public testing::Test {
@@ -42,7 +42,7 @@ class StageTest : public testing::Test {
   /// The messages logged so far, without time stamps.
   std::vector<std::string> LogLines() const;
 
-  /// What the work writes to standard output.
+  /// The text that the work writes to standard output.
   template <class Work>
   static std::string ConsoleOf(Work work) {
     testing::internal::CaptureStdout();

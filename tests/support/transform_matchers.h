@@ -1,4 +1,4 @@
-// Comparing transforms; what is not a number never matches.
+// Matchers for transforms. NaN never matches.
 
 #pragma once
 
@@ -9,20 +9,20 @@
 
 namespace trackedcam::test {
 
-/// The angle of the rotation between two rotation blocks, degrees.
+/// The angle between two rotations, degrees.
 double AngleBetweenDeg(const Eigen::Matrix3d& a, const Eigen::Matrix3d& b);
 
-/// Whether the bottom row is 0, 0, 0, 1 and the block a proper rotation to within 1e-4.
+/// Whether the bottom row is 0, 0, 0, 1 and the block is a rotation to within 1e-4.
 bool IsRigid(const Eigen::Matrix4d& transform);
 
-/// Every element within the tolerance, which 0 makes exact.
+/// Every element is within the tolerance; 0 demands equality.
 MATCHER_P2(IsNear, expected, tolerance, "") {
   *result_listener << "expected\n" << expected;
   return arg.rows() == expected.rows() && arg.cols() == expected.cols() &&
          ((arg - expected).array().abs() <= tolerance).all();
 }
 
-/// A rigid transform whose translation is within metres and whose rotation within degrees.
+/// A rigid transform with its translation within `metres` and its rotation within `degrees`.
 MATCHER_P3(IsTransformNear, expected, metres, degrees, "") {
   const Eigen::Matrix4d actual = arg;
   const Eigen::Matrix4d wanted = expected;

@@ -4,7 +4,7 @@
 
 namespace trackedcam::test {
 
-/// While it lives, the process works in the folder.
+/// During its lifetime the folder is the working folder of the process.
 class WorkingFolder {
  public:
   explicit WorkingFolder(const std::filesystem::path& folder) {

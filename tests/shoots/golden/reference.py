@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Calibrates from corners and tracker rows, slowly and plainly, in double precision throughout.
+"""Calibrates from corners and tracker rows in plain Python and double precision.
 
 It follows docs/method.md and docs/conventions.md and shares nothing with the library: no code, no
-image library, no linear algebra but the few lines below.
+image library, and no linear algebra except the few lines below.
 
 Usage: reference.py INPUT.txt > figures.txt
 """
@@ -22,7 +22,7 @@ def product(*matrices):
 
 
 def inverse(t):
-    """Of a rigid transform."""
+    """The inverse of a rigid transform."""
     turned = [[t[c][r] for c in range(3)] for r in range(3)]
     shift = [-sum(turned[r][k] * t[k][3] for k in range(3)) for r in range(3)]
     return rigid(turned, shift)
@@ -33,7 +33,7 @@ def rigid(rotation, shift):
 
 
 def solve(matrix, right):
-    """Gauss with the largest pivot."""
+    """Solves linear equations by Gaussian elimination with the largest pivot."""
     rows = [[*row, value] for row, value in zip(matrix, right)]
     n = len(rows)
     for k in range(n):
@@ -51,7 +51,7 @@ def solve(matrix, right):
 # Rotations.
 
 def turn(vector):
-    """The rotation about a vector by its length in radians."""
+    """The rotation about a vector by its length, radians."""
     angle = math.hypot(*vector)
     x, y, z = (v / angle for v in vector) if angle else (1, 0, 0)
     c, s = math.cos(angle), math.sin(angle)
@@ -78,7 +78,7 @@ def quaternion(r):
 
 
 def mean(transforms):
-    """Average of the translations; the unit quaternion that fits all best, whatever their signs."""
+    """The mean of the translations, and the unit quaternion that fits all best, with either sign."""
     n = len(transforms)
     shift = [sum(t[r][3] for t in transforms) / n for r in range(3)]
     quaternions = [quaternion(t) for t in transforms]
@@ -103,7 +103,7 @@ def project(lens, pose, point):
 
 
 def first_pose(lens, board, corners):
-    """From the homography that fits best; the distortion is left out."""
+    """The pose from the homography that fits best, without distortion."""
     fx, fy, cx, cy, _, _ = lens
     normal = [[0.0] * 8 for _ in range(8)]
     right = [0.0] * 8
@@ -137,7 +137,7 @@ def residuals(lens, pose, board, corners):
 
 
 def slopes(lens, pose, board, corners):
-    """Of the residuals, by the lens and by a step of the pose: central differences."""
+    """The derivatives of the residuals by lens and pose, as central differences."""
     columns = []
     for k in range(12):
         size = (1e-4 if k < 4 else 1e-6)
@@ -151,7 +151,7 @@ def slopes(lens, pose, board, corners):
 
 
 def calibrate(size, board, photographs):
-    """Levenberg and Marquardt over lens and poses."""
+    """Solves lens and poses with the Levenberg-Marquardt algorithm."""
     lens = [float(size[0])] * 2 + [(size[0] - 1) / 2, (size[1] - 1) / 2, 0.0, 0.0]
     poses = [first_pose(lens, board, corners) for corners in photographs]
     cost = lambda l, p: sum(r * r for pose, corners in zip(p, photographs)
@@ -191,7 +191,7 @@ def calibrate(size, board, photographs):
 # Cameras and trackers.
 
 def tracker(position, w, x, y, z):
-    """A reported pose in the axes of the solving stages: -x, -z, -y of the reported ones."""
+    """A reported pose in the axes of the solving stages: the reported x, y, z count as -x, -z, -y."""
     return product(rigid(from_quaternion(w, x, y, z), position),
                    rigid([[-1, 0, 0], [0, 0, -1], [0, -1, 0]], [0, 0, 0]))
 
@@ -214,7 +214,7 @@ def outliers(estimates, centre):
         axis, _ = axis_angle(t)
         measures = [math.degrees(math.acos(min(1, sum(a * b for a, b in zip(axis, centre_axis))))),
                     *(abs(t[r][3] - centre[r][3]) for r in range(3))]
-        # A golden run must not hang on the last digit of a figure.
+        # The set of outliers must not depend on the last digit of a value.
         assert all(abs(m / l - 1) > 0.005 for m, l in zip(measures, limits)), "too near to a limit"
         if any(m > l for m, l in zip(measures, limits)):
             found.append(i)
