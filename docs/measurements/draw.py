@@ -1,8 +1,9 @@
-"""Draws the pictures of docs/ that show data, with matplotlib (package python3-matplotlib).
+"""Draws the figures of docs/ that show data. Needs matplotlib (package python3-matplotlib).
 
-Usage: draw.py TRUTH   (TRUTH: truth.json of `trackedcam simulate FOLDER`, for views.svg)
+Usage: draw.py TRUTH
 
-mounting-error.svg shows mounting.csv beside this script.
+TRUTH is truth.json of `trackedcam simulate FOLDER`; views.svg shows its photographs. mounting-error.svg shows
+mounting.csv in the folder of this script.
 """
 
 import csv
@@ -15,7 +16,7 @@ import matplotlib.pyplot as plt
 
 here = pathlib.Path(__file__).parent
 images = here.parent / "images"
-# The same text for the same data, with letters as text.
+# The same data give the same file. Letters are written as text.
 matplotlib.rcParams.update({"svg.hashsalt": "trackedcam", "svg.fonttype": "none", "font.size": 10})
 
 
@@ -24,7 +25,7 @@ def save(figure, name):
 
 
 def draw_mounting_error():
-    """What a wrong nominal mounting does to the result, and to the cross-check."""
+    """Draws the effect of a wrong nominal mounting on the result and on the cross-check."""
     with open(here / "mounting.csv", encoding="utf-8", newline="") as file:
         rows = list(csv.DictReader(file))
     figure, (shift, turn) = plt.subplots(1, 2, figsize=(8, 3.2), layout="constrained")
@@ -47,7 +48,7 @@ def draw_mounting_error():
 
 
 def draw_views(truth):
-    """Paper, inner corners and first corner in each photograph of a simulated shoot."""
+    """Draws paper, inner corners and first corner in each photograph of a simulated shoot."""
     width, height = truth["imageSize"]
     figure, grid = plt.subplots(4, 5, figsize=(8, 3.8), layout="constrained")
     for axes, photograph in zip(grid.flat, truth["photographs"]):
@@ -62,7 +63,7 @@ def draw_views(truth):
 
 
 def rectangle(photograph, lens, left, top, right, bottom):
-    """A rectangle of frame Chart, metres, as the photograph shows it but for the distortion."""
+    """The corners of a rectangle in frame Chart (metres), projected to pixels without distortion."""
     m = photograph["transformCamChart"]
     pixels = []
     for x, y in ((left, top), (right, top), (right, bottom), (left, bottom)):

@@ -1,13 +1,15 @@
-"""Measures, on simulated shoots with known truth, how the result depends on the shoot.
+"""Measures on simulated shoots with known truth how the result depends on the shoot.
 
-Usage: measure.py PROGRAM [SERIES...]   (PROGRAM: the built host program; all series by default)
+Usage: measure.py PROGRAM [SERIES...]
 
-Each series becomes a CSV file beside this script, whose rows the pages of docs/ show as tables. Every
-setting is simulated with five seeds, so that a second run gives the same figures: the middle one of the
-five and the worst. A shoot has 40 photographs of 1280 x 720 unless the series says otherwise.
+PROGRAM is the built host program. Without SERIES, all series are measured.
 
-"Off" is the result of the library's single run, "Cross-check" the transform that the cross-check found in
-the same run. "Says" are its errors and warnings, with the share of the shoots where not all five have them.
+Each series becomes a CSV file in the folder of this script; the pages of docs/ show its rows as tables. Every
+setting is simulated with the same five seeds, so a second run gives the same values: the median of the five
+and the worst. A shoot has 40 photographs of 1280 x 720 unless the series says otherwise.
+
+"Off" is the error of the library's result after a single run, "Cross-check" the error of the cross-check's transform
+in the same run. "Says" lists errors and warnings, with the number of shoots if not all five have them.
 """
 
 import collections
@@ -23,7 +25,7 @@ import tempfile
 import tomllib
 
 SEEDS = range(1, 6)
-# Of a good optical tracking system, along and about each axis of each tracker.
+# The noise of a good optical tracking system, along and about each axis of each tracker.
 NOISE = {"tracker-noise-mm": 0.3, "tracker-noise-degrees": 0.05}
 
 program = pathlib.Path(sys.argv[1]).resolve()
@@ -34,8 +36,8 @@ def run(*arguments, **options):
     line = [program, *arguments]
     line += [f"--{name.replace('_', '-')}={value}" for name, value in options.items()]
     status = subprocess.run(line, capture_output=True, text=True)
-    # 1: the calibration failed, 3: it is certainly wrong. Both are results here, as a refusal (2) is
-    # of a mistake.
+    # 1 (the calibration failed) and 3 (it is certainly wrong) are results here. So is 2 (refused), for the
+    # series of mistakes.
     if status.returncode not in {0, 1, 2, 3} or (status.returncode == 2 and arguments[0] != "calibrate"):
         sys.exit(status.stderr)
     return status
@@ -54,7 +56,7 @@ def config():
 
 
 def calibrate(rows=None, **options):
-    """Calibrates the simulated shoot, or some rows of it, and returns how far off the result is."""
+    """Calibrates the simulated shoot, or some rows of it, and returns the errors of the result."""
     if rows is not None:
         header, *lines = (shoot / "tracker_data.csv").read_text().splitlines()
         options["data"] = shoot / "some_rows.csv"
@@ -85,7 +87,7 @@ def known(transform):
 
 
 def off(found, truth):
-    """How far a transform is from the true one: millimetres and degrees."""
+    """The error of a transform: millimetres and degrees."""
     true = truth["transformCamTc"]
     turn = math.dist(*([m[i] for i in range(12) if i % 4 != 3] for m in (found, true)))
     return (1000 * math.dist(found[3:12:4], true[3:12:4]),
@@ -93,12 +95,12 @@ def off(found, truth):
 
 
 def said(result):
-    """The names of errors and warnings, each once, the worst first."""
+    """The ids of errors and warnings, each once, the worst first."""
     return list(dict.fromkeys(f["id"] for f in result["findings"] if f["severity"] != "note"))
 
 
 def summary(runs):
-    """The figures of one setting: the middle one of the seeds and the worst."""
+    """The row of one setting: the median of the seeds and the worst."""
     codes = sorted({figures["code"] for figures in runs}, key=str)
     said_in = collections.Counter(name for figures in runs for name in figures.get("says", []))
     says = [f"`{name}`" + (f" in {count}" if count < len(runs) else "")
@@ -121,7 +123,7 @@ def summary(runs):
 
 
 def mounting():
-    """The stated mounting of the chart's tracker is not the true one."""
+    """The stated mounting of the chart's tracker is wrong."""
     for mm, degrees in [(mm, 0) for mm in (0, 2, 5, 10, 20)] + [(0, d) for d in (0.2, 0.5, 1, 2, 5)]:
         runs = []
         for seed in SEEDS:
@@ -131,7 +133,7 @@ def mounting():
 
 
 def again():
-    """The mounting that the log shows as refined is stated in the next run: 20 small photographs."""
+    """Each run uses the refined mounting in the log of the run before. 20 small photographs."""
     shown = (1, 2, 5, 10, 20)
     runs = {number: [] for number in shown}
     moved = {number: [] for number in shown}
@@ -152,19 +154,19 @@ def again():
 
 
 def refined_mounting():
-    """The one of the last run's log as options, and its translation."""
+    """The refined mounting in the log of the last run, as options, and its translation."""
     lines = pathlib.Path(read("result.json")["log"]).read_text().splitlines()
     at = next(i for i, line in enumerate(lines) if "\tMean_Transform_Chart_Tr : " in line)
     m = [[float(n) for n in line.split("\t")[1].strip(" [],").split(",")] for line in lines[at + 1:at + 5]]
     translation = [-sum(m[k][i] * m[k][3] for k in range(3)) for i in range(3)]
-    # Rx * Ry * Rz of the inverse, whose element (r, c) is that of (c, r) here.
+    # Rx * Ry * Rz of the inverse rotation, which is the transpose.
     angles = (math.atan2(-m[2][1], m[2][2]), math.asin(m[2][0]), math.atan2(-m[1][0], m[0][0]))
     return {"chart_rotation": ",".join(f"{math.degrees(a):.6f}" for a in angles),
             "chart_translation": ",".join(f"{t:.7f}" for t in translation)}, translation
 
 
 def photographs():
-    """Fewer or more photographs."""
+    """The number of photographs."""
     runs = {count: [] for count in (12, 20, 30, 40, 60, 80)}
     for seed in SEEDS:
         simulate(seed, photographs=80, **NOISE)
@@ -175,7 +177,7 @@ def photographs():
 
 
 def noise():
-    """The trackers are noisy, along or about each axis."""
+    """The trackers are noisy along or about each axis."""
     for mm, degrees in [(mm, 0) for mm in (0.1, 0.3, 1, 3)] + [(0, d) for d in (0.05, 0.1, 0.2, 0.5)]:
         runs = []
         for seed in SEEDS:
@@ -185,7 +187,7 @@ def noise():
 
 
 def scale():
-    """The stated square is not the printed one."""
+    """The stated size of the squares is wrong."""
     runs = {percent: [] for percent in (-2, -1, -0.5, 0, 0.5, 1, 2)}
     for seed in SEEDS:
         simulate(seed, **NOISE)
@@ -196,7 +198,7 @@ def scale():
 
 
 def blur():
-    """The photographs are blurred: the spread of a bell curve."""
+    """The photographs are blurred; the value is the standard deviation of a Gaussian."""
     for pixels in (0.5, 1, 2, 4, 8, 12):
         runs = []
         for seed in SEEDS:
@@ -206,7 +208,7 @@ def blur():
 
 
 def slips():
-    """A tracker had slipped in some of the photographs."""
+    """A tracker has slipped in some of the photographs."""
     for mm, degrees in ((40, 3), (5, 0.5)):
         for outliers in (0, 2, 4, 8, 12):
             runs = []
@@ -220,7 +222,7 @@ def slips():
 
 
 def views():
-    """All photographs see the chart in a similar way: 20 out of 400."""
+    """All photographs show the chart in a similar view: 20 selected from 400."""
     kinds = {
         "tilted to all sides": lambda v: True,
         "from the front (tilt below 17°)": lambda v: v["tilt"] < 17,
@@ -246,7 +248,7 @@ def views():
 
 
 def view(pose, truth):
-    """The chart's tilt and the side it is tilted to, its turn in the picture and its place there."""
+    """The chart's tilt, the direction of the tilt, its roll, and its distance from the image centre."""
     centre = [pose[4 * r] * 0.12 + pose[4 * r + 1] * 0.075 + pose[4 * r + 3] for r in range(3)]
     place = [truth["normFocal"][i] * centre[i] / centre[2] for i in range(2)]
     return {
@@ -258,7 +260,7 @@ def view(pose, truth):
 
 
 def mistakes():
-    """A figure is wrong, or rows are mixed up."""
+    """An input value is wrong, or rows are mixed up."""
     simulate(1)
     rotation, translation = ([float(n) for n in config()[f"chart-{part}"].split(",")]
                              for part in ("rotation", "translation"))

@@ -1,8 +1,8 @@
-"""Takes the pictures of the report page in docs/images/, with Chromium (python3-selenium, chromium-driver).
+"""Takes the screenshots of the report page in docs/images/. Needs Chromium (python3-selenium, chromium-driver).
 
 Usage: photograph_report.py REPORT.html
 
-report-answer.png is the page's first screen, report-scene.png the scene below it. The page is that of
+report-answer.png is the first screen of the page, report-scene.png the scene below it. The page is the report of
 
     trackedcam simulate shoot --photographs 40 --image 1280x720 --mounting-error-mm 27 \\
         --mounting-error-degrees 1 --tracker-noise-mm 0.3 --tracker-noise-degrees 0.05
@@ -28,7 +28,7 @@ for argument in ["--headless=new", "--no-sandbox", "--use-angle=swiftshader", "-
 service = webdriver.chrome.service.Service(shutil.which("chromedriver"))
 with webdriver.Chrome(service=service, options=options) as browser:
     browser.get(pathlib.Path(sys.argv[1]).resolve().as_uri())
-    time.sleep(5)  # the scene is drawn in software
+    time.sleep(5)  # the scene is rendered in software, which takes time
     browser.save_screenshot(str(images / "report-answer.png"))
     scene = browser.find_element(By.ID, "scene")
     browser.execute_script("arguments[0].scrollIntoView()", scene)

@@ -23,7 +23,7 @@ std::vector<double> NumbersBehind(const std::vector<std::string>& log, const std
                                   int nth, int lines);
 
 /// An expected line of a log. Its text must be equal and its numbers within the tolerance. "#" is
-/// any number with six decimals, infinite or NaN.
+/// any number with six decimals, inf or nan.
 struct ExpectedLine {
   ExpectedLine(const char* line) : text(line) {}
   ExpectedLine(std::string line, double within = 0) : text(std::move(line)), tolerance(within) {}
