@@ -78,7 +78,7 @@ def calibrate(rows=None, **options):
         "lens": result["lensErrorPixels"],
         "reprojection": result["reprojectionErrorPixels"],
         "spread": 1000 * result["translationSpreadMetres"],
-        "used": len(result["used"]),
+        "used": len(used(result)),
     }
 
 
@@ -92,6 +92,11 @@ def off(found, truth):
     turn = math.dist(*([m[i] for i in range(12) if i % 4 != 3] for m in (found, true)))
     return (1000 * math.dist(found[3:12:4], true[3:12:4]),
             math.degrees(2 * math.asin(min(1, turn / math.sqrt(8)))))
+
+
+def used(result):
+    """The names of the photographs on which the result rests."""
+    return [photograph["name"] for photograph in result["photographs"] if photograph["state"] == "used"]
 
 
 def said(result):
@@ -216,7 +221,7 @@ def slips():
             for seed in SEEDS:
                 simulate(seed, outliers=outliers, slip_mm=mm, slip_degrees=degrees, **NOISE)
                 runs.append(calibrate())
-                kept += len(set(read("truth.json")["outliers"]).intersection(read("result.json")["used"]))
+                kept += len(set(read("truth.json")["outliers"]).intersection(used(read("result.json"))))
             yield ({"Slip": f"{mm} mm and {degrees}°", "Slipped of 40": outliers} | summary(runs)
                    | {"Kept": f"{kept} of {outliers * len(SEEDS)}"})
 
