@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/write_shoot.h"
+#include "simulator/decimals.h"
 
 namespace trackedcam::simulator {
 namespace {

@@ -1,7 +1,6 @@
 #include "simulator/write_shoot.h"
 
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <fstream>
 #include <stdexcept>
@@ -11,8 +10,9 @@
 #include <nlohmann/json.hpp>
 #include <opencv2/imgcodecs.hpp>
 
+#include "simulator/decimals.h"
 #include "simulator/mounting.h"
-#include "simulator/photographs.h"
+#include "simulator/rendering.h"
 
 namespace trackedcam::simulator {
 namespace {
@@ -26,14 +26,6 @@ constexpr const char* kHeader =
     "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
 constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
 constexpr double kSecondsBetweenPhotographs = 2.5;
-
-template <typename... Format>
-std::string Text(double number, Format... format) {
-  std::array<char, 400> text = {};
-  const auto [end, error] =
-      std::to_chars(text.data(), text.data() + text.size(), number, format...);
-  return error == std::errc() ? std::string(text.data(), end) : std::string();
-}
 
 // The tracking system reports other axes of a tracker: its x, y, z are -x, -z, -y here.
 Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
@@ -236,14 +228,6 @@ std::string TruthText(const Shoot& shoot) {
   };
   ListPhotographs(shoot, truth);
   return truth.dump(2) + '\n';
-}
-
-std::string ToShortestText(double number) {
-  return Text(number);
-}
-
-std::string ToFixedText(double number, int decimals) {
-  return Text(number, std::chars_format::fixed, decimals);
 }
 
 }  // namespace trackedcam::simulator

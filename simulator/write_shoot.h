@@ -29,10 +29,4 @@ std::string ConfigText(const Shoot& shoot);
 /// in metres, angles in degrees, and lens values in pixels unless their name says otherwise.
 std::string TruthText(const Shoot& shoot);
 
-/// The shortest text that reads back as this number, in every locale.
-std::string ToShortestText(double number);
-
-/// The number with this many decimals, in every locale.
-std::string ToFixedText(double number, int decimals);
-
 }  // namespace trackedcam::simulator

@@ -5,7 +5,7 @@
 #include <optional>
 #include <system_error>
 
-#include "host/input/inputs.h"
+#include "host/input/input_error.h"
 #include "host/text/files.h"
 #include "host/text/text.h"
 

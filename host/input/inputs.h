@@ -5,18 +5,12 @@
 #include <array>
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 
 #include "crosscheck/observations.h"
+#include "host/input/input_error.h"
 #include "host/input/reported_axes.h"
 
 namespace trackedcam::host {
-
-/// An input cannot be used; the message says what to change.
-class InputError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 using crosscheck::Mounting;
 

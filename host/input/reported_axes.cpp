@@ -7,7 +7,7 @@
 #include <Eigen/Geometry>
 
 #include "host/input/data_file.h"
-#include "host/input/inputs.h"
+#include "host/input/input_error.h"
 #include "host/text/text.h"
 
 namespace trackedcam::host {

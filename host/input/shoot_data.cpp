@@ -1,7 +1,7 @@
 #include "host/input/shoot_data.h"
 
 #include "host/input/data_checks.h"
-#include "host/input/inputs.h"
+#include "host/input/input_error.h"
 
 namespace trackedcam::host {
 

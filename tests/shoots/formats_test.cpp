@@ -5,7 +5,7 @@
 
 #include "shoots/calibrate_shoot.h"
 #include "shoots/expected_log.h"
-#include "simulator/photographs.h"
+#include "simulator/rendering.h"
 #include "simulator/write_shoot.h"
 #include "support/image_file.h"
 #include "support/transform_matchers.h"

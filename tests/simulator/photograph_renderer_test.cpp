@@ -2,7 +2,7 @@
 #include <opencv2/calib3d.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "simulator/photographs.h"
+#include "simulator/rendering.h"
 
 namespace trackedcam::simulator {
 namespace {

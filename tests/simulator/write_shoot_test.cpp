@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <opencv2/imgcodecs.hpp>
 
-#include "simulator/photographs.h"
+#include "simulator/rendering.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::simulator {

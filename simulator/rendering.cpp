@@ -1,4 +1,4 @@
-#include "simulator/photographs.h"
+#include "simulator/rendering.h"
 
 #include <algorithm>
 #include <cmath>
