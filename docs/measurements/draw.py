@@ -1,4 +1,4 @@
-"""Draws the figures of docs/ that show data. Needs matplotlib (package python3-matplotlib).
+"""Draws the diagrams of docs/ that show data. Needs matplotlib (package python3-matplotlib).
 
 Usage: draw.py TRUTH
 
