@@ -136,7 +136,7 @@ void FillMounting(const Observations& observations, const Evidence& evidence,
   nominal.pScaleFree =
       free ? CompareMounting(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
            : nominal.p;
-  nominal.perhaps = LikelySlip(observations, solution.Transform_Tr_Chart);
+  nominal.likelyMistake = LikelyMistake(observations, solution.Transform_Tr_Chart);
 }
 
 // The transform that follows from the stated mounting, where no other is to be checked.
@@ -179,9 +179,9 @@ double ChartSpread(const Loops& loops) {
   return std::sqrt(squares / static_cast<double>(loops.size()));
 }
 
-void Fill(const Observations& observations, const Evidence& evidence, Grounds& grounds,
+void Fill(const Observations& observations, const Evidence& evidence, FindingInputs& inputs,
           CrossCheck& check) {
-  const Solution& solution = *grounds.solution;
+  const Solution& solution = *inputs.solution;
   FillSolution(evidence, solution, check);
   ComparePhotographs(observations, evidence, solution, check.perPhotograph);
 
@@ -195,16 +195,16 @@ void Fill(const Observations& observations, const Evidence& evidence, Grounds& g
   FillMounting(observations, evidence, solution, free, check);
   if (const auto step = FindStep(evidence.loops, solution)) {
     check.step = step->step;
-    grounds.withStep = step->solution;
+    inputs.withStep = step->solution;
   }
   check.halves = CompareHalves(evidence, solution);
   check.onScreen = OnScreenAtAll(evidence, solution, library);
   Suggestions suggestions = SuggestViews(evidence, solution);
   check.suggestedViews = std::move(suggestions.views);
   check.photographsToHalve = suggestions.photographsToHalve;
-  grounds.result = ResultOffset(observations, evidence, solution, check);
-  grounds.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
-  grounds.chartSpreadMetres = ChartSpread(evidence.loops);
+  inputs.result = ResultOffset(observations, evidence, solution, check);
+  inputs.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
+  inputs.chartSpreadMetres = ChartSpread(evidence.loops);
 }
 
 }  // namespace
@@ -219,13 +219,13 @@ CrossCheck Check(const Observations& observations) {
   const Eigen::Matrix<double, 6, 1> lens = evidence.lensCovariance.diagonal().cwiseSqrt();
   check.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
 
-  Grounds grounds;
-  grounds.solution = SolveShoot(evidence);
-  if (grounds.solution) {
-    Fill(observations, evidence, grounds, check);
+  FindingInputs inputs;
+  inputs.solution = SolveShoot(evidence);
+  if (inputs.solution) {
+    Fill(observations, evidence, inputs, check);
   }
-  grounds.reading = FindReading(observations, evidence);
-  check.findings = FindingsOf(check, evidence, grounds);
+  inputs.misread = FindMisreadRows(observations, evidence);
+  check.findings = FindingsOf(check, evidence, inputs);
   return check;
 }
 

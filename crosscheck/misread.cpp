@@ -22,40 +22,39 @@ constexpr double kMostMetres = 0.03;
 constexpr double kSurelyRight = 2e-4;
 
 struct Attempt {
-  const char* id;
+  RowReading reading;
   Meaning meaning;
-  int shift;  // of the row that belongs to a photograph
+  int offset;  // from a photograph to the row that belongs to it
 };
 
 constexpr std::array<Attempt, 11> kAttempts = {{
-    {"quaternionsInverted", Meaning::kQuaternionsInverted, 0},
-    {"orderXyzw", Meaning::kOrderXyzw, 0},
-    {"trackersExchanged", Meaning::kTrackersExchanged, 0},
-    {"rowsLate", Meaning::kAsRead, 1},
-    {"rowsEarly", Meaning::kAsRead, -1},
-    {"millimetres", Meaning::kMillimetres, 0},
-    {"centimetres", Meaning::kCentimetres, 0},
-    {"leftHanded", Meaning::kLeftHanded, 0},
-    {"mirroredX", Meaning::kMirroredX, 0},
-    {"mirroredY", Meaning::kMirroredY, 0},
-    {"mirroredZ", Meaning::kMirroredZ, 0},
+    {RowReading::kQuaternionsInverted, Meaning::kQuaternionsInverted, 0},
+    {RowReading::kOrderXyzw, Meaning::kOrderXyzw, 0},
+    {RowReading::kTrackersExchanged, Meaning::kTrackersExchanged, 0},
+    {RowReading::kRowsLate, Meaning::kAsRead, 1},
+    {RowReading::kRowsEarly, Meaning::kAsRead, -1},
+    {RowReading::kMillimetres, Meaning::kMillimetres, 0},
+    {RowReading::kCentimetres, Meaning::kCentimetres, 0},
+    {RowReading::kLeftHanded, Meaning::kLeftHanded, 0},
+    {RowReading::kMirroredX, Meaning::kMirroredX, 0},
+    {RowReading::kMirroredY, Meaning::kMirroredY, 0},
+    {RowReading::kMirroredZ, Meaning::kMirroredZ, 0},
 }};
 
 // NaN where there is no fit.
-double MedianMetres(const Observations& observations, const Evidence& evidence,
-                    const Attempt& attempt) {
+double MedianMetres(const Observations& observations, const Evidence& evidence, Meaning meaning,
+                    int offset) {
   const auto& photographs = observations.photographs;
   const std::size_t stride = (photographs.size() + kEnough - 1) / kEnough;
   Loops loops;
   for (std::size_t i = 0; i < photographs.size(); i += std::max<std::size_t>(stride, 1)) {
-    const auto row = static_cast<std::ptrdiff_t>(i) + attempt.shift;
+    const auto row = static_cast<std::ptrdiff_t>(i) + offset;
     if (!evidence.chartPoses[i] || row < 0 ||
         row >= static_cast<std::ptrdiff_t>(photographs.size())) {
       continue;
     }
-    const auto Transform_Tc_Tr =
-        TransformOfRow(photographs[static_cast<std::size_t>(row)],
-                       observations.invertTrackerQuaternions, attempt.meaning);
+    const auto Transform_Tc_Tr = TransformOfRow(photographs[static_cast<std::size_t>(row)],
+                                                observations.invertTrackerQuaternions, meaning);
     if (Transform_Tc_Tr) {
       Loop loop;
       loop.photograph = i;
@@ -75,8 +74,8 @@ double MedianMetres(const Observations& observations, const Evidence& evidence,
 constexpr double kLeftOver = 0.25;
 constexpr double kMostLeft = 0.02;  // metres, see Apart
 
-struct Slip {
-  const char* id;
+struct Misstatement {
+  MountingMistake mistake;
   Pose mounting;
 };
 
@@ -99,25 +98,25 @@ Pose HalfTurnOfBoard(const Observations& observations) {
                                   (observations.boardRows - 1) * observations.square, 0});
 }
 
-std::vector<Slip> Slips(const Observations& observations) {
+std::vector<Misstatement> Misstatements(const Observations& observations) {
   const Mounting& stated = *observations.mounting;
   const Pose pose = TransformOf(stated);
   const Eigen::Vector3d shift = pose.translation();
   const std::array<double, 3>& angles = stated.rotationDegrees;
 
-  std::vector<Slip> slips = {
-      {"inverse", pose.inverse()},
-      {"millimetres", With(pose.linear(), shift / 1000)},
-      {"centimetres", With(pose.linear(), shift / 100)},
-      {"reportedAxes", Pose(AxisFix()) * pose},
-      {"boardTurned", pose * HalfTurnOfBoard(observations)},
+  std::vector<Misstatement> all = {
+      {MountingMistake::kInverse, pose.inverse()},
+      {MountingMistake::kMillimetres, With(pose.linear(), shift / 1000)},
+      {MountingMistake::kCentimetres, With(pose.linear(), shift / 100)},
+      {MountingMistake::kReportedAxes, Pose(AxisFix()) * pose},
+      {MountingMistake::kBoardTurned, pose * HalfTurnOfBoard(observations)},
   };
   for (unsigned signs = 1; signs < 8; ++signs) {
     Mounting other = stated;
     for (std::size_t axis = 0; axis < 3; ++axis) {
       other.rotationDegrees[axis] *= (signs >> axis & 1U) != 0 ? -1 : 1;
     }
-    slips.push_back({"angleSigns", TransformOf(other)});
+    all.push_back({MountingMistake::kAngleSigns, TransformOf(other)});
   }
   std::array<int, 3> order = {0, 1, 2};
   while (std::next_permutation(order.begin(), order.end())) {
@@ -125,25 +124,26 @@ std::vector<Slip> Slips(const Observations& observations) {
     for (const int axis : order) {
       rotation = rotation * TurnAbout(axis, angles[static_cast<std::size_t>(axis)]);
     }
-    slips.push_back({"angleOrder", With(rotation, shift)});
+    all.push_back({MountingMistake::kAngleOrder, With(rotation, shift)});
   }
-  return slips;
+  return all;
 }
 
 }  // namespace
 
-std::optional<Reading> FindReading(const Observations& observations, const Evidence& evidence) {
-  const double asRead = MedianMetres(observations, evidence, {"", Meaning::kAsRead, 0});
+std::optional<MisreadRows> FindMisreadRows(const Observations& observations,
+                                           const Evidence& evidence) {
+  const double asRead = MedianMetres(observations, evidence, Meaning::kAsRead, 0);
   if (asRead < kSurelyRight) {
     return std::nullopt;
   }
-  Reading best;
+  MisreadRows best;
   double smallest = HUGE_VAL;
   for (const Attempt& attempt : kAttempts) {
-    const double median = MedianMetres(observations, evidence, attempt);
+    const double median = MedianMetres(observations, evidence, attempt.meaning, attempt.offset);
     if (median < smallest) {
       smallest = median;
-      best = {attempt.id, asRead / median, asRead * 1e3, median * 1e3};
+      best = {attempt.reading, asRead / median, asRead * 1e3, median * 1e3};
     }
   }
   // Rows that cannot be read as they stand compare with nothing: any fit is better.
@@ -152,16 +152,16 @@ std::optional<Reading> FindReading(const Observations& observations, const Evide
   return fits ? std::optional(best) : std::nullopt;
 }
 
-std::optional<std::string> LikelySlip(const Observations& observations,
-                                      const Pose& Transform_Tr_Chart) {
+std::optional<MountingMistake> LikelyMistake(const Observations& observations,
+                                             const Pose& Transform_Tr_Chart) {
   const double asStated = Apart(TransformOf(*observations.mounting), Transform_Tr_Chart);
   double nearest = std::min(kMostLeft, kLeftOver * asStated);
-  std::optional<std::string> likely;
-  for (const Slip& slip : Slips(observations)) {
-    const double apart = Apart(slip.mounting, Transform_Tr_Chart);
+  std::optional<MountingMistake> likely;
+  for (const Misstatement& misstatement : Misstatements(observations)) {
+    const double apart = Apart(misstatement.mounting, Transform_Tr_Chart);
     if (apart < nearest) {
       nearest = apart;
-      likely = slip.id;
+      likely = misstatement.mistake;
     }
   }
   return likely;

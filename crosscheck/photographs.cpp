@@ -60,7 +60,7 @@ void Explain(std::size_t index, const Evidence& evidence, const Solution& soluti
   Loop turned = evidence.loops[index];
   turned.Transform_Cam_Chart = turned.Transform_Cam_Chart * HalfTurn(evidence.board);
   if (DisagreementOf(turned, solution) <= DisagreementLimit()) {
-    photograph.why = "firstCornerAtOtherEnd";
+    photograph.whyLeftOut = WhyLeftOut::kFirstCornerAtOtherEnd;
     return;
   }
   double least = DisagreementLimit();
@@ -70,7 +70,7 @@ void Explain(std::size_t index, const Evidence& evidence, const Solution& soluti
     const double disagreement = other == index ? HUGE_VAL : DisagreementOf(exchanged, solution);
     if (disagreement <= least) {
       least = disagreement;
-      photograph.why = "fitsTrackersOf";
+      photograph.whyLeftOut = WhyLeftOut::kFitsTrackersOf;
       photograph.fitsTrackersOf = evidence.loops[other].photograph;
     }
   }
@@ -91,13 +91,13 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
       photograph.Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
       photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.board);
     } else {
-      photograph.why = "noPose";
+      photograph.whyLeftOut = WhyLeftOut::kNoPose;
     }
     if (const auto pose = TransformOfRow(observations.photographs[i],
                                          observations.invertTrackerQuaternions, Meaning::kAsRead)) {
       photograph.Transform_Tc_Tr = pose->matrix();
     } else {
-      photograph.why = "notNumbers";
+      photograph.whyLeftOut = WhyLeftOut::kNotNumbers;
     }
   }
   return photographs;

@@ -1,14 +1,15 @@
-// What a cross-check finds.
+// The result of a cross-check.
 //
-// Twists are six numbers, turn (radians) before shift (metres). A left twist d of T means
-// Exp(d) · T, a right one T · Exp(d).
+// A twist is six numbers, the rotation (radians) before the translation (metres). A left twist d of
+// T means Exp(d) · T, a right one T · Exp(d).
 
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <limits>
 #include <optional>
-#include <string>
-#include <utility>
+#include <variant>
 #include <vector>
 
 #include <Eigen/Core>
@@ -17,56 +18,66 @@
 
 namespace trackedcam::crosscheck {
 
-using Matrix6d = Eigen::Matrix<double, 6, 6>;
+/// A test with a p below this is certain: the difference is not by chance.
+constexpr double kCertain = 0.001;
 
-enum class Severity { kError, kWarning, kNote };
+enum class Tracker { kCamera, kChart };
 
-/// With the numbers of each, in this order, and what else it carries:
-enum class FindingId {
-  /// photographs, used, mm, degrees: the trackers' noise where there is a solution, else NaN
-  kNoAgreement,
-  /// times, asReadMm, fittedMm (median distance of board points); detail: a reading's id
-  kReading,
-  /// amplification, turnDegrees (how far to turn the chart about the axis, to either side), axisX,
-  /// axisY, axisZ (unit vector, Chart), axes (2 where it must be turned about one across as well)
-  kTooLittleTurning,
-  /// before (index), mm, degrees, gain; detail: camera or chart; photographs: the first one after
-  kTrackerMoved,
-  /// offMm, offDegrees, resultOffMm, resultOffDegrees, p, pScaleFree; detail: the likely slip or ""
-  kMountingOff,
-  /// share (0 to 1), worstMm, worstDegrees; photographs: all of them, the worst first
-  kBadPhotographs,
-  /// factor (true edge by stated edge), standardError, p
-  kSquareSize,
-  /// offMm, offDegrees, p: of a tracker between the first half and the second
-  kHalvesDiffer,
-  /// mm, degrees (95 % of Transform_Cam_Tc), pixels, distanceMetres (95 % on screen, from the lens)
-  kLensUncertain,
-  /// mm, degrees
-  kTrackersNoisy,
-  /// offMm, offDegrees, p; detail: mountingUnknown where none was stated, or ""
-  kLibraryApart,
+/// camera, chart
+const char* Name(Tracker tracker);
+
+/// Another way to read the rows.
+enum class RowReading {
+  kQuaternionsInverted,
+  kOrderXyzw,
+  kTrackersExchanged,
+  kRowsLate,   // a row holds the trackers of the photograph before it
+  kRowsEarly,  // a row holds the trackers of the photograph after it
+  kMillimetres,
+  kCentimetres,
+  kLeftHanded,
+  kMirroredX,  // positions only
+  kMirroredY,
+  kMirroredZ,
 };
 
-/// mountingOff, badPhotographs, ...
-const char* Name(FindingId id);
-/// error, warning, note
-const char* Name(Severity severity);
+/// quaternionsInverted, orderXyzw, ...
+const char* Name(RowReading reading);
 
-struct Finding {
-  FindingId id = FindingId::kNoAgreement;
-  Severity severity = Severity::kNote;
-  std::vector<std::pair<std::string, double>> numbers;
-  std::vector<std::size_t> photographs;  // indices in Observations::photographs
-  std::string detail;                    // a short id, see above
-
-  /// NaN where there is no number of that name.
-  double Number(const std::string& name) const;
+/// How a mounting is stated wrongly.
+enum class MountingMistake {
+  kInverse,
+  kAngleSigns,
+  kAngleOrder,
+  kMillimetres,
+  kCentimetres,
+  kReportedAxes,
+  kBoardTurned,
 };
+
+/// inverse, angleSigns, ...
+const char* Name(MountingMistake mistake);
+
+// What the cross-check solves for, and how accurate it is.
 
 struct StandardError {
-  Eigen::Vector3d shiftMm = Eigen::Vector3d::Zero();      // of the translation
-  Eigen::Vector3d turnDegrees = Eigen::Vector3d::Zero();  // about the axes of the target frame
+  Eigen::Vector3d translationMm = Eigen::Vector3d::Zero();
+  Eigen::Vector3d rotationDegrees = Eigen::Vector3d::Zero();  // about the axes of the target frame
+};
+
+/// One axis of another transform and of the cross-check's: millimetres along it or degrees about
+/// it; NaN if unknown.
+struct AxisComparison {
+  double other = std::numeric_limits<double>::quiet_NaN();       // NaN for rotations
+  double found = std::numeric_limits<double>::quiet_NaN();       // NaN for rotations
+  double difference = std::numeric_limits<double>::quiet_NaN();  // of a rotation vector
+  double half = std::numeric_limits<double>::quiet_NaN();        // width of the 95 % interval
+};
+
+struct TransformComparison {
+  std::array<AxisComparison, 3> translation;
+  std::array<AxisComparison, 3> rotation;
+  bool isCompared = false;  // both transforms are known
 };
 
 /// How far two transforms are apart, and how likely that or more would be by chance.
@@ -78,9 +89,7 @@ struct Offset {
 
 struct NominalMounting : Offset {
   double pScaleFree = 1;  // with the size of the squares free as well
-  /// inverse, angleSigns, angleOrder, millimetres, centimetres, reportedAxes, boardTurned or
-  /// nothing
-  std::optional<std::string> perhaps;
+  std::optional<MountingMistake> likelyMistake;
 };
 
 struct LensErrors {
@@ -88,28 +97,24 @@ struct LensErrors {
   double k1 = 0, k2 = 0;
 };
 
+/// How differently the chart was rotated.
 struct Diversity {
-  double amplification = 0;  // of noise by too little turning; infinite without any
+  double amplification = 0;  // of the noise by too little rotation; infinite without any
   Eigen::Vector3d weakestAxisInChart = Eigen::Vector3d::Zero();  // seen in one direction throughout
-  /// As many photographs again, turned by so much to either side about this axis, and about a
-  /// second one across where there are two, bring the amplification to 3.
-  Eigen::Vector3d turnAboutInChart = Eigen::Vector3d::Zero();
-  int axesToTurnAbout = 1;
-  double turnDegrees = 0;
+  /// The same number of photographs again, with the chart rotated by this angle to either side
+  /// about this axis, and about a second one across it if axes is 2, bring the amplification to 3.
+  double rotationDegrees = 0;
+  Eigen::Vector3d axisInChart = Eigen::Vector3d::Zero();
+  int axes = 1;
 };
 
 struct SquareSize {
-  double factor = 1;  // true edge by stated edge
+  double factor = 1;  // true edge divided by stated edge
   double standardError = 0;
   double p = 1;
 };
 
-enum class Tracker { kCamera, kChart };
-
-/// camera, chart
-const char* Name(Tracker tracker);
-
-/// A tracker that moved on its mount for good.
+/// A tracker that moved on its mount and stayed there.
 struct Step {
   Tracker tracker = Tracker::kCamera;
   std::size_t before = 0;  // index of the first photograph after it
@@ -118,6 +123,7 @@ struct Step {
   double gain = 0;  // how much better the shoot fits, as chi squared of six
 };
 
+/// The uncertainty in the image.
 struct OnScreen {
   double distanceMetres = 0;
   double pixels = 0;                   // 95 %
@@ -126,51 +132,166 @@ struct OnScreen {
   std::optional<double> libraryApart;  // how far the two solutions differ, pixels
 };
 
-/// How the chart stands before the camera.
+/// The pose of the chart in front of the camera.
 struct View {
   double tiltDegrees = 0;           // between the chart's normal and the optical axis
-  double tiltDirectionDegrees = 0;  // where the normal leans to in the picture, from x to y
+  double tiltDirectionDegrees = 0;  // direction of the normal in the image, from x to y
   double rollDegrees = 0;           // about the optical axis, from x to y
   double distanceMetres = 0;        // of the board's centre
 };
 
+struct SuggestedView : View {
+  int views = 0;    // how many of them
+  double gain = 1;  // they divide the uncertainty of Transform_Cam_Tc by this
+};
+
+/// Why a photograph is left out.
+enum class WhyLeftOut {
+  kFitsTrackersOf,         // its row is that of another photograph
+  kFirstCornerAtOtherEnd,  // the board was read from its other end
+  kNotNumbers,             // its row is not a pose
+  kNoPose,                 // its corners are not an image of the board
+};
+
 struct PerPhotograph {
   bool used = false;
-  double mm = 0;       // by how much a tracker would have to be shifted, whichever needs less
-  double degrees = 0;  // and turned
+  std::optional<WhyLeftOut> whyLeftOut;       // if known
+  std::optional<std::size_t> fitsTrackersOf;  // index of that photograph
+  double mm = 0;       // translation of a tracker that would make it fit, the smaller of the two
+  double degrees = 0;  // rotation of a tracker that would make it fit
   double predictedPixels = 0;  // root mean square between corners and prediction
-  /// Why it is left out: fitsTrackersOf, firstCornerAtOtherEnd, notNumbers, noPose or nothing.
-  std::optional<std::string> why;
-  std::optional<std::size_t> fitsTrackersOf;  // index
   Eigen::Matrix4d Transform_Cam_Chart = Eigen::Matrix4d::Identity();
   Eigen::Matrix4d Transform_Tc_Tr = Eigen::Matrix4d::Identity();
-  std::vector<Eigen::Vector2d> predicted;  // where trackers and solution expect the corners, pixels
+  std::vector<Eigen::Vector2d> predicted;  // corners by trackers and solution, pixels
   View view;
 };
 
-struct SuggestedView : View {
-  int views = 0;    // so many of them
-  double gain = 1;  // divide the uncertainty of Transform_Cam_Tc by this
+// What the cross-check reports.
+
+/// No pair of transforms fits the photographs.
+struct NoAgreement {
+  std::size_t photographs = 0;
+  std::size_t used = 0;
+  double noiseMm = 0;  // of the trackers; NaN without a solution
+  double noiseDegrees = 0;
 };
 
-/// What is not a number could not be found out.
+/// The rows fit if they are read in another way.
+struct MisreadRows {
+  RowReading reading = RowReading::kQuaternionsInverted;
+  double times = 1;     // how many times better
+  double asReadMm = 0;  // median distance of the board's corners
+  double fittedMm = 0;
+};
+
+/// The chart was rotated too little; the rotation that helps is that of Diversity.
+struct TooLittleRotation {
+  double amplification = 0;
+  double rotationDegrees = 0;
+  Eigen::Vector3d axisInChart = Eigen::Vector3d::Zero();
+  int axes = 1;
+};
+
+struct TrackerMoved {
+  Tracker tracker = Tracker::kCamera;
+  std::size_t before = 0;  // index of the first photograph after the step
+  double mm = 0;
+  double degrees = 0;
+  double gain = 0;  // how much better the shoot fits with the step, as chi squared of six
+};
+
+struct MountingOff {
+  double offMm = 0;  // of the stated mounting
+  double offDegrees = 0;
+  double resultOffMm = 0;  // of the library's result, or of what the stated mounting makes of it
+  double resultOffDegrees = 0;
+  double p = 1;
+  double pScaleFree = 1;  // with the size of the squares free as well
+  std::optional<MountingMistake> likelyMistake;
+};
+
+/// Photographs that contradict the others.
+struct BadPhotographs {
+  double share = 0;  // 0 to 1
+  double worstMm = 0;
+  double worstDegrees = 0;
+  std::vector<std::size_t> photographs;  // indices, the worst first
+};
+
+struct SquareSizeOff {
+  double factor = 1;  // true edge divided by stated edge
+  double standardError = 0;
+  double p = 1;
+};
+
+/// A tracker sits differently on its mount in the second half of the shoot than in the first.
+struct HalvesDiffer {
+  double offMm = 0;
+  double offDegrees = 0;
+  double p = 1;
+};
+
+/// The lens contributes more uncertainty than the trackers.
+struct LensUncertain {
+  double mm = 0;  // 95 % of Transform_Cam_Tc
+  double degrees = 0;
+  double pixels = 0;  // 95 % in the image at the distance
+  double distanceMetres = 0;
+};
+
+struct TrackersNoisy {
+  double mm = 0;       // along each axis
+  double degrees = 0;  // about each axis
+};
+
+/// The library's result is off although the mounting is not refuted, or is unknown.
+struct LibraryApart {
+  double offMm = 0;
+  double offDegrees = 0;
+  double p = 1;
+  bool mountingUnknown = false;
+};
+
+using FindingKind = std::variant<NoAgreement, MisreadRows, TooLittleRotation, TrackerMoved,
+                                 MountingOff, BadPhotographs, SquareSizeOff, HalvesDiffer,
+                                 LensUncertain, TrackersNoisy, LibraryApart>;
+
+/// noAgreement, reading, tooLittleRotation, trackerMoved, mountingOff, badPhotographs, squareSize,
+/// halvesDiffer, lensUncertain, trackersNoisy, libraryApart
+const char* Name(const FindingKind& kind);
+
+enum class Severity { kError, kWarning, kNote };
+
+/// error, warning, note
+const char* Name(Severity severity);
+
+struct Finding {
+  Severity severity = Severity::kNote;
+  FindingKind kind;
+};
+
+/// NaN: could not be determined.
 struct CrossCheck {
-  bool solved = false;  // else only findings and perPhotograph are filled
+  bool solved = false;  // otherwise only findings, perPhotograph, cornerNoisePixels, lens are known
   std::size_t photographs = 0;
   std::size_t used = 0;
   Eigen::Matrix4d Transform_Cam_Tc = Eigen::Matrix4d::Identity();
   Eigen::Matrix4d Transform_Tr_Chart = Eigen::Matrix4d::Identity();
-  Matrix6d covarianceCamTcTwist = Matrix6d::Zero();    // left twist
-  Matrix6d covarianceTrChartTwist = Matrix6d::Zero();  // right twist
+  Eigen::Matrix<double, 6, 6> covarianceCamTcTwist =
+      Eigen::Matrix<double, 6, 6>::Zero();  // of the left twist
+  Eigen::Matrix<double, 6, 6> covarianceTrChartTwist =
+      Eigen::Matrix<double, 6, 6>::Zero();  // of the right twist
   StandardError standardErrorCamTc;
   StandardError standardErrorTrChart;
-  double t95 = 0;  // standard errors times this: the half-width of the 95 % interval
-  double trackerNoiseDegrees = 0;  // about each axis of each tracker
-  double trackerNoiseMm = 0;       // along each axis
-  bool trackerNoiseApart = false;  // the shoot tells turning noise from shifting noise
+  double t95 = 0;  // standard errors times this: half the width of the 95 % interval
+  TransformComparison comparisonCamTc;    // other: the library's
+  TransformComparison comparisonTrChart;  // other: the stated mounting
+  double trackerNoiseDegrees = 0;         // about each axis of each tracker
+  double trackerNoiseMm = 0;              // along each axis
+  bool trackerNoiseApart = false;  // the shoot distinguishes rotation noise from translation noise
   double cornerNoisePixels = 0;    // along each axis
   LensErrors lens;
-  std::optional<Mounting> mounting;  // to pass on; nothing where the shoot cannot tell it
+  std::optional<Mounting> mounting;  // to pass on; nothing if the shoot does not determine it
   std::optional<NominalMounting> nominalMounting;
   std::optional<Offset> library;
   Diversity diversity;
@@ -180,8 +301,8 @@ struct CrossCheck {
   std::vector<OnScreen> onScreen;
   std::vector<PerPhotograph> perPhotograph;   // one for each photograph, in order
   std::vector<SuggestedView> suggestedViews;  // the best first
-  /// How many photographs of such views halve the uncertainty of Transform_Cam_Tc; nothing where a
-  /// hundred do not.
+  /// How many photographs of such views halve the uncertainty of Transform_Cam_Tc; nothing if more
+  /// than a hundred.
   std::optional<int> photographsToHalve;
   std::vector<Finding> findings;  // the worst first
 };

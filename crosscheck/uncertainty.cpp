@@ -21,8 +21,9 @@ constexpr double kGoodAmplification = 3;
 StandardError FromDerivatives(const Matrix6d& covariance, const Eigen::Matrix<double, 3, 6>& turn,
                               const Eigen::Matrix<double, 3, 6>& shift) {
   StandardError error;
-  error.turnDegrees = (turn * covariance * turn.transpose()).diagonal().cwiseSqrt() / kDegree;
-  error.shiftMm = (shift * covariance * shift.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
+  error.rotationDegrees = (turn * covariance * turn.transpose()).diagonal().cwiseSqrt() / kDegree;
+  error.translationMm =
+      (shift * covariance * shift.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
   return error;
 }
 
@@ -157,11 +158,12 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
   const auto turn = [](double cosine) {
     return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
   };
-  diversity.turnAboutInChart = axes.col(2);
-  diversity.turnDegrees = turn(2 * enough / common[0] - 1);
+  diversity.axisInChart = axes.col(2);
+  diversity.rotationDegrees = turn(2 * enough / common[0] - 1);
   if (common[2] > enough) {
-    diversity.axesToTurnAbout = 2;
-    diversity.turnDegrees = std::max(diversity.turnDegrees, turn(4 * enough / common[1] - 3));
+    diversity.axes = 2;
+    diversity.rotationDegrees =
+        std::max(diversity.rotationDegrees, turn(4 * enough / common[1] - 3));
   }
   return diversity;
 }

@@ -8,10 +8,13 @@
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
+#include "crosscheck/kit/reported.h"
 #include "simulator/random.h"
 
 namespace trackedcam::crosscheck {
 namespace {
+
+using test::Has;
 
 const double kNan = std::nan("");
 const double kInfinity = std::numeric_limits<double>::infinity();
@@ -20,15 +23,6 @@ Observations Sound() {
   simulator::ShootOptions options = test::FortyNoisy(7);
   options.photographs = 16;
   return test::MakeShoot(options).observations;
-}
-
-bool Has(const CrossCheck& check, FindingId id) {
-  for (const Finding& finding : check.findings) {
-    if (finding.id == id) {
-      return true;
-    }
-  }
-  return false;
 }
 
 TEST(BadInputTest, ABoardALensOrAMountingThatCannotBeIsRefused) {
@@ -62,12 +56,12 @@ TEST(BadInputTest, PhotographsWithoutNumbersAreLeftOutAndNamed) {
   const CrossCheck check = Check(observations);
   ASSERT_TRUE(check.solved);
   EXPECT_EQ(check.used, 11U);
-  EXPECT_EQ(check.perPhotograph[1].why, "notNumbers");
-  EXPECT_EQ(check.perPhotograph[4].why, "notNumbers");
-  EXPECT_EQ(check.perPhotograph[6].why, "notNumbers");
-  EXPECT_EQ(check.perPhotograph[9].why, "noPose");
-  ASSERT_TRUE(Has(check, FindingId::kBadPhotographs));
-  EXPECT_THAT(check.findings.front().photographs, testing::UnorderedElementsAre(1, 4, 6, 9, 11));
+  EXPECT_EQ(check.perPhotograph[1].whyLeftOut, WhyLeftOut::kNotNumbers);
+  EXPECT_EQ(check.perPhotograph[4].whyLeftOut, WhyLeftOut::kNotNumbers);
+  EXPECT_EQ(check.perPhotograph[6].whyLeftOut, WhyLeftOut::kNotNumbers);
+  EXPECT_EQ(check.perPhotograph[9].whyLeftOut, WhyLeftOut::kNoPose);
+  EXPECT_THAT(test::Get<BadPhotographs>(check).photographs,
+              testing::UnorderedElementsAre(1, 4, 6, 9, 11));
 }
 
 TEST(BadInputTest, OfTooFewPhotographsNothingIsSolved) {
@@ -79,7 +73,7 @@ TEST(BadInputTest, OfTooFewPhotographsNothingIsSolved) {
     EXPECT_FALSE(check.solved);
     EXPECT_EQ(check.photographs, count);
     EXPECT_EQ(check.perPhotograph.size(), count);
-    EXPECT_TRUE(Has(check, FindingId::kNoAgreement));
+    EXPECT_TRUE(Has<NoAgreement>(check));
   }
 }
 
@@ -123,7 +117,7 @@ TEST(BadInputTest, NoiseInPlaceOfTrackersIsNoAgreement) {
     photograph.camera.position = random.NormalVector();
     photograph.camera.quaternionWxyz << random.Normal(), random.NormalVector();
   }
-  EXPECT_TRUE(Has(Check(observations), FindingId::kNoAgreement));
+  EXPECT_TRUE(Has<NoAgreement>(Check(observations)));
 }
 
 TEST(BadInputTest, ALibrarysResultThatIsNoNumberIsNotCompared) {

@@ -2,6 +2,7 @@
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
+#include "crosscheck/kit/reported.h"
 #include "support/transform_matchers.h"
 
 namespace trackedcam::crosscheck {
@@ -12,14 +13,7 @@ using test::FortyPhotographs;
 using test::IsTransformNear;
 using test::KnownShoot;
 using test::MakeShoot;
-
-std::vector<std::string> Said(const CrossCheck& check) {
-  std::vector<std::string> said;
-  for (const Finding& finding : check.findings) {
-    said.emplace_back(Name(finding.id));
-  }
-  return said;
-}
+using test::Reported;
 
 TEST(CheckTest, FindsBothTransformsOfAPerfectShoot) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
@@ -33,7 +27,7 @@ TEST(CheckTest, FindsBothTransformsOfAPerfectShoot) {
                 IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 1e-7, 1e-5));
     EXPECT_THAT(check.Transform_Tr_Chart,
                 IsTransformNear(shoot.Transform_Tr_Chart.matrix(), 1e-7, 1e-5));
-    EXPECT_THAT(Said(check), testing::IsEmpty());
+    EXPECT_THAT(Reported(check), testing::IsEmpty());
   }
 }
 
@@ -49,12 +43,11 @@ TEST(CheckTest, FindsAMountingThatIsStatedWrongly) {
     ASSERT_TRUE(check.solved);
     EXPECT_THAT(check.Transform_Cam_Tc,
                 IsTransformNear(shoot.Transform_Cam_Tc.matrix(), 2e-3, 0.1));
-    ASSERT_THAT(Said(check), testing::ElementsAre("mountingOff"));
-    const Finding& finding = check.findings.front();
-    EXPECT_EQ(finding.severity, Severity::kError);
-    EXPECT_NEAR(finding.Number("offMm"), 27, 1.5);
-    EXPECT_NEAR(finding.Number("offDegrees"), 1, 0.1);
-    EXPECT_GT(finding.Number("resultOffMm"), 5);
+    ASSERT_THAT(Reported(check), testing::ElementsAre("mountingOff error"));
+    const MountingOff& finding = test::Get<MountingOff>(check);
+    EXPECT_NEAR(finding.offMm, 27, 1.5);
+    EXPECT_NEAR(finding.offDegrees, 1, 0.1);
+    EXPECT_GT(finding.resultOffMm, 5);
   }
 }
 

@@ -45,8 +45,8 @@ TEST(ComparisonTest, StandardErrorsAreTheSpreadOfDrawnTransforms) {
     const StandardError error = isLeft ? StandardErrorOfLeftTwist(covariance, pose)
                                        : StandardErrorOfRightTwist(covariance, pose);
     for (int k = 0; k < 3; ++k) {
-      EXPECT_NEAR(error.shiftMm[k] / (1e3 * std::sqrt(shift[k])), 1, 0.03);
-      EXPECT_NEAR(error.turnDegrees[k] * kDegree / std::sqrt(turn[k]), 1, 0.03);
+      EXPECT_NEAR(error.translationMm[k] / (1e3 * std::sqrt(shift[k])), 1, 0.03);
+      EXPECT_NEAR(error.rotationDegrees[k] * kDegree / std::sqrt(turn[k]), 1, 0.03);
     }
   }
 }

@@ -9,35 +9,21 @@
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
+#include "crosscheck/kit/reported.h"
 #include "crosscheck/kit/shoot_flaws.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
 using test::FortyNoisy;
+using test::Get;
 using test::KnownShoot;
 using test::MakeShoot;
+using test::Reported;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-
-std::vector<std::string> Said(const CrossCheck& check) {
-  std::vector<std::string> said;
-  for (const Finding& finding : check.findings) {
-    said.push_back(std::string(Name(finding.id)) + " " + Name(finding.severity));
-  }
-  return said;
-}
-
-const Finding& Get(const CrossCheck& check, FindingId id) {
-  for (const Finding& finding : check.findings) {
-    if (finding.id == id) {
-      return finding;
-    }
-  }
-  throw std::runtime_error(std::string(Name(id)) + " is not said");
-}
 
 CrossCheck CheckWithLibrary(KnownShoot shoot) {
   shoot.observations.library = test::BelievingTheMounting(shoot).matrix();
@@ -47,7 +33,7 @@ CrossCheck CheckWithLibrary(KnownShoot shoot) {
 TEST(FindingsTest, NothingIsSaidOfACleanShoot) {
   for (std::uint64_t seed = 1; seed <= 5; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
-    EXPECT_THAT(Said(CheckWithLibrary(MakeShoot(FortyNoisy(seed), 0.05))), IsEmpty());
+    EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(FortyNoisy(seed), 0.05))), IsEmpty());
   }
 }
 
@@ -61,21 +47,22 @@ TEST(FindingsTest, SlippedPhotographsAreNamedTheWorstFirst) {
   slip(30, 40);
   slip(12, 20);
   const CrossCheck check = CheckWithLibrary(shoot);
-  ASSERT_THAT(Said(check), ElementsAre("badPhotographs warning"));
-  EXPECT_THAT(check.findings[0].photographs, ElementsAre(30, 12, 5));
-  EXPECT_NEAR(check.findings[0].Number("worstMm"), 40, 2.5);
-  EXPECT_NEAR(check.findings[0].Number("share"), 3 / 40.0, 1e-12);
+  ASSERT_THAT(Reported(check), ElementsAre("badPhotographs warning"));
+  const BadPhotographs& finding = Get<BadPhotographs>(check);
+  EXPECT_THAT(finding.photographs, ElementsAre(30, 12, 5));
+  EXPECT_NEAR(finding.worstMm, 40, 2.5);
+  EXPECT_NEAR(finding.share, 3 / 40.0, 1e-12);
   EXPECT_FALSE(check.perPhotograph[30].used);
   EXPECT_NEAR(check.perPhotograph[12].mm, 20, 2.5);
-  EXPECT_EQ(check.perPhotograph[12].why, std::nullopt);
+  EXPECT_EQ(check.perPhotograph[12].whyLeftOut, std::nullopt);
 }
 
 TEST(FindingsTest, BadPhotographsAreAnErrorAboveThirtyPercent) {
   simulator::ShootOptions options = FortyNoisy(4);
   options.outliers = 14;
   const CrossCheck check = CheckWithLibrary(MakeShoot(options, 0.05));
-  EXPECT_THAT(Said(check), Contains("badPhotographs error"));
-  EXPECT_EQ(Get(check, FindingId::kBadPhotographs).photographs.size(), 14U);
+  EXPECT_THAT(Reported(check), Contains("badPhotographs error"));
+  EXPECT_EQ(Get<BadPhotographs>(check).photographs.size(), 14U);
 }
 
 TEST(FindingsTest, ExchangedRowsAndABoardReadFromItsEndAreExplained) {
@@ -85,12 +72,11 @@ TEST(FindingsTest, ExchangedRowsAndABoardReadFromItsEndAreExplained) {
   std::swap(photographs[8].chart, photographs[21].chart);
   std::reverse(photographs[33].corners.begin(), photographs[33].corners.end());
   const CrossCheck check = CheckWithLibrary(shoot);
-  EXPECT_EQ(check.perPhotograph[8].why, "fitsTrackersOf");
+  EXPECT_EQ(check.perPhotograph[8].whyLeftOut, WhyLeftOut::kFitsTrackersOf);
   EXPECT_EQ(check.perPhotograph[8].fitsTrackersOf, 21U);
   EXPECT_EQ(check.perPhotograph[21].fitsTrackersOf, 8U);
-  EXPECT_EQ(check.perPhotograph[33].why, "firstCornerAtOtherEnd");
-  EXPECT_THAT(Get(check, FindingId::kBadPhotographs).photographs,
-              testing::UnorderedElementsAre(8, 21, 33));
+  EXPECT_EQ(check.perPhotograph[33].whyLeftOut, WhyLeftOut::kFirstCornerAtOtherEnd);
+  EXPECT_THAT(Get<BadPhotographs>(check).photographs, testing::UnorderedElementsAre(8, 21, 33));
 }
 
 TEST(FindingsTest, ATrackerThatMovedIsNamedWithItsPlace) {
@@ -101,12 +87,12 @@ TEST(FindingsTest, ATrackerThatMovedIsNamedWithItsPlace) {
       test::MoveTracker(shoot, tracker, before, 10, 1);
       const CrossCheck check = CheckWithLibrary(shoot);
       // What the step explains is neither bad nor noise nor a wrong mounting.
-      ASSERT_THAT(Said(check), ElementsAre("trackerMoved error"));
-      const Finding& finding = check.findings[0];
-      EXPECT_EQ(finding.detail, Name(tracker));
-      EXPECT_THAT(finding.photographs, ElementsAre(before));
-      EXPECT_NEAR(finding.Number("mm"), 10, 1.5);
-      EXPECT_NEAR(finding.Number("degrees"), 1, 0.1);
+      ASSERT_THAT(Reported(check), ElementsAre("trackerMoved error"));
+      const auto& finding = Get<TrackerMoved>(check);
+      EXPECT_EQ(finding.tracker, tracker);
+      EXPECT_EQ(finding.before, before);
+      EXPECT_NEAR(finding.mm, 10, 1.5);
+      EXPECT_NEAR(finding.degrees, 1, 0.1);
     }
   }
 }
@@ -116,16 +102,16 @@ TEST(FindingsTest, PhotographsThatTheStepDoesNotExplainStayBad) {
   test::MoveTracker(shoot, Tracker::kCamera, 30, 10, 1);
   test::Displace(shoot.observations.photographs[10].chart, Pose(Eigen::Translation3d(0.04, 0, 0)));
   const CrossCheck check = CheckWithLibrary(shoot);
-  ASSERT_THAT(Said(check), ElementsAre("trackerMoved error", "badPhotographs warning"));
-  EXPECT_THAT(check.findings[1].photographs, ElementsAre(10));
+  ASSERT_THAT(Reported(check), ElementsAre("trackerMoved error", "badPhotographs warning"));
+  EXPECT_THAT(Get<BadPhotographs>(check).photographs, ElementsAre(10));
 }
 
 TEST(FindingsTest, SquaresOfAnotherSizeAreAWarning) {
   KnownShoot shoot = MakeShoot(FortyNoisy(7), 0.05);
   test::MisstateSquares(shoot, 1.03);
   const CrossCheck check = CheckWithLibrary(shoot);
-  EXPECT_THAT(Said(check), Contains("squareSize warning"));
-  EXPECT_THAT(Said(check), Not(Contains("mountingOff error")));
+  EXPECT_THAT(Reported(check), Contains("squareSize warning"));
+  EXPECT_THAT(Reported(check), Not(Contains("mountingOff error")));
   EXPECT_NEAR(check.square.factor, 1.03, 0.005);
   EXPECT_LT(std::abs(check.square.factor - 1.03), 4 * check.square.standardError);
 }
@@ -135,7 +121,7 @@ TEST(FindingsTest, ADriftMakesTheHalvesDiffer) {
   test::Creep(shoot, 5);
   const CrossCheck check = CheckWithLibrary(shoot);
   ASSERT_TRUE(check.halves);
-  EXPECT_THAT(Said(check),
+  EXPECT_THAT(Reported(check),
               testing::AnyOf(Contains("halvesDiffer warning"), Contains("trackerMoved error")));
   EXPECT_NEAR(check.halves->offMm, 2.5, 1);  // the middles of the halves lie so far apart
 }
@@ -145,8 +131,9 @@ TEST(FindingsTest, ALensThatIsLittleKnownIsAWarning) {
   options.photographs = 12;
   options.trackerNoiseMm = 0.05;
   options.trackerNoiseDegrees = 0.01;
-  EXPECT_THAT(Said(CheckWithLibrary(MakeShoot(options, 0.5))), Contains("lensUncertain warning"));
-  EXPECT_THAT(Said(CheckWithLibrary(MakeShoot(options, 0.02))),
+  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, 0.5))),
+              Contains("lensUncertain warning"));
+  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, 0.02))),
               Not(Contains("lensUncertain warning")));
 }
 
@@ -155,7 +142,7 @@ TEST(FindingsTest, NoisyTrackersAreAWarning) {
   options.trackerNoiseMm = 3;
   options.trackerNoiseDegrees = 0.3;
   const CrossCheck check = CheckWithLibrary(MakeShoot(options, 0.05));
-  EXPECT_THAT(Said(check), ElementsAre("trackersNoisy warning"));
+  EXPECT_THAT(Reported(check), ElementsAre("trackersNoisy warning"));
   EXPECT_NEAR(check.trackerNoiseMm, 3, 0.6);
   EXPECT_NEAR(check.trackerNoiseDegrees, 0.3, 0.06);
 }
@@ -165,8 +152,9 @@ TEST(FindingsTest, AResultThatIsApartThoughTheMountingIsRightIsAWarning) {
   shoot.observations.library =
       (shoot.Transform_Cam_Tc * Pose(Eigen::Translation3d(0.01, 0, 0))).matrix();
   const CrossCheck check = Check(shoot.observations);
-  ASSERT_THAT(Said(check), ElementsAre("libraryApart warning"));
-  EXPECT_NEAR(check.findings[0].Number("offMm"), 10, 1.5);
+  ASSERT_THAT(Reported(check), ElementsAre("libraryApart warning"));
+  EXPECT_NEAR(Get<LibraryApart>(check).offMm, 10, 1.5);
+  EXPECT_FALSE(Get<LibraryApart>(check).mountingUnknown);
 }
 
 TEST(FindingsTest, AResultThatIsApartIsAnErrorWhereTheMountingIsNotKnown) {
@@ -175,24 +163,24 @@ TEST(FindingsTest, AResultThatIsApartIsAnErrorWhereTheMountingIsNotKnown) {
   shoot.observations.library =
       (shoot.Transform_Cam_Tc * Pose(Eigen::Translation3d(0.01, 0, 0))).matrix();
   const CrossCheck check = Check(shoot.observations);
-  ASSERT_THAT(Said(check), ElementsAre("libraryApart error"));
-  EXPECT_EQ(check.findings[0].detail, "mountingUnknown");
+  ASSERT_THAT(Reported(check), ElementsAre("libraryApart error"));
+  EXPECT_TRUE(Get<LibraryApart>(check).mountingUnknown);
   shoot.observations.library = shoot.Transform_Cam_Tc.matrix();
-  EXPECT_THAT(Said(Check(shoot.observations)), IsEmpty());
+  EXPECT_THAT(Reported(Check(shoot.observations)), IsEmpty());
 }
 
 TEST(FindingsTest, TooLittleTurningSuggestsNoMounting) {
   simulator::ShootOptions options = FortyNoisy(12);
   options.mountingErrorMm = 27;
   for (const auto& [share, said] :
-       {std::pair(0.5, "tooLittleTurning warning"), std::pair(0.125, "tooLittleTurning error")}) {
+       {std::pair(0.5, "tooLittleRotation warning"), std::pair(0.125, "tooLittleRotation error")}) {
     simulator::Shoot simulated = simulator::SimulateShoot(options);
     test::TurnLess(simulated, share);
     const CrossCheck check = CheckWithLibrary(MakeShoot(simulated, 0.05));
-    EXPECT_THAT(Said(check), Contains(said));
+    EXPECT_THAT(Reported(check), Contains(said));
     EXPECT_EQ(check.mounting.has_value(), share > 0.2);
     if (share < 0.2) {
-      EXPECT_THAT(Said(check), Not(Contains("mountingOff error")));
+      EXPECT_THAT(Reported(check), Not(Contains("mountingOff error")));
     }
   }
 }
@@ -213,20 +201,18 @@ TEST(FindingsTest, WhoeverTurnsTheChartAsAdvisedHasTurnedItEnough) {
     simulator::Shoot simulated = simulator::SimulateShoot(FortyNoisy(13));
     test::TurnLess(simulated, share);
     const CrossCheck check = CheckWithLibrary(MakeShoot(simulated, 0.05));
-    const Finding& finding = Get(check, FindingId::kTooLittleTurning);
+    const auto& finding = Get<TooLittleRotation>(check);
     std::vector<Eigen::Matrix3d> rotations;
     for (const simulator::Photograph& photograph : simulated.photographs) {
       rotations.emplace_back(photograph.Transform_Cam_Chart.linear());
     }
-    EXPECT_NEAR(Amplification(rotations), finding.Number("amplification"),
-                0.05 * finding.Number("amplification"));
+    EXPECT_NEAR(Amplification(rotations), finding.amplification, 0.05 * finding.amplification);
 
-    const Eigen::Vector3d axis(finding.Number("axisX"), finding.Number("axisY"),
-                               finding.Number("axisZ"));
+    const Eigen::Vector3d& axis = finding.axisInChart;
     const Eigen::Vector3d across = axis.cross(check.diversity.weakestAxisInChart).normalized();
-    const double radians = finding.Number("turnDegrees") * EIGEN_PI / 180;
+    const double radians = finding.rotationDegrees * EIGEN_PI / 180;
     for (std::size_t i = 0; i < simulated.photographs.size(); ++i) {
-      const bool isSecond = finding.Number("axes") == 2 && i % 4 >= 2;
+      const bool isSecond = finding.axes == 2 && i % 4 >= 2;
       const Eigen::AngleAxisd turn(i % 2 == 0 ? radians : -radians, isSecond ? across : axis);
       rotations.emplace_back(rotations[i] * turn.toRotationMatrix());
     }
@@ -240,7 +226,7 @@ TEST(FindingsTest, ErrorsStandBeforeWarnings) {
   options.outliers = 4;
   options.mountingErrorMm = 27;
   options.mountingErrorDegrees = 1;
-  EXPECT_THAT(Said(CheckWithLibrary(MakeShoot(options, 0.05))),
+  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, 0.05))),
               ElementsAre("mountingOff error", "badPhotographs warning"));
 }
 

@@ -24,47 +24,47 @@ void ForEachTracker(Observations& observations, void (*spoil)(TrackerPose&)) {
 
 // What the rows hold, against what they are read as.
 struct Misreading {
-  const char* id;
+  RowReading reading;
   Spoil spoil;
 };
 
 const Misreading kMisreadings[] = {
-    {"quaternionsInverted",
+    {RowReading::kQuaternionsInverted,
      [](Observations& o) {
        ForEachTracker(o, [](TrackerPose& t) { t.quaternionWxyz.tail<3>() *= -1; });
      }},
-    {"orderXyzw",
+    {RowReading::kOrderXyzw,
      [](Observations& o) {
        ForEachTracker(o, [](TrackerPose& t) {
          const Eigen::Vector4d q = t.quaternionWxyz;
          t.quaternionWxyz = {q[1], q[2], q[3], q[0]};
        });
      }},
-    {"trackersExchanged",
+    {RowReading::kTrackersExchanged,
      [](Observations& o) {
        for (Photograph& photograph : o.photographs) {
          std::swap(photograph.camera, photograph.chart);
        }
      }},
-    {"rowsEarly",
+    {RowReading::kRowsEarly,
      [](Observations& o) {
        for (std::size_t i = 0; i + 1 < o.photographs.size(); ++i) {
          o.photographs[i].camera = o.photographs[i + 1].camera;
          o.photographs[i].chart = o.photographs[i + 1].chart;
        }
      }},
-    {"rowsLate",  // a row holds what belongs to the photograph before
+    {RowReading::kRowsLate,  // a row holds what belongs to the photograph before
      [](Observations& o) {
        for (std::size_t i = o.photographs.size() - 1; i > 0; --i) {
          o.photographs[i].camera = o.photographs[i - 1].camera;
          o.photographs[i].chart = o.photographs[i - 1].chart;
        }
      }},
-    {"millimetres",
+    {RowReading::kMillimetres,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position *= 1000; }); }},
-    {"centimetres",
+    {RowReading::kCentimetres,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position *= 100; }); }},
-    {"leftHanded",  // the mirror image in z
+    {RowReading::kLeftHanded,  // the mirror image in z
      [](Observations& o) {
        ForEachTracker(o, [](TrackerPose& t) {
          t.position.z() *= -1;
@@ -72,40 +72,41 @@ const Misreading kMisreadings[] = {
          t.quaternionWxyz[2] *= -1;
        });
      }},
-    {"mirroredX",
+    {RowReading::kMirroredX,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position.x() *= -1; }); }},
-    {"mirroredY",
+    {RowReading::kMirroredY,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position.y() *= -1; }); }},
-    {"mirroredZ",
+    {RowReading::kMirroredZ,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position.z() *= -1; }); }},
 };
 
 TEST(MisreadTest, EachReadingIsNamed) {
   for (const Misreading& misreading : kMisreadings) {
     for (std::uint64_t seed = 1; seed <= 2; ++seed) {
-      SCOPED_TRACE(std::string(misreading.id) + ", seed " + std::to_string(seed));
+      SCOPED_TRACE(std::string(Name(misreading.reading)) + ", seed " + std::to_string(seed));
       Observations observations = test::MakeShoot(test::FortyNoisy(seed), 0.05).observations;
       misreading.spoil(observations);
       const CrossCheck check = Check(observations);
       ASSERT_EQ(check.findings.size(), 1U);
-      EXPECT_EQ(check.findings[0].id, FindingId::kReading);
       EXPECT_EQ(check.findings[0].severity, Severity::kError);
-      EXPECT_EQ(check.findings[0].detail, misreading.id);
-      EXPECT_GT(check.findings[0].Number("times"), 4);
+      const auto* finding = std::get_if<MisreadRows>(&check.findings[0].kind);
+      ASSERT_TRUE(finding);
+      EXPECT_EQ(finding->reading, misreading.reading);
+      EXPECT_GT(finding->times, 4);
     }
   }
 }
 
 // What is stated instead of the true mounting.
 struct Misstatement {
-  const char* id;
+  MountingMistake mistake;
   Mounting (*state)(const Pose& truth, const Mounting& figures, const Observations& observations);
 };
 
 const Misstatement kMisstatements[] = {
-    {"inverse", [](const Pose& truth, const Mounting&,
-                   const Observations&) { return MountingOf(truth.inverse()); }},
-    {"millimetres",
+    {MountingMistake::kInverse, [](const Pose& truth, const Mounting&,
+                                   const Observations&) { return MountingOf(truth.inverse()); }},
+    {MountingMistake::kMillimetres,
      [](const Pose&, const Mounting& figures, const Observations&) {
        Mounting stated = figures;
        for (double& metres : stated.translationMetres) {
@@ -113,7 +114,7 @@ const Misstatement kMisstatements[] = {
        }
        return stated;
      }},
-    {"centimetres",
+    {MountingMistake::kCentimetres,
      [](const Pose&, const Mounting& figures, const Observations&) {
        Mounting stated = figures;
        for (double& metres : stated.translationMetres) {
@@ -121,27 +122,27 @@ const Misstatement kMisstatements[] = {
        }
        return stated;
      }},
-    {"angleSigns",
+    {MountingMistake::kAngleSigns,
      [](const Pose&, const Mounting& figures, const Observations&) {
        Mounting stated = figures;
        stated.rotationDegrees[0] *= -1;
        stated.rotationDegrees[2] *= -1;
        return stated;
      }},
-    {"angleOrder",  // the angles are meant for Rz * Ry * Rx
+    {MountingMistake::kAngleOrder,  // the angles are meant for Rz * Ry * Rx
      [](const Pose& truth, const Mounting& figures, const Observations&) {
        const Eigen::Vector3d angles = truth.linear().eulerAngles(2, 1, 0) / simulator::Radians(1);
        Mounting stated = figures;
        stated.rotationDegrees = {angles[2], angles[1], angles[0]};
        return stated;
      }},
-    {"reportedAxes",
+    {MountingMistake::kReportedAxes,
      [](const Pose& truth, const Mounting&, const Observations&) {
        Eigen::Matrix3d fix;
        fix << -1, 0, 0, 0, 0, -1, 0, -1, 0;
        return MountingOf(Pose(fix.transpose()) * truth);
      }},
-    {"boardTurned",
+    {MountingMistake::kBoardTurned,
      [](const Pose& truth, const Mounting&, const Observations& o) {
        Pose halfTurn(Eigen::AngleAxisd(simulator::Radians(180), Eigen::Vector3d::UnitZ()));
        halfTurn.translation() << (o.boardColumns - 1) * o.square, (o.boardRows - 1) * o.square, 0;
@@ -152,7 +153,7 @@ const Misstatement kMisstatements[] = {
 TEST(MisreadTest, EachSlipOfTheMountingIsNamed) {
   for (const Misstatement& misstatement : kMisstatements) {
     for (std::uint64_t seed = 1; seed <= 2; ++seed) {
-      SCOPED_TRACE(std::string(misstatement.id) + ", seed " + std::to_string(seed));
+      SCOPED_TRACE(std::string(Name(misstatement.mistake)) + ", seed " + std::to_string(seed));
       test::KnownShoot shoot = test::MakeShoot(test::FortyNoisy(seed), 0.05);
       Observations& observations = shoot.observations;
       observations.mounting =
@@ -160,10 +161,11 @@ TEST(MisreadTest, EachSlipOfTheMountingIsNamed) {
       observations.library = test::BelievingTheMounting(shoot).matrix();
       const CrossCheck check = Check(observations);
       ASSERT_TRUE(check.nominalMounting);
-      EXPECT_EQ(check.nominalMounting->perhaps, misstatement.id);
+      EXPECT_EQ(check.nominalMounting->likelyMistake, misstatement.mistake);
       ASSERT_FALSE(check.findings.empty());
-      EXPECT_EQ(check.findings[0].id, FindingId::kMountingOff);
-      EXPECT_EQ(check.findings[0].detail, misstatement.id);
+      const auto* finding = std::get_if<MountingOff>(&check.findings[0].kind);
+      ASSERT_TRUE(finding);
+      EXPECT_EQ(finding->likelyMistake, misstatement.mistake);
     }
   }
 }
@@ -174,7 +176,7 @@ TEST(MisreadTest, AnErrorThatIsNoSlipHasNoName) {
   options.mountingErrorDegrees = 1;
   const CrossCheck check = Check(test::MakeShoot(options, 0.05).observations);
   ASSERT_TRUE(check.nominalMounting);
-  EXPECT_EQ(check.nominalMounting->perhaps, std::nullopt);
+  EXPECT_EQ(check.nominalMounting->likelyMistake, std::nullopt);
 }
 
 }  // namespace

@@ -10,7 +10,6 @@ namespace {
 
 using crosscheck::CrossCheck;
 using crosscheck::Finding;
-using crosscheck::FindingId;
 using crosscheck::Severity;
 
 constexpr double kDegree = EIGEN_PI / 180;
@@ -35,9 +34,9 @@ void CountPhotographs(const CrossCheck& check, const simulator::Shoot& shoot, Ta
     tally.badOnesTaken += static_cast<int>(isBad(i) && check.perPhotograph[i].used);
   }
   for (const Finding& finding : check.findings) {
-    if (finding.id == FindingId::kBadPhotographs) {
+    if (const auto* bad = std::get_if<crosscheck::BadPhotographs>(&finding.kind)) {
       tally.goodOnesBlamed +=
-          static_cast<int>(std::count_if(finding.photographs.begin(), finding.photographs.end(),
+          static_cast<int>(std::count_if(bad->photographs.begin(), bad->photographs.end(),
                                          [&](std::size_t i) { return !isBad(i); }));
     }
   }
@@ -46,9 +45,9 @@ void CountPhotographs(const CrossCheck& check, const simulator::Shoot& shoot, Ta
 void CountFindings(const CrossCheck& check, Tally& tally) {
   bool isLoud = false;
   for (const Finding& finding : check.findings) {
-    ++tally.said[std::string(Name(finding.id)) + " " + Name(finding.severity)];
-    isLoud =
-        isLoud || (finding.severity != Severity::kNote && finding.id != FindingId::kBadPhotographs);
+    ++tally.said[std::string(Name(finding.kind)) + " " + Name(finding.severity)];
+    isLoud = isLoud || (finding.severity != Severity::kNote &&
+                        !std::holds_alternative<crosscheck::BadPhotographs>(finding.kind));
   }
   tally.loud += static_cast<int>(isLoud);
 }
@@ -79,8 +78,8 @@ std::array<bool, kAxes> Covered(const CrossCheck& check, const KnownShoot& shoot
   };
   const auto addBoth = [&](const Eigen::Matrix4d& found, const crosscheck::Pose& truth,
                            const crosscheck::StandardError& error) {
-    add(1e3 * (found.topRightCorner<3, 1>() - truth.translation()), error.shiftMm);
-    add(turn(found, truth), error.turnDegrees);
+    add(1e3 * (found.topRightCorner<3, 1>() - truth.translation()), error.translationMm);
+    add(turn(found, truth), error.rotationDegrees);
   };
   addBoth(check.Transform_Cam_Tc, shoot.Transform_Cam_Tc, check.standardErrorCamTc);
   addBoth(check.Transform_Tr_Chart, shoot.Transform_Tr_Chart, check.standardErrorTrChart);

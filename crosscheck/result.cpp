@@ -1,0 +1,90 @@
+#include "crosscheck/result.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+struct NameOfKind {
+  const char* operator()(const NoAgreement&) const { return "noAgreement"; }
+  const char* operator()(const MisreadRows&) const { return "reading"; }
+  const char* operator()(const TooLittleRotation&) const { return "tooLittleRotation"; }
+  const char* operator()(const TrackerMoved&) const { return "trackerMoved"; }
+  const char* operator()(const MountingOff&) const { return "mountingOff"; }
+  const char* operator()(const BadPhotographs&) const { return "badPhotographs"; }
+  const char* operator()(const SquareSizeOff&) const { return "squareSize"; }
+  const char* operator()(const HalvesDiffer&) const { return "halvesDiffer"; }
+  const char* operator()(const LensUncertain&) const { return "lensUncertain"; }
+  const char* operator()(const TrackersNoisy&) const { return "trackersNoisy"; }
+  const char* operator()(const LibraryApart&) const { return "libraryApart"; }
+};
+
+}  // namespace
+
+const char* Name(Tracker tracker) {
+  return tracker == Tracker::kCamera ? "camera" : "chart";
+}
+
+const char* Name(RowReading reading) {
+  switch (reading) {
+    case RowReading::kQuaternionsInverted:
+      return "quaternionsInverted";
+    case RowReading::kOrderXyzw:
+      return "orderXyzw";
+    case RowReading::kTrackersExchanged:
+      return "trackersExchanged";
+    case RowReading::kRowsLate:
+      return "rowsLate";
+    case RowReading::kRowsEarly:
+      return "rowsEarly";
+    case RowReading::kMillimetres:
+      return "millimetres";
+    case RowReading::kCentimetres:
+      return "centimetres";
+    case RowReading::kLeftHanded:
+      return "leftHanded";
+    case RowReading::kMirroredX:
+      return "mirroredX";
+    case RowReading::kMirroredY:
+      return "mirroredY";
+    case RowReading::kMirroredZ:
+      return "mirroredZ";
+  }
+  return "";
+}
+
+const char* Name(MountingMistake mistake) {
+  switch (mistake) {
+    case MountingMistake::kInverse:
+      return "inverse";
+    case MountingMistake::kAngleSigns:
+      return "angleSigns";
+    case MountingMistake::kAngleOrder:
+      return "angleOrder";
+    case MountingMistake::kMillimetres:
+      return "millimetres";
+    case MountingMistake::kCentimetres:
+      return "centimetres";
+    case MountingMistake::kReportedAxes:
+      return "reportedAxes";
+    case MountingMistake::kBoardTurned:
+      return "boardTurned";
+  }
+  return "";
+}
+
+const char* Name(const FindingKind& kind) {
+  return std::visit(NameOfKind(), kind);
+}
+
+const char* Name(Severity severity) {
+  switch (severity) {
+    case Severity::kError:
+      return "error";
+    case Severity::kWarning:
+      return "warning";
+    case Severity::kNote:
+      return "note";
+  }
+  return "";
+}
+
+}  // namespace trackedcam::crosscheck
