@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "fuzz/fuzz.h"
+#include "host/findings/finding_text.h"
 #include "host/input/data_checks.h"
 #include "host/input/data_file.h"
 #include "host/input/inputs.h"
@@ -34,7 +35,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   for (const host::Finding& finding : host::CheckData(content, rows)) {
-    fuzz::Require(!finding.text.empty() && !finding.id.empty(), "a finding without id or text");
+    fuzz::Require(!host::Text(finding).empty() && !host::Advice(finding).empty(),
+                  "text of a finding");
   }
   for (const host::TrackerAxes& axes : host::kTrackerAxes) {
     try {

@@ -8,13 +8,13 @@
 #include <stdexcept>
 
 #include "host/findings/cross_check_findings.h"
-#include "host/findings/row_words.h"
-#include "host/findings/run_findings.h"
+#include "host/findings/finding_text.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/run/library_run.h"
 #include "host/run/run_folder.h"
 #include "host/verdict/observed.h"
+#include "host/verdict/run_findings.h"
 
 namespace trackedcam::host {
 namespace {
@@ -37,13 +37,7 @@ void CrossCheckRun(Report& report, bool hasResult) {
     return;  // a log whose values contradict each other: there is nothing to check
   } catch (const std::exception& error) {
     // The library's result is valid without a second opinion.
-    report.findings.push_back({"notCrossChecked",
-                               Severity::kWarning,
-                               std::string("The cross-check stopped: ") + error.what() + '.',
-                               "Keep the log and report it.",
-                               {},
-                               {},
-                               ""});
+    report.findings.push_back({Severity::kWarning, NotCrossChecked{error.what()}, {}});
     return;
   }
   EnterCrossCheck(*report.crossCheck, report.photographs);
@@ -55,14 +49,14 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) 
   report.findings = ofInput;
   CrossCheckRun(report, hasResult);
   Append(report.findings, FindingsOf(report.run));
-  const std::vector<Finding> losses = LossesOf(report.run);
+  const std::vector<Finding> outputErrors = OutputErrorsOf(report.run);
   if (!report.crossCheck) {
-    Append(report.findings, losses);  // without a cross-check the result is doubtful
+    Append(report.findings, outputErrors);  // without a cross-check the result is doubtful
   }
   SortFindings(report.findings);
-  report.verdict = VerdictOf(report.run, report.findings);
+  report.verdict = VerdictOf(report.run, report.photographs.size(), report.findings);
   if (report.crossCheck) {
-    Append(report.findings, losses);
+    Append(report.findings, outputErrors);
     SortFindings(report.findings);
   }
 }
@@ -105,23 +99,18 @@ PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
     list[index].state = PhotographState::kLeftOutBeforeTheRun;
   }
   if (ToRun(list).empty() && !findings.empty()) {
-    throw InputError(findings.front().text + ' ' + findings.front().advice);
+    throw InputError(Text(findings.front()) + ' ' + Advice(findings.front()));
   }
   return list;
-}
-
-bool HasFinding(const Report& report, const std::string& id) {
-  return std::any_of(report.findings.begin(), report.findings.end(),
-                     [&](const Finding& finding) { return finding.id == id; });
 }
 
 bool HasBetterAnswer(const Report& report) {
   if (!report.crossCheck || !report.crossCheck->mounting) {
     return false;
   }
-  const bool isOff = HasFinding(report, "mountingOff") || HasFinding(report, "badPhotographs") ||
-                     HasFinding(report, "libraryApart");
-  return !report.inputs.mounting || (report.inputs.refineMounting && isOff);
+  return !report.inputs.mounting ||
+         (report.inputs.refineMounting &&
+          std::any_of(report.findings.begin(), report.findings.end(), CanRefine));
 }
 
 // For a second run: what contradicts the others in the first one is left out, and says why.
@@ -136,41 +125,15 @@ PhotographList ListWithoutBad(const Report& first, PhotographList list) {
   return list;
 }
 
-// Without a mounting a run ends with a result or one of these.
-bool DependsOnMounting(const LibraryRun& run) {
-  const std::set<int> codes = {kSuccess, kNewShootRecommended, 6, 13, 14};
-  return run.code && codes.count(*run.code) > 0;
-}
-
-// Without a mounting there is no result, whatever the code.
 void JudgeAsFailed(Report& report) {
-  const std::string wordsOfRun = report.verdict.words;
-  report.verdict.level = Level::kFailed;
-  report.verdict.words =
-      "The mounting of the chart's tracker was not stated, and cannot be found from this shoot.";
-  report.verdict.nextStep = NextStep::kNone;
-  const auto error = [](const Finding& finding) { return finding.severity != Severity::kNote; };
-  const auto worst = std::find_if(report.findings.begin(), report.findings.end(), error);
-  if (worst != report.findings.end()) {
-    report.verdict.words += ' ' + worst->text;
-    report.verdict.advice = worst->advice;
-  } else if (DependsOnMounting(report.run)) {
-    report.verdict.advice = "State the mounting, or shoot more photographs.";
-  } else {
-    report.verdict.words += ' ' + wordsOfRun;  // such as too few photographs
-  }
+  report.verdict = VerdictWithoutMounting(report.run, report.findings);
 }
 
 void AddNotRefined(Report& first, const std::string& reason) {
   if (!first.mountingIsStated) {
     JudgeAsFailed(first);
   }
-  Finding finding;
-  finding.id = "notRefined";
-  finding.severity = Severity::kWarning;
-  finding.text = "The second run, with the mounting found, could not begin: " + reason + '.';
-  finding.advice = "Check the log folder and the disk, and calibrate again.";
-  first.findings.push_back(finding);
+  first.findings.push_back({Severity::kWarning, NotRefined{reason}, {}});
   SortFindings(first.findings);
 }
 

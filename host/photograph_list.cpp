@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/findings/cross_check_findings.h"
+#include "host/findings/finding_text.h"
 
 namespace trackedcam::host {
 namespace {
@@ -129,7 +129,7 @@ void EnterCrossCheck(const crosscheck::CrossCheck& check, PhotographList& list) 
   const std::vector<std::string> names = CheckedNames(list);
   for (PhotographEntry& entry : list) {
     if (entry.checked && !check.perPhotograph.at(*entry.checked).used) {
-      const std::string why = WhyLeftOut(check.perPhotograph[*entry.checked], names);
+      const std::string why = ReasonText(check.perPhotograph[*entry.checked], names);
       entry.reason = why.empty() ? Describe(PhotographState::kLeftOutByCrossCheck) : why;
     }
   }

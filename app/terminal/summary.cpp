@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "app/terminal/output.h"
-#include "host/findings/cross_check_findings.h"
-#include "host/findings/run_findings.h"
+#include "host/findings/finding_text.h"
 #include "host/input/reported_axes.h"
 #include "host/result/result_file.h"
 #include "host/run/library_run.h"
@@ -76,13 +75,13 @@ void PrintOffset(std::ostream& out, const char* label, const crosscheck::Offset&
 
 // The largest of the three axes, as a half-width of 95 %.
 std::vector<std::string> Known(const crosscheck::StandardError& error, double t95) {
-  return Off(t95 * error.shiftMm.maxCoeff(), t95 * error.turnDegrees.maxCoeff());
+  return Off(t95 * error.translationMm.maxCoeff(), t95 * error.rotationDegrees.maxCoeff());
 }
 
 void PrintBad(std::ostream& out, const host::Report& report) {
   for (const host::Finding& finding : report.findings) {
-    if (finding.id == "badPhotographs") {
-      out << "  " << finding.text << '\n';
+    if (std::holds_alternative<host::BadPhotographs>(finding.kind)) {
+      out << "  " << Text(finding) << '\n';
     }
   }
 }
@@ -184,10 +183,8 @@ void PrintFindings(std::ostream& out, const std::vector<host::Finding>& findings
   }
   out << "\nFindings\n";
   for (const host::Finding& finding : findings) {
-    out << "  " << Name(finding.severity) << ": " << finding.text << '\n';
-    if (!finding.advice.empty()) {
-      out << "    " << finding.advice << '\n';
-    }
+    out << "  " << Name(finding.severity) << ": " << Text(finding) << '\n';
+    out << "    " << Advice(finding) << '\n';
   }
 }
 
@@ -197,7 +194,7 @@ void PrintVerdict(std::ostream& out, const Report& report) {
   out << '\n'
       << (host::IsUsable(run) || !run.code ? ""
                                            : "Failed, code " + std::to_string(*run.code) + ": ")
-      << verdict.words << "\nNext: " << verdict.advice << '\n';
+      << verdict.message << "\nNext: " << verdict.advice << '\n';
   for (const std::string& command : verdict.commands) {
     out << "      " << command << '\n';
   }
@@ -328,16 +325,16 @@ void PrintMountingFound(std::ostream& out, const host::Report& report) {
   if (check.solved) {
     const auto& error = check.standardErrorTrChart;
     PrintRow(out, "it is known to",
-             {Fixed(check.t95 * error.shiftMm.maxCoeff(), 1) + " mm",
-              Fixed(check.t95 * error.turnDegrees.maxCoeff(), 2) + " deg", "(95 %)"});
+             {Fixed(check.t95 * error.translationMm.maxCoeff(), 1) + " mm",
+              Fixed(check.t95 * error.rotationDegrees.maxCoeff(), 2) + " deg", "(95 %)"});
   }
 }
 
 void PrintWarning(std::ostream& out, const host::Report& report) {
   const host::Verdict& verdict = report.verdict;
   for (const host::Finding& finding : report.findings) {
-    if (host::IsLoss(finding) && verdict.words.find(finding.text) == std::string::npos) {
-      out << "trackedcam: warning: " << finding.text << '\n';
+    if (IsOutputError(finding) && verdict.message.find(Text(finding)) == std::string::npos) {
+      out << "trackedcam: warning: " << Text(finding) << '\n';
     }
   }
   if (verdict.level == Level::kGood) {
@@ -346,7 +343,7 @@ void PrintWarning(std::ostream& out, const host::Report& report) {
   const auto& code = report.run.code;
   const bool hasCode = verdict.level == Level::kFailed && code && *code != host::kSuccess;
   out << "trackedcam: " << (verdict.level == Level::kDoubtful ? "warning" : "error")
-      << (hasCode ? ' ' + std::to_string(*code) : "") << ": " << verdict.words << '\n';
+      << (hasCode ? ' ' + std::to_string(*code) : "") << ": " << verdict.message << '\n';
 }
 
 int ExitStatus(const host::Report& report) {

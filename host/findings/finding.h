@@ -1,7 +1,14 @@
+// What a user must know about a shoot or its result, as named values. finding_text.h makes the
+// sentences, finding_json.h the form for other programs.
+
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
-#include <utility>
+#include <variant>
 #include <vector>
 
 #include "crosscheck/result.h"
@@ -10,15 +17,184 @@ namespace trackedcam::host {
 
 using crosscheck::Severity;
 
-/// Something that a user must know about a shoot or its result.
-struct Finding {
-  std::string id;  // for programs: "mountingOff"
-  Severity severity = Severity::kNote;
-  std::string text;    // for people: one sentence, which names row or photograph
-  std::string advice;  // what to do about it, one sentence; empty where the text says it all
-  std::vector<std::pair<std::string, double>> numbers;  // of the text, by name
-  std::vector<std::string> photographs;                 // that it names
-  std::string detail;                                   // a short id, such as of a likely slip
+// From the rows of the data file.
+
+/// Rows by their line in the file, counted from 1.
+struct RowNumbers {
+  std::vector<std::size_t> lines;  // ascending, at least one
+  std::size_t all = 0;             // rows of the file; 0 if the lines are not all of them rows
 };
+
+struct RowFault {
+  enum class Kind {
+    kSemicolons,
+    kTabs,
+    kBars,
+    kDecimalCommas,
+    kQuotes,
+    kExtraColumn,
+    kTimeWithT,
+    kNotUtf8,  // outside the paths
+    kPathNotUtf8,
+    kMissingFields,
+    kLostTracking,
+    kZeroQuaternion,
+    kRepeatedPoses,
+    kBlankLine,
+    kHeader,
+  };
+  Kind kind = Kind::kSemicolons;
+  RowNumbers rows;
+};
+
+/// A field that is not a number that a pose can have.
+struct ValueFault {
+  enum class Kind { kNotFinite, kTooLarge, kText };
+  Kind kind = Kind::kNotFinite;
+  RowNumbers rows;
+  std::size_t field = 0;   // in the first of the rows, counted from 1
+  std::string photograph;  // of that row; may be empty
+};
+
+struct QuaternionLength {
+  RowNumbers rows;
+  double length = 0;  // in the first of the rows
+};
+
+/// A tracker that repeats its pose while the other one moves.
+struct FrozenPose {
+  crosscheck::Tracker tracker = crosscheck::Tracker::kCamera;
+  RowNumbers rows;
+};
+
+/// Rows whose photograph an earlier row has.
+struct RepeatedRows {
+  RowNumbers rows;
+  std::size_t different = 0;  // photographs of the file
+};
+
+struct LengthUnit {
+  double metres = 0;  // between the trackers, median
+};
+
+/// The data file is UTF-16 text.
+struct Utf16Text {};
+
+// From the photographs' files. Finding::photographs has their names.
+
+using ImageSize = std::array<std::uint64_t, 2>;  // width, height
+
+struct PhotographFault {
+  enum class Kind { kNotAFile, kUnreadable, kOtherFormat, kUnknownFormat };
+  Kind kind = Kind::kNotAFile;
+  std::size_t count = 0;
+  std::size_t all = 0;  // photographs of the shoot
+};
+
+struct MissingPhotographs {
+  std::size_t count = 0;
+  std::size_t all = 0;
+  std::string folder;            // with the first of them; empty: not found
+  std::string nameInFolder;      // its path in the data file, or the last part of it
+  bool isWorkingFolder = false;  // the paths of the data file begin in that folder
+};
+
+struct HugePhotographs {
+  std::vector<ImageSize> sizes;  // in the order of Finding::photographs
+  std::size_t count = 0;
+  std::size_t all = 0;
+};
+
+struct PhotographSizes {
+  ImageSize common = {};         // that most photographs have
+  std::vector<ImageSize> sizes;  // of the others, in the order of Finding::photographs
+  std::size_t count = 0;
+};
+
+struct OrientationTag {
+  bool isMixed = false;  // only some photographs are rotated, so sizes differ
+  std::size_t count = 0;
+  std::size_t all = 0;
+};
+
+/// The photographs' aspect ratio is not the sensor's.
+struct Aspect {
+  ImageSize image = {};
+  std::array<double, 2> sensorMm = {};
+};
+
+// From the run.
+
+struct FewUsed {
+  std::size_t used = 0;
+  std::size_t seen = 0;  // photographs in which the board was found
+};
+
+struct BoardNowhere {
+  int columns = 0;  // inner corners
+  int rows = 0;
+};
+
+struct LogIncomplete {
+  bool isCrossCheckable = true;
+};
+
+struct ImagesMissing {
+  std::size_t count = 0;
+  std::size_t all = 0;
+};
+
+/// The second run could not begin.
+struct NotRefined {
+  std::string reason;
+};
+
+struct NotCrossChecked {
+  std::string reason;
+};
+
+// From the cross-check.
+
+struct Disagreement {
+  double mm = 0;
+  double degrees = 0;
+  std::optional<crosscheck::WhyLeftOut> why;
+  std::string fitsTrackersOf;  // a photograph, for that reason
+};
+
+struct BadPhotographs {
+  double share = 0;                         // of all, 0 to 1
+  std::vector<Disagreement> disagreements;  // in the order of Finding::photographs, the worst first
+};
+
+using FindingKind =
+    std::variant<RowFault, ValueFault, QuaternionLength, FrozenPose, RepeatedRows, LengthUnit,
+                 Utf16Text, PhotographFault, MissingPhotographs, HugePhotographs, PhotographSizes,
+                 OrientationTag, Aspect, FewUsed, BoardNowhere, LogIncomplete, ImagesMissing,
+                 NotRefined, NotCrossChecked, BadPhotographs, crosscheck::NoAgreement,
+                 crosscheck::MisreadRows, crosscheck::TooLittleRotation, crosscheck::TrackerMoved,
+                 crosscheck::MountingOff, crosscheck::SquareSizeOff, crosscheck::HalvesDiffer,
+                 crosscheck::LensUncertain, crosscheck::TrackersNoisy, crosscheck::LibraryApart>;
+
+struct Finding {
+  Severity severity = Severity::kNote;
+  FindingKind kind;
+  std::vector<std::string> photographs;  // by name; of many rows or files the first hundred
+};
+
+constexpr std::size_t kMostNamedPhotographs = 100;
+
+/// An error if a fault concerns more than 30 % of all rows, so that the result cannot be right;
+/// otherwise a warning: a few rows drop out or are outvoted.
+Severity SeverityOf(std::size_t some, std::size_t all);
+
+/// The worst first; equally severe ones stay in order.
+void SortFindings(std::vector<Finding>& findings);
+
+/// A second run with the mounting found, without the bad photographs, can give a better result.
+bool CanRefine(const Finding& finding);
+
+/// Something that was computed could not be written. It says nothing about the result.
+bool IsOutputError(const Finding& finding);
 
 }  // namespace trackedcam::host

@@ -12,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/findings/row_words.h"
 #include "host/input/data_file.h"
 #include "host/input/image_header.h"
 #include "host/text/text.h"
@@ -45,12 +44,12 @@ std::vector<fs::path> FoldersAround(const Inputs& inputs) {
   return folders;
 }
 
-// Rows of another system have its slashes.
+// Data files of another system have its slashes.
 std::string FileName(const std::string& photograph) {
   return photograph.substr(photograph.find_last_of("/\\") + 1);
 }
 
-// Empty where there is none.
+// Empty if there is none.
 fs::path FolderWith(const std::string& name, const std::vector<fs::path>& folders) {
   for (const fs::path& folder : folders) {
     std::error_code error;
@@ -61,39 +60,33 @@ fs::path FolderWith(const std::string& name, const std::vector<fs::path>& folder
   return {};
 }
 
-using Size = std::array<std::uint64_t, 2>;  // width, height
-
 constexpr std::uint64_t kMostPixels = 200000000;
 constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
 
-// Beyond, rows without a photograph are not given to the library: it says two lines of each.
+// Further rows without a photograph are not given to the library: it logs two lines for each.
 constexpr std::size_t kMostMissing = 10000;
-constexpr std::size_t kMostNamed = 100;
 constexpr double kAspectTolerance = 0.01;
 
-struct Picture {
+struct Image {
   std::string photograph;
   PhotographHeader header;
 
-  Size Stored() const { return {header.width, header.height}; }
+  ImageSize Stored() const { return {header.width, header.height}; }
 
-  // Not every decoder turns a WebP picture, and this one does not.
-  Size Decoded() const {
-    const bool isTurned = header.IsRotated() && header.format != PhotographFormat::kWebp;
-    return isTurned ? Size{header.height, header.width} : Stored();
+  // Not every decoder rotates a WebP image, and this one does not.
+  ImageSize Decoded() const {
+    const bool isRotated = header.IsRotated() && header.format != PhotographFormat::kWebp;
+    return isRotated ? ImageSize{header.height, header.width} : Stored();
   }
 };
 
 struct Sorted {
-  Names missing, noFile, unreadable, unknown, otherFormat, huge;
-  std::vector<Picture> pictures;
-  std::size_t without = 0;  // rows that name no picture
+  Names missing, noFile, unreadable, unknown, otherFormat;
+  std::vector<Image> huge;
+  std::vector<Image> images;
+  std::size_t without = 0;  // rows without an image
   std::size_t all = 0;
 };
-
-std::string SizeText(const Size& size) {
-  return std::to_string(size[0]) + " x " + std::to_string(size[1]);
-}
 
 bool IsHuge(const PhotographHeader& header) {
   return header.width > kMostPixels / header.height || header.width > kLongestSide ||
@@ -105,7 +98,7 @@ bool HasBytes(const fs::path& file) {
   return fs::file_size(file, error) > 0 && !error;
 }
 
-// A picture whose size is not known may be one of gigabytes. What is none, no decoder takes.
+// An image whose size is not known may be one of gigabytes. No decoder takes other files.
 bool SortWithoutHeader(const fs::path& file, const std::string& name, Sorted& sorted) {
   switch (KindOfFile(file)) {
     case FileKind::kPhotograph:
@@ -131,7 +124,7 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
   std::error_code error;
   const fs::file_type type = fs::status(file, error).type();
   if (type == fs::file_type::not_found) {
-    if (FormOf(row).IsPlain()) {  // else the second field is no path
+    if (FormOf(row).IsPlain()) {  // otherwise the second field is not a path
       sorted.missing.push_back(name);
     }
     return ++sorted.without <= kMostMissing;
@@ -149,162 +142,132 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
     return SortWithoutHeader(file, name, sorted);
   }
   if (IsHuge(*header)) {
-    sorted.huge.push_back(name + " (" + SizeText({header->width, header->height}) + ")");
+    sorted.huge.push_back({name, *header});
     return false;
   }
-  sorted.pictures.push_back({name, *header});
+  sorted.images.push_back({name, *header});
   return true;
 }
 
-Finding& Add(std::vector<Finding>& findings, const char* id, Severity severity,
-             const std::string& text, const std::string& advice, const Names& photographs) {
-  const auto count = static_cast<double>(photographs.size());
-  const auto end =
-      photographs.begin() + static_cast<std::ptrdiff_t>(std::min(photographs.size(), kMostNamed));
-  return findings.emplace_back(Finding{
-      id, severity, text, advice, {{"photographs", count}}, Names(photographs.begin(), end), ""});
+// Photographs that drop out before they can do harm.
+Severity SeverityOfLeftOut(std::size_t some, std::size_t all) {
+  return SeverityOf(some, all) == Severity::kError ? Severity::kError : Severity::kNote;
+}
+
+// Adds a finding if there are such photographs.
+template <class Kind>
+void Add(std::vector<Finding>& findings, Severity severity, Kind kind, const Names& photographs) {
+  if (!photographs.empty()) {
+    const auto named = std::min(photographs.size(), kMostNamedPhotographs);
+    kind.count = photographs.size();
+    findings.push_back(
+        {severity, std::move(kind),
+         Names(photographs.begin(), photographs.begin() + static_cast<std::ptrdiff_t>(named))});
+  }
+}
+
+Names NamesOf(const std::vector<Image>& images) {
+  Names names;
+  names.reserve(images.size());
+  for (const Image& image : images) {
+    names.push_back(image.photograph);
+  }
+  return names;
+}
+
+std::vector<ImageSize> StoredSizes(const std::vector<Image>& images) {
+  std::vector<ImageSize> sizes;
+  sizes.reserve(images.size());
+  for (const Image& image : images) {
+    sizes.push_back(image.Stored());
+  }
+  return sizes;
+}
+
+// Where the first of them is.
+MissingPhotographs SearchFor(const Names& missing, const Inputs& inputs) {
+  MissingPhotographs found;
+  const std::string& photograph = missing.front();
+  const std::vector<fs::path> folders = FoldersAround(inputs);
+  if (fs::u8path(photograph).is_relative()) {
+    found.folder = FolderWith(photograph, folders).u8string();
+    found.nameInFolder = photograph;
+    found.isWorkingFolder = !found.folder.empty();
+  }
+  if (found.folder.empty()) {
+    found.nameInFolder = FileName(photograph);
+    found.folder = FolderWith(found.nameInFolder, folders).u8string();
+  }
+  return found;
 }
 
 void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& findings) {
-  const auto words = [&](const Names& names) { return PhotographWords(names, sorted.all); };
-  if (!sorted.noFile.empty()) {
-    Add(findings, "notAFile", SeverityOfDropped(sorted.noFile.size(), sorted.all),
-        "A pipe, a device or a folder stands where a photograph must, and is left out: " +
-            words(sorted.noFile) + ".",
-        "Name picture files in the second field.", sorted.noFile);
-  }
-  if (!sorted.huge.empty()) {
-    Names names;
-    for (const std::string& name : sorted.huge) {
-      names.push_back(name.substr(0, name.rfind(" (")));
-    }
-    Add(findings, "hugePhotograph", SeverityOfDropped(sorted.huge.size(), sorted.all),
-        "More than 200 megapixels are too many, and left out: " + words(sorted.huge) + ".",
-        "Use the picture size of the video.", names);
-  }
+  const auto severity = [&](const auto& some) {
+    return SeverityOfLeftOut(some.size(), sorted.all);
+  };
+  const auto add = [&](PhotographFault::Kind kind, const Names& names, Severity how) {
+    Add(findings, how, PhotographFault{kind, 0, sorted.all}, names);
+  };
+  using Kind = PhotographFault::Kind;
+  add(Kind::kNotAFile, sorted.noFile, severity(sorted.noFile));
+  Add(findings, severity(sorted.huge), HugePhotographs{StoredSizes(sorted.huge), 0, sorted.all},
+      NamesOf(sorted.huge));
   if (!sorted.missing.empty()) {
-    Add(findings, "missingPhotographs", SeverityOfDropped(sorted.missing.size(), sorted.all),
-        "Photographs cannot be found: " + words(sorted.missing) + ".",
-        AdviceOnMissing(sorted.missing.front(), inputs), sorted.missing);
+    MissingPhotographs missing = SearchFor(sorted.missing, inputs);
+    missing.all = sorted.all;
+    Add(findings, severity(sorted.missing), std::move(missing), sorted.missing);
   }
-  if (!sorted.unreadable.empty()) {
-    Add(findings, "unreadablePhotographs", SeverityOfDropped(sorted.unreadable.size(), sorted.all),
-        "Photographs are empty or cannot be read: " + words(sorted.unreadable) + ".",
-        "Copy them again.", sorted.unreadable);
-  }
-  if (!sorted.otherFormat.empty()) {
-    Add(findings, "otherFormat", SeverityOfDropped(sorted.otherFormat.size(), sorted.all),
-        "Pictures of a format that is not taken are left out: " + words(sorted.otherFormat) + ".",
-        "Use JPEG, PNG, TIFF, BMP or WebP.", sorted.otherFormat);
-  }
-  if (!sorted.unknown.empty()) {
-    Add(findings, "unknownFormat", Severity::kNote,
-        "Files are no pictures of a known format, so their sizes are not checked: " +
-            words(sorted.unknown) + ".",
-        "Use JPEG, PNG, TIFF, BMP or WebP.", sorted.unknown);
-  }
+  add(Kind::kUnreadable, sorted.unreadable, severity(sorted.unreadable));
+  add(Kind::kOtherFormat, sorted.otherFormat, severity(sorted.otherFormat));
+  add(Kind::kUnknownFormat, sorted.unknown, Severity::kNote);
 }
 
-// The size that most have; of equals, the one that comes first.
+// The size that most have; if several are equally common, the one that comes first.
 template <class SizeOf>
-Size MostCommon(const std::vector<Picture>& pictures, SizeOf sizeOf) {
-  std::map<Size, std::size_t> counts;
-  for (const Picture& picture : pictures) {
-    ++counts[sizeOf(picture)];
+ImageSize MostCommon(const std::vector<Image>& images, SizeOf sizeOf) {
+  std::map<ImageSize, std::size_t> counts;
+  for (const Image& image : images) {
+    ++counts[sizeOf(image)];
   }
   const auto best = std::max_element(
-      pictures.begin(), pictures.end(),
-      [&](const Picture& a, const Picture& b) { return counts[sizeOf(a)] < counts[sizeOf(b)]; });
+      images.begin(), images.end(),
+      [&](const Image& a, const Image& b) { return counts[sizeOf(a)] < counts[sizeOf(b)]; });
   return sizeOf(*best);
 }
 
-void AddSizes(const std::vector<Picture>& pictures, std::vector<Finding>& findings) {
-  const Size common = MostCommon(pictures, std::mem_fn(&Picture::Stored));
-  Names names;
-  Names withSizes;
-  for (const Picture& picture : pictures) {
-    if (picture.Stored() != common) {
-      names.push_back(picture.photograph);
-      withSizes.push_back(picture.photograph + " (" + SizeText(picture.Stored()) + ")");
-    }
-  }
-  if (!names.empty()) {
-    Add(findings, "photographSizes", Severity::kError,
-        "Photographs differ in size from the rest (" + SizeText(common) +
-            " pixels): " + PhotographWords(withSizes, pictures.size() + 1) + ".",
-        "Take them out, or photograph all in one format.", names);
-  }
+void AddSizes(const std::vector<Image>& images, std::vector<Finding>& findings) {
+  const ImageSize common = MostCommon(images, std::mem_fn(&Image::Stored));
+  std::vector<Image> others;
+  std::copy_if(images.begin(), images.end(), std::back_inserter(others),
+               [&](const Image& image) { return image.Stored() != common; });
+  Add(findings, Severity::kError, PhotographSizes{common, StoredSizes(others), 0}, NamesOf(others));
 }
 
-void AddOrientation(const std::vector<Picture>& pictures, std::vector<Finding>& findings) {
-  Names turned;
+void AddOrientation(const std::vector<Image>& images, std::vector<Finding>& findings) {
+  Names rotated;
   bool isMixed = false;
-  for (const Picture& picture : pictures) {
-    if (picture.header.orientation != 1) {
-      turned.push_back(picture.photograph);
+  for (const Image& image : images) {
+    if (image.header.orientation != 1) {
+      rotated.push_back(image.photograph);
     }
-    isMixed = isMixed || (picture.Stored() == pictures[0].Stored() &&
-                          picture.Decoded() != pictures[0].Decoded());
+    isMixed =
+        isMixed || (image.Stored() == images[0].Stored() && image.Decoded() != images[0].Decoded());
   }
-  if (turned.empty()) {
-    return;
-  }
-  const std::string which = PhotographWords(turned, pictures.size());
-  const std::string text =
-      isMixed ? "An orientation tag turns some photographs and not the others, so their sizes "
-                "differ: " +
-                    which + "."
-              : "An orientation tag makes decoders turn the pixels, so the result is not that of "
-                "the camera: " +
-                    which + ".";
-  Add(findings, "orientationTag", isMixed ? Severity::kError : Severity::kWarning, text,
-      "Remove the tags without turning the pixels, and switch off automatic rotation in the "
-      "camera.",
-      turned);
+  Add(findings, isMixed ? Severity::kError : Severity::kWarning,
+      OrientationTag{isMixed, 0, images.size()}, rotated);
 }
 
-void AddAspect(const std::vector<Picture>& pictures, const std::array<double, 2>& sensorMm,
+void AddAspect(const std::vector<Image>& images, const std::array<double, 2>& sensorMm,
                std::vector<Finding>& findings) {
-  const Size size = MostCommon(pictures, std::mem_fn(&Picture::Decoded));
+  const ImageSize size = MostCommon(images, std::mem_fn(&Image::Decoded));
   const auto [width, height] = sensorMm;
   const double aspect = static_cast<double>(size[0]) / static_cast<double>(size[1]);
-  if (!(width > 0 && height > 0) || std::abs(aspect * height / width - 1) <= kAspectTolerance) {
-    return;
+  if (width > 0 && height > 0 && std::abs(aspect * height / width - 1) > kAspectTolerance) {
+    findings.push_back({Severity::kNote, Aspect{size, sensorMm}, {}});
   }
-  const bool isWider = aspect > width / height;
-  const auto rounded = [](double mm) { return Shortest(std::round(mm * 100) / 100); };
-  const std::string part = isWider ? rounded(width) + 'x' + rounded(width / aspect)
-                                   : rounded(height * aspect) + 'x' + rounded(height);
-  Finding& finding =
-      Add(findings, "aspect", Severity::kNote,
-          "The pictures (" + SizeText(size) + " pixels) are of another shape than the sensor (" +
-              rounded(width) + " x " + rounded(height) +
-              " mm), so the focal length in millimetres is off.",
-          "Give the part of the sensor that the picture uses: --sensor " + part +
-              " if the pixels are square.",
-          {});
-  finding.numbers = {{"pictureAspect", aspect}, {"sensorAspect", width / height}};
 }
 
 }  // namespace
-
-std::string AdviceOnMissing(const std::string& photograph, const Inputs& inputs) {
-  const std::vector<fs::path> folders = FoldersAround(inputs);
-  if (fs::u8path(photograph).is_relative()) {
-    const fs::path begin = FolderWith(photograph, folders);
-    if (!begin.empty()) {
-      return "Say --working-folder " + begin.u8string() + ": " + photograph + " is there.";
-    }
-  }
-  const std::string name = FileName(photograph);
-  const fs::path folder = FolderWith(name, folders);
-  if (!folder.empty()) {
-    return name + " lies in " + folder.u8string() +
-           ": correct the paths in the second field, or leave the names only and say "
-           "--working-folder.";
-  }
-  return "Put the photographs where the data file says, or correct its second field.";
-}
 
 PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs& inputs) {
   PhotographChecks checks;
@@ -322,10 +285,10 @@ PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs
     }
   }
   AddFiles(sorted, inputs, checks.findings);
-  if (!sorted.pictures.empty()) {
-    AddSizes(sorted.pictures, checks.findings);
-    AddOrientation(sorted.pictures, checks.findings);
-    AddAspect(sorted.pictures, inputs.sensorMm, checks.findings);
+  if (!sorted.images.empty()) {
+    AddSizes(sorted.images, checks.findings);
+    AddOrientation(sorted.images, checks.findings);
+    AddAspect(sorted.images, inputs.sensorMm, checks.findings);
   }
   SortFindings(checks.findings);
   return checks;

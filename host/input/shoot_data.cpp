@@ -1,5 +1,6 @@
 #include "host/input/shoot_data.h"
 
+#include "host/findings/finding_text.h"
 #include "host/input/data_checks.h"
 #include "host/input/input_error.h"
 
@@ -13,7 +14,7 @@ ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& f
     throw InputError(shoot.findings.empty()
                          ? file.u8string() +
                                " has no rows: record one row of tracker data for each photograph"
-                         : shoot.findings.front().text + ' ' + shoot.findings.front().advice);
+                         : Text(shoot.findings.front()) + ' ' + Advice(shoot.findings.front()));
   }
   return shoot;
 }

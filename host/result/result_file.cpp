@@ -159,7 +159,7 @@ HandOver ReadResult(const std::filesystem::path& path) {
   Result result = Read(path);
   if (!IsUsable(result.code)) {
     throw std::runtime_error(path.u8string() + " is of a calibration that failed, code " +
-                             std::to_string(result.code) + ": " + VerdictOf(result.code).words);
+                             std::to_string(result.code) + ": " + VerdictOf(result.code).message);
   }
   if (!IsPlacement(result.handOver.calibration.transformCamTc)) {
     throw InputError(path.u8string() +

@@ -1,6 +1,7 @@
 #include "host/result/result_json.h"
 
-#include "host/findings/cross_check_findings.h"
+#include "host/findings/finding_json.h"
+#include "host/findings/finding_text.h"
 #include "host/input/reported_axes.h"
 #include "host/text/files.h"
 #include "host/verdict/verdict.h"
@@ -44,12 +45,9 @@ Json PointsJson(const Points& points) {
   return list;
 }
 
-Json Optional(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
-}
-
 Json StandardErrorJson(const crosscheck::StandardError& error) {
-  return {{"shiftMm", RowByRow(error.shiftMm)}, {"turnDegrees", RowByRow(error.turnDegrees)}};
+  return {{"translationMm", RowByRow(error.translationMm)},
+          {"rotationDegrees", RowByRow(error.rotationDegrees)}};
 }
 
 Json OffsetJson(const crosscheck::Offset& offset) {
@@ -68,7 +66,8 @@ Json NominalMountingJson(const std::optional<crosscheck::NominalMounting>& mount
   }
   Json json = OffsetJson(static_cast<const crosscheck::Offset&>(*mounting));
   json["pScaleFree"] = NumberJson(mounting->pScaleFree);
-  json["perhaps"] = Optional(mounting->perhaps);
+  json["likelyMistake"] =
+      mounting->likelyMistake ? Json(Name(*mounting->likelyMistake)) : Json(nullptr);
   return json;
 }
 
@@ -107,23 +106,8 @@ void AddView(Json& json, const crosscheck::View& view) {
 Json SuggestedViewsJson(const std::vector<crosscheck::SuggestedView>& views) {
   Json list = Json::array();
   for (const crosscheck::SuggestedView& view : views) {
-    Json json = {{"views", view.views}, {"gain", NumberJson(view.gain)}, {"text", TextOf(view)}};
+    Json json = {{"views", view.views}, {"gain", NumberJson(view.gain)}, {"text", Text(view)}};
     AddView(json, view);
-    list.push_back(std::move(json));
-  }
-  return list;
-}
-
-Json FindingsJson(const std::vector<crosscheck::Finding>& findings) {
-  Json list = Json::array();
-  for (const crosscheck::Finding& finding : findings) {
-    Json json = {{"id", Name(finding.id)}, {"severity", Name(finding.severity)}};
-    for (const auto& [name, number] : finding.numbers) {
-      json[name] = NumberJson(number);
-    }
-    if (!finding.detail.empty()) {
-      json["detail"] = finding.detail;
-    }
     list.push_back(std::move(json));
   }
   return list;
@@ -202,30 +186,9 @@ Json Exports(const Report& report) {
 
 Json VerdictJson(const Verdict& verdict) {
   return {{"level", Name(verdict.level)},
-          {"words", verdict.words},
+          {"message", verdict.message},
           {"advice", verdict.advice},
           {"commands", verdict.commands}};
-}
-
-Json FindingsJson(const std::vector<Finding>& findings) {
-  Json list = Json::array();
-  for (const Finding& finding : findings) {
-    Json json = {{"id", finding.id},
-                 {"severity", Name(finding.severity)},
-                 {"text", finding.text},
-                 {"advice", finding.advice}};
-    for (const auto& [name, number] : finding.numbers) {
-      json[name] = NumberJson(number);
-    }
-    if (!finding.detail.empty()) {
-      json["detail"] = finding.detail;
-    }
-    if (!finding.photographs.empty()) {
-      json["photographs"] = finding.photographs;
-    }
-    list.push_back(std::move(json));
-  }
-  return list;
 }
 
 Json LimitJson(const Limit& limit) {
@@ -293,7 +256,6 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
   json["photographsToHalve"] =
       check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
-  json["findings"] = FindingsJson(check.findings);
   return json;
 }
 

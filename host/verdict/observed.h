@@ -7,9 +7,9 @@
 
 namespace trackedcam::host {
 
-/// What the log of a run tells the cross-check: the photographs in which the board was found.
-/// Nothing where the log ends before the lens is told, or does not hold what the library writes.
-/// @param mounting As it was stated; nothing where that is not known.
+/// The input of the cross-check from the log of a run: the photographs in which the board was
+/// found. Empty if the log ends before the lens, or does not have the form that the library writes.
+/// @param mounting As it was stated; empty if not known.
 std::optional<crosscheck::Observations> ObservationsOf(
     const RunRecord& record, const std::optional<crosscheck::Mounting>& mounting);
 

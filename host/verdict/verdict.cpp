@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
+
+#include "host/findings/finding_text.h"
 
 namespace trackedcam::host {
 namespace {
 
-// The library's own figures, which its interface does not tell; a test compares them with its
+// The library's own limits, which its interface does not give; a test compares them with its
 // sources.
 constexpr double kLensErrorLimit = 1.5;            // pixels
 constexpr double kNormErrorWarning = 0.011111111;  // of the reprojection error / image height
@@ -17,28 +20,28 @@ constexpr double kSpreadFailure = 0.015;
 
 constexpr const char* kReport = "This should not happen: keep the log and report it.";
 
-struct WordsOfCode {
-  const char* words;
+struct CodeText {
+  const char* message;
   const char* advice;
 };
 
-const std::map<int, WordsOfCode> kWords = {
+const std::map<int, CodeText> kCodes = {
     {kSuccess,
-     {"Success: the calibration is good", "Hand the lens and Transform_Cam_Tc to the host."}},
+     {"Success: the calibration is good", "Export the lens and Transform_Cam_Tc to your engine."}},
     {kNewShootRecommended,
      {"Usable, but a new calibration is recommended.",
       "Use it for now and shoot again when you can: camera and chart at rest in each photograph, "
-      "the chart at many angles and in all parts of the picture."}},
+      "the chart at many angles and in all parts of the image."}},
     {1,
      {"The tracker data file cannot be opened.",
       "Check the path of the data file and the permissions of the file."}},
     {2,
-     {"Rows and photographs differ in number.",
+     {"The numbers of rows and photographs differ.",
       "Check that the data file has one row for each photograph."}},
     {15,
-     {"A row of the tracker data file has the wrong form.",
-      "Correct the data file: 16 fields in each row, and no blank lines. The log says where it "
-      "stopped."}},
+     {"A row of the tracker data file has the wrong format.",
+      "Correct the data file: 16 fields in each row, and no blank lines; the log shows where "
+      "reading stopped."}},
     {kTooFewPhotographs,
      {"Fewer than 12 photographs can be used.",
       "Photograph the whole chart, sharp and evenly lit, at least 12 times, and check the number "
@@ -48,50 +51,54 @@ const std::map<int, WordsOfCode> kWords = {
       "Check the number of the board's inner corners, keep zoom and focus fixed, use a flat chart "
       "and leave out blurred photographs."}},
     {6,
-     {"The single photographs disagree by more than 15 mm about the camera's tracker.",
-      "Check that both trackers are rigidly mounted, that the stated mounting and the square are "
-      "right, and whether the tracker quaternions must be inverted."}},
+     {"The photographs disagree by more than 15 mm about the position of the camera's tracker.",
+      "Check that both trackers are rigidly mounted, that the stated mounting and the square size "
+      "are right, and whether the tracker quaternions must be inverted."}},
     {7,
-     {"No rows of the data file were announced.",
-      "Leave out the number of expected records, or give that of the rows that were recorded."}},
+     {"The number of expected records is 0, so no row was used.",
+      "Leave out the number of expected records, or give the number of recorded rows."}},
     {8, {"The lists of poses differ in length.", kReport}},
     {9, {"A rotation axis has the wrong size.", kReport}},
     {10, {"A rotation axis has the wrong size.", kReport}},
     {11, {"The lists differ in length after outliers were removed.", kReport}},
     {12, {"The lists of poses of the chart differ in length.", kReport}},
     {13,
-     {"Fewer than two photographs are left when outliers are removed.",
+     {"Fewer than two photographs are left after outliers were removed.",
       "Check the stated mounting, whether the tracker quaternions must be inverted, and that the "
       "tracker data belongs to these photographs."}},
     {14,
      {"The reprojection error exceeds 18 pixels at 1080 rows.",
-      "Check the stated mounting, the square and whether the tracker quaternions must be inverted; "
-      "shoot with camera and chart at rest."}},
-    {-1, {"A mounting figure is missing.", "State three angles and three lengths."}},
+      "Check the stated mounting, the square size and whether the tracker quaternions must be "
+      "inverted; shoot with camera and chart at rest."}},
+    {-1, {"A value of the mounting is missing.", "State three angles and three lengths."}},
 };
+
+Verdict VerdictWith(Level level, const std::string& message, const std::string& advice) {
+  return {level, message, message, advice};
+}
 
 Verdict VerdictOfLibrary(const LibraryRun& run) {
   if (!run.code) {
     const std::string where = run.stoppedAt.empty() ? "" : " at " + run.stoppedAt;
-    return {Level::kFailed, "The library stopped" + where + ": " + run.exception + '.', kReport};
+    return VerdictWith(Level::kFailed, "The library stopped" + where + ": " + run.exception + '.',
+                       kReport);
   }
   if (IsUsable(*run.code) && !IsUsable(run)) {
-    return {Level::kFailed, "The transform is not a number.",
-            "Correct the data file: a pose of a tracker is nan, inf or far too large."};
+    return VerdictWith(Level::kFailed, "The transform is not a number.",
+                       "Correct the data file: a pose of a tracker is nan, inf or far too large.");
   }
   return VerdictOf(*run.code);
 }
 
-// Never without saying from how many.
-std::string FromPhotographs(const RunRecord& record) {
+// The number of photographs belongs to every result.
+std::string FromPhotographs(const RunRecord& record, std::size_t rows) {
   return ", from " + std::to_string(UsedPhotographs(record).size()) + " of " +
-         std::to_string(record.photographs.size()) + " photographs.";
+         std::to_string(rows) + " photographs.";
 }
 
-NextStep NextStepFor(const Finding& finding) {
-  const bool canRefine =
-      finding.id == "mountingOff" || finding.id == "badPhotographs" || finding.id == "libraryApart";
-  return canRefine ? NextStep::kRefineMounting : NextStep::kNone;
+void AddFinding(Verdict& verdict, const Finding& finding) {
+  verdict.message = verdict.summary + ' ' + Text(finding);
+  verdict.advice = Advice(finding);
 }
 
 }  // namespace
@@ -120,14 +127,14 @@ const char* Name(Level level) {
 }
 
 Verdict VerdictOf(int code) {
-  const auto found = kWords.find(code);
-  if (found == kWords.end()) {
-    return {Level::kFailed, "Unknown result.", kReport};
+  const auto found = kCodes.find(code);
+  if (found == kCodes.end()) {
+    return VerdictWith(Level::kFailed, "Unknown result code.", kReport);
   }
   const Level level = code == kSuccess               ? Level::kGood
                       : code == kNewShootRecommended ? Level::kDoubtful
                                                      : Level::kFailed;
-  return {level, found->second.words, found->second.advice};
+  return VerdictWith(level, found->second.message, found->second.advice);
 }
 
 bool IsUsable(int code) {
@@ -141,26 +148,44 @@ bool IsUsable(const LibraryRun& run) {
                      [](double number) { return std::isfinite(number); });
 }
 
-Verdict VerdictOf(const LibraryRun& run, const std::vector<Finding>& findings) {
+Verdict VerdictOf(const LibraryRun& run, std::size_t rows, const std::vector<Finding>& findings) {
   Verdict verdict = VerdictOfLibrary(run);
   if (verdict.level == Level::kGood) {
-    verdict.words += FromPhotographs(run.record);
+    verdict.summary += FromPhotographs(run.record, rows);
+    verdict.message = verdict.summary;
   }
   if (findings.empty() || findings.front().severity == Severity::kNote) {
     return verdict;
   }
   const Finding& worst = findings.front();
   const bool isError = worst.severity == Severity::kError;
+  if (verdict.level == Level::kFailed && !isError) {
+    return verdict;
+  }
   if (verdict.level != Level::kFailed) {
     verdict.level = isError ? Level::kWrong : Level::kDoubtful;
-    verdict.words = (isError ? "Calibrated, but the result is wrong" : "Calibrated, with a doubt") +
-                    FromPhotographs(run.record) + ' ' + worst.text;
-    verdict.advice = worst.advice;
-    verdict.nextStep = NextStepFor(worst);
-  } else if (isError) {
-    verdict.words += ' ' + worst.text;
-    verdict.advice = worst.advice;
-    verdict.nextStep = NextStepFor(worst);
+    verdict.summary = std::string("Calibrated, but the result is ") +
+                      (isError ? "wrong" : "doubtful") + FromPhotographs(run.record, rows);
+  }
+  AddFinding(verdict, worst);
+  verdict.nextStep = CanRefine(worst) ? NextStep::kRefineMounting : NextStep::kNone;
+  return verdict;
+}
+
+Verdict VerdictWithoutMounting(const LibraryRun& run, const std::vector<Finding>& findings) {
+  // The zeros lead to a result or to one of the last three codes.
+  const std::set<int> codes = {kSuccess, kNewShootRecommended, 6, 13, 14};
+  Verdict verdict = VerdictWith(
+      Level::kFailed,
+      "The mounting of the chart's tracker was not stated, and cannot be found from this shoot.",
+      "State the mounting, or shoot more photographs.");
+  if (!findings.empty() && findings.front().severity != Severity::kNote) {
+    AddFinding(verdict, findings.front());
+  } else if (!run.code || codes.count(*run.code) == 0) {
+    const Verdict ofRun = VerdictOfLibrary(run);  // such as too few photographs
+    verdict.summary += ' ' + ofRun.message;
+    verdict.message = verdict.summary;
+    verdict.advice = ofRun.advice;
   }
   return verdict;
 }

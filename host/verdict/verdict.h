@@ -1,7 +1,8 @@
-// The limits by which the library judges a run.
+// The verdict on a run, and the limits by which the library judges it.
 
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,8 +13,8 @@
 
 namespace trackedcam::host {
 
-/// Above the first a new calibration is recommended, above the second the run fails. Nothing where
-/// the library has no such limit.
+/// Above `doubt` a new calibration is recommended, above `failure` the run fails. `doubt` is empty
+/// if the library has no such limit.
 struct Limit {
   std::optional<double> doubt;
   double failure = 0;
@@ -21,19 +22,17 @@ struct Limit {
 
 struct Limits {
   Limit lensErrorPixels;
-  std::optional<Limit> reprojectionErrorPixels;  // nothing where the image's size is not known
+  std::optional<Limit> reprojectionErrorPixels;  // empty if the image size is not known
   Limit translationSpreadMetres;
 };
 
-/// Those of a run. That of the reprojection error grows with the height of the image.
+/// The limits of a run. That of the reprojection error grows with the height of the image.
 Limits LimitsOf(const CalibrationOutputs& outputs);
-
-// What a run came to, for whoever shot the photographs.
 
 enum class Level {
   kGood,
   kDoubtful,
-  kWrong,   // the library calibrated, and the cross-check is certain that it is wrong
+  kWrong,   // the library calibrated, but the result is certainly wrong
   kFailed,  // there is no result to use
 };
 
@@ -43,28 +42,35 @@ const char* Name(Level level);
 /// What a caller can do at once.
 enum class NextStep { kNone, kRefineMounting };
 
+/// What a run came to.
 struct Verdict {
   Level level = Level::kFailed;
-  std::string words;
+  std::string message;  // the summary, then the text of the worst finding if that decided
+  std::string summary;  // level and number of photographs, or why the run failed
   std::string advice;
   NextStep nextStep = NextStep::kNone;
-  std::vector<std::string> commands = {};  // of the caller's, to go on with
+  std::vector<std::string> commands = {};  // of the caller, for the next step
 };
 
-/// What the library's code alone says. One that it does not document gets words that say so.
+/// What the library's code alone says.
 Verdict VerdictOf(int code);
 
-/// True where the library hands out a result.
+/// True if the library fills in a result with this code.
 bool IsUsable(int code);
 
-/// True where the library handed out a result that can be used: the transform of a data file that
-/// holds nan is a success to it.
+/// True if the library filled in a result that can be used. A transform of nan, which a data file
+/// with nan causes, is a success to the library.
 bool IsUsable(const LibraryRun& run);
 
-/// The verdict on a run in the light of what was found. An error or a warning among the findings
-/// speaks before the library does.
+/// The verdict on a run. An error or a warning among the findings overrides the library's success.
+/// @param rows Of the data file, also those that the library was not given.
 /// @param findings The worst first.
-Verdict VerdictOf(const LibraryRun& run, const std::vector<Finding>& findings);
+Verdict VerdictOf(const LibraryRun& run, std::size_t rows, const std::vector<Finding>& findings);
+
+/// The verdict on a run that was given zeros for a mounting that is not known, if no second run
+/// followed: it failed, whatever its code.
+/// @param findings The worst first.
+Verdict VerdictWithoutMounting(const LibraryRun& run, const std::vector<Finding>& findings);
 
 constexpr int kSuccess = 0;
 constexpr int kTooFewPhotographs = 4;

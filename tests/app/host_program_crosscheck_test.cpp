@@ -91,15 +91,15 @@ class CrosscheckShoot : public testing::Test {
     EXPECT_LT(off.degrees, 0.1);
   }
 
-  // The detail of the finding with that id in the result; "none" where there is no such finding.
-  std::string DetailOf(const std::string& id) const {
+  // A value of the finding with that id in the result; null if there is no such finding.
+  Json ValueOf(const std::string& id, const std::string& name) const {
     const Json result = Result();
     for (const Json& finding : result["findings"]) {
       if (finding["id"] == id) {
-        return finding.value("detail", "");
+        return finding.value(name, Json());
       }
     }
-    return "none";
+    return nullptr;
   }
 
   test::TemporaryFolder folder;
@@ -213,7 +213,7 @@ TEST_F(CrosscheckShoot, NamesTheReadingThatFits) {
     std::swap_ranges(fields.begin() + 2, fields.begin() + 9, fields.begin() + 9);
   });
   EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(DetailOf("reading"), "trackersExchanged");
+  EXPECT_EQ(ValueOf("reading", "reading"), "trackersExchanged");
 
   Simulate({});
   ChangeRows([](Fields& fields) {
@@ -221,15 +221,15 @@ TEST_F(CrosscheckShoot, NamesTheReadingThatFits) {
     std::rotate(fields.begin() + 12, fields.begin() + 13, fields.begin() + 16);
   });
   EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(DetailOf("reading"), "orderXyzw");
+  EXPECT_EQ(ValueOf("reading", "reading"), "orderXyzw");
 
   Simulate({"--inverted-quaternions"});
   Configure("invert-tracker-quaternions", "invert-tracker-quaternions = false");
   EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(DetailOf("reading"), "quaternionsInverted");
+  EXPECT_EQ(ValueOf("reading", "reading"), "quaternionsInverted");
 }
 
-TEST_F(CrosscheckShoot, NamesTheLikelySlipOfTheMounting) {
+TEST_F(CrosscheckShoot, NamesTheLikelyMistakeOfTheMounting) {
   Simulate({});
   const std::string config = test::ReadFile(folder.File("shoot/shoot.toml"));
   const std::string key = "chart-rotation = \"";
@@ -239,7 +239,7 @@ TEST_F(CrosscheckShoot, NamesTheLikelySlipOfTheMounting) {
   const std::string other = angles.front() == '-' ? angles.substr(1) : '-' + angles;
   Configure("chart-rotation", key + other + '"');
   EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(DetailOf("mountingOff"), "angleSigns");
+  EXPECT_EQ(ValueOf("mountingOff", "likelyMistake"), "angleSigns");
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include "host/findings/finding_text.h"
+
 namespace trackedcam::app {
 namespace {
 
@@ -15,7 +17,7 @@ using testing::Not;
 Report GoodReport() {
   Report report;
   report.run.code = 0;
-  report.verdict.words = "Success: all is well.";
+  report.verdict.message = "Success: all is well.";
   report.run.outputs = {{2000, 1000},
                         {0.9, 1.8},
                         {0.5, 0.49},
@@ -70,17 +72,11 @@ TEST(Summary, NamesNoPhotographThatTheFilterLeftOut) {
 
 TEST(Summary, ShowsFindingsAndCommands) {
   Report report = GoodReport();
-  report.findings = {{"squareSize",
-                      host::Severity::kWarning,
-                      "The squares seem larger.",
-                      "Measure them.",
-                      {},
-                      {},
-                      ""}};
+  report.findings = {{host::Severity::kWarning, crosscheck::SquareSizeOff{1.02, 0.001, 1e-9}, {}}};
   report.verdict.commands = {"trackedcam calibrate --refine-mounting"};
   const std::string summary = SummaryOf(report);
-  EXPECT_THAT(summary, HasSubstr("\nFindings\n  warning: The squares seem larger.\n"
-                                 "    Measure them.\n"));
+  EXPECT_THAT(summary, HasSubstr("\nFindings\n  warning: " + Text(report.findings[0]) + "\n    " +
+                                 Advice(report.findings[0]) + '\n'));
   EXPECT_THAT(summary, HasSubstr("\n      trackedcam calibrate --refine-mounting\n"));
 }
 
@@ -98,7 +94,7 @@ TEST(Summary, ShowsTheTruthBesideTheLens) {
 TEST(Summary, OfAFailureShowsWhatThereIs) {
   Report report;
   report.run.code = 4;
-  report.verdict.words = "Fewer than 12 photographs can be used.";
+  report.verdict.message = "Fewer than 12 photographs can be used.";
   report.verdict.advice = "Photograph more.";
   report.run.log = "/logs/log.txt";
   const std::string summary = SummaryOf(report);

@@ -6,6 +6,7 @@
 
 #include "app/terminal/next_commands.h"
 #include "app/terminal/summary.h"
+#include "host/findings/finding_text.h"
 
 namespace trackedcam::app {
 namespace {
@@ -62,7 +63,7 @@ Report ReportAt(Level level, std::optional<int> code) {
   Report report;
   report.run.code = code;
   report.verdict.level = level;
-  report.verdict.words = "Words.";
+  report.verdict.message = "Words.";
   return report;
 }
 
@@ -96,8 +97,8 @@ class CrossCheckWords : public testing::Test {
     check.photographs = 40;
     check.used = 32;
     check.t95 = 2;
-    check.standardErrorCamTc.shiftMm = {0.2, 0.5, 0.1};
-    check.standardErrorCamTc.turnDegrees = {0.01, 0.02, 0.045};
+    check.standardErrorCamTc.translationMm = {0.2, 0.5, 0.1};
+    check.standardErrorCamTc.rotationDegrees = {0.01, 0.02, 0.045};
     check.library = crosscheck::Offset{18.46, 0.694, 1e-9};
     crosscheck::NominalMounting mounting;
     mounting.offMm = 27;
@@ -105,7 +106,8 @@ class CrossCheckWords : public testing::Test {
     mounting.p = 0.02;
     check.nominalMounting = mounting;
     report.crossCheck = check;
-    report.findings = {{"badPhotographs", host::Severity::kError, "Two are bad.", "", {}, {}, ""}};
+    report.findings = {
+        {host::Severity::kError, host::BadPhotographs{0.1, {{39, 2.9, {}, ""}}}, {"a.jpg"}}};
   }
 
   std::string Words() {
@@ -123,7 +125,8 @@ TEST_F(CrossCheckWords, SayHowFarTheResultIsOff) {
             "  the transform is known to            1.0 mm     0.09 deg       (95 %)\n"
             "  the result above is off by          18.5 mm     0.69 deg      certain\n"
             "  the mounting used is off by         27.0 mm     1.01 deg       likely\n"
-            "  Two are bad.\n");
+            "  " +
+                Text(report.findings[0]) + '\n');
 }
 
 TEST_F(CrossCheckWords, SayWhenThereIsNoSolution) {

@@ -13,7 +13,7 @@ class FullDisk(Shoot):
     def test_a_limit_that_cuts_the_log(self):
         done = self.calibrate(limits=[(resource.RLIMIT_FSIZE, 30000)])
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertRegex(done.stderr, "The log of the run was not written whole")
+        self.assertRegex(done.stderr, "The log of the run is incomplete")
         self.assertRegex(done.stdout, r"focal length fx, px +\d")
         self.assert_same_figures(self.read_result())
 
@@ -25,17 +25,17 @@ class FullDisk(Shoot):
         self.assertEqual(done.returncode, 1)
         self.assertRegex(done.stderr, r"error: cannot write \S*result\.json: File too large")
         self.assertEqual(self.result.read_bytes(), before)
-        self.assertRegex(done.stderr, "warning: Reprojected images were not written whole: ")
+        self.assertRegex(done.stderr, "warning: Reprojected images are missing or incomplete: ")
         self.assertRegex(done.stdout, "Success")
 
     def test_a_disk_that_becomes_full_during_the_run(self):
         with full_disk(self.log_folder, "200k"):
             done = self.calibrate()
             self.assertEqual(done.returncode, 0, done.stderr)
-            self.assertRegex(done.stderr, "warning: Reprojected images were not written whole: ")
+            self.assertRegex(done.stderr, "warning: Reprojected images are missing or incomplete: ")
             self.assertRegex(done.stderr, r"warning: cannot write \S*report\.html: No space left")
             result = self.read_result()
-            self.assertIn("imagesLost", [finding["id"] for finding in result["findings"]])
+            self.assertIn("imagesMissing", [finding["id"] for finding in result["findings"]])
             self.assertEqual(result["verdict"]["level"], "good")
             for image in result["images"]:
                 with open(image, "rb") as file:
@@ -46,7 +46,7 @@ class FullDisk(Shoot):
         with full_disk(self.log_folder, "28k"):
             done = self.calibrate()
             self.assertEqual(done.returncode, 0, done.stderr)
-            self.assertRegex(done.stderr, "The log of the run was not written whole, so the result cannot "
+            self.assertRegex(done.stderr, "The log of the run is incomplete, so the result cannot "
                                           "be cross-checked")
             result = self.read_result()
             self.assertEqual(result["verdict"]["level"], "doubt")
@@ -105,7 +105,7 @@ class VanishingFiles(Shoot):
         done = self.calibrate_with_intrusion("Camera calibration start.",
                                              lambda: shutil.rmtree(self.log_folder))
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertRegex(done.stderr, "The log of the run was not written whole")
+        self.assertRegex(done.stderr, "The log of the run is incomplete")
         self.assert_same_figures(self.read_result())
 
     def test_a_log_folder_that_vanishes_before_the_second_run(self):
@@ -121,7 +121,7 @@ class VanishingFiles(Shoot):
                 photograph.write_bytes(b"")
         done = self.calibrate_with_intrusion("Camera calibration start.", empty)
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertRegex(done.stderr, "warning: Reprojected images were not written whole: ")
+        self.assertRegex(done.stderr, "warning: Reprojected images are missing or incomplete: ")
         self.assert_same_figures(self.read_result())
 
     def test_photographs_that_are_removed_after_the_search(self):

@@ -41,16 +41,14 @@ class CalibrateTest : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-// Its zeros for a mounting that nobody stated must not look like a result.
+// A run with zeros for an unknown mounting must not look like a result.
 TEST_F(CalibrateTest, FailsWithoutAMountingWhereItCannotBeFound) {
   const Report report = WithoutMounting(Small(5));
   EXPECT_FALSE(report.mountingIsStated);
   EXPECT_EQ(report.firstRun, nullptr);
   EXPECT_EQ(report.verdict.level, Level::kFailed);
-  EXPECT_EQ(report.verdict.words,
-            "The mounting of the chart's tracker was not stated, and cannot be found from this "
-            "shoot. Fewer than 12 photographs can be used.");
-  EXPECT_THAT(report.verdict.advice, HasSubstr("at least 12 times"));
+  EXPECT_THAT(report.verdict.message, HasSubstr(' ' + VerdictOf(kTooFewPhotographs).message));
+  EXPECT_EQ(report.verdict.advice, VerdictOf(kTooFewPhotographs).advice);
 }
 
 TEST_F(CalibrateTest, CalibratesWithTheMountingThatItFound) {

@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include "host/findings/finding_json.h"
+#include "host/findings/finding_text.h"
 #include "host/text/text.h"
 #include "simulator/shoot.h"
 #include "simulator/write_shoot.h"
@@ -16,12 +18,13 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+using Json = nlohmann::json;
 using Row = std::vector<std::string>;
 
 constexpr const char* kHeader = "Time,Photograph,x,y,z,w,x,y,z,x,y,z,w,x,y,z";
 constexpr std::size_t kRows = 20;
 
-// A turn about z, at a place of its own.
+// A rotation about z, at a different position for each number.
 Row PoseText(double number) {
   const double angle = 0.1 * number;
   Row text;
@@ -131,7 +134,7 @@ struct Fault {
   std::string content;
   const char* id;
   Severity severity;
-  const char* text;
+  const char* values;  // JSON
 };
 
 void PrintTo(const Fault& fault, std::ostream* stream) {
@@ -144,141 +147,104 @@ TEST_P(DataFault, IsNamedOnceAndAlone) {
   const Fault& fault = GetParam();
   const std::vector<Finding> findings = FindingsOf(fault.content);
   ASSERT_THAT(findings, SizeIs(1));
-  EXPECT_EQ(findings[0].id, fault.id);
-  EXPECT_EQ(findings[0].text, fault.text);
   EXPECT_EQ(findings[0].severity, fault.severity);
-  EXPECT_NE(findings[0].advice, "");
+  Json json = FindingsJson(findings)[0];
+  EXPECT_EQ(json["id"], fault.id);
+  for (const char* key : {"id", "severity", "text", "advice", "photographs"}) {
+    json.erase(key);
+  }
+  EXPECT_EQ(json, Json::parse(fault.values));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Form, DataFault,
     testing::Values(
         Fault{"semicolons", Joined(CleanRows(), ";"), "separator", Severity::kError,
-              "Semicolons stand between the fields in all 20 rows, not commas, so no field is "
-              "found."},
+              R"({"rows": 20, "firstRow": 2})"},
         Fault{"tabs", Joined(CleanRows(), "\t"), "separator", Severity::kError,
-              "Tabs stand between the fields in all 20 rows, not commas, so no field is found."},
+              R"({"rows": 20, "firstRow": 2})"},
         Fault{"decimal commas", AllWithDecimalCommas(","), "decimalComma", Severity::kError,
-              "Numbers have a decimal comma in all 20 rows, and a comma ends the field."},
+              R"({"rows": 20, "firstRow": 2})"},
         Fault{"all quoted", AllChanged([](Row& row) {
                 for (std::string& field : row) {
                   field = '"' + field + '"';
                 }
               }),
-              "quotedFields", Severity::kError,
-              "Fields stand in quotes in all 20 rows; a number in quotes reads as 0, and a path in "
-              "quotes names no photograph."},
+              "quotedFields", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
         Fault{"a quoted path", Changed({3}, Set(1, "\"my photo.jpg\"")), "quotedFields",
-              Severity::kWarning,
-              "Fields stand in quotes in row 4; a number in quotes reads as 0, and a path in "
-              "quotes names no photograph."},
-        Fault{"UTF-16", Utf16(Joined(CleanRows())), "encoding", Severity::kError,
-              "The data file is UTF-16 text, so no row of it can be read."},
+              Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+        Fault{"UTF-16", Utf16(Joined(CleanRows())), "encoding", Severity::kError, R"({})"},
         Fault{"Latin-1 in the header", Joined(CleanRows(), ",", "Time,Bild,Winkel \xB0"),
-              "encoding", Severity::kNote,
-              "There are letters that are not UTF-8 in row 1, but in no path of a photograph."},
+              "encoding", Severity::kNote, R"({"rows": 1, "firstRow": 1})"},
         Fault{"Latin-1 in paths", Changed({3, 5}, [](Row& row) { row[1] = "m\xFCller/" + row[1]; }),
-              "pathEncoding", Severity::kWarning,
-              "The path of the photograph is not UTF-8 in rows 4 and 6, so it cannot be opened."},
+              "pathEncoding", Severity::kWarning, R"({"rows": 2, "firstRow": 4})"},
         Fault{"an extra column", AllChanged([](Row& row) { row.insert(row.begin(), "7"); }),
-              "extraColumn", Severity::kError,
-              "A column too many stands before the photograph in all 20 rows, so every number is "
-              "read from the wrong field."},
+              "extraColumn", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
         Fault{"times with a T", AllChanged([](Row& row) { row[0] = "T" + row[0]; }),
-              "timesBeginWithT", Severity::kError,
-              "The time begins with T in all 20 rows, and such a line is skipped."},
+              "timesBeginWithT", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
         Fault{"one time with a T", Changed({3}, Set(0, "T07")), "timesBeginWithT",
-              Severity::kWarning, "The time begins with T in row 4, and such a line is skipped."},
+              Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
         Fault{"blank lines", Joined(CleanRows()) + "\n\r\n", "blankLines", Severity::kNote,
-              "There is nothing in rows 22 and 23; a blank line counts as a row without a "
-              "photograph."},
+              R"({"rows": 2, "firstRow": 22})"},
         Fault{"a line of commas", Joined(CleanRows()) + ",,,,,,,,,,,,,,,\n", "blankLines",
-              Severity::kNote,
-              "There is nothing in row 22; a blank line counts as a row without a photograph."},
+              Severity::kNote, R"({"rows": 1, "firstRow": 22})"},
         Fault{"another header", Joined(CleanRows(), ",", "Frame,Image,x,y,z"), "header",
-              Severity::kNote,
-              "The header in row 1 does not begin with \"Time,\", so it counts as a row without a "
-              "photograph."}));
+              Severity::kNote, R"({"rows": 1, "firstRow": 1})"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Fields, DataFault,
-    testing::Values(
-        Fault{"a nan", Changed({3}, Set(4, "nan")), "noNumber", Severity::kError,
-              "A figure is nan or infinite in row 4 (field 5 of row 4, photos/3.jpg); one such row "
-              "can "
-              "spoil the whole result."},
-        Fault{"a figure without bounds", Changed({3, 5}, Set(4, "-1e200")), "tooLarge",
-              Severity::kError,
-              "A figure is far larger than any pose has in rows 4 and 6 (field 5 of row 4, "
-              "photos/3.jpg); "
-              "one such row can spoil the whole result."},
-        Fault{"an infinity", Changed({3}, Set(15, " -inf")), "noNumber", Severity::kError,
-              "A figure is nan or infinite in row 4 (field 16 of row 4, photos/3.jpg); one such "
-              "row can "
-              "spoil the whole result."},
-        Fault{"texts", Changed({3, 9}, Set(5, "1.2m")), "noNumber", Severity::kWarning,
-              "Text stands where a number must in rows 4 and 10 (field 6 of row 4, photos/3.jpg), "
-              "which reads as 0 or in part."},
-        Fault{"a row cut short", Changed({3}, [](Row& row) { row.resize(10); }), "missingFields",
-              Severity::kWarning, "Fields are missing or empty in row 4; each reads as 0."},
-        Fault{"a column less", AllChanged([](Row& row) { row.pop_back(); }), "missingFields",
-              Severity::kError, "Fields are missing or empty in all 20 rows; each reads as 0."},
-        Fault{"empty fields", Changed({1, 2, 3, 4, 5}, Set(7, " ")), "missingFields",
-              Severity::kWarning,
-              "Fields are missing or empty in rows 2, 3, 4 and 2 more; each reads as 0."},
-        Fault{"an empty path", Changed({3}, Set(1, "")), "missingFields", Severity::kWarning,
-              "Fields are missing or empty in row 4; each reads as 0."}));
+    testing::Values(Fault{"a nan", Changed({3}, Set(4, "nan")), "noNumber", Severity::kError,
+                          R"({"rows": 1, "firstRow": 4, "field": 5})"},
+                    Fault{"a value without bounds", Changed({3, 5}, Set(4, "-1e200")), "tooLarge",
+                          Severity::kError, R"({"rows": 2, "firstRow": 4, "field": 5})"},
+                    Fault{"an infinity", Changed({3}, Set(15, " -inf")), "noNumber",
+                          Severity::kError, R"({"rows": 1, "firstRow": 4, "field": 16})"},
+                    Fault{"texts", Changed({3, 9}, Set(5, "1.2m")), "noNumber", Severity::kWarning,
+                          R"({"rows": 2, "firstRow": 4, "field": 6})"},
+                    Fault{"a row cut short", Changed({3}, [](Row& row) { row.resize(10); }),
+                          "missingFields", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                    Fault{"a column less", AllChanged([](Row& row) { row.pop_back(); }),
+                          "missingFields", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
+                    Fault{"empty fields", Changed({1, 2, 3, 4, 5}, Set(7, " ")), "missingFields",
+                          Severity::kWarning, R"({"rows": 5, "firstRow": 2})"},
+                    Fault{"an empty path", Changed({3}, Set(1, "")), "missingFields",
+                          Severity::kWarning, R"({"rows": 1, "firstRow": 4})"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Poses, DataFault,
-    testing::Values(
-        Fault{"millimetres", ScaledPositions(1000, 3), "lengthUnit", Severity::kError,
-              "The two trackers are 1000 m apart; lengths in millimetres would make it 1.00 m, in "
-              "centimetres 10.00 m."},
-        Fault{"centimetres", ScaledPositions(100, 4), "lengthUnit", Severity::kError,
-              "The two trackers are 100 m apart; lengths in millimetres would make it 0.10 m, in "
-              "centimetres 1.00 m."},
-        Fault{"a zero quaternion", Changed({3}, SetPose(5, Row(4, "0.000"))), "zeroQuaternion",
-              Severity::kWarning,
-              "The quaternion of a tracker is zero in row 4, so its turn is not known."},
-        Fault{"zero quaternions only", AllChanged(SetPose(12, Row(4, "0"))), "zeroQuaternion",
-              Severity::kError,
-              "The quaternion of a tracker is zero in all 20 rows, so its turn is not known."},
-        Fault{"a long quaternion", Changed({3}, SetPose(5, {"1", "1", "0", "0"})),
-              "quaternionLength", Severity::kWarning,
-              "The quaternion of a tracker does not have length 1 in row 4 (1.414 in row 4)."},
-        Fault{"lost tracking", Changed({3, 7, 8, 9}, SetPose(2, kZeros)), "lostTracking",
-              Severity::kWarning,
-              "Tracking was lost in rows 4, 8, 9 and 10: a tracker stands at the origin, not "
-              "turned."},
-        Fault{"lost, reported as no turn",
-              Changed({3}, SetPose(9, {"0", "0", "0", "1", "0", "0", "0"})), "lostTracking",
-              Severity::kWarning,
-              "Tracking was lost in row 4: a tracker stands at the origin, not turned."},
-        Fault{"a frozen camera", Changed({4, 5}, SetPose(2, PoseText(3))), "frozenPose",
-              Severity::kWarning,
-              "The camera's tracker reports the pose of the row before in rows 5 and 6, to the "
-              "last digit, while the other tracker moves."},
-        Fault{"a frozen chart", Changed({4}, SetPose(9, PoseText(27))), "frozenPose",
-              Severity::kWarning,
-              "The chart's tracker reports the pose of the row before in row 5, to the last digit, "
-              "while the other tracker moves."},
-        Fault{"a recorder that stood still",
-              Changed({4},
-                      [](Row& row) {
-                        SetPose(2, PoseText(3))(row);
-                        SetPose(9, PoseText(27))(row);
-                      }),
-              "repeatedPoses", Severity::kNote,
-              "Both trackers report the poses of an earlier row in row 5, to the last digit."},
-        Fault{"a photograph twice", Changed({4}, Set(1, "photos/3.jpg")), "repeatedRows",
-              Severity::kWarning,
-              "A photograph that an earlier row names is named again in row 5, and counts each "
-              "time."},
-        Fault{"copies of one row", Joined(std::vector<Row>(20, CleanRows()[0])), "repeatedRows",
-              Severity::kError,
-              "A photograph that an earlier row names is named again in rows 3, 4, 5 and 16 more, "
-              "and counts each time."}));
+    testing::Values(Fault{"millimetres", ScaledPositions(1000, 3), "lengthUnit", Severity::kError,
+                          R"({"metres": 1000})"},
+                    Fault{"centimetres", ScaledPositions(100, 4), "lengthUnit", Severity::kError,
+                          R"({"metres": 100})"},
+                    Fault{"a zero quaternion", Changed({3}, SetPose(5, Row(4, "0.000"))),
+                          "zeroQuaternion", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                    Fault{"zero quaternions only", AllChanged(SetPose(12, Row(4, "0"))),
+                          "zeroQuaternion", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
+                    Fault{"a long quaternion", Changed({3}, SetPose(5, {"1", "1", "0", "0"})),
+                          "quaternionLength", Severity::kWarning,
+                          R"({"rows": 1, "firstRow": 4, "length": 1.4142135623730951})"},
+                    Fault{"lost tracking", Changed({3, 7, 8, 9}, SetPose(2, kZeros)),
+                          "lostTracking", Severity::kWarning, R"({"rows": 4, "firstRow": 4})"},
+                    Fault{"lost, reported without rotation",
+                          Changed({3}, SetPose(9, {"0", "0", "0", "1", "0", "0", "0"})),
+                          "lostTracking", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                    Fault{"a frozen camera", Changed({4, 5}, SetPose(2, PoseText(3))), "frozenPose",
+                          Severity::kWarning, R"({"rows": 2, "firstRow": 5, "tracker": "camera"})"},
+                    Fault{"a frozen chart", Changed({4}, SetPose(9, PoseText(27))), "frozenPose",
+                          Severity::kWarning, R"({"rows": 1, "firstRow": 5, "tracker": "chart"})"},
+                    Fault{"a recorder that stood still",
+                          Changed({4},
+                                  [](Row& row) {
+                                    SetPose(2, PoseText(3))(row);
+                                    SetPose(9, PoseText(27))(row);
+                                  }),
+                          "repeatedPoses", Severity::kNote, R"({"rows": 1, "firstRow": 5})"},
+                    Fault{"a photograph twice", Changed({4}, Set(1, "photos/3.jpg")),
+                          "repeatedRows", Severity::kWarning,
+                          R"({"rows": 1, "firstRow": 5, "different": 19})"},
+                    Fault{"copies of one row", Joined(std::vector<Row>(20, CleanRows()[0])),
+                          "repeatedRows", Severity::kError,
+                          R"({"rows": 19, "firstRow": 3, "different": 1})"}));
 
 TEST(DataChecks, FindNothingInCleanRows) {
   EXPECT_THAT(FindingsOf(Joined(CleanRows())), IsEmpty());
@@ -324,15 +290,15 @@ TEST(DataChecks, ToleratesACameraThatStandsMostOfTheTime) {
   }
   const auto findings = FindingsOf(Changed(numbers, SetPose(2, PoseText(1))));
   ASSERT_THAT(findings, SizeIs(1));
-  EXPECT_EQ(findings[0].id, "frozenPose");
+  EXPECT_STREQ(Id(findings[0]), "frozenPose");
   EXPECT_EQ(findings[0].severity, Severity::kNote);
 }
 
 TEST(DataChecks, NameBothFaultsOfAnotherCountrysTables) {
   const auto findings = FindingsOf(AllWithDecimalCommas(";"));
   ASSERT_THAT(findings, SizeIs(2));
-  EXPECT_EQ(findings[0].id, "separator");
-  EXPECT_EQ(findings[1].id, "decimalComma");
+  EXPECT_STREQ(Id(findings[0]), "separator");
+  EXPECT_STREQ(Id(findings[1]), "decimalComma");
 }
 
 TEST(DataChecks, PutTheWorstFirst) {
@@ -347,8 +313,34 @@ TEST(DataChecks, CountAndNameRowsAndPhotographs) {
   const auto findings = FindingsOf(Changed({3, 9}, Set(5, "?")));
   ASSERT_THAT(findings, SizeIs(1));
   EXPECT_THAT(findings[0].photographs, ElementsAre("photos/3.jpg", "photos/9.jpg"));
-  EXPECT_THAT(findings[0].numbers,
-              ElementsAre(testing::Pair("rows", 2), testing::Pair("firstRow", 4)));
+  const auto& fault = std::get<ValueFault>(findings[0].kind);
+  EXPECT_EQ(fault.kind, ValueFault::Kind::kText);
+  EXPECT_THAT(fault.rows.lines, ElementsAre(4, 10));
+  EXPECT_EQ(fault.rows.all, kRows);
+  EXPECT_EQ(fault.field, 6U);
+  EXPECT_EQ(fault.photograph, "photos/3.jpg");
+}
+
+TEST(DataChecks, TellSeparatorsApart) {
+  const auto kindOf = [](const char* separator) {
+    return std::get<RowFault>(FindingsOf(Joined(CleanRows(), separator)).at(0).kind).kind;
+  };
+  EXPECT_EQ(kindOf(";"), RowFault::Kind::kSemicolons);
+  EXPECT_EQ(kindOf("\t"), RowFault::Kind::kTabs);
+  EXPECT_EQ(kindOf("|"), RowFault::Kind::kBars);
+}
+
+TEST(DataChecks, NameAtMostAHundredPhotographs) {
+  std::vector<Row> rows;
+  for (int i = 0; i < 101; ++i) {
+    rows.push_back(CleanRows()[0]);
+    rows.back()[1] = std::to_string(i) + ".jpg";
+    rows.back()[4] = "nan";
+  }
+  const auto findings = FindingsOf(Joined(rows));
+  ASSERT_THAT(findings, SizeIs(1));
+  EXPECT_THAT(findings[0].photographs, SizeIs(100));
+  EXPECT_THAT(std::get<ValueFault>(findings[0].kind).rows.lines, SizeIs(101));
 }
 
 TEST(DataChecks, SurviveAnyBytes) {
@@ -362,7 +354,7 @@ TEST(DataChecks, SurviveAnyBytes) {
       content[random() % content.size()] = static_cast<char>(random());
     }
     for (const Finding& finding : FindingsOf(content)) {
-      EXPECT_NE(finding.text, "");
+      EXPECT_NE(Text(finding), "");
     }
   }
 }

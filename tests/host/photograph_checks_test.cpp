@@ -6,6 +6,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "host/exif_segments.h"
+#include "host/findings/finding_text.h"
 #include "support/platform.h"
 #include "support/stage_test.h"
 
@@ -64,12 +65,17 @@ class PhotographChecksTest : public testing::Test {
     return findings.empty() ? Finding() : findings[0];
   }
 
-  void ExpectTheFinding(const std::string& id, Severity severity, const std::string& text) const {
+  void ExpectTheFinding(const std::string& id, Severity severity,
+                        const std::vector<std::string>& photographs) const {
     const Finding finding = TheFinding();
-    EXPECT_EQ(finding.id, id);
+    EXPECT_EQ(Id(finding), id);
     EXPECT_EQ(finding.severity, severity);
-    EXPECT_EQ(finding.text, text);
-    EXPECT_NE(finding.advice, "");
+    EXPECT_EQ(finding.photographs, photographs);
+  }
+
+  template <class Kind>
+  Kind TheKind() const {
+    return std::get<Kind>(TheFinding().kind);
   }
 
   test::TemporaryFolder folder;
@@ -86,26 +92,25 @@ TEST_F(PhotographChecksTest, FindNothingInOrdinaryOnes) {
 TEST_F(PhotographChecksTest, FindOtherSizes) {
   Add("photos/5.jpg", Jpeg(30, 20));
   Add("photos/6.jpg", Jpeg(90, 60));
-  ExpectTheFinding("photographSizes", Severity::kError,
-                   "Photographs differ in size from the rest (60 x 40 pixels): photos/5.jpg (30 x "
-                   "20) and photos/6.jpg (90 x 60).");
-  EXPECT_THAT(TheFinding().photographs, ElementsAre("photos/5.jpg", "photos/6.jpg"));
+  ExpectTheFinding("photographSizes", Severity::kError, {"photos/5.jpg", "photos/6.jpg"});
+  const auto sizes = TheKind<PhotographSizes>();
+  EXPECT_EQ(sizes.common, (ImageSize{60, 40}));
+  EXPECT_THAT(sizes.sizes, ElementsAre(ImageSize{30, 20}, ImageSize{90, 60}));
+  EXPECT_EQ(sizes.count, 2U);
   EXPECT_THAT(Check().leaveOut, IsEmpty());
 }
 
 TEST_F(PhotographChecksTest, FindOrientationTagsThatKeepTheSize) {
   Add("photos/5.jpg", Turned(60, 40, 3));
   Add("photos/6.jpg", Turned(60, 40, 1));
-  ExpectTheFinding("orientationTag", Severity::kWarning,
-                   "An orientation tag makes decoders turn the pixels, so the result is not that "
-                   "of the camera: photos/5.jpg.");
+  ExpectTheFinding("orientationTag", Severity::kWarning, {"photos/5.jpg"});
+  EXPECT_FALSE(TheKind<OrientationTag>().isMixed);
 }
 
 TEST_F(PhotographChecksTest, FindOrientationTagsThatMixSizes) {
   Add("photos/5.jpg", Turned(60, 40, 6));
-  ExpectTheFinding("orientationTag", Severity::kError,
-                   "An orientation tag turns some photographs and not the others, so their sizes "
-                   "differ: photos/5.jpg.");
+  ExpectTheFinding("orientationTag", Severity::kError, {"photos/5.jpg"});
+  EXPECT_TRUE(TheKind<OrientationTag>().isMixed);
 }
 
 TEST_F(PhotographChecksTest, FindOrientationTagsOnAll) {
@@ -114,23 +119,21 @@ TEST_F(PhotographChecksTest, FindOrientationTagsOnAll) {
   for (int i = 1; i <= 5; ++i) {
     Add("photos/" + std::to_string(i) + ".jpg", Turned(60, 40, 8));
   }
-  ExpectTheFinding("orientationTag", Severity::kWarning,
-                   "An orientation tag makes decoders turn the pixels, so the result is not that "
-                   "of the camera: all 5 photographs.");
+  EXPECT_STREQ(Id(TheFinding()), "orientationTag");
+  EXPECT_FALSE(TheKind<OrientationTag>().isMixed);
+  EXPECT_EQ(TheKind<OrientationTag>().count, 5U);
+  EXPECT_EQ(TheKind<OrientationTag>().all, 5U);
 }
 
 TEST_F(PhotographChecksTest, FindAnotherShapeThanTheSensors) {
   inputs.sensorMm = {36, 20.25};
-  ExpectTheFinding("aspect", Severity::kNote,
-                   "The pictures (60 x 40 pixels) are of another shape than the sensor (36 x 20.25 "
-                   "mm), so the focal length in millimetres is off.");
-  EXPECT_EQ(TheFinding().advice,
-            "Give the part of the sensor that the picture uses: --sensor 30.38x20.25 if the pixels "
-            "are square.");
+  ExpectTheFinding("aspect", Severity::kNote, {});
+  EXPECT_EQ(TheKind<Aspect>().image, (ImageSize{60, 40}));
+  EXPECT_THAT(Advice(TheFinding()), HasSubstr("--sensor 30.38x20.25 "));
   inputs.sensorMm = {36, 30};
-  EXPECT_THAT(TheFinding().advice, HasSubstr("--sensor 36x24 "));
+  EXPECT_THAT(Advice(TheFinding()), HasSubstr("--sensor 36x24 "));
   inputs.sensorMm = {36, 24.3};  // 1.2 %
-  EXPECT_EQ(TheFinding().id, "aspect");
+  EXPECT_STREQ(Id(TheFinding()), "aspect");
   inputs.sensorMm = {36, 24.2};  // 0.8 %
   EXPECT_THAT(Check().findings, IsEmpty());
 }
@@ -138,10 +141,9 @@ TEST_F(PhotographChecksTest, FindAnotherShapeThanTheSensors) {
 TEST_F(PhotographChecksTest, LeaveOutEnormousPictures) {
   Add("photos/5.png", PngHeader(30000, 30000));
   Add("photos/6.png", PngHeader(0xFFFFFFFF, 0xFFFFFFFF));
-  ExpectTheFinding("hugePhotograph", Severity::kError,
-                   "More than 200 megapixels are too many, and left out: photos/5.png (30000 x "
-                   "30000) and photos/6.png (4294967295 x 4294967295).");
-  EXPECT_THAT(TheFinding().photographs, ElementsAre("photos/5.png", "photos/6.png"));
+  ExpectTheFinding("hugePhotograph", Severity::kError, {"photos/5.png", "photos/6.png"});
+  EXPECT_THAT(TheKind<HugePhotographs>().sizes,
+              ElementsAre(ImageSize{30000, 30000}, ImageSize{4294967295, 4294967295}));
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
 }
 
@@ -151,21 +153,20 @@ TEST_F(PhotographChecksTest, TakeTwoHundredMegapixels) {
   Add("photos/5.png", PngHeader(20000, 10000));
   EXPECT_THAT(Check().findings, IsEmpty());
   Add("photos/5.png", PngHeader(20000, 10001));
-  EXPECT_EQ(TheFinding().id, "hugePhotograph");
+  EXPECT_STREQ(Id(TheFinding()), "hugePhotograph");
 }
 
 TEST_F(PhotographChecksTest, LeaveOutSidesThatNoDecoderTakes) {
   Add("photos/5.png", PngHeader((1 << 20) + 1, 1));
-  EXPECT_EQ(TheFinding().id, "hugePhotograph");
+  EXPECT_STREQ(Id(TheFinding()), "hugePhotograph");
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
 }
 
-// Whatever its size, it stands where nobody has read it.
+// Their size, however large, cannot be read.
 TEST_F(PhotographChecksTest, LeaveOutPicturesWithoutASize) {
   Add("photos/5.jpg", Jpeg(60, 40).substr(0, 30));
   Add("photos/6.tif", std::string("II*\0\xFF\xFF\xFF\x7F", 8));
-  ExpectTheFinding("unreadablePhotographs", Severity::kError,
-                   "Photographs are empty or cannot be read: photos/5.jpg and photos/6.tif.");
+  ExpectTheFinding("unreadablePhotographs", Severity::kError, {"photos/5.jpg", "photos/6.tif"});
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
 }
 
@@ -185,7 +186,7 @@ TEST_F(PhotographChecksTest, LeaveOutOtherFormats) {
   for (std::size_t i = 0; i < others.size(); ++i) {
     Add("photos/" + std::to_string(5 + i) + ".jpg", others[i]);
   }
-  EXPECT_EQ(TheFinding().id, "otherFormat");
+  EXPECT_STREQ(Id(TheFinding()), "otherFormat");
   EXPECT_THAT(TheFinding().photographs, SizeIs(others.size()));
   EXPECT_THAT(Check().leaveOut, SizeIs(others.size()));
 }
@@ -203,9 +204,7 @@ TEST_F(PhotographChecksTest, LeaveOutRowsWithoutPhotographsWhenTheyAreManyThousa
 
 TEST_F(PhotographChecksTest, LeaveOutFolders) {
   Name("photos");
-  ExpectTheFinding("notAFile", Severity::kNote,
-                   "A pipe, a device or a folder stands where a photograph must, and is left out: "
-                   "photos.");
+  ExpectTheFinding("notAFile", Severity::kNote, {"photos"});
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
 }
 
@@ -215,8 +214,7 @@ TEST_F(PhotographChecksTest, LeaveOutPipesAndNeverOpenThem) {
   }
   Name("pipe.jpg");
   Name("/dev/zero");
-  EXPECT_EQ(TheFinding().id, "notAFile");
-  EXPECT_THAT(TheFinding().photographs, ElementsAre("pipe.jpg", "/dev/zero"));
+  ExpectTheFinding("notAFile", Severity::kError, {"pipe.jpg", "/dev/zero"});
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U, 5U));
 }
 
@@ -228,44 +226,41 @@ TEST_F(PhotographChecksTest, LeaveOutPathsThatAreNotUtf8) {
 
 TEST_F(PhotographChecksTest, FindEmptyOnesAndUnknownFormats) {
   Add("photos/5.jpg", "");
-  ExpectTheFinding("unreadablePhotographs", Severity::kNote,
-                   "Photographs are empty or cannot be read: photos/5.jpg.");
+  ExpectTheFinding("unreadablePhotographs", Severity::kNote, {"photos/5.jpg"});
   rows.pop_back();
   Add("photos/6.jpg", "no picture");
-  ExpectTheFinding(
-      "unknownFormat", Severity::kNote,
-      "Files are no pictures of a known format, so their sizes are not checked: photos/6.jpg.");
+  ExpectTheFinding("unknownFormat", Severity::kNote, {"photos/6.jpg"});
 }
 
 TEST_F(PhotographChecksTest, FindMissingOnes) {
   Name("photos/5.jpg");
-  ExpectTheFinding("missingPhotographs", Severity::kNote,
-                   "Photographs cannot be found: photos/5.jpg.");
-  EXPECT_EQ(TheFinding().advice,
-            "Put the photographs where the data file says, or correct its second field.");
-  for (int i = 6; i <= 9; ++i) {
+  ExpectTheFinding("missingPhotographs", Severity::kNote, {"photos/5.jpg"});
+  EXPECT_EQ(TheKind<MissingPhotographs>().folder, "");
+  for (int i = 6; i <= 7; ++i) {
     Name("photos/" + std::to_string(i) + ".jpg");
   }
-  ExpectTheFinding(
-      "missingPhotographs", Severity::kError,
-      "Photographs cannot be found: photos/5.jpg, photos/6.jpg, photos/7.jpg and 2 more.");
+  ExpectTheFinding("missingPhotographs", Severity::kError,
+                   {"photos/5.jpg", "photos/6.jpg", "photos/7.jpg"});
+  EXPECT_EQ(TheKind<MissingPhotographs>().count, 3U);
+  EXPECT_EQ(TheKind<MissingPhotographs>().all, 7U);
 }
 
 TEST_F(PhotographChecksTest, KnowTheFolderThatMissingOnesBeginIn) {
   inputs.workingFolder = folder.Path() / "photos";
-  EXPECT_THAT(TheFinding().text, HasSubstr("all 4 photographs"));
-  EXPECT_EQ(TheFinding().advice,
-            "Say --working-folder " + folder.Path().u8string() + ": photos/1.jpg is there.");
+  const auto missing = TheKind<MissingPhotographs>();
+  EXPECT_EQ(missing.folder, folder.Path().u8string());
+  EXPECT_EQ(missing.nameInFolder, "photos/1.jpg");
+  EXPECT_TRUE(missing.isWorkingFolder);
 }
 
 TEST_F(PhotographChecksTest, KnowWhereMissingOnesLie) {
   rows.clear();
   for (const char* path : {"/somewhere/else/1.jpg", "D:\\takes\\new\\1.jpg", "take 7/1.jpg"}) {
     Name(path);
-    EXPECT_EQ(TheFinding().advice,
-              "1.jpg lies in " + (folder.Path() / "photos").u8string() +
-                  ": correct the paths in the second field, or leave the names only and say "
-                  "--working-folder.");
+    const auto missing = TheKind<MissingPhotographs>();
+    EXPECT_EQ(missing.folder, (folder.Path() / "photos").u8string());
+    EXPECT_EQ(missing.nameInFolder, "1.jpg");
+    EXPECT_FALSE(missing.isWorkingFolder);
     rows.clear();
   }
 }

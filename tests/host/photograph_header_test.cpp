@@ -107,7 +107,7 @@ TEST(PhotographHeader, AgreesWithTheDecoder) {
     const cv::Mat image = cv::imdecode(std::vector<char>(bytes.begin(), bytes.end()), 1);
     const auto header = ParsePhotographHeader(bytes);
     ASSERT_TRUE(header);
-    EXPECT_EQ(image.cols, header->IsTurnedAside() ? kHeight : kWidth) << orientation;
+    EXPECT_EQ(image.cols, header->IsRotated() ? kHeight : kWidth) << orientation;
   }
 }
 

@@ -1,11 +1,17 @@
-#include "host/findings/run_findings.h"
+#include "host/verdict/run_findings.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include "support/stage_test.h"
 
 namespace trackedcam::host {
 namespace {
 
-// So many photographs in which the board was found, and so many of them used.
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// A run with this many photographs in which the board was found, and this many of them used.
 LibraryRun RunWith(std::size_t seen, std::size_t used) {
   LibraryRun run;
   run.code = 0;
@@ -17,31 +23,75 @@ LibraryRun RunWith(std::size_t seen, std::size_t used) {
   return run;
 }
 
-TEST(RunFindings, TellOfFewUsedPhotographs) {
-  EXPECT_TRUE(FindingsOf(RunWith(20, 8)).empty());
-  EXPECT_TRUE(FindingsOf(RunWith(24, 8)).empty());
-  for (const LibraryRun& run : {RunWith(14, 2), RunWith(14, 7), RunWith(25, 8)}) {
-    const std::vector<Finding> findings = FindingsOf(run);
-    ASSERT_EQ(findings.size(), 1U);
-    EXPECT_EQ(findings[0].id, "fewUsed");
+TEST(RunFindings, ReportFewUsedPhotographs) {
+  EXPECT_THAT(FindingsOf(RunWith(20, 8)), IsEmpty());
+  EXPECT_THAT(FindingsOf(RunWith(24, 8)), IsEmpty());
+  for (const auto& [seen, used] : {std::pair(14, 2), {14, 7}, {25, 8}}) {
+    const std::vector<Finding> findings = FindingsOf(RunWith(seen, used));
+    ASSERT_THAT(findings, SizeIs(1));
     EXPECT_EQ(findings[0].severity, Severity::kWarning);
+    EXPECT_EQ(std::get<FewUsed>(findings[0].kind).used, used);
+    EXPECT_EQ(std::get<FewUsed>(findings[0].kind).seen, seen);
   }
-  EXPECT_EQ(FindingsOf(RunWith(14, 2))[0].text,
-            "The result rests on 2 of 14 photographs in which the board was found.");
 }
 
-TEST(RunFindings, TellWhenTheBoardIsNowhere) {
+TEST(RunFindings, ReportABoardThatWasFoundNowhere) {
   LibraryRun run;
   run.code = 4;
   run.record.board = BoardRecord{10, 7, 0.03};
   run.record.photographs = {{"a", DropReason::kBoardNotFound, std::nullopt}};
   const std::vector<Finding> findings = FindingsOf(run);
-  ASSERT_EQ(findings.size(), 1U);
-  EXPECT_EQ(findings[0].id, "boardNowhere");
-  EXPECT_EQ(findings[0].advice,
-            "Count inner corners, not squares: a chart of 10x7 squares has 9x6 of them.");
+  ASSERT_THAT(findings, SizeIs(1));
+  EXPECT_EQ(findings[0].severity, Severity::kError);
+  EXPECT_EQ(std::get<BoardNowhere>(findings[0].kind).columns, 10);
+  EXPECT_EQ(std::get<BoardNowhere>(findings[0].kind).rows, 7);
   run.record.photographs.push_back({"b", std::nullopt, RawData{}});
-  EXPECT_TRUE(FindingsOf(run).empty());
+  EXPECT_THAT(FindingsOf(run), IsEmpty());
+}
+
+class OutputErrors : public testing::Test {
+ protected:
+  OutputErrors() {
+    run.log = folder.Path() / "log.txt";
+    run.record.isSuccessful = true;
+    test::WriteFile(folder.File("log.txt"), "log");
+  }
+
+  test::TemporaryFolder folder;
+  LibraryRun run = RunWith(20, 12);
+};
+
+TEST_F(OutputErrors, AreNoneOfACompleteRun) {
+  EXPECT_THAT(OutputErrorsOf(run), IsEmpty());
+  run.record.isSuccessful = false;
+  run.code = 13;
+  run.record.errorCode = 13;
+  EXPECT_THAT(OutputErrorsOf(run), IsEmpty());
+  run.code = -1;
+  EXPECT_THAT(OutputErrorsOf(run), IsEmpty());
+}
+
+TEST_F(OutputErrors, AreOfALogWithoutItsLastLineOrFile) {
+  run.record.isSuccessful = false;
+  const std::vector<Finding> findings = OutputErrorsOf(run);
+  ASSERT_THAT(findings, SizeIs(1));
+  EXPECT_FALSE(std::get<LogIncomplete>(findings[0].kind).isCrossCheckable);
+  run.record.isSuccessful = true;
+  run.record.lens = LensRecord{};
+  run.log = folder.Path() / "none.txt";
+  ASSERT_THAT(OutputErrorsOf(run), SizeIs(1));
+  EXPECT_TRUE(std::get<LogIncomplete>(OutputErrorsOf(run)[0].kind).isCrossCheckable);
+}
+
+TEST_F(OutputErrors, AreOfImagesThatAreMissing) {
+  run.missingImages = {"a.jpg", "b.jpg"};
+  run.images = {"Reproject_c.jpg"};
+  const std::vector<Finding> findings = OutputErrorsOf(run);
+  ASSERT_THAT(findings, SizeIs(1));
+  EXPECT_EQ(findings[0].severity, Severity::kWarning);
+  EXPECT_THAT(findings[0].photographs, ElementsAre("a.jpg", "b.jpg"));
+  EXPECT_EQ(std::get<ImagesMissing>(findings[0].kind).count, 2U);
+  EXPECT_EQ(std::get<ImagesMissing>(findings[0].kind).all, 3U);
 }
 
 }  // namespace

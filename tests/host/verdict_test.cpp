@@ -3,15 +3,20 @@
 #include <cmath>
 #include <limits>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include "host/findings/finding_text.h"
 
 namespace trackedcam::host {
 namespace {
 
-TEST(Verdict, HasWordsAndAdviceForEveryDocumentedCode) {
-  const std::string unknown = VerdictOf(1000).words;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+TEST(Verdict, HasAMessageAndAdviceForEveryDocumentedCode) {
+  const std::string unknown = VerdictOf(1000).message;
   for (const int code : {0, 99, 1, 2, 15, 4, 5, 7, 8, 9, 10, 11, 12, 13, 6, 14, -1}) {
-    EXPECT_NE(VerdictOf(code).words, unknown) << code;
+    EXPECT_NE(VerdictOf(code).message, unknown) << code;
     EXPECT_NE(VerdictOf(code).advice, "") << code;
   }
 }
@@ -24,7 +29,7 @@ TEST(Verdict, IsUsableForSuccessAndWarningOnly) {
   }
 }
 
-TEST(Verdict, OfATransformThatIsNoNumberIsAFailure) {
+TEST(Verdict, OfATransformWithNanIsAFailure) {
   LibraryRun run;
   run.code = 0;
   run.outputs.transformCamTc.assign(16, 0.5);
@@ -32,10 +37,12 @@ TEST(Verdict, OfATransformThatIsNoNumberIsAFailure) {
   for (const double number : {std::nan(""), std::numeric_limits<double>::infinity()}) {
     run.outputs.transformCamTc[5] = number;
     EXPECT_FALSE(IsUsable(run));
-    EXPECT_EQ(VerdictOf(run, {}).words, "The transform is not a number.");
+    EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).level, Level::kFailed);
+    EXPECT_THAT(VerdictOf(run, run.record.photographs.size(), {}).message,
+                HasSubstr("not a number"));
   }
   run.code = 4;
-  EXPECT_EQ(VerdictOf(run, {}).words, VerdictOf(4).words);
+  EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).message, VerdictOf(4).message);
 }
 
 class VerdictOfFindings : public testing::Test {
@@ -48,34 +55,41 @@ class VerdictOfFindings : public testing::Test {
   }
 
   Verdict With(Severity severity) {
-    return VerdictOf(run,
-                     {{"mountingOff", severity, "The mounting is off.", "Refine it.", {}, {}, ""}});
+    finding.severity = severity;
+    return VerdictOf(run, run.record.photographs.size(), {finding});
   }
 
+  Finding finding = {Severity::kNote, crosscheck::MountingOff{27, 1, 18, 0.7, 0, 0, {}}, {}};
   LibraryRun run;
 };
 
 TEST_F(VerdictOfFindings, SaysFromHowManyPhotographs) {
-  const Verdict verdict = VerdictOf(run, {});
+  const Verdict verdict = VerdictOf(run, run.record.photographs.size(), {});
   EXPECT_EQ(verdict.level, Level::kGood);
-  EXPECT_EQ(verdict.words, "Success: the calibration is good, from 1 of 2 photographs.");
-  EXPECT_EQ(With(Severity::kNote).words, verdict.words);
+  EXPECT_THAT(verdict.message, HasSubstr(", from 1 of 2 photographs."));
+  EXPECT_EQ(verdict.summary, verdict.message);
+  EXPECT_EQ(With(Severity::kNote).message, verdict.message);
 }
 
-TEST_F(VerdictOfFindings, IsNoSuccessWithAnError) {
+TEST_F(VerdictOfFindings, IsWrongWithAnError) {
   const Verdict verdict = With(Severity::kError);
   EXPECT_EQ(verdict.level, Level::kWrong);
-  EXPECT_EQ(verdict.words,
-            "Calibrated, but the result is wrong, from 1 of 2 photographs. The mounting is off.");
-  EXPECT_EQ(verdict.advice, "Refine it.");
+  EXPECT_THAT(verdict.summary, EndsWith(" wrong, from 1 of 2 photographs."));
+  EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
+  EXPECT_EQ(verdict.advice, Advice(finding));
   EXPECT_EQ(verdict.nextStep, NextStep::kRefineMounting);
 }
 
-TEST_F(VerdictOfFindings, SaysWhatToDoubtWithAWarning) {
+TEST_F(VerdictOfFindings, IsDoubtfulWithAWarning) {
   const Verdict verdict = With(Severity::kWarning);
   EXPECT_EQ(verdict.level, Level::kDoubtful);
-  EXPECT_EQ(verdict.words,
-            "Calibrated, with a doubt, from 1 of 2 photographs. The mounting is off.");
+  EXPECT_THAT(verdict.summary, EndsWith(" doubtful, from 1 of 2 photographs."));
+  EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
+}
+
+TEST_F(VerdictOfFindings, HasNoNextStepThatCannotHelp) {
+  finding.kind = crosscheck::TrackersNoisy{3, 0.3};
+  EXPECT_EQ(With(Severity::kError).nextStep, NextStep::kNone);
 }
 
 TEST_F(VerdictOfFindings, OfAFailureGivesTheReason) {
@@ -83,16 +97,43 @@ TEST_F(VerdictOfFindings, OfAFailureGivesTheReason) {
   run.outputs = {};
   const Verdict verdict = With(Severity::kError);
   EXPECT_EQ(verdict.level, Level::kFailed);
-  EXPECT_EQ(verdict.words, std::string(VerdictOf(13).words) + " The mounting is off.");
-  EXPECT_EQ(verdict.advice, "Refine it.");
+  EXPECT_EQ(verdict.summary, VerdictOf(13).message);
+  EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
+  EXPECT_EQ(verdict.advice, Advice(finding));
+  EXPECT_EQ(With(Severity::kWarning).message, VerdictOf(13).message);
   EXPECT_EQ(With(Severity::kWarning).advice, VerdictOf(13).advice);
 }
 
-TEST_F(VerdictOfFindings, OfAnExceptionTellsIt) {
+TEST_F(VerdictOfFindings, OfAnExceptionHasItsText) {
   run.code = std::nullopt;
   run.exception = "bad conversion";
-  EXPECT_EQ(VerdictOf(run, {}).words, "The library stopped: bad conversion.");
-  EXPECT_EQ(VerdictOf(run, {}).level, Level::kFailed);
+  run.stoppedAt = "row 7, photos/a.jpg";
+  EXPECT_THAT(VerdictOf(run, run.record.photographs.size(), {}).message,
+              HasSubstr(" at row 7, photos/a.jpg: bad conversion."));
+  EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).level, Level::kFailed);
+}
+
+TEST_F(VerdictOfFindings, WithoutAMountingIsAFailure) {
+  const Verdict verdict = VerdictWithoutMounting(run, {});
+  EXPECT_EQ(verdict.level, Level::kFailed);
+  EXPECT_EQ(verdict.message, verdict.summary);
+  finding.severity = Severity::kWarning;
+  const Verdict withFinding = VerdictWithoutMounting(run, {finding});
+  EXPECT_EQ(withFinding.summary, verdict.summary);
+  EXPECT_EQ(withFinding.message, verdict.summary + ' ' + Text(finding));
+  EXPECT_EQ(withFinding.advice, Advice(finding));
+  EXPECT_EQ(withFinding.nextStep, NextStep::kNone);
+}
+
+TEST_F(VerdictOfFindings, WithoutAMountingGivesTheLibrarysReason) {
+  const std::string advice = VerdictWithoutMounting(run, {}).advice;
+  for (const int code : {99, 6, 13, 14}) {  // the zeros for the mounting cause these
+    run.code = code;
+    EXPECT_EQ(VerdictWithoutMounting(run, {}).advice, advice) << code;
+  }
+  run.code = 4;
+  EXPECT_THAT(VerdictWithoutMounting(run, {}).message, HasSubstr(' ' + VerdictOf(4).message));
+  EXPECT_EQ(VerdictWithoutMounting(run, {}).advice, VerdictOf(4).advice);
 }
 
 }  // namespace
