@@ -8,6 +8,7 @@
 #include "host/platform.h"
 #include "host/result/result_json.h"
 #include "host/text/files.h"
+#include "report/page.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::c {

@@ -4,8 +4,8 @@
 
 set(third_party libeigen3-dev)
 if(TRACKEDCAM_BUILD_HOST)
-  list(APPEND third_party libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libboost1.*-dev libjs-three
-       libjs-chart.js)
+  list(APPEND third_party libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libboost1.*-dev
+       libkainjow-mustache-dev libjs-three libjs-chart.js)
 endif()
 set(licence_folders /usr/share/doc)
 if(MINGW)

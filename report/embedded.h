@@ -1,4 +1,4 @@
-// The files that the build has put into the program.
+// The files that the build puts into the program.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// Text on its way into the page.
+// Text, links and images in the form that the page needs.
 
 #pragma once
 
@@ -12,16 +12,16 @@ namespace trackedcam::report {
 /// which HTML has no way to write, become U+FFFD.
 std::string EscapeHtml(std::string_view text);
 
-/// JSON that may stand inside a script element: no `<`, which could end it, is left.
+/// JSON for the inside of a script element: without any `<`, which could end the element.
 std::string EscapeJson(std::string_view json);
 
 std::string Base64(std::string_view bytes);
 
-/// The bytes that the hexadecimal digits stand for.
+/// The bytes of hexadecimal digits.
 std::string BytesOfHex(std::string_view digits);
 
-/// The address of a file as seen from a page in `folder`: relative where there is a way, never one
-/// that a browser could take for anything but a file.
+/// The address of a file as seen from a page in `folder`: relative if possible, and never one that
+/// a browser could take for anything but a file.
 std::string FileLink(const std::filesystem::path& file, const std::filesystem::path& folder);
 
 /// The media type of an image that a page may embed, by its first bytes; empty for all others.

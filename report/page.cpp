@@ -17,7 +17,7 @@ std::string Source(const EmbeddedFile& file) {
   return "'sha256-" + Base64(BytesOfHex(file.sha256)) + "'";
 }
 
-/// Nothing is loaded and nothing runs but what the program was built with.
+/// Nothing is loaded, and only the scripts of the program run.
 std::string Policy() {
   return "default-src 'none'; script-src " + Source(kThreeJs) + ' ' + Source(kOrbitControlsJs) +
          ' ' + Source(kChartJs) + ' ' + Source(kPageJs) + "; style-src " + Source(kPageCss) +

@@ -1,4 +1,4 @@
-// A report in, one page out that a browser shows without anything beside it.
+// Makes one HTML page of a result, which a browser shows without any other file.
 
 #pragma once
 
@@ -6,21 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "report/thumbnails.h"
+
 namespace trackedcam::report {
 
-/// A small picture to embed: of the reprojected image where there is one, else of the photograph.
-struct Thumbnail {
-  std::string photograph;  // as the report names it
-  std::string bytes;       // of a JPEG or PNG file; anything else is left out
-};
-
 /// The page of a run, UTF-8 HTML.
-/// @param result The text of a result file. Keys that are missing, null or of the wrong kind leave
+/// @param result The text of a result file. Keys that are missing, null or of the wrong type leave
 ///   their place on the page empty.
-/// @param thumbnails At most one for each photograph, in any order; those of photographs that the
-///   result does not name are left out.
-/// @param pageFolder Where the page will lie. Links to images and the log are relative to it.
-/// @throws std::invalid_argument when the text is no result.
+/// @param thumbnails Those of the entries of `photographs`, in its order. Missing ones leave their
+///   place empty.
+/// @param pageFolder Folder of the page. Links to images and the log are relative to it.
+/// @throws std::invalid_argument if the text is not a result.
 std::string Page(const std::string& result, const std::vector<Thumbnail>& thumbnails,
                  const std::filesystem::path& pageFolder);
 

@@ -1,6 +1,5 @@
-// Draws the pictures of the page from the result that stands in it, and keeps one selection for all
-// of them. It computes no figure of the calibration: what it shows as a number stands in the result or
-// in the tables.
+// Draws the graphics of the page from the result that the page contains, and keeps one selection for
+// all of them. It computes no value of the calibration.
 'use strict';
 (() => {
 
@@ -17,26 +16,29 @@ let colour = (name) => getComputedStyle(root).getPropertyValue('--' + name).trim
 const fixed = (value, decimals) => isNumber(value) ? value.toFixed(decimals).replace('-', '−') : '–';
 
 // The photographs, as the page lists them.
-const photographs = [...document.querySelectorAll('.photograph')].map((element) => ({
+const photographs = [...document.querySelectorAll('.photograph')].map((element, i) => ({
   element,
-  number: Number(element.dataset.number),
+  number: i + 1,  // by place in the result's list
   state: element.dataset.state,
   name: element.dataset.name,
-  why: element.dataset.why,
+  reason: element.dataset.reason,
   isReprojected: element.dataset.reprojected === 'true',
-  figures: element.dataset.place === '' || !cross ? null : (cross.perPhotograph || [])[Number(element.dataset.place)] || null,
+  check: cross && (result.photographs[i] || {}).crossCheck || null,
 }));
-const pairsOf = (photograph) => {
-  const {corners, predicted} = photograph.figures || {};
+const pairsOf = ({check}) => {
+  const {corners, predicted} = check || {};
   return (corners || []).map((corner, i) => [corner, (predicted || [])[i]])
       .filter(([corner]) => isList(corner, 2));
 };
-const stateWords = {
-  kept: 'agrees', spare: 'agrees, left out by the calibration', apart: 'does not agree', missing: 'dropped',
+const stateTexts = {
+  kept: 'agrees', spare: 'agrees, left out by the filter', apart: 'does not agree',
+  out: 'left out of the second run', unused: 'not used', missing: 'not usable',
 };
-const figuresText = ({figures, state, why}) => {
-  const parts = figures ? [fixed(figures.predictedPixels, 2) + ' px', fixed(figures.mm, 2) + ' mm', fixed(figures.degrees, 3) + '°'] : [];
-  if (state !== 'kept' || figures) parts.push(stateWords[state] + (why && state !== 'spare' ? ': ' + why : ''));
+const stateText = ({state, reason}) => stateTexts[state] + (reason && state !== 'spare' ? ': ' + reason : '');
+const valuesText = (photograph) => {
+  const {check, state} = photograph;
+  const parts = check ? [fixed(check.predictedPixels, 2) + ' px', fixed(check.mm, 2) + ' mm', fixed(check.degrees, 3) + '°'] : [];
+  if (state !== 'kept' || check) parts.push(stateText(photograph));
   return parts.join(' · ');
 };
 
@@ -49,16 +51,16 @@ const select = (photograph) => {
   selected = photograph;
   document.body.dataset.selected = photograph ? photograph.number : '';
   for (const {element, number} of photographs) {
-    const isIt = photograph !== null && number === photograph.number;
-    element.classList.toggle('selected', isIt);
+    const isSelected = photograph !== null && number === photograph.number;
+    element.classList.toggle('selected', isSelected);
     const open = element.querySelector('.open');
-    open.setAttribute('aria-pressed', String(isIt));
+    open.setAttribute('aria-pressed', String(isSelected));
   }
   byId('selection').hidden = !photograph;
   if (photograph) {
     byId('selection-number').textContent = photograph.number;
     byId('selection-name').textContent = photograph.name.split(/[\\/]/).pop();
-    byId('selection-figures').textContent = figuresText(photograph);
+    byId('selection-values').textContent = valuesText(photograph);
   }
   selectionListeners.forEach((listener) => listener());
   if (byId('enlarged').open) enlarge();
@@ -80,7 +82,7 @@ byId('selection-next').onclick = byId('enlarged-next').onclick = () => selectSte
 byId('selection-close').onclick = () => select(null);
 
 
-// SVG, piece by piece: no text is ever read as markup.
+// SVG, element by element: no text is ever parsed as markup.
 
 const svgElement = (name, attributes, parent, text) => {
   const element = document.createElementNS('http://www.w3.org/2000/svg', name);
@@ -112,11 +114,11 @@ const drawCorners = (svg, photograph, size) => {
 // The gallery, and one photograph enlarged.
 
 const enlarge = () => {
-  const {element, figures} = selected;
+  const {element, check} = selected;
   byId('enlarged-number').textContent = selected.number;
   byId('enlarged-title').textContent = selected.name;
-  byId('enlarged-figures').textContent = figuresText(selected)
-    + (figures ? '. Circles: detected corners; crosses: where trackers and solution expect them.' : '');
+  byId('enlarged-values').textContent = valuesText(selected)
+    + (check ? '. Circles: detected corners; crosses: where trackers and solution predict them.' : '');
   const thumbnail = element.querySelector('img');
   const image = byId('enlarged-image');
   if (thumbnail) image.src = thumbnail.src; else image.removeAttribute('src');
@@ -142,8 +144,8 @@ const drawGallery = () => {
   for (const photograph of photographs) {
     const frame = photograph.element.querySelector('.frame');
     frame.querySelector('svg')?.remove();
-    // A reprojected image has its corners drawn already.
-    if (photograph.figures && !(photograph.isReprojected && frame.querySelector('img'))) {
+    // A reprojected image already shows its corners.
+    if (photograph.check && !(photograph.isReprojected && frame.querySelector('img'))) {
       const svg = svgElement('svg', {'aria-hidden': 'true', preserveAspectRatio: 'xMidYMid slice'});
       frame.insertBefore(svg, frame.querySelector('.open'));
       drawCorners(svg, photograph, height / 48);
@@ -158,14 +160,14 @@ for (const photograph of photographs) {
 }
 
 
-// The selected photograph beside the scene.
+// The selected photograph next to the scene.
 
 const showChosen = () => {
   if (!byId('chosen')) return;
   byId('chosen').hidden = !selected;
   byId('chosen-none').hidden = Boolean(selected);
   if (!selected) return;
-  const figures = selected.figures || {};
+  const check = selected.check || {};
   const thumbnail = selected.element.querySelector('img');
   byId('chosen-image').hidden = !thumbnail;
   byId('chosen-empty').hidden = Boolean(thumbnail);
@@ -173,13 +175,13 @@ const showChosen = () => {
   drawCorners(byId('chosen-overlay'), selected, height / 60);
   byId('chosen-number').textContent = selected.number;
   byId('chosen-name').textContent = selected.name.split(/[\\/]/).pop();
-  byId('chosen-state').textContent = stateWords[selected.state] + (selected.why && selected.state !== 'spare' ? ': ' + selected.why : '');
+  byId('chosen-state').textContent = stateText(selected);
   byId('chosen-state').className = selected.state;
-  byId('chosen-pixels').textContent = fixed(figures.predictedPixels, 2) + ' px';
-  byId('chosen-off').textContent = `${fixed(figures.mm, 2)} mm, ${fixed(figures.degrees, 3)}°`;
-  byId('chosen-tilt').textContent = `${fixed(figures.tiltDegrees, 0)}° towards ${fixed(figures.tiltDirectionDegrees, 0)}°`;
-  byId('chosen-roll').textContent = fixed(figures.rollDegrees, 0) + '°';
-  byId('chosen-distance').textContent = fixed(figures.distanceMetres, 2) + ' m';
+  byId('chosen-pixels').textContent = fixed(check.predictedPixels, 2) + ' px';
+  byId('chosen-difference').textContent = `${fixed(check.mm, 2)} mm, ${fixed(check.degrees, 3)}°`;
+  byId('chosen-tilt').textContent = `${fixed(check.tiltDegrees, 0)}° towards ${fixed(check.tiltDirectionDegrees, 0)}°`;
+  byId('chosen-roll').textContent = fixed(check.rollDegrees, 0) + '°';
+  byId('chosen-distance').textContent = fixed(check.distanceMetres, 2) + ' m';
 };
 selectionListeners.push(showChosen);
 
@@ -190,7 +192,7 @@ const copyText = async (text) => {
   try {
     await navigator.clipboard.writeText(text);
   } catch {
-    // Not every browser lets a file do that.
+    // Not every browser allows that to a page from a file.
     const area = document.createElement('textarea');
     area.value = text;
     document.body.appendChild(area);
@@ -200,11 +202,11 @@ const copyText = async (text) => {
   }
 };
 for (const button of document.querySelectorAll('.copy')) {
-  const words = button.textContent;
+  const label = button.textContent;
   button.onclick = async () => {
     await copyText(button.id === 'copy-json' ? byId('data').textContent : button.dataset.copy);
     button.textContent = 'Copied';
-    setTimeout(() => { button.textContent = words; }, 1500);
+    setTimeout(() => { button.textContent = label; }, 1500);
   };
 }
 
@@ -214,9 +216,9 @@ for (const button of document.querySelectorAll('.copy')) {
 const scene = {request() {}, recolour() {}, still() {}};
 const makeScene = () => {
   const canvas = byId('scene-canvas');
-  const views = photographs.filter(({figures}) => figures && isList(figures.transformCamChart, 16));
+  const views = photographs.filter(({check}) => check && isList(check.transformCamChart, 16));
   if (!canvas || !views.length) {
-    throw new Error('There is no camera to show.');
+    throw new Error('The result has no camera positions.');
   }
   const probe = document.createElement('canvas');
   if (!(probe.getContext('webgl') || probe.getContext('experimental-webgl'))) {
@@ -234,7 +236,7 @@ const makeScene = () => {
   const chart = new THREE.Group();  // in the axes of Chart: x right, y down, z into the board
   chart.rotation.x = Math.PI;
   world.add(chart);
-  const paints = [];  // what to do when the colours change
+  const paints = [];  // to call again when the colours change
   const paint = (what) => { paints.push(what); what(); };
 
   const renderer = new THREE.WebGLRenderer({canvas, antialias: true, preserveDrawingBuffer: true});
@@ -291,7 +293,7 @@ const makeScene = () => {
     parent.add(sprite);
     return sprite;
   };
-  const plainWords = (pen, w, h) => {
+  const plainText = (pen, w, h) => {
     pen.fillStyle = colour('stage');
     pen.globalAlpha = .75;
     pen.fillRect(0, 0, w, h);
@@ -301,7 +303,7 @@ const makeScene = () => {
 
   // The chart.
   const texture = document.createElement('canvas');
-  texture.width = texture.height = 1024;  // a power of two, as small pictures of it need
+  texture.width = texture.height = 1024;  // a power of two, which mipmaps need
   const boardMaterial = new THREE.MeshBasicMaterial({});
   paint(() => {
     const pen = texture.getContext('2d');
@@ -341,9 +343,9 @@ const makeScene = () => {
   });
   const thickAxes = (pose, length, parent) => {
     const axes = new THREE.Group();
-    [[0, 0, -Math.PI / 2], [0, 0, 0], [Math.PI / 2, 0, 0]].forEach((turn, i) => {
+    [[0, 0, -Math.PI / 2], [0, 0, 0], [Math.PI / 2, 0, 0]].forEach((angles, i) => {
       const mesh = new THREE.Mesh(rod, rodMaterials[i]);
-      mesh.rotation.set(...turn);
+      mesh.rotation.set(...angles);
       axes.add(mesh);
     });
     axes.scale.setScalar(length);
@@ -355,7 +357,7 @@ const makeScene = () => {
   };
 
   // The cameras.
-  const distances = views.map(({figures}) => matrix(figures.transformCamChart)).map((m) => Math.hypot(m.elements[12], m.elements[13], m.elements[14])).sort((a, b) => a - b);
+  const distances = views.map(({check}) => matrix(check.transformCamChart)).map((m) => Math.hypot(m.elements[12], m.elements[13], m.elements[14])).sort((a, b) => a - b);
   const reach = distances[Math.floor(distances.length / 2)];
   const depth = reach * (views.length > 60 ? .085 : .12);
   const [fx, fy] = isList(result.normFocal, 2) ? result.normFocal : [1.35, 2.4];
@@ -370,7 +372,7 @@ const makeScene = () => {
       .concat([0, 1, 2, 0, 2, 3].map((i) => frameCorners[i])));
   const found = isList(cross.transformCamTc, 16) ? matrix(cross.transformCamTc) : null;
   const cameras = views.map((photograph) => {
-    const pose = inverse(matrix(photograph.figures.transformCamChart));
+    const pose = inverse(matrix(photograph.check.transformCamChart));
     const group = new THREE.Group();
     group.applyMatrix(pose);
     chart.add(group);
@@ -417,14 +419,14 @@ const makeScene = () => {
     lines(cameras.flatMap(({pose}, i) => [at(pose, 0, 0, 0), at(poses[i], 0, 0, 0)]), tie, trackers);
   }
 
-  // The chart's tracker: found, and as the stated mounting has it.
+  // The chart's tracker: as found, and as stated.
   const axisLength = Math.max(square * 1.8, reach * .07);
   const chartOrigin = new THREE.Vector3();
   if (isList(cross.transformTrChart, 16)) {
     const pose = inverse(matrix(cross.transformTrChart));
     thickAxes(pose, axisLength, trackers);
     lines([chartOrigin, at(pose, 0, 0, 0)], tie, trackers);
-    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainWords).center.set(.5, -.7);
+    label('chart’s tracker, found', trackers, at(pose, 0, 0, 0), .026, plainText).center.set(.5, -.7);
   }
   if (isList(inputs.chartRotationDegrees, 3) && isList(inputs.chartTranslationMetres, 3)) {
     const [ax, ay, az] = inputs.chartRotationDegrees.map(THREE.Math.degToRad);
@@ -443,14 +445,14 @@ const makeScene = () => {
     lines([chartOrigin, at(pose, 0, 0, 0)], ghost, trackers);
   }
 
-  // The views of the buttons.
+  // The views that the buttons select.
   const controls = new THREE.OrbitControls(camera, canvas);
   controls.enableKeys = false;
   controls.enableZoom = false;  // until the scene is clicked: a wheel over it scrolls the page
   canvas.addEventListener('pointerdown', () => { controls.enableZoom = true; canvas.focus({preventScroll: true}); });
   canvas.addEventListener('blur', () => { controls.enableZoom = false; });
   controls.addEventListener('change', scene.request);
-  // While the page looks through a camera, that camera is not in the way.
+  // The view from a camera hides that camera.
   let through = null;
   const stepOut = () => {
     camera.fov = 36;
@@ -473,7 +475,7 @@ const makeScene = () => {
     camera.position.copy(middle).add(direction);
     camera.lookAt(middle);
     camera.updateMatrixWorld(true);
-    // As near as all points allow, seen in this direction.
+    // As near as possible with all points in view.
     const box = canvas.getBoundingClientRect();
     const tangent = Math.tan(camera.fov * Math.PI / 360);
     const aspect = box.width / Math.max(1, box.height);
@@ -493,10 +495,10 @@ const makeScene = () => {
     through = item;
     item.group.visible = false;
     item.group.updateMatrixWorld(true);
-    const turn = new THREE.Matrix4().makeRotationX(Math.PI);
-    item.group.matrixWorld.clone().multiply(turn).decompose(camera.position, camera.quaternion, new THREE.Vector3());
+    const facing = new THREE.Matrix4().makeRotationX(Math.PI);
+    item.group.matrixWorld.clone().multiply(facing).decompose(camera.position, camera.quaternion, new THREE.Vector3());
     controls.target.copy(boardCentre.clone().applyMatrix4(chart.matrixWorld));
-    // All of the photograph, and what the canvas shows beside it.
+    // The whole photograph, and what the canvas shows around it.
     camera.fov = 2 * Math.atan(Math.max(.5 / fy, .5 / fx / camera.aspect)) * 180 / Math.PI;
     scene.request();
   };
@@ -504,21 +506,21 @@ const makeScene = () => {
   for (const button of document.querySelectorAll('[data-view]')) {
     button.onclick = () => button.dataset.view === 'camera' ? lookThrough() : look(...looks[button.dataset.view]);
   }
-  const turnBy = (around, up) => {
+  const rotateBy = (around, up) => {
     const offset = new THREE.Spherical().setFromVector3(camera.position.clone().sub(controls.target));
     offset.theta += around;
     offset.phi = Math.min(Math.PI - .05, Math.max(.05, offset.phi + up));
     camera.position.setFromSpherical(offset).add(controls.target);
     controls.update();
   };
-  const goNearer = (factor) => {
+  const zoomBy = (factor) => {
     camera.position.sub(controls.target).multiplyScalar(factor).add(controls.target);
     controls.update();
   };
   canvas.onkeydown = (event) => {
     const act = {
-      ArrowLeft: () => turnBy(-.12, 0), ArrowRight: () => turnBy(.12, 0), ArrowUp: () => turnBy(0, -.1),
-      ArrowDown: () => turnBy(0, .1), '+': () => goNearer(.9), '-': () => goNearer(1.1),
+      ArrowLeft: () => rotateBy(-.12, 0), ArrowRight: () => rotateBy(.12, 0), ArrowUp: () => rotateBy(0, -.1),
+      ArrowDown: () => rotateBy(0, .1), '+': () => zoomBy(.9), '-': () => zoomBy(1.1),
     }[event.key];
     if (act) {
       event.preventDefault();
@@ -526,14 +528,14 @@ const makeScene = () => {
     }
   };
 
-  // A click, not the end of a turn.
+  // A click, not the end of a drag.
   let pressed = null;
   canvas.addEventListener('pointerdown', (event) => { pressed = [event.clientX, event.clientY]; });
   canvas.addEventListener('pointerup', (event) => {
     if (!pressed || Math.hypot(event.clientX - pressed[0], event.clientY - pressed[1]) > 5) return;
     const box = canvas.getBoundingClientRect();
     const x = event.clientX - box.left, y = event.clientY - box.top;
-    // The camera whose frame is nearest to the click on the screen.
+    // Selects the camera whose frame is nearest to the click on the screen.
     let best = null;
     for (const item of cameras) {
       const place = new THREE.Vector3(0, 0, depth * .6).applyMatrix4(item.group.matrixWorld).project(camera);
@@ -550,14 +552,14 @@ const makeScene = () => {
     const item = cameras.find(({photograph}) => photograph === selected);
     if (item && found) {
       selectedTracker = thickAxes(item.pose.clone().multiply(found), depth * .9, trackers);
-      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainWords, false).center.set(1.15, .5);
+      label('camera’s tracker', selectedTracker, chartOrigin, .026, plainText, false).center.set(1.15, .5);
     }
     scene.request();
   };
   selectionListeners.push(showSelected);
   scene.select = (number) => select(photographs[number - 1]);
   scene.selectedNumber = () => cameras.find(({group}) => group.scale.x > 1)?.photograph.number ?? null;
-  // Where a camera's frame is on the canvas, for whoever wants to point at it.
+  // Where a camera's frame is on the canvas: tests click there.
   window.trackedcamScene = {
     selected: scene.selectedNumber,
     place(number) {
@@ -588,7 +590,7 @@ const makeScene = () => {
 };
 
 
-// Charts: drawn again whenever the colours change.
+// Charts: drawn again when the colours change.
 
 const charts = [];
 const chartMakers = [];
@@ -596,7 +598,7 @@ const makeChart = (maker) => chartMakers.push(maker);
 const paperSizes = {bars: [1040, 250], errors: [500, 135], tall: [480, 410], plot: [1040, 240]};
 const newChart = (canvas, settings) => {
   if (root.dataset.printing) {
-    // The size of its place on paper is not known while it is drawn.
+    // The size on paper is not known while it is drawn.
     const kind = Object.keys(paperSizes).find((name) => canvas.parentElement.classList.contains(name));
     [canvas.width, canvas.height] = paperSizes[kind];
     Object.assign(settings.options, {responsive: false, devicePixelRatio: 2});
@@ -629,26 +631,30 @@ const hatch = (stroke) => {
 // 3. Which photographs agree.
 
 let measure = 'predictedPixels';
+const doubtAbove = (name, scale) => {
+  const limit = ((result.limits || {})[name] || {}).doubt;
+  return isNumber(limit) ? limit * scale : null;
+};
 const measures = {
-  // The limits of the verdict: at them the program says to calibrate again.
-  predictedPixels: {title: 'error, px', decimals: 2, unit: 'px', limit: 12 * height / 1080, of: 'of the mean error'},
-  mm: {title: 'distance, mm', decimals: 2, unit: 'mm', limit: 10, of: 'of the spread'},
-  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: .5, of: 'of a photograph’s axis'},
+  predictedPixels: {title: 'error, px', decimals: 2, unit: ' px', limit: doubtAbove('reprojectionErrorPixels', 1), of: 'of the mean error'},
+  mm: {title: 'distance, mm', decimals: 2, unit: ' mm', limit: doubtAbove('translationSpreadMetres', 1000), of: 'of the spread'},
+  // The filter's for a single photograph, which is fixed.
+  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: .5, of: 'of the axis of a photograph'},
 };
 const makeAgreement = () => {
   const canvas = byId('agreement-chart');
   const {title, decimals, unit, limit, of} = measures[measure];
-  const values = photographs.map(({figures}) => figures && isNumber(figures[measure]) ? figures[measure] : null);
+  const values = photographs.map(({check}) => check && isNumber(check[measure]) ? check[measure] : null);
   const known = values.filter(isNumber);
   const keptMost = Math.max(0, ...values.filter((value, i) => isNumber(value) && photographs[i].state !== 'apart'));
   const most = Math.max(0, ...known);
-  // Bars far above the others are cut off, so that a drift of the others stays visible.
+  // Bars far above the others are cut off, so that a drift of the others remains visible.
   let top = Math.min(most, Math.max(4 * keptMost, 0) || most) * 1.12 || 1;
-  const isLimitIn = limit < 4 * top;
+  const isLimitIn = limit !== null && limit < 4 * top;
   if (isLimitIn) top = Math.max(top, limit * 1.12);
-  byId('agreement-note').textContent = `Limit ${of}: ${fixed(limit, 1)} ${unit}`.replace(' °', '°') + (isLimitIn ? ', dashed.' : ', far above the picture.');
+  byId('agreement-note').textContent = limit === null ? '' : `Limit ${of}: ${fixed(limit, 1)}${unit}` + (isLimitIn ? ' (dashed)' : ', above the chart');
   const step = cross.step && isNumber(cross.step.before) ? cross.step : null;
-  const stepAt = step ? photographs.findIndex(({name}) => name === step.photograph) : -1;
+  const stepAt = step ? photographs.indexOf(photographs.filter(({check}) => check)[step.before]) : -1;
   const marks = {
     id: 'marks',
     beforeDatasetsDraw({ctx, chartArea, scales}) {
@@ -674,19 +680,19 @@ const makeAgreement = () => {
         ctx.lineTo(chartArea.right, y);
         ctx.stroke();
         ctx.textAlign = 'right';
-        const words = `limit ${fixed(limit, 1)} ${unit}`.replace(' °', '°');
-        const wide = ctx.measureText(words).width + 8;
+        const text = `limit ${fixed(limit, 1)}${unit}`;
+        const wide = ctx.measureText(text).width + 8;
         ctx.fillStyle = colour('card');
         ctx.fillRect(chartArea.right - wide, y - 19, wide, 17);
         ctx.fillStyle = colour('limit');
-        ctx.fillText(words, chartArea.right - 4, y - 6);
+        ctx.fillText(text, chartArea.right - 4, y - 6);
       }
       ctx.setLineDash([]);
       ctx.textAlign = 'center';
       photographs.forEach(({state}, i) => {
         const x = scales.x.getPixelForValue(i);
         if (values[i] === null) {
-          ctx.strokeStyle = colour('missing');
+          ctx.strokeStyle = colour(state === 'out' ? 'apart' : 'missing');
           ctx.lineWidth = 2;
           ctx.stroke(new Path2D(cross2([x, chartArea.bottom - 7], 3.5)));
         } else if (values[i] > top) {
@@ -704,25 +710,25 @@ const makeAgreement = () => {
         ctx.lineTo(x, chartArea.bottom);
         ctx.stroke();
         ctx.textAlign = 'left';
-        const words = `tracker on ${step.tracker} moved ${fixed(step.mm, 1)} mm, ${fixed(step.degrees, 2)}°`;
-        const wide = ctx.measureText(words).width + 8;
+        const text = `tracker on ${step.tracker} moved ${fixed(step.mm, 1)} mm, ${fixed(step.degrees, 2)}°`;
+        const wide = ctx.measureText(text).width + 8;
         const from = Math.max(chartArea.left, Math.min(chartArea.right - wide, x < (chartArea.left + chartArea.right) / 2 ? x + 4 : x - 4 - wide));
         ctx.fillStyle = colour('card');
         ctx.fillRect(from, chartArea.top + 16, wide, 18);
         ctx.fillStyle = colour('wanted');
-        ctx.fillText(words, from + 4, chartArea.top + 29);
+        ctx.fillText(text, from + 4, chartArea.top + 29);
       }
       ctx.restore();
     },
   };
-  const fills = {kept: colour('kept'), spare: colour('spare'), apart: hatch(colour('apart')), missing: colour('missing')};
+  const fills = {kept: colour('kept'), spare: colour('spare'), apart: hatch(colour('apart'))};
   const chart = newChart(canvas, {
     type: 'bar',
     data: {
       labels: photographs.map(({number}) => number),
       datasets: [{
         data: values,
-        backgroundColor: photographs.map(({state}) => fills[state]),
+        backgroundColor: photographs.map(({state}) => fills[state] || colour('missing')),
         borderColor: photographs.map(({state}) => colour(state)),
         borderWidth: photographs.map(({state}) => state === 'apart' ? 1.5 : 0),
         minBarLength: 2, barPercentage: .86, categoryPercentage: .94,
@@ -741,7 +747,7 @@ const makeAgreement = () => {
           displayColors: false,
           callbacks: {
             title: ([item]) => `${photographs[item.dataIndex].number}  ${photographs[item.dataIndex].name.slice(-60)}`,
-            label: (item) => figuresText(photographs[item.dataIndex]),
+            label: (item) => valuesText(photographs[item.dataIndex]),
           },
         },
       },
@@ -782,7 +788,7 @@ const drawCoverage = () => {
   const across = 16, down = Math.max(1, Math.round(across * height / width));
   const [w, h] = [width / across, height / down];
   const counts = Array.from({length: down}, () => new Array(across).fill(0));
-  const dots = photographs.filter(({figures}) => figures).map((photograph) => ({photograph, corners: pairsOf(photograph).map(([corner]) => corner)}));
+  const dots = photographs.filter(({check}) => check).map((photograph) => ({photograph, corners: pairsOf(photograph).map(([corner]) => corner)}));
   for (const {corners} of dots) {
     for (const [x, y] of corners) {
       const r = Math.floor(y / h), c = Math.floor(x / w);
@@ -810,8 +816,8 @@ const drawCoverage = () => {
     svgElement('rect', {x: c * w, y: r * h, width: 2 * w, height: 2 * h, fill: 'none', stroke: colour('limit'), 'stroke-width': width / 250}, svg);
   }
   const share = Math.round(100 * (1 - unseen / (across * down)));
-  byId('coverage-note').textContent = `Each dot is a corner of the chart; they reach ${share} % of the frame. Hatched: nothing was seen there.`
-    + (blind.length ? ` Corners of the frame without a view: ${blind.map(([name]) => name).join(', ')}.` : ' Every corner of the frame has a view.');
+  byId('coverage-note').textContent = `Each dot is a detected corner; they cover ${share} % of the image. Hatched: no corner.`
+    + (blind.length ? ` Image corners without any: ${blind.map(([name]) => name).join(', ')}.` : ' All image corners are covered.');
   svgElement('g', {id: 'coverage-selected'}, svg);
 };
 const nice = (value) => {
@@ -822,7 +828,7 @@ const drawResiduals = () => {
   const svg = byId('residual-map');
   frameOf(svg);
   const withAll = byId('residual-all').checked;
-  const shown = photographs.filter(({figures, state}) => figures && (withAll || state !== 'apart'));
+  const shown = photographs.filter(({check, state}) => check && (withAll || state !== 'apart'));
   const arrows = shown.flatMap((photograph) => pairsOf(photograph).filter(([, b]) => isList(b, 2)).map(([a, b]) => ({photograph, a, b})));
   const lengths = arrows.filter(({photograph}) => photograph.state !== 'apart').map(({a, b}) => Math.hypot(b[0] - a[0], b[1] - a[1])).sort((p, q) => p - q);
   if (!lengths.length) return;
@@ -834,7 +840,7 @@ const drawResiduals = () => {
     const end = tip(arrow);
     const angle = Math.atan2(end[1] - arrow.a[1], end[0] - arrow.a[0]);
     const barb = Math.min(width / 110, Math.hypot(end[1] - arrow.a[1], end[0] - arrow.a[0]) * .35);
-    const back = (turn) => [end[0] - barb * Math.cos(angle + turn), end[1] - barb * Math.sin(angle + turn)];
+    const back = (by) => [end[0] - barb * Math.cos(angle + by), end[1] - barb * Math.sin(angle + by)];
     return segment(arrow.a, end) + segment(end, back(.45)) + segment(end, back(-.45));
   }).join('');
   const clip = svgElement('clipPath', {id: 'in-frame'}, svgElement('defs', {}, svg));
@@ -850,15 +856,15 @@ const drawResiduals = () => {
   const [x, y] = [width * .035, height * .945];
   svgElement('rect', {x: x - width * .018, y: y - height * .06, width: unit * factor + width * .15, height: height * .095, rx: width / 150, fill: colour('card'), opacity: .9}, svg);
   svgElement('path', {d: segment([x, y], [x + unit * factor, y]) + segment([x, y - 9], [x, y + 9]) + segment([x + unit * factor, y - 9], [x + unit * factor, y + 9]), stroke: colour('ink'), 'stroke-width': width / 500, fill: 'none'}, svg);
-  const words = svgElement('text', {x: x + unit * factor + width * .015, y: y + width * .008}, svg, `${Number(unit.toPrecision(2))} px`);
-  words.style.fontSize = width * .024 + 'px';
-  words.style.fill = colour('ink');
-  byId('residual-note').textContent = `From the detected corner to the predicted one, drawn ${Number(factor.toPrecision(3))} times as long; the bar is ${Number(unit.toPrecision(2))} px.`;
+  const text = svgElement('text', {x: x + unit * factor + width * .015, y: y + width * .008}, svg, `${Number(unit.toPrecision(2))} px`);
+  text.style.fontSize = width * .024 + 'px';
+  text.style.fill = colour('ink');
+  byId('residual-note').textContent = `From each detected corner to the predicted one, enlarged ${Number(factor.toPrecision(3))} times; the bar is ${Number(unit.toPrecision(2))} px.`;
 };
 const drawPicture = () => {
   const group = byId('coverage-selected');
   group.replaceChildren();
-  if (selected?.figures) {
+  if (selected?.check) {
     svgElement('path', {d: pairsOf(selected).map(([corner]) => circle(corner, width / 190)).join(''), fill: colour('select')}, group);
   }
   drawResiduals();
@@ -872,15 +878,15 @@ const drawTilts = () => {
   const svg = byId('tilt-map');
   const size = 460, middle = size / 2, reach = size * .415;
   empty(svg, 0, 0, size, size * .98);
-  const known = photographs.filter(({figures}) => figures && isNumber(figures.tiltDegrees) && isNumber(figures.tiltDirectionDegrees));
+  const known = photographs.filter(({check}) => check && isNumber(check.tiltDegrees) && isNumber(check.tiltDirectionDegrees));
   const wanted = (cross.suggestedViews || []).filter((view) => isNumber(view.tiltDegrees) && isNumber(view.tiltDirectionDegrees));
-  const most = Math.max(45, ...[...known.map(({figures}) => figures), ...wanted].map((view) => view.tiltDegrees));
+  const most = Math.max(45, ...[...known.map(({check}) => check), ...wanted].map((view) => view.tiltDegrees));
   const step = most > 60 ? 30 : 15;
   const outer = Math.ceil(most / step) * step;
   const place = (tilt, direction) => [middle + tilt / outer * reach * Math.cos(direction * Math.PI / 180), middle + tilt / outer * reach * Math.sin(direction * Math.PI / 180)];
   const say = (text, x, y, anchor = 'middle') => {
-    const words = svgElement('text', {x, y, 'text-anchor': anchor, stroke: colour('sunk'), 'stroke-width': 4, 'paint-order': 'stroke'}, svg, text);
-    words.style.fontSize = '13px';
+    const element = svgElement('text', {x, y, 'text-anchor': anchor, stroke: colour('sunk'), 'stroke-width': 4, 'paint-order': 'stroke'}, svg, text);
+    element.style.fontSize = '13px';
   };
   for (let tilt = step; tilt <= outer; tilt += step) {
     svgElement('circle', {cx: middle, cy: middle, r: tilt / outer * reach, fill: 'none', stroke: colour('line'), 'stroke-width': 1.3}, svg);
@@ -893,12 +899,12 @@ const drawTilts = () => {
   say('up', middle, middle - reach - 8);
   say('down', middle, middle + reach + 17);
   for (const photograph of known) {
-    const at = place(photograph.figures.tiltDegrees, photograph.figures.tiltDirectionDegrees);
+    const at = place(photograph.check.tiltDegrees, photograph.check.tiltDirectionDegrees);
     const isIt = photograph === selected;
     const mark = photograph.state === 'apart'
       ? svgElement('path', {d: cross2(at, isIt ? 8 : 5), stroke: colour(isIt ? 'select' : 'apart'), 'stroke-width': 3, fill: 'none'}, svg)
       : svgElement('circle', {cx: at[0], cy: at[1], r: isIt ? 9 : 5.5, fill: colour(isIt ? 'select' : photograph.state), stroke: colour('sunk'), 'stroke-width': 1}, svg);
-    svgElement('title', {}, mark, `${photograph.number}: ${fixed(photograph.figures.tiltDegrees, 0)}° tilted`);
+    svgElement('title', {}, mark, `${photograph.number}: ${fixed(photograph.check.tiltDegrees, 0)}° tilt`);
     mark.style.cursor = 'pointer';
     mark.addEventListener('click', () => select(photograph));
   }
@@ -909,22 +915,22 @@ const drawTilts = () => {
   wanted.forEach((view, i) => {
     const [x, y] = place(view.tiltDegrees, view.tiltDirectionDegrees);
     svgElement('path', {d: `M${x} ${y - 10}L${x + 10} ${y}L${x} ${y + 10}L${x - 10} ${y}Z`, fill: 'none', stroke: colour('wanted'), 'stroke-width': 2.6}, svg);
-    const words = svgElement('text', {x, y: y + 4.5, 'text-anchor': 'middle'}, svg, String(i + 1));
-    words.style.fontSize = '12px';
-    words.style.fill = colour('wanted');
+    const number = svgElement('text', {x, y: y + 4.5, 'text-anchor': 'middle'}, svg, String(i + 1));
+    number.style.fontSize = '12px';
+    number.style.fill = colour('wanted');
   });
 };
 const makeRolls = () => {
-  const known = photographs.filter(({figures}) => figures && isNumber(figures.rollDegrees) && isNumber(figures.distanceMetres));
+  const known = photographs.filter(({check}) => check && isNumber(check.rollDegrees) && isNumber(check.distanceMetres));
   const wanted = (cross.suggestedViews || []).filter((view) => isNumber(view.rollDegrees) && isNumber(view.distanceMetres));
-  const most = Math.max(30, ...[...known.map(({figures}) => figures), ...wanted].map((view) => Math.abs(view.rollDegrees)));
+  const most = Math.max(30, ...[...known.map(({check}) => check), ...wanted].map((view) => Math.abs(view.rollDegrees)));
   const reach = Math.min(180, Math.ceil(most / 30) * 30);
   const isIt = (photograph) => photograph === selected;
   const chart = newChart(byId('roll-chart'), {
     type: 'scatter',
     data: {
       datasets: [{
-        data: known.map(({figures}) => ({x: figures.rollDegrees, y: figures.distanceMetres})),
+        data: known.map(({check}) => ({x: check.rollDegrees, y: check.distanceMetres})),
         pointStyle: known.map(({state}) => shapes(state)),
         pointRadius: (context) => known[context.dataIndex] && isIt(known[context.dataIndex]) ? 9 : 5.5,
         pointBackgroundColor: (context) => known[context.dataIndex] ? colour(isIt(known[context.dataIndex]) ? 'select' : known[context.dataIndex].state) : '',
@@ -966,13 +972,14 @@ const makeRolls = () => {
 selectionListeners.push(() => selectionListeners.rolls?.());
 
 
-// 6. The result against the cross-check: from the tables.
+// 6. The result against the cross-check.
 
 const makeErrors = () => {
   for (const canvas of document.querySelectorAll('[data-errors]')) {
-    const number = (text) => text === '' ? NaN : Number(text);
-    const rows = [...byId(canvas.dataset.errors).querySelectorAll('tr[data-axis]')].map(({dataset}) => ({
-      axis: dataset.axis, difference: number(dataset.difference), half: number(dataset.half)}));
+    const [transform, part] = canvas.dataset.errors.split(' ');
+    const known = (value) => isNumber(value) ? value : NaN;
+    const rows = cross.comparison[transform][part].map(({axis, difference, half}) => ({
+      axis, difference: known(difference), half: known(half)}));
     const reach = Math.max(...rows.flatMap(({difference, half}) => [Math.abs(difference), half]).filter(Number.isFinite), 1e-6) * 1.15;
     newChart(canvas, {
       data: {
@@ -1011,10 +1018,10 @@ const makeScreen = () => {
     borderColor: colour(name), backgroundColor: colour(name), borderDash: dash, pointStyle: point, pointRadius: 4, borderWidth: 2.2, tension: .25, showLine: true,
   });
   const datasets = [
-    line('expected, all', 'pixels', 'ink', [], 'circle'),
-    line('of the transform', 'fromTransform', 'kept', [7, 4], 'triangle'),
-    line('of the lens', 'fromLens', 'axis-y', [2, 3], 'rect'),
-    line('the two solutions apart', 'libraryApart', 'apart', [10, 3, 2, 3], 'rectRot'),
+    line('total', 'pixels', 'ink', [], 'circle'),
+    line('from the transform', 'fromTransform', 'kept', [7, 4], 'triangle'),
+    line('from the lens', 'fromLens', 'axis-y', [2, 3], 'rect'),
+    line('result against cross-check', 'libraryApart', 'apart', [10, 3, 2, 3], 'rectRot'),
   ].filter(({data}) => data.length);
   newChart(byId('screen-chart'), {
     type: 'scatter', data: {datasets},
@@ -1037,7 +1044,7 @@ const makeScreen = () => {
 };
 
 
-// All of it. A picture that fails leaves the others alone.
+// All graphics. One that fails does not stop the others.
 
 const attempt = (draw) => {
   try {
@@ -1070,7 +1077,7 @@ document.body.dataset.selected = '';
 document.body.dataset.drawn = 'true';
 
 matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
-// Paper is white, and the scene a still on it.
+// Paper is white, and shows the scene as a still image.
 addEventListener('beforeprint', () => {
   root.dataset.printing = 'true';
   redraw();

@@ -2,16 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <iterator>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
 #include "report/html.h"
+#include "report/photograph_view.h"
 #include "report/result_values.h"
 
 namespace trackedcam::report {
@@ -22,234 +21,115 @@ using Number = std::optional<double>;
 namespace fs = std::filesystem;
 
 constexpr double kMillimetresPerMetre = 1000;
-constexpr double kSmall = 0.01;  // millimetres or degrees
 
-Number Minus(const Number& a, const Number& b) {
-  return a && b ? Number(*a - *b) : std::nullopt;
+// Lists of numbers.
+
+std::string CopyOf(const Json& number) {
+  return number.is_number() ? number.dump() : "nan";
 }
 
-std::optional<Rotation> RotationAt(const Json& result, const std::string& path) {
-  Rotation rotation = {};
-  for (std::size_t i = 0; i < rotation.size(); ++i) {
-    const Number number = NumberAt(result, At(path, i / 3 * 4 + i % 3));
-    if (!number) {
-      return std::nullopt;
-    }
-    rotation[i] = *number;
-  }
-  return rotation;
-}
-
-std::optional<Rotation> StatedRotation(const Json& result) {
-  std::array<double, 3> degrees = {};
-  for (std::size_t i = 0; i < degrees.size(); ++i) {
-    const Number number = NumberAt(result, At("/inputs/chartRotationDegrees", i));
-    if (!number) {
-      return std::nullopt;
-    }
-    degrees[i] = *number;
-  }
-  return RotationOfAngles(degrees);
-}
-
-/// A row of the tables of section 6, which its charts are drawn from.
-Json Component(const char* axis, const Number& one, const Number& other, const Number& difference,
-               const Number& half, int decimals) {
-  const auto raw = [](const Number& number) { return number ? Json(*number) : Json(); };
-  return {{"axis", axis},
-          {"one", one ? Json(Fixed(one, decimals)) : Json()},
-          {"other", other ? Json(Fixed(other, decimals)) : Json()},
-          {"difference", Fixed(difference, decimals)},
-          // A perfect shoot is known better than the other decimals show.
-          {"half", Fixed(half, half && *half < kSmall ? decimals + 2 : decimals)},
-          {"rawDifference", raw(difference)},
-          {"rawHalf", raw(half)}};
-}
-
-constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
-
-/// Shift rows and turn rows of one transform against the cross-check's.
-/// @param shift Path of the other's translation: a list of 3, or of 16 where `isMatrix`.
-/// @param turn From the cross-check's rotation to the other's; none where there is no other.
-Json Components(const Json& result, const std::string& shift, bool isMatrix,
-                const std::string& found, const std::string& errors,
-                const std::optional<std::array<double, 3>>& turn) {
-  const Number t95 = NumberAt(result, "/crossCheck/t95");
-  Json shifts = Json::array();
-  Json turns = Json::array();
-  for (std::size_t i = 0; i < kAxes.size(); ++i) {
-    const Number other =
-        Times(NumberAt(result, At(shift, isMatrix ? 4 * i + 3 : i)), kMillimetresPerMetre);
-    const Number one = Times(NumberAt(result, At(found, 4 * i + 3)), kMillimetresPerMetre);
-    shifts.push_back(Component(kAxes[i], other, one, Minus(other, one),
-                               Times(NumberAt(result, At(errors + "/shiftMm", i)), t95), 2));
-    turns.push_back(Component(kAxes[i], {}, {}, turn ? Number((*turn)[i]) : std::nullopt,
-                              Times(NumberAt(result, At(errors + "/turnDegrees", i)), t95), 3));
-  }
-  return {{"shifts", shifts}, {"turns", turns}, {"isCompared", turn.has_value()}};
-}
-
-const double kDegreesPerRadian = 180 / std::acos(-1.0);
-
-struct Row {
-  std::string name;
-  const Json* figures;  // of the cross-check; null where it has none
-  std::size_t place;    // of the figures in its list
-};
-
-/// A data file may name a photograph twice; each row has figures of its own.
-std::vector<Row> RowsOf(const Json& result) {
-  std::vector<Row> solved;
-  for (const Json& photograph : ValueAt(result, "/crossCheck/perPhotograph")) {
-    solved.push_back({TextAt(photograph, "/photograph"), &photograph, solved.size()});
-  }
-  std::vector<Row> rows;
-  std::set<std::string> known;
-  std::set<std::size_t> taken;
-  for (const Json& value : ValueAt(result, "/photographs")) {
-    if (value.is_string()) {
-      const auto name = value.get<std::string>();
-      const auto row = std::find_if(solved.begin(), solved.end(), [&](const Row& candidate) {
-        return candidate.name == name && taken.count(candidate.place) == 0;
-      });
-      rows.push_back(row == solved.end() ? Row{name, nullptr, 0} : *row);
-      if (row != solved.end()) {
-        taken.insert(row->place);
-      }
-      known.insert(name);
-    }
-  }
-  for (const Row& row : solved) {
-    if (taken.count(row.place) == 0) {
-      rows.push_back(row);
-      known.insert(row.name);
-    }
-  }
-  const auto addIfNew = [&](const Json& name) {
-    if (name.is_string() && known.insert(name.get<std::string>()).second) {
-      rows.push_back({name.get<std::string>(), nullptr, 0});
-    }
-  };
-  for (const Json& name : ValueAt(result, "/used")) {
-    addIfNew(name);
-  }
-  for (const Json& dropped : ValueAt(result, "/dropped")) {
-    addIfNew(ValueAt(dropped, "/photograph"));
-  }
-  return rows;
-}
-
-/// Of the photographs that the library dropped, by name.
-std::map<std::string, std::string> ReasonsOf(const Json& result) {
-  std::map<std::string, std::string> reasons;
-  for (const Json& dropped : ValueAt(result, "/dropped")) {
-    reasons.emplace(TextAt(dropped, "/photograph"), TextAt(dropped, "/reason"));
-  }
-  return reasons;
-}
-
-/// The library names the image "Reproject_" and all of the photograph's path behind the last
-/// backslash.
-std::string ReprojectedImage(const Json& result, const std::string& photograph) {
-  const std::string end = "Reproject_" + photograph.substr(photograph.find_last_of('\\') + 1);
-  for (const Json& image : ValueAt(result, "/images")) {
-    std::string path = image.is_string() ? image.get<std::string>() : std::string();
-    if (path.size() >= end.size() && path.compare(path.size() - end.size(), end.size(), end) == 0) {
-      return path;
-    }
-  }
-  return {};
-}
-
-std::string LinkTo(const std::string& path, const Json& result, const fs::path& pageFolder) {
-  const fs::path working = fs::u8path(TextAt(result, "/inputs/workingFolder"));
-  try {
-    return FileLink(working / fs::u8path(path), pageFolder);
-  } catch (const std::exception&) {
-    return {};  // not every name can be a path on every system
-  }
-}
-
-/// What the page's colours and words say about it.
-const char* StateOf(const Json* crossCheck, const std::string* reason) {
-  if (crossCheck == nullptr) {
-    return reason == nullptr ? "kept" : "missing";
-  }
-  if (ValueAt(*crossCheck, "/used") == false) {
-    return "apart";
-  }
-  return reason == nullptr ? "kept" : "spare";
-}
-
-std::string ShortName(const std::string& path) {
-  return path.substr(path.find_last_of("/\\") + 1);
-}
-
-constexpr double kCertain = 0.001;  // the share of chance below which two figures differ
-
-/// The numbers as the file has them, for a paste.
-std::string CopyOf(const Json& numbers) {
-  std::string text;
-  for (const Json& number : numbers) {
-    text += (text.empty() ? "" : " ") + (number.is_null() ? "nan" : number.dump());
-  }
-  return text;
-}
-
-Json FixedAll(const Json& numbers, int decimals, double scale = 1) {
-  Json texts = Json::array();
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    texts.push_back(Fixed(Times(NumberAt(numbers, At("", i)), scale), decimals));
-  }
-  return texts;
-}
-
-/// {figures, copy} of a list, null where it is missing or empty.
+/// {numbers, copy}: as text, and as the file has them for the clipboard; null if there are none.
 Json List(const Json& numbers, int decimals, double scale = 1) {
   if (!numbers.is_array() || numbers.empty()) {
     return nullptr;
   }
-  return {{"figures", FixedAll(numbers, decimals, scale)}, {"copy", CopyOf(numbers)}};
+  Json texts = Json::array();
+  std::string copy;
+  for (const Json& number : numbers) {
+    texts.push_back(Fixed(Times(NumberAt(number, ""), scale), decimals));
+    copy += (copy.empty() ? "" : " ") + CopyOf(number);
+  }
+  return {{"numbers", texts}, {"copy", copy}};
 }
 
+/// {rows, copy} of a 4x4 matrix.
 Json Matrix(const Json& numbers) {
-  if (!numbers.is_array()) {
+  Json matrix = List(numbers, 6);
+  if (matrix.is_null()) {
     return nullptr;
   }
   Json rows = Json::array();
-  for (std::size_t row = 0; row + 4 <= numbers.size(); row += 4) {
-    Json figures = Json::array();
-    for (std::size_t i = row; i < row + 4; ++i) {
-      figures.push_back(Fixed(NumberAt(numbers, At("", i)), 6));
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (i % 4 == 0) {
+      rows.push_back({{"numbers", Json::array()}});
     }
-    rows.push_back({{"figures", figures}});
+    rows.back()["numbers"].push_back(matrix["numbers"][i]);
   }
-  return rows.empty() ? Json() : Json{{"rows", rows}, {"copy", CopyOf(numbers)}};
+  return {{"rows", rows}, {"copy", matrix["copy"]}};
 }
 
-/// How sure the two are that they differ.
-Json Distance(const Json& difference) {
+/// The three numbers of a matrix's translation, in millimetres.
+Json Position(const Json& matrix) {
+  Json position = Json::array();
+  for (const char* element : {"/3", "/7", "/11"}) {
+    position.push_back(Fixed(Times(NumberAt(matrix, element), kMillimetresPerMetre), 2));
+  }
+  return position;
+}
+
+Json Texts(const Json& list) {
+  Json texts = Json::array();
+  for (const Json& text : list) {
+    if (text.is_string()) {
+      texts.push_back(text);
+    }
+  }
+  return texts;
+}
+
+// The answer.
+
+/// good, doubt, wrong or failed; "none" for a result without a verdict, unless its code is that of
+/// a failure.
+std::string LevelOf(const Json& result) {
+  std::string level = TextAt(result, "/verdict/level");
+  for (const char* known : {"good", "doubt", "wrong", "failed"}) {
+    if (level == known) {
+      return level;
+    }
+  }
+  const Number code = NumberAt(result, "/code");
+  return code == 0.0 || code == 99.0 ? "none" : "failed";
+}
+
+/// A difference with its p.
+Json Difference(const Json& difference) {
+  constexpr double kCertain = 0.001;
   if (!difference.is_object()) {
     return nullptr;
   }
   const Number p = NumberAt(difference, "/p");
+  const bool isCertain = p && *p < kCertain;
   return {{"millimetres", Fixed(NumberAt(difference, "/offMm"), 2)},
           {"degrees", Fixed(NumberAt(difference, "/offDegrees"), 3)},
-          {"p", p && *p < kCertain ? Json() : Json(Fixed(p, 2))},
-          {"isCertain", p && *p < kCertain},
-          {"perhaps", TextAt(difference, "/perhaps")}};
+          {"p", isCertain ? Json() : Json(Fixed(p, 2))},
+          {"isCertain", isCertain}};
 }
 
-/// One word of a command line, whose minus signs a shell takes for no other option.
+std::string MistakeText(const std::string& mistake) {
+  static const std::map<std::string, const char*> kTexts = {
+      {"inverse", "the inverse: the tracker relative to the chart"},
+      {"angleSigns", "the wrong sign of an angle"},
+      {"angleOrder", "angles in an order other than Rx · Ry · Rz"},
+      {"millimetres", "millimetres instead of metres"},
+      {"centimetres", "centimetres instead of metres"},
+      {"reportedAxes", "measured in the reported axes"},
+      {"boardTurned", "measured to the corner at the other end of the board"},
+  };
+  const auto text = kTexts.find(mistake);
+  return text == kTexts.end() ? mistake : text->second;
+}
+
+/// One argument of a command line: after the equals sign, a minus sign does not begin an option.
 std::string Option(const std::string& name, const Json& numbers) {
   std::string text;
   for (const Json& number : numbers) {
-    text += (text.empty() ? "" : ",") + number.dump();
+    text += (text.empty() ? "" : ",") + CopyOf(number);
   }
   return name + '=' + text;
 }
 
-/// What to state instead, in the axes in which the mounting was stated.
+/// The mounting found, in the axes in which the mounting was stated.
 Json MountingOptions(const Json& result) {
   const bool isReported = TextAt(result, "/inputs/mountingAxes") == "reported";
   const Json& found =
@@ -263,43 +143,45 @@ Json MountingOptions(const Json& result) {
 }
 
 Json Mounting(const Json& result) {
-  const auto angles = [&](const char* path) { return List(ValueAt(result, path), 3); };
-  const auto shift = [&](const char* path) {
+  const auto rotation = [&](const char* path) { return List(ValueAt(result, path), 3); };
+  const auto translation = [&](const char* path) {
     return List(ValueAt(result, path), 2, kMillimetresPerMetre);
   };
   const Json inReported = {
-      {"statedRotation", angles("/inputs/mountingReported/rotationDegrees")},
-      {"statedTranslation", shift("/inputs/mountingReported/translationMetres")},
-      {"foundRotation", angles("/crossCheck/mountingReported/rotationDegrees")},
-      {"foundTranslation", shift("/crossCheck/mountingReported/translationMetres")}};
+      {"statedRotation", rotation("/inputs/mountingReported/rotationDegrees")},
+      {"statedTranslation", translation("/inputs/mountingReported/translationMetres")},
+      {"foundRotation", rotation("/crossCheck/mountingReported/rotationDegrees")},
+      {"foundTranslation", translation("/crossCheck/mountingReported/translationMetres")}};
   const bool hasReported =
       !inReported["statedRotation"].is_null() || !inReported["foundRotation"].is_null();
-  return {{"statedRotation", angles("/inputs/chartRotationDegrees")},
-          {"statedTranslation", shift("/inputs/chartTranslationMetres")},
-          {"foundRotation", angles("/crossCheck/mounting/rotationDegrees")},
-          {"foundTranslation", shift("/crossCheck/mounting/translationMetres")},
+  const Json& difference = ValueAt(result, "/crossCheck/nominalMounting");
+  return {{"statedRotation", rotation("/inputs/chartRotationDegrees")},
+          {"statedTranslation", translation("/inputs/chartTranslationMetres")},
+          {"foundRotation", rotation("/crossCheck/mounting/rotationDegrees")},
+          {"foundTranslation", translation("/crossCheck/mounting/translationMetres")},
           {"inReported", hasReported ? inReported : Json()},
           {"options", MountingOptions(result)},
-          {"off", Distance(ValueAt(result, "/crossCheck/nominalMounting"))}};
+          {"difference", Difference(difference)},
+          {"likelyMistake", MistakeText(TextAt(difference, "/likelyMistake"))}};
 }
 
-/// Above which a figure is doubted and above which the run fails; null where there is no limit.
-Json LimitOf(const Json& result, const std::string& figure, int decimals, double scale = 1) {
-  const Number failure = NumberAt(result, "/limits/" + figure + "/failure");
+/// Null if the result has no such limit.
+Json Limit(const Json& result, const std::string& name, int decimals, double scale = 1) {
+  const Number failure = NumberAt(result, "/limits/" + name + "/failure");
   if (!failure) {
     return nullptr;
   }
-  const Number doubt = NumberAt(result, "/limits/" + figure + "/doubt");
+  const Number doubt = NumberAt(result, "/limits/" + name + "/doubt");
   return {{"doubt", doubt ? Json(Fixed(Times(doubt, scale), decimals)) : Json()},
           {"failure", Fixed(Times(failure, scale), decimals)}};
 }
 
-/// In pixels where the file has shares of the image's size, with the 95 % half-width.
-Json LensRow(const Json& result, const char* name, const Number& figure, const char* error,
-             int decimals) {
-  const Number half = Times(NumberAt(result, error), NumberAt(result, "/crossCheck/t95"));
+/// A value of the lens with its 95 % half-width.
+Json LensRow(const Json& result, const char* name, const Number& value, int decimals) {
+  const Number half = Times(NumberAt(result, std::string("/crossCheck/lens/") + name),
+                            NumberAt(result, "/crossCheck/t95"));
   return {{"name", name},
-          {"figure", Fixed(figure, decimals)},
+          {"value", Fixed(value, decimals)},
           {"half", half ? Json(Fixed(half, decimals)) : Json()},
           {"isPixels", decimals == 2}};
 }
@@ -308,89 +190,93 @@ Json Lens(const Json& result) {
   if (!NumberAt(result, "/focalLengthMm/0")) {
     return nullptr;
   }
-  const auto pixels = [&](const char* share, const char* size) {
-    return Times(NumberAt(result, share), NumberAt(result, size));
-  };
-  const char* kWidth = "/imageSize/0";
-  const char* kHeight = "/imageSize/1";
+  const Number width = NumberAt(result, "/imageSize/0");
+  const Number height = NumberAt(result, "/imageSize/1");
   return {{"focalLength", Fixed(NumberAt(result, "/focalLengthMm/0"), 3)},
           {"horizontal", Fixed(NumberAt(result, "/fieldOfView/0"), 3)},
           {"vertical", Fixed(NumberAt(result, "/fieldOfView/1"), 3)},
-          {"width", Fixed(NumberAt(result, kWidth), 0)},
-          {"height", Fixed(NumberAt(result, kHeight), 0)},
+          {"width", Fixed(width, 0)},
+          {"height", Fixed(height, 0)},
           {"error", Fixed(NumberAt(result, "/lensErrorPixels"), 3)},
-          {"errorLimit", LimitOf(result, "lensErrorPixels", 1)},
+          {"errorLimit", Limit(result, "lensErrorPixels", 1)},
           {"rows",
-           {LensRow(result, "fx", pixels("/normFocal/0", kWidth), "/crossCheck/lens/fx", 2),
-            LensRow(result, "fy", pixels("/normFocal/1", kHeight), "/crossCheck/lens/fy", 2),
-            LensRow(result, "cx", pixels("/normCenter/0", kWidth), "/crossCheck/lens/cx", 2),
-            LensRow(result, "cy", pixels("/normCenter/1", kHeight), "/crossCheck/lens/cy", 2),
-            LensRow(result, "k1", NumberAt(result, "/distortion/0"), "/crossCheck/lens/k1", 5),
-            LensRow(result, "k2", NumberAt(result, "/distortion/1"), "/crossCheck/lens/k2", 5)}}};
+           {LensRow(result, "fx", Times(NumberAt(result, "/normFocal/0"), width), 2),
+            LensRow(result, "fy", Times(NumberAt(result, "/normFocal/1"), height), 2),
+            LensRow(result, "cx", Times(NumberAt(result, "/normCenter/0"), width), 2),
+            LensRow(result, "cy", Times(NumberAt(result, "/normCenter/1"), height), 2),
+            LensRow(result, "k1", NumberAt(result, "/distortion/0"), 5),
+            LensRow(result, "k2", NumberAt(result, "/distortion/1"), 5)}}};
 }
 
 Json Findings(const Json& findings) {
   Json list = Json::array();
   for (const Json& finding : findings) {
-    std::string severity = TextAt(finding, "/severity");
-    if (severity != "error" && severity != "warning") {
-      severity = "note";
-    }
-    Json photographs = Json::array();
-    for (const Json& photograph : ValueAt(finding, "/photographs")) {
-      if (photograph.is_string()) {
-        photographs.push_back(photograph);
-      }
-    }
+    const std::string severity = TextAt(finding, "/severity");
+    const bool isKnown = severity == "error" || severity == "warning";
     const std::string text = TextAt(finding, "/text");
-    list.push_back({{"severity", severity},
+    list.push_back({{"severity", isKnown ? severity : "note"},
                     {"text", text.empty() ? TextAt(finding, "/id") : text},
-                    {"photographs", photographs}});
+                    {"advice", TextAt(finding, "/advice")}});
   }
   return list;
 }
 
-// Engines go by names of their own.
-Json FirstOf(const Json& engine, const char* path, const char* other) {
-  const Json value = ValueAt(engine, path);
-  return value.is_null() ? ValueAt(engine, other) : value;
+bool IsUsed(const Json& photograph) {
+  return TextAt(photograph, "/state") == "used";
 }
 
-Json Engines(const Json& result) {
-  Json engines = Json::array();
-  for (const auto& [name, engine] : ValueAt(result, "/exports").items()) {
-    const std::string title = TextAt(engine, "/title");
-    engines.push_back(
-        {{"title", title.empty() ? name : title},
-         {"hand", TextAt(engine, "/hand")},
-         {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
-         {"cameraAxes", ValueAt(engine, "/cameraAxes")},
-         {"parentAxes", TextAt(engine, "/parentAxes")},
-         {"position", List(ValueAt(engine, "/localPosition"), 6)},
-         {"translation", List(FirstOf(engine, "/translationCm", "/locationCm"), 4)},
-         {"rotation", List(FirstOf(engine, "/rotationDeg", "/localEulerAngles"), 4)},
-         {"quaternion", List(FirstOf(engine, "/quaternionXyzw", "/localRotationXyzw"), 7)},
-         {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
-         {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
-  }
-  return engines;
+/// The values by which two runs are compared.
+Json RunValues(const Json& run) {
+  const Json& photographs = ValueAt(run, "/photographs");
+  return {
+      {"code", Fixed(NumberAt(run, "/code"), 0)},
+      {"position", Position(ValueAt(run, "/transformCamTc"))},
+      {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
+      {"spread", Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
+      {"used", std::count_if(photographs.begin(), photographs.end(), IsUsed)},
+      {"difference", Difference(ValueAt(run, "/crossCheck/library"))}};
 }
 
-Json OnScreen(const Json& result) {
+// The cross-check.
+
+/// Rows of one table of the comparison.
+Json ComparisonRows(const Json& axes, int decimals) {
+  constexpr double kSmall = 0.01;  // a shoot without noise is known better than `decimals` shows
   Json rows = Json::array();
-  for (const Json& row : ValueAt(result, "/crossCheck/onScreen")) {
-    rows.push_back({{"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
-                    {"pixels", Fixed(NumberAt(row, "/pixels"), 2)},
-                    {"transform", Fixed(NumberAt(row, "/fromTransform"), 2)},
-                    {"lens", Fixed(NumberAt(row, "/fromLens"), 2)},
-                    {"apart", Fixed(NumberAt(row, "/libraryApart"), 2)}});
+  for (const Json& axis : axes) {
+    const Number half = NumberAt(axis, "/half");
+    rows.push_back({{"axis", TextAt(axis, "/axis")},
+                    {"other", Fixed(NumberAt(axis, "/other"), decimals)},
+                    {"found", Fixed(NumberAt(axis, "/found"), decimals)},
+                    {"difference", Fixed(NumberAt(axis, "/difference"), decimals)},
+                    {"half", Fixed(half, half && *half < kSmall ? decimals + 2 : decimals)}});
   }
   return rows;
 }
 
-Json SuggestedViews(const Json& result) {
+Json Comparison(const Json& comparison) {
+  if (!comparison.is_object()) {
+    return nullptr;
+  }
+  return {{"translation", ComparisonRows(ValueAt(comparison, "/translation"), 2)},
+          {"rotation", ComparisonRows(ValueAt(comparison, "/rotation"), 3)}};
+}
+
+Json OnScreen(const Json& list) {
+  Json rows = Json::array();
+  for (const Json& row : list) {
+    rows.push_back({{"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
+                    {"pixels", Fixed(NumberAt(row, "/pixels"), 2)},
+                    {"transform", Fixed(NumberAt(row, "/fromTransform"), 2)},
+                    {"lens", Fixed(NumberAt(row, "/fromLens"), 2)},
+                    {"difference", Fixed(NumberAt(row, "/libraryApart"), 2)}});
+  }
+  return rows;
+}
+
+Json SuggestedViews(const Json& list) {
   Json views = Json::array();
-  for (const Json& view : ValueAt(result, "/crossCheck/suggestedViews")) {
+  for (const Json& view : list) {
     views.push_back({{"number", views.size() + 1},
                      {"text", TextAt(view, "/text")},
                      {"tilt", Fixed(NumberAt(view, "/tiltDegrees"), 0)},
@@ -402,8 +288,7 @@ Json SuggestedViews(const Json& result) {
   return views;
 }
 
-Json CrossCheck(const Json& result) {
-  const Json& crossCheck = ValueAt(result, "/crossCheck");
+Json CrossCheck(const Json& crossCheck) {
   if (!crossCheck.is_object()) {
     return nullptr;
   }
@@ -411,35 +296,41 @@ Json CrossCheck(const Json& result) {
     const Number number = NumberAt(crossCheck, path);
     return number ? Json(Fixed(number, decimals)) : Json();
   };
+  const Json onScreen = OnScreen(ValueAt(crossCheck, "/onScreen"));
+  const Json views = SuggestedViews(ValueAt(crossCheck, "/suggestedViews"));
   return {{"photographs", known("/photographs", 0)},
           {"used", known("/used", 0)},
-          {"library", Distance(ValueAt(crossCheck, "/library"))},
-          {"halves", Distance(ValueAt(crossCheck, "/halves"))},
+          {"library", Difference(ValueAt(crossCheck, "/library"))},
+          {"halves", Difference(ValueAt(crossCheck, "/halves"))},
+          {"camTc", Comparison(ValueAt(crossCheck, "/comparison/camTc"))},
+          {"trChart", Comparison(ValueAt(crossCheck, "/comparison/trChart"))},
           {"noiseDegrees", known("/trackerNoise/degrees", 3)},
           {"noiseMillimetres", known("/trackerNoise/mm", 2)},
           {"cornerNoise", known("/cornerNoisePixels", 3)},
           {"amplification", known("/diversity/amplification", 2)},
           {"photographsToHalve", known("/photographsToHalve", 0)},
           {"squareFactor", known("/square/factor", 4)},
-          {"squareError", known("/square/standardError", 4)}};
+          {"squareError", known("/square/standardError", 4)},
+          {"onScreen", onScreen},
+          {"hasOnScreen", !onScreen.empty()},
+          {"views", views},
+          {"hasViews", !views.empty()}};
 }
 
-/// The figures in which two runs are compared.
-Json RunFigures(const Json& run) {
-  return {
-      {"code", Fixed(NumberAt(run, "/code"), 0)},
-      {"x", Fixed(Times(NumberAt(run, "/transformCamTc/3"), kMillimetresPerMetre), 2)},
-      {"y", Fixed(Times(NumberAt(run, "/transformCamTc/7"), kMillimetresPerMetre), 2)},
-      {"z", Fixed(Times(NumberAt(run, "/transformCamTc/11"), kMillimetresPerMetre), 2)},
-      {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
-      {"spread", Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
-      {"used", ValueAt(run, "/used").size()},
-      {"off", Distance(ValueAt(run, "/crossCheck/library"))},
-      {"words", TextAt(run, "/verdict/words")}};
+// The photographs.
+
+Json InState(const Json& photographs, const char* state, const char* other) {
+  Json list = Json::array();
+  std::copy_if(photographs.begin(), photographs.end(), std::back_inserter(list),
+               [&](const Json& photograph) {
+                 return photograph["state"] == state || photograph["state"] == other;
+               });
+  return list;
 }
 
-Json Inputs(const Json& result) {
-  const Json& inputs = ValueAt(result, "/inputs");
+// The record.
+
+Json Inputs(const Json& inputs) {
   if (!inputs.is_object()) {
     return nullptr;
   }
@@ -456,192 +347,84 @@ Json Inputs(const Json& result) {
       {"records", Fixed(NumberAt(inputs, "/expectedRecords"), 0)}};
 }
 
-/// good, doubt, wrong or failed; "none" of a result without a verdict that is not a failure.
-std::string LevelOf(const Json& result) {
-  std::string level = TextAt(result, "/verdict/level");
-  for (const char* known : {"good", "doubt", "wrong", "failed"}) {
-    if (level == known) {
-      return level;
-    }
-  }
-  const Number code = NumberAt(result, "/code");
-  return code == 0.0 || code == 99.0 ? "none" : "failed";
+/// Each engine has its own names for position and rotation.
+const Json& FirstOf(const Json& engine, const char* path, const char* other) {
+  const Json& value = ValueAt(engine, path);
+  return value.is_null() ? ValueAt(engine, other) : value;
 }
 
-std::string LogLink(const Json& result, const std::filesystem::path& pageFolder) {
+Json Engines(const Json& exports) {
+  Json engines = Json::array();
+  for (const auto& [name, engine] : exports.items()) {
+    const std::string title = TextAt(engine, "/title");
+    const Json cameraAxes = Texts(ValueAt(engine, "/cameraAxes"));
+    engines.push_back(
+        {{"title", title.empty() ? name : title},
+         {"hand", TextAt(engine, "/hand")},
+         {"problem", NumberAt(engine, "/code") == 0.0 ? "" : TextAt(engine, "/message")},
+         {"cameraAxes", cameraAxes},
+         {"hasCameraAxes", !cameraAxes.empty()},
+         {"parentAxes", TextAt(engine, "/parentAxes")},
+         {"position", List(ValueAt(engine, "/localPosition"), 6)},
+         {"translation", List(FirstOf(engine, "/translationCm", "/locationCm"), 4)},
+         {"rotation", List(FirstOf(engine, "/rotationDeg", "/localEulerAngles"), 4)},
+         {"quaternion", List(FirstOf(engine, "/quaternionXyzw", "/localRotationXyzw"), 7)},
+         {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
+         {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
+  }
+  return engines;
+}
+
+std::string LogLink(const Json& result, const fs::path& pageFolder) {
+  const fs::path folder = fs::u8path(TextAt(result, "/inputs/workingFolder"));
   const std::string log = TextAt(result, "/log");
-  return log.empty() ? log
-                     : FileLink(std::filesystem::u8path(TextAt(result, "/inputs/workingFolder")) /
-                                    std::filesystem::u8path(log),
-                                pageFolder);
-}
-
-Json Commands(const Json& result) {
-  Json commands = Json::array();
-  for (const Json& command : ValueAt(result, "/verdict/commands")) {
-    if (command.is_string()) {
-      commands.push_back(command);
-    }
-  }
-  return commands;
-}
-
-Json InState(const Json& photographs, const char* state) {
-  Json list = Json::array();
-  std::copy_if(photographs.begin(), photographs.end(), std::back_inserter(list),
-               [&](const Json& photograph) { return photograph["state"] == state; });
-  return list;
+  return log.empty() ? "" : FileLink(folder / fs::u8path(log), pageFolder);
 }
 
 }  // namespace
 
-Json TransformComponents(const Json& result) {
-  const auto one = RotationAt(result, "/transformCamTc");
-  const auto found = RotationAt(result, "/crossCheck/transformCamTc");
-  std::optional<std::array<double, 3>> turn;
-  if (one && found) {
-    turn = TurnDegrees(Product(*one, Inverse(*found)));
-  }
-  return Components(result, "/transformCamTc", true, "/crossCheck/transformCamTc",
-                    "/crossCheck/standardErrorCamTc", turn);
-}
-
-Json MountingComponents(const Json& result) {
-  const auto stated = StatedRotation(result);
-  const auto found = RotationAt(result, "/crossCheck/transformTrChart");
-  std::optional<std::array<double, 3>> turn;
-  if (stated && found) {
-    turn = TurnDegrees(Product(Inverse(*found), *stated));
-  }
-  return Components(result, "/inputs/chartTranslationMetres", false, "/crossCheck/transformTrChart",
-                    "/crossCheck/standardErrorTrChart", turn);
-}
-
-Rotation Product(const Rotation& a, const Rotation& b) {
-  Rotation product = {};
-  for (std::size_t r = 0; r < 3; ++r) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      product[3 * r + c] = a[3 * r] * b[c] + a[3 * r + 1] * b[3 + c] + a[3 * r + 2] * b[6 + c];
-    }
-  }
-  return product;
-}
-
-Rotation Inverse(const Rotation& a) {
-  return {a[0], a[3], a[6], a[1], a[4], a[7], a[2], a[5], a[8]};
-}
-
-Rotation RotationOfAngles(const std::array<double, 3>& degrees) {
-  std::array<double, 3> c = {};
-  std::array<double, 3> s = {};
-  for (std::size_t i = 0; i < 3; ++i) {
-    c[i] = std::cos(degrees[i] / kDegreesPerRadian);
-    s[i] = std::sin(degrees[i] / kDegreesPerRadian);
-  }
-  const Rotation aboutX = {1, 0, 0, 0, c[0], -s[0], 0, s[0], c[0]};
-  const Rotation aboutY = {c[1], 0, s[1], 0, 1, 0, -s[1], 0, c[1]};
-  const Rotation aboutZ = {c[2], -s[2], 0, s[2], c[2], 0, 0, 0, 1};
-  return Product(Product(aboutX, aboutY), aboutZ);
-}
-
-std::array<double, 3> TurnDegrees(const Rotation& rotation) {
-  // Twice the sine of the angle along the axis; atan2 keeps small angles exact.
-  std::array<double, 3> turn = {rotation[7] - rotation[5], rotation[2] - rotation[6],
-                                rotation[3] - rotation[1]};
-  const double sine = std::hypot(turn[0], turn[1], turn[2]) / 2;
-  const double cosine = (rotation[0] + rotation[4] + rotation[8] - 1) / 2;
-  const double scale = sine > 0 ? std::atan2(sine, cosine) * kDegreesPerRadian / (2 * sine) : 0;
-  for (double& part : turn) {
-    part *= scale;
-  }
-  return turn;
-}
-
-Json PhotographList(const Json& result, const std::vector<Thumbnail>& thumbnails,
-                    const fs::path& pageFolder) {
-  const std::map<std::string, std::string> reasons = ReasonsOf(result);
-  std::map<std::string, const Thumbnail*> thumbnailOf;
-  for (const Thumbnail& thumbnail : thumbnails) {
-    if (!ImageType(thumbnail.bytes).empty()) {
-      thumbnailOf.emplace(thumbnail.photograph, &thumbnail);
-    }
-  }
-  Json list = Json::array();
-  for (const auto& [name, crossCheck, place] : RowsOf(result)) {
-    const auto reason = reasons.find(name);
-    const std::string state =
-        StateOf(crossCheck, reason == reasons.end() ? nullptr : &reason->second);
-    const std::string image = ReprojectedImage(result, name);
-    Json photograph = {
-        {"number", list.size() + 1},
-        {"photograph", name},
-        {"shortName", ShortName(name)},
-        {"state", state},
-        {state, true},
-        {"reason", reason == reasons.end() ? "" : reason->second},
-        {"link", LinkTo(image.empty() ? name : image, result, pageFolder)},
-        {"isReprojected", !image.empty()},
-    };
-    if (crossCheck != nullptr) {
-      photograph["place"] = place;
-      photograph["hasFigures"] = true;
-      photograph["millimetres"] = Fixed(NumberAt(*crossCheck, "/mm"), 2);
-      photograph["degrees"] = Fixed(NumberAt(*crossCheck, "/degrees"), 3);
-      photograph["pixels"] = Fixed(NumberAt(*crossCheck, "/predictedPixels"), 2);
-      photograph["why"] = TextAt(*crossCheck, "/why");
-    }
-    const auto thumbnail = thumbnailOf.find(name);
-    if (thumbnail != thumbnailOf.end()) {
-      const std::string& bytes = thumbnail->second->bytes;
-      photograph["thumbnail"] =
-          "data:" + std::string(ImageType(bytes)) + ";base64," + Base64(bytes);
-    }
-    list.push_back(photograph);
-  }
-  return list;
-}
-
 Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
-              const std::filesystem::path& pageFolder) {
+              const fs::path& pageFolder) {
   const std::string level = LevelOf(result);
-  const Json photographs = PhotographList(result, thumbnails, pageFolder);
-  const Json lost = InState(photographs, "missing");
-  const std::string data = TextAt(result, "/inputs/data");
+  const std::string verdict = TextAt(result, "/verdict/message");
+  const std::string message = TextAt(result, "/message");
+  const Json findings = Findings(ValueAt(result, "/findings"));
   const Json& firstRun = ValueAt(result, "/firstRun");
+  const Json photographs = PhotographViews(result, thumbnails, pageFolder);
+  const Json unusable = InState(photographs, "missing", "missing");
+  const Json disagreeing = InState(photographs, "apart", "out");
+  const Json engines = Engines(ValueAt(result, "/exports"));
+  const Json lastRun = RunValues(result);
   return {
       {"level", level},
       {level, true},
       {"code", Fixed(NumberAt(result, "/code"), 0)},
-      {"message", TextAt(result, "/message")},
-      {"words", TextAt(result, "/verdict/words")},
+      {"message", message},
+      {"headline", verdict.empty() ? message : verdict},
       {"advice", TextAt(result, "/verdict/advice")},
-      {"commands", Commands(result)},
-      {"dataName", data.substr(data.find_last_of("/\\") + 1)},
+      {"commands", Texts(ValueAt(result, "/verdict/commands"))},
+      {"dataName", ShortName(TextAt(result, "/inputs/data"))},
       {"time", TextAt(result, "/time")},
-      {"findings", Findings(ValueAt(result, "/findings"))},
-      {"lens", Lens(result)},
       {"matrix", Matrix(ValueAt(result, "/transformCamTc"))},
-      {"transform", TransformComponents(result)},
       {"mounting", Mounting(result)},
-      {"mountingComponents", MountingComponents(result)},
-      {"crossCheck", CrossCheck(result)},
-      {"reprojection", Fixed(NumberAt(result, "/reprojectionErrorPixels"), 2)},
-      {"spread",
-       Fixed(Times(NumberAt(result, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
-      {"reprojectionLimit", LimitOf(result, "reprojectionErrorPixels", 1)},
-      {"spreadLimit", LimitOf(result, "translationSpreadMetres", 0, kMillimetresPerMetre)},
+      {"lens", Lens(result)},
+      {"reprojectionLimit", Limit(result, "reprojectionErrorPixels", 1)},
+      {"spreadLimit", Limit(result, "translationSpreadMetres", 0, kMillimetresPerMetre)},
+      {"findings", findings},
+      {"hasFindings", !findings.empty()},
+      {"firstRun", firstRun.is_object() ? RunValues(firstRun) : Json()},
+      {"lastRun", lastRun},
+      {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"))},
       {"photographs", photographs},
       {"photographCount", photographs.size()},
-      {"usedCount", ValueAt(result, "/used").size()},
-      {"lost", lost},
-      {"lostCount", lost.size()},
-      {"disagreeing", InState(photographs, "apart")},
-      {"onScreen", OnScreen(result)},
-      {"views", SuggestedViews(result)},
-      {"firstRun", firstRun.is_object() ? RunFigures(firstRun) : Json()},
-      {"lastRun", RunFigures(result)},
-      {"inputs", Inputs(result)},
-      {"engines", Engines(result)},
+      {"unusable", unusable},
+      {"hasUnusable", !unusable.empty()},
+      {"unusableCount", unusable.size()},
+      {"disagreeing", disagreeing},
+      {"hasDisagreeing", !disagreeing.empty()},
+      {"inputs", Inputs(ValueAt(result, "/inputs"))},
+      {"engines", engines},
+      {"hasEngines", !engines.empty()},
       {"log", TextAt(result, "/log")},
       {"logLink", LogLink(result, pageFolder)},
       {"libraryVersion", TextAt(result, "/versions/library")},

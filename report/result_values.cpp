@@ -8,11 +8,8 @@
 #include <nlohmann/json.hpp>
 
 namespace trackedcam::report {
-namespace {
 
 using Json = nlohmann::ordered_json;
-
-}  // namespace
 
 std::string Fixed(const std::optional<double>& number, int decimals) {
   constexpr const char* kDash = "\xE2\x80\x93";
@@ -54,16 +51,28 @@ std::string TextAt(const Json& json, const std::string& path) {
   return value.is_string() ? value.get<std::string>() : std::string();
 }
 
-nlohmann::ordered_json ParseResult(const std::string& text) {
+std::string ShortName(const std::string& path) {
+  return path.substr(path.find_last_of("/\\") + 1);
+}
+
+Json ParseResult(const std::string& text) {
+  // A result is less deep. Copying and writing a value recurse into it.
+  constexpr int kMostDepth = 100;
+  const auto requireDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*value*/) {
+    if (depth > kMostDepth) {
+      throw std::invalid_argument("The text is nested too deeply for a result.");
+    }
+    return true;
+  };
   try {
-    nlohmann::ordered_json result = nlohmann::ordered_json::parse(text);
+    Json result = Json::parse(text, requireDepth);
     if (result.is_object()) {
       return result;
     }
-  } catch (const nlohmann::ordered_json::exception&) {
-    // What it expected where helps nobody: a program wrote the file.
+  } catch (const Json::exception&) {
+    // Where the syntax is wrong does not help: a program wrote the file.
   }
-  throw std::invalid_argument("The text is no result.");
+  throw std::invalid_argument("The text is not a result.");
 }
 
 }  // namespace trackedcam::report

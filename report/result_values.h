@@ -1,4 +1,4 @@
-// Numbers as a person reads them.
+// Values of a result, and numbers as a person reads them.
 
 #pragma once
 
@@ -11,27 +11,29 @@
 
 namespace trackedcam::report {
 
-/// With that many decimals and a true minus sign; a dash for a number that is not there.
+/// With a true minus sign; a dash for a number that is missing or not finite.
 std::string Fixed(const std::optional<double>& number, int decimals);
 
-/// The number at `path`, which has keys and indices between slashes ("/crossCheck/t95"); none where
-/// there is no number.
+/// The number at `path`, a JSON pointer ("/crossCheck/t95"); nothing if there is no number.
 std::optional<double> NumberAt(const nlohmann::ordered_json& json, const std::string& path);
 
-/// A path one index further.
+/// A path with an index appended.
 std::string At(const std::string& path, std::size_t index);
 
-/// Nothing where one of them is.
+/// The product; nothing if one of them is missing.
 std::optional<double> Times(const std::optional<double>& number,
                             const std::optional<double>& factor);
 
-/// The text at `path`; empty where there is none.
+/// The text at `path`; empty if there is none.
 std::string TextAt(const nlohmann::ordered_json& json, const std::string& path);
 
-/// The value at `path`; null where there is none.
+/// The value at `path`; null if there is none.
 const nlohmann::ordered_json& ValueAt(const nlohmann::ordered_json& json, const std::string& path);
 
-/// @throws std::invalid_argument when the text is no result.
+/// The last part of a path.
+std::string ShortName(const std::string& path);
+
+/// @throws std::invalid_argument if the text is not a result.
 nlohmann::ordered_json ParseResult(const std::string& text);
 
 }  // namespace trackedcam::report

@@ -1,23 +1,16 @@
-// Fills the page's template.
-//
-//     {{name}}             the text of a value, escaped; nothing where it is missing or null
-//     {{{name}}}           the same, as it is
-//     {{#name}}...{{/name}}  once for each element of a list; once for anything else that is there
-//     {{^name}}...{{/name}}  where there is nothing: missing, null, false, "" or an empty list
-//
-// A name is looked up in the element of the innermost section first, then further out. "a.b" is b
-// of a, "a.0" the first of the list a, "." the element itself.
+// Fills the page's template, which is written in Mustache (mustache.github.io).
 
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include <nlohmann/json_fwd.hpp>
 
 namespace trackedcam::report {
 
-/// @throws std::invalid_argument for a section that does not end.
-std::string Render(std::string_view text, const nlohmann::ordered_json& values);
+/// Null, false, an empty text and an empty list leave their sections out; an unknown name is empty.
+/// Values are never read as templates.
+/// @throws std::invalid_argument if the template is malformed.
+std::string Render(const std::string& text, const nlohmann::ordered_json& values);
 
 }  // namespace trackedcam::report

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 
 #include <nlohmann/json.hpp>
 #include <opencv2/imgcodecs.hpp>
@@ -15,7 +14,6 @@ namespace trackedcam::report {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 
 constexpr int kWidth = 360;  // pixels
 constexpr int kQuality = 72;
@@ -29,9 +27,11 @@ std::string Encoded(const cv::Mat& image) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Decoded at a quarter of its size where the format can do that, which is ten times as fast.
-std::string ThumbnailOf(const fs::path& file) {
+// Decoded at a quarter of its size if the format allows it, which is ten times as fast. Empty if
+// the file cannot be read: a page does without it.
+std::string SmallImageOf(const std::string& path) {
   try {
+    const fs::path file = fs::u8path(path);
     if (!fs::is_regular_file(file)) {
       return {};
     }
@@ -40,48 +40,26 @@ std::string ThumbnailOf(const fs::path& file) {
     const cv::Mat image =
         bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_REDUCED_COLOR_4);
     return image.empty() ? std::string() : Encoded(image);
-  } catch (const std::exception&) {  // a page does without it
+  } catch (const std::exception&) {
     return {};
   }
 }
 
-std::vector<std::string> Texts(const Json& result, const char* key) {
-  std::vector<std::string> texts;
-  const auto list = result.find(key);
-  if (list != result.end() && list->is_array()) {
-    for (const Json& text : *list) {
-      texts.push_back(text.is_string() ? text.get<std::string>() : std::string());
-    }
+Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph) {
+  std::string reprojected = SmallImageOf(TextAt(photograph, "/reprojectedImage"));
+  if (!reprojected.empty()) {
+    return {std::move(reprojected), true};
   }
-  return texts;
-}
-
-// The reprojected images stand in the order of the photographs that were used.
-std::map<std::string, std::string> ReprojectedImages(const Json& result) {
-  const std::vector<std::string> used = Texts(result, "used");
-  const std::vector<std::string> images = Texts(result, "images");
-  std::map<std::string, std::string> byPhotograph;
-  for (std::size_t i = 0; i < used.size() && used.size() == images.size(); ++i) {
-    byPhotograph[used[i]] = images[i];
-  }
-  return byPhotograph;
+  return {SmallImageOf(TextAt(photograph, "/path")), false};
 }
 
 }  // namespace
 
 std::vector<Thumbnail> MakeThumbnails(const std::string& text) {
-  const Json result = ParseResult(text);
-  const Json::json_pointer folder("/inputs/workingFolder");
-  const fs::path workingFolder = result.contains(folder) && result.at(folder).is_string()
-                                     ? fs::u8path(result.at(folder).get<std::string>())
-                                     : fs::path();
-  const std::map<std::string, std::string> images = ReprojectedImages(result);
+  const nlohmann::ordered_json result = ParseResult(text);
   std::vector<Thumbnail> thumbnails;
-  for (const std::string& photograph : Texts(result, "photographs")) {
-    const auto image = images.find(photograph);
-    const fs::path file =
-        image == images.end() ? workingFolder / fs::u8path(photograph) : fs::u8path(image->second);
-    thumbnails.push_back({photograph, ThumbnailOf(file)});
+  for (const nlohmann::ordered_json& photograph : ValueAt(result, "/photographs")) {
+    thumbnails.push_back(ThumbnailOf(photograph));
   }
   return thumbnails;
 }

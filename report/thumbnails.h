@@ -3,18 +3,22 @@
 #include <string>
 #include <vector>
 
-#include "report/page.h"
-
 namespace trackedcam::report {
 
-/// Small pictures for the page of a run: of the reprojected image where there is one, else of the
-/// photograph itself. What cannot be read has none.
-/// @param text That of a result file.
-/// @throws std::invalid_argument when the text is no result.
+/// A small image of one photograph, to embed into a page.
+struct Thumbnail {
+  std::string bytes;           // of a JPEG or PNG file; empty without an image
+  bool isReprojected = false;  // of the reprojected image, which has the corners drawn in
+};
+
+/// One for each entry of `photographs`, in its order: of the reprojected image, or of the
+/// photograph if the entry names none or it cannot be read.
+/// @param text The text of a result file.
+/// @throws std::invalid_argument if the text is not a result.
 std::vector<Thumbnail> MakeThumbnails(const std::string& text);
 
-/// The image library makes its codecs with the first image, and destroys them when the process
-/// ends: before what was made earlier. Whoever must outlive that calls this first.
+/// Makes the codecs of the image library, which otherwise come into being with the first image.
+/// What is made later is destroyed earlier when the process ends.
 void MakeCodecs();
 
 }  // namespace trackedcam::report

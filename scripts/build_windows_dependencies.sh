@@ -14,7 +14,7 @@ toolchain=$root/cmake/mingw-w64.cmake
 # comments, and of these packages.
 made_with="g++-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64
   mingw-w64-x86-64-dev nasm cmake libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev
-  libtomlplusplus-dev libboost-dev"
+  libtomlplusplus-dev libkainjow-mustache-dev libboost-dev"
 # shellcheck disable=SC2086  # one word for each package
 key=$({
   sed '/^ *# /d' "$0" "$toolchain"
@@ -79,7 +79,7 @@ copy_packages() {
   cp /usr/x86_64-w64-mingw32/lib/libz.a "$prefix/lib"
   cp /usr/x86_64-w64-mingw32/include/zlib.h /usr/x86_64-w64-mingw32/include/zconf.h \
     /usr/include/eigen3 /usr/include/CLI /usr/include/nlohmann /usr/include/toml++ \
-    /usr/include/boost -R "$prefix/include"
+    /usr/include/kainjow /usr/include/boost -R "$prefix/include"
   cp -R /usr/share/eigen3 "$prefix/share"
   cp -R /usr/share/cmake/CLI11 /usr/share/cmake/nlohmann_json "$prefix/share/cmake"
 
@@ -98,7 +98,7 @@ END
   # The licences of these, and of the compilers' runtimes, which are linked into the DLL too.
   boost=$(dpkg -S /usr/include/boost/version.hpp)
   for package in libz-mingw-w64-dev libeigen3-dev libcli11-dev nlohmann-json3-dev \
-    libtomlplusplus-dev "${boost%%:*}" gcc-mingw-w64-base mingw-w64-x86-64-dev; do
+    libtomlplusplus-dev libkainjow-mustache-dev "${boost%%:*}" gcc-mingw-w64-base mingw-w64-x86-64-dev; do
     install -D --mode=644 "/usr/share/doc/$package/copyright" "$prefix/share/doc/$package/copyright"
   done
 }

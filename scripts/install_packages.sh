@@ -22,7 +22,7 @@ packages_of() {
     # show that the library needs none.
     build) echo cmake g++ git ninja-build libopencv-dev libeigen3-dev libopenblas0-serial ;;
     host)
-      echo libcli11-dev nlohmann-json3-dev libboost-dev libtomlplusplus-dev
+      echo libcli11-dev nlohmann-json3-dev libboost-dev libtomlplusplus-dev libkainjow-mustache-dev
       echo libcairo2-dev pkgconf lowdown libjs-three libjs-chart.js
       ;;
     # opencv-doc: photographs of a real chessboard that a test calibrates.

@@ -19,7 +19,8 @@ PREFIX_LIBRARIES = {
     "libtiff.a": {"tiff"}, "libwebp.a": {"libwebp"}, "libopenblas.a": {"openblas", "lapack"},
 }
 PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
-                  "nlohmann": "/usr/include/nlohmann", "toml++": "/usr/include/toml++"}
+                  "nlohmann": "/usr/include/nlohmann", "toml++": "/usr/include/toml++",
+                  "kainjow": "/usr/include/kainjow"}
 PREFIX = (SOURCE / "build/windows-dependencies").resolve()
 
 

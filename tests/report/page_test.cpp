@@ -1,5 +1,6 @@
 #include "report/page.h"
 
+#include <filesystem>
 #include <regex>
 #include <set>
 #include <stdexcept>
@@ -14,21 +15,52 @@ namespace trackedcam::report {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
 const Json kIdentity = {1, 0, 0, 0.01, 0, 1, 0, 0.02, 0, 0, 1, 0.03, 0, 0, 0, 1};
 
+Json Photograph(int row, const std::string& name, const std::string& state) {
+  return {{"row", row},
+          {"name", name},
+          {"path", std::filesystem::absolute(name).generic_u8string()},
+          {"state", state},
+          {"reason", nullptr},
+          {"libraryErrorPixels", 0.5},
+          {"reprojectedImage", nullptr},
+          {"crossCheck", nullptr}};
+}
+
+Json CheckedPhotograph(double predictedPixels = 1) {
+  return {{"used", true},
+          {"mm", 0.5},
+          {"degrees", 0.05},
+          {"predictedPixels", predictedPixels},
+          {"transformCamChart", kIdentity}};
+}
+
+Json Axes(double other, double half) {
+  Json axes = Json::array();
+  for (const char* axis : {"x", "y", "z"}) {
+    other += 10;
+    axes.push_back({{"axis", axis},
+                    {"other", other},
+                    {"found", other + 0.25},
+                    {"difference", -0.25},
+                    {"half", half}});
+  }
+  return axes;
+}
+
 /// With something under every key that a page knows.
 Json WholeResult() {
-  const Json photograph = {{"photograph", "photos/a.jpg"},
-                           {"used", true},
-                           {"mm", 0.5},
-                           {"degrees", 0.05},
-                           {"predictedPixels", 1},
-                           {"why", nullptr},
-                           {"transformCamChart", kIdentity}};
+  Json unusable = Photograph(2, "photos/b.jpg", "boardNotFound");
+  unusable["reason"] = "board not found";
+  Json used = Photograph(3, "photos/a.jpg", "used");
+  used["reprojectedImage"] = std::filesystem::absolute("logs/Reproject_photos/a.jpg").u8string();
+  used["crossCheck"] = CheckedPhotograph();
+  const Json comparison = {
+      {"translation", Axes(0, 2.5)}, {"rotation", Axes(100, 0.35)}, {"isCompared", true}};
   Json result = {
       {"code", 0},
       {"message", "No error"},
@@ -46,19 +78,19 @@ Json WholeResult() {
        {{"lensErrorPixels", {{"doubt", nullptr}, {"failure", 1.5}}},
         {"reprojectionErrorPixels", {{"doubt", 12.0}, {"failure", 18.0}}},
         {"translationSpreadMetres", {{"doubt", 0.01}, {"failure", 0.015}}}}},
-      {"used", {"photos/a.jpg"}},
-      {"dropped", {{{"photograph", "photos/b.jpg"}, {"reason", "board not found"}}}},
-      {"exports", {{"engine", {{"code", 0}, {"title", "Engine"}, {"translationCm", {1, 2, 3}}}}}},
+      {"exports",
+       {{"engine",
+         {{"code", 0}, {"title", "Engine"}, {"cameraAxes", {"x"}}, {"translationCm", {1, 2, 3}}}}}},
       {"log", "logs/log.txt"},
-      {"images", {"logs/Reproject_photos/a.jpg"}},
       {"versions", {{"library", "1.2.3"}, {"program", "1.2.4"}}},
-      {"photographs", {"photos/b.jpg", "photos/a.jpg"}},
+      {"photographs", {unusable, used}},
       {"verdict",
        {{"level", "good"},
-        {"words", "It is good."},
+        {"message", "It is good."},
         {"advice", "Go on."},
         {"commands", {"do it"}}}},
-      {"findings", {{{"id", "some"}, {"severity", "note"}, {"text", "A note."}}}},
+      {"findings",
+       {{{"id", "some"}, {"severity", "note"}, {"text", "A note."}, {"advice", "Note it."}}}},
       {"inputs",
        {{"data", "shoot/data.csv"},
         {"workingFolder", ""},
@@ -76,15 +108,16 @@ Json WholeResult() {
         {"used", 1},
         {"transformCamTc", kIdentity},
         {"transformTrChart", kIdentity},
-        {"standardErrorCamTc", {{"shiftMm", {1, 2, 3}}, {"turnDegrees", {0.1, 0.2, 0.3}}}},
         {"t95", 2},
+        {"comparison", {{"camTc", comparison}, {"trChart", comparison}}},
         {"lens", {{"fx", 0.5}}},
         {"mounting", {{"rotationDegrees", {12, -8, 5}}, {"translationMetres", {0.1, 0.2, 0.3}}}},
         {"mountingReported",
          {{"rotationDegrees", {91, 1, 181}}, {"translationMetres", {-0.1, -0.3, -0.2}}}},
+        {"nominalMounting",
+         {{"offMm", 0.3}, {"offDegrees", 0.02}, {"p", 0.0001}, {"likelyMistake", "angleSigns"}}},
         {"library", {{"offMm", 0.1}, {"offDegrees", 0.01}, {"p", 0.5}}},
         {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
-        {"perPhotograph", {photograph}},
         {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
         {"photographsToHalve", 35}}},
   };
@@ -92,47 +125,83 @@ Json WholeResult() {
   return result;
 }
 
+Json PhotographsOf(const Json& result) {
+  return PageView(result, {}, "")["photographs"];
+}
+
 std::string PageOf(const Json& result, const std::vector<Thumbnail>& thumbnails = {}) {
   return Page(result.dump(), thumbnails, "shoot");
 }
 
-/// What stands in front of the libraries.
-std::string WordsOf(const std::string& page) {
+/// The part in front of the script libraries.
+std::string BodyOf(const std::string& page) {
   return page.substr(page.find("<body>"), page.find("<footer>") - page.find("<body>"));
 }
 
 TEST(Page, ShowsTheAnswer) {
   const std::string page = PageOf(WholeResult());
-  for (const char* words :
-       {"It is good.", "Go on.", "do it", "A note.", "10.00", "20.00", "30.00", "48.600", "± 2.00",
-        "shoot/data.csv", "board not found", "Tilt it.", "1.29", "add about 35 photographs"}) {
-    EXPECT_THAT(page, HasSubstr(words));
+  for (const char* text :
+       {"It is good.", "Go on.", "do it", "A note.", "Note it.", "10.00", "20.00", "30.00",
+        "48.600", "± 2.50", "shoot/data.csv", "board not found", "Tilt it.", "1.29", "35"}) {
+    EXPECT_THAT(page, HasSubstr(text));
   }
-  EXPECT_THAT(WordsOf(page), Not(HasSubstr("{{")));
+  EXPECT_THAT(BodyOf(page), Not(HasSubstr("{{")));
 }
 
-TEST(Page, ShowsTheLimitsBesideTheErrors) {
-  const std::string words = WordsOf(PageOf(WholeResult()));
-  EXPECT_THAT(words, HasSubstr("solved to 0.070 px (limit 1.5)"));
-  EXPECT_THAT(words, HasSubstr("at 1080 rows doubtful above 12.0, fails above 18.0"));
-  EXPECT_THAT(words, HasSubstr("spread by 0.50 mm (limits 10 and 15)"));
+TEST(Page, ShowsTheLimitsNextToTheErrors) {
+  const std::string body = BodyOf(PageOf(WholeResult()));
+  for (const char* limit : {"1.5", "12.0", "18.0", "10", "15"}) {
+    EXPECT_THAT(body, HasSubstr(std::string("<span class=\"limit\">") + limit + "</span>"));
+  }
   Json result = WholeResult();
   result.erase("limits");
-  EXPECT_THAT(WordsOf(PageOf(result)),
-              Not(AnyOf(HasSubstr("doubtful above"), HasSubstr("(limit"))));
+  EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr("class=\"limit\"")));
 }
 
-TEST(Page, GivesTheMountingToPassOnInTheAxesInWhichItWasStated) {
+TEST(Page, ShowsTheComparisonAsTheResultHasIt) {
+  const Json view = PageView(WholeResult(), {}, "");
+  for (const char* transform : {"camTc", "trChart"}) {
+    const Json& y = view["crossCheck"][transform]["translation"][1];
+    EXPECT_EQ(y["axis"], "y");
+    EXPECT_EQ(y["other"], "20.00");
+    EXPECT_EQ(y["found"], "20.25");
+    EXPECT_EQ(y["difference"], "\u22120.25");
+    EXPECT_EQ(y["half"], "2.50");
+    EXPECT_EQ(view["crossCheck"][transform]["rotation"][2]["half"], "0.350");
+  }
+}
+
+TEST(Page, ShowsUnknownValuesOfTheComparisonAsDashes) {
   Json result = WholeResult();
-  EXPECT_THAT(WordsOf(PageOf(result)),
+  Json& axis = result["crossCheck"]["comparison"]["trChart"]["translation"][0];
+  axis["other"] = axis["difference"] = nullptr;
+  axis["half"] = 0.00123;
+  const Json view = PageView(result, {}, "")["crossCheck"]["trChart"]["translation"][0];
+  EXPECT_EQ(view["other"], "\u2013");
+  EXPECT_EQ(view["difference"], "\u2013");
+  EXPECT_EQ(view["half"], "0.0012");
+}
+
+TEST(Page, NamesTheLikelyMistake) {
+  Json result = WholeResult();
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("wrong sign"));
+  result["crossCheck"]["nominalMounting"]["likelyMistake"] = "one of a later version";
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("one of a later version"));
+  result["crossCheck"]["nominalMounting"]["likelyMistake"] = nullptr;
+  EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr("Likely mistake")));
+}
+
+TEST(Page, GivesTheMountingFoundInTheAxesInWhichItWasStated) {
+  Json result = WholeResult();
+  EXPECT_THAT(BodyOf(PageOf(result)),
               HasSubstr("<code>--chart-rotation=12,-8,5 --chart-translation=0.1,0.2,0.3</code>"));
   result["inputs"]["mountingAxes"] = "reported";
-  EXPECT_THAT(WordsOf(PageOf(result)),
+  EXPECT_THAT(BodyOf(PageOf(result)),
               HasSubstr("<code>--chart-rotation=91,1,181 --chart-translation=-0.1,-0.3,-0.2 "
                         "--mounting-axes=reported</code>"));
 }
 
-TEST(Page, LetsNothingRunButWhatTheProgramWasBuiltWith) {
+TEST(Page, LetsOnlyItsOwnScriptsRun) {
   const std::string page = PageOf(WholeResult());
   std::smatch policy;
   ASSERT_TRUE(std::regex_search(page, policy,
@@ -213,82 +282,169 @@ TEST(Page, TakesAnyKindOfValueUnderAnyKey) {
   }
 }
 
-TEST(Page, OfAnOlderResultSaysThatItWasNotCrossChecked) {
+TEST(Page, OfAResultWithoutAVerdictSaysThatItWasNotCrossChecked) {
   Json result = WholeResult();
   for (const char* key : {"verdict", "findings", "inputs", "time", "firstRun", "crossCheck"}) {
     result.erase(key);
   }
-  const std::string words = WordsOf(PageOf(result));
-  EXPECT_THAT(words, HasSubstr("Not cross-checked"));
-  EXPECT_THAT(words, Not(HasSubstr("class=\"answer good\"")));
-  EXPECT_THAT(words, Not(HasSubstr("id=\"scene\"")));
+  const std::string body = BodyOf(PageOf(result));
+  EXPECT_THAT(body, HasSubstr("class=\"answer none\""));
+  EXPECT_THAT(body, Not(HasSubstr("class=\"answer good\"")));
+  EXPECT_THAT(body, Not(HasSubstr("id=\"scene\"")));
 }
 
 TEST(Page, OfAFailedRunIsRedWithoutAVerdictToo) {
-  EXPECT_THAT(WordsOf(PageOf({{"code", 6}})), HasSubstr("Failed, code 6"));
-  EXPECT_THAT(WordsOf(PageOf(Json::object())), HasSubstr("class=\"answer failed\""));
+  EXPECT_THAT(BodyOf(PageOf({{"code", 6}})), HasSubstr("code 6"));
+  EXPECT_THAT(BodyOf(PageOf(Json::object())), HasSubstr("class=\"answer failed\""));
 }
 
 TEST(Page, KnowsNoOtherLevelThanItsOwn) {
   Json result = WholeResult();
   result["verdict"]["level"] = "excellent";
-  EXPECT_THAT(WordsOf(PageOf(result)), HasSubstr("class=\"answer none\""));
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("class=\"answer none\""));
 }
 
-TEST(Page, CountsPhotographsInTheOrderOfTheShoot) {
+TEST(Photographs, AreNumberedByTheirPlaceInTheList) {
   const std::string page = PageOf(WholeResult());
   EXPECT_LT(page.find("data-number=\"1\" data-state=\"missing\""),
             page.find("data-number=\"2\" data-state=\"kept\""));
 }
 
-TEST(Page, KeepsBothRowsOfAPhotographThatIsNamedTwice) {
+TEST(Photographs, OfOneNameAreTwo) {
   Json result = WholeResult();
-  Json second = result["crossCheck"]["perPhotograph"][0];
-  second["predictedPixels"] = 77;
-  result["crossCheck"]["perPhotograph"].push_back(second);
-  result["photographs"] = {"photos/a.jpg", "photos/b.jpg", "photos/a.jpg"};
-  const Json list = PageView(result, {}, "")["photographs"];
+  Json first = Photograph(2, "photos/a.jpg", "used");
+  first["crossCheck"] = CheckedPhotograph(1);
+  Json second = Photograph(4, "photos/a.jpg", "leftOutByFilter");
+  second["crossCheck"] = CheckedPhotograph(77);
+  result["photographs"] = {first, Photograph(3, "photos/b.jpg", "notLoaded"), second};
+  const Json list = PhotographsOf(result);
   ASSERT_EQ(list.size(), 3);
   EXPECT_EQ(list[0]["pixels"], "1.00");
-  EXPECT_EQ(list[1]["photograph"], "photos/b.jpg");
+  EXPECT_EQ(list[0]["state"], "kept");
+  EXPECT_EQ(list[1]["name"], "photos/b.jpg");
   EXPECT_EQ(list[2]["pixels"], "77.00");
+  EXPECT_EQ(list[2]["state"], "spare");
+  EXPECT_EQ(list[2]["row"], "4");
 }
 
-TEST(Page, LinksTheReprojectedImageWhereThereIsOne) {
+TEST(Photographs, HaveAStateOnThePageForEachInTheResult) {
+  Json result = WholeResult();
+  const std::pair<const char*, const char*> states[] = {
+      {"used", "kept"},
+      {"leftOutByFilter", "spare"},
+      {"leftOutByCrossCheck", "out"},
+      {"boardNotFound", "missing"},
+      {"notLoaded", "missing"},
+      {"leftOutBeforeTheRun", "missing"},
+      {"notReached", "unused"},
+      {"notUsed", "unused"},
+  };
+  for (const auto& [state, onPage] : states) {
+    result["photographs"] = {Photograph(2, "a.jpg", state)};
+    EXPECT_EQ(PhotographsOf(result)[0]["state"], onPage) << state;
+  }
+  for (const char* state : {"used", "leftOutByFilter"}) {
+    result["photographs"][0]["state"] = state;
+    result["photographs"][0]["crossCheck"] = {{"used", false}};
+    EXPECT_EQ(PhotographsOf(result)[0]["state"], "apart") << state;
+  }
+}
+
+TEST(Photographs, LeftOutOfTheSecondRunKeepTheirPlaceAndReason) {
+  Json result = WholeResult();
+  Json first = Json::array();
+  Json second = Json::array();
+  for (int i = 0; i < 40; ++i) {
+    Json photograph =
+        Photograph(i + 2, "photos/" + std::to_string(i + 1) + ".jpg", "leftOutByFilter");
+    photograph["crossCheck"] = CheckedPhotograph(i + 1);
+    const bool isBad = i % 5 == 2;
+    photograph["crossCheck"]["used"] = !isBad;
+    if (isBad) {
+      photograph["reason"] = "fits the trackers of photographs nearby";
+    }
+    first.push_back(photograph);
+    photograph["state"] = isBad ? "leftOutByCrossCheck" : "used";
+    photograph["crossCheck"] = isBad ? Json(nullptr) : CheckedPhotograph(0.25);
+    second.push_back(photograph);
+  }
+  result["firstRun"]["photographs"] = first;
+  result["photographs"] = second;
+  const Json view = PageView(result, {}, "");
+  ASSERT_EQ(view["photographs"].size(), 40);
+  EXPECT_EQ(view["photographCount"], 40);
+  EXPECT_EQ(view["lastRun"]["used"], 32);
+  EXPECT_EQ(view["firstRun"]["used"], 0);
+  ASSERT_EQ(view["disagreeing"].size(), 8);
+  const Json& left = view["photographs"][37];
+  EXPECT_EQ(left["number"], 38);
+  EXPECT_EQ(left["name"], "photos/38.jpg");
+  EXPECT_EQ(left["row"], "39");
+  EXPECT_EQ(left["state"], "out");
+  EXPECT_EQ(left["reason"], "fits the trackers of photographs nearby");
+  EXPECT_EQ(left["pixels"], "38.00");  // of the first run
+  EXPECT_EQ(view["photographs"][38]["number"], 39);
+  EXPECT_EQ(view["photographs"][38]["pixels"], "0.25");
+  const std::string body = BodyOf(PageOf(result));
+  for (int number = 1; number <= 40; ++number) {
+    EXPECT_THAT(body, HasSubstr("data-number=\"" + std::to_string(number) + '"'));
+  }
+}
+
+TEST(Photographs, LinkTheReprojectedImageOrElseThePhotograph) {
   const std::string page = PageOf(WholeResult());
   EXPECT_THAT(page, HasSubstr("href=\"./../logs/Reproject_photos/a.jpg\""));
   EXPECT_THAT(page, HasSubstr("href=\"./../photos/b.jpg\""));
 }
 
-TEST(Page, EmbedsThumbnailsOfImagesOnly) {
-  const std::string page = PageOf(WholeResult(), {{"photos/a.jpg", "\xFF\xD8\xFF"},
-                                                  {"photos/b.jpg", "<svg onload='alert(1)'>"},
-                                                  {"photos/of nowhere.jpg", "\x89PNG"}});
+TEST(Photographs, HaveThumbnailsOfImagesOnly) {
+  const Thumbnail image = {"\xFF\xD8\xFF", true};
+  const Thumbnail noImage = {"<svg onload='alert(1)'>", true};
+  const Thumbnail beyond = {"\x89PNG", false};
+  const std::string page = PageOf(WholeResult(), {noImage, image, beyond});
   EXPECT_THAT(page, HasSubstr("<img src=\"data:image/jpeg;base64,/9j/\""));
   EXPECT_THAT(page, Not(HasSubstr("data:image/svg")));
   EXPECT_THAT(page, Not(HasSubstr("base64,PHN2Z")));
   EXPECT_THAT(page, Not(HasSubstr("data:image/png")));
+  const Json list = PageView(WholeResult(), {noImage, image}, "")["photographs"];
+  EXPECT_EQ(list[0]["isReprojected"], false);
+  EXPECT_EQ(list[1]["isReprojected"], true);
+}
+
+TEST(Photographs, WithoutReprojectedThumbnailGetTheirCornersDrawn) {
+  const std::string body =
+      BodyOf(PageOf(WholeResult(), {{"\xFF\xD8\xFF", false}, {"\xFF\xD8\xFF", true}}));
+  EXPECT_THAT(body, HasSubstr("data-state=\"missing\" data-reprojected=\"\""));
+  EXPECT_THAT(body, HasSubstr("data-state=\"kept\" data-reprojected=\"true\""));
 }
 
 TEST(Page, Of40PhotographsIsSmallEnoughToSend) {
   Json result = WholeResult();
   result.erase("firstRun");
-  Json& photographs = result["crossCheck"]["perPhotograph"];
-  const Json first = photographs[0];
-  photographs = Json::array();
+  result["photographs"] = Json::array();
   std::vector<Thumbnail> thumbnails;
   for (int i = 0; i < 40; ++i) {
-    Json photograph = first;
-    photograph["photograph"] = "photos/" + std::to_string(i) + ".jpg";
-    photograph["corners"] = Json(54, {1234.56789012345, 1234.56789012345});
-    photograph["predicted"] = photograph["corners"];
-    photographs.push_back(photograph);
-    thumbnails.push_back({photograph["photograph"], "\xFF\xD8\xFF" + std::string(24000, 'x')});
+    Json photograph = Photograph(i + 2, "photos/" + std::to_string(i) + ".jpg", "used");
+    photograph["crossCheck"] = CheckedPhotograph();
+    photograph["crossCheck"]["corners"] = Json(54, {1234.56789012345, 1234.56789012345});
+    photograph["crossCheck"]["predicted"] = photograph["crossCheck"]["corners"];
+    result["photographs"].push_back(photograph);
+    thumbnails.push_back({"\xFF\xD8\xFF" + std::string(24000, 'x'), true});
   }
   EXPECT_LT(Page(result.dump(2), thumbnails, "").size(), 3'000'000);
 }
 
-TEST(Page, RefusesWhatIsNoResult) {
+TEST(Page, RejectsAResultNestedDeeply) {
+  const auto nested = [](std::size_t depth) {
+    const std::string list = std::string(depth, '[') + std::string(depth, ']');
+    return "{\"photographs\": " + list + ", \"exports\": {\"a\": {\"cameraAxes\": " + list + "}}}";
+  };
+  EXPECT_NO_THROW(Page(nested(90), {}, ""));
+  EXPECT_THROW(Page(nested(200), {}, ""), std::invalid_argument);
+  EXPECT_THROW(Page(nested(500000), {}, ""), std::invalid_argument);
+}
+
+TEST(Page, RejectsTextThatIsNotAResult) {
   for (const char* text : {"", "[]", "1", "no JSON", "{\"code\": 1", "\xFF"}) {
     EXPECT_THROW(Page(text, {}, ""), std::invalid_argument) << text;
   }

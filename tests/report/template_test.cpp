@@ -10,13 +10,13 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-TEST(Render, PutsTextInEscapedAndAsItIs) {
+TEST(Render, InsertsTextEscapedOrUnchanged) {
   const Json values = {{"name", "<b>"}, {"count", 3}, {"nothing", nullptr}};
   EXPECT_EQ(Render("{{name}} {{{name}}} {{count}} [{{nothing}}{{missing}}]", values),
             "&lt;b&gt; <b> 3 []");
 }
 
-TEST(Render, NeverReadsAValueAsTemplate) {
+TEST(Render, NeverReadsAValueAsATemplate) {
   EXPECT_EQ(Render("{{name}}", {{"name", "{{secret}}"}, {"secret", 1}}), "{{secret}}");
 }
 
@@ -25,7 +25,7 @@ TEST(Render, RepeatsASectionForEachElement) {
   EXPECT_EQ(Render("{{#rows}}{{a}}{{b}}{{/rows}} {{#words}}{{.}};{{/words}}", values), "1!2! x;y;");
 }
 
-TEST(Render, ShowsASectionWhereThereIsSomething) {
+TEST(Render, ShowsASectionIfThereIsAValue) {
   const Json values = {{"yes", true}, {"no", false},           {"null", nullptr},
                        {"text", ""},  {"list", Json::array()}, {"object", Json::object()}};
   EXPECT_EQ(Render("{{#yes}}1{{/yes}}{{#no}}2{{/no}}{{#null}}3{{/null}}{{#text}}4{{/text}}"
@@ -44,9 +44,13 @@ TEST(Render, LooksNamesUpFromInsideOut) {
             "deep inner deep outer");
 }
 
-TEST(Render, KnowsTheFirstOfAList) {
-  const Json values = {{"rows", {"a", "b"}}, {"none", Json::array()}};
-  EXPECT_EQ(Render("{{#rows.0}}some{{/rows.0}}{{#none.0}}none{{/none.0}}", values), "some");
+TEST(Render, ShowsTheInnerValueEvenIfItIsNothing) {
+  const Json values = {{"rows", {{{"a", nullptr}}, {{"a", ""}}, {{"a", false}}}}, {"a", "outer"}};
+  EXPECT_EQ(Render("{{#rows}}[{{a}}{{#a}}x{{/a}}]{{/rows}}", values), "[][][]");
+}
+
+TEST(Render, ReplacesControlCharacters) {
+  EXPECT_EQ(Render("{{name}}", {{"name", std::string("a\0b\x1B", 4)}}), "a\uFFFDb\uFFFD");
 }
 
 TEST(Render, NestsSectionsOfOneName) {
@@ -54,7 +58,7 @@ TEST(Render, NestsSectionsOfOneName) {
   EXPECT_EQ(Render("{{#a}}[{{#a}}{{b}}{{/a}}]{{/a}}", values), "[1]");
 }
 
-TEST(Render, RefusesATemplateThatIsNotWhole) {
+TEST(Render, RejectsAMalformedTemplate) {
   EXPECT_THROW(Render("{{#a}}", {{"a", 1}}), std::invalid_argument);
   EXPECT_THROW(Render("{{/a}}", {{"a", 1}}), std::invalid_argument);
   EXPECT_THROW(Render("{{a", {{"a", 1}}), std::invalid_argument);

@@ -1,5 +1,6 @@
 #include "report/thumbnails.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ const cv::Scalar kBlue(255, 0, 0);
 class ThumbnailsTest : public testing::Test {
  protected:
   // A PNG of one colour, 720 x 400.
-  std::string Picture(const std::string& name, const cv::Scalar& colour) {
+  std::string Image(const std::string& name, const cv::Scalar& colour) {
     std::vector<unsigned char> bytes;
     cv::imencode(".png", cv::Mat(400, 720, CV_8UC3, colour), bytes);
     test::WriteFile(folder.File(name), {bytes.begin(), bytes.end()});
@@ -28,37 +29,58 @@ class ThumbnailsTest : public testing::Test {
 
   static cv::Mat Decoded(const Thumbnail& thumbnail) {
     const std::vector<unsigned char> bytes(thumbnail.bytes.begin(), thumbnail.bytes.end());
-    return bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_COLOR);
+    return cv::imdecode(bytes, cv::IMREAD_COLOR);
+  }
+
+  static bool IsOf(const cv::Scalar& colour, const Thumbnail& thumbnail) {
+    const cv::Vec3b pixel = Decoded(thumbnail).at<cv::Vec3b>(100, 100);
+    return cv::norm(pixel, cv::Vec3b(colour[0], colour[1], colour[2])) < 10;
   }
 
   test::TemporaryFolder folder;
 };
 
-TEST_F(ThumbnailsTest, ShowsTheReprojectedImageWhereThereIsOne) {
-  Picture("a.png", kRed);
-  Picture("b.png", kRed);
-  const Json result = {{"photographs", {"a.png", "b.png", "missing.png"}},
-                       {"used", {"b.png"}},
-                       {"images", {Picture("Reproject_b.png", kBlue)}},
-                       {"inputs", {{"workingFolder", folder.Path().u8string()}}}};
+TEST_F(ThumbnailsTest, ShowTheReprojectedImageOrElseThePhotograph) {
+  const Json result = {
+      {"photographs",
+       {{{"path", Image("a.png", kRed)}, {"reprojectedImage", nullptr}},
+        {{"path", Image("b.png", kRed)}, {"reprojectedImage", Image("Reproject_b.png", kBlue)}},
+        {{"path", folder.File("missing.png")}, {"reprojectedImage", nullptr}}}}};
   const std::vector<Thumbnail> thumbnails = MakeThumbnails(result.dump());
   ASSERT_EQ(thumbnails.size(), 3U);
-  EXPECT_EQ(thumbnails[1].photograph, "b.png");
-  const cv::Mat photograph = Decoded(thumbnails[0]);
-  const cv::Mat reprojected = Decoded(thumbnails[1]);
-  EXPECT_EQ(photograph.size(), cv::Size(360, 200));
-  EXPECT_GT(photograph.at<cv::Vec3b>(100, 100)[2], 250);
-  EXPECT_GT(reprojected.at<cv::Vec3b>(100, 100)[0], 250);
+  EXPECT_EQ(Decoded(thumbnails[0]).size(), cv::Size(360, 200));
+  EXPECT_TRUE(IsOf(kRed, thumbnails[0]));
+  EXPECT_FALSE(thumbnails[0].isReprojected);
+  EXPECT_TRUE(IsOf(kBlue, thumbnails[1]));
+  EXPECT_TRUE(thumbnails[1].isReprojected);
   EXPECT_EQ(thumbnails[2].bytes, "");
+  EXPECT_FALSE(thumbnails[2].isReprojected);
 }
 
-TEST_F(ThumbnailsTest, NeedsNoKeyOfTheResult) {
+TEST_F(ThumbnailsTest, ForOneMissingReprojectedImageOnlyThatOneShowsItsPhotograph) {
+  Json photographs = Json::array();
+  for (const char* name : {"a.png", "b.png", "c.png"}) {
+    photographs.push_back({{"path", Image(name, kRed)},
+                           {"reprojectedImage", Image(std::string("Reproject_") + name, kBlue)}});
+  }
+  std::filesystem::remove(folder.File("Reproject_b.png"));
+  const std::vector<Thumbnail> thumbnails =
+      MakeThumbnails(Json{{"photographs", photographs}}.dump());
+  ASSERT_EQ(thumbnails.size(), 3U);
+  EXPECT_TRUE(IsOf(kBlue, thumbnails[0]));
+  EXPECT_TRUE(IsOf(kRed, thumbnails[1]));
+  EXPECT_FALSE(thumbnails[1].isReprojected);
+  EXPECT_TRUE(IsOf(kBlue, thumbnails[2]));
+  EXPECT_TRUE(thumbnails[2].isReprojected);
+}
+
+TEST_F(ThumbnailsTest, NeedNoKeyOfTheResult) {
   EXPECT_TRUE(MakeThumbnails("{}").empty());
-  const Json odd = {{"photographs", {1, nullptr}}, {"used", 5}, {"inputs", {{"workingFolder", 1}}}};
-  EXPECT_EQ(MakeThumbnails(odd.dump()).size(), 2U);
+  const Json odd = {{"photographs", {1, nullptr, {{"path", 5}}, Json::object()}}};
+  EXPECT_EQ(MakeThumbnails(odd.dump()).size(), 4U);
 }
 
-TEST_F(ThumbnailsTest, RefusesWhatIsNoResult) {
+TEST_F(ThumbnailsTest, RejectTextThatIsNotAResult) {
   EXPECT_THROW(MakeThumbnails("[]"), std::invalid_argument);
   EXPECT_THROW(MakeThumbnails(""), std::invalid_argument);
 }

@@ -2,7 +2,7 @@
 
 Usage: check_page.py REPORT_PAGE [TEST...]
 
-Ends with 77, which CTest counts as skipped, where there is no browser to ask.
+Ends with 77, which CTest counts as skipped, if there is no browser.
 """
 
 import base64
@@ -65,7 +65,7 @@ class PageTest(unittest.TestCase):
         cls.temporary.cleanup()
 
     def open(self, name, width=1280, height=800, theme="light"):
-        """The result that the page was written from."""
+        """Opens a page and returns the result that it was made from."""
         self.browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 500})
         self.browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {
@@ -81,19 +81,19 @@ class PageTest(unittest.TestCase):
         return self.browser.execute_script("return " + script, *arguments)
 
     def texts(self, selector):
-        # textContent, since what is folded away has no text to the driver.
+        # textContent, because the driver reports no text of closed details.
         return self.run_script("[...document.querySelectorAll(arguments[0])].map((e) => e.textContent.trim())", selector)
 
     def click_at(self, selector, place):
         element = self.browser.find_element(By.CSS_SELECTOR, selector)
         self.run_script("arguments[0].scrollIntoView({block: 'center', behavior: 'instant'})", element)
-        # The driver counts from the middle.
+        # The driver measures from the middle.
         size = self.run_script("[arguments[0].clientWidth, arguments[0].clientHeight]", element)
         x, y = (round(p - s / 2) for p, s in zip(place, size))
         ActionChains(self.browser).move_to_element_with_offset(element, x, y).click().perform()
 
     def wait_for(self, condition):
-        """What follows a click follows in the browser's own time."""
+        """The browser handles a click some time later."""
         WebDriverWait(self.browser, 20).until(lambda _: condition())
 
     def assert_selected(self, expected):
@@ -103,25 +103,25 @@ class PageTest(unittest.TestCase):
                                          ".map((e) => e.closest('li').dataset.number)"), [str(expected)])
         self.assertEqual(self.texts("#selection-number"), [str(expected)])
 
-    def test_pages_of_all_shoots_have_their_sections_and_no_fault(self):
+    def test_pages_of_all_shoots_have_their_sections_and_no_errors(self):
         for name in make_results.SHOOTS:
             with self.subTest(name):
                 result = self.open(name)
                 expected = SECTIONS if result["crossCheck"] else WITHOUT_CROSS_CHECK
                 self.assertEqual(self.run_script("[...document.querySelectorAll('main > section')].map((e) => e.id)"), expected)
                 self.assertEqual(self.run_script("document.documentElement.lang"), "en")
-                faults = [entry for entry in self.browser.get_log("browser")
-                          if "GL Driver Message" not in entry["message"]]  # of the software that draws here
-                self.assertEqual(faults, [])
+                errors = [entry for entry in self.browser.get_log("browser")
+                          if "GL Driver Message" not in entry["message"]]  # of the software renderer
+                self.assertEqual(errors, [])
 
-    def test_nothing_is_asked_of_the_network(self):
+    def test_nothing_is_loaded_from_the_network(self):
         for name in make_results.SHOOTS:
             with self.subTest(name):
                 self.open(name)
                 messages = [json.loads(entry["message"])["message"] for entry in self.browser.get_log("performance")]
                 addresses = [m["params"]["request"]["url"] for m in messages if m["method"] == "Network.requestWillBeSent"]
                 page = (self.folder / f"{name}.html").as_uri()
-                self.assertIn(page, addresses)  # the log tells of requests at all
+                self.assertIn(page, addresses)  # requests are logged
                 self.assertEqual([a[:80] for a in addresses if a != page and not a.startswith(("data:", "about:"))], [])
 
     def test_every_picture_is_drawn(self):
@@ -143,7 +143,7 @@ class PageTest(unittest.TestCase):
         result = self.open("noisy")
         self.click_at("#agreement-chart", self.run_script("trackedcamBars.place(7)"))
         self.assert_selected(7)
-        self.assertEqual(self.texts("#selection-name"), [result["photographs"][6].split("/")[-1]])
+        self.assertEqual(self.texts("#selection-name"), [result["photographs"][6]["name"].split("/")[-1]])
 
     def test_a_click_on_a_camera_selects_its_photograph(self):
         self.open("perfect")
@@ -153,7 +153,7 @@ class PageTest(unittest.TestCase):
         self.click_at("#scene-canvas", places[alone])
         self.assert_selected(alone)
 
-    def test_the_keyboard_selects_turns_and_enlarges(self):
+    def test_the_keyboard_selects_rotates_and_enlarges(self):
         self.open("noisy")
         bars = self.browser.find_element(By.ID, "agreement-chart")
         self.run_script("arguments[0].focus()", bars)
@@ -179,24 +179,25 @@ class PageTest(unittest.TestCase):
         shown = [number(t) for t in self.texts("#fact-transform tr.main td:not(.unit)")]
         for a, b in zip(shown, transform, strict=True):
             self.assertAlmostEqual(a, b, delta=0.00501)
-        half = [result["crossCheck"]["t95"] * e for e in result["crossCheck"]["standardErrorCamTc"]["shiftMm"]]
-        shown = [number(t) for t in self.texts("#transform-shift tbody td:nth-child(5)")]
-        for a, b in zip(shown, half, strict=True):
-            self.assertAlmostEqual(a, b, delta=0.00501)
-        library = result["crossCheck"]["library"]
-        apart = [float(t) for t in self.run_script("[...document.querySelectorAll('#transform-turn [data-difference]')].map((e) => e.dataset.difference)")]
-        self.assertAlmostEqual(sum(a * a for a in apart) ** 0.5, library["offDegrees"], delta=1e-6)
-        apart = [float(t) for t in self.run_script("[...document.querySelectorAll('#transform-shift [data-difference]')].map((e) => e.dataset.difference)")]
-        self.assertAlmostEqual(sum(a * a for a in apart) ** 0.5, library["offMm"], delta=1e-6)
+        comparison, library = result["crossCheck"]["comparison"], result["crossCheck"]["library"]
+        for transform, name in [("camTc", "transform"), ("trChart", "mounting")]:
+            for part, decimals in [("translation", 2), ("rotation", 3)]:
+                axes = comparison[transform][part]
+                for column, key in enumerate(["difference", "half"]):
+                    cells = f"#{name}-{part} tbody td:nth-last-child({2 - column})"
+                    shown = [number(t) for t in self.texts(cells)]
+                    for a, b in zip(shown, axes, strict=True):
+                        self.assertAlmostEqual(a, b[key], delta=0.501 * 10 ** -decimals)
         self.assertIn(f"{library['offMm']:.2f} mm and {library['offDegrees']:.3f}°", self.texts("#fact-transform")[0])
         self.assertEqual(self.texts("#fact-lens .big"), [f"{result['focalLengthMm'][0]:.3f} mm"])
         self.assertEqual(self.texts("#fact-agreement .big"), [f"{result['reprojectionErrorPixels']:.2f} px"])
-        self.assertEqual(self.texts("#fact-photographs .big"), [f"{len(result['used'])} of 40 used"])
-        self.assertEqual(self.texts("h1"), [result["verdict"]["words"]])
+        self.assertEqual(self.texts("#fact-photographs .big"), [f"{sum(p['state'] == 'used' for p in result['photographs'])} of 40 used"])
+        self.assertEqual(self.texts("h1"), [result["verdict"]["message"]])
         self.assertEqual(self.texts(".finding-text"), [finding["text"] for finding in result["findings"]])
         self.assertEqual(self.run_script("[...document.querySelectorAll('.band .copy')].map((e) => e.dataset.copy)"), result["verdict"]["commands"])
-        errors = [p["predictedPixels"] for p in result["crossCheck"]["perPhotograph"]]
-        self.assertEqual(self.run_script("trackedcamBars.values"), errors + [None])
+        pixels = [p["crossCheck"] and p["crossCheck"]["predictedPixels"] for p in result["photographs"]]
+        self.assertIsNone(pixels[4])
+        self.assertEqual(self.run_script("trackedcamBars.values"), pixels)
         self.assertEqual(json.loads(self.run_script("document.getElementById('data').textContent")), result)
         for engine in result["exports"].values():
             copies = self.run_script("[...document.querySelectorAll('.engine .copy')].map((e) => e.dataset.copy)")
@@ -205,9 +206,26 @@ class PageTest(unittest.TestCase):
     def test_a_failed_run_says_which_photographs_failed_and_why(self):
         result = self.open("failed")
         self.assertEqual(self.texts(".level"), ["Failed, code 4"])
-        rows = list(zip(self.texts("#agreement td:nth-child(2)"), self.texts("#agreement td:nth-child(3)")))
-        self.assertEqual(rows, [(d["photograph"], d["reason"]) for d in result["dropped"]])
+        rows = list(zip(self.texts("#unusable td:nth-child(2)"), self.texts("#unusable td:nth-child(4)")))
+        self.assertEqual(rows, [(p["name"], p["reason"]) for p in result["photographs"] if p["reason"]])
         self.assertEqual(self.run_script("document.querySelectorAll('.gallery img').length"), len(result["photographs"]))
+
+    def test_only_photographs_without_reprojected_image_get_corners(self):
+        result = self.open("noisy")
+        drawn = self.run_script("[...document.querySelectorAll('.photograph')].map((e) => Boolean(e.querySelector('svg')))")
+        expected = [p["crossCheck"] is not None and p["reprojectedImage"] is None for p in result["photographs"]]
+        self.assertEqual(drawn, expected)
+        self.assertIn(True, [d for d, p in zip(drawn, result["photographs"]) if p["state"] == "used"])
+
+    def test_a_second_run_shows_what_it_left_out(self):
+        result = self.open("refined")
+        self.assertEqual(self.run_script("[...document.querySelectorAll('.photograph')].map((e) => e.dataset.number)"),
+                         [str(n) for n in range(1, 41)])
+        left, first = result["photographs"][29], result["firstRun"]["photographs"][29]["crossCheck"]
+        cells = self.texts("#disagreeing tbody td")
+        self.assertEqual(cells[:4], ["30", left["name"], str(left["row"]), f"{first['mm']:.2f}"])
+        self.assertIn(left["reason"], cells[6])
+        self.assertIsNone(self.run_script("trackedcamBars.values[29]"))
 
     def test_hostile_names_are_names(self):
         self.open("hostile")
@@ -268,10 +286,10 @@ class PageTest(unittest.TestCase):
             page = self.browser.find_element(By.TAG_NAME, "body")
             self.assertIsNone(page.get_attribute("data-drawn"))
             shown = page.text
-            self.assertIn(result["verdict"]["words"], shown)
+            self.assertIn(result["verdict"]["message"], shown)
             self.assertIn(f"{result['crossCheck']['library']['offMm']:.2f} mm", shown)
             self.assertIn("JavaScript", self.browser.find_element(By.ID, "scene").text)
-            table = self.browser.find_element(By.ID, "mounting-shift").text
+            table = self.browser.find_element(By.ID, "mounting-translation").text
             self.assertIn("118.00", table)
             self.assertIn(result["inputs"]["data"], self.browser.find_element(By.ID, "inputs").text)
             self.browser.find_element(By.CSS_SELECTOR, ".json summary").click()

@@ -1,10 +1,10 @@
-"""Writes result files of simulated shoots, as pages are drawn from them, and small pictures for them.
+"""Writes result files of simulated shoots, as pages are made from them, and small images for them.
 
 Usage: make_results.py FOLDER
 
-One file for each shoot, NAME.json, and NAME.thumbnails/ with a PNG for each photograph. The geometry
-is that of docs/conventions.md, so that scene, corners and residuals fit together; uncertainties and
-tests are plausible figures, not solved ones. The same files come from every run.
+For each shoot, NAME.json, and NAME.thumbnails/ with a PNG for each photograph. The geometry is that of
+docs/conventions.md, so that scene, corners and residuals fit together; uncertainties and tests are
+plausible values, not solved ones. Every run writes the same files.
 """
 
 import json
@@ -18,7 +18,10 @@ import zlib
 WIDTH, HEIGHT, FOCAL = 1920, 1080, 2592.0
 COLUMNS, ROWS, SQUARE = 9, 6, 0.03
 SENSOR = [36.0, 20.25]
-ANGLES, SHIFT = [12.0, -8.0, 5.0], [0.1, -0.05, 0.02]
+FOLDER = "/home/set/stage-2/"
+CONTRADICTS = "fits the trackers of photos/img_001.jpg"
+REASONS = {"boardNotFound": "board not found", "notLoaded": "missing or not an image"}
+ANGLES, TRANSLATION = [12.0, -8.0, 5.0], [0.1, -0.05, 0.02]
 CORNERS = [(c * SQUARE, r * SQUARE, 0.0) for r in range(ROWS) for c in range(COLUMNS)]
 
 
@@ -50,14 +53,14 @@ def moved(x, y, z):
     return about(0, 0)[0], [x, y, z]
 
 
-def mounting(angles, shift):
-    turn = product(product(about(0, angles[0]), about(1, angles[1])), about(2, angles[2]))
-    return turn[0], list(shift)
+def mounting(angles, translation):
+    rotation = product(product(about(0, angles[0]), about(1, angles[1])), about(2, angles[2]))
+    return rotation[0], list(translation)
 
 
-def small(turn, shift):
-    """Turns in degrees about the axes, and a shift."""
-    return product(moved(*shift), mounting(turn, [0, 0, 0]))
+def small(angles, translation):
+    """Rotations in degrees about the axes, and a translation."""
+    return product(moved(*translation), mounting(angles, [0, 0, 0]))
 
 
 def flat(a):
@@ -67,6 +70,24 @@ def flat(a):
 def angle_between(a, b):
     trace = sum(a[0][i][k] * b[0][i][k] for i in range(3) for k in range(3))
     return math.degrees(math.acos(max(-1.0, min(1.0, (trace - 1) / 2))))
+
+
+def rotation_vector(a):
+    """Axis times angle, degrees."""
+    double_sine = [a[0][2][1] - a[0][1][2], a[0][0][2] - a[0][2][0], a[0][1][0] - a[0][0][1]]
+    sine, cosine = math.hypot(*double_sine) / 2, (a[0][0][0] + a[0][1][1] + a[0][2][2] - 1) / 2
+    scale = math.degrees(math.atan2(sine, cosine)) / (2 * sine) if sine else 0.0
+    return [scale * n for n in double_sine]
+
+
+def comparison(other, found, rotation, errors, t95):
+    """`other` against `found`, with `rotation` from one to the other; as in the result file."""
+    axes = lambda i, a, b, difference, error: {"axis": "xyz"[i], "other": a, "found": b, "difference": difference,
+                                               "half": t95 * error}
+    mm = [[1000 * n for n in transform[1]] for transform in (other, found)]
+    return {"translation": [axes(i, mm[0][i], mm[1][i], mm[0][i] - mm[1][i], errors["translationMm"][i]) for i in range(3)],
+            "rotation": [axes(i, None, None, rotation_vector(rotation)[i], errors["rotationDegrees"][i]) for i in range(3)],
+            "isCompared": True}
 
 
 def distance_between(a, b):
@@ -102,31 +123,32 @@ def view(rng, index):
                       distanceMetres=distance)
 
 
-def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), name="img_{:03}.jpg"):
+def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), name="img_{:03}.jpg", left_out=()):
     rng = random.Random(seed)
     gauss3 = lambda spread: [rng.gauss(0, spread) for _ in range(3)]
     truth_x = small([1.5, -2.0, 88.0], [0.052, -0.081, -0.037])
-    truth_y = mounting(ANGLES, SHIFT)
+    truth_y = mounting(ANGLES, TRANSLATION)
     error_mm = 2.2 * noise_mm / math.sqrt(count) + 0.002
     error_deg = 1.6 * noise_deg / math.sqrt(count) + 0.0005
     found_x = product(small(gauss3(error_deg / 2), [n / 1000 for n in gauss3(error_mm / 2)]), truth_x)
     found_y = product(truth_y, small(gauss3(error_deg / 2), [n / 1000 for n in gauss3(error_mm / 2)]))
-    stated_angles, stated_shift = stated or (ANGLES, SHIFT)
-    stated_y = mounting(stated_angles, stated_shift)
+    stated_angles, stated_translation = stated or (ANGLES, TRANSLATION)
+    stated_y = mounting(stated_angles, stated_translation)
     # Most of what the stated mounting is off by goes into the result.
     library_x = product(small(gauss3(error_deg / 2), [n / 1000 for n in gauss3(error_mm / 2)]), truth_x)
     if stated:
         library_x = product(small([0.8 * n for n in (0.55, -0.5, 0.4)], [0.0118, -0.0109, 0.0072]), truth_x)
 
-    names, lost_names = [], []
-    for index in range(count):
-        (lost_names if index in lost else names).append("photos/" + name.format(index))
-    per, dropped = [], []
-    for index in range(count):
+    names = ["photos/" + name.format(index) for index in range(count)]
+    photographs = []
+    for index, path in enumerate(names):
+        photographs.append({
+            "row": index + 2, "name": path, "path": FOLDER + path, "state": "used", "reason": None,
+            "libraryErrorPixels": None, "reprojectedImage": None, "crossCheck": None})
         pose, angles = view(rng, index)
-        path = "photos/" + name.format(index)
-        if index in lost:
-            dropped.append({"photograph": path, "reason": lost[index]})
+        if index in lost or index in left_out:
+            photographs[-1]["state"] = "leftOutByCrossCheck" if index in left_out else lost[index]
+            photographs[-1]["reason"] = CONTRADICTS if index in left_out else REASONS[lost[index]]
             continue
         tracker = product(product(inverse(truth_x), pose), inverse(truth_y))
         tracker = product(tracker, small(gauss3(1.4 * noise_deg), [n / 1000 for n in gauss3(1.4 * noise_mm)]))
@@ -138,16 +160,20 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
         predicted = [project(predicted_pose, c) for c in CORNERS]
         pixels = sum(math.dist(a, b) for a, b in zip(corners, predicted)) / len(corners)
         used = index not in outliers
-        per.append({
-            "photograph": path, "used": used, "mm": distance_between(pose, predicted_pose),
+        photographs[-1]["crossCheck"] = {
+            "used": used, "mm": distance_between(pose, predicted_pose),
             "degrees": angle_between(pose, predicted_pose), "predictedPixels": pixels,
-            "why": None if used else "fits the trackers of " + names[(index + 1) % len(names)],
             "transformCamChart": flat(pose), "transformTcTr": flat(tracker), "corners": corners,
-            "predicted": predicted, **angles})
+            "predicted": predicted, **angles}
+        photographs[-1]["libraryErrorPixels"] = 1.02 * pixels
+        if not used:
+            photographs[-1]["reason"] = CONTRADICTS
         if not used or (noise_mm and rng.random() < 0.35):
-            dropped.append({"photograph": path, "reason": "outlier"})
-    gone = {d["photograph"] for d in dropped}
-    kept = [p for p in per if p["used"]]
+            photographs[-1]["state"] = "leftOutByFilter"
+        else:
+            photographs[-1]["reprojectedImage"] = FOLDER + "logs/run/Reproject_" + path
+    checks = [p["crossCheck"] for p in photographs if p["crossCheck"]]
+    kept = [c for c in checks if c["used"]]
     off_mm, off_deg = distance_between(library_x, found_x), angle_between(library_x, found_x)
     mount_mm, mount_deg = distance_between(stated_y, found_y), angle_between(stated_y, found_y)
 
@@ -161,7 +187,12 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
     diagonal = lambda a, b: [[(a if i < 3 else b) ** 2 * (i == j) for j in range(6)] for i in range(6)]
     covariance = diagonal(math.radians(error_deg), error_mm / 1000)
     certain = 1e-12 if stated else 0.42
-    log = "logs/run/log_2026-11-21-14.05.09.txt"
+    log = FOLDER + "logs/run/log_2026-11-21-14.05.09.txt"
+    t95 = 1.98
+    errors_x = {"translationMm": [error_mm, 1.1 * error_mm, 0.8 * error_mm],
+                "rotationDegrees": [error_deg, 0.9 * error_deg, 1.2 * error_deg]}
+    errors_y = {"translationMm": [1.2 * error_mm, error_mm, 1.4 * error_mm],
+                "rotationDegrees": [error_deg, 1.1 * error_deg, 0.8 * error_deg]}
     return {
         "code": 0, "message": "No error", "imageSize": [WIDTH, HEIGHT],
         "normFocal": [FOCAL / WIDTH, FOCAL / HEIGHT],
@@ -172,44 +203,46 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
         "focalLengthMm": [FOCAL / WIDTH * SENSOR[0]], "lensErrorPixels": 0.0714,
         "reprojectionErrorPixels": sum(p["predictedPixels"] for p in kept) / len(kept),
         "translationSpreadMetres": noise_mm * 1.3 / 1000 + 1e-5,
-        "used": [n for n in names if n not in gone], "dropped": dropped, "exports": exports(library_x),
-        "log": log, "images": ["logs/run/Reproject_" + n for n in names if n not in gone],
+        "limits": {"lensErrorPixels": {"doubt": None, "failure": 1.5},
+                   "reprojectionErrorPixels": {"doubt": 12.0, "failure": 18.0},
+                   "translationSpreadMetres": {"doubt": 0.01, "failure": 0.015}},
+        "photographs": photographs, "exports": exports(library_x), "log": log,
         "versions": {"library": "1.2.3", "program": "1.2.3"},
-        "verdict": {"level": "good", "words": f"Success: the calibration is good, from {len(kept)} photographs.",
-                    "advice": "Hand the lens and Transform_Cam_Tc to the host.",
+        "verdict": {"level": "good", "message": f"Success: the calibration is good, from {len(kept)} photographs.",
+                    "advice": "Use the lens and Transform_Cam_Tc.",
                     "commands": ["trackedcam export ue5 --result shoot/result.json"]},
         "findings": [],
-        "inputs": {"data": "shoot/data.csv", "workingFolder": "/home/set/stage-2", "logFolder": "shoot/logs",
+        "inputs": {"data": "shoot/data.csv", "workingFolder": FOLDER, "logFolder": FOLDER + "logs",
                    "sensorMm": SENSOR, "board": [COLUMNS, ROWS], "squareMetres": SQUARE,
-                   "chartRotationDegrees": stated_angles, "chartTranslationMetres": stated_shift,
+                   "chartRotationDegrees": stated_angles, "chartTranslationMetres": stated_translation,
                    "invertTrackerQuaternions": False, "expectedRecords": 1000000},
         "time": "2026-11-21 14:05:09", "firstRun": None,
         "crossCheck": {
-            "photographs": len(per), "used": len(kept), "transformCamTc": flat(found_x),
+            "photographs": len(checks), "used": len(kept), "transformCamTc": flat(found_x),
             "transformTrChart": flat(found_y), "covarianceCamTcTwist": covariance,
             "covarianceTrChartTwist": covariance,
-            "standardErrorCamTc": {"shiftMm": [error_mm, 1.1 * error_mm, 0.8 * error_mm],
-                                   "turnDegrees": [error_deg, 0.9 * error_deg, 1.2 * error_deg]},
-            "standardErrorTrChart": {"shiftMm": [1.2 * error_mm, error_mm, 1.4 * error_mm],
-                                     "turnDegrees": [error_deg, 1.1 * error_deg, 0.8 * error_deg]},
-            "t95": 1.98, "trackerNoise": {"degrees": noise_deg, "mm": noise_mm}, "trackerNoiseApart": True,
+            "standardErrorCamTc": errors_x, "standardErrorTrChart": errors_y,
+            "comparison": {
+                "camTc": comparison(library_x, found_x, product(library_x, inverse(found_x)), errors_x, t95),
+                "trChart": comparison(stated_y, found_y, product(inverse(found_y), stated_y), errors_y, t95)},
+            "t95": t95, "trackerNoise": {"degrees": noise_deg, "mm": noise_mm}, "trackerNoiseApart": True,
             "cornerNoisePixels": 0.061,
             "lens": {"fx": 0.42, "fy": 0.43, "cx": 0.51, "cy": 0.47, "k1": 0.0011, "k2": 0.014},
             "mounting": {"rotationDegrees": [n + rng.gauss(0, error_deg / 2) for n in ANGLES],
                          "translationMetres": found_y[1]},
             "nominalMounting": {"offMm": mount_mm, "offDegrees": mount_deg, "p": certain,
-                                "pScaleFree": certain, "perhaps": None},
+                                "pScaleFree": certain, "likelyMistake": None},
             "library": {"offMm": off_mm, "offDegrees": off_deg, "p": certain},
             "diversity": {"amplification": 2.31, "weakestAxisInChart": [0.1, 0.2, 0.97]},
             "square": {"factor": 1.0004, "standardError": 0.0006, "p": 0.51}, "step": None,
             "halves": {"offMm": 0.6 * error_mm, "offDegrees": 0.5 * error_deg, "p": 0.61},
-            "onScreen": [on_screen(d) for d in (0.3, 0.5, 1, 2, 3, 5, 8, 12)], "perPhotograph": per,
+            "onScreen": [on_screen(d) for d in (0.3, 0.5, 1, 2, 3, 5, 8, 12)],
             "suggestedViews": [
                 {"tiltDegrees": 45, "tiltDirectionDegrees": 30, "rollDegrees": 90, "distanceMetres": 0.5,
-                 "gain": 1.41, "text": "Chart tilted 45 degrees to the upper right, turned by a quarter, near."},
+                 "gain": 1.41, "text": "Chart tilted 45 degrees to the upper right, rolled by 90 degrees, near."},
                 {"tiltDegrees": 45, "tiltDirectionDegrees": 210, "rollDegrees": -90, "distanceMetres": 0.5,
-                 "gain": 1.32, "text": "Chart tilted 45 degrees to the lower left, turned back by a quarter, near."}],
-            "photographsToHalve": 15, "findings": []},
+                 "gain": 1.32, "text": "Chart tilted 45 degrees to the lower left, rolled by -90 degrees, near."}],
+            "photographsToHalve": 15},
     }
 
 
@@ -239,37 +272,39 @@ def perfect():
 
 
 def noisy():
-    shoot = result(2, 40, 0.3, 0.05, lost={17: "board not found"})
-    shoot["photographs"] = [f"photos/img_{i:03}.jpg" for i in range(40)]
-    shoot["findings"] = [{"id": "trackersNoisy", "severity": "note",
+    """One photograph does not show the board, and the reprojected image of another one is missing."""
+    shoot = result(2, 40, 0.3, 0.05, lost={17: "boardNotFound"})
+    next(p for p in shoot["photographs"] if p["reprojectedImage"])["reprojectedImage"] = None
+    shoot["findings"] = [{"id": "trackersNoisy", "severity": "note", "advice": "",
                           "text": "The trackers are quiet: 0.30 mm and 0.05 degrees.", "mm": 0.3, "degrees": 0.05}]
     return shoot
 
 
 def mounting_off():
-    angles, shift = [12.7, -7.4, 5.4], [0.118, -0.066, 0.032]
-    shoot = result(3, 40, 0.3, 0.05, stated=(angles, shift), outliers={29}, lost={4: "missing or not an image"})
+    stated = [12.7, -7.4, 5.4], [0.118, -0.066, 0.032]
+    shoot = result(3, 40, 0.3, 0.05, stated=stated, outliers={29}, lost={4: "notLoaded"})
     library = shoot["crossCheck"]["library"]
     off = shoot["crossCheck"]["nominalMounting"]
-    off["perhaps"] = "board turned"
+    off["likelyMistake"] = "boardTurned"
     text = (f"The stated mounting is off by {off['offMm']:.1f} mm and {off['offDegrees']:.2f} degrees, so the result "
             f"by {library['offMm']:.1f} mm and {library['offDegrees']:.2f} degrees.")
-    shoot["verdict"] = {"level": "wrong", "words": "The result is wrong: the stated mounting is off.",
+    shoot["verdict"] = {"level": "wrong", "message": "The result is wrong: the stated mounting is off.",
                         "advice": "Calibrate again with the mounting that the photographs show.",
                         "commands": ["trackedcam calibrate --config shoot/shoot.toml --refine-mounting"]}
-    bad = shoot["crossCheck"]["perPhotograph"][28]
+    bad = shoot["photographs"][29]
     shoot["findings"] = [
-        {"id": "mountingOff", "severity": "error", "text": text, "offMm": off["offMm"]},
-        {"id": "badPhotographs", "severity": "warning",
-         "text": f"1 photograph does not agree: {bad['photograph']} ({bad['mm']:.0f} mm).",
-         "photographs": [bad["photograph"]]}]
+        {"id": "mountingOff", "severity": "error", "text": text, "offMm": off["offMm"],
+         "advice": "Calibrate again with the mounting that was found."},
+        {"id": "badPhotographs", "severity": "warning", "advice": "Calibrate again without it.",
+         "text": f"1 photograph does not agree: {bad['name']} ({bad['crossCheck']['mm']:.0f} mm).",
+         "photographs": [bad["name"]]}]
     return shoot
 
 
 def refined():
-    shoot, first = result(3, 40, 0.3, 0.05, outliers={29}), mounting_off()
+    shoot, first = result(3, 40, 0.3, 0.05, lost={4: "notLoaded"}, left_out={29}), mounting_off()
     keys = ["code", "transformCamTc", "lensErrorPixels", "reprojectionErrorPixels", "translationSpreadMetres",
-            "used", "dropped", "log", "inputs", "crossCheck", "verdict", "findings"]
+            "photographs", "log", "inputs", "crossCheck", "verdict", "findings"]
     shoot["firstRun"] = {key: first[key] for key in keys}
     return shoot
 
@@ -278,40 +313,41 @@ def outliers():
     bad = {3, 8, 9, 15, 22, 23, 31, 38}
     shoot = result(4, 40, 0.3, 0.05, outliers=bad)
     for index in range(24, 40):
-        photograph = shoot["crossCheck"]["perPhotograph"][index]
-        if photograph["used"]:
-            photograph["mm"] += 1.1
+        check = shoot["photographs"][index]["crossCheck"]
+        if check["used"]:
+            check["mm"] += 1.1
     shoot["code"], shoot["message"] = 99, "Recalibration is recommended."
     shoot["crossCheck"]["step"] = {"tracker": "chart", "before": 24, "photograph": "photos/img_024.jpg",
                                    "mm": 1.2, "degrees": 0.11, "gain": 55.0}
-    shoot["verdict"] = {"level": "doubt", "words": "Usable, but 8 of 40 photographs do not agree.",
+    shoot["verdict"] = {"level": "doubt", "message": "Usable, but 8 of 40 photographs do not agree.",
                         "advice": "Leave the bad photographs out and calibrate again.",
                         "commands": ["trackedcam calibrate --config shoot/shoot.toml --refine-mounting"]}
     names = [f"photos/img_{i:03}.jpg" for i in sorted(bad)]
     shoot["findings"] = [
         {"id": "badPhotographs", "severity": "warning",
-         "text": "8 photographs do not agree with the others: " + ", ".join(names) + ".", "photographs": names},
-        {"id": "trackerMoved", "severity": "warning",
-         "text": "The tracker on the chart moved for good before photos/img_024.jpg, by 1.2 mm and 0.11 degrees."}]
+         "text": "8 photographs do not agree with the others: " + ", ".join(names) + ".", "advice": "", "photographs": names},
+        {"id": "trackerMoved", "severity": "warning", "advice": "Fix the tracker and shoot again.",
+         "text": "The tracker on the chart moved before photos/img_024.jpg, by 1.2 mm and 0.11 degrees."}]
     return shoot
 
 
 def failed():
-    names = [f"photos/img_{i:03}.jpg" for i in range(16)]
-    reasons = ["board not found" if i % 5 else "missing or not an image" for i in range(16)]
+    shoot = result(5, 16, 0, 0)
+    for index, photograph in enumerate(shoot["photographs"]):
+        state = "notUsed" if index % 2 else "boardNotFound" if index % 5 else "notLoaded"
+        photograph.update(state=state, reason=REASONS.get(state), libraryErrorPixels=None, reprojectedImage=None,
+                          crossCheck=None)
     return {
         "code": 4, "message": "Amount of valid images < 12.", "imageSize": [], "normFocal": [], "normCenter": [],
         "distortion": [], "transformCamTc": [], "fieldOfView": [], "focalLengthMm": [], "lensErrorPixels": None,
-        "reprojectionErrorPixels": None, "translationSpreadMetres": None,
-        "used": [n for i, n in enumerate(names) if i % 2], "exports": {}, "images": [],
-        "dropped": [{"photograph": n, "reason": r} for i, (n, r) in enumerate(zip(names, reasons)) if i % 2 == 0],
-        "log": "logs/run/log_2026-11-21-14.05.09.txt", "versions": {"library": "1.2.3", "program": "1.2.3"},
-        "photographs": names,
-        "verdict": {"level": "failed", "words": "Fewer than 12 photographs can be used.",
+        "reprojectionErrorPixels": None, "translationSpreadMetres": None, "photographs": shoot["photographs"],
+        "exports": {}, "log": shoot["log"], "versions": shoot["versions"],
+        "verdict": {"level": "failed", "message": "Fewer than 12 photographs can be used.",
                     "advice": "Photograph the whole chart, sharp and evenly lit, at least 12 times, and check --board.",
                     "commands": []},
-        "findings": [{"id": "fewUsed", "severity": "error", "text": "Only 8 of 16 photographs show the board."}],
-        "inputs": {**result(1, 1, 0, 0)["inputs"], "chartRotationDegrees": None, "chartTranslationMetres": None},
+        "findings": [{"id": "fewUsed", "severity": "error", "advice": "",
+                      "text": "Only 8 of 16 photographs show the board."}],
+        "inputs": {**shoot["inputs"], "chartRotationDegrees": None, "chartTranslationMetres": None},
         "time": "2026-11-21 14:05:09", "firstRun": None, "crossCheck": None}
 
 
@@ -326,23 +362,20 @@ HOSTILE = ["<script>alert(1)</script>.png", "</script><img src=x onerror=alert(2
 
 def hostile():
     shoot = result(7, len(HOSTILE), 0.3, 0.05, outliers={2})
-    rename = {f"photos/img_{i:03}.jpg": name for i, name in enumerate(HOSTILE)}
-    for photograph in shoot["crossCheck"]["perPhotograph"]:
-        photograph["photograph"] = rename[photograph["photograph"]]
-        if photograph["why"]:
-            photograph["why"] = "fits the trackers of " + HOSTILE[0]
-    shoot["used"] = [rename[n] for n in shoot["used"]]
-    for photograph in shoot["dropped"]:
-        photograph["photograph"] = rename[photograph["photograph"]]
-    shoot["images"] = ["logs/Reproject_" + n for n in shoot["used"]]
+    for photograph, name in zip(shoot["photographs"], HOSTILE):
+        photograph["name"], photograph["path"] = name, FOLDER + name
+        if photograph["reprojectedImage"]:
+            photograph["reprojectedImage"] = FOLDER + "logs/Reproject_" + name
+        if photograph["reason"]:
+            photograph["reason"] = "fits the trackers of " + HOSTILE[0]
     for key in ["data", "workingFolder", "logFolder"]:
         shoot["inputs"][key] = HOSTILE[1]
     shoot["log"] = "javascript:alert(5)//</script>"
     shoot["message"] = HOSTILE[0]
-    shoot["verdict"]["words"] = "Success </script><script>alert(6)</script>"
+    shoot["verdict"]["message"] = "Success </script><script>alert(6)</script>"
     shoot["verdict"]["commands"] = ["trackedcam calibrate --data \"" + HOSTILE[1] + "\""]
     shoot["findings"] = [{"id": "<b>", "severity": "\"><script>alert(7)</script>", "text": HOSTILE[0],
-                          "photographs": HOSTILE}]
+                          "advice": HOSTILE[1], "photographs": HOSTILE}]
     shoot["exports"]["engine-a"]["title"] = HOSTILE[0]
     shoot["versions"] = {"library": HOSTILE[0], "program": HOSTILE[1]}
     shoot["time"] = "</time><script>alert(8)</script>"
@@ -353,7 +386,7 @@ SHOOTS = {f.__name__.replace("_", "-"): f
           for f in [perfect, noisy, mounting_off, refined, outliers, failed, hundred, hostile]}
 
 
-# Small pictures: the board as it is seen, grey.
+# Small images: the board as it is seen, grey.
 
 def grey_png(width, height, rows):
     chunk = lambda kind, data: (struct.pack(">I", len(data)) + kind + data
@@ -362,7 +395,7 @@ def grey_png(width, height, rows):
             + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + row for row in rows), 6)) + chunk(b"IEND", b""))
 
 
-def picture(pose, width=240, height=135):
+def image(pose, width=240, height=135):
     if pose is None:
         return grey_png(width, height, [bytes(90 + (x + y) * 60 // (width + height) for x in range(width)) for y in range(height)])
     r, t = (pose[0:3], pose[4:7], pose[8:11]), (pose[3], pose[7], pose[11])
@@ -395,17 +428,10 @@ def main(folder):
     for name, make in SHOOTS.items():
         shoot = make()
         (folder / f"{name}.json").write_text(json.dumps(shoot, indent=2, ensure_ascii=False), encoding="utf-8")
-        pictures = folder / f"{name}.thumbnails"
-        pictures.mkdir(exist_ok=True)
-        poses = {p["photograph"]: p["transformCamChart"] for p in (shoot["crossCheck"] or {"perPhotograph": []})["perPhotograph"]}
-        photographs = [*poses, *(d["photograph"] for d in shoot["dropped"] if d["photograph"] not in poses),
-                       *(n for n in shoot["used"] if n not in poses)]
-        # A list beside the pictures: not every name of a photograph can be the name of a file.
-        listed = {}
-        for index, photograph in enumerate(photographs):
-            listed[photograph] = f"{index}.png"
-            (pictures / f"{index}.png").write_bytes(picture(poses.get(photograph)))
-        (pictures / "names.json").write_text(json.dumps(listed), encoding="utf-8")
+        thumbnails = folder / f"{name}.thumbnails"
+        thumbnails.mkdir(exist_ok=True)
+        for place, photograph in enumerate(shoot["photographs"]):
+            (thumbnails / f"{place}.png").write_bytes(image((photograph["crossCheck"] or {}).get("transformCamChart")))
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
 // Writes the page of a result file: report_page RESULT THUMBNAILS OUT
 //
-// THUMBNAILS is a folder with names.json, which says which file is of which photograph.
+// THUMBNAILS is a folder with 0.png, 1.png and so on: one for each entry of `photographs`.
 
 #include <filesystem>
 #include <fstream>
@@ -23,11 +23,13 @@ std::string Bytes(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::vector<trackedcam::report::Thumbnail> Thumbnails(const fs::path& folder) {
+std::vector<trackedcam::report::Thumbnail> Thumbnails(const std::string& result,
+                                                      const fs::path& folder) {
   std::vector<trackedcam::report::Thumbnail> thumbnails;
-  const auto names = nlohmann::json::parse(Bytes(folder / "names.json"));
-  for (const auto& [photograph, file] : names.items()) {
-    thumbnails.push_back({photograph, Bytes(folder / file.get<std::string>())});
+  const auto json = nlohmann::json::parse(result);
+  for (const auto& photograph : json.at("photographs")) {
+    const std::string file = std::to_string(thumbnails.size()) + ".png";
+    thumbnails.push_back({Bytes(folder / file), !photograph.at("reprojectedImage").is_null()});
   }
   return thumbnails;
 }
@@ -39,9 +41,10 @@ int main(int argc, char** argv) {
     if (argc != 4) {
       throw std::runtime_error("usage: report_page RESULT THUMBNAILS OUT");
     }
+    const std::string result = Bytes(argv[1]);
     const fs::path out = argv[3];
     std::ofstream(out, std::ios::binary)
-        << trackedcam::report::Page(Bytes(argv[1]), Thumbnails(argv[2]), out.parent_path());
+        << trackedcam::report::Page(result, Thumbnails(result, argv[2]), out.parent_path());
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "report_page: " << error.what() << '\n';

@@ -1,0 +1,85 @@
+#include "report/photograph_view.h"
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "report/html.h"
+#include "report/result_values.h"
+
+namespace trackedcam::report {
+namespace {
+
+using Json = nlohmann::ordered_json;
+namespace fs = std::filesystem;
+
+std::string StateOf(const Json& photograph) {
+  const std::string state = TextAt(photograph, "/state");
+  if (state == "leftOutByCrossCheck") {
+    return "out";
+  }
+  if (ValueAt(photograph, "/crossCheck/used") == false) {
+    return "apart";
+  }
+  if (state == "used") {
+    return "kept";
+  }
+  if (state == "leftOutByFilter") {
+    return "spare";
+  }
+  return state == "notReached" || state == "notUsed" ? "unused" : "missing";
+}
+
+std::string ImageLink(const Json& photograph, const fs::path& pageFolder) {
+  const std::string reprojected = TextAt(photograph, "/reprojectedImage");
+  const std::string path = reprojected.empty() ? TextAt(photograph, "/path") : reprojected;
+  try {
+    return path.empty() ? "" : FileLink(fs::u8path(path), pageFolder);
+  } catch (const std::exception&) {
+    return {};  // not every name is a path on every system
+  }
+}
+
+/// @param check What the cross-check says about the photograph.
+Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& thumbnail,
+                    const fs::path& pageFolder) {
+  const std::string name = TextAt(photograph, "/name");
+  const std::string state = StateOf(photograph);
+  const std::string type(ImageType(thumbnail.bytes));
+  return {{"row", Fixed(NumberAt(photograph, "/row"), 0)},
+          {"name", name},
+          {"shortName", ShortName(name)},
+          {"state", state},
+          {state, true},
+          {"reason", TextAt(photograph, "/reason")},
+          {"link", ImageLink(photograph, pageFolder)},
+          {"thumbnail", type.empty() ? "" : "data:" + type + ";base64," + Base64(thumbnail.bytes)},
+          {"isReprojected", !type.empty() && thumbnail.isReprojected},
+          {"isChecked", check.is_object()},
+          {"millimetres", Fixed(NumberAt(check, "/mm"), 2)},
+          {"degrees", Fixed(NumberAt(check, "/degrees"), 3)},
+          {"pixels", Fixed(NumberAt(check, "/predictedPixels"), 2)}};
+}
+
+}  // namespace
+
+Json PhotographViews(const Json& result, const std::vector<Thumbnail>& thumbnails,
+                     const fs::path& pageFolder) {
+  const Thumbnail none;
+  Json list = Json::array();
+  for (const Json& photograph : ValueAt(result, "/photographs")) {
+    const std::size_t place = list.size();
+    // A photograph that was left out of this run was checked in the first.
+    const Json& check =
+        TextAt(photograph, "/state") == "leftOutByCrossCheck"
+            ? ValueAt(result, At("/firstRun/photographs", place) + "/crossCheck")
+            : ValueAt(photograph, "/crossCheck");
+    list.push_back(PhotographView(photograph, check,
+                                  place < thumbnails.size() ? thumbnails[place] : none,
+                                  pageFolder));
+    list.back()["number"] = place + 1;
+  }
+  return list;
+}
+
+}  // namespace trackedcam::report
