@@ -1,6 +1,5 @@
-// What a host holds instead of an object: a number that is never given twice, in the shape of a
-// pointer. It is looked up and never followed, so that one that was freed, or that is none, is told
-// from one that lives.
+// What a host holds instead of an object: a number that is never used twice, in the form of a
+// pointer. It is looked up and never dereferenced, so that a freed or invalid handle is detected.
 
 #pragma once
 
@@ -14,11 +13,11 @@
 
 namespace trackedcam::c {
 
-/// One series for all kinds, so that no handle of one kind is one of another.
+/// One series for all kinds, so that a handle of another kind is detected too.
 inline std::uintptr_t NextHandle() {
   static std::atomic<std::uintptr_t> last{0};
-  constexpr std::uintptr_t kApart = 16;  // as the allocator's pointers are
-  return last += kApart;
+  constexpr std::uintptr_t kStep = 16;  // the alignment of pointers from an allocator
+  return last += kStep;
 }
 
 template <class Handle, class Object>
@@ -30,23 +29,23 @@ class Handles {
     const std::lock_guard<std::mutex> lock(mutex_);
     const std::uintptr_t number = NextHandle();
     objects_.emplace(number, std::move(object));
-    return reinterpret_cast<Handle*>(number);  // NOLINT(performance-no-int-to-ptr): never followed
+    return reinterpret_cast<Handle*>(number);  // NOLINT(performance-no-int-to-ptr): never read
   }
 
-  /// The object lives on while the caller has it, also when another thread frees the handle.
+  /// The object stays valid while the caller has it, even if another thread frees the handle.
   /// @throws Refusal
   std::shared_ptr<Object> Get(const Handle* handle) {
     const std::lock_guard<std::mutex> lock(mutex_);
     return Find(handle)->second;
   }
 
-  /// NULL is freed by doing nothing.
+  /// Does nothing for NULL.
   /// @throws Refusal
   void Free(const Handle* handle) {
     if (handle == nullptr) {
       return;
     }
-    std::shared_ptr<Object> object;  // goes when the lock has gone
+    std::shared_ptr<Object> object;  // destroyed after the lock
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto found = Find(handle);
     object = std::move(found->second);
@@ -61,7 +60,7 @@ class Handles {
     const auto found = objects_.find(reinterpret_cast<std::uintptr_t>(handle));
     if (found == objects_.end()) {
       throw Refusal(TRACKEDCAM_INVALID_ARGUMENT,
-                    std::string(name_) + " is no handle of that kind, or was freed before.");
+                    std::string(name_) + " is not a valid handle, or is already freed.");
     }
     return found;
   }

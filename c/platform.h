@@ -1,16 +1,15 @@
-// Everything of the C interface that differs between operating systems.
+// The parts of the C interface that differ between operating systems.
 
 #pragma once
 
 namespace trackedcam::c {
 
-/// Keeps the library in memory until the process ends, whoever unloads it: its code is what a run
-/// in the background executes.
+/// Keeps the library in memory until the process ends, even if the host unloads it: runs in the
+/// background execute its code.
 void StayLoaded();
 
-/// Whether threads still run when the library's static objects are destroyed. Where they do, the
-/// end of the process must wait for them; where the system has ended them before, it would wait for
-/// ever.
+/// Whether threads still run while static objects are destroyed at the end of the process. If so,
+/// the end must wait for them. If the system has already stopped them, it must not.
 extern const bool kThreadsOutliveExit;
 
 }  // namespace trackedcam::c

@@ -17,11 +17,16 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-[[noreturn]] void Miss(const std::string& what) {
-  throw Refusal(TRACKEDCAM_NOT_THERE, what);
+static_assert(TRACKEDCAM_GOOD == static_cast<int>(host::Level::kGood) &&
+              TRACKEDCAM_DOUBT == static_cast<int>(host::Level::kDoubtful) &&
+              TRACKEDCAM_WRONG == static_cast<int>(host::Level::kWrong) &&
+              TRACKEDCAM_FAILED == static_cast<int>(host::Level::kFailed));
+
+[[noreturn]] void ThrowNotFound(const std::string& message) {
+  throw Refusal(TRACKEDCAM_NOT_FOUND, message);
 }
 
-// False where there is anything but numbers and what could not be found out.
+// False if there is anything but numbers and null.
 bool AddNumbers(const Json& json, std::vector<double>& numbers) {
   if (json.is_array()) {
     return std::all_of(json.begin(), json.end(),
@@ -32,6 +37,15 @@ bool AddNumbers(const Json& json, std::vector<double>& numbers) {
   }
   numbers.push_back(json.is_null() ? std::numeric_limits<double>::quiet_NaN() : json.get<double>());
   return true;
+}
+
+// The library leaves a list empty if the run ended before it.
+std::vector<double> ListOf(const Report& report, const char* pointer, std::size_t count) {
+  std::vector<double> numbers = report.Numbers(pointer);
+  if (numbers.size() != count) {
+    ThrowNotFound(std::string("The library found no ") + (pointer + 1) + '.');
+  }
+  return numbers;
 }
 
 const host::Engine& EngineNamed(const std::string& name) {
@@ -47,12 +61,26 @@ const host::Engine& EngineNamed(const std::string& name) {
 
 void RequireAxes(const host::Engine& engine, const std::string& parentAxes) {
   if (!parentAxes.empty() && !engine.takesParentAxes) {
-    throw host::InputError("the figures of " + std::string(engine.name) +
-                           " have axes of their own; parent axes are for unreal and unity");
+    throw host::InputError("parent axes are for unreal and unity, not for " +
+                           std::string(engine.name));
   }
 }
 
+fs::path PathOf(const char* text, const char* name) {
+  return fs::absolute(fs::u8path(RequireText(text, name)));
+}
+
+// Empty for NULL.
+fs::path OptionalPath(const char* text, const char* name) {
+  return text == nullptr ? fs::path() : PathOf(text, name);
+}
+
 }  // namespace
+
+Handles<trackedcam_report, Report>& Reports() {
+  static auto* const reports = new Handles<trackedcam_report, Report>("report");
+  return *reports;
+}
 
 Report::Report(host::Report report, bool isCalibration, bool isSilent)
     : level_(report.verdict.level),
@@ -61,24 +89,12 @@ Report::Report(host::Report report, bool isCalibration, bool isSilent)
       report_(std::move(report)),
       result_(host::ResultJson(report_)) {}
 
-// Under the lock, and without a copy: the destructor of a copy asks for memory, and would end the
-// process where there is none.
-const Json& Report::At(const std::string& pointer) const {
-  try {
-    return result_.at(Json::json_pointer(pointer));
-  } catch (const Json::parse_error&) {
-    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, pointer + " is no JSON pointer.");
-  } catch (const Json::exception&) {
-    Miss("The report has no " + pointer + '.');
-  }
-}
-
 std::vector<double> Report::Numbers(const std::string& pointer) const {
   const std::lock_guard<std::mutex> lock(mutex_);
   std::vector<double> numbers;
   const Json& place = At(pointer);
   if (place.is_null() || !AddNumbers(place, numbers)) {
-    Miss("The report has no numbers at " + pointer + '.');
+    ThrowNotFound("The report has no numbers at " + pointer + '.');
   }
   return numbers;
 }
@@ -87,7 +103,7 @@ const char* Report::Text(const std::string& pointer) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const Json& place = At(pointer);
   if (!place.is_string()) {
-    Miss("The report has no text at " + pointer + '.');
+    ThrowNotFound("The report has no text at " + pointer + '.');
   }
   return Keep(place.get_ref<const std::string&>());
 }
@@ -96,7 +112,7 @@ std::size_t Report::Count(const std::string& pointer) const {
   const std::lock_guard<std::mutex> lock(mutex_);
   const Json& place = At(pointer);
   if (!place.is_structured()) {
-    Miss("The report has no list at " + pointer + '.');
+    ThrowNotFound("The report has no list at " + pointer + '.');
   }
   return place.size();
 }
@@ -111,37 +127,12 @@ std::string Report::JsonText() const {
   return host::JsonText(result_);
 }
 
-// Under the lock.
-const char* Report::Keep(const std::string& text) {
-  return texts_.insert(text).first->c_str();
-}
-
-void Report::RequireHandOver() const {
-  if (!isCalibration_) {
-    Miss("What a log tells is too coarse for an engine: hand over the result of the calibration.");
-  }
-  if (level_ == host::Level::kFailed) {
-    Miss("The calibration failed: there is nothing to hand to an engine.");
-  }
-}
-
-host::EngineExport Report::RunExport(const host::Engine& engine,
-                                     const std::string& parentAxes) const {
-  RequireHandOver();
-  std::optional<host::SilencedStdout> silenced;
-  if (isSilent_ && !engine.takesParentAxes) {
-    silenced.emplace();
-  }
-  return host::ExportToEngine(engine, {report_.run.outputs, report_.inputs.sensorMm, parentAxes},
-                              report_.run.folder / engine.name);
-}
-
 const char* Report::Export(const std::string& engineName, const std::string& parentAxes) {
   const host::Engine& engine = EngineNamed(engineName);
   RequireAxes(engine, parentAxes);
   const std::lock_guard<std::mutex> lock(mutex_);
   Json& exports = result_["exports"];
-  // The library writes one log for an engine, and would give the same figures again.
+  // The library writes one log for an engine. A second export would give the same values.
   if (engine.takesParentAxes || !exports.contains(engineName)) {
     exports[engineName] = host::EngineJson(RunExport(engine, parentAxes));
   }
@@ -151,7 +142,7 @@ const char* Report::Export(const std::string& engineName, const std::string& par
 const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {
   const auto engineExport = RunExport(EngineNamed("unreal"), parentAxes);
   if (!engineExport.figures.unreal) {
-    Miss(host::ProblemOf(engineExport));
+    ThrowNotFound(host::ProblemOf(engineExport));
   }
   const std::string text = host::LensFileText(*engineExport.figures.unreal, name);
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -170,37 +161,47 @@ std::string Report::PageText(const fs::path& folder) const {
                       folder.empty() ? report_.run.folder : folder);
 }
 
-Handles<trackedcam_report, Report>& Reports() {
-  static auto* const reports = new Handles<trackedcam_report, Report>("report");
-  return *reports;
+// Returns no copy: the destructor of a copy needs memory, and would end the process without it.
+const Json& Report::At(const std::string& pointer) const {
+  try {
+    return result_.at(Json::json_pointer(pointer));
+  } catch (const Json::parse_error&) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, pointer + " is not a JSON pointer.");
+  } catch (const Json::exception&) {
+    ThrowNotFound("The report has no " + pointer + '.');
+  }
+}
+
+const char* Report::Keep(const std::string& text) {
+  return texts_.insert(text).first->c_str();
+}
+
+host::EngineExport Report::RunExport(const host::Engine& engine,
+                                     const std::string& parentAxes) const {
+  RequireExportable();
+  std::optional<host::SilencedStdout> silenced;
+  if (isSilent_ && !engine.takesParentAxes) {
+    silenced.emplace();
+  }
+  return host::ExportToEngine(engine, {report_.run.outputs, report_.inputs.sensorMm, parentAxes},
+                              report_.run.folder / engine.name);
+}
+
+void Report::RequireExportable() const {
+  if (!isCalibration_) {
+    ThrowNotFound(
+        "The report of a log cannot be exported, because a log has too few decimals. Export the "
+        "report of the calibration.");
+  }
+  if (level_ == host::Level::kFailed) {
+    ThrowNotFound("The calibration failed: there is nothing to export.");
+  }
 }
 
 }  // namespace trackedcam::c
 
 using namespace trackedcam::c;
 namespace host = trackedcam::host;
-
-namespace {
-
-static_assert(TRACKEDCAM_GOOD == static_cast<int>(host::Level::kGood) &&
-              TRACKEDCAM_DOUBT == static_cast<int>(host::Level::kDoubtful) &&
-              TRACKEDCAM_WRONG == static_cast<int>(host::Level::kWrong) &&
-              TRACKEDCAM_FAILED == static_cast<int>(host::Level::kFailed));
-
-std::filesystem::path PathOf(const char* text, const char* name) {
-  return std::filesystem::absolute(std::filesystem::u8path(RequireText(text, name)));
-}
-
-// Where the library did not get so far there are none.
-std::vector<double> FiguresOf(const Report& report, const char* pointer, std::size_t count) {
-  std::vector<double> figures = report.Numbers(pointer);
-  if (figures.size() != count) {
-    throw Refusal(TRACKEDCAM_NOT_THERE, std::string("The library found no ") + (pointer + 1) + '.');
-  }
-  return figures;
-}
-
-}  // namespace
 
 trackedcam_status trackedcam_report_level(trackedcam_report* report, int32_t* level) {
   return Guarded([&] {
@@ -218,15 +219,15 @@ trackedcam_status trackedcam_report_code(trackedcam_report* report, int32_t* cod
   });
 }
 
-trackedcam_status trackedcam_report_verdict(trackedcam_report* report, const char** words,
+trackedcam_status trackedcam_report_verdict(trackedcam_report* report, const char** message,
                                             const char** advice) {
   return Guarded([&] {
     const auto read = Reports().Get(report);
-    RequirePointer(words, "words");
+    RequirePointer(message, "message");
     RequirePointer(advice, "advice");
-    const char* const readWords = read->Text("/verdict/words");
+    const char* const readMessage = read->Text("/verdict/message");
     *advice = read->Text("/verdict/advice");
-    *words = readWords;
+    *message = readMessage;
   });
 }
 
@@ -236,12 +237,12 @@ trackedcam_status trackedcam_report_lens(trackedcam_report* report, trackedcam_l
     const auto read = Reports().Get(report);
     RequirePointer(lens, "lens");
     RequireSize(lens_size, sizeof(trackedcam_lens), "lens");
-    const std::vector<double> size = FiguresOf(*read, "/imageSize", 2);
-    const std::vector<double> focal = FiguresOf(*read, "/normFocal", 2);
-    const std::vector<double> centre = FiguresOf(*read, "/normCenter", 2);
-    const std::vector<double> k = FiguresOf(*read, "/distortion", 5);
-    const std::vector<double> fov = FiguresOf(*read, "/fieldOfView", 2);
-    const std::vector<double> focalMm = FiguresOf(*read, "/focalLengthMm", 1);
+    const std::vector<double> size = ListOf(*read, "/imageSize", 2);
+    const std::vector<double> focal = ListOf(*read, "/normFocal", 2);
+    const std::vector<double> centre = ListOf(*read, "/normCenter", 2);
+    const std::vector<double> k = ListOf(*read, "/distortion", 5);
+    const std::vector<double> fov = ListOf(*read, "/fieldOfView", 2);
+    const std::vector<double> focalMm = ListOf(*read, "/focalLengthMm", 1);
     *lens = {size[0],
              size[1],
              focal[0] * size[0],
@@ -264,7 +265,7 @@ trackedcam_status trackedcam_report_transform_cam_tc(trackedcam_report* report,
   return Guarded([&] {
     const auto read = Reports().Get(report);
     RequirePointer(transform_cam_tc, "transform_cam_tc");
-    const std::vector<double> transform = FiguresOf(*read, "/transformCamTc", 16);
+    const std::vector<double> transform = ListOf(*read, "/transformCamTc", 16);
     std::copy(transform.begin(), transform.end(), transform_cam_tc);
   });
 }
@@ -290,7 +291,7 @@ trackedcam_status trackedcam_report_numbers(trackedcam_report* report, const cha
     *count = numbers.size();
     if (capacity < numbers.size()) {
       throw Refusal(TRACKEDCAM_TOO_SMALL, place + " has " + std::to_string(numbers.size()) +
-                                              " numbers, more than there is room for.");
+                                              " numbers, more than capacity.");
     }
     std::copy(numbers.begin(), numbers.end(), values);
   });
@@ -343,8 +344,7 @@ trackedcam_status trackedcam_report_page(trackedcam_report* report, const char* 
   return Guarded([&] {
     const auto read = Reports().Get(report);
     RequirePointer(html, "html");
-    *html = read->Page(page_folder == nullptr ? std::filesystem::path()
-                                              : PathOf(page_folder, "page_folder"));
+    *html = read->Page(OptionalPath(page_folder, "page_folder"));
   });
 }
 
@@ -352,11 +352,9 @@ trackedcam_status trackedcam_report_save(trackedcam_report* report, const char* 
                                          const char* page_file) {
   return Guarded([&] {
     const auto read = Reports().Get(report);
-    // Both are looked at before one is written.
-    const auto json =
-        json_file == nullptr ? std::filesystem::path() : PathOf(json_file, "json_file");
-    const auto page =
-        page_file == nullptr ? std::filesystem::path() : PathOf(page_file, "page_file");
+    // Both paths are checked before a file is written.
+    const std::filesystem::path json = OptionalPath(json_file, "json_file");
+    const std::filesystem::path page = OptionalPath(page_file, "page_file");
     if (!json.empty()) {
       host::WriteFile(json, read->JsonText());
     }

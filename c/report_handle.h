@@ -16,23 +16,23 @@ namespace trackedcam::c {
 
 class Report {
  public:
-  /// @param isCalibration False for the report of a log, which is handed to no engine.
-  /// @param isSilent Whether the exports turn standard output away.
+  /// @param isCalibration False for the report of a log, which cannot be exported.
+  /// @param isSilent Whether the exports discard standard output.
   Report(host::Report report, bool isCalibration, bool isSilent);
 
   host::Level Level() const { return level_; }
 
-  /// At full precision. What is null is not a number.
-  /// @throws Refusal where there is no such place or none with numbers.
+  /// At full precision; null becomes NaN.
+  /// @throws Refusal if there is no such place, or if it contains anything but numbers.
   std::vector<double> Numbers(const std::string& pointer) const;
 
-  /// @throws Refusal where there is no such place or no text.
+  /// @throws Refusal if there is no such place, or no text.
   const char* Text(const std::string& pointer);
 
-  /// @throws Refusal where there is no such place or neither list nor object.
+  /// @throws Refusal if there is no such place, or neither list nor object.
   std::size_t Count(const std::string& pointer) const;
 
-  /// The result file.
+  /// The text of the result file.
   const char* WholeText();
   std::string JsonText() const;
 
@@ -40,23 +40,25 @@ class Report {
   const char* Export(const std::string& engineName, const std::string& parentAxes);
   const char* LensFile(const std::string& parentAxes, const std::string& name);
 
-  /// @param folder Empty: that of the run.
+  /// @param folder That of the page; empty: that of the run.
   const char* Page(const std::filesystem::path& folder);
   std::string PageText(const std::filesystem::path& folder) const;
 
  private:
+  // To be called with the mutex held.
   const nlohmann::ordered_json& At(const std::string& pointer) const;
   const char* Keep(const std::string& text);
+
   host::EngineExport RunExport(const host::Engine& engine, const std::string& parentAxes) const;
-  void RequireHandOver() const;
+  void RequireExportable() const;
 
   const host::Level level_;
   const bool isCalibration_;
   const bool isSilent_;
   const host::Report report_;
-  mutable std::mutex mutex_;  // of what follows
+  mutable std::mutex mutex_;  // of the members below
   nlohmann::ordered_json result_;
-  std::set<std::string> texts_;  // that were handed out: each stays where it is
+  std::set<std::string> texts_;  // that hosts hold: the address of each stays valid
 };
 
 Handles<trackedcam_report, Report>& Reports();

@@ -1,7 +1,6 @@
 #include "c/run.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdlib>
@@ -19,68 +18,54 @@
 namespace trackedcam::c {
 namespace {
 
-// Never destroyed: threads use it until they end.
-struct Threads {
-  std::mutex mutex;
-  std::condition_variable ended;
-  int running = 0;
-};
-
-Threads& AllThreads() {
-  static auto* const threads = new Threads;
-  return *threads;
-}
-
-void WaitForAll() {
-  Threads& threads = AllThreads();
-  std::unique_lock<std::mutex> lock(threads.mutex);
-  threads.ended.wait(lock, [&] { return threads.running == 0; });
-}
-
-void Prepare() {
-  StayLoaded();
-  report::MakeCodecs();
-}
-
-// Counted from before the thread begins until its last step.
-class Counted {
+// Counts the runs that have not ended. Never destroyed: their threads use it to the end.
+class RunningRuns {
  public:
-  Counted() {
-    const std::lock_guard<std::mutex> lock(AllThreads().mutex);
-    ++AllThreads().running;
+  static RunningRuns& Get() {
+    static auto* const runs = new RunningRuns;
+    return *runs;
   }
-  ~Counted() {
-    const std::lock_guard<std::mutex> lock(AllThreads().mutex);
-    --AllThreads().running;
-    AllThreads().ended.notify_all();
+
+  void Add(int count) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    count_ += count;
+    changed_.notify_all();
   }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
+
+  void WaitForAll() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [this] { return count_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int count_ = 0;
 };
 
-/// To be called by the work from time to time. The end of a process waits for the work before it
-/// destroys what was made before the last of these calls; the libraries underneath make objects
-/// that they need when they first need them.
-void HoldWhatWasMade() {
-  constexpr int kMostTimes = 1000;  // by then all has been made
-  static std::atomic<int> times{0};
-  if (kThreadsOutliveExit && times < kMostTimes) {
-    ++times;
-    std::atexit(WaitForAll);
+// The end of the process must wait for runs before it destroys static objects that they use. It
+// calls the functions of atexit and the destructors of static objects in the reverse order of
+// registration and construction, so all that a run uses is made first.
+void PrepareProcess() {
+  StayLoaded();
+  report::PrepareImageLibrary();
+  if (kThreadsOutliveExit) {
+    std::atexit([] { RunningRuns::Get().WaitForAll(); });
   }
 }
 
-/// Does the work on a thread of its own, which nobody joins.
-/// @param work Must let no exception through.
-/// @throws std::system_error where the system gives no thread.
+/// Does the work on a separate, detached thread.
+/// @param work Must not throw.
+/// @throws std::system_error if the system cannot create a thread.
 void InBackground(std::function<void()> work) {
   static std::once_flag prepared;
-  std::call_once(prepared, Prepare);
-  HoldWhatWasMade();
-  auto counted = std::make_shared<Counted>();
-  std::thread([work = std::move(work), counted]() mutable {
+  std::call_once(prepared, PrepareProcess);
+  // Counted from before the thread starts until after `work` and what it holds are destroyed.
+  RunningRuns::Get().Add(1);
+  std::shared_ptr<void> counted(nullptr, [](void*) { RunningRuns::Get().Add(-1); });
+  std::thread([work = std::move(work), counted = std::move(counted)]() mutable {
     work();
-    work = nullptr;  // what it holds goes before the thread counts as ended
+    work = nullptr;
     counted.reset();
   }).detach();
 }
@@ -115,7 +100,6 @@ void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
 }
 
 void Run::Hear(const host::Progress& progress) {
-  HoldWhatWasMade();
   const std::lock_guard<std::mutex> lock(mutex_);
   progress_ = {};
   const std::size_t length = std::min(progress.stage.size(), sizeof(progress_.stage) - 1);
@@ -159,7 +143,7 @@ std::optional<trackedcam_progress> Run::WaitForProgress(unsigned& seen) const {
 std::shared_ptr<Report> Run::TheReport() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (!isDone_) {
-    throw Refusal(TRACKEDCAM_NOT_DONE, "The run is still going on.");
+    throw Refusal(TRACKEDCAM_NOT_DONE, "The run has not ended.");
   }
   if (status_ != TRACKEDCAM_OK) {
     throw Refusal(status_, message_.text.data());

@@ -1,4 +1,4 @@
-// A calibration on a thread of its own.
+// A calibration on a separate thread.
 
 #pragma once
 
@@ -15,7 +15,7 @@ namespace trackedcam::c {
 
 class Run {
  public:
-  /// The thread holds the run as well, so that it may be forgotten at any time.
+  /// The thread shares ownership of the run, so the caller may drop it at any time.
   static std::shared_ptr<Run> Start(const host::Inputs& inputs, bool isSilent);
 
   /// Whether it has ended.
@@ -25,12 +25,12 @@ class Run {
   /// @return Whether it has ended.
   bool Wait(std::int32_t timeoutMs) const;
 
-  /// Waits until it is further than it was, or has ended.
-  /// @param seen What the caller knows of; becomes what is known now.
-  /// @return Where it is; nothing when it has ended.
+  /// Waits for progress that the caller has not seen, or for the end.
+  /// @param[in,out] seen Number of the last step that the caller has seen.
+  /// @return Where it is; nothing if it has ended.
   std::optional<trackedcam_progress> WaitForProgress(unsigned& seen) const;
 
-  /// @throws Refusal before its end, and where it gave no report.
+  /// @throws Refusal before the end, or if there is no report.
   std::shared_ptr<Report> TheReport() const;
 
  private:
@@ -40,7 +40,7 @@ class Run {
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
   bool isDone_ = false;
-  unsigned steps_ = 0;  // that were heard of
+  unsigned steps_ = 0;  // of progress
   trackedcam_progress progress_ = {};
   trackedcam_status status_ = TRACKEDCAM_OK;
   Message message_ = {};

@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 void Shoot::Add(host::RecordedRow row) {
   if (!dataFile_.empty()) {
-    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "The shoot is that of a data file.");
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "Rows cannot be added to a shoot from a data file.");
   }
   host::RequireName(row.photograph);
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -48,18 +48,14 @@ host::TrackerPose PoseOf(const trackedcam_pose& pose) {
           quaternion[1], quaternion[2], quaternion[3]};
 }
 
-}  // namespace
-
-namespace {
-
 void RequireOneOf(std::int32_t number, std::int32_t last, const char* name) {
   if (number < 0 || number > last) {
     throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, std::string(name) + " is " + std::to_string(number) +
-                                                   ", which stands for nothing.");
+                                                   ", expected 0 to " + std::to_string(last) + '.');
   }
 }
 
-// Named as on the command line.
+// The tables are in the order of the enumerations of the header.
 host::TrackerFrame FrameOf(const trackedcam_settings& settings) {
   host::TrackerFrame frame;
   frame.axes = &host::kTrackerAxes.at(static_cast<std::size_t>(settings.tracker_axes));

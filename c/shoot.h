@@ -1,4 +1,4 @@
-// The rows of a shoot, wherever they are.
+// A shoot: a data file, or rows in memory.
 
 #pragma once
 
@@ -16,18 +16,18 @@ namespace trackedcam::c {
 
 class Shoot {
  public:
-  /// Without rows, to be added.
+  /// Without rows.
   Shoot() = default;
   /// Of a data file.
   explicit Shoot(std::filesystem::path dataFile) : dataFile_(std::move(dataFile)) {}
 
-  /// @throws Refusal for the shoot of a data file.
+  /// @throws Refusal if the shoot is a data file.
   void Add(host::RecordedRow row);
 
-  /// The data file; one that is written below the log folder where the rows are in memory.
+  /// The data file. Rows in memory are written to one below the log folder.
   std::filesystem::path DataFile(const std::filesystem::path& logFolder) const;
 
-  /// Where relative paths of photographs begin unless the host says otherwise.
+  /// Folder of relative paths of photographs, unless the host sets another.
   std::filesystem::path WorkingFolder() const;
 
  private:
@@ -39,13 +39,14 @@ class Shoot {
 Handles<trackedcam_shoot, Shoot>& Shoots();
 
 /// @throws Refusal for settings that trackedcam_settings_init did not fill, and for numbers that
-///         stand for nothing.
+/// are
+///         not one of those listed.
 void RequireSettings(const trackedcam_settings* settings);
 
-/// As the settings state it; nothing where they do not.
+/// Nothing if the settings state none.
 std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
 
-/// All paths absolute. The data file of a shoot in memory is written.
+/// All paths are absolute. Rows in memory are written to a data file.
 /// @throws Refusal, host::InputError
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings);
 

@@ -37,10 +37,10 @@ std::string OptionalText(const char* text, const char* name) {
 
 void RequireSize(std::size_t size, std::size_t expected, const char* name) {
   if (size != expected) {
-    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT,
-                  std::string(name) + " has " + std::to_string(size) + " bytes where the library " +
-                      TRACKEDCAM_VERSION + " knows " + std::to_string(expected) +
-                      ": host and library are of different versions.");
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, std::string(name) + " has " + std::to_string(size) +
+                                                   " bytes, version " + TRACKEDCAM_VERSION +
+                                                   " expects " + std::to_string(expected) +
+                                                   ": host and library are of different versions.");
   }
 }
 

@@ -1,4 +1,4 @@
-// From exceptions to a status and a message.
+// Turns exceptions into a status and a message.
 
 #pragma once
 
@@ -13,7 +13,7 @@
 
 namespace trackedcam::c {
 
-/// Why a call cannot do its work, with the status that says so.
+/// An error with its status.
 class Refusal : public std::runtime_error {
  public:
   Refusal(trackedcam_status status, const std::string& message)
@@ -24,19 +24,18 @@ class Refusal : public std::runtime_error {
   trackedcam_status status_;
 };
 
-/// A message in memory that is there already: one may have to be kept when there is no more to get.
+/// A message with memory of its own, because it may report that there is none left.
 struct Message {
   std::array<char, 1024> text = {};  // UTF-8, with a zero at the end
 
-  /// Keeps what fits, without a part of a character at the end.
+  /// Cuts a longer message at the end of a character.
   void Set(const char* message) noexcept;
 };
 
 /// Of this thread.
 Message& LastError() noexcept;
 
-/// Does the work in the processor's default settings, whatever the host's are, and lets no
-/// exception through.
+/// Does the work with the default settings of the floating-point unit, and catches every exception.
 template <class Work>
 trackedcam_status Guarded(Message& message, Work work) noexcept {
   const DefaultFloatEnvironment environment;
@@ -57,7 +56,7 @@ trackedcam_status Guarded(Message& message, Work work) noexcept {
     message.Set(error.what());
     return TRACKEDCAM_FAILURE;
   } catch (...) {
-    message.Set("The progress callback ended with an exception.");
+    message.Set("The progress callback threw an unknown exception.");
     return TRACKEDCAM_FAILURE;
   }
 }
@@ -67,7 +66,7 @@ trackedcam_status Guarded(Work work) noexcept {
   return Guarded(LastError(), work);
 }
 
-/// @throws Refusal where it is null.
+/// @throws Refusal if it is null.
 template <class T>
 void RequirePointer(const T* pointer, const char* name) {
   if (pointer == nullptr) {
@@ -75,13 +74,13 @@ void RequirePointer(const T* pointer, const char* name) {
   }
 }
 
-/// @throws Refusal where it is null or not UTF-8.
+/// @throws Refusal if it is null or not UTF-8.
 std::string RequireText(const char* text, const char* name);
 
-/// The same, but NULL is an empty text.
+/// As RequireText, but NULL becomes an empty text.
 std::string OptionalText(const char* text, const char* name);
 
-/// @throws Refusal where a struct of the caller has another size than the library's.
+/// @throws Refusal if a struct of the caller has another size than the library's.
 void RequireSize(std::size_t size, std::size_t expected, const char* name);
 
 }  // namespace trackedcam::c

@@ -70,13 +70,11 @@ Json PhotographViews(const Json& result, const std::vector<Thumbnail>& thumbnail
   for (const Json& photograph : ValueAt(result, "/photographs")) {
     const std::size_t place = list.size();
     // A photograph that was left out of this run was checked in the first.
-    const Json& check =
-        TextAt(photograph, "/state") == "leftOutByCrossCheck"
-            ? ValueAt(result, At("/firstRun/photographs", place) + "/crossCheck")
-            : ValueAt(photograph, "/crossCheck");
-    list.push_back(PhotographView(photograph, check,
-                                  place < thumbnails.size() ? thumbnails[place] : none,
-                                  pageFolder));
+    const Json& check = TextAt(photograph, "/state") == "leftOutByCrossCheck"
+                            ? ValueAt(result, At("/firstRun/photographs", place) + "/crossCheck")
+                            : ValueAt(photograph, "/crossCheck");
+    list.push_back(PhotographView(
+        photograph, check, place < thumbnails.size() ? thumbnails[place] : none, pageFolder));
     list.back()["number"] = place + 1;
   }
   return list;

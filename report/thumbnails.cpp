@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include <nlohmann/json.hpp>
+#include <opencv2/core/utility.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
@@ -64,10 +65,11 @@ std::vector<Thumbnail> MakeThumbnails(const std::string& text) {
   return thumbnails;
 }
 
-void MakeCodecs() {
+void PrepareImageLibrary() {
   std::vector<unsigned char> bytes;
   cv::imencode(".png", cv::Mat::zeros(1, 1, CV_8UC3), bytes);
   cv::imdecode(bytes, cv::IMREAD_COLOR);
+  cv::parallel_for_(cv::Range(0, 2), [](const cv::Range& /*range*/) {});
 }
 
 }  // namespace trackedcam::report

@@ -17,8 +17,8 @@ struct Thumbnail {
 /// @throws std::invalid_argument if the text is not a result.
 std::vector<Thumbnail> MakeThumbnails(const std::string& text);
 
-/// Makes the codecs of the image library, which otherwise come into being with the first image.
-/// What is made later is destroyed earlier when the process ends.
-void MakeCodecs();
+/// Makes the objects that the image library otherwise makes when it first needs them: its codecs
+/// and its threads. At the end of the process, objects are destroyed in the reverse order.
+void PrepareImageLibrary();
 
 }  // namespace trackedcam::report

@@ -21,6 +21,7 @@
 #include "host/text/files.h"
 #include "host/text/text.h"
 #include "host/verdict/verdict.h"
+#include "report/page.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::app {

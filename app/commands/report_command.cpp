@@ -10,6 +10,7 @@
 #include "host/input/inputs.h"
 #include "host/result/result_file.h"
 #include "host/text/files.h"
+#include "report/page.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::app {

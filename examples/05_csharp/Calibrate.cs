@@ -173,7 +173,7 @@ static class Program {
       Native.Check(Native.trackedcam_run_report(run, out report));
 
       IntPtr words;
-      Native.Check(Native.trackedcam_report_text(report, Native.Utf8("/verdict/words"), out words));
+      Native.Check(Native.trackedcam_report_text(report, Native.Utf8("/verdict/message"), out words));
       Console.WriteLine(Native.Text(words));
       Native.trackedcam_lens lens;
       Native.Check(Native.trackedcam_report_lens(report, out lens, Native.SizeOf<Native.trackedcam_lens>()));

@@ -1,4 +1,4 @@
-// The same shoot through every door gives the same figures, to the last bit.
+// The same shoot gives the same values through every interface, to the last bit.
 
 #include <algorithm>
 #include <regex>
@@ -25,7 +25,7 @@ class CalibrateTest : public testing::Test {
   std::string log = folder.File("log");
 };
 
-// All that differs: when a run was, and the program's own command lines to go on with.
+// Removes what differs between runs: the time, and the commands that only the program suggests.
 std::string OfAnyRun(std::string json) {
   for (const auto& [own, all] : {std::pair{"log_[-.0-9]+\\.txt", "log_TIME.txt"},
                                  std::pair{"\"time\": \"[^\"]*\"", "\"time\": \"\""},
@@ -35,14 +35,14 @@ std::string OfAnyRun(std::string json) {
   return json;
 }
 
-// Shows no more than where two long texts part.
+// Shows only where two long texts begin to differ.
 void ExpectSame(const std::string& a, const std::string& b) {
-  const auto parted = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
-  const std::size_t at = parted.first - a.begin();
+  const auto differing = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+  const std::size_t at = differing.first - a.begin();
   EXPECT_TRUE(a == b) << a.substr(at, 200) << "\nis not\n" << b.substr(at, 200);
 }
 
-TEST_F(CalibrateTest, FiguresAreThoseOfTheFiveFunctions) {
+TEST_F(CalibrateTest, ValuesAreThoseOfTheFiveFunctions) {
   const OwnedReport report = Calibrated(OpenedShoot(), SettingsFor(log));
 
   std::vector<double> imageSize, normFocal, normCenter, distortion, transformCamTc, fieldOfView,
@@ -98,8 +98,8 @@ TEST_F(CalibrateTest, RowsFromMemoryInUnrealsAxesAreThoseOfTheFile) {
 
   OwnedShoot shoot;
   ASSERT_EQ(trackedcam_shoot_create(shoot.Fill()), TRACKEDCAM_OK);
-  // A component's X, Y, Z are the reported z, -x, y, in centimetres. The change of hand turns the
-  // imaginary part round.
+  // A component's X, Y, Z are the reported z, -x, y, in centimetres. The change of handedness
+  // inverts the imaginary part.
   const auto component = [](const Eigen::Isometry3d& pose) {
     Eigen::Matrix3d reportedAxes;  // of a tracker, from those that the simulator solves in
     reportedAxes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
@@ -123,7 +123,7 @@ TEST_F(CalibrateTest, RowsFromMemoryInUnrealsAxesAreThoseOfTheFile) {
   const std::vector<double> found = NumbersAt(report, "/transformCamTc");
   ASSERT_EQ(found.size(), 16U);
   for (std::size_t i = 0; i < 16; ++i) {
-    EXPECT_NEAR(found[i], expected[i], 1e-6);  // the file's figures have twelve decimals
+    EXPECT_NEAR(found[i], expected[i], 1e-6);  // the file has twelve decimals
   }
   EXPECT_THAT(TextAt(report, "/inputs/data"), HasSubstr("shoot_001"));
   EXPECT_TRUE(fs::exists(fs::u8path(TextAt(report, "/inputs/data"))));
@@ -177,7 +177,7 @@ void Hear(const trackedcam_progress* progress, void* user) {
   }
 }
 
-TEST_F(CalibrateTest, TellsItsProgressOnTheCallersThread) {
+TEST_F(CalibrateTest, ReportsProgressOnTheCallersThread) {
   const OwnedShoot shoot = OpenedShoot();
   const trackedcam_settings settings = SettingsFor(log);
   Heard heard = {std::this_thread::get_id(), {}};
@@ -187,7 +187,7 @@ TEST_F(CalibrateTest, TellsItsProgressOnTheCallersThread) {
   EXPECT_THAT(heard.stages, testing::Contains("Finding the board"));
 }
 
-TEST_F(CalibrateTest, WritesTheLogToStandardOutputUnlessItIsToBeSilent) {
+TEST_F(CalibrateTest, WritesTheLogToStandardOutputUnlessSilent) {
   const OwnedShoot shoot = OpenedShoot();
   trackedcam_settings settings = SettingsFor(log);
   testing::internal::CaptureStdout();
@@ -236,7 +236,7 @@ TEST_F(CalibrateTest, ChecksALogAsTheProgramDoes) {
       folder.Path(), folder.Path() / "out", folder.Path() / "error");
   ASSERT_EQ(status, 0) << test::ReadFile(folder.File("error"));
   ExpectSame(JsonOf(checked), test::ReadText(folder.File("out")));
-  EXPECT_EQ(trackedcam_report_export(checked.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_export(checked.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_FOUND);
 
   OwnedReport without;
   ASSERT_EQ(trackedcam_crosscheck(logFile.c_str(), nullptr, without.Fill()), TRACKEDCAM_OK);

@@ -1,4 +1,4 @@
-// What a report is asked for.
+// Everything that a host reads from a report.
 
 #include <cmath>
 
@@ -36,7 +36,7 @@ class ReportTest : public testing::Test {
 test::TemporaryFolder* ReportTest::logFolder = nullptr;
 OwnedReport* ReportTest::shared = nullptr;
 
-TEST_F(ReportTest, NumbersStandAsInTheJsonText) {
+TEST_F(ReportTest, NumbersAreThoseOfTheJsonText) {
   const Json json = Json::parse(JsonOf(report));
   std::vector<double> covariance;
   for (const auto& row : json["crossCheck"]["covarianceCamTcTwist"]) {
@@ -49,7 +49,7 @@ TEST_F(ReportTest, NumbersStandAsInTheJsonText) {
             std::vector<double>{json["lensErrorPixels"].get<double>()});
 }
 
-TEST_F(ReportTest, TellsHowManyNumbersThereAre) {
+TEST_F(ReportTest, ReturnsTheNumberOfNumbers) {
   std::size_t count = 99;
   double few[15];
   EXPECT_EQ(trackedcam_report_numbers(handle, "/transformCamTc", few, 15, &count),
@@ -57,21 +57,21 @@ TEST_F(ReportTest, TellsHowManyNumbersThereAre) {
   EXPECT_EQ(count, 16U);
 }
 
-TEST_F(ReportTest, SaysWhatIsNotThere) {
+TEST_F(ReportTest, RejectsPlacesThatItDoesNotHave) {
   std::size_t count = 99;
   const char* text = nullptr;
-  for (const char* pointer : {"/nothing", "/transformCamTc/16", "/verdict/words/0", "/code/x"}) {
-    EXPECT_EQ(trackedcam_report_numbers(handle, pointer, nullptr, 0, &count), TRACKEDCAM_NOT_THERE)
+  for (const char* pointer : {"/nothing", "/transformCamTc/16", "/verdict/message/0", "/code/x"}) {
+    EXPECT_EQ(trackedcam_report_numbers(handle, pointer, nullptr, 0, &count), TRACKEDCAM_NOT_FOUND)
         << pointer;
-    EXPECT_EQ(trackedcam_report_text(handle, pointer, &text), TRACKEDCAM_NOT_THERE) << pointer;
-    EXPECT_EQ(trackedcam_report_count(handle, pointer, &count), TRACKEDCAM_NOT_THERE) << pointer;
+    EXPECT_EQ(trackedcam_report_text(handle, pointer, &text), TRACKEDCAM_NOT_FOUND) << pointer;
+    EXPECT_EQ(trackedcam_report_count(handle, pointer, &count), TRACKEDCAM_NOT_FOUND) << pointer;
   }
-  EXPECT_EQ(trackedcam_report_numbers(handle, "/verdict/words", nullptr, 0, &count),
-            TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_numbers(handle, "/verdict/message", nullptr, 0, &count),
+            TRACKEDCAM_NOT_FOUND);
   EXPECT_EQ(trackedcam_report_numbers(handle, "/firstRun", nullptr, 0, &count),
-            TRACKEDCAM_NOT_THERE);
-  EXPECT_EQ(trackedcam_report_text(handle, "/code", &text), TRACKEDCAM_NOT_THERE);
-  EXPECT_EQ(trackedcam_report_count(handle, "/code", &count), TRACKEDCAM_NOT_THERE);
+            TRACKEDCAM_NOT_FOUND);
+  EXPECT_EQ(trackedcam_report_text(handle, "/code", &text), TRACKEDCAM_NOT_FOUND);
+  EXPECT_EQ(trackedcam_report_count(handle, "/code", &count), TRACKEDCAM_NOT_FOUND);
   EXPECT_EQ(trackedcam_report_text(handle, "no slash", &text), TRACKEDCAM_INVALID_ARGUMENT);
   EXPECT_EQ(count, 99U);
   EXPECT_EQ(text, nullptr);
@@ -82,10 +82,34 @@ TEST_F(ReportTest, CountsListsAndObjects) {
   EXPECT_EQ(trackedcam_report_count(handle, "/photographs", &count), TRACKEDCAM_OK);
   EXPECT_EQ(count, 24U);
   EXPECT_EQ(trackedcam_report_count(handle, "/verdict", &count), TRACKEDCAM_OK);
-  EXPECT_EQ(count, 4U);  // level, words, advice, commands
+  EXPECT_EQ(count, 4U);  // level, message, advice, commands
 }
 
-TEST_F(ReportTest, GivesTheLensInPixels) {
+TEST_F(ReportTest, ListsThePhotographsInTheOrderOfTheRows) {
+  std::size_t used = 0;
+  const auto& truth = SimulatedShoot::Get().Truth().photographs;
+  ASSERT_EQ(truth.size(), 24U);
+  for (std::size_t i = 0; i < truth.size(); ++i) {
+    const std::string place = "/photographs/" + std::to_string(i);
+    EXPECT_EQ(TextAt(report, (place + "/name").c_str()), truth[i].path);
+    const std::string path = TextAt(report, (place + "/path").c_str());
+    EXPECT_TRUE(fs::equivalent(fs::u8path(path),
+                               SimulatedShoot::Get().Folder() / fs::u8path(truth[i].path)));
+    EXPECT_EQ(NumbersAt(report, (place + "/row").c_str()),
+              std::vector<double>{static_cast<double>(i + 2)});  // a header is in line 1
+    const std::string state = TextAt(report, (place + "/state").c_str());
+    EXPECT_TRUE(state == "used" || state == "leftOutByFilter") << state;
+    if (state == "used") {
+      const std::string image = TextAt(report, (place + "/reprojectedImage").c_str());
+      EXPECT_TRUE(fs::is_regular_file(fs::u8path(image))) << image;
+      ++used;
+    }
+    EXPECT_EQ(NumbersAt(report, (place + "/crossCheck/transformCamChart").c_str()).size(), 16U);
+  }
+  EXPECT_GE(used, 12U);
+}
+
+TEST_F(ReportTest, HasTheLensInPixels) {
   trackedcam_lens lens;
   ASSERT_EQ(trackedcam_report_lens(handle, &lens, sizeof lens), TRACKEDCAM_OK);
   const simulator::Lens& truth = SimulatedShoot::Get().Truth().lens;
@@ -104,18 +128,19 @@ TEST_F(ReportTest, GivesTheLensInPixels) {
   EXPECT_NEAR(lens.focal_length_mm, truth.fx * 36 / 640, 0.5);
 }
 
-TEST_F(ReportTest, JudgesInWords) {
+TEST_F(ReportTest, HasAVerdict) {
   std::int32_t level = -1;
   EXPECT_EQ(trackedcam_report_level(handle, &level), TRACKEDCAM_OK);
   EXPECT_EQ(level, TRACKEDCAM_GOOD);
-  const char* words = nullptr;
+  const char* message = nullptr;
   const char* advice = nullptr;
-  EXPECT_EQ(trackedcam_report_verdict(handle, &words, &advice), TRACKEDCAM_OK);
-  EXPECT_THAT(words, StartsWith("Success"));
-  EXPECT_THAT(advice, HasSubstr("Hand the lens"));
+  EXPECT_EQ(trackedcam_report_verdict(handle, &message, &advice), TRACKEDCAM_OK);
+  EXPECT_EQ(message, TextAt(report, "/verdict/message"));
+  EXPECT_EQ(advice, TextAt(report, "/verdict/advice"));
+  EXPECT_STRNE(message, "");
 }
 
-TEST_F(ReportTest, HandsTheResultToEveryEngine) {
+TEST_F(ReportTest, ExportsToEveryEngine) {
   for (const char* engine : {"unreal", "unity", "ue4", "ue5", "ue5-xn", "aximmetry"}) {
     const char* text = nullptr;
     ASSERT_EQ(trackedcam_report_export(handle, engine, nullptr, &text), TRACKEDCAM_OK) << engine;
@@ -150,15 +175,15 @@ TEST_F(ReportTest, WritesALensFile) {
   EXPECT_TRUE(Json::accept(text));
 }
 
-TEST_F(ReportTest, TextStaysUntilTheReportGoes) {
+TEST_F(ReportTest, TextIsValidUntilTheReportIsFreed) {
   const char* first = nullptr;
   const char* again = nullptr;
-  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/words", &first), TRACKEDCAM_OK);
+  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/message", &first), TRACKEDCAM_OK);
   const std::string before = first;
   for (int i = 0; i < 24; ++i) {
-    TextAt(report, ("/photographs/" + std::to_string(i)).c_str());
+    TextAt(report, ("/photographs/" + std::to_string(i) + "/name").c_str());
   }
-  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/words", &again), TRACKEDCAM_OK);
+  ASSERT_EQ(trackedcam_report_text(handle, "/verdict/message", &again), TRACKEDCAM_OK);
   EXPECT_EQ(first, again);
   EXPECT_EQ(first, before);
 }
@@ -193,15 +218,15 @@ TEST(FailedReport, HasNeitherLensNorTransform) {
   EXPECT_EQ(code, 4);
   trackedcam_lens lens;
   double transform[16];
-  EXPECT_EQ(trackedcam_report_lens(report.Get(), &lens, sizeof lens), TRACKEDCAM_NOT_THERE);
-  EXPECT_EQ(trackedcam_report_transform_cam_tc(report.Get(), transform), TRACKEDCAM_NOT_THERE);
-  EXPECT_EQ(trackedcam_report_export(report.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_lens(report.Get(), &lens, sizeof lens), TRACKEDCAM_NOT_FOUND);
+  EXPECT_EQ(trackedcam_report_transform_cam_tc(report.Get(), transform), TRACKEDCAM_NOT_FOUND);
+  EXPECT_EQ(trackedcam_report_export(report.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_FOUND);
   const char* text = nullptr;
-  EXPECT_EQ(trackedcam_report_lens_file(report.Get(), nullptr, "a", &text), TRACKEDCAM_NOT_THERE);
+  EXPECT_EQ(trackedcam_report_lens_file(report.Get(), nullptr, "a", &text), TRACKEDCAM_NOT_FOUND);
   EXPECT_EQ(trackedcam_report_page(report.Get(), nullptr, &text), TRACKEDCAM_OK);
 }
 
-TEST(FailedReport, TellsTheCodeOfTheLibrary) {
+TEST(FailedReport, HasTheCodeOfTheLibrary) {
   const test::TemporaryFolder folder;
   const std::string log = folder.File("log");
   trackedcam_settings settings = SettingsFor(log);

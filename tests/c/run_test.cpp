@@ -1,11 +1,13 @@
 // Start, poll and wait.
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include "simulated_shoot.h"
+#include "support/platform.h"
 
 namespace trackedcam::c {
 namespace {
@@ -31,6 +33,16 @@ OwnedReport ReportOf(const OwnedRun& run) {
   EXPECT_EQ(trackedcam_run_report(run.Get(), report.Fill()), TRACKEDCAM_OK)
       << trackedcam_last_error();
   return report;
+}
+
+/// Whether the log in the folder of a run says that the calibration succeeded.
+bool IsSuccessful(const fs::path& runFolder) {
+  const fs::directory_iterator files(runFolder);
+  return std::any_of(begin(files), end(files), [](const fs::directory_entry& file) {
+    return file.path().extension() == ".txt" &&
+           test::ReadText(file.path().u8string()).find("Calibration successful.") !=
+               std::string::npos;
+  });
 }
 
 class RunTest : public testing::Test {
@@ -72,23 +84,30 @@ TEST_F(RunTest, ReportOutlivesTheRun) {
   EXPECT_EQ(NumbersAt(report, "/transformCamTc").size(), 16U);
 }
 
-TEST_F(RunTest, EndsInTheBackgroundWhenItIsFreed) {
+TEST_F(RunTest, ContinuesInTheBackgroundWhenItIsFreed) {
   { const OwnedRun run = Started(OpenedShoot(), SettingsFor(log)); }
-  const auto isDone = [&] {
-    for (const auto& entry : fs::directory_iterator(fs::u8path(log) / "run_001")) {
-      if (entry.path().extension() == ".txt") {
-        return test::ReadText(entry.path().u8string()).find("Calibration successful.") !=
-               std::string::npos;
-      }
-    }
-    return false;
-  };
-  while (!fs::exists(fs::u8path(log) / "run_001") || !isDone()) {
+  const fs::path run = fs::u8path(log) / "run_001";
+  while (!fs::exists(run) || !IsSuccessful(run)) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
 }
 
-TEST_F(RunTest, SeveralGoOnAtOnce) {
+#ifdef TRACKEDCAM_EXIT_DURING_RUN
+TEST_F(RunTest, EndsBeforeTheProcessDestroysWhatItNeeds) {
+  for (const std::string milliseconds : {"0", "50", "200", "800"}) {
+    const fs::path logs = folder.Path() / milliseconds;
+    const int status =
+        test::RunProgram(TRACKEDCAM_EXIT_DURING_RUN,
+                         {SimulatedShoot::Get().DataFile(), logs.u8string(), milliseconds},
+                         folder.Path(), folder.Path() / "out", folder.Path() / "error");
+    EXPECT_EQ(status, 0) << test::ReadText(folder.File("error"));
+    EXPECT_EQ(test::ReadText(folder.File("out")), "0 made\n");
+    EXPECT_TRUE(IsSuccessful(logs / "run_002"));  // the mounting is not stated: two runs
+  }
+}
+#endif
+
+TEST_F(RunTest, SeveralRunAtOnce) {
   const OwnedShoot shoot = OpenedShoot();
   const std::string logs[] = {folder.File("log a"), folder.File("log b"), log};
   const OwnedRun a = Started(shoot, SettingsFor(logs[0]));
@@ -101,7 +120,7 @@ TEST_F(RunTest, SeveralGoOnAtOnce) {
   EXPECT_EQ(NumbersAt(ReportOf(b), "/transformCamTc"), expected);
 }
 
-TEST_F(RunTest, TellsWhyItCouldNotBegin) {
+TEST_F(RunTest, ReportsWhyItCouldNotStart) {
   OwnedShoot shoot;
   ASSERT_EQ(trackedcam_shoot_open(folder.File("missing.csv").c_str(), shoot.Fill()), TRACKEDCAM_OK);
   const OwnedRun run = Started(shoot, SettingsFor(log));

@@ -1,4 +1,4 @@
-// A simulated shoot, and what the tests of the C interface tell the library about it.
+// A simulated shoot and its settings, for the tests of the C interface.
 
 #pragma once
 
@@ -14,7 +14,7 @@
 
 namespace trackedcam::c {
 
-/// One shoot for all tests of a program: it takes longer to paint than to calibrate.
+/// One shoot for all tests of a program, because painting it takes longer than calibrating it.
 class SimulatedShoot {
  public:
   static const SimulatedShoot& Get() {
@@ -41,8 +41,7 @@ class SimulatedShoot {
   simulator::Shoot truth_;
 };
 
-/// What is true of the simulated shoot, with the mounting stated. The text must outlive the
-/// settings.
+/// The true settings of the simulated shoot, with the mounting stated. The text must outlive them.
 inline trackedcam_settings SettingsFor(const std::string& logFolder) {
   const simulator::Shoot& shoot = SimulatedShoot::Get().Truth();
   trackedcam_settings settings;
@@ -63,7 +62,7 @@ inline trackedcam_settings SettingsFor(const std::string& logFolder) {
   return settings;
 }
 
-/// Frees what it holds; the test fails where that was freed before.
+/// Frees its handle; the test fails if that is already freed.
 template <class Handle, trackedcam_status (*Free)(Handle*)>
 class Owned {
  public:

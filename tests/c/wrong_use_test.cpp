@@ -1,4 +1,4 @@
-// Every function, used as it must not be: each time a status and a sentence, and nothing filled.
+// Wrong use of every function: a status, a sentence, and no output parameter set.
 
 #include <cstring>
 #include <limits>
@@ -35,7 +35,7 @@ class WrongUse : public testing::Test {
   OwnedShoot shoot = OpenedShoot();
 };
 
-TEST_F(WrongUse, TellsItsVersion) {
+TEST_F(WrongUse, ReturnsItsVersion) {
   EXPECT_STREQ(trackedcam_c_version(), TRACKEDCAM_VERSION);
 }
 
@@ -125,7 +125,7 @@ TEST_F(WrongUse, OfHandles) {
     EXPECT_INVALID(trackedcam_report_json(bad, &text));
     EXPECT_INVALID(trackedcam_report_numbers(bad, "/code", numbers, 16, &count));
     EXPECT_INVALID(trackedcam_report_text(bad, "/message", &text));
-    EXPECT_INVALID(trackedcam_report_count(bad, "/used", &count));
+    EXPECT_INVALID(trackedcam_report_count(bad, "/photographs", &count));
     EXPECT_INVALID(trackedcam_report_export(bad, "ue4", nullptr, &text));
     EXPECT_INVALID(trackedcam_report_lens_file(bad, nullptr, "a", &text));
     EXPECT_INVALID(trackedcam_report_page(bad, nullptr, &text));
@@ -175,7 +175,7 @@ TEST_F(WrongUse, OfReports) {
   EXPECT_INVALID(trackedcam_report_text(report, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_text(report, "/message", nullptr));
   EXPECT_INVALID(trackedcam_report_count(report, nullptr, &count));
-  EXPECT_INVALID(trackedcam_report_count(report, "/used", nullptr));
+  EXPECT_INVALID(trackedcam_report_count(report, "/photographs", nullptr));
   EXPECT_INVALID(trackedcam_report_export(report, nullptr, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_export(report, kNotUtf8, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_export(report, "unreal", kNotUtf8, &text));
@@ -244,7 +244,7 @@ TEST_F(WrongUse, OfSettings) {
   }
 }
 
-TEST_F(WrongUse, SettingsThatWereOnlyInitialisedStartNothing) {
+TEST_F(WrongUse, InitialSettingsStartNoRun) {
   ASSERT_EQ(trackedcam_settings_init(&settings, sizeof settings), TRACKEDCAM_OK);
   trackedcam_run* run = nullptr;
   EXPECT_EQ(trackedcam_start(shoot.Get(), &settings, &run), TRACKEDCAM_INVALID_ARGUMENT);
@@ -279,7 +279,7 @@ TEST_F(WrongUse, LastErrorIsThatOfTheThreadAndOfTheLastCall) {
 }
 
 TEST_F(WrongUse, LastErrorEndsWithAWholeCharacter) {
-  // So many two-byte characters that the limit falls into one, wherever the sentence begins.
+  // Enough two-byte characters that the limit falls inside one, for each start of the sentence.
   for (const char* begin : {"", "a"}) {
     std::string name = begin;
     for (int i = 0; i < 1000; ++i) {
@@ -288,7 +288,7 @@ TEST_F(WrongUse, LastErrorEndsWithAWholeCharacter) {
     OwnedReport report = Calibrated(shoot, settings);
     const char* text = nullptr;
     EXPECT_EQ(trackedcam_report_text(report.Get(), ('/' + name).c_str(), &text),
-              TRACKEDCAM_NOT_THERE);
+              TRACKEDCAM_NOT_FOUND);
     const std::string error = trackedcam_last_error();
     EXPECT_GE(error.size(), 1022U);
     EXPECT_EQ(error.substr(error.size() - 2), "\xC3\xA4");

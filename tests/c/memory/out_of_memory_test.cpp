@@ -1,5 +1,5 @@
-// With less and less memory every function gives a status. Here operator new of the whole process
-// fails when it is told to; the library takes that one.
+// If memory runs out, every function returns a status. Here operator new of the whole process fails
+// on request; the library uses it too.
 
 #include <atomic>
 #include <cstdlib>
@@ -11,7 +11,8 @@
 
 namespace {
 
-std::atomic<long> allowed{-1};  // allocations until one fails, on this thread's behalf; -1: all
+std::atomic<long> allowed{
+    -1};  // allocations before one fails, of the counted thread; -1: none fails
 thread_local bool isCounted = false;
 
 }  // namespace
@@ -35,7 +36,7 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept {
 namespace trackedcam::c {
 namespace {
 
-// Lets each allocation of the call fail in turn, until it needs no more.
+// Lets each allocation of the call fail in turn, until the call succeeds.
 template <class Call>
 void FailEach(Call call) {
   long failed = 0;
@@ -46,7 +47,7 @@ void FailEach(Call call) {
     isCounted = false;
     ASSERT_LT(failed, 100000);
     if (status != TRACKEDCAM_OK) {
-      // What is done without where memory fails, as a thumbnail, may fail in another way.
+      // Some steps report another error when memory runs out.
       EXPECT_TRUE(status == TRACKEDCAM_OUT_OF_MEMORY || status == TRACKEDCAM_FAILURE ||
                   status == TRACKEDCAM_BAD_INPUT)
           << status << ' ' << trackedcam_last_error();
@@ -70,7 +71,7 @@ TEST(OutOfMemory, OfAReport) {
   const std::string log = folder.File("log");
   const OwnedReport report = Calibrated(OpenedShoot(), SettingsFor(log));
   const char* text = nullptr;
-  FailEach([&] { return trackedcam_report_text(report.Get(), "/verdict/words", &text); });
+  FailEach([&] { return trackedcam_report_text(report.Get(), "/verdict/message", &text); });
   std::vector<double> numbers(16);
   std::size_t count = 0;
   FailEach([&] {
@@ -79,7 +80,7 @@ TEST(OutOfMemory, OfAReport) {
   EXPECT_EQ(NumbersAt(report, "/transformCamTc"), numbers);
 }
 
-TEST(OutOfMemory, WhereARunBegins) {
+TEST(OutOfMemory, AtTheStartOfARun) {
   const test::TemporaryFolder folder;
   const std::string log = folder.File("log");
   const OwnedShoot shoot = OpenedShoot();

@@ -1,0 +1,65 @@
+// Ends the process while a run is going on: exit_during_run TRACKER_DATA.csv LOG_FOLDER MILLISECONDS
+//
+// Prints how many static objects were made after the start of the run. The run may still need them
+// when the process destroys them. Nothing but the run uses the image library here, so that nothing
+// else makes its objects.
+
+#include <dlfcn.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+#include "trackedcam/trackedcam_c.h"
+
+namespace {
+
+std::atomic<bool> isStarted{false};
+std::atomic<int> made{0};
+
+void PrintCount() {
+  std::printf("%d made\n", made.load());
+}
+
+}  // namespace
+
+// Every static object registers its destructor here, in the program and in all libraries.
+extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destructor)(void*),
+                                                                   void* object, void* library) {
+  using Function = int(void (*)(void*), void*, void*);
+  static Function* const next = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+  made += isStarted ? 1 : 0;
+  return next(destructor, object, library);
+}
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::fprintf(stderr, "usage: exit_during_run TRACKER_DATA.csv LOG_FOLDER MILLISECONDS\n");
+    return 2;
+  }
+  std::atexit(PrintCount);  // the first, so it is called last
+  trackedcam_settings settings;
+  trackedcam_shoot* shoot = nullptr;
+  trackedcam_run* run = nullptr;
+  if (trackedcam_settings_init(&settings, sizeof settings) != TRACKEDCAM_OK ||
+      trackedcam_shoot_open(argv[1], &shoot) != TRACKEDCAM_OK) {
+    std::fprintf(stderr, "%s\n", trackedcam_last_error());
+    return 1;
+  }
+  settings.sensor_width_mm = 36;
+  settings.sensor_height_mm = 20.25;
+  settings.board_columns = 9;
+  settings.board_rows = 6;
+  settings.square_m = 0.03;
+  settings.silent = 1;
+  settings.log_folder = argv[2];
+  if (trackedcam_start(shoot, &settings, &run) != TRACKEDCAM_OK) {
+    std::fprintf(stderr, "%s\n", trackedcam_last_error());
+    return 1;
+  }
+  isStarted = true;
+  std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[3])));
+  return 0;
+}
