@@ -134,7 +134,7 @@ TEST_F(ReportTest, HasAVerdict) {
   EXPECT_EQ(level, TRACKEDCAM_GOOD);
   const char* message = nullptr;
   const char* advice = nullptr;
-  EXPECT_EQ(trackedcam_report_verdict(handle, &message, &advice), TRACKEDCAM_OK);
+  ASSERT_EQ(trackedcam_report_verdict(handle, &message, &advice), TRACKEDCAM_OK);
   EXPECT_EQ(message, TextAt(report, "/verdict/message"));
   EXPECT_EQ(advice, TextAt(report, "/verdict/advice"));
   EXPECT_STRNE(message, "");
