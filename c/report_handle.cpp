@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "host/calibrate.h"
-#include "host/platform.h"
 #include "host/result/result_json.h"
+#include "host/silenced_stdout.h"
 #include "host/text/files.h"
 #include "report/page.h"
 #include "report/thumbnails.h"

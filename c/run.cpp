@@ -12,7 +12,7 @@
 #include "c/platform.h"
 #include "c/shoot.h"
 #include "host/calibrate.h"
-#include "host/platform.h"
+#include "host/silenced_stdout.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::c {

@@ -8,24 +8,29 @@
 
 namespace trackedcam::host {
 
-/// Writes a file that is not there yet, and waits until the disk has it.
-/// @return What went wrong, errc::file_exists where there is one; the file is then not there, or is
-///         not this one.
+/// Writes a new file and waits until it is on the disk.
+/// @return The error, errc::file_exists if there is a file of that name. After an error no new file
+///         is left.
 std::error_code WriteNewFile(const std::filesystem::path& file, const std::string& content);
 
-/// Waits until the disk has the names of a folder. Doing nothing, or failing, is no error.
+/// Waits until the names of a folder's files are on the disk. A failure is not an error.
 void FlushFolder(const std::filesystem::path& folder);
 
-/// While it lives, what the process writes to standard output goes nowhere. Below the streams, at
-/// the file descriptor, so that it holds for libraries as well. Of several that live at once the
-/// last one to go gives standard output back.
-class SilencedStdout {
- public:
-  /// @throws std::system_error
-  SilencedStdout();
-  ~SilencedStdout();
-  SilencedStdout(const SilencedStdout&) = delete;
-  SilencedStdout& operator=(const SilencedStdout&) = delete;
-};
+// File descriptors, to silence standard output. A negative one is an error, with its cause in
+// errno.
+
+/// Negative if standard output is closed.
+int StdoutDescriptor();
+
+/// Opens a file that swallows what is written to it.
+int OpenNowhere();
+
+int DuplicateDescriptor(int descriptor);
+
+/// Makes a descriptor lead where another one leads. False on an error.
+bool ReplaceDescriptor(int descriptor, int by);
+
+/// Does nothing for a negative one.
+void CloseDescriptor(int descriptor);
 
 }  // namespace trackedcam::host

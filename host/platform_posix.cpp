@@ -1,9 +1,6 @@
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
-#include <iostream>
-#include <mutex>
 #include <system_error>
 #include <unistd.h>
 
@@ -30,26 +27,9 @@ std::error_code WriteAll(int file, const std::string& content) {
     }
     done += written < 0 ? 0 : static_cast<std::size_t>(written);
   }
-  // Some file systems know no flushing, and have nothing to flush.
+  // A file system without flushing returns EINVAL or ENOTSUP; there is nothing to wait for.
   return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP ? std::error_code() : LastError();
 }
-
-int Checked(int result) {
-  if (result < 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot redirect standard output");
-  }
-  return result;
-}
-
-// What waits in the streams' buffers belongs to where standard output leads now.
-void FlushStreams() {
-  std::cout.flush();
-  std::fflush(stdout);
-}
-
-std::mutex mutex;
-int living = 0;
-int original = -1;
 
 }  // namespace
 
@@ -78,30 +58,25 @@ void FlushFolder(const fs::path& folder) {
   }
 }
 
-// A process whose standard output is closed has nothing to silence.
-SilencedStdout::SilencedStdout() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  if (living == 0 && fcntl(STDOUT_FILENO, F_GETFD) >= 0) {
-    FlushStreams();
-    original = Checked(dup(STDOUT_FILENO));
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (nowhere < 0 || dup2(nowhere, STDOUT_FILENO) < 0) {
-      close(original);
-      original = -1;
-      Checked(-1);
-    }
-    close(nowhere);
-  }
-  ++living;
+int StdoutDescriptor() {
+  return fcntl(STDOUT_FILENO, F_GETFD) < 0 ? -1 : STDOUT_FILENO;
 }
 
-SilencedStdout::~SilencedStdout() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  if (--living == 0 && original >= 0) {
-    FlushStreams();
-    dup2(original, STDOUT_FILENO);
-    close(original);
-    original = -1;
+int OpenNowhere() {
+  return open("/dev/null", O_WRONLY | O_CLOEXEC);
+}
+
+int DuplicateDescriptor(int descriptor) {
+  return dup(descriptor);
+}
+
+bool ReplaceDescriptor(int descriptor, int by) {
+  return dup2(by, descriptor) >= 0;
+}
+
+void CloseDescriptor(int descriptor) {
+  if (descriptor >= 0) {
+    close(descriptor);
   }
 }
 

@@ -1,10 +1,7 @@
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <io.h>
-#include <iostream>
-#include <mutex>
 #include <system_error>
 #include <windows.h>
 
@@ -36,23 +33,6 @@ std::error_code WriteAll(HANDLE file, const std::string& content) {
   return FlushFileBuffers(file) != 0 ? std::error_code() : LastError();
 }
 
-int Checked(int result) {
-  if (result < 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot redirect standard output");
-  }
-  return result;
-}
-
-// What waits in the streams' buffers belongs to where standard output leads now.
-void FlushStreams() {
-  std::cout.flush();
-  std::fflush(stdout);
-}
-
-std::mutex mutex;
-int living = 0;
-int original = -1;
-
 }  // namespace
 
 std::error_code WriteNewFile(const fs::path& file, const std::string& content) {
@@ -73,31 +53,25 @@ std::error_code WriteNewFile(const fs::path& file, const std::string& content) {
 
 void FlushFolder(const fs::path& /*folder*/) {}  // the file system does so itself
 
-// A program without a console has no standard output, and nothing to silence.
-SilencedStdout::SilencedStdout() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  const int output = _fileno(stdout);
-  if (living == 0 && output >= 0) {
-    FlushStreams();
-    original = Checked(_dup(output));
-    const int nowhere = _open("NUL", _O_WRONLY | _O_NOINHERIT);
-    if (nowhere < 0 || _dup2(nowhere, output) < 0) {
-      _close(original);
-      original = -1;
-      Checked(-1);
-    }
-    _close(nowhere);
-  }
-  ++living;
+int StdoutDescriptor() {
+  return _fileno(stdout);  // negative in a program without a console
 }
 
-SilencedStdout::~SilencedStdout() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  if (--living == 0 && original >= 0) {
-    FlushStreams();
-    _dup2(original, _fileno(stdout));
-    _close(original);
-    original = -1;
+int OpenNowhere() {
+  return _open("NUL", _O_WRONLY | _O_NOINHERIT);
+}
+
+int DuplicateDescriptor(int descriptor) {
+  return _dup(descriptor);
+}
+
+bool ReplaceDescriptor(int descriptor, int by) {
+  return _dup2(by, descriptor) >= 0;
+}
+
+void CloseDescriptor(int descriptor) {
+  if (descriptor >= 0) {
+    _close(descriptor);
   }
 }
 

@@ -7,9 +7,9 @@
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
 #include "app/terminal/engine_summary.h"
-#include "host/platform.h"
 #include "host/result/result_file.h"
 #include "host/run/run_folder.h"
+#include "host/silenced_stdout.h"
 #include "host/text/files.h"
 
 namespace trackedcam::app {

@@ -1,3 +1,5 @@
+#include "host/silenced_stdout.h"
+
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -5,8 +7,6 @@
 #include <string>
 
 #include <gtest/gtest.h>
-
-#include "host/platform.h"
 
 namespace trackedcam::host {
 namespace {
