@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <nlohmann/json.hpp>
+
 #include "host/engines/placement.h"
 #include "host/input/inputs.h"
 #include "host/text/files.h"

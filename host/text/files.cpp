@@ -11,6 +11,8 @@
 #include <system_error>
 #include <thread>
 
+#include <nlohmann/json.hpp>
+
 #include "host/platform.h"
 
 namespace trackedcam::host {
@@ -19,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-// Of its own length: the file's name may be as long as names can be.
+// A name of fixed length: the file's own name may have the longest length that is possible.
 fs::path NameBeside(const fs::path& file) {
   std::random_device random;
   const std::uint64_t number = (static_cast<std::uint64_t>(random()) << 32) | random();
@@ -28,8 +30,7 @@ fs::path NameBeside(const fs::path& file) {
   return file.parent_path() / (".trackedcam-" + std::string(digits.data(), result.ptr) + ".part");
 }
 
-// Two processes may write beside each other, and a stopped one leave a file behind: whoever finds a
-// name taken takes another.
+// If the name exists, another one is tried: another process may be writing, or may have been stopped.
 fs::path WriteBeside(const fs::path& file, const std::string& content, std::error_code& error) {
   constexpr int kTrials = 10;
   for (int i = 0; i < kTrials; ++i) {
@@ -42,7 +43,7 @@ fs::path WriteBeside(const fs::path& file, const std::string& content, std::erro
   return {};
 }
 
-// To rename onto a device would put a file in its place.
+// Not a device, for example: renaming would replace it by a file.
 bool CanBeReplaced(const fs::path& file) {
   std::error_code error;
   const fs::file_type type = fs::symlink_status(file, error).type();
@@ -50,7 +51,7 @@ bool CanBeReplaced(const fs::path& file) {
          type == fs::file_type::symlink;
 }
 
-// While another process replaces the same file or looks into it, Windows refuses for a moment.
+// While another process replaces or reads the same file, Windows refuses for a moment.
 std::error_code Replace(const fs::path& file, const fs::path& by) {
   constexpr int kTrials = 40;
   constexpr std::chrono::milliseconds kMoment(25);
@@ -113,7 +114,7 @@ template <class Parsed>
 Parsed ParseJson(const std::string& text) {
   const auto requireShallow = [](int depth, auto /*event*/, auto& /*parsed*/) {
     if (depth > kDeepest) {
-      throw std::runtime_error("it is nested too deep");
+      throw std::runtime_error("it is nested too deep: more than " + std::to_string(kDeepest) + " levels");
     }
     return true;
   };
@@ -124,7 +125,7 @@ template <class Parsed>
 Parsed ReadJson(const std::filesystem::path& file) {
   std::error_code error;
   if (std::filesystem::file_size(file, error) > kMostBytes || error) {
-    throw std::runtime_error(error ? "cannot read " + file.u8string() : "it is too large");
+    throw std::runtime_error(error ? "cannot read " + file.u8string() : "it is too large: more than 64 MB");
   }
   return ParseJson<Parsed>(ReadFile(file));
 }

@@ -34,7 +34,7 @@ std::optional<int> ParseInteger(std::string_view text) {
 }
 
 std::string Fixed(double number, int decimals) {
-  // The longest text: a sign, 309 digits, the point and the decimals.
+  // The longest text has a sign, 309 digits, a point and the decimals.
   std::array<char, 400> buffer = {};
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
                                     std::chars_format::fixed, decimals);
@@ -47,7 +47,7 @@ std::string Shortest(double number) {
   return {buffer.data(), result.ptr};
 }
 
-// The second byte alone tells longer forms, surrogates and what lies beyond the last plane.
+// The second byte shows overlong forms, surrogates and values beyond U+10FFFF.
 std::size_t CharacterLength(std::string_view text) {
   const unsigned char lead = ByteAt(text, 0);
   const unsigned char second = ByteAt(text, 1);
@@ -59,12 +59,12 @@ std::size_t CharacterLength(std::string_view text) {
     return follows(1) ? 2 : 0;
   }
   if (lead >= 0xE0 && lead <= 0xEF) {
-    const bool serves = (lead != 0xE0 || second >= 0xA0) && (lead != 0xED || second < 0xA0);
-    return serves && follows(1) && follows(2) ? 3 : 0;
+    const bool isValid = (lead != 0xE0 || second >= 0xA0) && (lead != 0xED || second < 0xA0);
+    return isValid && follows(1) && follows(2) ? 3 : 0;
   }
   if (lead >= 0xF0 && lead <= 0xF4) {
-    const bool serves = (lead != 0xF0 || second >= 0x90) && (lead != 0xF4 || second < 0x90);
-    return serves && follows(1) && follows(2) && follows(3) ? 4 : 0;
+    const bool isValid = (lead != 0xF0 || second >= 0x90) && (lead != 0xF4 || second < 0x90);
+    return isValid && follows(1) && follows(2) && follows(3) ? 4 : 0;
   }
   return 0;
 }

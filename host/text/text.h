@@ -1,4 +1,4 @@
-// Numbers as text, the same in every locale.
+// Numbers as text, the same in every locale; UTF-8.
 
 #pragma once
 
@@ -9,22 +9,23 @@
 
 namespace trackedcam::host {
 
-/// The number that the whole text is; "nan" and "inf" are numbers too.
+/// The whole text as a number; nothing if it is not one. "nan" and "inf" are numbers.
 std::optional<double> ParseNumber(std::string_view text);
 
-/// The whole number that the whole text is.
+/// The whole text as a whole number; nothing if it is not one.
 std::optional<int> ParseInteger(std::string_view text);
 
-/// What printf's "%.*f" gives in the C locale.
+/// The same text as printf's "%.*f" in the C locale.
 std::string Fixed(double number, int decimals);
 
-/// The shortest text that reads back as the same number.
+/// The shortest text from which the same number is read.
 std::string Shortest(double number);
 
-/// False as well for longer forms than a character needs, and for surrogates.
+/// False for overlong forms and surrogates too.
 bool IsUtf8(std::string_view text);
 
-/// How many bytes the character at the front of a text has; 0 where there is none.
+/// The number of bytes of the text's first character; 0 if the text is empty or does not begin with a
+/// character.
 std::size_t CharacterLength(std::string_view text);
 
 }  // namespace trackedcam::host
