@@ -16,15 +16,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   host::IsResultFile(file);
   host::IsLensFile(file);
   try {
-    const host::HandOver handOver = host::ReadResult(file);
-    const host::UnrealFigures figures = host::ToUnreal(handOver);
+    const host::ExportInput input = host::ReadResult(file);
+    const host::UnrealFigures figures = host::ToUnreal(input);
     for (const double figure : figures.locationCm) {
       fuzz::Require(std::isfinite(figure), "a location is not finite");
     }
     if (figures.lens) {
       host::LensFileText(figures, "lens");
     }
-    host::ToUnity(handOver);
+    host::ToUnity(input);
   } catch (const std::runtime_error&) {  // refused, or of a calibration that failed
   }
   try {

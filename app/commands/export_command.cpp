@@ -3,6 +3,8 @@
 #include <iostream>
 #include <memory>
 
+#include <nlohmann/json.hpp>
+
 #include "app/commands/config_file.h"
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
@@ -57,21 +59,21 @@ void RequireFit(const ExportOptions& options, const fs::path& configFile) {
                     {options.result, configFile});
 }
 
-host::EngineExport RunExport(const ExportOptions& options, const host::HandOver& handOver) {
+host::EngineExport RunExport(const ExportOptions& options, const host::ExportInput& input) {
   if (options.engine->takesParentAxes) {
-    return host::ExportToEngine(*options.engine, handOver, {});
+    return host::ExportToEngine(*options.engine, input, {});
   }
   const fs::path folder = host::CreateRunFolder(
       options.logFolder.empty() ? options.result.parent_path() : options.logFolder);
   const host::SilencedStdout silenced;
-  return host::ExportToEngine(*options.engine, handOver, folder);
+  return host::ExportToEngine(*options.engine, input, folder);
 }
 
 int Export(const ExportOptions& options, const fs::path& configFile) {
   RequireFit(options, configFile);
-  host::HandOver handOver = host::ReadResult(options.result);
-  handOver.parentAxes = options.parentAxes;
-  const host::EngineExport engineExport = RunExport(options, handOver);
+  host::ExportInput input = host::ReadResult(options.result);
+  input.parentAxes = options.parentAxes;
+  const host::EngineExport engineExport = RunExport(options, input);
   if (options.json) {
     std::cout << host::JsonText(host::EngineJson(engineExport));
   } else {

@@ -108,7 +108,7 @@ void PrintUnity(std::ostream& out, const host::UnityFigures& figures) {
 void PrintEngineExport(std::ostream& out, const EngineExport& engineExport) {
   const Engine& engine = *engineExport.engine;
   const EngineFigures& figures = engineExport.figures;
-  out << engine.title << ", " << engine.hand << '\n';
+  out << engine.title << ", " << engine.handedness << '\n';
   PrintRow(out, "", {"X", "Y", "Z"});
   PrintNames(out, "axes at the camera", engine.cameraAxes);
   if (figures.unreal || figures.unity) {

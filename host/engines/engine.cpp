@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <nlohmann/json.hpp>
+
 #include "host/run/run_log.h"
 #include "host/text/files.h"
 #include "trackedcam/trackedcam.h"
@@ -13,36 +15,36 @@
 namespace trackedcam::host {
 namespace {
 
-int ToUE4(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE4(handOver.calibration.transformCamTc, figures.rotationDeg,
+int ToUE4(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE4(input.calibration.transformCamTc, figures.rotationDeg, figures.translationCm,
+                      logFolder);
+}
+
+int ToUE5(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE5(input.calibration.transformCamTc, figures.quaternionXyzw,
                       figures.translationCm, logFolder);
 }
 
-int ToUE5(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE5(handOver.calibration.transformCamTc, figures.quaternionXyzw,
-                      figures.translationCm, logFolder);
-}
-
-int ToUE5xN(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE5_ExportxN(handOver.calibration.transformCamTc, figures.quaternionXyzw,
+int ToUE5xN(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToUE5_ExportxN(input.calibration.transformCamTc, figures.quaternionXyzw,
                                figures.translationCm, logFolder);
 }
 
-int ToAximmetry(const HandOver& handOver, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToAximmetry(handOver.calibration.normFocal, handOver.calibration.normCenter,
-                            handOver.calibration.transformCamTc, figures.fovX, figures.lensCentre,
+int ToAximmetry(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
+  return CamAxisToAximmetry(input.calibration.normFocal, input.calibration.normCenter,
+                            input.calibration.transformCamTc, figures.fovX, figures.lensCentre,
                             figures.rotationDeg, figures.translationCm, logFolder);
 }
 
-int ToUnrealFigures(const HandOver& handOver, const std::string& /*logFolder*/,
-                    EngineFigures& figures) {
-  figures.unreal = ToUnreal(handOver);
+int ExportToUnreal(const ExportInput& input, const std::string& /*logFolder*/,
+                   EngineFigures& figures) {
+  figures.unreal = ToUnreal(input);
   return 0;
 }
 
-int ToUnityFigures(const HandOver& handOver, const std::string& /*logFolder*/,
-                   EngineFigures& figures) {
-  figures.unity = ToUnity(handOver);
+int ExportToUnity(const ExportInput& input, const std::string& /*logFolder*/,
+                  EngineFigures& figures) {
+  figures.unity = ToUnity(input);
   return 0;
 }
 
@@ -51,12 +53,12 @@ std::string TextOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-EngineExport Compute(const Engine& engine, const HandOver& handOver) {
-  constexpr int kWrongUse = -1;  // as of the library
+EngineExport Compute(const Engine& engine, const ExportInput& input) {
+  constexpr int kWrongUse = -1;  // the library's code for invalid input
   EngineExport engineExport;
   engineExport.engine = &engine;
   try {
-    engineExport.code = engine.convert(handOver, "", engineExport.figures);
+    engineExport.code = engine.convert(input, "", engineExport.figures);
   } catch (const std::invalid_argument& error) {
     engineExport.code = kWrongUse;
     engineExport.refusal = error.what();
@@ -68,13 +70,13 @@ bool LacksLens(const EngineFigures& figures) {
   return (figures.unreal && !figures.unreal->lens) || (figures.unity && !figures.unity->lens);
 }
 
-std::vector<std::string> Words(const std::string& axes) {
-  std::vector<std::string> words;
-  std::istringstream stream(axes);
-  for (std::string word; std::getline(stream, word, ',');) {
-    words.push_back(word);
+std::vector<std::string> SplitAxes(const std::string& axes) {
+  std::vector<std::string> names;
+  std::istringstream list(axes);
+  for (std::string name; std::getline(list, name, ',');) {
+    names.push_back(name);
   }
-  return words;
+  return names;
 }
 
 nlohmann::ordered_json PlacementJson(const EngineExport& engineExport) {
@@ -130,7 +132,7 @@ const std::array<Engine, 6> kEngines = {{
      {"z", "-x", "y"},
      {"z", "-x", "y"},
      {"roll", "pitch", "yaw"},
-     ToUnrealFigures,
+     ExportToUnreal,
      true},
     {"unity",
      "Unity, below a transform",
@@ -139,20 +141,20 @@ const std::array<Engine, 6> kEngines = {{
      {"-x", "y", "z"},
      {"-x", "y", "z"},
      {"x", "y", "z"},
-     ToUnityFigures,
+     ExportToUnity,
      true},
 }};
 
-EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
+EngineExport ExportToEngine(const Engine& engine, const ExportInput& input,
                             const std::filesystem::path& folder) {
   if (engine.takesParentAxes) {
-    return Compute(engine, handOver);
+    return Compute(engine, input);
   }
   EngineExport engineExport;
   engineExport.engine = &engine;
   std::error_code error;
-  std::filesystem::create_directories(folder, error);  // where that fails, there is no log
-  engineExport.code = engine.convert(handOver, folder.u8string(), engineExport.figures);
+  std::filesystem::create_directories(folder, error);  // if this fails, there is no log
+  engineExport.code = engine.convert(input, folder.u8string(), engineExport.figures);
   engineExport.log = FindLog(folder);
   engineExport.isGimbalLocked =
       TextOf(engineExport.log).find("Encountered Gimbal lock") != std::string::npos;
@@ -163,26 +165,25 @@ std::string ProblemOf(const EngineExport& engineExport) {
   const std::string title = engineExport.engine->title;
   if (engineExport.isGimbalLocked) {
     const std::string lock =
-        title + ": gimbal lock. The camera looks along the tracker's y axis, where ";
-    return engineExport.code == 0
-               ? lock +
-                     "the angles about y and z cannot be told apart: the one about y is set to 0."
-               : lock +
-                     "roll and yaw cannot be told apart. Turn the tracker on the camera and "
-                     "calibrate again, or use ue5 or ue5-xn, whose quaternions know no gimbal "
-                     "lock.";
+        title + ": gimbal lock. The camera looks along the tracker's y axis, so ";
+    return lock + (engineExport.code == 0
+                       ? "the angles about y and z cannot be separated. The angle about y is set "
+                         "to 0; the rotation is right."
+                       : "roll and yaw cannot be separated. Export to unreal, ue5 or ue5-xn, or "
+                         "rotate the tracker on the camera and calibrate again.");
   }
   if (!engineExport.refusal.empty()) {
     return title + ": " + engineExport.refusal + '.';
   }
   if (LacksLens(engineExport.figures)) {
     return title +
-           ": the result does not tell the lens in full (imageSize, distortion and the sensor in "
-           "inputs.sensorMm), so the camera's place is handed over without it. Calibrate again.";
+           ": only the pose is exported, because the result file does not have the whole lens "
+           "(imageSize, distortion and inputs.sensorMm). Calibrate again.";
   }
-  return engineExport.code == 0 ? ""
-                                : title + ": the library refused the figures, code " +
-                                      std::to_string(engineExport.code) + ". The log says why.";
+  return engineExport.code == 0
+             ? ""
+             : title + ": the library refused the values with code " +
+                   std::to_string(engineExport.code) + ". Its log gives the reason.";
 }
 
 nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
@@ -192,11 +193,11 @@ nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
   nlohmann::ordered_json json = {
       {"code", engineExport.code}, {"message", problem.empty() ? "No error" : problem},
       {"engine", engine.name},     {"title", engine.title},
-      {"hand", engine.hand},       {"cameraAxes", engine.cameraAxes},
+      {"hand", engine.handedness}, {"cameraAxes", engine.cameraAxes},
   };
   if (engine.takesParentAxes) {
     const nlohmann::ordered_json placement = PlacementJson(engineExport);
-    json["trackerAxes"] = Words(placement.at("parentAxes"));
+    json["trackerAxes"] = SplitAxes(placement.at("parentAxes"));
     json["translationAxes"] = json["trackerAxes"];
     json.update(placement);
     return json;

@@ -1,4 +1,4 @@
-// The engines that a calibration can be handed to.
+// The engines to which a calibration can be exported.
 
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "host/engines/placement.h"
 #include "host/engines/unity.h"
@@ -17,8 +17,8 @@
 
 namespace trackedcam::host {
 
-/// What the library hands out for an engine, named as in its header, or what is computed here for
-/// Unreal or Unity; empty where the engine has no such figure.
+/// The values for an engine: the outputs of the library, named as in its header, or what is
+/// computed here for Unreal or Unity. Empty if the engine has no such value.
 struct EngineFigures {
   std::vector<double> translationCm;
   std::vector<double> rotationDeg;
@@ -34,40 +34,41 @@ using Axes = std::array<const char*, 3>;
 struct Engine {
   std::string_view name;  // on the command line
   const char* title;
-  const char* hand;
-  Axes cameraAxes;       // where x, y and z of the engine point, seen from the camera
-  Axes trackerAxes;      // which axes of the tracker, as it is reported, they are; see below
-  Axes translationAxes;  // along which of these the translation counts
-  Axes rotationNames;    // of the three angles; unused where a quaternion is handed out
-  /// The library's code; 0 where the figures are computed here, without a log.
-  int (*convert)(const HandOver&, const std::string& logFolder, EngineFigures&);
-  /// Whether the figures are computed here, for a parent whose axes can be chosen: trackerAxes are
-  /// then those that it presumes.
+  const char* handedness;
+  Axes cameraAxes;       // directions of x, y and z, seen from the camera: "right", "up", ...
+  Axes trackerAxes;      // directions of x, y and z in the tracker's reported axes
+  Axes translationAxes;  // directions of the translation's x, y and z in the reported axes
+  Axes rotationNames;    // of the three angles; unused for a quaternion
+  /// @return The library's code, or 0 if the values are computed here, without a log.
+  int (*convert)(const ExportInput&, const std::string& logFolder, EngineFigures&);
+  /// Whether the values are computed here, for a parent whose axes the user can choose. trackerAxes
+  /// are then the default.
   bool takesParentAxes;
 };
 
 extern const std::array<Engine, 6> kEngines;
 
-/// What became of handing a calibration to an engine.
+/// The result of an export.
 struct EngineExport {
   const Engine* engine = nullptr;
   int code = 0;
   bool isGimbalLocked = false;
   EngineFigures figures;
-  std::string refusal;        // why there are no figures, where no log says so
-  std::filesystem::path log;  // empty when the library was not asked or could not write one
+  std::string refusal;        // why there are no values, if no log gives the reason
+  std::filesystem::path log;  // empty if the library was not called or could not write one
 };
 
-/// Calls the library, or computes the figures.
-/// @param folder For the library's log, of this call alone; created when missing.
-/// @throws InputError for parent axes that the engine cannot have.
-EngineExport ExportToEngine(const Engine& engine, const HandOver& handOver,
+/// Calls the library, or computes the values.
+/// @param folder For the library's log of this call; created if it is missing.
+/// @throws InputError if the parent axes are invalid.
+EngineExport ExportToEngine(const Engine& engine, const ExportInput& input,
                             const std::filesystem::path& folder);
 
-/// What went wrong, or what to beware of, and what to do; empty when all is well.
+/// The error or warning of an export and what to do, in one or two sentences; empty if there is
+/// none.
 std::string ProblemOf(const EngineExport& engineExport);
 
-/// The figures at full precision, with the axes they count along.
+/// The values at full precision, with their axes.
 nlohmann::ordered_json EngineJson(const EngineExport& engineExport);
 
 }  // namespace trackedcam::host

@@ -7,12 +7,13 @@
 
 #include <Eigen/LU>
 
+#include "crosscheck/reported_poses.h"
 #include "host/input/inputs.h"
-#include "host/input/reported_axes.h"
 
 namespace trackedcam::host {
 namespace {
 
+using crosscheck::AxisFix;
 using Eigen::Matrix3d;
 using Eigen::Vector3d;
 using RowMajor4d = Eigen::Matrix<double, 4, 4, Eigen::RowMajor>;
@@ -63,16 +64,8 @@ std::string TextOf(const Matrix3d& axes) {
 
 }  // namespace
 
-Matrix3d ForwardRightUp() {
-  return Columns(kForward, kRight, kUp);
-}
-
-Matrix3d RightUpForward() {
-  return Columns(kRight, kUp, kForward);
-}
-
 bool IsPlacement(const std::vector<double>& transformCamTc) {
-  constexpr double kRounded = 1e-3;  // a result that was typed off is still a rotation
+  constexpr double kRounded = 1e-3;  // accepts a result with rounded numbers
   constexpr double kFarthest = 1e6;  // metres
   if (transformCamTc.size() < 16) {
     return false;
@@ -89,13 +82,21 @@ CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamT
                                 " elements, needs 16");
   }
   if (!IsPlacement(transformCamTc)) {
-    throw std::invalid_argument("transformCamTc is no rotation and translation");
+    throw std::invalid_argument("transformCamTc is not a rotation and translation");
   }
   const Eigen::Map<const RowMajor4d> transform(transformCamTc.data());
   const Matrix3d rotation = transform.topLeftCorner<3, 3>();
   const Matrix3d Rot_Tc_Cam =
       Eigen::Quaterniond(rotation).normalized().toRotationMatrix().transpose();
   return {AxisFix() * Rot_Tc_Cam, -AxisFix() * Rot_Tc_Cam * transform.topRightCorner<3, 1>()};
+}
+
+Matrix3d ForwardRightUp() {
+  return Columns(kForward, kRight, kUp);
+}
+
+Matrix3d RightUpForward() {
+  return Columns(kRight, kUp, kForward);
 }
 
 CameraPlacement InEngineAxes(const CameraPlacement& reported, const Matrix3d& fromReported,
@@ -122,20 +123,20 @@ ParentAxes ParseParentAxes(const std::string& text, const std::string& zForward)
     }
   }
   if (!axes || axes->determinant() == 0) {
-    throw InputError(text + " is not X,Y,Z in reported axes, such as " + zForward +
-                     ", and neither " + kZForward + " nor " + kMinusZForward);
+    throw InputError(text + " is not a list X,Y,Z of reported axes, such as " + zForward +
+                     ", and not " + kZForward + " or " + kMinusZForward);
   }
   if (axes->determinant() > 0) {
     throw InputError(text +
-                     " is right-handed, as the reported axes are, but the engine is left-handed: "
-                     "one of the signs, or the order, is wrong");
+                     " is right-handed, but the engine's axes are left-handed: change one sign, or "
+                     "exchange two axes");
   }
   return {TextOf(*axes), *axes};
 }
 
-std::optional<EngineLens> LensOf(const HandOver& handOver) {
-  const CalibrationOutputs& calibration = handOver.calibration;
-  if (!handOver.sensorMm || calibration.imageSize.size() < 2 || calibration.normFocal.size() < 2 ||
+std::optional<EngineLens> LensOf(const ExportInput& input) {
+  const CalibrationOutputs& calibration = input.calibration;
+  if (!input.sensorMm || calibration.imageSize.size() < 2 || calibration.normFocal.size() < 2 ||
       calibration.normCenter.size() < 2 || calibration.distortion.size() < 5) {
     return std::nullopt;
   }
@@ -146,8 +147,8 @@ std::optional<EngineLens> LensOf(const HandOver& handOver) {
     lens.fxFy[i] = calibration.normFocal[i];
     lens.imageCenter[i] = calibration.normCenter[i] + kHalfAPixel / calibration.imageSize[i];
   }
-  lens.focalLengthMm = lens.fxFy[0] * (*handOver.sensorMm)[0];
-  lens.filmbackMm = {(*handOver.sensorMm)[0], lens.focalLengthMm / lens.fxFy[1]};
+  lens.focalLengthMm = lens.fxFy[0] * (*input.sensorMm)[0];
+  lens.filmbackMm = {(*input.sensorMm)[0], lens.focalLengthMm / lens.fxFy[1]};
   lens.k1 = calibration.distortion[0];
   lens.k2 = calibration.distortion[1];
   lens.p1 = calibration.distortion[2];

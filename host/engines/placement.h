@@ -1,3 +1,6 @@
+// What all engines need: the camera's pose relative to its tracker, the axes of the camera's
+// parent, and the lens.
+
 #pragma once
 
 #include <array>
@@ -12,79 +15,82 @@
 
 namespace trackedcam::host {
 
-/// What an engine is handed.
-struct HandOver {
+/// What is exported to an engine.
+struct ExportInput {
   CalibrationOutputs calibration;
-  std::optional<std::array<double, 2>> sensorMm;  // nothing: not known, as in an old result file
-  std::string parentAxes;  // as ParseParentAxes takes them; empty: those that the engine presumes
+  std::optional<std::array<double, 2>> sensorMm;  // nothing: unknown, as in an old result file
+  std::string parentAxes;  // as for ParseParentAxes; empty: the engine's default
 };
 
-// How the camera sits at its tracker.
+// The pose.
 
-/// The camera in a frame of its tracker.
+/// The camera's pose relative to its tracker.
 struct CameraPlacement {
-  Eigen::Matrix3d rotation;  // its columns are the camera's axes
+  Eigen::Matrix3d rotation;  // its columns are the camera's axes, in the tracker's
   Eigen::Vector3d position;  // of the optical centre, metres
 };
 
-/// Whether sixteen values row by row are a rotation and a translation that can be anywhere on a
-/// set: not singular, not scaled, and finite.
+/// Whether a transform, sixteen values row by row, is rigid, finite and not farther than anything
+/// on a set.
 bool IsPlacement(const std::vector<double>& transformCamTc);
 
-/// Seen from the camera in the optical frame: where an engine's axes X, Y and Z point, in columns.
+/// @param transformCamTc Sixteen values row by row, as the library returns them.
+/// @return In the tracker's reported axes; the camera's axes are x right, y down, z forward.
+/// @throws std::invalid_argument if there are fewer values, or if they are not a rigid transform.
+CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamTc);
+
+/// An engine's axes X, Y and Z at the camera: their directions in the camera's x right, y down,
+/// z forward, in columns.
 Eigen::Matrix3d ForwardRightUp();
 Eigen::Matrix3d RightUpForward();
 
-/// @param transformCamTc Sixteen values row by row, as the library hands them out.
-/// @return In the tracker's axes as they are reported; the columns are x right, y down, z forward.
-/// @throws std::invalid_argument when there are fewer, or when they are no rotation.
-CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamTc);
-
-/// The same placement for an engine.
-/// @param fromReported Takes coordinates in reported axes into the engine's, at the tracker.
+/// The same pose in an engine's axes.
+/// @param fromReported Converts coordinates from the tracker's reported axes to the engine's.
 /// @param axesAtCamera The engine's axes at the camera.
 CameraPlacement InEngineAxes(const CameraPlacement& reported, const Eigen::Matrix3d& fromReported,
                              const Eigen::Matrix3d& axesAtCamera);
 
-/// x, y, z, w with w not below 0. The rotation is taken as a matrix of coordinates, whatever the
-/// hand of its axes: left-handed engines multiply quaternions by the same formula.
+/// x, y, z, w with w not below 0. The matrix may be in left-handed axes: left-handed engines
+/// multiply quaternions by the same formula.
 std::vector<double> QuaternionXyzw(const Eigen::Matrix3d& rotation);
 
-// The axes of the thing that the tracker moves in an engine: the camera's parent.
+// The axes of the camera's parent: the component or transform that the tracker moves.
 
-/// An engine's X, Y and Z in the tracker's reported axes, as in "z,-x,y".
+/// An engine's X, Y and Z in the tracker's reported axes, such as "z,-x,y".
 struct ParentAxes {
   std::string text;
-  Eigen::Matrix3d fromReported;  // takes coordinates in reported axes into the engine's
+  Eigen::Matrix3d fromReported;  // converts coordinates from the reported axes to the engine's
 };
 
-/// The forms that --parent-axes takes by name, whatever the engine: forward is the reported z or
-/// its opposite, up is the reported y.
+/// Names that --parent-axes takes for every engine: forward is the reported z or -z, up is the
+/// reported y.
 constexpr const char* kZForward = "z-forward";
 constexpr const char* kMinusZForward = "minus-z-forward";
 
-/// @param text Three of x, y, z, each once and with or without a minus, or one of the names.
-/// @param zForward What the engine calls z-forward, as a text of the first form.
-/// @throws InputError when it is neither, or when the axes are right-handed: the reported ones are,
-///         and the engines that ask are left-handed.
+/// @param text x, y and z, each once and with or without a minus, or one of the names.
+/// @param zForward The engine's axes for z-forward, as letters.
+/// @throws InputError if the text is neither, or if the axes are right-handed: the reported axes
+/// are
+///         right-handed, and the engines that have parent axes are left-handed.
 ParentAxes ParseParentAxes(const std::string& text, const std::string& zForward);
 
-// The lens in the measures that engines share.
+// The lens.
 
+/// In the units that engines share.
 struct EngineLens {
   std::array<int, 2> imageSize = {};  // pixels
-  /// Of the part of the sensor that the picture uses: the width that was stated, and the height at
-  /// which one focal length serves both directions.
+  /// Size of the part of the sensor that the image uses: the stated width, and the height at which
+  /// one focal length is right in both directions.
   std::array<double, 2> filmbackMm = {};
   double focalLengthMm = 0;
-  std::array<double, 2> fxFy = {};  // parts of the image's width and height
-  /// The principal point in parts of the image from its top left corner. That corner lies half a
-  /// pixel before the centre of the first pixel, from which the library counts.
+  std::array<double, 2> fxFy = {};  // in image widths and heights
+  /// Principal point in image widths and heights from the image's top left corner. The corner is
+  /// half a pixel before the centre of the first pixel, where the library's coordinates begin.
   std::array<double, 2> imageCenter = {};
   double k1 = 0, k2 = 0, k3 = 0, p1 = 0, p2 = 0;  // of the Brown-Conrady model
 };
 
-/// Nothing where the sensor, the size of the image or the distortion is not known.
-std::optional<EngineLens> LensOf(const HandOver& handOver);
+/// Nothing if the sensor, the size of the image or the distortion is unknown.
+std::optional<EngineLens> LensOf(const ExportInput& input);
 
 }  // namespace trackedcam::host

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <nlohmann/json.hpp>
+
 #include "host/text/files.h"
 
 namespace trackedcam::host {
@@ -10,8 +12,8 @@ namespace {
 using Eigen::Matrix3d;
 using Json = nlohmann::ordered_json;
 
-// rotation = Ry * Rx * Rz. The angle about z is taken from what the one about y leaves, so that it
-// is right where that one is free.
+// rotation = Ry * Rx * Rz. The angle about z is computed from the rotation without Ry, so that it
+// fits y even if y is arbitrary (gimbal lock).
 std::vector<double> EulerAngles(const Matrix3d& rotation) {
   const double y = std::atan2(rotation(0, 2), rotation(2, 2));
   const double c = std::cos(y);
@@ -23,8 +25,8 @@ std::vector<double> EulerAngles(const Matrix3d& rotation) {
   return {x * kDegrees, y * kDegrees, z * kDegrees};
 }
 
-std::optional<UnityLens> UnityLensOf(const HandOver& handOver) {
-  const std::optional<EngineLens> lens = LensOf(handOver);
+std::optional<UnityLens> UnityLensOf(const ExportInput& input) {
+  const std::optional<EngineLens> lens = LensOf(input);
   if (!lens) {
     return std::nullopt;
   }
@@ -54,17 +56,17 @@ Json LensJson(const UnityLens& lens) {
 
 }  // namespace
 
-UnityFigures ToUnity(const HandOver& handOver) {
+UnityFigures ToUnity(const ExportInput& input) {
   const ParentAxes axes = ParseParentAxes(
-      handOver.parentAxes.empty() ? kUnityParentAxes : handOver.parentAxes, kUnityParentAxes);
+      input.parentAxes.empty() ? kUnityParentAxes : input.parentAxes, kUnityParentAxes);
   const CameraPlacement placement =
-      InEngineAxes(PlacementInReportedAxes(handOver.calibration.transformCamTc), axes.fromReported,
+      InEngineAxes(PlacementInReportedAxes(input.calibration.transformCamTc), axes.fromReported,
                    RightUpForward());
   UnityFigures figures;
   figures.localPosition = {placement.position.x(), placement.position.y(), placement.position.z()};
   figures.localRotationXyzw = QuaternionXyzw(placement.rotation);
   figures.localEulerAngles = EulerAngles(placement.rotation);
-  figures.lens = UnityLensOf(handOver);
+  figures.lens = UnityLensOf(input);
   figures.parentAxes = axes.text;
   return figures;
 }

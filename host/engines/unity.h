@@ -1,4 +1,4 @@
-// The camera below a transform of Unity that the tracker moves.
+// The export to Unity: a camera below the transform that the tracker moves.
 //
 // Left-handed, X right, Y up, Z forward, metres.
 
@@ -7,38 +7,37 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "host/engines/placement.h"
 
 namespace trackedcam::host {
 
-/// The transform's axes in reported ones unless others are named.
+/// The default of the transform's axes, in the tracker's reported axes.
 constexpr const char* kUnityParentAxes = "-x,y,z";
 
-/// How Unity's physical camera shows the lens without its distortion, for which it has no effect of
-/// this model.
+/// The lens as Unity's physical camera. Unity has no effect with this model of distortion.
 struct UnityLens {
   EngineLens figures;
-  /// In parts of the sensor. A lens that is shifted right and up moves the picture left and down.
+  /// In parts of the sensor. A lens that is shifted right and up moves the image left and down.
   std::array<double, 2> lensShift = {};
 };
 
 struct UnityFigures {
   std::vector<double> localPosition;      // metres
-  std::vector<double> localRotationXyzw;  // as of a Quaternion
-  std::vector<double> localEulerAngles;   // degrees; Unity turns about z, then x, then y
-  std::optional<UnityLens> lens;          // nothing where the result does not tell it
+  std::vector<double> localRotationXyzw;  // for a Quaternion
+  std::vector<double> localEulerAngles;   // degrees; Unity rotates about z, then x, then y
+  std::optional<UnityLens> lens;          // nothing if the input does not have it
   std::string parentAxes;
 };
 
-/// When the camera looks along the transform's y axis, where the angles about y and z are one turn,
-/// the figures still give the right rotation.
-/// @throws InputError for parent axes that cannot be.
-/// @throws std::invalid_argument when the transform is none.
-UnityFigures ToUnity(const HandOver& handOver);
+/// The rotation is also right if the camera looks along the transform's y axis, so that the angles
+/// about y and z cannot be separated.
+/// @throws InputError if the parent axes are invalid.
+/// @throws std::invalid_argument if the calibration has no rigid transform.
+UnityFigures ToUnity(const ExportInput& input);
 
-/// By the names of the fields of Transform and Camera.
+/// The keys are the names of the fields of Transform and Camera.
 nlohmann::ordered_json UnityJson(const UnityFigures& figures);
 
 }  // namespace trackedcam::host

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include <nlohmann/json.hpp>
+
 #include "host/text/files.h"
 #include "host/text/text.h"
 
@@ -12,8 +14,8 @@ namespace {
 using Eigen::Matrix3d;
 using Json = nlohmann::ordered_json;
 
-// rotation = Rz(yaw) * Ry(-pitch) * Rx(-roll). The roll is taken from what the yaw leaves, so that
-// it is right where the yaw is free.
+// rotation = Rz(yaw) * Ry(-pitch) * Rx(-roll). The roll is computed from the rotation without the
+// yaw, so that it fits the yaw even if the yaw is arbitrary (gimbal lock).
 std::vector<double> RollPitchYaw(const Matrix3d& rotation) {
   const double yaw = std::atan2(rotation(1, 0), rotation(0, 0));
   const double c = std::cos(yaw);
@@ -38,8 +40,8 @@ Json LensJson(const EngineLens& lens) {
   };
 }
 
-// One row at focus 0 and zoom 0: the only one, so it holds for all. Plain decimals, since not every
-// version of the editor reads exponents.
+// A table of one row, at focus 0 and zoom 0, holds for every focus and zoom. Plain decimals,
+// because not every version of the editor reads exponents.
 Json TableJson(const char* name, const std::string& columns, const std::vector<double>& figures) {
   std::string row = "0, 0";
   for (const double figure : figures) {
@@ -49,8 +51,8 @@ Json TableJson(const char* name, const std::string& columns, const std::vector<d
       {"parameterName", name}, {"header", "FocusEncoder, ZoomEncoder, " + columns}, {"data", row}};
 }
 
-// The file counts the nodal offset along x right, y down, z forward on both sides; the editor turns
-// it into its own axes on import.
+// In the file the nodal offset is in the axes x right, y down, z forward on both sides; the editor
+// converts it to its own axes on import.
 std::vector<double> NodalOffset(const UnrealFigures& figures) {
   const std::vector<double>& q = figures.quaternionXyzw;
   const std::vector<double>& t = figures.locationCm;
@@ -59,19 +61,19 @@ std::vector<double> NodalOffset(const UnrealFigures& figures) {
 
 }  // namespace
 
-UnrealFigures ToUnreal(const HandOver& handOver) {
+UnrealFigures ToUnreal(const ExportInput& input) {
   constexpr double kCentimetresPerMetre = 100;
   const ParentAxes axes = ParseParentAxes(
-      handOver.parentAxes.empty() ? kUnrealParentAxes : handOver.parentAxes, kUnrealParentAxes);
+      input.parentAxes.empty() ? kUnrealParentAxes : input.parentAxes, kUnrealParentAxes);
   const CameraPlacement placement =
-      InEngineAxes(PlacementInReportedAxes(handOver.calibration.transformCamTc), axes.fromReported,
+      InEngineAxes(PlacementInReportedAxes(input.calibration.transformCamTc), axes.fromReported,
                    ForwardRightUp());
   const Eigen::Vector3d location = placement.position * kCentimetresPerMetre;
   UnrealFigures figures;
   figures.locationCm = {location.x(), location.y(), location.z()};
   figures.rotationDeg = RollPitchYaw(placement.rotation);
   figures.quaternionXyzw = QuaternionXyzw(placement.rotation);
-  figures.lens = LensOf(handOver);
+  figures.lens = LensOf(input);
   figures.parentAxes = axes.text;
   return figures;
 }
@@ -88,7 +90,8 @@ Json UnrealJson(const UnrealFigures& figures) {
 
 std::string LensFileText(const UnrealFigures& figures, const std::string& name) {
   if (!figures.lens) {
-    throw std::runtime_error("the lens is not known, so there is no lens file to write");
+    throw std::runtime_error(
+        "the lens is unknown, so no Lens File can be written: calibrate again");
   }
   const EngineLens& lens = *figures.lens;
   const Json empty = Json::array();

@@ -1,4 +1,4 @@
-// The camera below a component of Unreal Engine that the tracker moves.
+// The export to Unreal Engine: a camera below the component that the tracker moves.
 //
 // Left-handed, X forward, Y right, Z up, centimetres.
 
@@ -7,36 +7,36 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "host/engines/placement.h"
 
 namespace trackedcam::host {
 
-/// The component's axes in reported ones unless others are named.
+/// The default of the component's axes, in the tracker's reported axes.
 constexpr const char* kUnrealParentAxes = "z,-x,y";
 
 struct UnrealFigures {
   std::vector<double> locationCm;
-  std::vector<double> rotationDeg;     // roll, pitch, yaw as of an FRotator
-  std::vector<double> quaternionXyzw;  // as of an FQuat
-  std::optional<EngineLens> lens;      // nothing where the result does not tell it
+  std::vector<double> rotationDeg;     // roll, pitch, yaw, for an FRotator
+  std::vector<double> quaternionXyzw;  // for an FQuat
+  std::optional<EngineLens> lens;      // nothing if the input does not have it
   std::string parentAxes;
 };
 
-/// At a pitch of 90 or -90 degrees, where roll and yaw are one turn, the figures still give the
-/// right rotation.
-/// @throws InputError for parent axes that cannot be.
-/// @throws std::invalid_argument when the transform is none.
-UnrealFigures ToUnreal(const HandOver& handOver);
+/// The rotation is also right at a pitch of 90 or -90 degrees, at which roll and yaw cannot be
+/// separated.
+/// @throws InputError if the parent axes are invalid.
+/// @throws std::invalid_argument if the calibration has no rigid transform.
+UnrealFigures ToUnreal(const ExportInput& input);
 
-/// The keys of a Lens File, and the placement below "locationCm", "rotationDeg", "quaternionXyzw".
+/// The pose as "locationCm", "rotationDeg" and "quaternionXyzw", and the lens.
 nlohmann::ordered_json UnrealJson(const UnrealFigures& figures);
 
-/// The content of a .ulens file, which the editor imports as a Lens File asset: lens and placement
-/// as nodal offset, of one zoom and focus.
-/// @param name Of the lens.
-/// @throws std::runtime_error when the lens is not known.
+/// The content of a .ulens file, which the editor imports as a Lens File asset: the lens, and the
+/// pose as nodal offset, for one zoom and focus.
+/// @param name The lens's name.
+/// @throws std::runtime_error if the lens is unknown.
 std::string LensFileText(const UnrealFigures& figures, const std::string& name);
 
 }  // namespace trackedcam::host

@@ -1,21 +1,14 @@
 #include "host/input/reported_axes.h"
 
 #include <array>
-#include <cmath>
-#include <tuple>
 
-#include <Eigen/Geometry>
-
+#include "crosscheck/reported_poses.h"
 #include "host/input/data_file.h"
 #include "host/input/input_error.h"
 #include "host/text/text.h"
 
 namespace trackedcam::host {
 namespace {
-
-using Eigen::AngleAxisd;
-using Eigen::Matrix3d;
-using Eigen::Vector3d;
 
 std::string Join(const std::vector<std::string>& fields) {
   std::string text = fields.front();
@@ -29,41 +22,43 @@ void RequireNumbers(const DataRow& row, const std::vector<std::string_view>& fie
   for (std::size_t i = kFirstPoseField; i < kFields; ++i) {
     const bool isThere = i < fields.size() && KindOf(fields[i]) != FieldKind::kEmpty;
     if (!isThere || KindOf(fields[i]) == FieldKind::kText) {
-      throw InputError("line " + std::to_string(row.line) + " of the tracker data has " +
-                       (isThere ? '"' + std::string(fields[i]) + '"' : "nothing") +
-                       " where field " + std::to_string(i + 1) +
-                       " should be a number, so its poses cannot be converted");
+      const std::string where =
+          "row " + std::to_string(row.line) + ", field " + std::to_string(i + 1) + ": ";
+      throw InputError(where +
+                       (isThere ? '"' + std::string(fields[i]) + "\" is not a number"
+                                : "the number is missing") +
+                       ", so the poses cannot be converted");
     }
   }
 }
 
-// Three coordinates along the axes that the words name.
-std::array<double, 3> Along(const char* words, const double* coordinates) {
+// Three coordinates along the axes of a list such as "-y,z,x".
+std::array<double, 3> Along(const char* axes, const double* coordinates) {
   std::array<double, 3> along = {};
   for (double& coordinate : along) {
-    const bool isOpposite = *words == '-';
-    words += isOpposite ? 1 : 0;
-    const double value = coordinates[*words - 'x'];
+    const bool isOpposite = *axes == '-';
+    axes += isOpposite ? 1 : 0;
+    const double value = coordinates[*axes - 'x'];
     coordinate = isOpposite ? 0 - value : value;
-    words += 2;  // and the comma
+    axes += 2;  // and the comma
   }
   return along;
 }
 
-// Where the axes change hands, a turn that is the same in the world turns the other way.
-TrackerPose Converted(const TrackerPose& figures, const TrackerAxes& axes, double unitsPerMetre) {
-  const auto position = Along(axes.reported, figures.data());
-  auto turn = Along(axes.reported, figures.data() + 4);
-  for (double& component : turn) {
+// Between right-handed and left-handed axes, the same rotation changes its sign.
+TrackerPose Converted(const TrackerPose& pose, const TrackerAxes& axes, double unitsPerMetre) {
+  const auto position = Along(axes.reported, pose.data());
+  auto rotation = Along(axes.reported, pose.data() + 4);
+  for (double& component : rotation) {
     component = axes.isLeftHanded ? 0 - component : component;
   }
   return {position[0] / unitsPerMetre,
           position[1] / unitsPerMetre,
           position[2] / unitsPerMetre,
-          figures[3],
-          turn[0],
-          turn[1],
-          turn[2]};
+          pose[3],
+          rotation[0],
+          rotation[1],
+          rotation[2]};
 }
 
 const TrackerAxes& AxesOf(const TrackerFrame& frame) {
@@ -72,27 +67,6 @@ const TrackerAxes& AxesOf(const TrackerFrame& frame) {
 
 double UnitsPerMetre(const TrackerFrame& frame) {
   return frame.unit == nullptr ? AxesOf(frame).unitsPerMetre : frame.unit->unitsPerMetre;
-}
-
-constexpr double kDegrees = 180 / EIGEN_PI;
-
-Matrix3d RotationOf(const std::array<double, 3>& degrees) {
-  return (AngleAxisd(degrees[0] / kDegrees, Vector3d::UnitX()) *
-          AngleAxisd(degrees[1] / kDegrees, Vector3d::UnitY()) *
-          AngleAxisd(degrees[2] / kDegrees, Vector3d::UnitZ()))
-      .toRotationMatrix();
-}
-
-// rotation = Rx · Ry · Rz. The angle about z is taken from what the one about x leaves, so that it
-// is right where that one is free.
-std::array<double, 3> AnglesOf(const Matrix3d& rotation) {
-  const double x = std::atan2(-rotation(1, 2), rotation(2, 2));
-  const double c = std::cos(x);
-  const double s = std::sin(x);
-  const double y = std::atan2(rotation(0, 2), c * rotation(2, 2) - s * rotation(1, 2));
-  const double z =
-      std::atan2(c * rotation(1, 0) + s * rotation(2, 0), c * rotation(1, 1) + s * rotation(2, 1));
-  return {x * kDegrees, y * kDegrees, z * kDegrees};
 }
 
 }  // namespace
@@ -127,8 +101,8 @@ DataRow InReportedAxes(const DataRow& row, const TrackerFrame& frame) {
   std::size_t field = kFirstPoseField;
   for (TrackerPose pose : PosesIn(fields)) {
     pose = Converted(pose, AxesOf(frame), UnitsPerMetre(frame));
-    for (const double figure : pose) {
-      converted[field++] = Shortest(figure);
+    for (const double number : pose) {
+      converted[field++] = Shortest(number);
     }
   }
   return {row.line, Join(converted), row.photograph};
@@ -143,16 +117,13 @@ std::vector<DataRow> InReportedAxes(const std::vector<DataRow>& rows, const Trac
   return converted;
 }
 
-// The fix is its own inverse, so one way is the other.
 Mounting ToReportedAxes(const Mounting& fixed) {
-  const Eigen::Map<const Vector3d> translation(fixed.translationMetres.data());
-  const Vector3d reported = AxisFix() * translation;
-  return {AnglesOf(AxisFix() * RotationOf(fixed.rotationDegrees)),
-          {reported.x(), reported.y(), reported.z()}};
+  const crosscheck::Pose axisFix(crosscheck::AxisFix());
+  return crosscheck::MountingOf(axisFix * crosscheck::TransformOf(fixed));
 }
 
 Mounting FromReportedAxes(const Mounting& reported) {
-  return ToReportedAxes(reported);
+  return ToReportedAxes(reported);  // the axis fix is its own inverse
 }
 
 }  // namespace trackedcam::host

@@ -60,19 +60,19 @@ CalibrationOutputs Parse(const nlohmann::json& json, const std::array<double, 2>
 
 struct Result {
   int code = 0;
-  HandOver handOver;
+  ExportInput input;
 };
 
 // The lens of a file that was written before the engines needed it, or by hand, is not there.
-void ParseLens(const nlohmann::json& json, HandOver& handOver) {
+void ParseLens(const nlohmann::json& json, ExportInput& input) {
   if (json.contains("imageSize") && json.contains("distortion")) {
-    handOver.calibration.imageSize = ReadNumbers(json, "imageSize", 2);
-    handOver.calibration.distortion = ReadNumbers(json, "distortion", 5);
+    input.calibration.imageSize = ReadNumbers(json, "imageSize", 2);
+    input.calibration.distortion = ReadNumbers(json, "distortion", 5);
   }
   const auto inputs = json.find("inputs");
   if (inputs != json.end() && inputs->contains("sensorMm")) {
     const auto sensor = ReadNumbers(*inputs, "sensorMm", 2);
-    handOver.sensorMm = {sensor[0], sensor[1]};
+    input.sensorMm = {sensor[0], sensor[1]};
   }
 }
 
@@ -80,11 +80,11 @@ Result Parse(const nlohmann::json& json) {
   Result result;
   result.code = json.at("code").get<int>();
   if (IsUsable(result.code)) {
-    CalibrationOutputs& calibration = result.handOver.calibration;
+    CalibrationOutputs& calibration = result.input.calibration;
     calibration.normFocal = ReadNumbers(json, "normFocal", 2);
     calibration.normCenter = ReadNumbers(json, "normCenter", 2);
     calibration.transformCamTc = ReadNumbers(json, "transformCamTc", 16);
-    ParseLens(json, result.handOver);
+    ParseLens(json, result.input);
   }
   return result;
 }
@@ -157,22 +157,22 @@ CalibrationOutputs ReadTruth(const std::filesystem::path& path,
   }
 }
 
-HandOver ReadResult(const std::filesystem::path& path) {
+ExportInput ReadResult(const std::filesystem::path& path) {
   Result result = Read(path);
   if (!IsUsable(result.code)) {
     throw std::runtime_error(path.u8string() + " is of a calibration that failed, code " +
                              std::to_string(result.code) + ": " + VerdictOf(result.code).message);
   }
-  if (!IsPlacement(result.handOver.calibration.transformCamTc)) {
+  if (!IsPlacement(result.input.calibration.transformCamTc)) {
     throw InputError(path.u8string() +
                      " holds a transformCamTc that no engine can take: it is no rotation and "
                      "translation");
   }
-  const std::vector<double>& focal = result.handOver.calibration.normFocal;
+  const std::vector<double>& focal = result.input.calibration.normFocal;
   if (!(focal[0] > 0 && focal[1] > 0)) {
     throw InputError(path.u8string() + " holds a normFocal that is no focal length");
   }
-  return std::move(result.handOver);
+  return std::move(result.input);
 }
 
 }  // namespace trackedcam::host

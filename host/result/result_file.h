@@ -48,6 +48,6 @@ CalibrationOutputs ReadTruth(const std::filesystem::path& path,
 /// has them also imageSize, distortion and the sensor.
 /// @throws InputError when the file is no result.
 /// @throws std::runtime_error when it is the result of a failed calibration.
-HandOver ReadResult(const std::filesystem::path& path);
+ExportInput ReadResult(const std::filesystem::path& path);
 
 }  // namespace trackedcam::host

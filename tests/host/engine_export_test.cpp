@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "engine_named.h"
 #include "host/engines/engine.h"
@@ -8,6 +9,7 @@ namespace trackedcam::host {
 namespace {
 
 using Json = nlohmann::json;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -29,7 +31,7 @@ class EngineExportTest : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(EngineExportTest, HasFiguresAndLog) {
+TEST_F(EngineExportTest, HasValuesAndLog) {
   const EngineExport ue5 = Export("ue5");
   EXPECT_EQ(ue5.engine, &EngineNamed("ue5"));
   EXPECT_EQ(ue5.code, 0);
@@ -46,8 +48,8 @@ TEST_F(EngineExportTest, ToUE4FailsInGimbalLock) {
   EXPECT_EQ(ue4.code, 3);
   EXPECT_TRUE(ue4.isGimbalLocked);
   EXPECT_THAT(ue4.figures.rotationDeg, IsEmpty());
-  EXPECT_THAT(ProblemOf(ue4), HasSubstr("Unreal Engine 4: gimbal lock. The camera looks along the "
-                                        "tracker's y axis, where roll and yaw"));
+  EXPECT_THAT(ProblemOf(ue4), AllOf(HasSubstr("Unreal Engine 4: gimbal lock. "),
+                                    HasSubstr("roll and yaw"), HasSubstr("unreal, ue5 or ue5-xn")));
 }
 
 TEST_F(EngineExportTest, ToAximmetryWarnsOfGimbalLock) {
@@ -55,19 +57,19 @@ TEST_F(EngineExportTest, ToAximmetryWarnsOfGimbalLock) {
   EXPECT_EQ(aximmetry.code, 0);
   EXPECT_TRUE(aximmetry.isGimbalLocked);
   EXPECT_THAT(aximmetry.figures.rotationDeg, ElementsAre(90, 0, 0));
-  EXPECT_THAT(ProblemOf(aximmetry), EndsWith("the one about y is set to 0."));
+  EXPECT_THAT(ProblemOf(aximmetry), AllOf(HasSubstr("Aximmetry: gimbal lock. "),
+                                          HasSubstr("The angle about y is set to 0")));
 }
 
-TEST_F(EngineExportTest, OfTooFewFiguresPointsToTheLog) {
+TEST_F(EngineExportTest, OfTooFewValuesPointsToTheLog) {
   const EngineExport ue5 = Export("ue5", {1, 2, 3});
   EXPECT_EQ(ue5.code, -1);
-  EXPECT_EQ(ProblemOf(ue5),
-            "Unreal Engine 5: the library refused the figures, code -1. The log says why.");
+  EXPECT_THAT(ProblemOf(ue5), AllOf(HasSubstr("Unreal Engine 5: "), HasSubstr("code -1")));
   EXPECT_THAT(test::ReadText(ue5.log.u8string()),
               HasSubstr("transformCamTc has 3 elements, needs 16."));
 }
 
-TEST(EngineJson, HoldsEveryFigureAtFullPrecision) {
+TEST(EngineJson, HasEveryValueAtFullPrecision) {
   EngineExport ue5;
   ue5.engine = &EngineNamed("ue5");
   ue5.figures.translationCm = {-10, 1.0 / 3.0, 30};
@@ -84,7 +86,7 @@ TEST(EngineJson, HoldsEveryFigureAtFullPrecision) {
     "fovX": [], "lensCentre": [], "log": "/logs/log.txt"})"));
 }
 
-TEST(EngineJson, SaysWhatWentWrong) {
+TEST(EngineJson, HasTheError) {
   EngineExport ue4;
   ue4.engine = &EngineNamed("ue4");
   ue4.code = 3;

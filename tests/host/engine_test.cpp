@@ -104,9 +104,9 @@ TEST_P(EngineTest, CountsAlongTheAxesThatItNames) {
   }
 }
 
-TEST_P(EngineTest, HasTheHandThatItNames) {
+TEST_P(EngineTest, HasTheHandednessThatItNames) {
   const Engine& engine = GetParam();
-  const double hand = std::string_view(engine.hand) == "right-handed" ? 1 : -1;
+  const double hand = std::string_view(engine.handedness) == "right-handed" ? 1 : -1;
   EXPECT_EQ(Columns(engine.cameraAxes, kAtTheCamera).determinant(), hand);
   EXPECT_EQ(Columns(engine.trackerAxes, kAtTheTracker).determinant(), hand);
 }

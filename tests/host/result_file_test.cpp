@@ -19,7 +19,7 @@ constexpr const char* kResult = R"({
 
 class ResultFileTest : public testing::Test {
  protected:
-  HandOver Read(const std::string& content) {
+  ExportInput Read(const std::string& content) {
     test::WriteFile(folder.File("result.json"), content);
     return ReadResult(folder.Path() / "result.json");
   }
@@ -43,23 +43,23 @@ class ResultFileTest : public testing::Test {
 };
 
 TEST_F(ResultFileTest, HasWhatEnginesNeed) {
-  const HandOver handOver = Read(kResult);
-  const CalibrationOutputs& outputs = handOver.calibration;
+  const ExportInput input = Read(kResult);
+  const CalibrationOutputs& outputs = input.calibration;
   EXPECT_THAT(outputs.normFocal, ElementsAre(0.9, 1.6));
   EXPECT_THAT(outputs.normCenter, ElementsAre(0.5, 0.49));
   EXPECT_EQ(outputs.transformCamTc.size(), 16U);
   EXPECT_EQ(outputs.transformCamTc[7], -0.02);
-  EXPECT_FALSE(handOver.sensorMm);
+  EXPECT_FALSE(input.sensorMm);
 }
 
 TEST_F(ResultFileTest, MayTellTheWholeLens) {
   const std::string lens = R"("imageSize": [1920, 1080], "distortion": [-0.1, 0.02, 0, 0, 0], )"
                            R"("inputs": {"sensorMm": [36, 20.25]}, "normFocal")";
-  const HandOver handOver = Read(With("\"normFocal\"", lens));
-  EXPECT_THAT(handOver.calibration.imageSize, ElementsAre(1920, 1080));
-  EXPECT_THAT(handOver.calibration.distortion, ElementsAre(-0.1, 0.02, 0, 0, 0));
-  ASSERT_TRUE(handOver.sensorMm);
-  EXPECT_THAT(*handOver.sensorMm, ElementsAre(36, 20.25));
+  const ExportInput input = Read(With("\"normFocal\"", lens));
+  EXPECT_THAT(input.calibration.imageSize, ElementsAre(1920, 1080));
+  EXPECT_THAT(input.calibration.distortion, ElementsAre(-0.1, 0.02, 0, 0, 0));
+  ASSERT_TRUE(input.sensorMm);
+  EXPECT_THAT(*input.sensorMm, ElementsAre(36, 20.25));
 }
 
 TEST_F(ResultFileTest, MustBeOfAUsableCalibration) {

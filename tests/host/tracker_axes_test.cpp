@@ -73,9 +73,9 @@ TEST(TrackerAxes, NeedFourteenNumbers) {
     return std::string("no error");
   };
   EXPECT_THAT(error("1,2,3,x,0,0,0,1,2,3,1,0,0,0"),
-              HasSubstr("line 7 of the tracker data has \"x\" where field 6 should be a number"));
+              HasSubstr("row 7, field 6: \"x\" is not a number"));
   EXPECT_THAT(error("1,2,3,1,0,0,0,1,2,3,1,0,0"),
-              HasSubstr("line 7 of the tracker data has nothing where field 16"));
+              HasSubstr("row 7, field 16: the number is missing"));
 }
 
 std::string Text(const arithmetic::Pose& pose) {

@@ -1,6 +1,7 @@
 #include "host/engines/unity.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "engine_arithmetic.h"
 #include "set_in_engine.h"
@@ -16,7 +17,7 @@ using testing::ElementsAre;
 constexpr const char* kRightUpForward = "x,-y,z";
 constexpr double kTolerance = 1e-6;  // metres, degrees
 
-HandOver HandOverOf(const Instant& instant, const std::string& parentAxes = "") {
+ExportInput InputOf(const Instant& instant, const std::string& parentAxes = "") {
   return {instant.Calibration(), std::array<double, 2>{36, 20}, parentAxes};
 }
 
@@ -38,7 +39,7 @@ TEST_P(UnityTest, PutsTheCameraWhereItIs) {
   std::mt19937 random(seed);
   for (int round = 0; round < 40; ++round) {
     const Instant instant(random);
-    const UnityFigures figures = ToUnity(HandOverOf(instant, GetParam().typed));
+    const UnityFigures figures = ToUnity(InputOf(instant, GetParam().typed));
     EXPECT_EQ(figures.parentAxes, GetParam().axes);
     const Vector3d position = arithmetic::VectorOf(figures.localPosition);
     const std::vector<double>& a = figures.localEulerAngles;
@@ -71,7 +72,7 @@ TEST(Unity, LooksStraightUpAndDown) {
     Matrix3d fix;
     fix << -1, 0, 0, 0, 0, -1, 0, -1, 0;
     instant.Transform_Cam_Tc.topLeftCorner<3, 3>() = (fix * reported).transpose();
-    const std::vector<double> a = ToUnity(HandOverOf(instant)).localEulerAngles;
+    const std::vector<double> a = ToUnity(InputOf(instant)).localEulerAngles;
     EXPECT_LT(arithmetic::DegreesBetween(arithmetic::UnityEuler(a[0], a[1], a[2]), axes),
               kTolerance)
         << x;
@@ -83,7 +84,7 @@ TEST(Unity, LooksStraightUpAndDown) {
 // left of the viewport.
 TEST(Unity, ShowsAPointWhereThePhotographDoes) {
   std::mt19937 random(1);
-  const UnityLens lens = ToUnity(HandOverOf(Instant(random))).lens.value();
+  const UnityLens lens = ToUnity(InputOf(Instant(random))).lens.value();
   const double f = lens.figures.focalLengthMm;
   for (const auto& [x, y] : {std::pair(0.2, -0.1), {-0.4, 0.3}, {0.0, 0.0}}) {
     const double u = 0.9 * 1920 * x + 0.51 * 1920;
@@ -97,8 +98,8 @@ TEST(Unity, ShowsAPointWhereThePhotographDoes) {
 
 TEST(Unity, JsonHasTheKeysOfTheEngine) {
   std::mt19937 random(1);
-  HandOver handOver = HandOverOf(Instant(random));
-  const auto json = UnityJson(ToUnity(handOver));
+  ExportInput input = InputOf(Instant(random));
+  const auto json = UnityJson(ToUnity(input));
   EXPECT_EQ(json["parentAxes"], "-x,y,z");
   EXPECT_EQ(json["localPosition"].size(), 3U);
   EXPECT_EQ(json["localRotationXyzw"].size(), 4U);
@@ -106,8 +107,8 @@ TEST(Unity, JsonHasTheKeysOfTheEngine) {
   EXPECT_EQ(json["lens"]["gateFit"], "None");
   EXPECT_THAT(json["lens"]["sensorSize"].get<std::vector<double>>(),
               ElementsAre(36, testing::DoubleEq(20.25)));
-  handOver.sensorMm.reset();
-  EXPECT_EQ(UnityJson(ToUnity(handOver))["lens"], nullptr);
+  input.sensorMm.reset();
+  EXPECT_EQ(UnityJson(ToUnity(input))["lens"], nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "host/engines/unreal.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "engine_arithmetic.h"
 #include "host/input/inputs.h"
@@ -20,7 +21,7 @@ using testing::Pointwise;
 constexpr const char* kForwardRightUp = "z,x,-y";
 constexpr double kTolerance = 1e-6;  // centimetres, degrees
 
-HandOver HandOverOf(const Instant& instant, const std::string& parentAxes = "") {
+ExportInput InputOf(const Instant& instant, const std::string& parentAxes = "") {
   return {instant.Calibration(), std::array<double, 2>{36, 20}, parentAxes};
 }
 
@@ -43,7 +44,7 @@ TEST_P(UnrealTest, PutsTheCameraWhereItIs) {
   std::mt19937 random(seed);
   for (int round = 0; round < 40; ++round) {
     const Instant instant(random);
-    const UnrealFigures figures = ToUnreal(HandOverOf(instant, GetParam().typed));
+    const UnrealFigures figures = ToUnreal(InputOf(instant, GetParam().typed));
     EXPECT_EQ(figures.parentAxes, GetParam().axes);
     const Vector3d location = arithmetic::VectorOf(figures.locationCm);
     const std::vector<double>& r = figures.rotationDeg;
@@ -81,7 +82,7 @@ TEST(Unreal, LooksStraightUpAndDown) {
       Matrix3d fix;
       fix << -1, 0, 0, 0, 0, -1, 0, -1, 0;
       instant.Transform_Cam_Tc.topLeftCorner<3, 3>() = (fix * reported).transpose();
-      const std::vector<double> r = ToUnreal(HandOverOf(instant)).rotationDeg;
+      const std::vector<double> r = ToUnreal(InputOf(instant)).rotationDeg;
       EXPECT_LT(arithmetic::DegreesBetween(arithmetic::FRotator(r[0], r[1], r[2]), axes),
                 kTolerance)
           << pitch << ' ' << yaw;
@@ -91,7 +92,7 @@ TEST(Unreal, LooksStraightUpAndDown) {
 
 TEST(Unreal, HasTheLensOfALensFile) {
   std::mt19937 random(1);
-  const EngineLens lens = ToUnreal(HandOverOf(Instant(random))).lens.value();
+  const EngineLens lens = ToUnreal(InputOf(Instant(random))).lens.value();
   EXPECT_THAT(lens.imageSize, ElementsAre(1920, 1080));
   EXPECT_THAT(lens.fxFy, ElementsAre(0.9, 1.6));
   // A point that is seen at pixel (u, v) lies at ((u + 0.5) / width, (v + 0.5) / height).
@@ -106,7 +107,7 @@ TEST(Unreal, HasTheLensOfALensFile) {
 
 TEST(Unreal, JsonHasTheKeysOfTheEngine) {
   std::mt19937 random(1);
-  const auto json = UnrealJson(ToUnreal(HandOverOf(Instant(random), "-z,x,y")));
+  const auto json = UnrealJson(ToUnreal(InputOf(Instant(random), "-z,x,y")));
   EXPECT_EQ(json["parentAxes"], "-z,x,y");
   EXPECT_EQ(json["locationCm"].size(), 3U);
   EXPECT_EQ(json["rotationDeg"].size(), 3U);
@@ -117,9 +118,9 @@ TEST(Unreal, JsonHasTheKeysOfTheEngine) {
 
 TEST(Unreal, KnowsNoLensWithoutASensor) {
   std::mt19937 random(1);
-  HandOver handOver = HandOverOf(Instant(random));
-  handOver.sensorMm.reset();
-  const UnrealFigures figures = ToUnreal(handOver);
+  ExportInput input = InputOf(Instant(random));
+  input.sensorMm.reset();
+  const UnrealFigures figures = ToUnreal(input);
   EXPECT_EQ(UnrealJson(figures)["lens"], nullptr);
   EXPECT_EQ(figures.locationCm.size(), 3U);
   EXPECT_THROW(LensFileText(figures, "lens"), std::runtime_error);
@@ -137,7 +138,7 @@ std::vector<double> NumbersOf(const std::string& row) {
 TEST(LensFile, HoldsLensAndNodalOffset) {
   std::mt19937 random(7);
   const Instant instant(random);
-  const UnrealFigures figures = ToUnreal(HandOverOf(instant));
+  const UnrealFigures figures = ToUnreal(InputOf(instant));
   const auto json = nlohmann::json::parse(LensFileText(figures, "prime"));
   EXPECT_EQ(json["metadata"]["type"], "LensFile");
   EXPECT_EQ(json["metadata"]["lensInfo"]["distortionModel"], "Spherical");
@@ -183,7 +184,8 @@ TEST(ParentAxes, MustBeThreeLeftHandedAxes) {
   };
   for (const char* text : {"", "z", "z,-x", "z,-x,y,x", "z,-x,x", "z,-x,w", "z;-x;y", "z,--x,y",
                            "forward", "z,-x,y,"}) {
-    EXPECT_THAT(error(text), HasSubstr("is not X,Y,Z in reported axes, such as z,-x,y")) << text;
+    EXPECT_THAT(error(text), HasSubstr("is not a list X,Y,Z of reported axes, such as z,-x,y"))
+        << text;
   }
   EXPECT_THAT(error("x,y,z"), HasSubstr("x,y,z is right-handed"));
   EXPECT_THAT(error("z,x,y"), HasSubstr("is right-handed"));
