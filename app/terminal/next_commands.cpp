@@ -32,7 +32,7 @@ std::string ExportCommand(const std::string& engine, const std::filesystem::path
                           const std::string& parentAxes, bool writesLens) {
   std::vector<std::string> words = {"export", engine, "--result", result.u8string()};
   if (!parentAxes.empty()) {
-    words.push_back("--parent-axes=" + parentAxes);  // they may begin with a minus sign
+    words.push_back("--parent-axes=" + parentAxes);  // the axes may begin with a minus sign
   }
   if (writesLens) {
     const auto lens = result.parent_path() / "lens.ulens";

@@ -1,3 +1,5 @@
+// Command lines that the program prints, ready to paste.
+
 #pragma once
 
 #include <filesystem>
@@ -8,18 +10,18 @@
 
 namespace trackedcam::app {
 
-/// The words as a shell takes them: in quotes where they hold more than letters, digits and the
-/// signs of paths and options.
+/// The command line of this call. Words are quoted for a shell if they have more than letters,
+/// digits and the characters of paths and options.
 std::string CommandLine(int argc, const char* const* argv);
 
-/// The same of words behind the program's name.
+/// The same for the words after the program's name.
 std::string CommandLine(const std::vector<std::string>& words);
 
-/// The commands that hand a good result on, ready to paste: one for each engine that people use, or
-/// what is left to do for those that have their figures already.
+/// The commands that export a good result: one for each engine in common use, or what is missing
+/// for the engines to which it has been exported.
 /// @param result The result file.
-/// @param done Engines whose figures were printed with the calibration.
-/// @param parentAxes As the user gave them; empty where not.
+/// @param done Engines to which calibrate has exported.
+/// @param parentAxes Of --parent-axes; empty if not given.
 std::vector<std::string> ExportCommands(const std::filesystem::path& result,
                                         const std::vector<const host::Engine*>& done,
                                         const std::string& parentAxes);

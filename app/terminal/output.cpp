@@ -8,10 +8,28 @@
 #include "host/text/text.h"
 
 namespace trackedcam::app {
-namespace {
 
-constexpr int kLabelWidth = 30;
-constexpr int kFigureWidth = 13;
+void PrintRow(std::ostream& out, const std::string& label, const std::vector<std::string>& values) {
+  constexpr int kLabelWidth = 30;
+  constexpr int kColumnWidth = 13;
+  out << "  " << std::left << std::setw(kLabelWidth) << label << std::right;
+  for (const std::string& value : values) {
+    out << std::setw(kColumnWidth) << value;
+  }
+  out << '\n';
+}
+
+void PrintRow(std::ostream& out, const std::string& label, const std::vector<double>& values,
+              int decimals) {
+  std::vector<std::string> texts;
+  texts.reserve(values.size());
+  for (const double value : values) {
+    texts.push_back(host::Fixed(value, decimals));
+  }
+  PrintRow(out, label, texts);
+}
+
+namespace {
 
 int PlainIndex() {
   static const int kIndex = std::ios_base::xalloc();
@@ -22,7 +40,7 @@ unsigned int Byte(char character) {
   return static_cast<unsigned char>(character);
 }
 
-// Of a whole character.
+// Of a complete character.
 unsigned int CodePoint(std::string_view character) {
   constexpr std::array<unsigned int, 5> kLeadMasks = {0, 0x7F, 0x1F, 0x0F, 0x07};
   unsigned int code = Byte(character.front()) & kLeadMasks.at(character.size());
@@ -32,8 +50,8 @@ unsigned int CodePoint(std::string_view character) {
   return code;
 }
 
-// Of both control sets, of direction, and of lines.
-bool Commands(unsigned int code) {
+// Control characters, and those that change the direction of the text or separate lines.
+bool IsControl(unsigned int code) {
   const bool isPlain = code == '\n' || code == '\t' || code == '\f';
   return (code < 0x20 && !isPlain) || (code >= 0x7F && code <= 0x9F) || code == 0x061C ||
          code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
@@ -49,7 +67,7 @@ std::string Escape(const char* begin, unsigned int code, int digits) {
   return text;
 }
 
-// Whether more bytes may make a character of it.
+// Whether it can become a character with more bytes.
 bool IsUnfinished(std::string_view text) {
   const unsigned int lead = Byte(text.front());
   const std::size_t needed = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
@@ -60,19 +78,7 @@ bool IsUnfinished(std::string_view text) {
                      [](char next) { return (Byte(next) & 0xC0u) == 0x80; });
 }
 
-constexpr std::size_t kStageWidth = 22;
-constexpr std::size_t kCells = 30;
-
 }  // namespace
-
-void PrintRow(std::ostream& out, const std::string& label,
-              const std::vector<std::string>& figures) {
-  out << "  " << std::left << std::setw(kLabelWidth) << label << std::right;
-  for (const std::string& figure : figures) {
-    out << std::setw(kFigureWidth) << figure;
-  }
-  out << '\n';
-}
 
 EscapedOutput::EscapedOutput(std::ostream& stream) : stream_(stream), plain_(stream.rdbuf()) {
   stream_.pword(PlainIndex()) = plain_;
@@ -112,7 +118,7 @@ bool EscapedOutput::Write(bool isEnd) {
     const std::string_view character = rest.substr(0, length);
     if (length == 0) {
       text += Escape("\\x", Byte(rest.front()), 2);
-    } else if (const unsigned int code = CodePoint(character); Commands(code)) {
+    } else if (const unsigned int code = CodePoint(character); IsControl(code)) {
       text += Escape("\\u", code, 4);
     } else {
       text += character;
@@ -130,6 +136,8 @@ std::streambuf* PlainOutput(std::ostream& stream) {
 }
 
 std::string ProgressText(const host::Progress& progress) {
+  constexpr std::size_t kStageWidth = 22;
+  constexpr std::size_t kCells = 30;
   std::string text = progress.stage;
   if (progress.all == 0) {
     return text + " ...";
@@ -147,9 +155,9 @@ ProgressBar::~ProgressBar() {
 }
 
 void ProgressBar::Draw(const std::string& text) {
-  // Blanks wipe out what a longer text left behind.
-  const std::size_t wiped = width_ - std::min(width_, text.size());
-  terminal_ << '\r' << text << std::string(wiped, ' ') << (text.empty() ? "\r" : "") << std::flush;
+  // Blanks overwrite the rest of a longer text.
+  const std::size_t blanks = width_ - std::min(width_, text.size());
+  terminal_ << '\r' << text << std::string(blanks, ' ') << (text.empty() ? "\r" : "") << std::flush;
   width_ = text.size();
 }
 

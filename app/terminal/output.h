@@ -1,3 +1,6 @@
+// How the program writes to a terminal: rows of tables, names that could control the terminal, and
+// the progress.
+
 #pragma once
 
 #include <ostream>
@@ -9,15 +12,16 @@
 
 namespace trackedcam::app {
 
-/// A line of the summary: a label on the left and figures in columns on the right.
-void PrintRow(std::ostream& out, const std::string& label, const std::vector<std::string>& figures);
+/// A row of a table: a label on the left, values in columns on the right.
+void PrintRow(std::ostream& out, const std::string& label, const std::vector<std::string>& values);
+void PrintRow(std::ostream& out, const std::string& label, const std::vector<double>& values,
+              int decimals);
 
-// What the program says names files of shoots that others made, and their names may hold anything.
-
-/// While it lives, a stream writes what would command a terminal, turn the direction of the text
-/// around or break it as visible text: \u001b for the escape character, \u202e for the mark from
-/// right to left, \xff for a byte that is no text. Line feeds, form feeds and tabs pass. Within
-/// JSON these are the escapes of JSON itself.
+/// While it exists, a stream shows what could control the terminal, change the direction of the
+/// text or break lines as escapes: \u001b for the escape character, \u202e for the right-to-left
+/// mark, \xff for a byte that is not UTF-8. The program prints names of files, which may have any
+/// of these. Line feeds, form feeds and tabs are not changed. Within JSON these are JSON's own
+/// escapes.
 class EscapedOutput : private std::streambuf {
  public:
   explicit EscapedOutput(std::ostream& stream);
@@ -33,16 +37,16 @@ class EscapedOutput : private std::streambuf {
 
   std::ostream& stream_;
   std::streambuf* plain_;
-  std::string waiting_;  // the beginning of a character
+  std::string waiting_;  // the first bytes of a character
 };
 
-/// Where the stream writes to without escapes: for a line that is drawn over and over.
+/// The stream's buffer without escapes: for the progress bar.
 std::streambuf* PlainOutput(std::ostream& stream);
 
-/// The text of the bar: the stage and, where it goes through the photographs, how many are done.
+/// The text of the bar: the stage and, if it goes through the photographs, how many are done.
 std::string ProgressText(const host::Progress& progress);
 
-/// One line on a terminal that is written over and over, and cleared at the end.
+/// One line on a terminal, which is overwritten by each step and cleared at the end.
 class ProgressBar {
  public:
   explicit ProgressBar(std::ostream& terminal) : terminal_(terminal) {}

@@ -1,3 +1,6 @@
+// The end of a run on the terminal: the summary on standard output, warnings and errors on standard
+// error, the exit status.
+
 #pragma once
 
 #include <filesystem>
@@ -8,37 +11,19 @@
 
 namespace trackedcam::app {
 
-/// The lens in the figures that people compare, one in a row.
-/// @param truth Gets a column of its own; null when it is not known.
-void PrintLens(std::ostream& out, const host::CalibrationOutputs& found,
-               const host::CalibrationOutputs* truth);
-
-/// What the cross-check found, in a few lines: how well the transform is known, how far the result
-/// and the stated mounting are off, which photographs contradict the others.
-/// @param truth Compared with as well; null when it is not known.
-void PrintCrossCheck(std::ostream& out, const host::Report& report,
-                     const host::CalibrationOutputs* truth);
-
-/// The mounting that the run took and the one that the cross-check found, each in the tracker's
-/// axes after the axis fix and in the reported ones. Nothing where neither is known.
-void PrintMountings(std::ostream& out, const host::Report& report);
-
-/// The mounting found, with its uncertainty and ready to paste, in the axes that the user chose.
-/// Nothing where none was found.
-void PrintMountingFound(std::ostream& out, const host::Report& report);
-
-/// A line that says what is wrong with a result, or doubtful, and one for each loss; nothing where
-/// all is well.
-void PrintWarning(std::ostream& out, const host::Report& report);
-
-/// The exit status of a program that came to this.
-int ExitStatus(const host::Report& report);
-
-/// What a user wants to know at the end of a run: lens, transform, photographs, errors, and the
-/// verdict with what to do next.
-/// @param truth Shown beside what was found; null when it is not known.
-/// @param page The report page, named first among the files; empty when there is none.
+/// Lens, transform, errors, photographs, cross-check, mounting, findings, the verdict with what to
+/// do next, and the files. Of the first of two runs only what differs. A finding's text is in the
+/// list of findings only; the advice of the verdict is after "Next:" only.
+/// @param truth Printed next to the values that were found; null if unknown.
+/// @param page The report page; empty if there is none.
 void PrintSummary(std::ostream& out, const host::Report& report,
                   const host::CalibrationOutputs* truth, const std::filesystem::path& page = {});
+
+/// One line of error or warning, unless the verdict is good: the text of the finding that decides
+/// it, or the verdict itself. And one for each output of the library that could not be written.
+void PrintWarning(std::ostream& out, const host::Report& report);
+
+/// The exit status of the program.
+int ExitStatus(const host::Report& report);
 
 }  // namespace trackedcam::app

@@ -30,7 +30,8 @@ fs::path NameBeside(const fs::path& file) {
   return file.parent_path() / (".trackedcam-" + std::string(digits.data(), result.ptr) + ".part");
 }
 
-// If the name exists, another one is tried: another process may be writing, or may have been stopped.
+// If the name exists, another one is tried: another process may be writing, or may have been
+// stopped.
 fs::path WriteBeside(const fs::path& file, const std::string& content, std::error_code& error) {
   constexpr int kTrials = 10;
   for (int i = 0; i < kTrials; ++i) {
@@ -114,7 +115,8 @@ template <class Parsed>
 Parsed ParseJson(const std::string& text) {
   const auto requireShallow = [](int depth, auto /*event*/, auto& /*parsed*/) {
     if (depth > kDeepest) {
-      throw std::runtime_error("it is nested too deep: more than " + std::to_string(kDeepest) + " levels");
+      throw std::runtime_error("it is nested too deep: more than " + std::to_string(kDeepest) +
+                               " levels");
     }
     return true;
   };
@@ -125,7 +127,8 @@ template <class Parsed>
 Parsed ReadJson(const std::filesystem::path& file) {
   std::error_code error;
   if (std::filesystem::file_size(file, error) > kMostBytes || error) {
-    throw std::runtime_error(error ? "cannot read " + file.u8string() : "it is too large: more than 64 MB");
+    throw std::runtime_error(error ? "cannot read " + file.u8string()
+                                   : "it is too large: more than 64 MB");
   }
   return ParseJson<Parsed>(ReadFile(file));
 }

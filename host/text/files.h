@@ -15,8 +15,8 @@ namespace trackedcam::host {
 std::string ReadFile(const std::filesystem::path& file);
 
 /// Replaces a file in one step: a reader sees either the old content or the new one, also if the
-/// process or the machine stops at any moment. After an error the old file is unchanged. The new file
-/// keeps the permissions of the old one. If the path is a link, the link is replaced.
+/// process or the machine stops at any moment. After an error the old file is unchanged. The new
+/// file keeps the permissions of the old one. If the path is a link, the link is replaced.
 /// @throws std::runtime_error if the file cannot be written, or if the path is not that of a file.
 void WriteFile(const std::filesystem::path& file, const std::string& content);
 

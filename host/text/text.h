@@ -24,8 +24,8 @@ std::string Shortest(double number);
 /// False for overlong forms and surrogates too.
 bool IsUtf8(std::string_view text);
 
-/// The number of bytes of the text's first character; 0 if the text is empty or does not begin with a
-/// character.
+/// The number of bytes of the text's first character; 0 if the text is empty or does not begin with
+/// a character.
 std::size_t CharacterLength(std::string_view text);
 
 }  // namespace trackedcam::host

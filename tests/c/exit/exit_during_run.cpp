@@ -1,15 +1,15 @@
-// Ends the process while a run is going on: exit_during_run TRACKER_DATA.csv LOG_FOLDER MILLISECONDS
+// Ends the process while a run is going on: exit_during_run TRACKER_DATA.csv LOG_FOLDER
+// MILLISECONDS
 //
 // Prints how many static objects were made after the start of the run. The run may still need them
 // when the process destroys them. Nothing but the run uses the image library here, so that nothing
 // else makes its objects.
 
-#include <dlfcn.h>
-
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <thread>
 
 #include "trackedcam/trackedcam_c.h"
