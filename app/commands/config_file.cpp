@@ -1,108 +1,34 @@
 #include "app/commands/config_file.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 
-// The parser checks itself by assertions that text can break, such as "[@". They would end the
-// program, or let a compiler assume what is not so; here they refuse the text.
-namespace {
-[[noreturn]] void RefuseText() {
-  throw std::invalid_argument("no TOML");
-}
-}  // namespace
-#pragma push_macro("NDEBUG")
-#undef NDEBUG
-#define TOML_ASSERT(expr) ((expr) ? static_cast<void>(0) : RefuseText())
-#define TOML_HEADER_ONLY 1  // every system has the headers
-#include <toml++/toml.h>
-#pragma pop_macro("NDEBUG")
-
-#include "app/commands/toml_characters.h"
+#include "app/commands/toml_file.h"
 #include "app/options/option_values.h"
-#include "host/text/files.h"
-#include "host/text/text.h"
+#include "host/input/inputs.h"
 
 namespace trackedcam::app {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kBackslashes =
-    "; in double quotes a backslash begins an escape: write a path in single quotes, as in "
-    "'D:\\takes\\new', or with slashes";
-
 [[noreturn]] void Reject(const std::string& reason) {
-  throw CLI::ValidationError("--config", FromTomlCharacters(reason));
+  throw CLI::ValidationError("--config", reason);
 }
 
-std::string PlaceOf(const toml::source_region& region) {
-  return "line " + std::to_string(region.begin.line) + ", column " +
-         std::to_string(region.begin.column);
-}
-
-toml::table Read(const fs::path& path) {
-  constexpr std::uintmax_t kMostBytes = 1 << 20;
-  std::error_code ignored;
-  if (fs::file_size(path, ignored) > kMostBytes) {
-    Reject(path.u8string() + " is too large for a configuration");
-  }
-  const std::string content = host::ReadFile(path);
-  // The parser takes some of them for the end of the text, and stops the program where it has
-  // checks of itself.
-  const auto isNoText = [](char character) {
-    return character >= 0 && character < ' ' && character != '\n' && character != '\r' &&
-           character != '\t';
-  };
-  const auto found = std::find_if(content.begin(), content.end(), isNoText);
-  if (found != content.end()) {
-    Reject(path.u8string() + ", line " +
-           std::to_string(1 + std::count(content.begin(), found, '\n')) +
-           ": a control character, which no text file holds");
-  }
+std::vector<TomlSection> Read(const fs::path& path) {
   try {
-    return toml::parse(ToTomlCharacters(content), path.u8string());
-  } catch (const toml::parse_error& error) {
-    const std::string reason(error.description());
-    const bool isEscape = reason.find("escape") != std::string::npos;
-    Reject(path.u8string() + ", " + PlaceOf(error.source()) + ": " + reason +
-           (isEscape ? kBackslashes : ""));
-  } catch (const std::invalid_argument&) {
-    Reject(path.u8string() + ": a name is none; names are letters, digits, dashes and underscores");
+    return ReadTomlFile(path);
+  } catch (const host::InputError& error) {
+    Reject(error.what());
   }
 }
 
-// The value as it stands on the command line: a list such as [12, -8, 5] is 12,-8,5.
-std::string TextOf(const toml::node& value, const std::string& name) {
-  if (const toml::array* list = value.as_array()) {
-    std::string text;
-    for (const toml::node& element : *list) {
-      text += (text.empty() ? "" : ",") + TextOf(element, name);
-    }
-    return text;
-  }
-  if (const auto* text = value.as_string()) {
-    return FromTomlCharacters(text->get());
-  }
-  if (const auto* number = value.as_integer()) {
-    return std::to_string(number->get());
-  }
-  if (const auto* number = value.as_floating_point()) {
-    return host::Shortest(number->get());
-  }
-  if (const auto* flag = value.as_boolean()) {
-    return flag->get() ? "true" : "false";
-  }
-  Reject(name + " is no text, number, list or flag");
-}
-
+// A path in double quotes, such as "D:\takes", has a tab in place of \t.
 std::string PathText(const std::string& text, const std::string& name, const fs::path& folder) {
   const auto isControl = [](char character) { return character >= 0 && character < ' '; };
   if (std::any_of(text.begin(), text.end(), isControl)) {
-    Reject(name + " holds a control character" + kBackslashes);
+    Reject(name + " has a control character; " + kPathsInToml);
   }
   return (folder / fs::u8path(text)).u8string();
 }
@@ -117,7 +43,7 @@ void SetDefault(CLI::Option& option, const std::string& text) {
   option.required(false)->run_callback_for_default()->default_val(text);
 }
 
-// What crosscheck wants to know of a shoot stands where calibrate looks for it.
+// crosscheck has the same defaults: it has no section of its own in the file of a shoot.
 void SetSameDefault(CLI::App& program, const std::string& name, const std::string& text) {
   if (CLI::App* crosscheck = FindCommand(program, "crosscheck")) {
     if (CLI::Option* option = crosscheck->get_option_no_throw(name)) {
@@ -126,28 +52,24 @@ void SetSameDefault(CLI::App& program, const std::string& name, const std::strin
   }
 }
 
-// A section or name that no command knows is a slip of the pen, not to be passed over.
+// An unknown section or option is an error: it may be a typing error.
 void SetDefaults(CLI::App& program, const fs::path& path) {
   const fs::path folder = fs::absolute(path).parent_path();
-  for (const auto& [section, content] : Read(path)) {
-    const std::string command(section.str());
-    const toml::table* options = content.as_table();
-    CLI::App* subcommand = FindCommand(program, command);
-    if (options == nullptr || subcommand == nullptr) {
-      Reject("there is no " + std::string(options == nullptr ? "option " : "section ") + command +
-             " (" + PlaceOf(section.source()) +
-             "); options stand below a section such as [calibrate]");
+  for (const TomlSection& section : Read(path)) {
+    CLI::App* command = FindCommand(program, section.name);
+    if (command == nullptr) {
+      Reject("there is no section " + section.name + " (" + section.place +
+             "); sections have the names of commands, such as [calibrate]");
     }
-    for (const auto& [key, value] : *options) {
-      const std::string name = command + '.' + std::string(key.str());
-      CLI::Option* option = subcommand->get_option_no_throw("--" + std::string(key.str()));
+    for (const TomlOption& given : section.options) {
+      const std::string name = section.name + '.' + given.name;
+      CLI::Option* option = command->get_option_no_throw("--" + given.name);
       if (option == nullptr) {
-        Reject("there is no option " + name + " (" + PlaceOf(key.source()) + ")");
+        Reject("there is no option " + name + " (" + given.place + ")");
       }
-      const std::string given = TextOf(value, name);
-      const std::string text = IsPath(*option) ? PathText(given, name, folder) : given;
+      const std::string text = IsPath(*option) ? PathText(given.value, name, folder) : given.value;
       SetDefault(*option, text);
-      if (command == "calibrate") {
+      if (section.name == "calibrate") {
         SetSameDefault(program, option->get_name(), text);
       }
     }
@@ -161,9 +83,9 @@ void AddConfigFile(CLI::App& program) {
       .add_option_function<std::string>(
           "--config",
           [&program](const std::string& path) { SetDefaults(program, fs::u8path(path)); },
-          "Read options from a configuration file (TOML)")
+          "Configuration file with options (TOML)")
       ->check(RequireFile)
-      ->trigger_on_parse()  // before it is asked which options are missing
+      ->trigger_on_parse()  // before missing options are reported
       ->type_name("FILE");
 }
 
