@@ -15,9 +15,10 @@ std::string Utf8(const wchar_t* text) {
 
 }  // namespace
 
-// The narrow arguments of main have a question mark for what the code page lacks.
+// wmain, because the arguments of main have a ? for each character that the code page does not
+// have.
 int wmain(int argc, wchar_t** argv) {
-  SetConsoleOutputCP(CP_UTF8);  // fails without a console, where nothing is shown
+  SetConsoleOutputCP(CP_UTF8);  // fails without a console; then nothing is shown
   std::vector<std::string> arguments;
   for (int i = 0; i < argc; ++i) {
     arguments.push_back(Utf8(argv[i]));

@@ -2,7 +2,7 @@
 
 namespace trackedcam::app {
 
-/// Lines, ended by nullptr: the licence of the project, and of everything that is inside.
+/// The licences of the project and of its parts, line by line; nullptr at the end.
 extern const char* const* const kLicences;
 
 }  // namespace trackedcam::app

@@ -31,9 +31,11 @@ constexpr int kWrongUsage = 2;
 constexpr const char* kFooter = R"(Examples:
   trackedcam simulate shoot
   trackedcam calibrate --config shoot/shoot.toml
-  trackedcam export ue4 --result shoot/result.json
+  trackedcam export unreal --result shoot/result.json
 
-'trackedcam COMMAND --help' shows the options of a command.)";
+'trackedcam COMMAND --help' lists the options of a command.
+
+Exit status: 0 done, 1 failed, 2 wrong usage, 3 calibrated but certainly wrong.)";
 
 void PrintLicences() {
   for (const char* const* line = trackedcam::app::kLicences; *line != nullptr; ++line) {
@@ -46,9 +48,11 @@ int Run(int argc, char** argv) {
   CLI::App program("Calibrates a tracked camera from photographs of a tracked chessboard chart",
                    "trackedcam");
   program.allow_windows_style_options(false);  // a path may begin with a slash
-  program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION);
+  // Before the commands, which take the help flag from the program.
+  program.set_help_flag("-h,--help", "Help of the program or of a command");
+  program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION, "Version of the program");
   program.add_flag_callback("--licenses", PrintLicences,
-                            "Print the licences of the program and of all that is inside");
+                            "Licences of the program and of its contents");
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());
   program.footer(kFooter);
 
@@ -63,7 +67,7 @@ int Run(int argc, char** argv) {
   try {
     program.parse(argc, argv);
     if (program.get_subcommands().empty()) {
-      throw CLI::ValidationError("name a command; trackedcam --help lists them");
+      throw CLI::ValidationError("a command is missing; trackedcam --help lists them");
     }
   } catch (const CLI::Success& success) {
     return program.exit(success);
@@ -86,8 +90,8 @@ int RunToTheEnd(int argc, char** argv) {
   }
 }
 
-// What a caller was to read did not all reach it.
-bool IsOutputLost() {
+// Standard output is full or closed, such as a file on a full disk.
+bool HasOutputError() {
   std::cout.flush();
   return !std::cout || std::fflush(stdout) != 0 || std::ferror(stdout) != 0;
 }
@@ -100,7 +104,7 @@ int trackedcam::app::Main(int argc, char** argv) {
   const EscapedOutput out(std::cout);
   const EscapedOutput errors(std::cerr);
   const int status = RunToTheEnd(argc, argv);
-  if (IsOutputLost()) {
+  if (HasOutputError()) {
     std::cerr << "trackedcam: error: standard output could not be written\n";
     return status == 0 ? kFailure : status;
   }

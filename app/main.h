@@ -2,7 +2,7 @@
 
 namespace trackedcam::app {
 
-/// The program, called by the entry that the operating system knows. The arguments are UTF-8.
+/// The program, called by main or wmain. The arguments are UTF-8.
 int Main(int argc, char** argv);
 
 }  // namespace trackedcam::app

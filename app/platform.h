@@ -8,15 +8,14 @@ namespace trackedcam::app {
 
 bool IsTerminal(std::FILE* stream);
 
-/// A write to a closed pipe, or beyond the size that a file may have, fails as any other does
-/// instead of ending the process, and a file that is opened never takes the place of a standard
-/// stream that is closed. To be called before any file is opened.
+/// Call it before any file is opened. A write to a closed pipe, or beyond the largest size of a
+/// file, then fails like any other instead of ending the process. If a standard stream is closed,
+/// no file that is opened later gets its number.
 void PrepareForWriting();
 
-/// Linear algebra on the caller's thread alone, also where an OpenBLAS with threads is installed.
-/// Its threads wait for each other by spinning, so that beside busy programs a lens takes many
-/// times as long; alone they gain nothing. Setting OPENBLAS_NUM_THREADS is no way: it is read at
-/// loading.
+/// Limits OpenBLAS to the caller's thread. Its threads wait for each other by spinning: on a busy
+/// machine a lens takes many times as long, and on an idle one they gain nothing. Setting
+/// OPENBLAS_NUM_THREADS here would be too late: OpenBLAS reads it when it is loaded.
 void HoldBlasToOneThread();
 
 }  // namespace trackedcam::app

@@ -17,14 +17,14 @@ void PrepareForWriting() {
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) < 0) {
-      // The lowest number that is free: this one. What is written to it fails, and that is told.
+      // Gets the lowest free number, which is this one. Writing to it fails and is reported.
       [[maybe_unused]] const int opened = open("/dev/null", O_RDONLY);
     }
   }
 }
 
 void HoldBlasToOneThread() {
-  // Which BLAS stands behind the image library is the machine's choice: this one has the function.
+  // Only if the BLAS of this machine is OpenBLAS does the function exist.
   using SetThreads = void (*)(int);
   if (auto* const set =
           reinterpret_cast<SetThreads>(dlsym(RTLD_DEFAULT, "openblas_set_num_threads"))) {

@@ -8,8 +8,8 @@ bool IsTerminal(std::FILE* stream) {
   return _isatty(_fileno(stream)) != 0;
 }
 
-void PrepareForWriting() {}  // a write fails, and streams have no numbers that files could take
+void PrepareForWriting() {}  // not needed: writes fail, and files get no numbers of streams
 
-void HoldBlasToOneThread() {}  // the DLL's is built without threads
+void HoldBlasToOneThread() {}  // the OpenBLAS of the DLL is built without threads
 
 }  // namespace trackedcam::app

@@ -24,7 +24,7 @@ struct Release {
 using Surface = std::unique_ptr<cairo_surface_t, Release>;
 using Pen = std::unique_ptr<cairo_t, Release>;
 
-constexpr double kPaperEdge = 5;      // where printers may not print
+constexpr double kPaperEdge = 5;      // some printers leave it white
 constexpr double kLabelOverhang = 4;  // half of the ruler's widest label
 constexpr double kSide = kPaperEdge + kLabelOverhang;
 
@@ -42,8 +42,8 @@ struct Page {
 };
 
 double LargestSquareOn(const Page& page, const std::array<int, 2>& board) {
-  // Of large squares the white margin reaches the edge of the paper, of small ones the margin of
-  // the printer does.
+  // With large squares the white margin reaches the edge of the paper; with small ones the
+  // printer's margin is wider than the white margin.
   const double columns = board[0] + 1.0;
   const double rows = board[1] + 1.0;
   const double height = page.height - kFooterHeight - kPaperEdge;
@@ -51,23 +51,21 @@ double LargestSquareOn(const Page& page, const std::array<int, 2>& board) {
                    height / (rows + 2), (height - kPaperEdge) / (rows + 1)});
 }
 
-Page BetterTurned(const Paper& paper, const std::array<int, 2>& board) {
+Page PageFor(const Paper& paper, const std::array<int, 2>& board) {
   const Page landscape = {paper.longSide, paper.shortSide};
   const Page portrait = {paper.shortSide, paper.longSide};
   return LargestSquareOn(landscape, board) >= LargestSquareOn(portrait, board) ? landscape
                                                                                : portrait;
 }
 
-constexpr double kMillimetresPerMetre = 1000;
-
-// With two odd or two even counts the board looks the same when it is turned by half a turn.
+// If both counts are odd or both even, the board looks the same upside down.
 bool IsUnmistakable(const std::array<int, 2>& board) {
   return (board[0] + board[1]) % 2 == 1;
 }
 
 constexpr double kPointsPerMillimetre = 72 / 25.4;
 
-// By which a chart is known as one that may be replaced. Cairo writes it into a PDF itself.
+// IsChart recognises a chart by it. Cairo writes it into a PDF itself.
 constexpr const char* kCreator = "trackedcam chart";
 constexpr const char* kSvgMark = "<!-- trackedcam chart -->\n";
 
@@ -85,14 +83,14 @@ Surface CreateSurface(ChartFormat format, const ChartLayout& layout, std::string
     return surface;
   }
   Surface surface(cairo_svg_surface_create_for_stream(Append, &content, width, height));
-  // Not in pixels, of which each program has its own size.
+  // Not in pixels, whose size depends on the program.
   cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PT);
   return surface;
 }
 
 void DrawBoard(cairo_t* pen, const std::array<int, 2>& board, const ChartLayout& layout) {
   for (int row = 0; row <= board[1]; ++row) {
-    // Black at the top left, so that the first corner is found there.
+    // Black at the top left: the search finds the first corner there.
     for (int col = row % 2; col <= board[0]; col += 2) {
       cairo_rectangle(pen, layout.board.left + col * layout.square,
                       layout.board.top + row * layout.square, layout.square, layout.square);
@@ -164,8 +162,8 @@ void DrawArrow(cairo_t* pen, double x, double y, double dx, double dy) {
   cairo_fill(pen);
 }
 
-// The board as an outline with its first square alone: a small board with all of them could be
-// found in a photograph in place of the large one.
+// Only the outline and the first square: the search could find a small board with all squares
+// instead of the large one.
 void DrawKey(cairo_t* pen, const std::array<int, 2>& board, const Box& box) {
   constexpr double kLineWidth = 0.2;
   constexpr double kDot = 0.55;
@@ -192,8 +190,8 @@ void DrawKey(cairo_t* pen, const std::array<int, 2>& board, const Box& box) {
   cairo_show_text(pen, "y");
 }
 
-// Where the paper has room beyond the white: an arrow in line with the first row of corners, along
-// which x runs, and one with the first column, along which y runs. They meet in the first corner.
+// If the paper has room outside the white margin: an arrow x in line with the first row of corners,
+// and an arrow y in line with the first column.
 void DrawGuides(cairo_t* pen, const ChartLayout& layout) {
   constexpr double kLength = 6;
   constexpr double kGuideGap = 2;  // to the white around the board
@@ -239,11 +237,11 @@ double RulerLength(const std::array<int, 2>& board, double squareMetres) {
 }
 
 double LargestSquare(const std::array<int, 2>& board, const Paper& paper) {
-  return LargestSquareOn(BetterTurned(paper, board), board);
+  return LargestSquareOn(PageFor(paper, board), board);
 }
 
 ChartLayout LayOut(const PrintedChart& chart) {
-  const Page page = BetterTurned(chart.paper, chart.board);
+  const Page page = PageFor(chart.paper, chart.board);
   const double square = chart.square * kMillimetresPerMetre;
 
   Box board = {};

@@ -1,3 +1,5 @@
+// The printed chart: its layout on the page, its notes, and its file.
+
 #pragma once
 
 #include <array>
@@ -7,7 +9,9 @@
 
 namespace trackedcam::app {
 
-/// A sheet, whichever way it is turned.
+constexpr double kMillimetresPerMetre = 1000;
+
+/// A sheet, portrait or landscape.
 struct Paper {
   std::string_view name;
   double shortSide;  // millimetres
@@ -22,16 +26,17 @@ constexpr std::array<Paper, 7> kPapers = {{{"A0", 841, 1189},
                                            {"Letter", 215.9, 279.4},
                                            {"Tabloid", 279.4, 431.8}}};
 
-// Where everything stands on the page of a printed chart.
-//
-// The board with white around it, and below it the ruler and the notes, as one block in the middle.
-// Lengths are millimetres; x runs right and y down from the page's top left corner.
-
 struct PrintedChart {
   std::array<int, 2> board = {};  // inner corners: columns, rows
   double square = 0;              // metres
   Paper paper = {};
 };
+
+// The layout.
+//
+// The board with a white margin, and below it the ruler and the notes, as one block in the middle
+// of the page. Lengths are in millimetres; x is to the right and y down from the page's top left
+// corner.
 
 struct Box {
   double left;
@@ -45,42 +50,45 @@ struct ChartLayout {
   double pageHeight;
   double square;
   Box board;  // one square more than inner corners in each direction
-  Box ruler;  // as wide as it measures: a multiple of 10
+  Box ruler;  // its width is its length, a multiple of 10
   Box notes;  // three lines of text
-  Box key;    // beside them: which corner is the first, and where x and y run from it
+  Box key;    // a drawing of the first corner and its axes x and y
 };
 
-/// Of the printed ruler, millimetres.
+/// Length of the printed ruler in millimetres.
 double RulerLength(const std::array<int, 2>& board, double squareMetres);
 
-/// The edge of the largest square with which the board fits, the paper turned the better way.
+/// Edge in millimetres of the largest square with which the board fits on the paper, portrait or
+/// landscape.
 double LargestSquare(const std::array<int, 2>& board, const Paper& paper);
 
-/// The chart with the paper turned the better way. Around the board at least one square is white.
-/// The square must not pass the largest one.
+/// The layout on the paper, portrait or landscape, whichever suits the board. The white margin is
+/// at least one square. The square must not be larger than LargestSquare.
 ChartLayout LayOut(const PrintedChart& chart);
 
-// What a printed chart says about itself.
+// The notes.
 
-/// What the calibration is told of the chart: "--board 9x6 --square 0.03".
+/// The options for the calibration: "--board 9x6 --square 0.03".
 std::string BoardOptions(const PrintedChart& chart);
 
-/// The command that calibrates with the chart, as far as the chart decides it.
+/// The command that calibrates with the chart, with these options.
 std::string CalibrateCommandFor(const PrintedChart& chart);
 
-/// That command, how to print the chart, and which way up it stands.
+/// That command, how to print the chart, and which side is up.
 std::array<std::string, 3> ChartNotes(const PrintedChart& chart);
 
-/// A length in millimetres as text, without the digits that arithmetic leaves at its end.
+/// A length in millimetres as text, rounded to micrometres.
 std::string MillimetresText(double length);
+
+// The file.
 
 enum class ChartFormat { kPdf, kSvg };
 
-/// The chart as the content of a file: one page at true scale.
-/// @throws std::runtime_error when it cannot be drawn.
+/// The content of the file: one page at true scale.
+/// @throws std::runtime_error if it cannot be drawn.
 std::string DrawChart(const PrintedChart& chart, ChartFormat format);
 
-/// Whether a file is a chart that was drawn here.
+/// Whether a file is a chart by DrawChart.
 bool IsChart(const std::filesystem::path& file);
 
 }  // namespace trackedcam::app

@@ -30,26 +30,35 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string RequireFolder(const std::string& path) {
-  return std::filesystem::is_directory(std::filesystem::u8path(path))
-             ? ""
-             : "there is no folder " + path;
+  return fs::is_directory(fs::u8path(path)) ? "" : "there is no folder " + path;
 }
 
-constexpr const char* kFooter = R"(Examples:
-  trackedcam calibrate --config shoot/shoot.toml
-  trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 --board 9x6 --square 0.03
-      --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02 --log-folder log
-  trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 --board 9x6 --square 0.03
-      --log-folder log
-The second finds the mounting of the chart's tracker from the shoot.
+constexpr const char* kCalibrateFooter = R"(Examples:
+  A simulated shoot:
+    trackedcam calibrate --config shoot/shoot.toml
+  Your own shoot; the mounting of the chart's tracker is found:
+    trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 \
+        --board 9x6 --square 0.03 --log-folder log --result result.json
+  The same with a known mounting:
+    trackedcam calibrate --data tracker_data.csv --sensor 36x20.25 \
+        --board 9x6 --square 0.03 --log-folder log --result result.json \
+        --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02
 
-With --config FILE the options come from a file, where they stand below [calibrate] as in
-"square = 0.03". Paths in it are relative to its folder; the command line wins over it.
+The mounting is the position of the chart's first inner corner and the rotation
+Rx * Ry * Rz, in the tracker's axes after the axis fix (fixed): the reported
+x, y, z count as -x, -z, -y.
 
-Exit status: 0 calibrated (also with a warning), 1 failed (also an export by gimbal lock), 2 wrong
-usage, 3 calibrated, and the cross-check is certain that it is wrong.)";
+A file for --config has the options in a section [calibrate], such as
+"square = 0.03". Its paths are relative to its folder. Options on the command
+line override it.
 
-// All that is read, and what a row names and is not there.
+Exit status:
+  0  calibrated, perhaps with a warning
+  1  failed, or an export failed (gimbal lock), or a file could not be written
+  2  wrong usage
+  3  calibrated, but the cross-check is certain that the result is wrong)";
+
+// All files that are read, and photographs of the data file that do not exist.
 std::vector<fs::path> InputFiles(const CalibrateOptions& options, const fs::path& configFile,
                                  const std::vector<host::DataRow>& rows) {
   std::vector<fs::path> files = {options.inputs.data, options.truth, configFile};
@@ -64,17 +73,17 @@ std::vector<fs::path> InputFiles(const CalibrateOptions& options, const fs::path
 void PrepareOutput(const CalibrateOptions& options, std::vector<fs::path> inputs) {
   if (!options.result.empty()) {
     PrepareOutputFile(
-        {"--result", options.result, "the result of a calibration", host::IsResultFile}, inputs);
+        {"--result", options.result, "a result file of trackedcam", host::IsResultFile}, inputs);
     inputs.push_back(options.result);
   }
   if (!options.report.empty()) {
-    PrepareOutputFile({"--report", options.report, "the page of a calibration", host::IsReportPage},
-                      inputs);
+    PrepareOutputFile(
+        {"--report", options.report, "a report page of trackedcam", host::IsReportPage}, inputs);
   }
-  CreateFolder("--log-folder", options.inputs.logFolder);
+  PrepareOutputFolder("--log-folder", options.inputs.logFolder);
 }
 
-// Engines get no figures of a failed calibration. One that cannot take them does not undo the run.
+// A failed calibration is not exported. If an export fails, the run's result is still good.
 void Export(const CalibrateOptions& options, host::Report& report) {
   if (report.verdict.level == host::Level::kFailed) {
     return;
@@ -90,8 +99,7 @@ void Export(const CalibrateOptions& options, host::Report& report) {
   }
 }
 
-// With the library's own lines when they are wanted; else with a progress bar where standard error
-// is a terminal.
+// Shows the lines of the library's log, or a progress bar if standard error is a terminal.
 host::Report RunCalibration(const CalibrateOptions& options, const host::ShootData& shoot) {
   std::optional<host::SilencedStdout> silenced;
   if (!options.verbose) {
@@ -110,20 +118,20 @@ host::Report RunCalibration(const CalibrateOptions& options, const host::ShootDa
 }
 
 struct WrittenFiles {
-  fs::path result;  // empty where there is none
+  fs::path result;  // empty if there is none
   fs::path page;
-  std::vector<std::string> problems;  // with what was asked for by name
-  std::vector<std::string> losses;    // of what goes beside the log
+  std::vector<std::string> errors;    // of files that an option names
+  std::vector<std::string> warnings;  // of files in the run's folder
 };
 
-// Each for itself: the others, and what is on the screen, are as good without it.
+// If one file cannot be written, the others still are.
 fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
                const std::function<std::string()>& content) {
   try {
     host::WriteFile(file, content());
     return file;
   } catch (const std::exception& error) {
-    (isNamed ? written.problems : written.losses).emplace_back(error.what());
+    (isNamed ? written.errors : written.warnings).emplace_back(error.what());
     return {};
   }
 }
@@ -134,10 +142,10 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
   if (!options.result.empty()) {
     written.result = Write(options.result, true, written, [&] { return text; });
   }
-  // One that is never replaced.
-  const fs::path own =
+  // No later run replaces this one.
+  const fs::path inRunFolder =
       Write(report.run.folder / "result.json", false, written, [&] { return text; });
-  written.result = written.result.empty() ? own : written.result;
+  written.result = written.result.empty() ? inRunFolder : written.result;
   if (!options.withoutReport) {
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
@@ -148,7 +156,7 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
   return written;
 }
 
-// False when an engine refuses the result.
+// False if an export failed.
 bool PrintExports(const host::Report& report) {
   bool isDone = true;
   for (const host::EngineExport& engineExport : report.exports) {
@@ -177,7 +185,7 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   }
   const host::ShootData shoot = host::ReadShootData(inputs.data, inputs.trackerFrame);
   PrepareOutput(options, InputFiles(options, configFile, shoot.rows));
-  fs::current_path(inputs.workingFolder);  // photographs keep their names
+  fs::current_path(inputs.workingFolder);  // relative paths of photographs begin there
 
   host::Report report = RunCalibration(options, shoot);
   if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
@@ -192,46 +200,45 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   }
   std::cout.flush();
   PrintWarning(std::cerr, report);
-  for (const std::string& loss : written.losses) {
-    std::cerr << "trackedcam: warning: " << loss << '\n';
+  for (const std::string& warning : written.warnings) {
+    std::cerr << "trackedcam: warning: " << warning << '\n';
   }
-  for (const std::string& problem : written.problems) {
-    std::cerr << "trackedcam: error: " << problem << '\n';
+  for (const std::string& error : written.errors) {
+    std::cerr << "trackedcam: error: " << error << '\n';
   }
   const bool isExported = PrintExports(report);
   const int status = ExitStatus(report);
-  return status == 0 && !(isExported && written.problems.empty()) ? 1 : status;
+  return status == 0 && !(isExported && written.errors.empty()) ? 1 : status;
 }
 
 }  // namespace
 
 void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
   AddPath(command, "--data", options.inputs.data, "FILE",
-          "Tracker data file: a row for each photograph")
+          "Tracker data file: one row for each photograph")
       ->required()
       ->check(RequireFile)
       ->group("Shoot");
   AddPath(command, "--working-folder", options.inputs.workingFolder, "FOLDER",
-          "Where relative paths of photographs begin;\nelse the data file's folder")
+          "Folder at which relative paths of photographs\nbegin (default: the data file's folder)")
       ->check(RequireFolder)
       ->group("Shoot");
   AddValue(command, "--expected-records", options.inputs.expectedRecords, ParseCount, "N",
-           "Rows that were recorded; else those of the file")
+           "Number of recorded rows\n(default: all rows of the data file)")
       ->group("Shoot");
   command
       .add_flag("--invert-tracker-quaternions", options.inputs.invertTrackerQuaternions,
-                "The trackers' quaternions give the inverse rotation")
+                "Inversion of both trackers' quaternions")
       ->group("Shoot");
   AddValue(command, "--tracker-axes", options.inputs.trackerFrame.axes, ParseTrackerAxes, "AXES",
-           "Whose poses the data file holds: reported (the\ntracking system's), or those of a "
-           "component of\nunreal or a transform of unity, which are converted")
+           "Coordinate system of the poses: reported\n(default), unreal or unity")
       ->group("Shoot");
   AddValue(command, "--tracker-units", options.inputs.trackerFrame.unit, ParseTrackerUnit, "UNIT",
-           "Of positions in the data file: m, cm or mm;\nelse cm of unreal, m of the others")
+           "Unit of the positions: m, cm or mm\n(default: cm for unreal, otherwise m)")
       ->group("Shoot");
 
   AddValue(command, "--sensor", options.inputs.sensorMm, ParseSensor, "WxH",
-           "Size of the camera's sensor, millimetres")
+           "Size of the camera's sensor in millimetres")
       ->required()
       ->group("Camera");
 
@@ -240,51 +247,50 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->required()
       ->group("Chart");
   AddValue(command, "--square", options.inputs.squareMetres, ParseSquare, "METRES",
-           "Edge of one square, metres")
+           "Edge of one square in metres, or with a unit,\nsuch as 30mm")
       ->required()
       ->group("Chart");
-  AddMountingOptions(command, options.mounting, "Chart");
+  AddMountingOptions(command, options.mounting, "found from the shoot", "Chart");
   command
       .add_flag("--refine-mounting", options.inputs.refineMounting,
-                "Where the cross-check finds another mounting or\nbad photographs: calibrate again "
-                "with it and\nwithout them")
+                "Second run if the cross-check finds another\nmounting or bad photographs")
       ->group("Chart");
 
   AddPath(command, "--log-folder", options.inputs.logFolder, "FOLDER",
-          "For the log and the reprojected images: each run\ngets a folder of its own in it")
+          "Folder for logs and reprojected images; each\nrun creates a subfolder")
       ->required()
       ->group("Output");
-  AddPath(command, "--result", options.result, "FILE.json", "Write every figure as JSON")
+  AddPath(command, "--result", options.result, "FILE.json", "Result file with all values as JSON")
       ->group("Output");
-  CLI::Option* report = AddPath(command, "--report", options.report, "FILE.html",
-                                "Write the page there; else report.html beside the log")
-                            ->group("Output");
-  command.add_flag("--no-report", options.withoutReport, "Write no page")
+  CLI::Option* report =
+      AddPath(command, "--report", options.report, "FILE.html",
+              "Report page (default: report.html in the run's\nfolder); not together with "
+              "--no-report")
+          ->group("Output");
+  command.add_flag("--no-report", options.withoutReport, "No report page")
       ->excludes(report)
       ->group("Output");
-  AddValue(
-      command, "--export", options.exports, ParseEngines, "ENGINES",
-      "Hand the result to engines as well: a list of\nunreal, unity, ue4, ue5, ue5-xn, aximmetry")
+  AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
+           "Engines to export the result to, as a list of\nunreal, unity, ue4, ue5, ue5-xn, "
+           "aximmetry")
       ->group("Output");
   AddValue(command, "--parent-axes", options.parentAxes, ParseParentAxesText, "X,Y,Z",
-           "Of the camera's parent in unreal or unity, in\nreported axes, such as z,-x,y")
+           kParentAxesHelp)
       ->group("Output");
   AddPath(command, "--truth", options.truth, "FILE.json",
-          "Compare with the truth of a simulated shoot")
+          "Truth of a simulated shoot, to compare with")
       ->check(RequireFile)
       ->group("Output");
-  command.add_flag("--verbose", options.verbose, "Show the library's own lines")->group("Output");
+  command.add_flag("--verbose", options.verbose, "Lines of the library's log, not the progress")
+      ->group("Output");
 }
 
 void AddCalibrateCommand(CLI::App& program, const std::string& commandLine, int& status) {
-  CLI::App* command =
-      program.add_subcommand("calibrate", "Calibrate lens and camera tracker from a shoot");
-  command->group("Commands");
-  command->fallthrough();
-  command->footer(kFooter);
+  CLI::App& command =
+      AddCommand(program, "calibrate", "Calibrate lens and camera tracker", kCalibrateFooter);
   const auto options = std::make_shared<CalibrateOptions>();
-  AddCalibrateOptions(*command, *options);
-  command->callback([options, commandLine, &program, &status] {
+  AddCalibrateOptions(command, *options);
+  command.callback([options, commandLine, &program, &status] {
     status = Calibrate(*options, commandLine, ConfigFile(program));
   });
 }

@@ -1,4 +1,4 @@
-// What the calibrate command is told, on the command line or in a configuration file.
+// The command "calibrate" and its options, from the command line or a configuration file.
 
 #pragma once
 
@@ -15,23 +15,22 @@
 namespace trackedcam::app {
 
 struct CalibrateOptions {
-  host::Inputs inputs;  // but for the mounting
+  host::Inputs inputs;  // without the mounting
   MountingOptions mounting;
-  std::filesystem::path result;  // empty: not wanted
+  std::filesystem::path result;  // empty: none
   std::vector<const host::Engine*> exports;
-  std::string parentAxes;        // of the camera in an engine; empty: those that it presumes
-  std::filesystem::path truth;   // empty: not known
-  std::filesystem::path report;  // empty: beside the log
+  std::string parentAxes;        // of the camera in an engine; empty: the engine's default
+  std::filesystem::path truth;   // empty: unknown
+  std::filesystem::path report;  // empty: in the folder of the run
   bool withoutReport = false;
   bool verbose = false;
 };
 
-/// Adds the options to the command; when it is parsed they are checked and stored, every path as an
-/// absolute one.
+/// Adds the options to the command. Parsing checks and stores them, paths as absolute paths.
 void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options);
 
-/// Adds the command "calibrate"; when it is called, the exit status goes to status.
-/// @param commandLine By which the program was called, to advise the next one.
+/// Adds the command "calibrate". When it runs, it stores the exit status.
+/// @param commandLine Of this call; the advice for the next call begins with it.
 void AddCalibrateCommand(CLI::App& program, const std::string& commandLine, int& status);
 
 }  // namespace trackedcam::app

@@ -4,8 +4,8 @@
 
 namespace trackedcam::app {
 
-/// Adds the command "chart", unless the program is built without it; when it is called, the exit
-/// status goes to status.
+/// Adds the command "chart", unless the program is built without it. When it runs, it stores the
+/// exit status.
 void AddChartCommand(CLI::App& program, int& status);
 
 }  // namespace trackedcam::app

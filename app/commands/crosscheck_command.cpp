@@ -14,19 +14,25 @@
 namespace trackedcam::app {
 namespace {
 
-constexpr const char* kFooter = R"(Examples:
-  trackedcam crosscheck --log log/run_001/log_2026-11-21-14.05.09.txt --config shoot/shoot.toml
-  trackedcam crosscheck --log log.txt --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02
+constexpr const char* kCrosscheckFooter = R"(Examples:
+  trackedcam crosscheck --log log/run_001/log_2026-11-21-14.05.09.txt \
+      --config shoot/shoot.toml
+  trackedcam crosscheck --log log.txt \
+      --chart-rotation=12,-8,5 --chart-translation=0.1,-0.05,0.02
 
-With --config FILE the mounting that stands below [calibrate] is taken.
+The mounting is the one that was passed to the library. With --config, it and
+the truth come from the section [calibrate].
 
-Exit status: 0 good, or usable with a doubt, 1 the run of the log failed, 2 wrong usage, 3 the
-cross-check is certain that the result is wrong.)";
+Exit status:
+  0  good, or usable with a warning
+  1  the run of the log failed
+  2  wrong usage
+  3  the cross-check is certain that the result is wrong)";
 
 struct CrosscheckOptions {
   std::filesystem::path log;
   MountingOptions mounting;
-  std::filesystem::path truth;  // empty: not known
+  std::filesystem::path truth;  // empty: unknown
   bool json = false;
 };
 
@@ -38,7 +44,7 @@ int Crosscheck(const CrosscheckOptions& options) {
   } else {
     std::optional<host::CalibrationOutputs> truth;
     if (!options.truth.empty()) {
-      truth = host::ReadTruth(options.truth, {1, 1});  // the log does not tell the sensor
+      truth = host::ReadTruth(options.truth, {1, 1});  // the log does not have the sensor
     }
     PrintSummary(std::cout, report, truth ? &*truth : nullptr);
   }
@@ -50,21 +56,18 @@ int Crosscheck(const CrosscheckOptions& options) {
 }  // namespace
 
 void AddCrosscheckCommand(CLI::App& program, int& status) {
-  CLI::App* command =
-      program.add_subcommand("crosscheck", "Check a calibration by the log that the library wrote");
-  command->group("Commands");
-  command->fallthrough();
-  command->footer(kFooter);
+  CLI::App& command =
+      AddCommand(program, "crosscheck", "Check a calibration from its log", kCrosscheckFooter);
   const auto options = std::make_shared<CrosscheckOptions>();
-  AddPath(*command, "--log", options->log, "FILE", "Log of a calibration, by any host")
+  AddPath(command, "--log", options->log, "FILE", "Log of a calibration, by any program")
       ->required()
       ->check(RequireFile);
-  AddMountingOptions(*command, options->mounting, "Options");
-  AddPath(*command, "--truth", options->truth, "FILE.json",
-          "Compare with the truth of a simulated shoot")
+  AddMountingOptions(command, options->mounting, "not known", "Options");
+  AddPath(command, "--truth", options->truth, "FILE.json",
+          "Truth of a simulated shoot, to compare with")
       ->check(RequireFile);
-  command->add_flag("--json", options->json, "Print every figure as JSON");
-  command->callback([options, &status] { status = Crosscheck(*options); });
+  command.add_flag("--json", options->json, "All values as JSON, as in the result file");
+  command.callback([options, &status] { status = Crosscheck(*options); });
 }
 
 }  // namespace trackedcam::app

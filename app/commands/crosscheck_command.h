@@ -4,7 +4,7 @@
 
 namespace trackedcam::app {
 
-/// Adds the command "crosscheck"; when it is called, the exit status goes to status.
+/// Adds the command "crosscheck". When it runs, it stores the exit status.
 void AddCrosscheckCommand(CLI::App& program, int& status);
 
 }  // namespace trackedcam::app

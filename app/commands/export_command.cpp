@@ -19,43 +19,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kExportFooter = R"(Examples:
   trackedcam export unreal --result result.json --out lens.ulens
   trackedcam export unity --result result.json --parent-axes minus-z-forward
   trackedcam export aximmetry --result result.json --json
 
-The figures place the camera relative to its tracker, in the engine's axes.
+Prints the pose of the camera relative to its tracker, in the engine's axes.
 
-Exit status: 0 done, 1 failed (such as by gimbal lock), 2 wrong usage.)";
+The parent is the component or transform that the tracker moves. Its axes are
+z-forward, minus-z-forward, or X, Y and Z in the tracker's reported axes, such
+as z,-x,y.
+
+Exit status: 0 done, 1 failed (such as gimbal lock), 2 wrong usage.)";
 
 struct ExportOptions {
   const host::Engine* engine = nullptr;
   fs::path result;
-  fs::path logFolder;  // empty: the result's
+  fs::path logFolder;  // empty: the result file's folder
   std::string parentAxes;
-  fs::path out;  // empty: not wanted
+  fs::path out;  // empty: none
   bool json = false;
 };
 
 void RequireFit(const ExportOptions& options, const fs::path& configFile) {
   const std::string name(options.engine->name);
   if (!options.parentAxes.empty() && !options.engine->takesParentAxes) {
-    throw CLI::ValidationError("--parent-axes", "is for unreal and unity; the figures of " + name +
-                                                    " have axes of their own");
+    throw CLI::ValidationError("--parent-axes",
+                               "is for unreal and unity; the axes of " + name + " are fixed");
   }
   if (options.out.empty()) {
     return;
   }
   if (name != "unreal") {
-    throw CLI::ValidationError(
-        "--out", name + " reads no file: type the figures in, or take them with --json");
+    throw CLI::ValidationError("--out",
+                               "is for unreal; type in the values for " + name + ", or use --json");
   }
   if (CLI::detail::to_lower(options.out.extension().u8string()) != ".ulens") {
     throw CLI::ValidationError("--out", options.out.u8string() +
-                                            " does not end in .ulens, by which Unreal knows a "
-                                            "lens file");
+                                            " does not end in .ulens, the ending of a Lens File "
+                                            "of Unreal");
   }
-  PrepareOutputFile({"--out", options.out, "a lens file of trackedcam", host::IsLensFile},
+  PrepareOutputFile({"--out", options.out, "a Lens File of trackedcam", host::IsLensFile},
                     {options.result, configFile});
 }
 
@@ -92,26 +96,22 @@ int Export(const ExportOptions& options, const fs::path& configFile) {
 }  // namespace
 
 void AddExportCommand(CLI::App& program, int& status) {
-  CLI::App* command =
-      program.add_subcommand("export", "Hand the result of a calibration to an engine");
-  command->group("Commands");
-  command->fallthrough();
-  command->footer(kFooter);
+  CLI::App& command =
+      AddCommand(program, "export", "Convert a result for an engine", kExportFooter);
   const auto options = std::make_shared<ExportOptions>();
-  AddValue(*command, "engine", options->engine, ParseEngine, "ENGINE",
+  AddValue(command, "engine", options->engine, ParseEngine, "ENGINE",
            "unreal, unity, ue4, ue5, ue5-xn or aximmetry")
       ->required();
-  AddPath(*command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
+  AddPath(command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
       ->required()
       ->check(RequireFile);
-  AddPath(*command, "--log-folder", options->logFolder, "FOLDER",
-          "For the library's log, in a folder of its own;\nelse the result file's folder");
-  AddValue(*command, "--parent-axes", options->parentAxes, ParseParentAxesText, "X,Y,Z",
-           "Of the camera's parent in unreal or unity, in\nreported axes, such as z,-x,y, or "
-           "z-forward\n(presumed) or minus-z-forward");
-  AddPath(*command, "--out", options->out, "FILE.ulens", "Of unreal: write a Lens File to import");
-  command->add_flag("--json", options->json, "Print the figures as JSON, at full precision");
-  command->callback(
+  AddPath(command, "--log-folder", options->logFolder, "FOLDER",
+          "Folder for the library's log\n(default: the result file's folder)");
+  AddValue(command, "--parent-axes", options->parentAxes, ParseParentAxesText, "X,Y,Z",
+           kParentAxesHelp);
+  AddPath(command, "--out", options->out, "FILE.ulens", "For unreal: Lens File to import");
+  command.add_flag("--json", options->json, "Values as JSON, at full precision");
+  command.callback(
       [options, &program, &status] { status = Export(*options, ConfigFile(program)); });
 }
 

@@ -4,7 +4,7 @@
 
 namespace trackedcam::app {
 
-/// Adds the command "export"; when it is called, the exit status goes to status.
+/// Adds the command "export". When it runs, it stores the exit status.
 void AddExportCommand(CLI::App& program, int& status);
 
 }  // namespace trackedcam::app

@@ -1,4 +1,4 @@
-// In place of chart_command.cpp where there is no library to draw with.
+// Instead of chart_command.cpp in a build without cairo.
 
 #include "app/commands/chart_command.h"
 

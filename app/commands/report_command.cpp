@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kReportFooter = R"(Example:
   trackedcam report --result shoot/result.json --out report.html
 
 calibrate writes the same page into the folder of each run.
@@ -30,8 +30,8 @@ struct ReportOptions {
   fs::path out;
 };
 
-void Report(const ReportOptions& options, const fs::path& configFile) {
-  PrepareOutputFile({"--out", options.out, "the page of a calibration", host::IsReportPage},
+void WriteReport(const ReportOptions& options, const fs::path& configFile) {
+  PrepareOutputFile({"--out", options.out, "a report page of trackedcam", host::IsReportPage},
                     {options.result, configFile});
   std::string page;
   try {
@@ -39,7 +39,7 @@ void Report(const ReportOptions& options, const fs::path& configFile) {
     page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path());
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
-                           " is not the result of a calibration: " + error.what());
+                           " is not a result file of trackedcam: " + error.what());
   }
   host::WriteFile(options.out, page);
   std::cout << "Report: " << options.out.u8string() << '\n';
@@ -48,17 +48,15 @@ void Report(const ReportOptions& options, const fs::path& configFile) {
 }  // namespace
 
 void AddReportCommand(CLI::App& program, int& status) {
-  CLI::App* command = program.add_subcommand("report", "Write the page of a calibration");
-  command->group("Commands");
-  command->fallthrough();
-  command->footer(kFooter);
+  CLI::App& command =
+      AddCommand(program, "report", "Write the report page of a calibration", kReportFooter);
   const auto options = std::make_shared<ReportOptions>();
-  AddPath(*command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
+  AddPath(command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
       ->required()
       ->check(RequireFile);
-  AddPath(*command, "--out", options->out, "FILE.html", "Where to write the page")->required();
-  command->callback([options, &program, &status] {
-    Report(*options, ConfigFile(program));
+  AddPath(command, "--out", options->out, "FILE.html", "File for the report page")->required();
+  command.callback([options, &program, &status] {
+    WriteReport(*options, ConfigFile(program));
     status = 0;
   });
 }

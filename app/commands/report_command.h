@@ -4,7 +4,7 @@
 
 namespace trackedcam::app {
 
-/// Adds the command "report"; when it is called, the exit status goes to status.
+/// Adds the command "report". When it runs, it stores the exit status.
 void AddReportCommand(CLI::App& program, int& status);
 
 }  // namespace trackedcam::app

@@ -20,7 +20,7 @@ using host::Shortest;
 using simulator::ShootOptions;
 namespace fs = std::filesystem;
 
-/// Adds options that show their defaults to one group of the help.
+/// Adds options with their defaults to one group of the help.
 class Group {
  public:
   Group(CLI::App& command, std::string name) : command_(command), name_(std::move(name)) {}
@@ -57,38 +57,43 @@ std::string TextOf(double width, double height) {
 }
 
 void AddPhotographs(Group group, ShootOptions& shoot) {
-  group.AddNumber("--photographs", shoot.photographs, "N", "Photographs, flawed ones included");
-  group.AddNumber("--missing", shoot.missing, "N", "Of these: do not exist");
-  group.AddNumber("--not-an-image", shoot.notAnImage, "N", "Of these: are text files");
-  group.AddNumber("--without-chart", shoot.withoutChart, "N", "Of these: do not show the chart");
-  group.AddNumber("--outliers", shoot.outliers, "N", "Of these: a tracker had slipped");
-  group.AddNumber("--seed", shoot.seed, "N", "Decides everything that is drawn by chance");
+  group.AddNumber("--photographs", shoot.photographs, "N",
+                  "Number of photographs, flawed ones included");
+  group.AddNumber("--missing", shoot.missing, "N", "Number of them that do not exist");
+  group.AddNumber("--not-an-image", shoot.notAnImage, "N", "Number of them that are text files");
+  group.AddNumber("--without-chart", shoot.withoutChart, "N",
+                  "Number of them that do not show the chart");
+  group.AddNumber("--outliers", shoot.outliers, "N",
+                  "Number of them for which a tracker had slipped");
+  group.AddNumber("--seed", shoot.seed, "N", "Seed of all random values");
 }
 
 void AddCamera(Group group, ShootOptions& shoot) {
   group.AddValue("--image", "WxH", TextOf(shoot.imageWidth, shoot.imageHeight),
-                 "Size of the photographs, pixels", [&shoot](const std::string& text) {
+                 "Size of the photographs in pixels", [&shoot](const std::string& text) {
                    const auto size = ParseImageSize("--image", text);
                    shoot.imageWidth = size[0];
                    shoot.imageHeight = size[1];
                  });
   group.AddValue("--sensor", "WxH", TextOf(shoot.sensorWidthMm, shoot.sensorHeightMm),
-                 "Size of the sensor, millimetres", [&shoot](const std::string& text) {
+                 "Size of the sensor in millimetres", [&shoot](const std::string& text) {
                    const auto sensor = ParseSensor("--sensor", text);
                    shoot.sensorWidthMm = sensor[0];
                    shoot.sensorHeightMm = sensor[1];
                  });
   group.AddValue(
       "--lens", "FX,FY,CX,CY,K1,K2", "",
-      "In pixels; else a slightly distorted lens that\nsuits the size of the photographs",
+      "Lens in pixels (default: slight distortion,\nsuited to the size of the photographs)",
       [&shoot](const std::string& text) {
         const auto lens = ParseLens("--lens", text);
         shoot.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
       });
-  group.AddNumber("--blur", shoot.blurPixels, "PIXELS", "Blur of the optics");
-  group.AddNumber("--noise", shoot.noiseGreyLevels, "LEVELS", "Noise of the sensor, of 255");
-  group.AddNumber("--uneven-light", shoot.unevenLight, "SHARE", "0: even, 1: dark on one side");
-  group.AddNumber("--jpeg-quality", shoot.jpegQuality, "N", "1 to 100");
+  group.AddNumber("--blur", shoot.blurPixels, "PIXELS", "Blur of the optics in pixels");
+  group.AddNumber("--noise", shoot.noiseGreyLevels, "LEVELS",
+                  "Noise of the sensor in grey levels of 255");
+  group.AddNumber("--uneven-light", shoot.unevenLight, "SHARE",
+                  "Unevenness of the light: 0 (even) to 1 (dark\non one side)");
+  group.AddNumber("--jpeg-quality", shoot.jpegQuality, "N", "JPEG quality, 1 to 100");
 }
 
 void AddChart(Group group, ShootOptions& shoot) {
@@ -99,37 +104,40 @@ void AddChart(Group group, ShootOptions& shoot) {
                    shoot.chart.rows = board[1];
                  });
   group.AddValue("--square", "METRES", Shortest(shoot.chart.squareMetres),
-                 "Edge of one square, metres", [&shoot](const std::string& text) {
+                 "Edge of one square in metres", [&shoot](const std::string& text) {
                    shoot.chart.squareMetres = ParseSquare("--square", text);
                  });
   group.AddNumber("--mounting-error-mm", shoot.mountingErrorMm, "MM",
-                  "Shift of the stated mounting from the true one");
+                  "Distance between the stated and the true\nmounting in millimetres");
   group.AddNumber("--mounting-error-degrees", shoot.mountingErrorDegrees, "DEG",
-                  "Turn of the stated mounting from the true one");
+                  "Angle between the stated and the true mounting\nin degrees");
 }
 
 void AddTrackers(Group group, ShootOptions& shoot) {
-  group.AddNumber("--tracker-noise-mm", shoot.trackerNoiseMm, "MM", "Noise along each axis");
+  group.AddNumber("--tracker-noise-mm", shoot.trackerNoiseMm, "MM",
+                  "Noise along each axis in millimetres");
   group.AddNumber("--tracker-noise-degrees", shoot.trackerNoiseDegrees, "DEG",
-                  "Noise about each axis");
-  group.AddNumber("--slip-mm", shoot.slipMm, "MM", "Shift of an outlier's tracker");
-  group.AddNumber("--slip-degrees", shoot.slipDegrees, "DEG", "Turn of an outlier's tracker");
+                  "Noise about each axis in degrees");
+  group.AddNumber("--slip-mm", shoot.slipMm, "MM", "Distance of an outlier's slip in millimetres");
+  group.AddNumber("--slip-degrees", shoot.slipDegrees, "DEG",
+                  "Angle of an outlier's slip in degrees");
   group.AddFlag("--inverted-quaternions", shoot.invertedQuaternions,
-                "The trackers report the inverse rotation");
+                "Inverse rotations in the trackers' quaternions");
 }
 
 void AddDataFile(Group group, ShootOptions& shoot) {
-  group.AddFlag("--windows-line-ends", shoot.windowsLineEnds, "End lines as on Windows");
-  group.AddFlag("--byte-order-mark", shoot.byteOrderMark, "Begin with a byte-order mark");
+  group.AddFlag("--windows-line-ends", shoot.windowsLineEnds, "Line ends of Windows");
+  group.AddFlag("--byte-order-mark", shoot.byteOrderMark, "Byte-order mark at the beginning");
 }
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kSimulateFooter = R"(Examples:
   trackedcam simulate shoot
-  trackedcam simulate shoot --photographs 30 --missing 1 --outliers 3 --tracker-noise-mm 0.5
+  trackedcam simulate shoot --photographs 30 --missing 1 --outliers 3 \
+      --tracker-noise-mm 0.5
   trackedcam calibrate --config shoot/shoot.toml
 
-The folder gets photos/, tracker_data.csv, truth.json and shoot.toml. It may hold an earlier simulated
-shoot, which is replaced, and nothing else.
+The folder gets photos/, tracker_data.csv, truth.json and shoot.toml. An earlier
+simulated shoot in it is replaced; any other file is refused without --force.
 
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
@@ -159,12 +167,12 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
       .add_option_function<std::string>(
           "FOLDER",
           [&options](const std::string& text) { options.folder = std::filesystem::u8path(text); },
-          "Where the shoot is written; created when missing")
+          "Folder of the shoot; created if it is missing")
       ->type_name("")
       ->required();
-  command.add_flag(
-      "--force", options.force,
-      "Write also into a folder that holds other\nfiles; those of the same names are lost");
+  command.add_flag("--force", options.force,
+                   "Permission to write into a folder with other\nfiles; those of the same names "
+                   "are overwritten");
   AddPhotographs({command, "Photographs"}, options.shoot);
   AddCamera({command, "Camera"}, options.shoot);
   AddChart({command, "Chart"}, options.shoot);
@@ -173,13 +181,11 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
 }
 
 void AddSimulateCommand(CLI::App& program, int& status) {
-  CLI::App* command = program.add_subcommand("simulate", "Write a simulated shoot and its truth");
-  command->group("Commands");
-  command->fallthrough();
-  command->footer(kFooter);
+  CLI::App& command =
+      AddCommand(program, "simulate", "Write a simulated shoot and its truth", kSimulateFooter);
   const auto options = std::make_shared<SimulateOptions>();
-  AddSimulateOptions(*command, *options);
-  command->callback([options, &status] {
+  AddSimulateOptions(command, *options);
+  command.callback([options, &status] {
     const simulator::Shoot shoot = Simulate(options->shoot);
     if (!options->force) {
       RequireShootFolder(options->folder);

@@ -10,14 +10,14 @@ namespace trackedcam::app {
 
 struct SimulateOptions {
   std::filesystem::path folder;
-  bool force = false;  // also over what is no simulated shoot
+  bool force = false;  // also into a folder with other files
   simulator::ShootOptions shoot;
 };
 
-/// Adds the options to the command, with the simulator's own defaults.
+/// Adds the options to the command, with the defaults of the simulator.
 void AddSimulateOptions(CLI::App& command, SimulateOptions& options);
 
-/// Adds the command "simulate"; when it is called, the exit status goes to status.
+/// Adds the command "simulate". When it runs, it stores the exit status.
 void AddSimulateCommand(CLI::App& program, int& status);
 
 }  // namespace trackedcam::app

@@ -23,8 +23,7 @@ using host::ParseInteger;
 using host::ParseNumber;
 using host::Shortest;
 
-constexpr double kMillimetresPerMetre = 1000.0;
-constexpr double kFarthestMounting = 3;  // metres; a tracker is within reach of its chart
+constexpr double kFarthestMounting = 3;  // metres; a tracker is on its chart or near it
 
 [[noreturn]] void Reject(const std::string& option, const std::string& reason) {
   throw CLI::ValidationError(option, reason);
@@ -38,7 +37,7 @@ std::string_view Trim(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
-// Nothing unless there are exactly N parts. They have no blanks around them.
+// Nothing unless there are exactly N parts. Blanks around them are removed.
 template <std::size_t N>
 std::optional<std::array<std::string_view, N>> SplitParts(std::string_view text, char separator) {
   std::array<std::string_view, N> parts;
@@ -54,7 +53,7 @@ std::optional<std::array<std::string_view, N>> SplitParts(std::string_view text,
   return parts;
 }
 
-// False unless the text holds exactly N finite numbers.
+// False unless the text is a list of N finite numbers.
 template <std::size_t N>
 bool Split(std::string_view text, char separator, std::array<double, N>& numbers) {
   const auto parts = SplitParts<N>(text, separator);
@@ -81,13 +80,13 @@ std::optional<std::array<int, 2>> SplitIntegers(std::string_view text) {
   return std::array<int, 2>{*first, *second};
 }
 
-// "mm", "cm", or nothing for metres.
+// "mm", "cm", or empty for metres.
 std::string_view UnitOf(std::string_view text) {
   const std::string_view end = text.substr(std::max<std::size_t>(text.size(), 2) - 2);
   return end == "mm" || end == "cm" ? end : std::string_view();
 }
 
-// A unit moves the point, exactly: "12.7mm" is the number 12.7e-3.
+// A unit becomes an exponent, which is exact: "12.7mm" is the number 12.7e-3.
 std::optional<double> ParseMetres(std::string_view number, std::string_view unit) {
   if (unit.empty()) {
     return ParseNumber(number);
@@ -100,7 +99,7 @@ std::optional<double> ParseMetres(std::string_view text) {
   return ParseMetres(text.substr(0, text.size() - unit.size()), unit);
 }
 
-// Three lengths, each with its own unit or all with the one behind the last.
+// Three lengths, each with its own unit, or all with the unit of the last one.
 std::optional<std::array<double, 3>> ParseLengths(std::string_view text) {
   const auto parts = SplitParts<3>(text, ',');
   if (!parts) {
@@ -135,6 +134,20 @@ std::string NamesOf(const Named& all) {
 
 }  // namespace
 
+CLI::App& AddCommand(CLI::App& program, const std::string& name, const std::string& description,
+                     const char* footer) {
+  CLI::App* command = program.add_subcommand(name, description);
+  command->group("Commands");
+  command->fallthrough();
+  command->footer(footer);
+  return *command;
+}
+
+std::string RequireFile(const std::string& path) {
+  const bool isFile = std::filesystem::is_regular_file(std::filesystem::u8path(path));
+  return isFile ? "" : "there is no file " + path;
+}
+
 std::array<double, 2> ParseSensor(const std::string& option, const std::string& text) {
   std::array<double, 2> sensor = {};
   if (!Split(text, 'x', sensor) || sensor[0] <= 0 || sensor[1] <= 0) {
@@ -163,10 +176,30 @@ std::array<int, 2> ParseBoard(const std::string& option, const std::string& text
   }
   if ((*board)[0] > host::kMostInnerCorners || (*board)[1] > host::kMostInnerCorners) {
     Reject(option, text +
-                       " is too large: at most 100x100 inner corners can be told apart in a "
-                       "photograph");
+                       " is too large: the chart may have at most 100 inner corners in each "
+                       "direction");
   }
   return *board;
+}
+
+double ParseSquare(const std::string& option, const std::string& text) {
+  const auto square = ParseMetres(text);
+  if (!square || !std::isfinite(*square) || *square <= 0) {
+    Reject(option, text + " is not a length in metres, such as 0.03, or with a unit, such as 30mm");
+  }
+  if (*square >= 1) {
+    Reject(option, text + " is " + Shortest(*square) + " metres, too large for a square" +
+                       (UnitOf(text).empty() ? "; for millimetres write " + text + "mm" : ""));
+  }
+  return *square;
+}
+
+double ParseLength(const std::string& option, const std::string& text) {
+  const auto length = ParseMetres(text);
+  if (!length || !std::isfinite(*length) || *length <= 0) {
+    Reject(option, text + " is not a length, such as 299.2mm");
+  }
+  return *length;
 }
 
 std::array<double, 3> ParseTriple(const std::string& option, const std::string& text) {
@@ -187,10 +220,18 @@ std::array<double, 3> ParseTranslation(const std::string& option, const std::str
   const auto [x, y, z] = *metres;
   const double farthest = std::max({std::abs(x), std::abs(y), std::abs(z)});
   if (farthest > kFarthestMounting && UnitOf(Trim(text)).empty()) {
-    Reject(option, text + " is " + Shortest(farthest) + " metres away; in millimetres it is " +
-                       option + ' ' + text + "mm, in centimetres " + text + "cm");
+    Reject(option, text + " is " + Shortest(farthest) +
+                       " metres from the tracker; for millimetres write " + text +
+                       "mm, for centimetres " + text + "cm");
   }
   return *metres;
+}
+
+bool ParseMountingAxes(const std::string& option, const std::string& text) {
+  if (text != "fixed" && text != "reported") {
+    Reject(option, text + " is not one of fixed, reported");
+  }
+  return text == "reported";
 }
 
 std::array<double, 6> ParseLens(const std::string& option, const std::string& text) {
@@ -199,27 +240,6 @@ std::array<double, 6> ParseLens(const std::string& option, const std::string& te
     Reject(option, text + " is not FX,FY,CX,CY,K1,K2, such as 1600,1600,955,545,-0.05,0.02");
   }
   return lens;
-}
-
-double ParseSquare(const std::string& option, const std::string& text) {
-  const auto square = ParseMetres(text);
-  if (!square || !std::isfinite(*square) || *square <= 0) {
-    Reject(option, text + " is not a length in metres, such as 0.03, or with a unit, such as 30mm");
-  }
-  if (*square >= 1) {
-    const std::string number = Shortest(*square);
-    Reject(option, text + " is " + number + " metres; a square of " + number + " millimetres is " +
-                       option + " " + Shortest(*square / kMillimetresPerMetre));
-  }
-  return *square;
-}
-
-double ParseLength(const std::string& option, const std::string& text) {
-  const auto length = ParseMetres(text);
-  if (!length || !std::isfinite(*length) || *length <= 0) {
-    Reject(option, text + " is not a length, such as 299.2mm");
-  }
-  return *length;
 }
 
 Paper ParsePaper(const std::string& option, const std::string& text) {
@@ -237,6 +257,24 @@ int ParseCount(const std::string& option, const std::string& text) {
     Reject(option, text + " is not a number of records, such as 40");
   }
   return *count;
+}
+
+const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::string& text) {
+  for (const host::TrackerAxes& axes : host::kTrackerAxes) {
+    if (axes.name == text) {
+      return &axes;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(host::kTrackerAxes));
+}
+
+const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text) {
+  for (const host::TrackerUnit& unit : host::kTrackerUnits) {
+    if (unit.name == text) {
+      return &unit;
+    }
+  }
+  Reject(option, text + " is not one of " + NamesOf(host::kTrackerUnits));
 }
 
 const Engine* ParseEngine(const std::string& option, const std::string& text) {
@@ -266,54 +304,23 @@ std::string ParseParentAxesText(const std::string& option, const std::string& te
   return text;
 }
 
-const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::string& text) {
-  for (const host::TrackerAxes& axes : host::kTrackerAxes) {
-    if (axes.name == text) {
-      return &axes;
-    }
-  }
-  Reject(option, text + " is not one of " + NamesOf(host::kTrackerAxes));
-}
-
-const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text) {
-  for (const host::TrackerUnit& unit : host::kTrackerUnits) {
-    if (unit.name == text) {
-      return &unit;
-    }
-  }
-  Reject(option, text + " is not one of " + NamesOf(host::kTrackerUnits));
-}
-
-bool ParseMountingAxes(const std::string& option, const std::string& text) {
-  if (text != "fixed" && text != "reported") {
-    Reject(option, text + " is not one of fixed, reported");
-  }
-  return text == "reported";
-}
-
-std::string RequireFile(const std::string& path) {
-  const bool isFile = std::filesystem::is_regular_file(std::filesystem::u8path(path));
-  return isFile ? "" : "there is no file " + path;
-}
-
-void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& group) {
+void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& standard,
+                        const std::string& group) {
   AddValue(command, "--chart-rotation", options.rotation, ParseTriple, "X,Y,Z",
-           "Mounting of the chart's tracker, degrees; left\nout, it is found from the shoot. The "
-           "chart is turned\nby Rx * Ry * Rz in the tracker's axes after the\naxis fix: reported "
-           "x, y, z count as -x, -z, -y")
+           "Mounting of the chart's tracker: rotation in\ndegrees (default: " + standard + ")")
       ->group(group);
   AddValue(command, "--chart-translation", options.translation, ParseTranslation, "X,Y,Z",
-           "Mounting of the chart's tracker, metres: the\nfirst inner corner in the same axes")
+           "Mounting of the chart's tracker: translation\nin metres (default: " + standard + ")")
       ->group(group);
   AddValue(command, "--mounting-axes", options.isReported, ParseMountingAxes, "AXES",
-           "Of the two options above: fixed, or reported\nwhere they count in the reported axes")
+           "Axes of this rotation and translation: fixed\n(default) or reported")
       ->group(group);
 }
 
 std::optional<host::Mounting> MountingOf(const MountingOptions& options) {
   if (options.rotation.has_value() != options.translation.has_value()) {
     throw CLI::ValidationError(options.rotation ? "--chart-translation" : "--chart-rotation",
-                               "is missing: a mounting is stated by both, or left out");
+                               "is missing: state both for a mounting, or neither");
   }
   if (!options.rotation) {
     return std::nullopt;

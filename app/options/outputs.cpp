@@ -1,7 +1,6 @@
 #include "app/options/outputs.h"
 
 #include <set>
-#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -27,11 +26,15 @@ fs::path FolderOf(const fs::path& file) {
   return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-constexpr const char* kForce =
-    "; name another folder, or say --force to write the shoot all the same";
+// By other names and through links too, and before either file exists.
+bool IsSameFile(const fs::path& a, const fs::path& b) {
+  return a == b || AreEquivalent(a, b) ||
+         (a.filename() == b.filename() && AreEquivalent(FolderOf(a), FolderOf(b)));
+}
 
-[[noreturn]] void Reject(const fs::path& folder, const std::string& reason) {
-  throw CLI::ValidationError("FOLDER", folder.u8string() + ' ' + reason + kForce);
+[[noreturn]] void RejectShootFolder(const fs::path& folder, const std::string& reason) {
+  throw CLI::ValidationError("FOLDER", folder.u8string() + ' ' + reason +
+                                           "; name another folder, or write into it with --force");
 }
 
 bool IsNumbered(std::string_view name, std::string_view before, std::string_view after) {
@@ -44,38 +47,36 @@ bool IsNumbered(std::string_view name, std::string_view before, std::string_view
   return name.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-bool IsSimulated(const fs::path& folder) {
+bool IsSimulatedShoot(const fs::path& folder) {
   constexpr std::string_view kBegin = "# A simulated shoot.";
   return host::BeginningOf(folder / "shoot.toml", kBegin.size()) == kBegin &&
          host::IsTruthFile(folder / "truth.json");
 }
 
-// What simulating and calibrating leave there.
-bool Belongs(const fs::path& path) {
+// Written by simulate or calibrate. A link is not: its target is elsewhere.
+bool IsPartOfShoot(const fs::path& path) {
   static const std::set<std::string> kNames = {"photos", "tracker_data.csv", "truth.json",
                                                "shoot.toml", "log"};
   const std::string name = path.filename().u8string();
-  // A link leads to files of another place.
   return !fs::is_symlink(path) &&
          (kNames.count(name) > 0 || IsNumbered(name, "run_", "") || host::IsResultFile(path) ||
           host::IsReportPage(path) || host::IsLensFile(path));
 }
 
-void RequireAll(const fs::path& folder, bool (*belongs)(const fs::path& path)) {
+bool IsPhotographOfShoot(const fs::path& path) {
+  return !fs::is_symlink(path) && IsNumbered(path.filename().u8string(), "img_", ".jpg");
+}
+
+void RequireAll(const fs::path& folder, bool (*isPart)(const fs::path& path)) {
   for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-    if (!belongs(entry.path())) {
-      Reject(folder, "holds " + entry.path().filename().u8string() +
-                         ", which is no part of a simulated shoot");
+    if (!isPart(entry.path())) {
+      RejectShootFolder(folder, "has " + entry.path().filename().u8string() +
+                                    ", which is not part of a simulated shoot");
     }
   }
 }
 
 }  // namespace
-
-bool IsSameFile(const fs::path& a, const fs::path& b) {
-  return a == b || AreEquivalent(a, b) ||
-         (a.filename() == b.filename() && AreEquivalent(FolderOf(a), FolderOf(b)));
-}
 
 void PrepareOutputFile(const OutputFile& output, const std::vector<fs::path>& inputs) {
   const fs::path& file = output.file;
@@ -85,18 +86,27 @@ void PrepareOutputFile(const OutputFile& output, const std::vector<fs::path>& in
     Reject(output, "is a folder, not a file");
   }
   if (fs::exists(status) && !fs::is_regular_file(status)) {
-    Reject(output, "is no plain file");
+    Reject(output, "is not a regular file");
   }
   for (const fs::path& input : inputs) {
     if (!input.empty() && IsSameFile(file, input)) {
-      Reject(output, "would be overwritten: it is an input");
+      Reject(output, "would be overwritten, but it is an input: name another file");
     }
   }
-  if (fs::is_regular_file(status) && fs::file_size(file, error) != 0 && !output.isOwn(file)) {
-    Reject(output, std::string("is not ") + output.kind +
-                       ", and would be lost: name another file, or remove it first");
+  if (fs::is_regular_file(status) && fs::file_size(file, error) != 0 && !output.isOfKind(file)) {
+    Reject(output, std::string("exists and is not ") + output.kind +
+                       ": name another file, or delete it first");
   }
-  CreateFolder(output.option, file.parent_path());
+  PrepareOutputFolder(output.option, file.parent_path());
+}
+
+void PrepareOutputFolder(const std::string& option, const fs::path& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    throw CLI::ValidationError(
+        option, "cannot create the folder " + folder.u8string() + ": " + error.message());
+  }
 }
 
 void RequireShootFolder(const fs::path& folder) {
@@ -104,19 +114,17 @@ void RequireShootFolder(const fs::path& folder) {
     return;
   }
   if (!fs::is_directory(folder)) {
-    throw CLI::ValidationError("FOLDER", folder.u8string() + " is no folder");
+    throw CLI::ValidationError("FOLDER", folder.u8string() + " is not a folder");
   }
   if (fs::is_empty(folder)) {
     return;
   }
-  if (!IsSimulated(folder)) {
-    Reject(folder, "holds files that are no simulated shoot");
+  if (!IsSimulatedShoot(folder)) {
+    RejectShootFolder(folder, "has files that are not a simulated shoot");
   }
-  RequireAll(folder, Belongs);
+  RequireAll(folder, IsPartOfShoot);
   if (fs::is_directory(folder / "photos")) {
-    RequireAll(folder / "photos", [](const fs::path& path) {
-      return !fs::is_symlink(path) && IsNumbered(path.filename().u8string(), "img_", ".jpg");
-    });
+    RequireAll(folder / "photos", IsPhotographOfShoot);
   }
 }
 

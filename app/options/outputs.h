@@ -1,50 +1,36 @@
+// The files and folders that the commands write. No command replaces a file that it reads, or a
+// file of another kind.
+
 #pragma once
 
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <system_error>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 namespace trackedcam::app {
 
-/// Creates the folder of an option, and those above it, when missing.
-/// @throws CLI::ValidationError when that fails.
-inline void CreateFolder(const std::string& option, const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) {
-    throw CLI::ValidationError(
-        option, "cannot create the folder " + folder.u8string() + ": " + error.message());
-  }
-}
-
-// A file that a command writes. Nothing of a user's is ever lost by it: neither what the command
-// reads nor what another program wrote.
-
+/// A file that a command writes.
 struct OutputFile {
   std::string option;
   std::filesystem::path file;
-  const char* kind;                                         // "the result of a calibration"
-  std::function<bool(const std::filesystem::path&)> isOwn;  // whether a file is of that kind
+  const char* kind;                                            // "a result file of trackedcam"
+  std::function<bool(const std::filesystem::path&)> isOfKind;  // for an existing file
 };
 
-/// The same file, be it by other names, through links, or where there is none yet.
-bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
-
-/// Checks the path of an option and creates the folder of the file. An empty file may be replaced:
-/// nothing is lost with it.
-/// @param inputs What the command reads.
-/// @throws CLI::ValidationError when the path is that of an input, of a folder, of a device, or of
-///         a file that is not of the kind, or when its folder cannot be created.
+/// Checks the path and creates the file's folder. An existing file must be of the same kind or
+/// empty.
+/// @param inputs The files that the command reads.
+/// @throws CLI::ValidationError if the path is that of an input, a folder, a device or a file of
+///         another kind, or if the folder cannot be created.
 void PrepareOutputFile(const OutputFile& output, const std::vector<std::filesystem::path>& inputs);
 
-// The folder that a simulated shoot goes to.
+/// Creates the folder of an option, and those above it.
+/// @throws CLI::ValidationError
+void PrepareOutputFolder(const std::string& option, const std::filesystem::path& folder);
 
-/// A simulated shoot may replace an earlier one, with what calibrating it has left there. It must
-/// not replace a real one, whose files have the same names, nor be mixed with other files.
+/// Checks the folder for a simulated shoot. An earlier simulated shoot may be replaced, with the
+/// results of its calibrations. A real shoot must not be: its files have the same names.
 /// @throws CLI::ValidationError unless the folder is missing, empty or such an earlier shoot.
 void RequireShootFolder(const std::filesystem::path& folder);
 

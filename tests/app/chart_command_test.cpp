@@ -58,7 +58,7 @@ TEST_F(ChartCommand, NamesTheLargestSquareThatFits) {
   EXPECT_EQ(Draw("30mm", "A3", "chart.pdf").status, 0);
 }
 
-TEST_F(ChartCommand, TellsTheSquareOfAPrint) {
+TEST_F(ChartCommand, ComputesTheSquareOfAPrint) {
   const auto measure = [&](const std::string& ruler) {
     return RunHostProgram(
         folder.Path(), {"chart", "--board", "9x6", "--square", "30mm", "--ruler-measured", ruler});
@@ -66,7 +66,7 @@ TEST_F(ChartCommand, TellsTheSquareOfAPrint) {
   // 30 mm * 299.2 / 300.
   const ProgramRun run = measure("299.2mm");
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_THAT(run.out, HasSubstr("a square measures 29.92 mm. Calibrate with\n"
+  EXPECT_THAT(run.out, HasSubstr("square is 29.92 mm. Calibrate with\n"
                                  "  --board 9x6 --square 0.02992\n"));
   EXPECT_THAT(measure("30cm").out, HasSubstr("--square 0.03\n"));
   ExpectError(measure("299.2"), 2, "299200 mm is not near the 300 mm of this chart's ruler");
@@ -77,8 +77,8 @@ TEST_F(ChartCommand, TellsTheSquareOfAPrint) {
 
 TEST_F(ChartCommand, NeedsAKnownPaperAndFormat) {
   ExpectError(Draw("30mm", "A9", "chart.pdf"), 2, "--paper: A9 is not one of A0, A1");
-  ExpectError(Draw("30mm", "A3", "chart.png"), 2, "chart.png ends neither in .pdf nor in .svg");
-  ExpectError(Draw("30mm", "A3", "chart"), 2, "ends neither in .pdf nor in .svg");
+  ExpectError(Draw("30mm", "A3", "chart.png"), 2, "chart.png does not end in .pdf or .svg");
+  ExpectError(Draw("30mm", "A3", "chart"), 2, "does not end in .pdf or .svg");
 }
 
 TEST_F(ChartCommand, NeedsAFileThatCanBeWritten) {
@@ -87,7 +87,7 @@ TEST_F(ChartCommand, NeedsAFileThatCanBeWritten) {
   test::WriteFile(folder.File("file"), "");
   ExpectError(Draw("30mm", "A3", "file/chart.pdf"), 2, "--out: cannot create the folder");
   std::filesystem::create_symlink("/dev/full", folder.Path() / "full.pdf");
-  ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf is no plain file");
+  ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf is not a regular file");
 }
 
 TEST_F(ChartCommand, ReplacesAChartAndNoOtherFile) {

@@ -18,6 +18,7 @@ using Json = nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 class CrosscheckShoot : public testing::Test {
  protected:
@@ -110,9 +111,7 @@ TEST_F(CrosscheckShoot, IsAgreedWithWhereAllIsWell) {
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0) << run.error;
   EXPECT_EQ(run.error, "");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Cross-check: mounting and transform solved together, "),
-                             HasSubstr("Success: the calibration is good, from "),
-                             Not(HasSubstr("Findings"))));
+  EXPECT_THAT(run.out, AllOf(HasSubstr("\nCross-check: "), Not(HasSubstr("\nFindings\n"))));
   EXPECT_TRUE(Result()["firstRun"].is_null());
   EXPECT_EQ(Result()["verdict"]["level"], "good");
   EXPECT_THAT(run.out, HasSubstr("\n      trackedcam export unreal --result "));
@@ -123,11 +122,11 @@ TEST_F(CrosscheckShoot, IsNoSuccessWithAWrongMounting) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 3);
-  EXPECT_THAT(run.error, HasSubstr("trackedcam: error: Calibrated, but the result is wrong"));
+  EXPECT_EQ(run.error.rfind("trackedcam: error: ", 0), 0U) << run.error;
+  EXPECT_EQ(run.error.find('\n'), run.error.size() - 1) << run.error;
   EXPECT_THAT(run.out,
-              AllOf(Not(HasSubstr("Success")),
-                    HasSubstr("Next: Calibrate again with the mounting that was found.\n      "
-                              "trackedcam calibrate --config shoot/shoot.toml --no-report "
+              AllOf(HasSubstr("\nNext: "),
+                    HasSubstr("\n      trackedcam calibrate --config shoot/shoot.toml --no-report "
                               "--refine-mounting\n")));
   // The library's own code says nothing of it.
   EXPECT_THAT(Result()["code"].get<int>(), testing::AnyOf(0, 99));
@@ -141,9 +140,8 @@ TEST_F(CrosscheckShoot, IsRefinedWhereAsked) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
   const ProgramRun run = Calibrate({"--refine-mounting"});
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_THAT(run.out, AllOf(HasSubstr("First run, with the mounting stated"),
-                             HasSubstr("Second run, with the mounting found"),
-                             HasSubstr("  --chart-rotation=")));
+  EXPECT_THAT(run.out, AllOf(StartsWith("First run, with the stated mounting\n"),
+                             HasSubstr("\nSecond run, "), HasSubstr("\n  --chart-rotation=")));
   const Json first = Result()["firstRun"];
   EXPECT_GT(OffTheTruth(first).millimetres, 15);
   EXPECT_EQ(first["verdict"]["level"], "wrong");
@@ -161,8 +159,8 @@ TEST_F(CrosscheckShoot, NeedsNoMounting) {
   LeaveOutTheMounting();
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_THAT(run.out, AllOf(HasSubstr("First run, without a mounting"),
-                             HasSubstr("Mounting found from the shoot, to pass on")));
+  EXPECT_THAT(run.out, AllOf(StartsWith("First run, without a mounting\n"),
+                             HasSubstr("\n  --chart-rotation=")));
   EXPECT_FALSE(Result()["mountingIsStated"]);
   EXPECT_TRUE(Result()["firstRun"]["inputs"]["chartRotationDegrees"].is_null());
   EXPECT_FALSE(Result()["inputs"]["chartRotationDegrees"].is_null());
@@ -173,7 +171,6 @@ TEST_F(CrosscheckShoot, IsRefinedWithoutThePhotographsOfASlip) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1", "--outliers", "4"});
   const ProgramRun run = Calibrate({"--refine-mounting"});
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_THAT(run.out, HasSubstr("4 photographs contradict the others: photos/"));
   EXPECT_EQ(Result()["photographs"].size(), 36U);
   EXPECT_EQ(Result()["firstRun"]["photographs"].size(), 40U);
   ExpectCloseToTheTruth();
@@ -188,16 +185,14 @@ TEST_F(CrosscheckShoot, OfALogIsTheSame) {
   EXPECT_EQ(Json::parse(run.out)["crossCheck"], Result()["crossCheck"]);
   EXPECT_EQ(Json::parse(run.out)["verdict"]["level"], "wrong");
 
-  const ProgramRun words = RunHostProgram(
+  const ProgramRun summary = RunHostProgram(
       folder.Path(), {"crosscheck", "--log", Result()["log"], "--config", "shoot/shoot.toml"});
-  EXPECT_THAT(words.out,
-              AllOf(HasSubstr("the mounting used is off by"), HasSubstr("  --chart-rotation=")));
+  EXPECT_THAT(summary.out, AllOf(HasSubstr("\n  the stated mounting differs by "),
+                                 HasSubstr("\n  --chart-rotation=")));
   const ProgramRun open = RunHostProgram(folder.Path(), {"crosscheck", "--log", Result()["log"]});
   EXPECT_EQ(open.status, 3);
-  EXPECT_THAT(open.out,
-              AllOf(HasSubstr("the result above is off by"),
-                    HasSubstr("the mounting that the library was given is off"),
-                    Not(HasSubstr("Success")), Not(HasSubstr("the mounting used is off by"))));
+  EXPECT_THAT(open.out, AllOf(HasSubstr("\n  the result differs by "),
+                              Not(HasSubstr("the stated mounting differs by"))));
 }
 
 TEST_F(CrosscheckShoot, NeedsALog) {

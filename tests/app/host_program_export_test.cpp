@@ -46,7 +46,7 @@ class HostProgramExport : public testing::Test {
   test::TemporaryFolder folder;
 };
 
-TEST_F(HostProgramExport, PrintsWhatTheEngineWants) {
+TEST_F(HostProgramExport, PrintsTheValuesOfTheEngine) {
   const ProgramRun run = Export("ue5");
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.error, "");
@@ -67,7 +67,7 @@ TEST_F(HostProgramExport, ToUE4FailsInGimbalLock) {
   const ProgramRun run = Export("ue4");
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.error, StartsWith("trackedcam: error 3: Unreal Engine 4: gimbal lock. "));
-  EXPECT_THAT(run.out, HasSubstr("no figures"));
+  EXPECT_THAT(run.out, HasSubstr("no values"));
   EXPECT_EQ(Json::parse(Export("ue4", {"--json"}).out)["code"], 3);
 }
 
@@ -80,12 +80,11 @@ TEST_F(HostProgramExport, ToAximmetryWarnsOfGimbalLock) {
       HasSubstr("  rotation, deg                       90.0000       0.0000       0.0000\n"));
 }
 
-TEST_F(HostProgramExport, ToUnrealAndUnityKnowsNoGimbalLock) {
+TEST_F(HostProgramExport, ToUnrealAndUnityHasNoGimbalLock) {
   for (const char* engine : {"unreal", "unity"}) {
     const ProgramRun run = Export(engine, {"--json"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.error, HasSubstr("does not tell the lens in full (imageSize, distortion and "
-                                     "the sensor in inputs.sensorMm)"));
+    EXPECT_THAT(run.error, HasSubstr("imageSize, distortion and inputs.sensorMm"));
     EXPECT_EQ(Json::parse(run.out)["lens"], nullptr);
   }
   EXPECT_THAT(Numbers(Export("unreal", {"--json"}), "locationCm"), ElementsAreNear({20, -10, 30}));
@@ -125,18 +124,18 @@ TEST_F(HostProgramExport, WritesALensFile) {
     EXPECT_EQ(wrong.status, 2);
     return wrong.error;
   };
-  EXPECT_THAT(error("unity", "lens.ulens"), HasSubstr("--out: unity reads no file"));
+  EXPECT_THAT(error("unity", "lens.ulens"), HasSubstr("--out: is for unreal"));
   EXPECT_THAT(error("unreal", "lens.json"), HasSubstr("does not end in .ulens"));
 }
 
 TEST_F(HostProgramExport, WritesNoLensFileWithoutALens) {
   const ProgramRun run = Export("unreal", {"--out", "lens.ulens"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.error, HasSubstr("the lens is not known, so there is no lens file to write"));
+  EXPECT_THAT(run.error, HasSubstr("the lens is unknown"));
   EXPECT_FALSE(fs::exists(folder.Path() / "lens.ulens"));
 }
 
-TEST_F(HostProgramExport, RefusesATransformThatIsNone) {
+TEST_F(HostProgramExport, RefusesATransformThatIsNotRigid) {
   for (const char* transform : {"[0, 0, 0, 0.1, 0, 0, 0, 0.2, 0, 0, 0, 0.3, 0, 0, 0, 1]",
                                 "[1, 0, 0, null, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]",
                                 "[1, 0, 0, 1e308, 0, 1, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1]"}) {
@@ -153,7 +152,7 @@ TEST_F(HostProgramExport, RefusesATransformThatIsNone) {
   }
 }
 
-TEST_F(HostProgramExport, LogsBesideTheResultOrWhereTold) {
+TEST_F(HostProgramExport, LogsNextToTheResultOrInTheLogFolder) {
   Export("ue5");
   EXPECT_EQ(LogsIn(folder.Path() / "run_001"), 1U);
   Export("ue5", {"--log-folder", "new/logs"});

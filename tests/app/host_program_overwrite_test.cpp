@@ -1,4 +1,4 @@
-// No command writes over what is not its own.
+// No command overwrites an input or a file of another kind.
 
 #include <gmock/gmock.h>
 
@@ -52,10 +52,10 @@ TEST_F(HostProgramOverwrite, CalibrateKeepsWhatIsNotItsOwn) {
   test::WriteFile(folder.File("notes.json"), "{\"notes\": []}");
   ExpectRefused("notes.json",
                 {"calibrate", "--config", "shoot/shoot.toml", "--result", "notes.json"},
-                "is not the result of a calibration");
+                "is not a result file of trackedcam");
   ExpectRefused("notes.json",
                 {"calibrate", "--config", "shoot/shoot.toml", "--report", "notes.json"},
-                "is not the page of a calibration");
+                "is not a report page of trackedcam");
 }
 
 TEST_F(HostProgramOverwrite, ResultAndPageAreTwoFiles) {
@@ -91,10 +91,10 @@ TEST_F(HostProgramOverwrite, ReportAndExportKeepWhatIsNotTheirOwn) {
   ExpectRefused(result, {"report", "--result", result, "--out", "shoot/../shoot/result.json"},
                 "would be overwritten");
   ExpectRefused("shoot/truth.json", {"report", "--result", result, "--out", "shoot/truth.json"},
-                "is not the page of a calibration");
+                "is not a report page of trackedcam");
   test::WriteFile(folder.File("mine.ulens"), "{\"metadata\": {\"type\": \"LensFile\"}}");
   ExpectRefused("mine.ulens", {"export", "unreal", "--result", result, "--out", "mine.ulens"},
-                "is not a lens file of trackedcam");
+                "is not a Lens File of trackedcam");
 }
 
 TEST_F(HostProgramOverwrite, SimulateReplacesASimulatedShootAlone) {
@@ -113,7 +113,7 @@ TEST_F(HostProgramOverwrite, SimulateKeepsARealShoot) {
   test::WriteFile(folder.File("real/tracker_data.csv"), "Time,Image\n1,photos/img_000.jpg\n");
   test::WriteFile(folder.File("real/photos/img_000.jpg"), "real");
   ExpectRefused("real/photos/img_000.jpg", {"simulate", "real", "--photographs", "12"},
-                "real holds files that are no simulated shoot");
+                "real has files that are not a simulated shoot");
   EXPECT_THAT(Read("real/tracker_data.csv"), HasSubstr("1,photos/img_000.jpg"));
   EXPECT_EQ(
       Run({"simulate", "real", "--photographs", "12", "--image", "320x180", "--force"}).status, 0);

@@ -17,6 +17,7 @@ using Eigen::Isometry3d;
 using Eigen::Vector3d;
 using Json = nlohmann::json;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 constexpr double kDegree = EIGEN_PI / 180;
 
@@ -110,7 +111,7 @@ TEST_P(RealPhotographsShoot, TellsTheWrongMountingAndComesBackFromIt) {
   const ProgramRun wrong = Calibrate(WrongMounting());
   // The chart is tilted so far that the library sees, with code 14, that something is wrong.
   EXPECT_EQ(wrong.status, 1);
-  EXPECT_THAT(wrong.error, HasSubstr("The stated mounting of the chart's tracker is off by 27"));
+  EXPECT_THAT(wrong.error, StartsWith("trackedcam: error 14: "));
   const Json first = Result();
   EXPECT_EQ(first["findings"][0]["id"], "mountingOff") << "seed " << GetParam();
   EXPECT_NEAR(first["crossCheck"]["nominalMounting"]["offMm"], 27, 3) << "seed " << GetParam();
@@ -130,7 +131,7 @@ TEST_P(RealPhotographsShoot, TellsTheWrongMountingAndComesBackFromIt) {
 TEST_P(RealPhotographsShoot, NeedsNoMounting) {
   const ProgramRun run = Calibrate({});
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_THAT(run.out, HasSubstr("Mounting found from the shoot"));
+  EXPECT_THAT(run.out, HasSubstr("\n  --chart-rotation="));
   ExpectCloseToTheTruth(Result());
 }
 

@@ -56,9 +56,10 @@ TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0) << run.error;
   EXPECT_EQ(run.error, "");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("found        truth"), HasSubstr("off the truth"),
-                             HasSubstr("(missing or not an image)"), HasSubstr("(board not found)"),
-                             HasSubstr("Success"), HasSubstr("result.json")));
+  EXPECT_THAT(run.out,
+              AllOf(HasSubstr("found        truth"), HasSubstr("\n  differs from the truth by "),
+                    HasSubstr("(missing or not an image)"), HasSubstr("(board not found)"),
+                    HasSubstr("\nResult: ")));
 
   const Json result = Read("result.json");
   const Json truth = Read("truth.json");
@@ -86,12 +87,12 @@ TEST_F(HostProgramShoot, LeavesALogAndImages) {
   }
 }
 
-TEST_F(HostProgramShoot, ShowsTheLibrarysLinesWhenAsked) {
+TEST_F(HostProgramShoot, ShowsTheLinesOfTheLogWithVerbose) {
   Simulate();
   EXPECT_THAT(Calibrate().out, Not(HasSubstr("Camera Tracker Calibration start.")));
   EXPECT_THAT(Calibrate({"--verbose"}).out,
               AllOf(HasSubstr("\tCamera Tracker Calibration start.\n"), HasSubstr("str_line:"),
-                    HasSubstr("Success")));
+                    HasSubstr("\nNext: ")));
 }
 
 TEST_F(HostProgramShoot, CanBeMoved) {
@@ -125,7 +126,7 @@ TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);
 }
 
-TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
+TEST_F(HostProgramShoot, IsExportedToEngines) {
   Simulate();
   const ProgramRun run = Calibrate({"--export", "ue5,aximmetry"});
   EXPECT_EQ(run.status, 0) << run.error;
@@ -134,7 +135,7 @@ TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
   const Json exports = Read("result.json")["exports"];
   ASSERT_EQ(exports.size(), 2U);
 
-  // The same figures as from a command of its own.
+  // The same values as from the command export.
   for (const auto& [engine, expected] : exports.items()) {
     const ProgramRun alone = Run({"export", engine, "--result", "shoot/result.json", "--json"});
     EXPECT_EQ(alone.status, 0) << alone.error;
@@ -149,7 +150,7 @@ TEST_F(HostProgramShoot, IsHandedToEnginesInOneGo) {
               1e-6);
 }
 
-TEST_F(HostProgramShoot, OfAFailedCalibrationGoesToNoEngine) {
+TEST_F(HostProgramShoot, OfAFailedCalibrationIsNotExported) {
   Simulate({"--not-an-image", "9"});
   const ProgramRun run = Calibrate({"--export", "ue5"});
   EXPECT_EQ(run.status, 1);
@@ -165,8 +166,9 @@ TEST_F(HostProgramShoot, FailsWithFewPhotographs) {
   Simulate({"--not-an-image", "9"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.error, "trackedcam: error 4: Fewer than 12 photographs can be used.\n");
-  EXPECT_THAT(run.out, AllOf(HasSubstr("Photographs: 11 of 20 used"), HasSubstr("Next: ")));
+  EXPECT_EQ(run.error.rfind("trackedcam: error 4: ", 0), 0U) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("\nPhotographs: 11 of 20 used"),
+                             HasSubstr("\nFailed, code 4: "), HasSubstr("\nNext: ")));
   const Json result = Read("result.json");
   EXPECT_EQ(result["code"], 4);
   EXPECT_EQ(result["message"], "Amount of valid images < 12.");
@@ -177,19 +179,16 @@ TEST_F(HostProgramShoot, SaysWhenTheBoardIsGivenInSquares) {
   Simulate();
   const ProgramRun run = Calibrate({"--board", "10x7"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(
-      run.error,
-      "trackedcam: error 4: Fewer than 12 photographs can be used. No board of 10x7 inner corners "
-      "was found in any photograph.\n");
-  EXPECT_THAT(run.out, HasSubstr("a chart of 10x7 squares has 9x6 "));
+  EXPECT_EQ(run.error.rfind("trackedcam: error 4: ", 0), 0U) << run.error;
   EXPECT_EQ(Read("result.json")["code"], 4);
+  EXPECT_EQ(Read("result.json")["findings"][0]["id"], "boardNowhere");
 }
 
 TEST_F(HostProgramShoot, FailsWhenNoRecordsAreExpected) {
   Simulate();
   const ProgramRun run = Calibrate({"--expected-records", "0"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.out, HasSubstr("Next: Leave out the number of expected records"));
+  EXPECT_THAT(run.out, HasSubstr("\nFailed, code 7: "));
   EXPECT_EQ(Read("result.json")["code"], 7);
   EXPECT_EQ(Read("result.json")["transformCamTc"], Json::array());
 }
@@ -198,8 +197,8 @@ TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
   Simulate({"--tracker-noise-mm", "4"});
   const ProgramRun run = Calibrate();
   EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.error, HasSubstr("trackedcam: warning: Calibrated, but the result is doubtful"));
-  EXPECT_THAT(run.out, HasSubstr("  warning: The trackers are noisy: "));
+  EXPECT_EQ(run.error.rfind("trackedcam: warning: ", 0), 0U) << run.error;
+  EXPECT_EQ(Read("result.json")["findings"][0]["id"], "trackersNoisy");
   EXPECT_EQ(Read("result.json")["code"], 99);
   EXPECT_EQ(Read("result.json")["message"], "Recalibration is recommended.");
 }
@@ -212,10 +211,7 @@ TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
   test::WriteFile(folder.File("shoot/tracker_data.csv"), data);
   const ProgramRun run = Calibrate({"--export", "ue5"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(
-      run.error,
-      "trackedcam: error: The transform is not a number. A value is nan or infinite in all "
-      "20 rows (field 3 of row 2, photos/img_000.jpg); one such row can spoil the whole result.\n");
+  EXPECT_EQ(run.error.rfind("trackedcam: error: ", 0), 0U) << run.error;
   EXPECT_THAT(run.out, Not(HasSubstr("Unreal Engine 5")));
   EXPECT_TRUE(Read("result.json")["transformCamTc"][3].is_null());
 }

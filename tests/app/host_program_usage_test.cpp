@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include <gmock/gmock.h>
 
 #include "host_program.h"
@@ -37,6 +39,28 @@ class HostProgramUsage : public testing::Test {
   test::TemporaryFolder folder;
 };
 
+// Every line fits a terminal of 80 columns, and every text begins at the same one.
+TEST_F(HostProgramUsage, HelpHasTwoColumns) {
+  for (const char* command :
+       {"", "calibrate", "chart", "crosscheck", "export", "report", "simulate"}) {
+    const ProgramRun run = *command == '\0' ? Run({"--help"}) : Run({command, "--help"});
+    EXPECT_EQ(run.status, 0) << command;
+    std::istringstream lines(run.out);
+    for (std::string line;
+         std::getline(lines, line) && line != "Examples:" && line != "Example:";) {
+      EXPECT_LE(line.size(), 80U) << line;
+      if (line.rfind("  ", 0) == 0) {
+        ASSERT_GT(line.size(), 34U) << line;
+        EXPECT_EQ(line[33], ' ') << line;
+        EXPECT_NE(line[34], ' ') << line;
+      }
+    }
+    for (std::string line; std::getline(lines, line);) {
+      EXPECT_LE(line.size(), 80U) << line;
+    }
+  }
+}
+
 TEST_F(HostProgramUsage, HelpNamesTheCommands) {
   const ProgramRun run = Run({"--help"});
   EXPECT_EQ(run.status, 0);
@@ -66,7 +90,7 @@ TEST_F(HostProgramUsage, VersionIsShown) {
 }
 
 TEST_F(HostProgramUsage, NeedsAKnownCommand) {
-  ExpectUsageError({}, "name a command");
+  ExpectUsageError({}, "a command is missing");
   ExpectUsageError({"calibarte"}, "calibarte");
   ExpectUsageError({"calibrate", "--sqare", "0.03"}, "--data is required");
 }
@@ -93,7 +117,7 @@ TEST_F(HostProgramUsage, SaysWhyThereIsNoRow) {
 
 TEST_F(HostProgramUsage, NeedsMetresAndInnerCorners) {
   ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "9x6", "--square", "30"}),
-                   "--square: 30 is 30 metres; a square of 30 millimetres is --square 0.03");
+                   "--square: 30 is 30 metres");
   ExpectUsageError(Calibrate({"--data", "data.csv", "--board", "2x6", "--square", "0.03"}),
                    "at least 3 inner corners");
 }

@@ -92,24 +92,25 @@ TEST(OptionValues, TranslationIsThreeLengths) {
   }
 }
 
-TEST(OptionValues, TranslationThatSeemsToBeMillimetresIsAskedAbout) {
-  EXPECT_EQ(ErrorOf(ParseTranslation, "100,-50,20"),
-            "--option: 100,-50,20 is 100 metres away; in millimetres it is --option 100,-50,20mm, "
-            "in centimetres 100,-50,20cm");
-  EXPECT_EQ(ErrorOf(ParseTranslation, "0,-3.5,0"),
-            "--option: 0,-3.5,0 is 3.5 metres away; in millimetres it is --option 0,-3.5,0mm, in "
-            "centimetres 0,-3.5,0cm");
+TEST(OptionValues, TranslationThatSeemsToBeMillimetresIsRefused) {
+  EXPECT_EQ(
+      ErrorOf(ParseTranslation, "100,-50,20"),
+      "--option: 100,-50,20 is 100 metres from the tracker; for millimetres write 100,-50,20mm, "
+      "for centimetres 100,-50,20cm");
+  EXPECT_EQ(
+      ErrorOf(ParseTranslation, "0,-3.5,0"),
+      "--option: 0,-3.5,0 is 3.5 metres from the tracker; for millimetres write 0,-3.5,0mm, for "
+      "centimetres 0,-3.5,0cm");
   EXPECT_THAT(ParseTranslation("", "3,-3,0"), ElementsAre(3, -3, 0));
-  EXPECT_THAT(ParseTranslation("", "400,0,0cm "), ElementsAre(4, 0, 0));  // it was said
+  EXPECT_THAT(ParseTranslation("", "400,0,0cm "), ElementsAre(4, 0, 0));  // with its unit
 }
 
 TEST(OptionValues, SquareIsInMetres) {
   EXPECT_EQ(ErrorOf(ParseSquare, "30"),
-            "--option: 30 is 30 metres; a square of 30 millimetres is --option 0.03");
+            "--option: 30 is 30 metres, too large for a square; for millimetres write 30mm");
   EXPECT_EQ(ErrorOf(ParseSquare, "1"),
-            "--option: 1 is 1 metres; a square of 1 millimetres is --option 0.001");
-  EXPECT_EQ(ErrorOf(ParseSquare, "300cm"),
-            "--option: 300cm is 3 metres; a square of 3 millimetres is --option 0.003");
+            "--option: 1 is 1 metres, too large for a square; for millimetres write 1mm");
+  EXPECT_EQ(ErrorOf(ParseSquare, "300cm"), "--option: 300cm is 3 metres, too large for a square");
   EXPECT_EQ(ParseSquare("", "0.999"), 0.999);
 }
 

@@ -54,17 +54,17 @@ TEST_F(OutputFileTest, MayBeNewEmptyOrOfItsOwnKind) {
 
 TEST_F(OutputFileTest, IsNoFileOfAnotherKind) {
   test::WriteFile(folder.File("novel"), "chapter");
-  EXPECT_THAT(RefusalOf("novel"), HasSubstr("novel is not a note, and would be lost"));
+  EXPECT_THAT(RefusalOf("novel"), HasSubstr("novel exists and is not a note"));
 }
 
 TEST_F(OutputFileTest, IsNoFolderAndNoPipe) {
   EXPECT_THAT(Refusal(folder.Path()), HasSubstr("is a folder, not a file"));
   if (test::MakePipe(folder.Path() / "pipe")) {
-    EXPECT_THAT(RefusalOf("pipe"), HasSubstr("pipe is no plain file"));
+    EXPECT_THAT(RefusalOf("pipe"), HasSubstr("pipe is not a regular file"));
   }
 }
 
-TEST_F(OutputFileTest, IsNoInputByWhateverName) {
+TEST_F(OutputFileTest, IsNoInputByAnyName) {
   fs::create_directory(folder.Path() / "sub");
   fs::create_hard_link(folder.Path() / "input.jpg", folder.Path() / "hard");
   for (const char* name : {"input.jpg", "sub/../input.jpg", "./input.jpg", "hard"}) {
@@ -76,7 +76,7 @@ TEST_F(OutputFileTest, IsNoInputByWhateverName) {
   }
 }
 
-TEST_F(OutputFileTest, IsNoInputThatIsYetToCome) {
+TEST_F(OutputFileTest, IsNoInputThatDoesNotExistYet) {
   EXPECT_THAT(RefusalOf("missing.jpg"), HasSubstr("would be overwritten"));
   if (Link(".", "loop")) {
     EXPECT_THAT(RefusalOf("loop/missing.jpg"), HasSubstr("would be overwritten"));
