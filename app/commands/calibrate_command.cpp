@@ -137,7 +137,7 @@ fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
 }
 
 WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  std::string text = host::JsonText(host::ResultJson(report));
+  std::string text = host::ResultText(report);
   WrittenFiles written;
   if (!options.result.empty()) {
     written.result = Write(options.result, true, written, [&] { return text; });

@@ -40,7 +40,7 @@ int Crosscheck(const CrosscheckOptions& options) {
   host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
   report.inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (options.json) {
-    std::cout << host::JsonText(host::ResultJson(report));
+    std::cout << host::ResultText(report);
   } else {
     std::optional<host::CalibrationOutputs> truth;
     if (!options.truth.empty()) {

@@ -301,4 +301,8 @@ Json ResultJson(const Report& report) {
   return json;
 }
 
+std::string ResultText(const Report& report) {
+  return JsonText(ResultJson(report));
+}
+
 }  // namespace trackedcam::host
