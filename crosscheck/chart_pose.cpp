@@ -3,20 +3,19 @@
 #include <cmath>
 #include <cstddef>
 
-#include <Eigen/Cholesky>
-#include <Eigen/Eigenvalues>
+#include "crosscheck/symmetric.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-// The direct linear transform from the board's plane to the plane z = 1 of Cam.
+// From the board's plane to the plane z = 1 of frame Cam, by the direct linear transform.
 std::optional<Eigen::Matrix3d> Homography(const Lens& lens,
                                           const std::vector<Eigen::Vector3d>& board,
                                           const std::vector<Eigen::Vector2d>& corners) {
-  // Numbers of about 1 keep the equations well conditioned.
+  // Scaled to about 1, which keeps the equations well conditioned.
   const Eigen::Vector2d centre = 0.5 * (board.front() + board.back()).head<2>();
   const double size = (board.back() - board.front()).norm();
-  Eigen::Matrix<double, 9, 9> normal = Eigen::Matrix<double, 9, 9>::Zero();
+  Matrix9d normal = Matrix9d::Zero();
   for (std::size_t i = 0; i < board.size(); ++i) {
     const std::optional<Eigen::Vector2d> ray = Ray(lens, corners[i]);
     if (!ray) {
@@ -28,13 +27,13 @@ std::optional<Eigen::Matrix3d> Homography(const Lens& lens,
     rows.block<1, 3>(0, 6) = -ray->x() * point.transpose();
     rows.block<1, 3>(1, 3) = point.transpose();
     rows.block<1, 3>(1, 6) = -ray->y() * point.transpose();
-    normal.noalias() += rows.transpose() * rows;
+    normal += rows.transpose().lazyProduct(rows);
   }
-  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<double, 9, 9>> solver(normal);
-  if (solver.info() != Eigen::Success) {
+  const std::optional<Matrix9d> eigenvectors = Eigenvectors(normal);
+  if (!eigenvectors) {
     return std::nullopt;
   }
-  const Eigen::Matrix<double, 9, 1> h = solver.eigenvectors().col(0);
+  const Eigen::Matrix<double, 9, 1> h = eigenvectors->col(0);
   Eigen::Matrix3d homography;
   homography << h.head<3>().transpose(), h.segment<3>(3).transpose(), h.tail<3>().transpose();
   Eigen::Matrix3d toUnits;
@@ -58,6 +57,22 @@ std::optional<Pose> PoseOfHomography(Eigen::Matrix3d homography) {
 
 }  // namespace
 
+std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square) {
+  std::vector<Eigen::Vector3d> points;
+  for (int r = 0; r < rows; ++r) {
+    for (int c = 0; c < columns; ++c) {
+      points.emplace_back(c * square, r * square, 0);
+    }
+  }
+  return points;
+}
+
+Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board) {
+  Pose pose(RotationAbout(2, 180));
+  pose.translation() = board.back();
+  return pose;
+}
+
 Eigen::Vector2d Project(const Lens& lens, const Eigen::Vector3d& point) {
   const double x = point.x() / point.z();
   const double y = point.y() / point.z();
@@ -72,7 +87,7 @@ Projection ProjectWithDerivatives(const Lens& lens, const Eigen::Vector3d& point
   const double y = point.y() * depth;
   const double r2 = x * x + y * y;
   const double stretch = 1 + r2 * (lens.k1 + r2 * lens.k2);
-  const double growth = 2 * (lens.k1 + 2 * r2 * lens.k2);  // of the stretch, by r2, twice
+  const double growth = 2 * (lens.k1 + 2 * r2 * lens.k2);  // twice the derivative of stretch by r2
 
   Projection projection;
   projection.pixel = {lens.fx * stretch * x + lens.cx, lens.fy * stretch * y + lens.cy};
@@ -107,16 +122,6 @@ std::optional<Eigen::Vector2d> Ray(const Lens& lens, const Eigen::Vector2d& pixe
   return std::nullopt;
 }
 
-std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square) {
-  std::vector<Eigen::Vector3d> points;
-  for (int r = 0; r < rows; ++r) {
-    for (int c = 0; c < columns; ++c) {
-      points.emplace_back(c * square, r * square, 0);
-    }
-  }
-  return points;
-}
-
 std::optional<CornerEquations> EquationsAt(const Pose& Transform_Cam_Chart, const Lens& lens,
                                            const std::vector<Eigen::Vector3d>& board,
                                            const std::vector<Eigen::Vector2d>& corners) {
@@ -134,7 +139,7 @@ std::optional<CornerEquations> EquationsAt(const Pose& Transform_Cam_Chart, cons
     rows.middleCols<3>(3) = seen.byPoint;
     rows.rightCols<6>() = seen.byLens;
     const Eigen::Vector2d residual = corners[i] - seen.pixel;
-    normal.noalias() += rows.transpose() * rows;
+    normal += rows.transpose().lazyProduct(rows);
     equations.towards.noalias() += rows.leftCols<6>().transpose() * residual;
     equations.squares += residual.squaredNorm();
   }
@@ -156,12 +161,12 @@ std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen
   }
   std::optional<CornerEquations> equations = EquationsAt(*pose, lens, board, corners);
   for (int step = 0; step < 20 && equations; ++step) {
-    const Eigen::LDLT<Matrix6d> solver(equations->byPose);
-    Twist change = solver.solve(equations->towards);
-    if (!change.allFinite() || solver.vectorD().minCoeff() <= 0) {
+    const Ldlt solver(equations->byPose);
+    Twist change = solver.Solve(equations->towards);
+    if (!change.allFinite() || solver.SmallestPivot() <= 0) {
       return std::nullopt;
     }
-    // Shortened until the corners are nearer than before.
+    // Halved until the corners fit no worse than before.
     std::optional<CornerEquations> nearer;
     for (int halving = 0; halving < 8; ++halving, change *= 0.5) {
       const Pose tried = Exp(change) * *pose;
@@ -173,7 +178,7 @@ std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen
       nearer.reset();
     }
     if (!nearer) {
-      break;  // as near as rounding lets it come
+      break;  // the fit is at the limit of rounding
     }
     equations = nearer;
     if (change.norm() < 1e-9) {

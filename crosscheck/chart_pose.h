@@ -1,4 +1,4 @@
-// Where the lens shows a point, and how that changes with the point and with the lens.
+// The pose of the chart that its corners say, with the lens held fixed.
 
 #pragma once
 
@@ -12,28 +12,28 @@
 
 namespace trackedcam::crosscheck {
 
+/// The inner corners in frame Chart, metres: row by row, columns fastest.
+std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square);
+
+/// Transform_Chart_Reversed: the chart's frame if its corners are counted from the last one.
+Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board);
+
+/// The pixel of a point in front of the camera, given in frame Cam.
+Eigen::Vector2d Project(const Lens& lens, const Eigen::Vector3d& point);
+
 struct Projection {
   Eigen::Vector2d pixel;
   Eigen::Matrix<double, 2, 3> byPoint;  // pixels per metre
   Eigen::Matrix<double, 2, 6> byLens;   // pixels per unit of fx, fy, cx, cy, k1, k2
 };
 
-/// The pixel of a point in front of the camera, given in frame Cam.
-Eigen::Vector2d Project(const Lens& lens, const Eigen::Vector3d& point);
-
 Projection ProjectWithDerivatives(const Lens& lens, const Eigen::Vector3d& point);
 
-/// The point in the plane z = 1 of frame Cam that is seen at this pixel; nothing where the
-/// distortion folds the picture back before it.
+/// The point of the plane z = 1 of frame Cam that has this pixel; nothing beyond the radius at
+/// which the distortion folds the image back.
 std::optional<Eigen::Vector2d> Ray(const Lens& lens, const Eigen::Vector2d& pixel);
 
-// Where the chart stands, by least squares on its corners with the lens held; and what the corners
-// say about the lens.
-
-/// The inner corners in frame Chart, metres: row by row, columns fastest.
-std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square);
-
-/// The normal equations of one photograph's corners, twists of Transform_Cam_Chart being left ones.
+/// The normal equations of one photograph's corners, for the left twist of Transform_Cam_Chart.
 struct CornerEquations {
   Matrix6d byPose;      // pose by pose, pixels²
   Matrix6d byPoseLens;  // pose by lens
@@ -42,17 +42,17 @@ struct CornerEquations {
   double squares = 0;   // of the residuals, pixels²
 };
 
-/// Nothing where a point lies behind the camera.
+/// Nothing if a point is behind the camera.
 std::optional<CornerEquations> EquationsAt(const Pose& Transform_Cam_Chart, const Lens& lens,
                                            const std::vector<Eigen::Vector3d>& board,
                                            const std::vector<Eigen::Vector2d>& corners);
 
 struct ChartPose {
   Pose Transform_Cam_Chart;
-  CornerEquations equations;  // there
+  CornerEquations equations;  // at this pose
 };
 
-/// Nothing where the corners are no picture of the board.
+/// By least squares; nothing if the corners are not an image of the board.
 std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen::Vector3d>& board,
                                        const std::vector<Eigen::Vector2d>& corners);
 

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "crosscheck/evidence.h"
@@ -21,7 +24,7 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr int kSamples = 100;
+constexpr int kStartSamples = 100;
 
 void Require(bool holds, const char* message) {
   if (!holds) {
@@ -30,25 +33,26 @@ void Require(bool holds, const char* message) {
 }
 
 void CheckLens(const Lens& lens) {
-  Require(lens.width > 0 && lens.height > 0, "The photographs have no size.");
+  Require(lens.width > 0 && lens.height > 0, "The size of the photographs must be positive.");
   Require(lens.fx > 0 && lens.fy > 0 && std::isfinite(lens.fx) && std::isfinite(lens.fy),
-          "The lens's focal lengths are not above 0.");
-  Require(std::isfinite(lens.cx + lens.cy + lens.k1 + lens.k2), "The lens is not made of numbers.");
+          "The focal lengths must be positive and finite.");
+  Require(std::isfinite(lens.cx + lens.cy + lens.k1 + lens.k2),
+          "The centre or the distortion of the lens is infinite or NaN.");
 }
 
 void CheckObservations(const Observations& observations) {
   Require(observations.boardColumns >= 2 && observations.boardRows >= 2,
-          "The board has fewer than 2 inner corners along a side.");
+          "The board must have at least 2 inner corners along each side.");
   Require(observations.square > 0 && std::isfinite(observations.square),
-          "The edge of the squares is not above 0.");
+          "The edge of the squares must be positive and finite.");
   CheckLens(observations.lens);
   const std::size_t corners = static_cast<std::size_t>(observations.boardColumns) *
                               static_cast<std::size_t>(observations.boardRows);
   for (const Photograph& photograph : observations.photographs) {
     if (photograph.corners.size() != corners) {
-      throw std::invalid_argument(
-          photograph.name + " has " + std::to_string(photograph.corners.size()) +
-          " corners instead of the board's " + std::to_string(corners) + ".");
+      throw std::invalid_argument(photograph.name + " has " +
+                                  std::to_string(photograph.corners.size()) +
+                                  " corners, expected " + std::to_string(corners) + ".");
     }
   }
   if (observations.mounting) {
@@ -56,24 +60,24 @@ void CheckObservations(const Observations& observations) {
     const auto& [rotation, translation] = *observations.mounting;
     Require(std::all_of(rotation.begin(), rotation.end(), isFinite) &&
                 std::all_of(translation.begin(), translation.end(), isFinite),
-            "The stated mounting is not made of numbers.");
+            "The stated mounting contains an infinite or NaN value.");
   }
 }
 
 std::optional<Solution> SolveShoot(const Evidence& evidence) {
-  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kSamples);
+  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kStartSamples);
   if (!start || !evidence.lensCovariance.allFinite()) {
     return std::nullopt;
   }
   Solution from;
   from.Transform_Cam_Tc = start->Transform_Cam_Tc;
   from.Transform_Tr_Chart = start->Transform_Tr_Chart;
-  // The scoring finds the noise from any start within some orders of magnitude.
+  // The noise converges from any start within some orders of magnitude.
   const double metres = std::max(start->medianMetres, 1e-5);
   from.noise = {metres * metres, metres * metres, false};
-  Choice choice;
-  choice.first = start->closest;
-  auto solution = Solve(evidence.loops, from, choice);
+  SolveOptions options;
+  options.first = start->closest;
+  auto solution = Solve(evidence.loops, from, options);
   const bool isFinite = solution && solution->covariance.allFinite() &&
                         solution->byLens.allFinite() &&
                         solution->Transform_Cam_Tc.matrix().allFinite() &&
@@ -94,8 +98,8 @@ void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck
   check.standardErrorTrChart =
       StandardErrorOfRightTwist(check.covarianceTrChartTwist, solution.Transform_Tr_Chart);
   check.t95 = StudentHalfWidth95(Freedom(solution));
-  check.trackerNoiseDegrees = std::sqrt(solution.noise.turn) / kDegree;
-  check.trackerNoiseMm = std::sqrt(solution.noise.shift) * 1e3;
+  check.trackerNoiseDegrees = std::sqrt(solution.noise.rotation) / kDegree;
+  check.trackerNoiseMm = std::sqrt(solution.noise.translation) * 1e3;
   check.trackerNoiseApart = solution.noise.isApart;
   check.diversity = DiversityOf(evidence.loops, solution);
   if (check.diversity.amplification <= kMostAmplification) {
@@ -103,13 +107,13 @@ void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck
   }
 }
 
-// The squares' size free as well: it tells a wrong size from a wrong mounting.
+// With the size of the squares free, which distinguishes a wrong size from a wrong mounting.
 std::optional<Solution> FreeSquareSize(const Evidence& evidence, const Solution& solution) {
   Solution from = solution;
-  from.sought.squareSize = true;
-  Choice choice;
-  choice.first = solution.used;
-  return Solve(evidence.loops, from, choice);
+  from.unknowns.squareSize = true;
+  SolveOptions options;
+  options.first = solution.used;
+  return Solve(evidence.loops, from, options);
 }
 
 void FillSquareSize(const Evidence& evidence, const std::optional<Solution>& free,
@@ -132,38 +136,32 @@ void FillMounting(const Observations& observations, const Evidence& evidence,
   }
   const Pose stated = TransformOf(*observations.mounting);
   NominalMounting& nominal = check.nominalMounting.emplace();
-  static_cast<Offset&>(nominal) = CompareMounting(solution, check.covarianceTrChartTwist, stated);
+  static_cast<Offset&>(nominal) = CompareTrChart(solution, check.covarianceTrChartTwist, stated);
   nominal.pScaleFree =
-      free ? CompareMounting(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
+      free ? CompareTrChart(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
            : nominal.p;
-  nominal.likelyMistake = LikelyMistake(observations, solution.Transform_Tr_Chart);
+  nominal.likelyMistake =
+      LikelyMistake(*observations.mounting, evidence.board, solution.Transform_Tr_Chart);
 }
 
-// The transform that follows from the stated mounting, where no other is to be checked.
+// How far off the result is: the library's, or otherwise the one that follows from the stated
+// mounting.
 std::optional<Offset> ResultOffset(const Observations& observations, const Evidence& evidence,
                                    const Solution& solution, const CrossCheck& check) {
   if (check.library || !observations.mounting) {
     return check.library;
   }
   Solution from = solution;
-  from.sought.mounting = false;
+  from.unknowns.mounting = false;
   from.Transform_Tr_Chart = TransformOf(*observations.mounting);
   from.Transform_Cam_Tc =
       solution.Transform_Cam_Tc * solution.Transform_Tr_Chart * from.Transform_Tr_Chart.inverse();
-  Choice choice;
-  choice.first = solution.used;
-  choice.isFixed = true;
-  const auto held = Solve(evidence.loops, from, choice);
-  // So far off that nothing fits any more: as far as the mounting itself carries it.
+  SolveOptions options;
+  options.first = solution.used;
+  options.isFixed = true;
+  const auto held = Solve(evidence.loops, from, options);
+  // If nothing fits the stated mounting: as far off as the mounting itself moves it.
   return Between(held ? held->Transform_Cam_Tc : from.Transform_Cam_Tc, solution.Transform_Cam_Tc);
-}
-
-double MeanDistance(const Loops& loops) {
-  double sum = 0;
-  for (const Loop& loop : loops) {
-    sum += loop.Transform_Cam_Chart.translation().norm();
-  }
-  return sum / static_cast<double>(loops.size());
 }
 
 // Root mean square distance of the chart's positions from their mean.
@@ -179,15 +177,26 @@ double ChartSpread(const Loops& loops) {
   return std::sqrt(squares / static_cast<double>(loops.size()));
 }
 
-void Fill(const Observations& observations, const Evidence& evidence, FindingInputs& inputs,
-          CrossCheck& check) {
+void FillComparisons(const Observations& observations, const std::optional<Pose>& library,
+                     CrossCheck& check) {
+  const Pose unknown(Eigen::Matrix4d(Eigen::Matrix4d::Constant(std::nan(""))));
+  const Pose Transform_Cam_Tc = check.solved ? Pose(check.Transform_Cam_Tc) : unknown;
+  const Pose Transform_Tr_Chart = check.solved ? Pose(check.Transform_Tr_Chart) : unknown;
+  const double t95 = check.solved ? check.t95 : std::nan("");
+  check.comparisonCamTc =
+      CompareAxesCamTc(library.value_or(unknown), Transform_Cam_Tc, check.standardErrorCamTc, t95);
+  check.comparisonTrChart =
+      CompareAxesTrChart(observations.mounting ? TransformOf(*observations.mounting) : unknown,
+                         Transform_Tr_Chart, check.standardErrorTrChart, t95);
+}
+
+void Fill(const Observations& observations, const Evidence& evidence,
+          const std::optional<Pose>& library, FindingInputs& inputs, CrossCheck& check) {
   const Solution& solution = *inputs.solution;
   FillSolution(evidence, solution, check);
   ComparePhotographs(observations, evidence, solution, check.perPhotograph);
 
-  std::optional<Pose> library;
-  if (observations.library && observations.library->allFinite()) {
-    library = PoseOf(*observations.library);
+  if (library) {
     check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);
   }
   const std::optional<Solution> free = FreeSquareSize(evidence, solution);
@@ -219,11 +228,16 @@ CrossCheck Check(const Observations& observations) {
   const Eigen::Matrix<double, 6, 1> lens = evidence.lensCovariance.diagonal().cwiseSqrt();
   check.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
 
+  std::optional<Pose> library;
+  if (observations.library && observations.library->allFinite()) {
+    library = PoseOf(*observations.library);
+  }
   FindingInputs inputs;
   inputs.solution = SolveShoot(evidence);
   if (inputs.solution) {
-    Fill(observations, evidence, inputs, check);
+    Fill(observations, evidence, library, inputs, check);
   }
+  FillComparisons(observations, library, check);
   inputs.misread = FindMisreadRows(observations, evidence);
   check.findings = FindingsOf(check, evidence, inputs);
   return check;

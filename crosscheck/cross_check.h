@@ -1,6 +1,5 @@
-// A second answer to a shoot, with its uncertainty: Transform_Cam_Tc and the chart's mounting
-// solved together from the corners and the trackers. It shares nothing with the library that it
-// checks.
+// Solves a shoot a second time: Transform_Cam_Tc and the chart's mounting together, from the
+// corners and the trackers, with their uncertainty. Shares no code with the library that it checks.
 
 #pragma once
 
@@ -9,10 +8,10 @@
 
 namespace trackedcam::crosscheck {
 
-/// Never hangs and never fails on what is not a number: what cannot be solved gives a CrossCheck
-/// that is not `solved`, with the finding kNoAgreement.
-/// @throws std::invalid_argument for a board, lens, mounting or library that cannot be, and for
-///         photographs that do not have the board's number of corners.
+/// Rows and corners may hold infinite or NaN values. A shoot that cannot be solved gives a
+/// CrossCheck that is not `solved`, with the finding NoAgreement.
+/// @throws std::invalid_argument for an invalid board, lens or mounting, and for a photograph with
+///         another number of corners than the board.
 CrossCheck Check(const Observations& observations);
 
 }  // namespace trackedcam::crosscheck

@@ -4,22 +4,22 @@
 #include <cmath>
 #include <limits>
 
-#include <Eigen/Cholesky>
+#include "crosscheck/symmetric.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-// Corners are handed on in single precision and six decimals; none are better than this.
+// Corners come in single precision or with six decimals; none are more accurate than this.
 constexpr double kLeastCornerNoise = 1e-3;  // pixels
 
-// What the corners leave of the lens once each pose has taken its part.
+// The information of all corners about the lens, without what each photograph uses for its pose.
 Matrix6d LensCovariance(const Evidence& evidence) {
   Matrix6d information = Matrix6d::Zero();
   for (const std::optional<ChartPose>& pose : evidence.chartPoses) {
     if (pose) {
       const CornerEquations& equations = pose->equations;
       information += equations.byLens - equations.byPoseLens.transpose() *
-                                            equations.byPose.ldlt().solve(equations.byPoseLens);
+                                            Ldlt(equations.byPose).Solve(equations.byPoseLens);
     }
   }
   // Pixels and distortion differ by orders of magnitude.
@@ -28,11 +28,11 @@ Matrix6d LensCovariance(const Evidence& evidence) {
     return Matrix6d::Constant(std::numeric_limits<double>::quiet_NaN());
   }
   const Matrix6d scaled = scale.asDiagonal() * information * scale.asDiagonal();
-  const Eigen::LDLT<Matrix6d> solver(scaled);
-  if (solver.vectorD().minCoeff() < 1e-12) {
+  const Ldlt solver(scaled);
+  if (solver.SmallestPivot() < 1e-12) {
     return Matrix6d::Constant(std::numeric_limits<double>::quiet_NaN());
   }
-  const Matrix6d inverse = solver.solve(Matrix6d::Identity());
+  const Matrix6d inverse = solver.Inverse();
   const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
   return variance * scale.asDiagonal() * inverse * scale.asDiagonal();
 }
@@ -57,6 +57,14 @@ bool AreFinite(const std::vector<Eigen::Vector2d>& corners) {
 
 }  // namespace
 
+double MeanDistance(const Loops& loops) {
+  double sum = 0;
+  for (const Loop& loop : loops) {
+    sum += loop.Transform_Cam_Chart.translation().norm();
+  }
+  return sum / static_cast<double>(loops.size());
+}
+
 Evidence Gather(const Observations& observations) {
   Evidence evidence;
   evidence.lens = observations.lens;
@@ -73,20 +81,20 @@ Evidence Gather(const Observations& observations) {
 
   const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
   for (std::size_t i = 0; i < observations.photographs.size(); ++i) {
-    const std::optional<Pose> Transform_Tc_Tr = TransformOfRow(
-        observations.photographs[i], observations.invertTrackerQuaternions, Meaning::kAsRead);
+    const std::optional<Pose> Transform_Tc_Tr =
+        TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions);
     const std::optional<ChartPose>& pose = evidence.chartPoses[i];
     if (!pose || !Transform_Tc_Tr) {
       continue;
     }
-    const Eigen::LDLT<Matrix6d> solver(pose->equations.byPose);
+    const Ldlt solver(pose->equations.byPose);
     Loop loop;
     loop.photograph = i;
     loop.Transform_Cam_Chart = pose->Transform_Cam_Chart;
     loop.Transform_Tc_Tr = *Transform_Tc_Tr;
-    loop.cornerCovariance = variance * solver.solve(Matrix6d::Identity());
-    // The residual stays at its smallest when the lens changes: the pose moves along.
-    loop.byLens = -solver.solve(pose->equations.byPoseLens);
+    loop.cornerCovariance = variance * solver.Inverse();
+    // When the lens changes, the pose follows it to keep the residuals smallest.
+    loop.byLens = -solver.Solve(pose->equations.byPoseLens);
     if (loop.cornerCovariance.allFinite() && loop.byLens.allFinite()) {
       evidence.loops.push_back(loop);
     }

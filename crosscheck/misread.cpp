@@ -3,58 +3,56 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
+#include <cstddef>
 
+#include "crosscheck/chart_pose.h"
 #include "crosscheck/reported_poses.h"
 #include "crosscheck/start.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
+// Rows.
+
 constexpr double kTimesBetter = 4;
-constexpr int kSamples = 24;
-// A fit needs no more photographs to show what it is worth.
-constexpr std::size_t kEnough = 30;
-// Positions that mean nothing lie nearer together when a hundred times smaller, and yet fit
-// nothing.
+constexpr int kReadingSamples = 24;
+constexpr std::size_t kMostLoops = 30;  // enough to see whether a reading fits
+// Positions a hundred times smaller bring the boards nearer together without a fit.
 constexpr double kMostMetres = 0.03;
-// Nothing is misread where the boards lie as near as this; metres.
+// The rows are right if the boards are as near as this; metres.
 constexpr double kSurelyRight = 2e-4;
 
-struct Attempt {
-  RowReading reading;
-  Meaning meaning;
-  int offset;  // from a photograph to the row that belongs to it
-};
+constexpr std::array<RowReading, 11> kReadings = {RowReading::kQuaternionsInverted,
+                                                  RowReading::kOrderXyzw,
+                                                  RowReading::kTrackersExchanged,
+                                                  RowReading::kRowsLate,
+                                                  RowReading::kRowsEarly,
+                                                  RowReading::kMillimetres,
+                                                  RowReading::kCentimetres,
+                                                  RowReading::kLeftHanded,
+                                                  RowReading::kMirroredX,
+                                                  RowReading::kMirroredY,
+                                                  RowReading::kMirroredZ};
 
-constexpr std::array<Attempt, 11> kAttempts = {{
-    {RowReading::kQuaternionsInverted, Meaning::kQuaternionsInverted, 0},
-    {RowReading::kOrderXyzw, Meaning::kOrderXyzw, 0},
-    {RowReading::kTrackersExchanged, Meaning::kTrackersExchanged, 0},
-    {RowReading::kRowsLate, Meaning::kAsRead, 1},
-    {RowReading::kRowsEarly, Meaning::kAsRead, -1},
-    {RowReading::kMillimetres, Meaning::kMillimetres, 0},
-    {RowReading::kCentimetres, Meaning::kCentimetres, 0},
-    {RowReading::kLeftHanded, Meaning::kLeftHanded, 0},
-    {RowReading::kMirroredX, Meaning::kMirroredX, 0},
-    {RowReading::kMirroredY, Meaning::kMirroredY, 0},
-    {RowReading::kMirroredZ, Meaning::kMirroredZ, 0},
-}};
+// From a photograph to the row that belongs to it.
+std::ptrdiff_t RowOffset(std::optional<RowReading> reading) {
+  return reading == RowReading::kRowsLate ? 1 : reading == RowReading::kRowsEarly ? -1 : 0;
+}
 
-// NaN where there is no fit.
-double MedianMetres(const Observations& observations, const Evidence& evidence, Meaning meaning,
-                    int offset) {
+// Between the boards as seen and as predicted from the trackers; NaN if nothing fits.
+double MedianMetres(const Observations& observations, const Evidence& evidence,
+                    std::optional<RowReading> reading) {
   const auto& photographs = observations.photographs;
-  const std::size_t stride = (photographs.size() + kEnough - 1) / kEnough;
+  const std::size_t stride = (photographs.size() + kMostLoops - 1) / kMostLoops;
   Loops loops;
   for (std::size_t i = 0; i < photographs.size(); i += std::max<std::size_t>(stride, 1)) {
-    const auto row = static_cast<std::ptrdiff_t>(i) + offset;
+    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(i) + RowOffset(reading);
     if (!evidence.chartPoses[i] || row < 0 ||
         row >= static_cast<std::ptrdiff_t>(photographs.size())) {
       continue;
     }
     const auto Transform_Tc_Tr = TransformOfRow(photographs[static_cast<std::size_t>(row)],
-                                                observations.invertTrackerQuaternions, meaning);
+                                                observations.invertTrackerQuaternions, reading);
     if (Transform_Tc_Tr) {
       Loop loop;
       loop.photograph = i;
@@ -65,51 +63,48 @@ double MedianMetres(const Observations& observations, const Evidence& evidence, 
   }
   // With six or fewer almost anything fits.
   const auto start =
-      loops.size() > 6 ? FindStart(loops, BoardDistance(evidence), kSamples) : std::nullopt;
+      loops.size() > 6 ? FindStart(loops, BoardDistance(evidence), kReadingSamples) : std::nullopt;
   return start ? start->medianMetres : std::nan("");
 }
 
-// A slip must explain all but this share of the difference, and leave what measuring could have
-// left.
-constexpr double kLeftOver = 0.25;
-constexpr double kMostLeft = 0.02;  // metres, see Apart
+// Mountings.
+
+// What a mistake may leave unexplained: a share of the difference, and what inaccurate measuring
+// can leave, in metres (see DistanceBetween).
+constexpr double kMostLeftShare = 0.25;
+constexpr double kMostLeft = 0.02;
 
 struct Misstatement {
   MountingMistake mistake;
   Pose mounting;
 };
 
-// Turns and shifts in one measure: what they do a third of a metre away.
-double Apart(const Pose& a, const Pose& b) {
+// Rotation and translation in one measure: what they do at a third of a metre.
+double DistanceBetween(const Pose& a, const Pose& b) {
   constexpr double kLever = 0.3;  // metres
   return (a.translation() - b.translation()).norm() +
          kLever * Log(a.inverse() * b).head<3>().norm();
 }
 
-Pose With(const Eigen::Matrix3d& rotation, const Eigen::Vector3d& translation) {
+Pose PoseWith(const Eigen::Matrix3d& rotation, const Eigen::Vector3d& translation) {
   Pose pose(rotation);
   pose.translation() = translation;
   return pose;
 }
 
-// The chart's frame as it is when the detector begins at the opposite corner.
-Pose HalfTurnOfBoard(const Observations& observations) {
-  return With(TurnAbout(2, 180), {(observations.boardColumns - 1) * observations.square,
-                                  (observations.boardRows - 1) * observations.square, 0});
-}
-
-std::vector<Misstatement> Misstatements(const Observations& observations) {
-  const Mounting& stated = *observations.mounting;
+// The true mounting under each mistake.
+std::vector<Misstatement> Misstatements(const Mounting& stated,
+                                        const std::vector<Eigen::Vector3d>& board) {
   const Pose pose = TransformOf(stated);
-  const Eigen::Vector3d shift = pose.translation();
+  const Eigen::Vector3d translation = pose.translation();
   const std::array<double, 3>& angles = stated.rotationDegrees;
 
   std::vector<Misstatement> all = {
       {MountingMistake::kInverse, pose.inverse()},
-      {MountingMistake::kMillimetres, With(pose.linear(), shift / 1000)},
-      {MountingMistake::kCentimetres, With(pose.linear(), shift / 100)},
+      {MountingMistake::kMillimetres, PoseWith(pose.linear(), translation / 1000)},
+      {MountingMistake::kCentimetres, PoseWith(pose.linear(), translation / 100)},
       {MountingMistake::kReportedAxes, Pose(AxisFix()) * pose},
-      {MountingMistake::kBoardTurned, pose * HalfTurnOfBoard(observations)},
+      {MountingMistake::kBoardTurned, pose * ReversedBoard(board)},
   };
   for (unsigned signs = 1; signs < 8; ++signs) {
     Mounting other = stated;
@@ -122,9 +117,9 @@ std::vector<Misstatement> Misstatements(const Observations& observations) {
   while (std::next_permutation(order.begin(), order.end())) {
     Eigen::Matrix3d rotation = Eigen::Matrix3d::Identity();
     for (const int axis : order) {
-      rotation = rotation * TurnAbout(axis, angles[static_cast<std::size_t>(axis)]);
+      rotation = rotation * RotationAbout(axis, angles[static_cast<std::size_t>(axis)]);
     }
-    all.push_back({MountingMistake::kAngleOrder, With(rotation, shift)});
+    all.push_back({MountingMistake::kAngleOrder, PoseWith(rotation, translation)});
   }
   return all;
 }
@@ -133,34 +128,35 @@ std::vector<Misstatement> Misstatements(const Observations& observations) {
 
 std::optional<MisreadRows> FindMisreadRows(const Observations& observations,
                                            const Evidence& evidence) {
-  const double asRead = MedianMetres(observations, evidence, Meaning::kAsRead, 0);
+  const double asRead = MedianMetres(observations, evidence, std::nullopt);
   if (asRead < kSurelyRight) {
     return std::nullopt;
   }
   MisreadRows best;
   double smallest = HUGE_VAL;
-  for (const Attempt& attempt : kAttempts) {
-    const double median = MedianMetres(observations, evidence, attempt.meaning, attempt.offset);
+  for (const RowReading reading : kReadings) {
+    const double median = MedianMetres(observations, evidence, reading);
     if (median < smallest) {
       smallest = median;
-      best = {attempt.reading, asRead / median, asRead * 1e3, median * 1e3};
+      best = {reading, asRead / median, asRead * 1e3, median * 1e3};
     }
   }
-  // Rows that cannot be read as they stand compare with nothing: any fit is better.
+  // If nothing fits the rows as they are, any fit is better.
   const bool fits =
       smallest < kMostMetres && (std::isnan(asRead) || smallest * kTimesBetter < asRead);
   return fits ? std::optional(best) : std::nullopt;
 }
 
-std::optional<MountingMistake> LikelyMistake(const Observations& observations,
+std::optional<MountingMistake> LikelyMistake(const Mounting& stated,
+                                             const std::vector<Eigen::Vector3d>& board,
                                              const Pose& Transform_Tr_Chart) {
-  const double asStated = Apart(TransformOf(*observations.mounting), Transform_Tr_Chart);
-  double nearest = std::min(kMostLeft, kLeftOver * asStated);
+  const double asStated = DistanceBetween(TransformOf(stated), Transform_Tr_Chart);
+  double nearest = std::min(kMostLeft, kMostLeftShare * asStated);
   std::optional<MountingMistake> likely;
-  for (const Misstatement& misstatement : Misstatements(observations)) {
-    const double apart = Apart(misstatement.mounting, Transform_Tr_Chart);
-    if (apart < nearest) {
-      nearest = apart;
+  for (const Misstatement& misstatement : Misstatements(stated, board)) {
+    const double distance = DistanceBetween(misstatement.mounting, Transform_Tr_Chart);
+    if (distance < nearest) {
+      nearest = distance;
       likely = misstatement.mistake;
     }
   }

@@ -1,8 +1,10 @@
-// Rows that fit better in another reading, and mountings that are stated wrongly.
+// Mistakes in reading: rows that fit better in another reading, and mountings that are stated
+// wrongly.
 
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "crosscheck/evidence.h"
 #include "crosscheck/observations.h"
@@ -15,8 +17,9 @@ namespace trackedcam::crosscheck {
 std::optional<MisreadRows> FindMisreadRows(const Observations& observations,
                                            const Evidence& evidence);
 
-/// The mistake that makes the stated mounting out of the one found, or nothing.
-std::optional<MountingMistake> LikelyMistake(const Observations& observations,
+/// The mistake that explains the difference between the stated mounting and the one found.
+std::optional<MountingMistake> LikelyMistake(const Mounting& stated,
+                                             const std::vector<Eigen::Vector3d>& board,
                                              const Pose& Transform_Tr_Chart);
 
 }  // namespace trackedcam::crosscheck

@@ -1,4 +1,4 @@
-// What the cross-check is told about a shoot: corners, lens, trackers as reported, what was stated.
+// The input of a cross-check: corners, lens, tracker poses as reported, and what the user stated.
 
 #pragma once
 
@@ -19,23 +19,23 @@ struct Lens {
   double k1 = 0, k2 = 0;                  // radial distortion of second and fourth order
 };
 
-/// Transform_Tr_Chart = [ Rx · Ry · Rz | translation ], Tr being the tracker after the axis fix.
+/// Transform_Tr_Chart = [ Rx · Ry · Rz | translation ], with Tr after the axis fix.
 struct Mounting {
   std::array<double, 3> rotationDegrees = {};
   std::array<double, 3> translationMetres = {};
 };
 
-/// A row's half, as the tracking system reported it: Base <- tracker, before the axis fix.
+/// Half of a row, as the tracking system reported it: Base <- tracker, before the axis fix.
 struct TrackerPose {
   Eigen::Vector3d position = Eigen::Vector3d::Zero();            // metres
-  Eigen::Vector4d quaternionWxyz = Eigen::Vector4d(1, 0, 0, 0);  // of any length but 0
+  Eigen::Vector4d quaternionWxyz = Eigen::Vector4d(1, 0, 0, 0);  // of any length except 0
 };
 
 struct Photograph {
   std::string name;
   TrackerPose camera;  // the tracker on the camera
   TrackerPose chart;   // the tracker on the chart
-  /// Rows of corners, columns fastest, pixels.
+  /// Row by row, columns fastest; pixels.
   std::vector<Eigen::Vector2d> corners;
 };
 
@@ -46,8 +46,8 @@ struct Observations {
   Lens lens;                            // as solved from these corners
   std::vector<Photograph> photographs;  // in the order of the shoot
   bool invertTrackerQuaternions = false;
-  std::optional<Mounting> mounting;        // as stated; nothing where none was stated
-  std::optional<Eigen::Matrix4d> library;  // the Transform_Cam_Tc that is to be checked
+  std::optional<Mounting> mounting;        // as stated, if it was
+  std::optional<Eigen::Matrix4d> library;  // its Transform_Cam_Tc, to be checked
 };
 
 }  // namespace trackedcam::crosscheck

@@ -4,19 +4,16 @@
 #include <cmath>
 #include <limits>
 
-#include <Eigen/Cholesky>
-
 #include "crosscheck/chart_pose.h"
 #include "crosscheck/reported_poses.h"
-#include "crosscheck/solve.h"
 #include "crosscheck/views.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// How little one of the trackers would have to be moved to make the photograph fit.
+// The smaller displacement of a tracker that makes the photograph fit.
 void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& photograph) {
   const Pose& Transform_Cam_Tc = solution.Transform_Cam_Tc;
   const Pose& Transform_Tr_Chart = solution.Transform_Tr_Chart;
@@ -26,7 +23,7 @@ void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& 
   const Pose chart =
       (Transform_Cam_Tc * loop.Transform_Tc_Tr).inverse() * seen * Transform_Tr_Chart.inverse();
   photograph.mm = 1e3 * std::min(camera.translation().norm(), chart.translation().norm());
-  photograph.degrees = Log(camera).head<3>().norm() * 180 / EIGEN_PI;
+  photograph.degrees = RotationDegrees(camera);
 }
 
 void PredictCorners(const Pose& predicted, const Evidence& evidence,
@@ -36,30 +33,19 @@ void PredictCorners(const Pose& predicted, const Evidence& evidence,
   for (std::size_t i = 0; i < evidence.board.size(); ++i) {
     const Eigen::Vector3d point = predicted * evidence.board[i];
     const Eigen::Vector2d pixel =
-        point.z() > 1e-6 ? Project(evidence.lens, point) : Eigen::Vector2d::Constant(kNone);
+        point.z() > 1e-6 ? Project(evidence.lens, point) : Eigen::Vector2d::Constant(kNan);
     photograph.predicted.push_back(pixel);
     squares += (pixel - corners[i]).squaredNorm();
   }
   photograph.predictedPixels = std::sqrt(squares / static_cast<double>(corners.size()));
 }
 
-double DisagreementOf(const Loop& loop, const Solution& solution) {
-  const Twist residual = Residual(loop, 0, solution);
-  return residual.dot(CovarianceOf(loop, solution, solution.noise).llt().solve(residual));
-}
-
-// The same corners, the last one first.
-Pose HalfTurn(const std::vector<Eigen::Vector3d>& board) {
-  Pose turn(TurnAbout(2, 180));
-  turn.translation() = board.back();
-  return turn;
-}
-
+// Why a photograph contradicts the others, if it would fit otherwise.
 void Explain(std::size_t index, const Evidence& evidence, const Solution& solution,
              PerPhotograph& photograph) {
-  Loop turned = evidence.loops[index];
-  turned.Transform_Cam_Chart = turned.Transform_Cam_Chart * HalfTurn(evidence.board);
-  if (DisagreementOf(turned, solution) <= DisagreementLimit()) {
+  Loop reversed = evidence.loops[index];
+  reversed.Transform_Cam_Chart = reversed.Transform_Cam_Chart * ReversedBoard(evidence.board);
+  if (DisagreementOf(reversed, index, solution, solution.noise) <= DisagreementLimit()) {
     photograph.whyLeftOut = WhyLeftOut::kFirstCornerAtOtherEnd;
     return;
   }
@@ -67,7 +53,8 @@ void Explain(std::size_t index, const Evidence& evidence, const Solution& soluti
   for (std::size_t other = 0; other < evidence.loops.size(); ++other) {
     Loop exchanged = evidence.loops[index];
     exchanged.Transform_Tc_Tr = evidence.loops[other].Transform_Tc_Tr;
-    const double disagreement = other == index ? HUGE_VAL : DisagreementOf(exchanged, solution);
+    const double disagreement =
+        other == index ? HUGE_VAL : DisagreementOf(exchanged, index, solution, solution.noise);
     if (disagreement <= least) {
       least = disagreement;
       photograph.whyLeftOut = WhyLeftOut::kFitsTrackersOf;
@@ -83,18 +70,18 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
   std::vector<PerPhotograph> photographs(observations.photographs.size());
   for (std::size_t i = 0; i < photographs.size(); ++i) {
     PerPhotograph& photograph = photographs[i];
-    photograph.mm = photograph.degrees = photograph.predictedPixels = kNone;
-    photograph.Transform_Cam_Chart.setConstant(kNone);
-    photograph.Transform_Tc_Tr.setConstant(kNone);
-    photograph.view = {kNone, kNone, kNone, kNone};
+    photograph.mm = photograph.degrees = photograph.predictedPixels = kNan;
+    photograph.Transform_Cam_Chart.setConstant(kNan);
+    photograph.Transform_Tc_Tr.setConstant(kNan);
+    photograph.view = {kNan, kNan, kNan, kNan};
     if (const auto& pose = evidence.chartPoses[i]) {
       photograph.Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
       photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.board);
     } else {
       photograph.whyLeftOut = WhyLeftOut::kNoPose;
     }
-    if (const auto pose = TransformOfRow(observations.photographs[i],
-                                         observations.invertTrackerQuaternions, Meaning::kAsRead)) {
+    if (const auto pose =
+            TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions)) {
       photograph.Transform_Tc_Tr = pose->matrix();
     } else {
       photograph.whyLeftOut = WhyLeftOut::kNotNumbers;

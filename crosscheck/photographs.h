@@ -1,4 +1,4 @@
-// Each photograph against the solution.
+// Each photograph compared with the solution.
 
 #pragma once
 
@@ -11,11 +11,11 @@
 
 namespace trackedcam::crosscheck {
 
-/// What is known of them before anything is solved: poses, views, and which cannot be used.
+/// Before anything is solved: poses, views, and why a photograph cannot be used.
 std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
                                                const Evidence& evidence);
 
-/// Adds what the solution says: used or not and why, how far off, the corners that it expects.
+/// Adds what the solution shows: used or not and why, how far off, and the predicted corners.
 void ComparePhotographs(const Observations& observations, const Evidence& evidence,
                         const Solution& solution, std::vector<PerPhotograph>& photographs);
 

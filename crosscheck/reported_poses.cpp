@@ -2,28 +2,29 @@
 
 #include <cmath>
 
-#include "crosscheck/twist.h"
-
 namespace trackedcam::crosscheck {
 namespace {
 
 constexpr double kFarthestMetres = 1e7;
 
-Eigen::Vector3d Position(const Eigen::Vector3d& reported, Meaning meaning) {
+Eigen::Vector3d Position(const Eigen::Vector3d& reported, std::optional<RowReading> reading) {
   Eigen::Vector3d position = reported;
-  switch (meaning) {
-    case Meaning::kMillimetres:
+  if (!reading) {
+    return position;
+  }
+  switch (*reading) {
+    case RowReading::kMillimetres:
       return position / 1000;
-    case Meaning::kCentimetres:
+    case RowReading::kCentimetres:
       return position / 100;
-    case Meaning::kMirroredX:
+    case RowReading::kMirroredX:
       position.x() *= -1;
       return position;
-    case Meaning::kMirroredY:
+    case RowReading::kMirroredY:
       position.y() *= -1;
       return position;
-    case Meaning::kMirroredZ:
-    case Meaning::kLeftHanded:
+    case RowReading::kMirroredZ:
+    case RowReading::kLeftHanded:
       position.z() *= -1;
       return position;
     default:
@@ -31,27 +32,24 @@ Eigen::Vector3d Position(const Eigen::Vector3d& reported, Meaning meaning) {
   }
 }
 
-Eigen::Quaterniond Rotation(const Eigen::Vector4d& wxyz, bool invert, Meaning meaning) {
+Eigen::Quaterniond Rotation(const Eigen::Vector4d& wxyz, bool invert,
+                            std::optional<RowReading> reading) {
   Eigen::Quaterniond rotation(wxyz[0], wxyz[1], wxyz[2], wxyz[3]);
-  if (meaning == Meaning::kOrderXyzw) {
+  if (reading == RowReading::kOrderXyzw) {
     rotation = Eigen::Quaterniond(wxyz[3], wxyz[0], wxyz[1], wxyz[2]);
   }
-  if (meaning == Meaning::kLeftHanded) {
-    // A turn seen in the mirror of z; which axis is mirrored makes no difference to the loop.
+  if (reading == RowReading::kLeftHanded) {
+    // The rotation in a mirror across z; for the loop it does not matter which axis is mirrored.
     rotation.x() *= -1;
     rotation.y() *= -1;
   }
-  if (invert != (meaning == Meaning::kQuaternionsInverted)) {
+  if (invert != (reading == RowReading::kQuaternionsInverted)) {
     rotation = rotation.conjugate();
   }
   return rotation;
 }
 
 }  // namespace
-
-Eigen::Matrix3d TurnAbout(int axis, double degrees) {
-  return Eigen::AngleAxisd(degrees * kDegree, Eigen::Vector3d::Unit(axis)).toRotationMatrix();
-}
 
 Eigen::Matrix3d AxisFix() {
   Eigen::Matrix3d fix;
@@ -61,9 +59,9 @@ Eigen::Matrix3d AxisFix() {
 
 Pose TransformOf(const Mounting& mounting) {
   Pose pose = Pose::Identity();
-  pose.linear() = TurnAbout(0, mounting.rotationDegrees[0]) *
-                  TurnAbout(1, mounting.rotationDegrees[1]) *
-                  TurnAbout(2, mounting.rotationDegrees[2]);
+  pose.linear() = RotationAbout(0, mounting.rotationDegrees[0]) *
+                  RotationAbout(1, mounting.rotationDegrees[1]) *
+                  RotationAbout(2, mounting.rotationDegrees[2]);
   pose.translation() = Eigen::Vector3d::Map(mounting.translationMetres.data());
   return pose;
 }
@@ -77,7 +75,7 @@ Mounting MountingOf(const Pose& Transform_Tr_Chart) {
     angles.x() = std::atan2(-r(1, 2), r(2, 2));
     angles.z() = std::atan2(-r(0, 1), r(0, 0));
   } else {
-    angles.x() = std::atan2(r(2, 1), r(1, 1));  // only the sum or difference of x and z shows
+    angles.x() = std::atan2(r(2, 1), r(1, 1));  // only the sum or difference of x and z is known
   }
   Mounting mounting;
   for (int i = 0; i < 3; ++i) {
@@ -88,26 +86,27 @@ Mounting MountingOf(const Pose& Transform_Tr_Chart) {
 }
 
 std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, bool invertQuaternion,
-                                           Meaning meaning) {
-  const Eigen::Quaterniond rotation = Rotation(reported.quaternionWxyz, invertQuaternion, meaning);
+                                           std::optional<RowReading> reading) {
+  const Eigen::Quaterniond rotation = Rotation(reported.quaternionWxyz, invertQuaternion, reading);
   const double length = rotation.norm();
   if (!(length > 1e-12 && length < 1e12) || !(reported.position.norm() < kFarthestMetres)) {
     return std::nullopt;
   }
   Pose pose = Pose::Identity();
   pose.linear() = rotation.normalized().toRotationMatrix() * AxisFix();
-  pose.translation() = Position(reported.position, meaning);
+  pose.translation() = Position(reported.position, reading);
   return pose;
 }
 
-std::optional<Pose> TransformOfRow(const Photograph& row, bool invertQuaternions, Meaning meaning) {
-  const auto camera = Transform_Base_Tracker(row.camera, invertQuaternions, meaning);
-  const auto chart = Transform_Base_Tracker(row.chart, invertQuaternions, meaning);
+std::optional<Pose> TransformOfRow(const Photograph& row, bool invertQuaternions,
+                                   std::optional<RowReading> reading) {
+  const auto camera = Transform_Base_Tracker(row.camera, invertQuaternions, reading);
+  const auto chart = Transform_Base_Tracker(row.chart, invertQuaternions, reading);
   if (!camera || !chart) {
     return std::nullopt;
   }
   const Pose Transform_Tc_Tr = camera->inverse() * *chart;
-  return meaning == Meaning::kTrackersExchanged ? Transform_Tc_Tr.inverse() : Transform_Tc_Tr;
+  return reading == RowReading::kTrackersExchanged ? Transform_Tc_Tr.inverse() : Transform_Tc_Tr;
 }
 
 }  // namespace trackedcam::crosscheck

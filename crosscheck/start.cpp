@@ -6,20 +6,17 @@
 #include <numeric>
 #include <random>
 
-#include <Eigen/Cholesky>
-#include <Eigen/Eigenvalues>
-
 #include "crosscheck/statistics.h"
+#include "crosscheck/symmetric.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
 constexpr std::size_t kSampleSize = 5;
 constexpr int kHalfSteps = 6;
-constexpr std::uint64_t kSeed = 20;  // any: the same shoot must always give the same answer
+constexpr std::uint64_t kSeed = 20;  // fixed: the same shoot always gives the same result
 
 using Indices = std::vector<std::size_t>;
-using Matrix9d = Eigen::Matrix<double, 9, 9>;
 
 struct Rotations {
   Eigen::Matrix3d Rot_Cam_Tc;
@@ -39,11 +36,11 @@ std::optional<Rotations> SolveRotations(const Loops& loops, const Indices& indic
       }
     }
   }
-  const Eigen::SelfAdjointEigenSolver<Matrix9d> solver(product * product.transpose());
-  if (solver.info() != Eigen::Success) {
+  const std::optional<Matrix9d> eigenvectors = Eigenvectors(product * product.transpose());
+  if (!eigenvectors) {
     return std::nullopt;
   }
-  const Eigen::Matrix<double, 9, 1> vector = solver.eigenvectors().col(8);
+  const Eigen::Matrix<double, 9, 1> vector = eigenvectors->col(8);
   Eigen::Matrix3d u = Eigen::Map<const Eigen::Matrix3d>(vector.data());
   if (u.determinant() < 0) {
     u = -u;
@@ -56,23 +53,23 @@ std::optional<Rotations> SolveRotations(const Loops& loops, const Indices& indic
   return Rotations{u.transpose(), NearestRotation(v)};
 }
 
-// With the rotations known, what is left is linear in both translations.
+// With the rotations known, the loops are linear in both translations.
 void SolveTranslations(const Loops& loops, const Indices& indices, Start& start) {
   Matrix6d normal = 1e-9 * Matrix6d::Identity();
   Twist right = Twist::Zero();
   const Eigen::Matrix3d camera = start.Transform_Cam_Tc.linear();
   for (const std::size_t i : indices) {
-    const Eigen::Matrix3d turn = camera * loops[i].Transform_Tc_Tr.linear();
+    const Eigen::Matrix3d rotation = camera * loops[i].Transform_Tc_Tr.linear();
     const Eigen::Vector3d gap = loops[i].Transform_Cam_Chart.translation() -
                                 camera * loops[i].Transform_Tc_Tr.translation();
     normal.topLeftCorner<3, 3>() += Eigen::Matrix3d::Identity();
-    normal.topRightCorner<3, 3>() += turn;
-    normal.bottomLeftCorner<3, 3>() += turn.transpose();
+    normal.topRightCorner<3, 3>() += rotation;
+    normal.bottomLeftCorner<3, 3>() += rotation.transpose();
     normal.bottomRightCorner<3, 3>() += Eigen::Matrix3d::Identity();
     right.head<3>() += gap;
-    right.tail<3>() += turn.transpose() * gap;
+    right.tail<3>() += rotation.transpose() * gap;
   }
-  const Twist translations = normal.ldlt().solve(right);
+  const Twist translations = Ldlt(normal).Solve(right);
   start.Transform_Cam_Tc.translation() = translations.head<3>();
   start.Transform_Tr_Chart.translation() = translations.tail<3>();
 }

@@ -1,8 +1,9 @@
-// A first solution in closed form that bad photographs do not reach.
+// A first solution in closed form, robust against bad photographs.
 
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "crosscheck/evidence.h"
 
@@ -11,12 +12,12 @@ namespace trackedcam::crosscheck {
 struct Start {
   Pose Transform_Cam_Tc;
   Pose Transform_Tr_Chart;
-  double medianMetres = 0;    // between the boards as seen and as the trackers place them
+  double medianMetres = 0;    // between the boards as seen and as predicted from the trackers
   std::vector<bool> closest;  // one for each loop: the half that it fits best
 };
 
-/// The best of so many random samples of five photographs, then of the closest half again and
-/// again. Nothing for fewer than three loops.
+/// The best of the random samples of five photographs, then repeatedly that of the closest half.
+/// Nothing for fewer than three loops.
 std::optional<Start> FindStart(const Loops& loops, const BoardDistance& distance, int samples);
 
 }  // namespace trackedcam::crosscheck

@@ -1,24 +1,25 @@
+// The median, and the distributions for tests and intervals.
+
 #pragma once
 
 #include <vector>
 
 namespace trackedcam::crosscheck {
 
-/// The upper one of two in the middle. There must be a value.
+/// The upper one of two in the middle. At least one value is required.
 double Median(std::vector<double> values);
-
-// The few distributions that tests and intervals need.
 
 double ChiSquaredQuantile(double probability, double freedom);
 
 /// The half-width of the two-sided 95 % interval, in standard errors.
 double StudentHalfWidth95(double freedom);
 
-/// How likely a t of this size or larger, to either side, is by chance.
+/// The probability of a t this large or larger, to either side, by chance.
 double StudentTail(double t, double freedom);
 
-/// How likely dᵀ · covariance⁻¹ · d of this size or larger is by chance, the covariance of a vector
-/// of so many elements being known with so many degrees of freedom.
+/// The probability of dᵀ · covariance⁻¹ · d this large or larger by chance.
+/// @param elements Of d.
+/// @param freedom Degrees of freedom of the covariance.
 double HotellingTail(double tSquared, double elements, double freedom);
 
 }  // namespace trackedcam::crosscheck

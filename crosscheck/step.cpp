@@ -2,21 +2,42 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
-#include <Eigen/Cholesky>
-
-#include "crosscheck/solve.h"
+#include "crosscheck/statistics.h"
+#include "crosscheck/symmetric.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-// One loop as a tracker's own frame sees it.
+constexpr std::size_t kLeastEachSide = 4;  // photographs before the step and after it
+constexpr double kLeastScore = 30;         // chi squared of six, the best of some hundred places
+constexpr double kLeastGain = 40;
+constexpr double kNoiseFalls = 0.7;
+constexpr std::size_t kLeastBack = 4;
+constexpr double kLeastShareBack = 0.1;
+
+// A place where a tracker may have moved, to first order.
+struct StepCandidate {
+  Tracker tracker = Tracker::kCamera;
+  std::size_t before = 0;      // index of the first loop after the step
+  double score = 0;            // chi squared of six that it may gain; 0 if there is no place
+  bool fitsLater = false;      // the solution is right after the step, not before it
+  Twist step = Twist::Zero();  // of the photographs for which the solution is not right
+};
+
+// One loop in the tracker's own frame.
 struct Seen {
-  Twist off;        // what the tracker would have to be moved by
+  Twist off;        // the displacement of the tracker that would make it fit
   Matrix6d weight;  // of that
   Eigen::Matrix<double, 6, 12> weightedDesign;
 };
+
+// A disagreement, at most that at which a loop is left out.
+double Capped(double disagreement) {
+  return std::min(disagreement, DisagreementLimit());
+}
 
 double Quadratic(const Seen& seen, const Twist& step) {
   const Twist left = seen.off - step;
@@ -30,8 +51,7 @@ std::vector<Seen> SeenBy(Tracker tracker, const Loops& loops, const Solution& so
                           ? solution.Transform_Cam_Tc
                           : solution.Transform_Cam_Tc * loops[i].Transform_Tc_Tr;
     const Matrix6d adjoint = Adjoint(pose);
-    const Matrix6d weight =
-        CovarianceOf(loops[i], solution, solution.noise).llt().solve(Matrix6d::Identity());
+    const Matrix6d weight = Inverse(CovarianceOf(loops[i], solution, solution.noise));
     Seen seen;
     seen.off = Adjoint(pose.inverse()) * Residual(loops[i], i, solution);
     seen.weight = adjoint.transpose() * weight * adjoint;
@@ -41,24 +61,23 @@ std::vector<Seen> SeenBy(Tracker tracker, const Loops& loops, const Solution& so
   return all;
 }
 
-Twist Median(const std::vector<Seen>& all, std::size_t begin, std::size_t end) {
+Twist MedianOff(const std::vector<Seen>& all, std::size_t begin, std::size_t end) {
   Twist median;
-  std::vector<double> values(end - begin);
   for (Eigen::Index k = 0; k < 6; ++k) {
+    std::vector<double> values;
     for (std::size_t i = begin; i < end; ++i) {
-      values[i - begin] = all[i].off[k];
+      values.push_back(all[i].off[k]);
     }
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    median[k] = *middle;
+    median[k] = Median(values);
   }
   return median;
 }
 
-// Where one side of the step was left out as bad: its photographs agree with each other.
+// For a solution that left out one side of the step as bad: do these photographs agree with each
+// other?
 void TryAgreement(const std::vector<Seen>& all, std::size_t begin, std::size_t end,
                   StepCandidate candidate, StepCandidate& best) {
-  candidate.step = Median(all, begin, end);
+  candidate.step = MedianOff(all, begin, end);
   candidate.score = 0;
   for (std::size_t i = begin; i < end; ++i) {
     candidate.score +=
@@ -69,8 +88,8 @@ void TryAgreement(const std::vector<Seen>& all, std::size_t begin, std::size_t e
   }
 }
 
-// Where the solution lies between both sides: what a step would gain to first order, all other
-// unknowns following it.
+// For a solution between both sides of the step: what would a step gain to first order, with all
+// other unknowns following it?
 void TryScores(const std::vector<Seen>& all, const Solution& solution, Tracker tracker,
                StepCandidate& best) {
   Matrix6d information = Matrix6d::Zero();
@@ -84,30 +103,35 @@ void TryScores(const std::vector<Seen>& all, const Solution& solution, Tracker t
       towards += all[i].weight * all[i].off;
       ++after;
     }
-    if (!solution.used[i] || after < kLeastBesideStep ||
-        solution.Used() - after < kLeastBesideStep) {
+    if (!solution.used[i] || after < kLeastEachSide || solution.Used() - after < kLeastEachSide) {
       continue;
     }
-    const Eigen::LDLT<Matrix6d> solver(information -
-                                       shared * solution.covariance * shared.transpose());
-    const Twist step = solver.solve(towards);
+    const Ldlt solver(information - shared * solution.covariance * shared.transpose());
+    const Twist step = solver.Solve(towards);
     const double score = towards.dot(step);
-    if (solver.vectorD().minCoeff() > 0 && score > best.score) {
+    if (solver.SmallestPivot() > 0 && score > best.score) {
       best = {tracker, i, score, false, step};
     }
   }
 }
 
-constexpr double kLeastScore = 30;  // chi squared of six, the best of some hundred places
-constexpr double kLeastGain = 40;
-constexpr double kNoiseFalls = 0.7;
-constexpr std::size_t kLeastBack = 4;
-constexpr double kLeastShareBack = 0.1;
+StepCandidate BestCandidate(const Loops& loops, const Solution& solution) {
+  StepCandidate best;
+  for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
+    const std::vector<Seen> all = SeenBy(tracker, loops, solution);
+    TryScores(all, solution, tracker, best);
+    for (std::size_t before = kLeastEachSide; before + kLeastEachSide <= loops.size(); ++before) {
+      TryAgreement(all, before, loops.size(), {tracker, before, 0, false, Twist::Zero()}, best);
+      TryAgreement(all, 0, before, {tracker, before, 0, true, Twist::Zero()}, best);
+    }
+  }
+  return best;
+}
 
 Solution StartWith(const StepCandidate& candidate, const Solution& solution) {
   Solution start = solution;
-  start.sought.step = candidate.tracker;
-  start.sought.before = candidate.before;
+  start.unknowns.step = candidate.tracker;
+  start.unknowns.before = candidate.before;
   const Pose moved = Exp(candidate.step);
   start.step = candidate.fitsLater ? moved.inverse() : moved;
   if (candidate.fitsLater && candidate.tracker == Tracker::kCamera) {
@@ -118,19 +142,12 @@ Solution StartWith(const StepCandidate& candidate, const Solution& solution) {
   return start;
 }
 
-// With the noise of another solution.
-double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solution,
-                      const Noise& noise) {
-  const Twist residual = Residual(loop, index, solution);
-  return residual.dot(CovarianceOf(loop, solution, noise).llt().solve(residual));
-}
-
 // The place at which the same step fits best.
 std::size_t BestPlace(const Loops& loops, const Solution& solution) {
   Solution never = solution;
-  never.sought.before = loops.size();
+  never.unknowns.before = loops.size();
   Solution always = solution;
-  always.sought.before = 0;
+  always.unknowns.before = 0;
   double cost = 0;
   for (std::size_t i = 0; i < loops.size(); ++i) {
     cost += Capped(DisagreementOf(loops[i], i, always, solution.noise));
@@ -138,7 +155,7 @@ std::size_t BestPlace(const Loops& loops, const Solution& solution) {
   std::size_t best = 0;
   double lowest = HUGE_VAL;
   for (std::size_t i = 0; i < loops.size(); ++i) {
-    if (cost < lowest && i >= kLeastBesideStep && i + kLeastBesideStep <= loops.size()) {
+    if (cost < lowest && i >= kLeastEachSide && i + kLeastEachSide <= loops.size()) {
       lowest = cost;
       best = i;
     }
@@ -150,59 +167,43 @@ std::size_t BestPlace(const Loops& loops, const Solution& solution) {
 
 std::optional<Solution> SolveWith(const Loops& loops, Solution start, const Noise& noise) {
   for (int attempt = 0; attempt < 3; ++attempt) {
-    Choice choice;
+    SolveOptions options;
     for (std::size_t i = 0; i < loops.size(); ++i) {
-      choice.first.push_back(DisagreementOf(loops[i], i, start, noise) <= DisagreementLimit());
+      options.first.push_back(DisagreementOf(loops[i], i, start, noise) <= DisagreementLimit());
     }
-    const std::optional<Solution> solved = Solve(loops, start, choice);
+    const std::optional<Solution> solved = Solve(loops, start, options);
     if (!solved) {
       return std::nullopt;
     }
     start = *solved;
     const std::size_t place = BestPlace(loops, start);
-    if (place == start.sought.before || place == 0) {
+    if (place == start.unknowns.before || place == 0) {
       break;
     }
-    start.sought.before = place;
+    start.unknowns.before = place;
   }
   return start;
 }
 
-// Turning and shifting in one figure: what they do at the chart; metres.
+// Rotation and translation in one measure: what they do at the chart; metres.
 double NoiseAtChart(const Loops& loops, const Noise& noise) {
   double squares = 0;
   for (const Loop& loop : loops) {
     squares += loop.Transform_Cam_Chart.translation().squaredNorm();
   }
-  return std::sqrt(noise.turn * squares / static_cast<double>(loops.size()) + noise.shift);
+  return std::sqrt(noise.rotation * squares / static_cast<double>(loops.size()) +
+                   noise.translation);
 }
 
 }  // namespace
-
-double Capped(double disagreement) {
-  return std::min(disagreement, DisagreementLimit());
-}
-
-StepCandidate BestCandidate(const Loops& loops, const Solution& solution) {
-  StepCandidate best;
-  for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
-    const std::vector<Seen> all = SeenBy(tracker, loops, solution);
-    TryScores(all, solution, tracker, best);
-    for (std::size_t before = kLeastBesideStep; before + kLeastBesideStep <= loops.size();
-         ++before) {
-      TryAgreement(all, before, loops.size(), {tracker, before, 0, false, Twist::Zero()}, best);
-      TryAgreement(all, 0, before, {tracker, before, 0, true, Twist::Zero()}, best);
-    }
-  }
-  return best;
-}
 
 std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) {
   const StepCandidate candidate = BestCandidate(loops, solution);
   if (!(candidate.score > kLeastScore)) {
     return std::nullopt;
   }
-  std::optional<Solution> solved = SolveWith(loops, StartWith(candidate, solution), solution.noise);
+  const std::optional<Solution> solved =
+      SolveWith(loops, StartWith(candidate, solution), solution.noise);
   if (!solved) {
     return std::nullopt;
   }
@@ -221,10 +222,10 @@ std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) 
     return std::nullopt;
   }
   FoundStep found = {{}, *solved};
-  found.step.tracker = *solved->sought.step;
-  found.step.before = loops[solved->sought.before].photograph;
+  found.step.tracker = *solved->unknowns.step;
+  found.step.before = loops[solved->unknowns.before].photograph;
   found.step.mm = solved->step.translation().norm() * 1e3;
-  found.step.degrees = Log(solved->step).head<3>().norm() * 180 / EIGEN_PI;
+  found.step.degrees = RotationDegrees(solved->step);
   found.step.gain = gain;
   return found;
 }

@@ -7,13 +7,13 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-// Below this the closed forms divide rounding by rounding.
+// Below this angle the closed forms divide rounding errors by rounding errors.
 constexpr double kSmallAngle = 1e-4;
 
-// What a turn makes of the shift of its twist.
-Eigen::Matrix3d ShiftMatrix(const Eigen::Vector3d& turn) {
-  const double angle = turn.norm();
-  const Eigen::Matrix3d cross = Cross(turn);
+// Exp of a twist translates by this times the translation of the twist.
+Eigen::Matrix3d LeftJacobian(const Eigen::Vector3d& rotation) {
+  const double angle = rotation.norm();
+  const Eigen::Matrix3d cross = Cross(rotation);
   double a = 0.5 - angle * angle / 24;
   double b = 1.0 / 6 - angle * angle / 120;
   if (angle > kSmallAngle) {
@@ -23,9 +23,9 @@ Eigen::Matrix3d ShiftMatrix(const Eigen::Vector3d& turn) {
   return Eigen::Matrix3d::Identity() + a * cross + b * cross * cross;
 }
 
-Eigen::Matrix3d InverseShiftMatrix(const Eigen::Vector3d& turn) {
-  const double angle = turn.norm();
-  const Eigen::Matrix3d cross = Cross(turn);
+Eigen::Matrix3d InverseLeftJacobian(const Eigen::Vector3d& rotation) {
+  const double angle = rotation.norm();
+  const Eigen::Matrix3d cross = Cross(rotation);
   double b = 1.0 / 12 + angle * angle / 720;
   if (angle > kSmallAngle) {
     b = (1 - 0.5 * angle / std::tan(0.5 * angle)) / (angle * angle);
@@ -35,6 +35,10 @@ Eigen::Matrix3d InverseShiftMatrix(const Eigen::Vector3d& turn) {
 
 }  // namespace
 
+Eigen::Matrix3d RotationAbout(int axis, double degrees) {
+  return Eigen::AngleAxisd(degrees * kDegree, Eigen::Vector3d::Unit(axis)).toRotationMatrix();
+}
+
 Eigen::Matrix3d Cross(const Eigen::Vector3d& v) {
   Eigen::Matrix3d cross;
   cross << 0, -v.z(), v.y(), v.z(), 0, -v.x(), -v.y(), v.x(), 0;
@@ -42,15 +46,15 @@ Eigen::Matrix3d Cross(const Eigen::Vector3d& v) {
 }
 
 Pose Exp(const Twist& twist) {
-  const Eigen::Vector3d turn = twist.head<3>();
-  const double half = 0.5 * turn.norm();
+  const Eigen::Vector3d vector = twist.head<3>();
+  const double half = 0.5 * vector.norm();
   const double sinc = half > kSmallAngle ? std::sin(half) / half : 1 - half * half / 6;
   Eigen::Quaterniond rotation;
   rotation.w() = std::cos(half);
-  rotation.vec() = 0.5 * sinc * turn;
+  rotation.vec() = 0.5 * sinc * vector;
   Pose pose = Pose::Identity();
   pose.linear() = rotation.normalized().toRotationMatrix();
-  pose.translation() = ShiftMatrix(turn) * twist.tail<3>();
+  pose.translation() = LeftJacobian(vector) * twist.tail<3>();
   return pose;
 }
 
@@ -64,8 +68,12 @@ Twist Log(const Pose& pose) {
       sine > kSmallAngle ? 2 * std::atan2(sine, rotation.w()) / sine : 2 + sine * sine / 3;
   Twist twist;
   twist.head<3>() = factor * rotation.vec();
-  twist.tail<3>() = InverseShiftMatrix(twist.head<3>()) * pose.translation();
+  twist.tail<3>() = InverseLeftJacobian(twist.head<3>()) * pose.translation();
   return twist;
+}
+
+double RotationDegrees(const Pose& pose) {
+  return Log(pose).head<3>().norm() * 180 / EIGEN_PI;
 }
 
 Matrix6d Adjoint(const Pose& pose) {

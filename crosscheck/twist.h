@@ -1,3 +1,5 @@
+// Rigid transforms, and the twists that they differ by.
+
 #pragma once
 
 #include <Eigen/Core>
@@ -7,19 +9,26 @@ namespace trackedcam::crosscheck {
 
 constexpr double kDegree = EIGEN_PI / 180;  // radians
 
-// Rigid transforms and the small displacements between them: six numbers, turn before shift.
-
 using Pose = Eigen::Isometry3d;  // named Transform_A_B: p_A = Transform_A_B · p_B; metres
+
+/// The rotation (a vector along its axis, as long as its angle, radians) before the translation
+/// (metres).
 using Twist = Eigen::Matrix<double, 6, 1>;
 using Matrix6d = Eigen::Matrix<double, 6, 6>;
+
+/// About x, y or z (axis 0, 1 or 2).
+Eigen::Matrix3d RotationAbout(int axis, double degrees);
 
 /// The matrix of v × .
 Eigen::Matrix3d Cross(const Eigen::Vector3d& v);
 
 Pose Exp(const Twist& twist);
 
-/// The inverse of Exp, its turn at most half a turn.
+/// The inverse of Exp, with an angle of at most 180 degrees.
 Twist Log(const Pose& pose);
+
+/// The angle of the rotation.
+double RotationDegrees(const Pose& pose);
 
 /// pose · Exp(d) = Exp(Adjoint(pose) · d) · pose
 Matrix6d Adjoint(const Pose& pose);
@@ -27,7 +36,7 @@ Matrix6d Adjoint(const Pose& pose);
 /// The rotation nearest to a matrix.
 Eigen::Matrix3d NearestRotation(const Eigen::Matrix3d& matrix);
 
-/// Whatever rounding has done to its rotation is undone.
+/// The pose of a matrix whose rotation is rounded.
 Pose PoseOf(const Eigen::Matrix4d& matrix);
 
 }  // namespace trackedcam::crosscheck

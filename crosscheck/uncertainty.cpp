@@ -4,12 +4,11 @@
 #include <cmath>
 #include <limits>
 
-#include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
 
 #include "crosscheck/chart_pose.h"
-#include "crosscheck/solve.h"
 #include "crosscheck/statistics.h"
+#include "crosscheck/symmetric.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
@@ -18,21 +17,24 @@ namespace {
 constexpr double kMetresPerMm = 1e-3;
 constexpr double kGoodAmplification = 3;
 
-StandardError FromDerivatives(const Matrix6d& covariance, const Eigen::Matrix<double, 3, 6>& turn,
-                              const Eigen::Matrix<double, 3, 6>& shift) {
+// From how rotation and translation change with the twist.
+StandardError StandardErrorOf(const Matrix6d& covariance,
+                              const Eigen::Matrix<double, 3, 6>& rotation,
+                              const Eigen::Matrix<double, 3, 6>& translation) {
   StandardError error;
-  error.rotationDegrees = (turn * covariance * turn.transpose()).diagonal().cwiseSqrt() / kDegree;
+  error.rotationDegrees =
+      (rotation * covariance * rotation.transpose()).diagonal().cwiseSqrt() / kDegree;
   error.translationMm =
-      (shift * covariance * shift.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
+      (translation * covariance * translation.transpose()).diagonal().cwiseSqrt() / kMetresPerMm;
   return error;
 }
 
 Offset Tested(Offset offset, const Twist& difference, const Matrix6d& covariance, double freedom) {
-  offset.p = HotellingTail(difference.dot(covariance.ldlt().solve(difference)), 6, freedom);
+  offset.p = HotellingTail(difference.dot(Ldlt(covariance).Solve(difference)), 6, freedom);
   return offset;
 }
 
-// Points at a sixth, a half and five sixths of the picture's width and height.
+// At a sixth, a half and five sixths of the image's width and height.
 std::vector<Eigen::Vector3d> PointsAt(double distance, const Lens& lens) {
   std::vector<Eigen::Vector3d> points;
   for (const double x : {1.0, 3.0, 5.0}) {
@@ -43,6 +45,24 @@ std::vector<Eigen::Vector3d> PointsAt(double distance, const Lens& lens) {
     }
   }
   return points;
+}
+
+// @param between The rotation that is the difference.
+TransformComparison CompareAxes(const Pose& other, const Pose& found, const Pose& between,
+                                const StandardError& error, double t95) {
+  const Eigen::Vector3d otherMm = 1e3 * other.translation();
+  const Eigen::Vector3d foundMm = 1e3 * found.translation();
+  const Eigen::Vector3d rotationDegrees = Log(between).head<3>() / kDegree;
+  TransformComparison comparison;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const auto axis = static_cast<Eigen::Index>(i);
+    comparison.translation[i] = {otherMm[axis], foundMm[axis], otherMm[axis] - foundMm[axis],
+                                 t95 * error.translationMm[axis]};
+    comparison.rotation[i].difference = rotationDegrees[axis];
+    comparison.rotation[i].half = t95 * error.rotationDegrees[axis];
+  }
+  comparison.isCompared = rotationDegrees.allFinite();
+  return comparison;
 }
 
 double LargestVariance(const Eigen::Matrix2d& covariance) {
@@ -62,19 +82,19 @@ double Freedom(const Solution& solution) {
 }
 
 StandardError StandardErrorOfLeftTwist(const Matrix6d& covariance, const Pose& pose) {
-  Eigen::Matrix<double, 3, 6> turn = Eigen::Matrix<double, 3, 6>::Zero();
-  turn.leftCols<3>().setIdentity();
-  Eigen::Matrix<double, 3, 6> shift;
-  shift << -Cross(pose.translation()), Eigen::Matrix3d::Identity();
-  return FromDerivatives(covariance, turn, shift);
+  Eigen::Matrix<double, 3, 6> rotation = Eigen::Matrix<double, 3, 6>::Zero();
+  rotation.leftCols<3>().setIdentity();
+  Eigen::Matrix<double, 3, 6> translation;
+  translation << -Cross(pose.translation()), Eigen::Matrix3d::Identity();
+  return StandardErrorOf(covariance, rotation, translation);
 }
 
 StandardError StandardErrorOfRightTwist(const Matrix6d& covariance, const Pose& pose) {
-  Eigen::Matrix<double, 3, 6> turn = Eigen::Matrix<double, 3, 6>::Zero();
-  turn.leftCols<3>() = pose.linear();
-  Eigen::Matrix<double, 3, 6> shift = Eigen::Matrix<double, 3, 6>::Zero();
-  shift.rightCols<3>() = pose.linear();
-  return FromDerivatives(covariance, turn, shift);
+  Eigen::Matrix<double, 3, 6> rotation = Eigen::Matrix<double, 3, 6>::Zero();
+  rotation.leftCols<3>() = pose.linear();
+  Eigen::Matrix<double, 3, 6> translation = Eigen::Matrix<double, 3, 6>::Zero();
+  translation.rightCols<3>() = pose.linear();
+  return StandardErrorOf(covariance, rotation, translation);
 }
 
 Offset Between(const Pose& a, const Pose& b) {
@@ -89,22 +109,31 @@ Offset CompareCamTc(const Solution& solution, const Matrix6d& covariance, const 
                 Log(other * solution.Transform_Cam_Tc.inverse()), covariance, Freedom(solution));
 }
 
-Offset CompareMounting(const Solution& solution, const Matrix6d& covariance, const Pose& other) {
+Offset CompareTrChart(const Solution& solution, const Matrix6d& covariance, const Pose& other) {
   return Tested(Between(other, solution.Transform_Tr_Chart),
                 Log(solution.Transform_Tr_Chart.inverse() * other), covariance, Freedom(solution));
 }
 
-// Solved apart the halves would share neither transform, and each would hide most of a drift in the
-// doubt that it leaves between both. With both shared only the drift is left to explain a
-// difference.
+TransformComparison CompareAxesCamTc(const Pose& other, const Pose& found,
+                                     const StandardError& error, double t95) {
+  return CompareAxes(other, found, other * found.inverse(), error, t95);
+}
+
+TransformComparison CompareAxesTrChart(const Pose& other, const Pose& found,
+                                       const StandardError& error, double t95) {
+  return CompareAxes(other, found, found.inverse() * other, error, t95);
+}
+
+// Both halves share both transforms: solved separately, most of a drift would disappear in the
+// uncertainty between the two solutions.
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution) {
-  constexpr std::size_t kLeast = 6;  // photographs in a half
-  if (solution.Used() < 2 * kLeast) {
+  constexpr std::size_t kLeastInHalf = 6;  // photographs
+  if (solution.Used() < 2 * kLeastInHalf) {
     return std::nullopt;
   }
-  Choice choice;
-  choice.isFixed = true;
-  choice.first = solution.used;
+  SolveOptions options;
+  options.isFixed = true;
+  options.first = solution.used;
   std::size_t middle = 0;
   for (std::size_t seen = 0; 2 * seen < solution.Used(); ++middle) {
     seen += solution.used[middle] ? 1 : 0;
@@ -112,9 +141,9 @@ std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& so
   std::optional<Offset> likelier;
   for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
     Solution from = solution;
-    from.sought.step = tracker;
-    from.sought.before = middle;
-    const std::optional<Solution> solved = Solve(evidence.loops, from, choice);
+    from.unknowns.step = tracker;
+    from.unknowns.before = middle;
+    const std::optional<Solution> solved = Solve(evidence.loops, from, options);
     if (!solved) {
       continue;
     }
@@ -139,31 +168,32 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
     }
   }
   mean /= static_cast<double>(std::max<std::size_t>(solution.Used(), 1));
-  // Its singular values, the largest first: what is common to all rotations, about each axis.
+  // The singular values of the mean rotation, the largest first: how much all rotations have in
+  // common, for each axis.
   const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> squares(mean.transpose() * mean);
   const Eigen::Vector3d common = squares.eigenvalues().reverse().cwiseMax(0).cwiseSqrt();
   const Eigen::Matrix3d axes = squares.eigenvectors().rowwise().reverse();
   Diversity diversity;
   diversity.amplification = common[0] < 1 ? 1 / std::sqrt(1 - common[0] * common[0])
                                           : std::numeric_limits<double>::infinity();
-  // A turn of the mounting about this axis looks almost like one of the camera, in every
+  // A rotation of the mounting about this axis looks almost like one of the camera in every
   // photograph.
   diversity.weakestAxisInChart = axes.col(0);
 
-  // As many photographs again with the chart turned by an angle about an axis, half of them to
-  // either side, leave that axis what it has in common and (1 + cos) / 2 of it to the axes across.
-  // So the axis to turn about is the one that has least in common already. Where that is too much
-  // as well, half of them are turned about the next one: (3 + cos) / 4 is left to both.
+  // The same number of photographs again, rotated by an angle to either side about an axis, leaves
+  // this axis its singular value and multiplies those of the other two by (1 + cos) / 2. So the
+  // best axis is the one with the smallest. If even that is too large, half of the photographs are
+  // rotated about the next axis: both are multiplied by (3 + cos) / 4.
   const double enough = std::sqrt(1 - 1 / (kGoodAmplification * kGoodAmplification));
-  const auto turn = [](double cosine) {
+  const auto degrees = [](double cosine) {
     return std::acos(std::clamp(cosine, -1.0, 1.0)) / kDegree;
   };
   diversity.axisInChart = axes.col(2);
-  diversity.rotationDegrees = turn(2 * enough / common[0] - 1);
+  diversity.rotationDegrees = degrees(2 * enough / common[0] - 1);
   if (common[2] > enough) {
     diversity.axes = 2;
     diversity.rotationDegrees =
-        std::max(diversity.rotationDegrees, turn(4 * enough / common[1] - 3));
+        std::max(diversity.rotationDegrees, degrees(4 * enough / common[1] - 3));
   }
   return diversity;
 }
@@ -181,13 +211,13 @@ OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solut
     const Projection seen = ProjectWithDerivatives(evidence.lens, point);
     Eigen::Matrix<double, 2, 6> byTwist;
     byTwist << -seen.byPoint * Cross(point), seen.byPoint;
-    // The lens moves the picture itself and, through the solve, the transform.
+    // The lens moves the image itself and, through the solve, the transform.
     const Eigen::Matrix<double, 2, 6> through = byTwist * byLens;
     const Eigen::Matrix<double, 2, 6> together = through + seen.byLens;
-    const Eigen::Matrix2d own = byTwist * noise * byTwist.transpose();
+    const Eigen::Matrix2d ofSolve = byTwist * noise * byTwist.transpose();
     const Matrix6d& lensCovariance = evidence.lensCovariance;
-    both += LargestVariance(own + together * lensCovariance * together.transpose());
-    transform += LargestVariance(own + through * lensCovariance * through.transpose());
+    both += LargestVariance(ofSolve + together * lensCovariance * together.transpose());
+    transform += LargestVariance(ofSolve + through * lensCovariance * through.transpose());
     lens += LargestVariance(seen.byLens * lensCovariance * seen.byLens.transpose());
     if (library) {
       const Eigen::Vector3d other = *library * (solution.Transform_Cam_Tc.inverse() * point);

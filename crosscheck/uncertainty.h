@@ -1,8 +1,11 @@
-// How sure a solution is, and how far it is from another one.
+// How accurate a solution is, how far it is from another one, and what that means in the image.
 
 #pragma once
 
+#include <optional>
 #include <vector>
+
+#include <Eigen/Core>
 
 #include "crosscheck/evidence.h"
 #include "crosscheck/result.h"
@@ -10,38 +13,49 @@
 
 namespace trackedcam::crosscheck {
 
-/// Of the unknowns, with what the lens's own uncertainty adds.
+/// Of the unknowns, with the uncertainty of the lens.
 Eigen::MatrixXd FullCovariance(const Solution& solution, const Evidence& evidence);
 
-/// Of the noise and so of the intervals: three for each photograph.
+/// Degrees of freedom of the noise and so of the intervals: three for each photograph.
 double Freedom(const Solution& solution);
 
-/// Of the translation and about the axes of the target frame.
+/// @param covariance Of the left twist of the pose.
 StandardError StandardErrorOfLeftTwist(const Matrix6d& covariance, const Pose& pose);
+/// @param covariance Of the right twist of the pose.
 StandardError StandardErrorOfRightTwist(const Matrix6d& covariance, const Pose& pose);
 
-/// The distance only.
+/// Without p.
 Offset Between(const Pose& a, const Pose& b);
 
-/// Whether another Transform_Cam_Tc can be the true one.
+/// Tests another Transform_Cam_Tc.
+/// @param covariance Of the left twist.
 Offset CompareCamTc(const Solution& solution, const Matrix6d& covariance, const Pose& other);
 
-/// Whether another Transform_Tr_Chart can be the true one; the covariance is of its right twist.
-Offset CompareMounting(const Solution& solution, const Matrix6d& covariance, const Pose& other);
+/// Tests another Transform_Tr_Chart.
+/// @param covariance Of the right twist.
+Offset CompareTrChart(const Solution& solution, const Matrix6d& covariance, const Pose& other);
 
-/// How far a tracker stands otherwise in the second half of the used photographs than in the first;
-/// of the two the one that it is likelier of. Nothing where there are too few photographs.
+/// Axis by axis; a transform that is not known is NaN.
+/// @param error Of the found transform.
+/// @param t95 Half the width of the 95 % interval, in standard errors.
+TransformComparison CompareAxesCamTc(const Pose& other, const Pose& found,
+                                     const StandardError& error, double t95);
+TransformComparison CompareAxesTrChart(const Pose& other, const Pose& found,
+                                       const StandardError& error, double t95);
+
+/// How differently a tracker sits on its mount in the second half of the used photographs: of both
+/// trackers the one with the smaller p. Nothing if there are too few photographs.
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution);
 
 Diversity DiversityOf(const Loops& loops, const Solution& solution);
 
-// What the uncertainty looks like in the picture.
-
-/// The 95 % of the worst direction, as the root mean square over the picture, for things that stand
-/// still beside the tracking system and are drawn into the picture at this distance.
+/// The 95 % of the worst direction, as the root mean square over the image, of things at this
+/// distance that do not move relative to the tracking system.
+/// @param library Transform_Cam_Tc of the library.
 OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
                     const std::optional<Pose>& library);
 
+/// At 0.5 m to 10 m.
 std::vector<OnScreen> OnScreenAtAll(const Evidence& evidence, const Solution& solution,
                                     const std::optional<Pose>& library);
 

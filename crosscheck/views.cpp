@@ -7,7 +7,7 @@
 #include <Eigen/Cholesky>
 
 #include "crosscheck/chart_pose.h"
-#include "crosscheck/reported_poses.h"
+#include "crosscheck/symmetric.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kSuggestions = 3;
 constexpr int kViewsEach = 5;
-constexpr int kMostPhotographs = 100;  // nobody would shoot more
+constexpr int kMostPhotographs = 100;
 
 using Matrix12d = Eigen::Matrix<double, 12, 12>;
 
@@ -26,16 +26,28 @@ struct Candidate {
 
 Pose PoseOfView(const View& view, const Eigen::Vector3d& centre) {
   const double direction = view.tiltDirectionDegrees * kDegree;
-  // The normal leans towards the direction when the board turns about the axis across it.
+  // A rotation about the axis across the direction tilts the normal towards the direction.
   const Eigen::Vector3d axis(-std::sin(direction), std::cos(direction), 0);
   Pose pose = Pose::Identity();
   pose.linear() = Eigen::AngleAxisd(view.tiltDegrees * kDegree, axis).toRotationMatrix() *
-                  TurnAbout(2, view.rollDegrees);
+                  RotationAbout(2, view.rollDegrees);
   pose.translation() = Eigen::Vector3d(0, 0, view.distanceMetres) - pose.linear() * centre;
   return pose;
 }
 
-bool IsInPicture(const Pose& pose, const Evidence& evidence) {
+// From the optical axis to the normal of a board, about the axis across both. Eigen's own function
+// for any two vectors takes seconds to compile.
+Eigen::Quaterniond TiltOf(const Eigen::Vector3d& normal) {
+  const Eigen::Vector3d to = normal.normalized();
+  if (to.z() < -1 + 1e-12) {
+    return {0, 1, 0, 0};
+  }
+  const double twiceCosine = std::sqrt((1 + to.z()) * 2);  // of half the angle
+  const double factor = 1 / twiceCosine;
+  return {0.5 * twiceCosine, -to.y() * factor, to.x() * factor, 0};
+}
+
+bool IsInImage(const Pose& pose, const Evidence& evidence) {
   const Lens& lens = evidence.lens;
   return std::all_of(evidence.board.begin(), evidence.board.end(), [&](const auto& point) {
     const Eigen::Vector3d seen = pose * point;
@@ -51,7 +63,7 @@ bool IsInPicture(const Pose& pose, const Evidence& evidence) {
 std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
                                   const Solution& solution) {
   const Pose pose = PoseOfView(view, 0.5 * evidence.board.back());
-  if (!IsInPicture(pose, evidence)) {
+  if (!IsInImage(pose, evidence)) {
     return std::nullopt;
   }
   std::vector<Eigen::Vector2d> corners(evidence.board.size(), Eigen::Vector2d::Zero());
@@ -62,9 +74,9 @@ std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
   const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
   const NoiseCarriers carriers =
       CarriersOf(solution.Transform_Cam_Tc, pose * solution.Transform_Tr_Chart.inverse());
-  const Matrix6d covariance = solution.noise.turn * carriers.turn +
-                              solution.noise.shift * carriers.shift +
-                              variance * equations->byPose.ldlt().solve(Matrix6d::Identity());
+  const Matrix6d covariance = solution.noise.rotation * carriers.rotation +
+                              solution.noise.translation * carriers.translation +
+                              variance * Ldlt(equations->byPose).Inverse();
   Eigen::Matrix<double, 6, 12> design;
   design << Matrix6d::Identity(), Adjoint(pose);
   return Candidate{view, design.transpose() * covariance.llt().solve(design)};
@@ -73,14 +85,14 @@ std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
 std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solution) {
   const Eigen::Vector3d board = evidence.board.back();
   const Lens& lens = evidence.lens;
-  // So near that the board fills most of the picture, and half as far again.
+  // The board fills most of the image at this distance.
   const double near =
       std::max(lens.fx * board.x() / lens.width, lens.fy * board.y() / lens.height) / 0.75;
   std::vector<Candidate> candidates;
   for (const double distance : {near, 1.5 * near}) {
     for (const double tilt : {0.0, 20.0, 40.0}) {
       for (int side = 0; side < (tilt > 0 ? 8 : 1); ++side) {
-        // Farther and a detector may begin at the opposite corner.
+        // With more roll a detector may begin at the opposite corner.
         for (const double roll : {-45.0, 0.0, 45.0}) {
           if (auto candidate = Consider({tilt, 45.0 * side, roll, distance}, evidence, solution)) {
             candidates.push_back(*candidate);
@@ -92,28 +104,19 @@ std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solu
   return candidates;
 }
 
-// What Transform_Cam_Tc's variances add up to, turns as what they do at this distance; metres.
+// Of Transform_Cam_Tc: its rotation, as what it does at this distance, and its translation; metres.
 double Uncertainty(const Matrix12d& information, double distance) {
   const Matrix12d covariance = information.ldlt().solve(Matrix12d::Identity());
-  const double turn = covariance.diagonal().head<3>().sum();
-  const double shift = covariance.diagonal().segment<3>(3).sum();
-  return std::sqrt(turn * distance * distance + shift);
-}
-
-double MeanDistance(const Evidence& evidence) {
-  double sum = 0;
-  for (const Loop& loop : evidence.loops) {
-    sum += loop.Transform_Cam_Chart.translation().norm();
-  }
-  return sum / static_cast<double>(evidence.loops.size());
+  const double rotation = covariance.diagonal().head<3>().sum();
+  const double translation = covariance.diagonal().segment<3>(3).sum();
+  return std::sqrt(rotation * distance * distance + translation);
 }
 
 }  // namespace
 
 View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>& board) {
   const Eigen::Vector3d normal = Transform_Cam_Chart.linear().col(2);
-  const Eigen::Matrix3d tilt =
-      Eigen::Quaterniond::FromTwoVectors(Eigen::Vector3d::UnitZ(), normal).toRotationMatrix();
+  const Eigen::Matrix3d tilt = TiltOf(normal).toRotationMatrix();
   const Eigen::Vector3d row = tilt.transpose() * Transform_Cam_Chart.linear().col(0);
   View view;
   view.tiltDegrees = std::atan2(normal.head<2>().norm(), normal.z()) / kDegree;
@@ -125,7 +128,7 @@ View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>&
 
 Suggestions SuggestViews(const Evidence& evidence, const Solution& solution) {
   const std::vector<Candidate> candidates = Candidates(evidence, solution);
-  const double distance = MeanDistance(evidence);
+  const double distance = MeanDistance(evidence.loops);
   const Matrix12d present = solution.covariance.topLeftCorner<12, 12>();
   Matrix12d information = present.ldlt().solve(Matrix12d::Identity());
   const double now = Uncertainty(information, distance);

@@ -1,4 +1,4 @@
-// How the chart stood, and how it should stand to bring the uncertainty down.
+// The views of the chart: those of the photographs, and those that would reduce the uncertainty.
 
 #pragma once
 
@@ -18,7 +18,7 @@ struct Suggestions {
   std::optional<int> photographsToHalve;
 };
 
-/// The views that add most information, one after the other, each on top of those before it.
+/// The views that add most information, each after those before it.
 Suggestions SuggestViews(const Evidence& evidence, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck

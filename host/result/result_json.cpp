@@ -84,6 +84,25 @@ Json StepJson(const std::optional<crosscheck::Step>& step,
           {"gain", NumberJson(step->gain)}};
 }
 
+Json AxesJson(const std::array<crosscheck::AxisComparison, 3>& axes) {
+  constexpr std::array<const char*, 3> kNames = {"x", "y", "z"};
+  Json list = Json::array();
+  for (std::size_t i = 0; i < axes.size(); ++i) {
+    list.push_back({{"axis", kNames.at(i)},
+                    {"other", NumberJson(axes.at(i).other)},
+                    {"found", NumberJson(axes.at(i).found)},
+                    {"difference", NumberJson(axes.at(i).difference)},
+                    {"half", NumberJson(axes.at(i).half)}});
+  }
+  return list;
+}
+
+Json ComparisonJson(const crosscheck::TransformComparison& comparison) {
+  return {{"translation", AxesJson(comparison.translation)},
+          {"rotation", AxesJson(comparison.rotation)},
+          {"isCompared", comparison.isCompared}};
+}
+
 Json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
   Json list = Json::array();
   for (const crosscheck::OnScreen& at : onScreen) {
@@ -233,6 +252,8 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["standardErrorCamTc"] = StandardErrorJson(check.standardErrorCamTc);
   json["standardErrorTrChart"] = StandardErrorJson(check.standardErrorTrChart);
   json["t95"] = NumberJson(check.t95);
+  json["comparison"] = {{"camTc", ComparisonJson(check.comparisonCamTc)},
+                        {"trChart", ComparisonJson(check.comparisonTrChart)}};
   json["trackerNoise"] = {{"degrees", NumberJson(check.trackerNoiseDegrees)},
                           {"mm", NumberJson(check.trackerNoiseMm)}};
   json["trackerNoiseApart"] = check.trackerNoiseApart;

@@ -1,5 +1,6 @@
 #include <cmath>
 
+#include <Eigen/Geometry>
 #include <gmock/gmock.h>
 
 #include "crosscheck/cross_check.h"
@@ -17,8 +18,6 @@ namespace {
 
 using test::IsNear;
 
-constexpr double kDegree = EIGEN_PI / 180;
-
 Pose Somewhere() {
   return Exp((Twist() << 0.4, -0.7, 0.2, 0.3, -0.2, 0.5).finished());
 }
@@ -31,22 +30,22 @@ TEST(ComparisonTest, StandardErrorsAreTheSpreadOfDrawnTransforms) {
   const Pose pose = Somewhere();
   constexpr int kDraws = 20000;
   for (const bool isLeft : {true, false}) {
-    Eigen::Vector3d shift = Eigen::Vector3d::Zero();
-    Eigen::Vector3d turn = Eigen::Vector3d::Zero();
+    Eigen::Vector3d translation = Eigen::Vector3d::Zero();
+    Eigen::Vector3d rotation = Eigen::Vector3d::Zero();
     for (int i = 0; i < kDraws; ++i) {
       Twist twist;
       twist << random.NormalVector(), random.NormalVector();
       const Pose off = Exp(spread.cwiseProduct(twist));
       const Pose drawn = isLeft ? off * pose : pose * off;
       const Eigen::AngleAxisd between(Eigen::Matrix3d(drawn.linear() * pose.linear().transpose()));
-      shift += (drawn.translation() - pose.translation()).cwiseAbs2() / kDraws;
-      turn += (between.angle() * between.axis()).cwiseAbs2() / kDraws;
+      translation += (drawn.translation() - pose.translation()).cwiseAbs2() / kDraws;
+      rotation += (between.angle() * between.axis()).cwiseAbs2() / kDraws;
     }
     const StandardError error = isLeft ? StandardErrorOfLeftTwist(covariance, pose)
                                        : StandardErrorOfRightTwist(covariance, pose);
     for (int k = 0; k < 3; ++k) {
-      EXPECT_NEAR(error.translationMm[k] / (1e3 * std::sqrt(shift[k])), 1, 0.03);
-      EXPECT_NEAR(error.rotationDegrees[k] * kDegree / std::sqrt(turn[k]), 1, 0.03);
+      EXPECT_NEAR(error.translationMm[k] / (1e3 * std::sqrt(translation[k])), 1, 0.03);
+      EXPECT_NEAR(error.rotationDegrees[k] * kDegree / std::sqrt(rotation[k]), 1, 0.03);
     }
   }
 }
@@ -60,16 +59,16 @@ TEST(ComparisonTest, ADistanceIsThatOfOriginsAndTheAngle) {
   EXPECT_NEAR(offset.offDegrees, 2, 1e-9);
 }
 
-TEST(NoiseTest, ALeverTurnsTurningIntoShifting) {
+TEST(NoiseTest, ALeverMakesTranslationOfRotation) {
   Pose at = Pose::Identity();
   at.translation().x() = 2;
   const NoiseCarriers carriers = CarriersOf(at, Pose::Identity());
-  // A turn about z moves what is two metres off along y by twice itself.
-  EXPECT_NEAR(carriers.turn(4, 4), 4, 1e-12);
-  EXPECT_NEAR(carriers.turn(3, 3), 0, 1e-12);
-  EXPECT_THAT((carriers.turn.topLeftCorner<3, 3>()),
+  // At two metres along x, a rotation about z translates along y by twice its angle.
+  EXPECT_NEAR(carriers.rotation(4, 4), 4, 1e-12);
+  EXPECT_NEAR(carriers.rotation(3, 3), 0, 1e-12);
+  EXPECT_THAT((carriers.rotation.topLeftCorner<3, 3>()),
               IsNear((2 * Eigen::Matrix3d::Identity()).eval(), 1e-12));
-  EXPECT_THAT((carriers.shift.bottomRightCorner<3, 3>()),
+  EXPECT_THAT((carriers.translation.bottomRightCorner<3, 3>()),
               IsNear((2 * Eigen::Matrix3d::Identity()).eval(), 1e-12));
 }
 
@@ -78,7 +77,7 @@ TEST(TrackerLoopTest, RowsGiveTheTruePoses) {
   const Observations observations = test::MakeShoot(shoot).observations;
   for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
     const simulator::Photograph& truth = shoot.photographs[i];
-    const auto found = TransformOfRow(observations.photographs[i], false, Meaning::kAsRead);
+    const auto found = TransformOfRow(observations.photographs[i], false);
     ASSERT_TRUE(found);
     EXPECT_THAT(
         found->matrix(),
@@ -88,12 +87,12 @@ TEST(TrackerLoopTest, RowsGiveTheTruePoses) {
 
 TEST(TrackerLoopTest, WhatIsNoPoseIsNone) {
   TrackerPose reported;
-  EXPECT_TRUE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+  EXPECT_TRUE(Transform_Base_Tracker(reported, false));
   reported.position.y() = 2e7;
-  EXPECT_FALSE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+  EXPECT_FALSE(Transform_Base_Tracker(reported, false));
   reported = {};
   reported.quaternionWxyz.setZero();
-  EXPECT_FALSE(Transform_Base_Tracker(reported, false, Meaning::kAsRead));
+  EXPECT_FALSE(Transform_Base_Tracker(reported, false));
 }
 
 TEST(ViewTest, SaysHowTheBoardStands) {
@@ -152,6 +151,32 @@ TEST(CheckTest, WhatIsOffOnScreenIsTheLibrarysDistance) {
                 0.15);  // distortion stretches it a little
     EXPECT_GT(at.pixels, 0);
     EXPECT_LE(at.pixels, 1.0001 * (at.fromTransform + at.fromLens));
+  }
+}
+
+// Rotations of 0.5 degrees about x, before the found transform for the camera and behind it for the
+// chart; 3 mm along x.
+TEST(AxesTest, AreComparedOneByOne) {
+  Pose found = Pose::Identity();
+  found.linear() = Eigen::AngleAxisd(1, Eigen::Vector3d(1, 2, 3).normalized()).toRotationMatrix();
+  found.translation() = Eigen::Vector3d(0.1, -0.2, 0.3);
+  const Eigen::AngleAxisd rotation(0.5 * kDegree, Eigen::Vector3d::UnitX());
+  const StandardError error = {{0.1, 0.2, 0.3}, {0.01, 0.02, 0.03}};
+  for (const bool isCamera : {true, false}) {
+    Pose other = found;
+    other.linear() = isCamera ? rotation * found.linear() : found.linear() * rotation;
+    other.translation().x() += 0.003;
+    const TransformComparison axes = isCamera ? CompareAxesCamTc(other, found, error, 2)
+                                              : CompareAxesTrChart(other, found, error, 2);
+    EXPECT_TRUE(axes.isCompared);
+    EXPECT_NEAR(axes.translation[0].other, 103, 1e-9);
+    EXPECT_NEAR(axes.translation[0].found, 100, 1e-9);
+    EXPECT_NEAR(axes.translation[0].difference, 3, 1e-9);
+    EXPECT_NEAR(axes.translation[1].difference, 0, 1e-9);
+    EXPECT_NEAR(axes.translation[2].half, 0.6, 1e-9);
+    EXPECT_NEAR(axes.rotation[0].difference, 0.5, 1e-9);
+    EXPECT_NEAR(axes.rotation[1].difference, 0, 1e-9);
+    EXPECT_NEAR(axes.rotation[2].half, 0.06, 1e-9);
   }
 }
 

@@ -19,18 +19,18 @@ using test::IsTransformNear;
 using test::KnownShoot;
 using test::MakeShoot;
 
-Solution Around(const KnownShoot& shoot, double turn, double shift) {
+Solution Around(const KnownShoot& shoot, double radians, double metres) {
   Solution solution;
-  const Twist off = (Twist() << turn, -turn, turn, shift, shift, -shift).finished();
+  const Twist off = (Twist() << radians, -radians, radians, metres, metres, -metres).finished();
   solution.Transform_Cam_Tc = Exp(off) * shoot.Transform_Cam_Tc;
   solution.Transform_Tr_Chart = shoot.Transform_Tr_Chart * Exp(-off);
   return solution;
 }
 
-Choice All(std::size_t count) {
-  Choice choice;
-  choice.first.assign(count, true);
-  return choice;
+SolveOptions All(std::size_t count) {
+  SolveOptions options;
+  options.first.assign(count, true);
+  return options;
 }
 
 TEST(SolveTest, APerfectShootHasNoResidualAtTheTruth) {
@@ -58,9 +58,9 @@ TEST(SolveTest, TheDesignIsTheDerivativeOfThePrediction) {
   const Loop loop = Gather(shoot.observations).loops.front();
   for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
     Solution solution = Around(shoot, 0, 0);
-    solution.sought.squareSize = true;
-    solution.sought.step = tracker;
-    solution.sought.before = 5;
+    solution.unknowns.squareSize = true;
+    solution.unknowns.step = tracker;
+    solution.unknowns.before = 5;
     const Design design = DesignOf(loop, 5, solution);
     ASSERT_EQ(design.cols(), 19);
     for (int k = 0; k < 19; ++k) {
@@ -88,8 +88,8 @@ TEST(SolveTest, TheCovarianceIsThatOfDrawnResiduals) {
   const KnownShoot shoot = MakeShoot(FortyPhotographs(34));
   const Loop exact = Gather(shoot.observations).loops.front();
   Solution truth = Around(shoot, 0, 0);
-  truth.noise.turn = 1e-6;
-  truth.noise.shift = 4e-6;
+  truth.noise.rotation = 1e-6;
+  truth.noise.translation = 4e-6;
   simulator::Random random(34, simulator::Draw::kTrackers);
   Matrix6d sum = Matrix6d::Zero();
   constexpr int kDraws = 20000;
@@ -113,8 +113,8 @@ TEST(SolveTest, TheCovarianceIsThatOfDrawnResiduals) {
 }
 
 TEST(SolveTest, TheNoiseIsFoundWithoutBias) {
-  double turn = 0;
-  double shift = 0;
+  double rotation = 0;
+  double translation = 0;
   constexpr int kShoots = 12;
   for (std::uint64_t seed = 60; seed < 60 + kShoots; ++seed) {
     simulator::ShootOptions options = FortyNoisy(seed);
@@ -125,28 +125,28 @@ TEST(SolveTest, TheNoiseIsFoundWithoutBias) {
     const Loops loops = Gather(shoot.observations).loops;
     const auto solved = Solve(loops, Around(shoot, 0, 0), All(loops.size()));
     ASSERT_TRUE(solved) << "seed " << seed;
-    turn += solved->noise.turn / kShoots;
-    shift += solved->noise.shift / kShoots;
+    rotation += solved->noise.rotation / kShoots;
+    translation += solved->noise.translation / kShoots;
   }
-  const double radians = 0.2 * EIGEN_PI / 180;
-  EXPECT_NEAR(turn / (radians * radians), 1, 0.15);
-  EXPECT_NEAR(shift / 1e-6, 1, 0.15);
+  const double radians = 0.2 * kDegree;
+  EXPECT_NEAR(rotation / (radians * radians), 1, 0.15);
+  EXPECT_NEAR(translation / 1e-6, 1, 0.15);
 }
 
 TEST(SolveTest, BadLoopsLeaveAndTheOthersStay) {
-  simulator::ShootOptions options = FortyNoisy(36);
-  options.outliers = 6;
-  const simulator::Shoot simulated = simulator::SimulateShoot(options);
+  simulator::ShootOptions shootOptions = FortyNoisy(36);
+  shootOptions.outliers = 6;
+  const simulator::Shoot simulated = simulator::SimulateShoot(shootOptions);
   const KnownShoot shoot = MakeShoot(simulated);
   const Loops loops = Gather(shoot.observations).loops;
   const auto start = FindStart(loops, BoardDistance(Gather(shoot.observations)), 60);
   ASSERT_TRUE(start);
-  Choice choice;
-  choice.first = start->closest;
+  SolveOptions options;
+  options.first = start->closest;
   Solution from;
   from.Transform_Cam_Tc = start->Transform_Cam_Tc;
   from.Transform_Tr_Chart = start->Transform_Tr_Chart;
-  const auto solved = Solve(loops, from, choice);
+  const auto solved = Solve(loops, from, options);
   ASSERT_TRUE(solved);
   for (std::size_t i = 0; i < loops.size(); ++i) {
     EXPECT_EQ(solved->used[i], simulated.photographs[i].flaw == simulator::Flaw::kNone)

@@ -10,9 +10,8 @@ namespace {
 
 using crosscheck::CrossCheck;
 using crosscheck::Finding;
+using crosscheck::kDegree;
 using crosscheck::Severity;
-
-constexpr double kDegree = EIGEN_PI / 180;
 
 simulator::ShootOptions OptionsOf(const Cell& cell, std::uint64_t seed) {
   simulator::ShootOptions options;

@@ -9,10 +9,9 @@
 namespace trackedcam::test {
 namespace {
 
+using crosscheck::kDegree;
 using crosscheck::Pose;
 using crosscheck::Twist;
-
-constexpr double kDegree = EIGEN_PI / 180;
 
 Pose TrueTransformOf(const crosscheck::Mounting& mounting) {
   const auto& angles = mounting.rotationDegrees;

@@ -3,9 +3,8 @@
 namespace trackedcam::test {
 namespace {
 
+using crosscheck::kDegree;
 using crosscheck::Pose;
-
-constexpr double kDegree = EIGEN_PI / 180;
 
 }  // namespace
 
