@@ -1,7 +1,6 @@
 #include "trackedcam/trackedcam.h"
 
-// Programs that look up the functions by name cast them to these types: their arguments may not
-// change.
+// Programs that look up the functions by name cast them to these types, which may not change.
 using Numbers = std::vector<double>;
 extern int (*const calibration)(std::string, double, double, int, int, double, Numbers, Numbers,
                                 Numbers&, Numbers&, Numbers&, Numbers&, Numbers&, Numbers&,
