@@ -1,4 +1,4 @@
-"""Names the system that the wheel's library is for; every Python version takes it."""
+"""Tags the wheel with the system of its library, for every Python version."""
 
 import os
 

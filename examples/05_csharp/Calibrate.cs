@@ -1,10 +1,10 @@
 // Calibrates a shoot from C#: Calibrate.exe TRACKER_DATA.csv LOG_FOLDER [RESULT.json]
 //
-// The chart has 9x6 inner corners and squares of 30 mm, the sensor 36 x 20.25 mm. With --layout it prints how
-// the structs lie in memory, to be compared with the header.
+// The chart has 9x6 inner corners and squares of 30 mm, the sensor 36 x 20.25 mm. With --layout it prints the
+// layout of the structs, which a test compares with the header.
 //
-// trackedcam_c.dll lies beside the program (in Unity: in Assets/Plugins), libtrackedcam_c.so where the system
-// looks. Strings go in as UTF-8 that ends with a zero, and come out as pointers that belong to the handle.
+// Put trackedcam_c.dll into the folder of the program (Unity: Assets/Plugins/x86_64), libtrackedcam_c.so where
+// the system searches. Pass strings as UTF-8 with a terminating zero; returned pointers belong to the handle.
 
 using System;
 using System.Runtime.InteropServices;
@@ -117,7 +117,7 @@ static class Native {
     return (UIntPtr)Marshal.SizeOf(typeof(T));
   }
 
-  /// What went wrong becomes an exception.
+  /// Throws for an error status.
   public static void Check(int status) {
     if (status != Ok) {
       throw new InvalidOperationException(Text(trackedcam_last_error()));
@@ -162,7 +162,7 @@ static class Program {
       Native.Check(Native.trackedcam_shoot_open(Native.Utf8(data), out shoot));
       Native.Check(Native.trackedcam_start(shoot, ref settings, out run));
 
-      // As the loop of a game does, once a frame.
+      // Like a game loop, once a frame.
       int isDone = 0;
       while (isDone == 0) {
         Native.trackedcam_progress progress;
@@ -172,9 +172,9 @@ static class Program {
       }
       Native.Check(Native.trackedcam_run_report(run, out report));
 
-      IntPtr words;
-      Native.Check(Native.trackedcam_report_text(report, Native.Utf8("/verdict/message"), out words));
-      Console.WriteLine(Native.Text(words));
+      IntPtr message;
+      Native.Check(Native.trackedcam_report_text(report, Native.Utf8("/verdict/message"), out message));
+      Console.WriteLine(Native.Text(message));
       Native.trackedcam_lens lens;
       Native.Check(Native.trackedcam_report_lens(report, out lens, Native.SizeOf<Native.trackedcam_lens>()));
       var transform = new double[16];

@@ -7,14 +7,14 @@
     report.transform_cam_tc     # 4×4, metres
     report.lens.camera_matrix   # 3×3, pixels
 
-Frames: Cam is the camera's optical frame (x right, y down, z forward), Tc the tracker on the camera, Tr the one
+Frames: Cam is the camera's optical frame (x right, y down, z forward), Tc the tracker on the camera, Tr the tracker
 on the chart, Chart the chessboard. transform_a_b takes coordinates given in frame B into frame A.
 """
 
 from ._calibrate import Progress, Run, Shoot, calibrate, crosscheck, start
 from ._library import VERSION as __version__
 from ._library import InputError
-from ._report import CalibrationError, CalibrationWarning, CrossCheck, Finding, Lens, Report
+from ._report import CalibrationError, CalibrationWarning, CrossCheck, Finding, Lens, Photograph, Report
 
-__all__ = ["CalibrationError", "CalibrationWarning", "CrossCheck", "Finding", "InputError", "Lens", "Progress",
-           "Report", "Run", "Shoot", "__version__", "calibrate", "crosscheck", "start"]
+__all__ = ["CalibrationError", "CalibrationWarning", "CrossCheck", "Finding", "InputError", "Lens", "Photograph",
+           "Progress", "Report", "Run", "Shoot", "__version__", "calibrate", "crosscheck", "start"]

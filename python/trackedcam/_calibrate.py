@@ -1,4 +1,4 @@
-"""Calibrating, at once or beside other work."""
+"""Calibrates shoots, waiting or in the background."""
 
 from __future__ import annotations
 
@@ -18,7 +18,7 @@ _MOUNTING_AXES = ("fixed", "reported")
 
 
 class Progress(NamedTuple):
-    """How far a run is. photographs_in_all is 0 in a stage that does not go through the photographs."""
+    """Progress of a run. photographs_in_all is 0 in a stage that does not go through the photographs."""
 
     stage: str
     photographs_done: int
@@ -29,9 +29,9 @@ Listener = Callable[[Progress], Any]
 
 
 class Shoot:
-    """The rows of a shoot in memory, in axes and unit that the calibration is told.
+    """The rows of a shoot in memory, in the axes and the unit that are passed to start or calibrate.
 
-    When a run starts they are written to shoot_001/tracker_data.csv below its log folder.
+    When a run starts, they are written to shoot_001/tracker_data.csv below its log folder.
     """
 
     def __init__(self) -> None:
@@ -48,7 +48,7 @@ class Shoot:
             camera_quaternion_wxyz: its orientation, of any length but 0.
             chart_position: x, y, z of the tracker on the chart.
             chart_quaternion_wxyz: its orientation.
-            time_s: when, in seconds from any moment; for the data file only.
+            time_s: time of the photograph in seconds, from any origin; only for the data file.
         """
         poses = [_library.Pose((ctypes.c_double * 3)(*_floats(position, 3)),
                                (ctypes.c_double * 4)(*_floats(quaternion, 4)))
@@ -59,7 +59,7 @@ class Shoot:
 
 
 class Run:
-    """A calibration that goes on in the background. It cannot be cancelled; who drops it lets it end."""
+    """A calibration in the background. It cannot be cancelled: without references, it continues to its end."""
 
     def __init__(self, handle: Handle) -> None:
         self._handle = handle
@@ -71,22 +71,25 @@ class Run:
 
     @property
     def progress(self) -> Progress:
-        """Where it is."""
+        """How far it is."""
         done, progress = ctypes.c_int32(), _library.ProgressStruct()
         call("trackedcam_run_poll", self._handle.pointer, ctypes.byref(done), ctypes.byref(progress),
              ctypes.sizeof(progress))
         return Progress(progress.stage.decode(), progress.photographs_done, progress.photographs_in_all)
 
     def wait(self, timeout_s: Optional[float] = None) -> bool:
-        """Waits until it has ended, or so many seconds.
+        """Waits for the end of the run, or for a time. Other threads run meanwhile; Ctrl-C raises at once.
+
+        Args:
+            timeout_s: longest time to wait, in seconds; None: no limit.
 
         Returns:
-            Whether it has ended. While it waits, other threads run; Ctrl-C raises at once.
+            Whether the run has ended.
         """
         left_ms = None if timeout_s is None else round(1000 * timeout_s)
         done = ctypes.c_int32()
         while True:
-            # In short steps: Python looks for Ctrl-C between calls.
+            # In short steps, because Python handles Ctrl-C between calls.
             step = _POLL_MS if left_ms is None else max(0, min(_POLL_MS, left_ms))
             call("trackedcam_run_wait", self._handle.pointer, step, ctypes.byref(done))
             if left_ms is not None:
@@ -95,10 +98,10 @@ class Run:
                 return bool(done.value)
 
     def report(self) -> Report:
-        """Waits for the end and gives the report, whatever the calibration came to.
+        """Waits for the end and returns the report, also that of a failed calibration.
 
         Raises:
-            InputError: where it could not begin.
+            InputError: the run could not start.
         """
         self.wait()
         handle = Handle("trackedcam_report_free")
@@ -112,29 +115,30 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
           tracker_axes: str = "reported", tracker_unit: Optional[str] = None,
           invert_tracker_quaternions: bool = False, expected_records: Optional[int] = None,
           refine_mounting: bool = False, working_folder: Optional[Path] = None, silent: bool = False) -> Run:
-    """Starts to calibrate a shoot and returns at once.
+    """Starts to calibrate a shoot in the background and returns at once.
 
     Args:
         data: the tracker data file, or a Shoot.
         sensor_mm: width and height of the camera's sensor, millimetres.
         board: inner corners of the chart along a row and along a column.
         square_m: edge of one square, metres.
-        log_folder: for logs and reprojected photographs; each run makes a folder of its own in it.
-        chart_rotation_deg: mounting of the chart's tracker: the chart is turned by Rx · Ry · Rz, degrees. With
-            neither this nor the next the mounting is found from the shoot.
-        chart_translation_m: and shifted by this, metres.
-        mounting_axes: "fixed": both count in the library's axes of the tracker; "reported": in its own.
-        tracker_axes: whose axes the poses count in: "reported", "unreal" or "unity".
-        tracker_unit: of positions: "m", "cm" or "mm"; None: centimetres of Unreal, metres of the others.
-        invert_tracker_quaternions: the trackers' quaternions give the inverse rotation.
-        expected_records: rows that were recorded; None: as many as there are.
-        refine_mounting: calibrate again where the cross-check finds another mounting or bad photographs.
-        working_folder: where relative paths of photographs begin; None: at the data file.
-        silent: let nothing reach standard output of the whole process while the run lasts. The library
-            writes each line of its log there.
+        log_folder: folder for logs and reprojected images; each run creates a subfolder.
+        chart_rotation_deg: rotation of the mounting of the chart's tracker: the angles of Rx · Ry · Rz, degrees.
+            Without rotation and translation, the mounting is found from the shoot.
+        chart_translation_m: translation of the mounting, metres.
+        mounting_axes: axes of the mounting: "fixed" (those of the library) or "reported".
+        tracker_axes: coordinate system of the poses: "reported", "unreal" or "unity".
+        tracker_unit: unit of the positions: "m", "cm" or "mm"; None: cm for unreal, otherwise m.
+        invert_tracker_quaternions: the quaternions of the trackers are inverted.
+        expected_records: number of rows that were recorded; None: do not check.
+        refine_mounting: calibrate again if the cross-check finds another mounting or bad photographs.
+        working_folder: folder of relative paths of photographs; None: that of the data file, or the working
+            directory for a Shoot.
+        silent: discard the standard output of the whole process during the run. Otherwise the library writes each
+            line of its log there.
 
     Raises:
-        InputError: for figures that cannot be.
+        InputError: a value is invalid; the message says which.
     """
     settings = _library.Settings()
     call("trackedcam_settings_init", ctypes.byref(settings), ctypes.sizeof(settings))
@@ -148,7 +152,7 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     settings.refine_mounting = bool(refine_mounting)
     settings.silent = bool(silent)
     if expected_records is not None:
-        # To the library -1 means as many as there are.
+        # For the library, -1 means: do not check.
         settings.expected_records = int(expected_records) if expected_records >= 0 else -2
     settings.log_folder = encoded(log_folder)
     if working_folder is not None:
@@ -163,45 +167,45 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
 
 def calibrate(data: Union[Path, Shoot], *, progress: Union[Listener, bool, None] = None,
               **settings: Any) -> Report:
-    """Calibrates a shoot and waits for it.
+    """Calibrates a shoot and waits for the end.
 
     Args:
         data: the tracker data file, or a Shoot.
-        progress: called with a Progress on this thread; True shows a bar where tqdm is installed.
-        settings: those of start.
+        progress: called with a Progress on this thread; True shows a progress bar if tqdm is installed.
+        settings: the other arguments of start.
 
     Returns:
-        The report. It warns (CalibrationWarning) where the result is in doubt or certainly wrong.
+        The report. Warns with CalibrationWarning if the result is in doubt or certainly wrong.
 
     Raises:
-        CalibrationError: where there is no result to use; it carries the report and an advice.
-        InputError: where the run could not begin.
-        KeyboardInterrupt: at once; the run ends in the background.
+        CalibrationError: there is no usable result; has the report and the advice.
+        InputError: the run could not start.
+        KeyboardInterrupt: at once, for Ctrl-C; the run ends in the background.
     """
     run = start(data, **settings)
     listener = _bar() if progress is True else progress or None
-    told: Optional[Progress] = None
+    seen: Optional[Progress] = None
     while not run.wait(_POLL_MS / 1000):
         now = run.progress
-        if listener is not None and now != told and now.stage:
+        if listener is not None and now != seen and now.stage:
             listener(now)
-            told = now
-    if listener is not None and run.progress != told and run.progress.stage:
+            seen = now
+    if listener is not None and run.progress != seen and run.progress.stage:
         listener(run.progress)
     return _judged(run.report())
 
 
 def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = None,
                chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed") -> Report:
-    """Cross-checks a calibration by the log that the library wrote, whichever host called it.
+    """Cross-checks a calibration from the log that the library wrote, in any host.
 
     Args:
         log: the log file.
-        chart_rotation_deg, chart_translation_m, mounting_axes: the mounting that the host stated, as for start;
-            left out where it is not known.
+        chart_rotation_deg, chart_translation_m, mounting_axes: the mounting that the host passed to the library, as
+            for start; None if it is not known.
 
     Raises:
-        InputError: where the file holds no log of a calibration.
+        InputError: the file is not the log of a calibration.
     """
     settings = _library.Settings()
     call("trackedcam_settings_init", ctypes.byref(settings), ctypes.sizeof(settings))
@@ -215,7 +219,7 @@ def _judged(report: Report) -> Report:
     if report.level == "failed":
         raise CalibrationError(report)
     if report.level != "good":
-        warnings.warn(f"{report.words} {report.advice}".strip(), CalibrationWarning, stacklevel=3)
+        warnings.warn(f"{report.message} {report.advice}".strip(), CalibrationWarning, stacklevel=3)
     return report
 
 
@@ -223,7 +227,7 @@ def _state_mounting(settings: _library.Settings, rotation: Optional[Sequence[flo
                     translation: Optional[Sequence[float]], axes: str) -> None:
     settings.mounting_axes = _index("mounting_axes", _MOUNTING_AXES, axes)
     if (rotation is None) != (translation is None):
-        raise _library.InputError("a mounting is stated by rotation and translation, or left out")
+        raise _library.InputError("a mounting needs both rotation and translation")
     if rotation is not None and translation is not None:
         settings.mounting_is_stated = 1
         settings.chart_rotation_deg[:] = _floats(rotation, 3)
@@ -233,13 +237,13 @@ def _state_mounting(settings: _library.Settings, rotation: Optional[Sequence[flo
 def _floats(numbers: Sequence[float], count: int) -> list[float]:
     values = [float(number) for number in numbers]
     if len(values) != count:
-        raise _library.InputError(f"{len(values)} numbers where there should be {count}")
+        raise _library.InputError(f"{len(values)} numbers, expected {count}")
     return values
 
 
 def _index(name: str, known: Sequence[Optional[str]], value: Optional[str]) -> int:
     if value not in known:
-        raise _library.InputError(f"{name} is {value!r}, which is not one of {', '.join(map(repr, known))}")
+        raise _library.InputError(f"{name} is {value!r}, expected one of {', '.join(map(repr, known))}")
     return known.index(value)
 
 

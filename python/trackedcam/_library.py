@@ -1,6 +1,6 @@
-"""The C library behind the package: where it is, and how its functions are called.
+"""Finds the C library and declares its functions.
 
-The declarations follow trackedcam_c.h, whose names they keep; a test compares sizes and offsets.
+The declarations have the names of trackedcam_c.h; a test compares them with it.
 """
 
 from __future__ import annotations
@@ -12,11 +12,11 @@ import sys
 from ctypes import POINTER, c_char_p, c_double, c_int32, c_size_t, c_uint32, c_void_p
 from typing import Any
 
-OK, INVALID_ARGUMENT, BAD_INPUT, NOT_THERE, NOT_DONE, TOO_SMALL, OUT_OF_MEMORY, FAILURE = range(8)
+OK, INVALID_ARGUMENT, BAD_INPUT, NOT_FOUND, NOT_DONE, TOO_SMALL, OUT_OF_MEMORY, FAILURE = range(8)
 
 
 class InputError(ValueError):
-    """What was asked for cannot be done as it was asked; the message says what to change."""
+    """The input cannot be calibrated or exported; the message says what to change."""
 
 
 class Pose(ctypes.Structure):
@@ -57,7 +57,7 @@ class LensStruct(ctypes.Structure):
         "horizontal_fov_deg", "vertical_fov_deg", "focal_length_mm")]
 
 
-# What each function takes; each gives a status.
+# The arguments of each function; each returns a status.
 FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_shoot_create": [POINTER(c_void_p)],
     "trackedcam_shoot_open": [c_char_p, POINTER(c_void_p)],
@@ -84,12 +84,12 @@ FUNCTIONS: dict[str, list[Any]] = {
 
 
 def _candidates() -> list[str]:
-    """Where the library may be, the best first."""
+    """The places of the library, in the order of search."""
     if "TRACKEDCAM_C_LIBRARY" in os.environ:
         return [os.environ["TRACKEDCAM_C_LIBRARY"]]
     here = pathlib.Path(__file__).resolve().parent
     name = "trackedcam_c.dll" if sys.platform == "win32" else "libtrackedcam_c.so.1"
-    # In the package, as in a wheel; below the prefix that the package is installed in; where the system looks.
+    # In the package (of a wheel), below the prefix of the installation, and where the system searches.
     places = [here / name]
     for prefix in list(here.parents)[:5]:
         places += [prefix / "bin" / name, prefix / "lib" / name, *sorted(prefix.glob(f"lib/*-linux-gnu/{name}"))]
@@ -101,8 +101,8 @@ def _load() -> ctypes.CDLL:
     try:
         library = ctypes.CDLL(path)
     except OSError as error:
-        raise ImportError(f"trackedcam's library is not there: {error}. The environment variable "
-                          "TRACKEDCAM_C_LIBRARY can name it.") from error
+        raise ImportError(f"trackedcam's library cannot be loaded: {error}. Set the environment variable "
+                          "TRACKEDCAM_C_LIBRARY to its path.") from error
     for name, arguments in FUNCTIONS.items():
         function = getattr(library, name)
         function.argtypes = arguments
@@ -118,7 +118,7 @@ VERSION: str = LIBRARY.trackedcam_c_version().decode()
 
 
 class StatusError(RuntimeError):
-    """A call that did not do its work, with the status that says why."""
+    """An error of a call, with its status."""
 
     def __init__(self, status: int, message: str) -> None:
         super().__init__(message)
@@ -126,7 +126,7 @@ class StatusError(RuntimeError):
 
 
 def call(name: str, *arguments: Any) -> None:
-    """Calls a function of the library; a status other than OK raises."""
+    """Calls a function of the library; raises unless it returns OK."""
     status = getattr(LIBRARY, name)(*arguments)
     if status == OK:
         return
@@ -139,10 +139,10 @@ def call(name: str, *arguments: Any) -> None:
 
 
 def encoded(path: str | os.PathLike[str]) -> bytes:
-    """A path or text as the library takes it."""
+    """Encodes a path or text for the library."""
     text = os.fspath(path)
     if "\0" in text:
-        raise InputError(f"{text!r} holds a zero")
+        raise InputError(f"{text!r} contains a zero character")
     return text.encode("utf-8", "surrogatepass")
 
 

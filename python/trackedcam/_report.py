@@ -1,4 +1,4 @@
-"""What a calibration came to."""
+"""The report of a calibration."""
 
 from __future__ import annotations
 
@@ -22,21 +22,21 @@ LEVELS = ("good", "doubt", "wrong", "failed")
 
 
 class CalibrationError(RuntimeError):
-    """There is no result to use.
+    """There is no usable result.
 
     Attributes:
-        report: the Report, with what was found out all the same.
-        advice: what to do, one sentence.
+        report: the Report, with everything that is known.
+        advice: what to do next, one sentence.
     """
 
     def __init__(self, report: "Report") -> None:
-        super().__init__(f"{report.words} {report.advice}".strip())
+        super().__init__(f"{report.message} {report.advice}".strip())
         self.report = report
         self.advice = report.advice
 
 
 class CalibrationWarning(UserWarning):
-    """The result is there, and is in doubt or certainly wrong; the text says why."""
+    """The result is in doubt or certainly wrong; the text says why."""
 
 
 @dataclasses.dataclass(frozen=True)
@@ -46,9 +46,9 @@ class Lens:
     Attributes:
         image_size: width and height of the photographs, pixels.
         camera_matrix: 3×3, pixels.
-        distortion: k1, k2, p1, p2, k3; the last three are 0.
+        distortion: k1, k2, p1, p2, k3; the last three are always 0.
         field_of_view_deg: horizontal and vertical, degrees.
-        focal_length_mm: by the smaller pixel pitch, millimetres.
+        focal_length_mm: from the smaller pixel pitch, millimetres.
     """
 
     image_size: tuple[int, int]
@@ -60,18 +60,18 @@ class Lens:
 
 @dataclasses.dataclass(frozen=True)
 class CrossCheck:
-    """A second answer from the same photographs, with its uncertainty.
+    """A second solution from the same photographs, with its uncertainty.
 
     Attributes:
         transform_cam_tc: 4×4, translation in metres.
         transform_tr_chart: 4×4, translation in metres: the mounting of the chart's tracker.
-        covariance_cam_tc: 6×6, of a left twist of transform_cam_tc: turn (radians), then shift (metres).
+        covariance_cam_tc: 6×6, of a left twist of transform_cam_tc: rotation (radians), then translation (metres).
         covariance_tr_chart: 6×6, of a right twist of transform_tr_chart.
-        t95: standard errors times this are the half-widths of 95 % intervals.
+        t95: a standard error times this is the half-width of a 95 % interval.
         standard_error_mm, standard_error_deg: of transform_cam_tc, along and about the axes of Cam.
-        mounting: the rotation (degrees) and translation (metres) to calibrate with; None where the shoot
-            cannot tell it.
-        data: everything else, as in the result file.
+        mounting: rotation (degrees) and translation (metres) to calibrate with; None if the photographs do not
+            determine it.
+        data: all keys of crossCheck in the result file.
     """
 
     transform_cam_tc: Array
@@ -87,14 +87,14 @@ class CrossCheck:
 
 @dataclasses.dataclass(frozen=True)
 class Finding:
-    """Something to know about a shoot or its result.
+    """A fact about a shoot or its result.
 
     Attributes:
-        id: for programs: "mountingOff".
+        id: a name for programs, such as "mountingOff".
         severity: "error", "warning" or "note".
-        text: one sentence.
-        advice: what to do; empty where the text says it all.
-        photographs: those that it names.
+        text: the fact, one sentence.
+        advice: what to do; empty if there is nothing to do.
+        photographs: names of the photographs that it concerns.
     """
 
     id: str
@@ -104,10 +104,34 @@ class Finding:
     photographs: tuple[str, ...]
 
 
-class Report:
-    """All that is known of a calibration when it has ended.
+@dataclasses.dataclass(frozen=True)
+class Photograph:
+    """A row of the data file.
 
-    Figures are those of the library to the last bit. Safe to read on several threads.
+    Attributes:
+        row: its line in the data file, from 1; None in a report from a log.
+        name: as in the data file.
+        path: absolute; None if it is not known.
+        state: "used", "leftOutByFilter", "leftOutByCrossCheck", "boardNotFound", "notLoaded",
+            "leftOutBeforeTheRun", "notReached" or "notUsed".
+        reason: why it is not used or does not agree with the others; None if there is no reason.
+        library_error_pixels: the library's reprojection error; None if it has none.
+        reprojected_image: the library's image with the corners drawn in; None if there is none.
+    """
+
+    row: Optional[int]
+    name: str
+    path: Optional[pathlib.Path]
+    state: str
+    reason: Optional[str]
+    library_error_pixels: Optional[float]
+    reprojected_image: Optional[pathlib.Path]
+
+
+class Report:
+    """Everything that is known about a calibration that has ended.
+
+    Values equal those of the library to the last bit. Several threads may read a report.
     """
 
     def __init__(self, handle: _library.Handle) -> None:
@@ -116,55 +140,55 @@ class Report:
 
     @property
     def json(self) -> str:
-        """The whole report as the program writes it into its result file."""
+        """The report as JSON text, as in the program's result file."""
         text = ctypes.c_char_p()
         call("trackedcam_report_json", self._handle.pointer, ctypes.byref(text))
         return _decoded(text)
 
     @property
     def data(self) -> dict[str, Any]:
-        """The same as Python objects, without exports that were made later."""
+        """The JSON as Python objects, without exports that are made later."""
         return self._data
 
     @property
     def level(self) -> str:
-        """What it came to: "good", "doubt", "wrong" or "failed"."""
+        """The verdict: "good", "doubt", "wrong" or "failed"."""
         level = ctypes.c_int32()
         call("trackedcam_report_level", self._handle.pointer, ctypes.byref(level))
         return LEVELS[level.value]
 
     @property
     def code(self) -> Optional[int]:
-        """The library's result code: 0, 99 usable, any other a failure; None where it was cut short."""
+        """The library's result code: 0, 99 (usable), others a failure; None if an exception ended its call."""
         code: Optional[int] = self._data["code"]
         return code
 
     @property
-    def words(self) -> str:
-        """What it came to, in a sentence."""
-        return str(self._data["verdict"]["words"])
+    def message(self) -> str:
+        """The verdict, one sentence."""
+        return str(self._data["verdict"]["message"])
 
     @property
     def advice(self) -> str:
-        """What to do; empty where there is nothing to do."""
+        """What to do next; empty if there is nothing to do."""
         return str(self._data["verdict"]["advice"])
 
     def numbers(self, pointer: str, shape: Optional[tuple[int, ...]] = None) -> Optional[Array]:
-        """The numbers at a place of the JSON text, such as "/normFocal".
+        """Returns the numbers at a place of the JSON text, such as "/normFocal".
 
         Args:
             pointer: a JSON pointer.
-            shape: of the array; None for one dimension.
+            shape: of the array; None: one dimension.
 
         Returns:
-            An array of its own; None where there is no such place or none with numbers.
+            A new array; None if there is no such place or it contains anything but numbers.
         """
         count = ctypes.c_size_t()
         arguments = self._handle.pointer, encoded(pointer)
         try:
             call("trackedcam_report_numbers", *arguments, None, 0, ctypes.byref(count))
         except _library.StatusError as error:
-            if error.status == _library.NOT_THERE:
+            if error.status == _library.NOT_FOUND:
                 return None
             if error.status != _library.TOO_SMALL:
                 raise
@@ -177,17 +201,18 @@ class Report:
 
     @property
     def transform_cam_tc(self) -> Optional[Array]:
-        """4×4, translation in metres: coordinates of the camera's tracker into those of its optical frame."""
+        """4×4, translation in metres: takes coordinates in the camera's tracker into its optical frame; None if the
+        library found none."""
         return self.numbers("/transformCamTc", (4, 4))
 
     @property
     def lens(self) -> Optional[Lens]:
-        """The lens; None where the library found none."""
+        """The lens; None if the library found none."""
         lens = _library.LensStruct()
         try:
             call("trackedcam_report_lens", self._handle.pointer, ctypes.byref(lens), ctypes.sizeof(lens))
         except _library.StatusError as error:
-            if error.status == _library.NOT_THERE:
+            if error.status == _library.NOT_FOUND:
                 return None
             raise
         return Lens((int(lens.image_width_px), int(lens.image_height_px)),
@@ -197,7 +222,7 @@ class Report:
 
     @property
     def cross_check(self) -> Optional[CrossCheck]:
-        """The second answer; None where the run ended before there was a lens, or where it has none."""
+        """The cross-check; None if the run ended before the lens was known, or if it found no solution."""
         data = self._data["crossCheck"]
         if data is None or not data["solved"]:
             return None
@@ -211,69 +236,68 @@ class Report:
         return CrossCheck(array("transformCamTc", 4, 4), array("transformTrChart", 4, 4),
                           array("covarianceCamTcTwist", 6, 6), array("covarianceTrChartTwist", 6, 6),
                           float("nan") if data["t95"] is None else data["t95"],
-                          array("standardErrorCamTc/shiftMm", 3), array("standardErrorCamTc/turnDegrees", 3),
+                          array("standardErrorCamTc/translationMm", 3),
+                          array("standardErrorCamTc/rotationDegrees", 3),
                           mounting, data)
 
     @property
     def findings(self) -> list[Finding]:
-        """What there is to know about shoot and result, the worst first."""
+        """Facts about the shoot and the result, the worst first."""
         return [Finding(f["id"], f["severity"], f["text"], f["advice"], tuple(f.get("photographs", ())))
                 for f in self._data["findings"]]
 
     @property
-    def used(self) -> list[str]:
-        """The photographs that count in the result, as the data file names them."""
-        return list(self._data["used"])
-
-    @property
-    def dropped(self) -> dict[str, str]:
-        """The photographs that do not, and why."""
-        return {d["photograph"]: d["reason"] for d in self._data["dropped"]}
+    def photographs(self) -> list[Photograph]:
+        """One entry for each row of the data file, in its order. It holds through a second run: a photograph that
+        the first run left out keeps its place."""
+        return [Photograph(p["row"], p["name"], _path(p["path"]), p["state"], p["reason"], p["libraryErrorPixels"],
+                           _path(p["reprojectedImage"]))
+                for p in self._data["photographs"]]
 
     @property
     def log(self) -> Optional[pathlib.Path]:
-        """The library's log; None where it could not write one. Its folder is that of the run."""
-        return pathlib.Path(self._data["log"]) if self._data["log"] else None
+        """The library's log; None if it could not write one. Its folder is that of the run."""
+        return _path(self._data["log"])
 
     def export(self, engine: str, parent_axes: Optional[str] = None) -> dict[str, Any]:
-        """Hands the result to an engine: where the camera is at its tracker, in the engine's axes.
+        """Exports the result to an engine: the pose of the camera relative to its tracker, in the engine's axes.
 
         Args:
             engine: "unreal", "unity", "ue4", "ue5", "ue5-xn" or "aximmetry".
-            parent_axes: for unreal and unity: X, Y, Z of the camera's parent in the tracker's reported axes,
+            parent_axes: for unreal and unity: X, Y, Z of the camera's parent in the reported axes of the tracker,
                 such as "z,-x,y".
 
         Returns:
-            The figures by names that tell their units, and a code: 0, or 3 for a gimbal lock.
+            The values, with the units in their names, and a code: 0, or 3 for a gimbal lock.
 
         Raises:
-            InputError: for an engine or axes that there are not.
-            CalibrationError: where the calibration failed.
+            InputError: the engine or the axes are unknown.
+            CalibrationError: the calibration failed.
         """
         axes = None if parent_axes is None else encoded(parent_axes)
-        exported: dict[str, Any] = json.loads(self._handed("trackedcam_report_export", encoded(engine), axes))
+        exported: dict[str, Any] = json.loads(self._exported("trackedcam_report_export", encoded(engine), axes))
         return exported
 
     def lens_file(self, name: str, parent_axes: Optional[str] = None) -> str:
-        """The content of a .ulens file for Unreal's editor. Raises as export does."""
+        """Returns the content of a .ulens file for the Unreal editor. Raises the same errors as export."""
         axes = None if parent_axes is None else encoded(parent_axes)
-        return self._handed("trackedcam_report_lens_file", axes, encoded(name))
+        return self._exported("trackedcam_report_lens_file", axes, encoded(name))
 
-    def _handed(self, function: str, *arguments: Any) -> str:
+    def _exported(self, function: str, *arguments: Any) -> str:
         text = ctypes.c_char_p()
         try:
             call(function, self._handle.pointer, *arguments, ctypes.byref(text))
         except _library.StatusError as error:
-            if error.status == _library.NOT_THERE and self.level == "failed":
+            if error.status == _library.NOT_FOUND and self.level == "failed":
                 raise CalibrationError(self) from error
             raise
         return _decoded(text)
 
     def page(self, folder: Optional[Path] = None) -> str:
-        """The report page, HTML that a browser shows without anything beside it.
+        """Returns the report page: HTML that a browser shows without any other file.
 
         Args:
-            folder: where it will lie, for its links to log and images; None: in the folder of the run.
+            folder: of the page, for its links to log and images; None: that of the run.
         """
         text = ctypes.c_char_p()
         place = None if folder is None else encoded(folder)
@@ -281,17 +305,18 @@ class Report:
         return _decoded(text)
 
     def save(self, json_file: Optional[Path] = None, page_file: Optional[Path] = None) -> None:
-        """Writes the result file and the report page, each where a path is given."""
+        """Writes the result file and the report page, each if its path is given."""
         call("trackedcam_report_save", self._handle.pointer, None if json_file is None else encoded(json_file),
              None if page_file is None else encoded(page_file))
 
     def __repr__(self) -> str:
         lens = self.lens
-        what = "" if lens is None else f", {lens.focal_length_mm:.2f} mm"
-        return f"<trackedcam.Report {self.level}, code {self.code}, {len(self.used)} photographs{what}>"
+        focal_length = "" if lens is None else f", {lens.focal_length_mm:.2f} mm"
+        used = sum(photograph.state == "used" for photograph in self.photographs)
+        return f"<trackedcam.Report {self.level}, code {self.code}, {used} photographs used{focal_length}>"
 
     def _repr_html_(self) -> str:
-        rows = [("Verdict", html.escape(f"{self.level}: {self.words}"))]
+        rows = [("Verdict", html.escape(f"{self.level}: {self.message}"))]
         if self.advice:
             rows.append(("Advice", html.escape(self.advice)))
         lens, transform = self.lens, self.transform_cam_tc
@@ -305,6 +330,10 @@ class Report:
             rows.append(("Transform_Cam_Tc (metres)", f"<pre>{lines}</pre>"))
         body = "".join(f"<tr><th>{name}</th><td>{value}</td></tr>" for name, value in rows)
         return f"<table>{body}</table>"
+
+
+def _path(text: Optional[str]) -> Optional[pathlib.Path]:
+    return pathlib.Path(text) if text else None
 
 
 def _decoded(text: ctypes.c_char_p) -> str:

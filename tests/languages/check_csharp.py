@@ -20,7 +20,7 @@ with tempfile.TemporaryDirectory() as name:
     run(mcs, "-warnaserror", f"-out:{example}", root / "examples/05_csharp/Calibrate.cs")
     expected, found = run(print_layout), run(mono, example, "--layout")
     if found != expected:
-        sys.exit(f"C# lays the structs out as\n{found}and the header as\n{expected}")
+        sys.exit(f"the layout of the structs in C# is\n{found}and in the header\n{expected}")
 
     shoot = simulate(program, scratch)
     by_program = calibrate_by_program(program, shoot, scratch / "log")

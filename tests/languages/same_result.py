@@ -1,4 +1,4 @@
-"""What the checks of other languages share: a shoot, the program's result, and how two results compare."""
+"""Shared by the checks of other languages: a shoot, the program's result, and a comparison of results."""
 
 import pathlib
 import re
@@ -24,19 +24,19 @@ def simulate(program, scratch):
 def calibrate_by_program(program, shoot, log):
     """The text of the program's result, with the mounting found from the shoot.
 
-    The log folder is relative to the shoot's, or absolute, and is taken away again, so that the folder of the
-    next run has the same name.
+    The log folder is absolute, or relative to that of the shoot. It is removed again, so that the folder of the next
+    run has the same name.
     """
     run(program, "calibrate", "--data", "tracker_data.csv", "--sensor", "36x20.25", "--board", "9x6", "--square",
         "0.03", "--log-folder", log, "--no-report", cwd=shoot)
-    # The one beside the log: a result of the user's own names commands to go on with.
+    # That of the run's folder, because one that the user names suggests commands.
     text = max((shoot / log).glob("run_*/result.json")).read_text(encoding="utf-8")
     shutil.rmtree(shoot / log)
     return text
 
 
 def without_time(text):
-    """When a run was, is all that differs between one run and the next."""
+    """Removes the time, which alone differs between runs."""
     text = re.sub(r"log_[-.0-9]+\.txt", "log_TIME.txt", text)
     return re.sub(r'"time": "[^"]*"', '"time": ""', text)
 
@@ -48,4 +48,4 @@ def require_same(file, expected):
         if a != b:
             sys.exit(f"line {number} of the result is\n{a}\nand the program's\n{b}")
     if found != expected:
-        sys.exit("one result goes on where the other ends")
+        sys.exit("one result is longer than the other")

@@ -1,4 +1,4 @@
-"""Builds the wheel and tests the package that is in it, with nothing else of the build.
+"""Builds the wheel and tests the package in it, without other files of the build.
 
 Usage: check_wheel.py BUILD PYTEST TESTS
 """

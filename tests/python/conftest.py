@@ -1,4 +1,4 @@
-"""Simulated shoots, made once by the program."""
+"""Simulated shoots, which the program makes once."""
 
 import json
 import os
@@ -8,12 +8,12 @@ import subprocess
 import pytest
 
 PROGRAM = os.environ["TRACKEDCAM_PROGRAM"]
-# What is true of every simulated shoot but the mounting.
+# The true settings of every simulated shoot, except the mounting.
 CHART = {"sensor_mm": (36, 20.25), "board": (9, 6), "square_m": 0.03}
 
 
 class SimulatedShoot:
-    """A shoot on disk with its truth."""
+    """A shoot on disk with its true values."""
 
     def __init__(self, folder, *options):
         subprocess.run([PROGRAM, "simulate", folder, "--image", "640x360", *options], check=True,

@@ -1,4 +1,4 @@
-"""A perfect shoot within its truth, and the same figures as the program."""
+"""A perfect shoot gives its true values, and the same values as the program."""
 
 import json
 import os
@@ -39,7 +39,7 @@ def test_the_cross_check_knows_how_well(report, perfect):
     check = report.cross_check
     truth = np.array(perfect.truth["transformCamTc"], dtype=float).reshape(4, 4)
     off_mm = 1000 * np.abs(check.transform_cam_tc[:3, 3] - truth[:3, 3])
-    # The corners of rendered photographs have errors of their own, which are not quite by chance.
+    # The corners of rendered photographs have errors too, and not only random ones.
     assert (off_mm < 1).all()
     assert check.covariance_cam_tc.shape == (6, 6)
     assert (np.linalg.eigvalsh(check.covariance_cam_tc) > 0).all()
@@ -75,16 +75,28 @@ def test_numbers_are_those_of_the_text(report):
     assert report.data == json.loads(report.json)
 
 
+def test_lists_the_photographs_in_the_order_of_the_rows(report, perfect):
+    names = [line.split(",")[1] for line in perfect.data.read_text(encoding="utf-8").splitlines()[1:]]
+    assert [photograph.name for photograph in report.photographs] == names
+    assert [photograph.row for photograph in report.photographs] == list(range(2, len(names) + 2))
+    for photograph in report.photographs:
+        assert photograph.path.is_file() and photograph.path.is_absolute()
+        assert photograph.state in ("used", "leftOutByFilter")
+        if photograph.state == "used":
+            assert photograph.reprojected_image.is_file()
+            assert 0 < photograph.library_error_pixels < 1
+
+
 def test_shows_itself(report):
-    assert re.fullmatch(r"<trackedcam.Report good, code 0, \d+ photographs, 32\.\d\d mm>", repr(report))
+    assert re.fullmatch(r"<trackedcam.Report good, code 0, \d+ photographs used, 32\.\d\d mm>", repr(report))
     shown = report._repr_html_()
-    assert "Success" in shown and "Transform_Cam_Tc" in shown and "fx" in shown
+    assert report.message in shown and "Transform_Cam_Tc" in shown and "fx" in shown
 
 
-def test_hands_the_result_to_engines(report):
+def test_exports_to_engines(report):
     assert len(report.export("unreal", parent_axes="minus-z-forward")["locationCm"]) == 3
     assert json.loads(report.lens_file("Prime 35"))
-    with pytest.raises(trackedcam.InputError, match="not one of the engines"):
+    with pytest.raises(trackedcam.InputError, match="word"):
         report.export("word")
 
 
@@ -109,19 +121,19 @@ def test_rows_from_memory(report, perfect, tmp_path):
     assert (tmp_path / "shoot_001/tracker_data.csv").is_file()
 
 
-def test_tells_its_progress_on_the_callers_thread(perfect, tmp_path):
-    told = []
+def test_reports_progress_on_the_callers_thread(perfect, tmp_path):
+    seen = []
 
     def listen(progress):
-        told.append((threading.get_ident(), progress))
+        seen.append((threading.get_ident(), progress))
 
     trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
                          progress=listen)
-    assert {thread for thread, _ in told} == {threading.get_ident()}
-    assert "Finding the board" in {progress.stage for _, progress in told}
+    assert {thread for thread, _ in seen} == {threading.get_ident()}
+    assert "Finding the board" in {progress.stage for _, progress in seen}
 
 
-def test_a_bar_where_there_is_one(perfect, tmp_path):
+def test_shows_a_progress_bar_if_there_is_one(perfect, tmp_path):
     trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True, progress=True)
 
 
@@ -142,7 +154,7 @@ def test_two_threads_at_once(report, perfect, tmp_path):
     assert set(found) == set("ab")
 
 
-def test_runs_beside_other_work(perfect, tmp_path):
+def test_runs_in_the_background(perfect, tmp_path):
     run = trackedcam.start(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
     assert not run.wait(0)
     assert not run.is_done

@@ -12,7 +12,7 @@ from trackedcam import _library
 HEADER = pathlib.Path(os.environ["TRACKEDCAM_SOURCE"]) / "include/trackedcam/trackedcam_c.h"
 
 
-def test_structs_lie_as_in_the_header():
+def test_structs_have_the_layout_of_the_header():
     lines = []
     for name, struct in [("pose", _library.Pose), ("settings", _library.Settings),
                          ("progress", _library.ProgressStruct), ("lens", _library.LensStruct)]:
@@ -28,7 +28,7 @@ def test_functions_take_what_the_header_says():
                 re.findall(r"TRACKEDCAM_C_API trackedcam_status (\w+)\(([^)]*)\)", text)}
     for name, arguments in _library.FUNCTIONS.items():
         assert declared[name] == len(arguments), name
-    # These have no use in Python: a run and the JSON text serve for them.
+    # Python uses a run and the JSON text instead of these.
     assert set(declared) - set(_library.FUNCTIONS) == {
         "trackedcam_calibrate", "trackedcam_report_verdict", "trackedcam_report_transform_cam_tc",
         "trackedcam_report_text", "trackedcam_report_count"}

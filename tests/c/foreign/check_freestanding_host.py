@@ -1,4 +1,4 @@
-"""Links a host that another compiler made with the C library's import library, and compares its result.
+"""Compiles a host with another compiler, links it with the C library's import library, and compares its result.
 
 Usage: check_freestanding_host.py SOURCE_ROOT CLANG LLD_LINK LLVM_DLLTOOL DLL IMPORT_LIBRARY EMULATOR PROGRAM
 """
@@ -30,4 +30,4 @@ with tempfile.TemporaryDirectory() as name:
     by_program = calibrate_by_program(program, shoot, "log")
     run(emulator, scratch / "host.exe", cwd=shoot)
     require_same(shoot / "host.json", by_program)
-print("a host of another compiler gets the result of the program")
+print("a host from another compiler gets the result of the program")

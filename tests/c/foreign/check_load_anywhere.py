@@ -1,4 +1,4 @@
-"""Loads the C library from a folder in which it lies alone, by its path, and calibrates.
+"""Loads the C library by its path, from a folder with no other file, and calibrates.
 
 Usage: check_load_anywhere.py LANGUAGES LIBRARY HOST PROGRAM [EMULATOR]
 """

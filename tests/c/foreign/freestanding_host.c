@@ -1,7 +1,7 @@
-/* A host for Windows by another compiler: no runtime of its own, only this library and the kernel.
+/* A host for Windows from another compiler: without a runtime, only this library and the kernel.
  *
  * In the working directory it calibrates tracker_data.csv, finds the mounting, and writes
- * host.json; the log goes to the folder log. Its exit status is that of the call that went wrong.
+ * host.json; the log goes to the folder log. Its exit status is that of the call that failed.
  */
 
 #include "trackedcam/trackedcam_c.h"
@@ -12,7 +12,7 @@ __declspec(dllimport) int __stdcall WriteFile(Handle file, const void* bytes, un
                                               unsigned long* written, void* overlapped);
 __declspec(dllimport) void __stdcall ExitProcess(unsigned status);
 
-int _fltused = 0; /* the compiler names it where there are floating-point numbers */
+int _fltused = 0; /* the compiler refers to it in code with floating-point numbers */
 
 static trackedcam_settings settings;
 static int steps;
@@ -23,7 +23,7 @@ static void count_step(const trackedcam_progress* progress, void* user) {
   }
 }
 
-static void tell_error(void) {
+static void print_error(void) {
   const char* const text = trackedcam_last_error();
   unsigned long length = 0;
   while (text[length] != 0) {
@@ -53,7 +53,7 @@ static trackedcam_status calibrate(void) {
     status = trackedcam_report_save(report, "host.json", 0);
   }
   if (status != TRACKEDCAM_OK) {
-    tell_error();
+    print_error();
   }
   trackedcam_report_free(report);
   trackedcam_shoot_free(shoot);

@@ -1,4 +1,4 @@
-// Loads the C library by its path, calibrates, and unloads it while a run goes on in the
+// Loads the C library by its path, calibrates, and unloads it while a run continues in the
 // background: load_anywhere LIBRARY TRACKER_DATA.csv LOG_FOLDER
 
 #include <chrono>
@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     return Fail(CALL(trackedcam_last_error)());
   }
   UnloadLibrary(library);
-  // Each calibration makes two folders, since no mounting is stated.
+  // Without a stated mounting, each calibration makes two runs.
   const fs::path last = fs::u8path(argv[3]) / "run_004";
   while (!fs::exists(last) || !IsSuccessful(last)) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
