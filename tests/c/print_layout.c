@@ -1,5 +1,4 @@
-/* Prints how the structs of the header lie in memory, to compare with what other languages declare.
- */
+/* Prints the layout of the structs of the header, to compare it with other languages. */
 
 #include <stdio.h>
 

@@ -184,11 +184,20 @@ TEST(Page, ShowsUnknownValuesOfTheComparisonAsDashes) {
 
 TEST(Page, NamesTheLikelyMistake) {
   Json result = WholeResult();
+  result.erase("firstRun");
   EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("wrong sign"));
   result["crossCheck"]["nominalMounting"]["likelyMistake"] = "one of a later version";
   EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("one of a later version"));
   result["crossCheck"]["nominalMounting"]["likelyMistake"] = nullptr;
   EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr("Likely mistake")));
+}
+
+TEST(Page, OfASecondRunComparesNoStatedMounting) {
+  Json result = WholeResult();
+  const std::string offset = "0.30 mm and 0.020";
+  EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr(offset)));
+  result["firstRun"] = nullptr;
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr(offset));
 }
 
 TEST(Page, GivesTheMountingFoundInTheAxesInWhichItWasStated) {
