@@ -229,7 +229,7 @@ TEST(Page, LetsOnlyItsOwnScriptsRun) {
   EXPECT_LT(page.find("Content-Security-Policy"), page.find("<style>"));
 }
 
-TEST(Page, HoldsTheResultAsItWasWritten) {
+TEST(Page, ContainsTheResultAsItWasWritten) {
   const std::string text = "{\n  \"code\": 4, \"message\": \"</script>\"}\n";
   const std::string page = Page("\xEF\xBB\xBF" + text, {}, "");
   EXPECT_THAT(page,
@@ -307,7 +307,7 @@ TEST(Page, OfAFailedRunIsRedWithoutAVerdictToo) {
   EXPECT_THAT(BodyOf(PageOf(Json::object())), HasSubstr("class=\"answer failed\""));
 }
 
-TEST(Page, KnowsNoOtherLevelThanItsOwn) {
+TEST(Page, ShowsAnUnknownLevelAsNotCrossChecked) {
   Json result = WholeResult();
   result["verdict"]["level"] = "excellent";
   EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("class=\"answer none\""));
