@@ -130,7 +130,9 @@ def test_reports_progress_on_the_callers_thread(perfect, tmp_path):
     trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
                          progress=listen)
     assert {thread for thread, _ in seen} == {threading.get_ident()}
-    assert "Finding the board" in {progress.stage for _, progress in seen}
+    # A short stage may pass between two polls.
+    assert {progress.stage for _, progress in seen} & {"Finding the board", "Solving the lens", "Writing the images"}
+    assert all(0 <= progress.photographs_done <= progress.photographs_in_all for _, progress in seen)
 
 
 def test_shows_a_progress_bar_if_there_is_one(perfect, tmp_path):
