@@ -171,7 +171,12 @@ TEST_F(CrosscheckShoot, IsRefinedWithoutThePhotographsOfASlip) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1", "--outliers", "4"});
   const ProgramRun run = Calibrate({"--refine-mounting"});
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_EQ(Result()["photographs"].size(), 36U);
+  EXPECT_EQ(Result()["photographs"].size(), 40U);
+  std::size_t leftOut = 0;
+  for (const auto& photograph : Result()["photographs"]) {
+    leftOut += photograph["state"] == "leftOutByCrossCheck" ? 1 : 0;
+  }
+  EXPECT_EQ(leftOut, 4U);
   EXPECT_EQ(Result()["firstRun"]["photographs"].size(), 40U);
   ExpectCloseToTheTruth();
 }

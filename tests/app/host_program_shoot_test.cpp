@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 class HostProgramShoot : public testing::Test {
@@ -37,6 +36,20 @@ class HostProgramShoot : public testing::Test {
 
   Json Read(const std::string& name) const {
     return Json::parse(test::ReadFile(folder.File("shoot/" + name)));
+  }
+
+  // Of each photograph that is used, and of no other one.
+  static void ExpectImages(const Json& result) {
+    std::size_t used = 0;
+    for (const Json& photograph : result["photographs"]) {
+      const Json& image = photograph["reprojectedImage"];
+      ASSERT_EQ(image.is_string(), photograph["state"] == "used") << photograph["name"];
+      if (image.is_string()) {
+        ++used;
+        EXPECT_TRUE(fs::is_regular_file(fs::u8path(image.get<std::string>()))) << image;
+      }
+    }
+    EXPECT_GT(used, 0U);
   }
 
   test::TemporaryFolder folder;
@@ -70,7 +83,7 @@ TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
   for (const int i : {3, 7, 11}) {
     EXPECT_NEAR(result["transformCamTc"][i], truth["transformCamTc"][i].get<double>(), 0.002);
   }
-  EXPECT_EQ(result["used"].size() + result["dropped"].size(), 20U);
+  EXPECT_EQ(result["photographs"].size(), 20U);
   EXPECT_LT(result["reprojectionErrorPixels"], 1);
 }
 
@@ -80,11 +93,7 @@ TEST_F(HostProgramShoot, LeavesALogAndImages) {
   const Json result = Read("result.json");
   EXPECT_THAT(test::ReadFile(result["log"]),
               HasSubstr("Camera and Tracker Calibration successful."));
-  EXPECT_EQ(result["images"].size(), result["used"].size());
-  EXPECT_THAT(result["images"], Not(IsEmpty()));
-  for (const Json& image : result["images"]) {
-    EXPECT_TRUE(fs::is_regular_file(fs::u8path(image.get<std::string>()))) << image;
-  }
+  ExpectImages(result);
 }
 
 TEST_F(HostProgramShoot, ShowsTheLinesOfTheLogWithVerbose) {
@@ -111,10 +120,7 @@ TEST_F(HostProgramShoot, TakesNamesOfAnyLanguage) {
   EXPECT_EQ(run.status, 0) << run.error;
   EXPECT_THAT(run.out, HasSubstr("résultat_結果.json"));
   const Json result = Json::parse(test::ReadFile(folder.File("résultat_結果.json")));
-  EXPECT_EQ(result["images"].size(), result["used"].size());
-  for (const Json& image : result["images"]) {
-    EXPECT_TRUE(fs::is_regular_file(fs::u8path(image.get<std::string>()))) << image;
-  }
+  ExpectImages(result);
 }
 
 TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
@@ -122,8 +128,25 @@ TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   fs::create_directory(folder.Path() / "elsewhere");
   fs::rename(folder.Path() / "shoot" / "photos", folder.Path() / "elsewhere" / "photos");
   EXPECT_EQ(Calibrate().status, 1);
-  EXPECT_EQ(Read("result.json")["dropped"].size(), 20U);
+  for (const Json& photograph : Read("result.json")["photographs"]) {
+    EXPECT_EQ(photograph["state"], "notLoaded");
+  }
   EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);
+}
+
+// The run's folder holds what the library was given.
+TEST_F(HostProgramShoot, IsCalibratedAgainFromItsRunFolder) {
+  Simulate({"--tracker-noise-mm", "0.2"});
+  EXPECT_EQ(Calibrate().status, 0);
+  const Json first = Read("result.json");
+  const fs::path run = fs::u8path(first["log"].get<std::string>()).parent_path();
+  fs::remove(folder.Path() / "shoot" / "tracker_data.csv");
+  const ProgramRun again = Run({"calibrate", "--config", (run / "calibrate.toml").u8string(),
+                                "--result", (run / "again.json").u8string()});
+  EXPECT_EQ(again.status, 0) << again.error;
+  const Json second = Json::parse(test::ReadFile((run / "again.json").u8string()));
+  EXPECT_EQ(second["transformCamTc"], first["transformCamTc"]);
+  EXPECT_EQ(second["normFocal"], first["normFocal"]);
 }
 
 TEST_F(HostProgramShoot, IsExportedToEngines) {

@@ -37,7 +37,7 @@ class FullDisk(Shoot):
             result = self.read_result()
             self.assertIn("imagesMissing", [finding["id"] for finding in result["findings"]])
             self.assertEqual(result["verdict"]["level"], "good")
-            for image in result["images"]:
+            for image in [p["reprojectedImage"] for p in result["photographs"] if p["reprojectedImage"]]:
                 with open(image, "rb") as file:
                     self.assertEqual(file.read()[-2:], b"\xff\xd9", image)
             self.assert_same_figures(result)
