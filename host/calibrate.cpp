@@ -63,16 +63,16 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) 
 
 Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, PhotographList list,
                    const std::vector<Finding>& ofInput, const ProgressListener& listener) {
-  const std::vector<std::size_t> given = ToRun(list);
-  std::vector<DataRow> givenRows;
-  for (const std::size_t index : given) {
-    givenRows.push_back(rows[index]);
-  }
   Report report;
   report.inputs = inputs;
+  report.photographs = std::move(list);
+  const std::vector<std::size_t> given = ToRun(report.photographs);
+  std::vector<DataRow> givenRows;
+  for (const std::size_t entry : given) {
+    givenRows.push_back(rows[report.photographs[entry].index]);
+  }
   report.run = RunLibrary(inputs, givenRows, inputs.mounting.value_or(Mounting{}),
                           CreateRunFolder(inputs.logFolder), listener);
-  report.photographs = std::move(list);
   EnterRun(report.run, given, report.photographs);
   Judge(report, ofInput, inputs.mounting.has_value());
   return report;
@@ -92,11 +92,13 @@ void RequireMemory() {
 // Photographs that the library must not be given are left out.
 PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
                            std::vector<Finding>& findings) {
-  PhotographList list = ListPhotographs(shoot.rows, inputs.workingFolder);
   const PhotographChecks checks = CheckPhotographs(shoot.rows, inputs);
   Append(findings, checks.findings);
-  for (const std::size_t index : checks.leaveOut) {
-    list[index].state = PhotographState::kLeftOutBeforeTheRun;
+  PhotographList list = ListPhotographs(shoot.rows, checks.unlisted);
+  for (PhotographEntry& entry : list) {
+    if (std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), entry.index)) {
+      entry.state = PhotographState::kLeftOutBeforeTheRun;
+    }
   }
   if (ToRun(list).empty() && !findings.empty()) {
     throw InputError(Text(findings.front()) + ' ' + Advice(findings.front()));

@@ -7,17 +7,6 @@
 namespace trackedcam::host {
 namespace {
 
-namespace fs = std::filesystem;
-
-// Not every name is a path on every system.
-fs::path PathOf(const std::string& name, const fs::path& workingFolder) {
-  try {
-    return (workingFolder / fs::u8path(name)).lexically_normal();
-  } catch (const std::exception&) {
-    return {};
-  }
-}
-
 PhotographState StateOf(const RunRecord& record, const Photograph& photograph) {
   if (!photograph.dropped) {
     return IsUsed(record, photograph) ? PhotographState::kUsed : PhotographState::kNotUsed;
@@ -79,14 +68,18 @@ const char* Name(PhotographState state) {
   return "";
 }
 
-PhotographList ListPhotographs(const std::vector<DataRow>& rows, const fs::path& workingFolder) {
+PhotographList ListPhotographs(const std::vector<DataRow>& rows,
+                               const std::vector<std::size_t>& unlisted) {
   PhotographList list;
-  for (const DataRow& row : rows) {
-    PhotographEntry entry;
-    entry.row = row.line;
-    entry.name = row.photograph;
-    entry.path = PathOf(row.photograph, workingFolder);
-    list.push_back(std::move(entry));
+  list.reserve(rows.size() - unlisted.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!std::binary_search(unlisted.begin(), unlisted.end(), i)) {
+      PhotographEntry entry;
+      entry.row = rows[i].line;
+      entry.index = i;
+      entry.name = rows[i].photograph;
+      list.push_back(std::move(entry));
+    }
   }
   return list;
 }

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,9 +29,9 @@ enum class PhotographState {
 const char* Name(PhotographState state);
 
 struct PhotographEntry {
-  std::size_t row = 0;         // line of the data file, from 1; 0 if only a log is known
-  std::string name;            // as the data file has it
-  std::filesystem::path path;  // absolute; empty if only a log is known
+  std::size_t row = 0;    // line of the data file, from 1; 0 if only a log is known
+  std::size_t index = 0;  // in the rows of the shoot
+  std::string name;       // as the data file has it
   PhotographState state = PhotographState::kNotReached;
   std::string reason;                  // why it is not used, or contradicts the others; or empty
   std::optional<std::size_t> inRun;    // its index in LibraryRun::images and ::record.photographs
@@ -42,8 +41,9 @@ struct PhotographEntry {
 using PhotographList = std::vector<PhotographEntry>;
 
 /// Before a run: nothing is reached.
+/// @param unlisted Indices of rows, ascending, that get no entry.
 PhotographList ListPhotographs(const std::vector<DataRow>& rows,
-                               const std::filesystem::path& workingFolder);
+                               const std::vector<std::size_t>& unlisted = {});
 
 /// Of a log alone.
 PhotographList ListPhotographs(const RunRecord& record);

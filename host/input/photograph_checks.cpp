@@ -273,15 +273,16 @@ PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs
   PhotographChecks checks;
   Sorted sorted;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].photograph.empty()) {
-      if (++sorted.without > kMostMissing) {
-        checks.leaveOut.push_back(i);
-      }
-      continue;
-    }
-    ++sorted.all;
-    if (!Sort(rows[i], inputs.workingFolder, sorted)) {
+    const std::size_t before = sorted.without;
+    const bool isNamed = !rows[i].photograph.empty();
+    sorted.all += isNamed ? 1 : 0;
+    const bool isTaken =
+        isNamed ? Sort(rows[i], inputs.workingFolder, sorted) : ++sorted.without <= kMostMissing;
+    if (!isTaken) {
       checks.leaveOut.push_back(i);
+    }
+    if (sorted.without > std::max(before, kMostMissing)) {
+      checks.unlisted.push_back(i);
     }
   }
   AddFiles(sorted, inputs, checks.findings);

@@ -21,6 +21,10 @@ struct PhotographChecks {
   /// without end, decode an image of gigabytes, end at a path that is not UTF-8, or report a
   /// hundred thousand rows without a photograph one by one.
   std::vector<std::size_t> leaveOut;
+
+  /// Of these, the rows without a photograph after the first ten thousand of them: a list would be
+  /// too long.
+  std::vector<std::size_t> unlisted;
 };
 
 /// Reads a few bytes of each photograph. Opens no pipe and no device.

@@ -162,10 +162,21 @@ Json TextOrNull(const std::string& text) {
   return text.empty() ? Json(nullptr) : Json(text);
 }
 
+// Empty for a name that is no path on this system.
+std::string PathText(const std::string& name, const Report& report) {
+  try {
+    return (report.inputs.workingFolder / std::filesystem::u8path(name))
+        .lexically_normal()
+        .u8string();
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
 Json PhotographJson(const PhotographEntry& entry, const Report& report) {
   Json json = {{"row", entry.row == 0 ? Json(nullptr) : Json(entry.row)},
                {"name", entry.name},
-               {"path", TextOrNull(entry.path.u8string())},
+               {"path", entry.row == 0 ? Json(nullptr) : TextOrNull(PathText(entry.name, report))},
                {"state", Name(entry.state)},
                {"reason", TextOrNull(entry.reason)},
                {"libraryErrorPixels", nullptr},

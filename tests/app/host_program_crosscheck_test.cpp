@@ -171,9 +171,10 @@ TEST_F(CrosscheckShoot, IsRefinedWithoutThePhotographsOfASlip) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1", "--outliers", "4"});
   const ProgramRun run = Calibrate({"--refine-mounting"});
   EXPECT_EQ(run.status, 0) << run.error;
-  EXPECT_EQ(Result()["photographs"].size(), 40U);
+  const auto photographs = Result()["photographs"];
+  EXPECT_EQ(photographs.size(), 40U);
   std::size_t leftOut = 0;
-  for (const auto& photograph : Result()["photographs"]) {
+  for (const auto& photograph : photographs) {
     leftOut += photograph["state"] == "leftOutByCrossCheck" ? 1 : 0;
   }
   EXPECT_EQ(leftOut, 4U);

@@ -26,16 +26,23 @@ std::vector<std::string> States(const PhotographList& list) {
 }
 
 TEST(PhotographListTest, HasOneEntryForEachRow) {
-  const PhotographList list = ListPhotographs(Rows(), "/shoot");
+  const PhotographList list = ListPhotographs(Rows());
   ASSERT_EQ(list.size(), 4U);
   EXPECT_EQ(list[2].row, 5U);
   EXPECT_EQ(list[2].name, "c.jpg");
-  EXPECT_EQ(list[2].path, "/shoot/c.jpg");
+  EXPECT_EQ(list[2].index, 2U);
   EXPECT_THAT(States(list), ElementsAre("notReached", "notReached", "notReached", "notReached"));
 }
 
+TEST(PhotographListTest, HasNoEntryForRowsThatAreNotListed) {
+  const PhotographList list = ListPhotographs(Rows(), {0, 2});
+  ASSERT_EQ(list.size(), 2U);
+  EXPECT_EQ(list[0].row, 3U);
+  EXPECT_EQ(list[1].index, 3U);
+}
+
 TEST(PhotographListTest, KeepsPlacesIfSomeAreNotRun) {
-  PhotographList list = ListPhotographs(Rows(), "/shoot");
+  PhotographList list = ListPhotographs(Rows());
   list[1].state = PhotographState::kLeftOutByCrossCheck;
   EXPECT_THAT(ToRun(list), ElementsAre(0, 2, 3));
   EnterRun(RunOf({{"a.jpg", std::nullopt, RawData{}},
@@ -53,7 +60,7 @@ TEST(PhotographListTest, KeepsPlacesIfSomeAreNotRun) {
 }
 
 TEST(PhotographListTest, SaysWhatARunDidNotReach) {
-  PhotographList list = ListPhotographs(Rows(), "/shoot");
+  PhotographList list = ListPhotographs(Rows());
   EnterRun(RunOf({{"a.jpg", DropReason::kNotLoaded}}), ToRun(list), list);
   EXPECT_THAT(States(list), ElementsAre("notLoaded", "notReached", "notReached", "notReached"));
 }
@@ -68,7 +75,7 @@ TEST(PhotographListTest, HasNoneUsedIfTheFilterLeavesTooFew) {
 }
 
 TEST(PhotographListTest, SaysWhatContradictsTheOthers) {
-  PhotographList list = ListPhotographs(Rows(), "/shoot");
+  PhotographList list = ListPhotographs(Rows());
   EnterRun(RunOf({{"a.jpg", std::nullopt, RawData{}}, {"b.jpg", std::nullopt, RawData{}}}),
            ToRun(list), list);
   crosscheck::CrossCheck check;

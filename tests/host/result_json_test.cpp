@@ -36,7 +36,8 @@ Report GoodReport() {
   report.run.images = {"/logs/Reproject_a.jpg", "", "", ""};
   const std::vector<DataRow> rows = {
       {2, "", "a.jpg"}, {3, "", "b.jpg"}, {4, "", "c.jpg"}, {5, "", "d.jpg"}, {6, "", "e.jpg"}};
-  report.photographs = ListPhotographs(rows, "/shoot");
+  report.photographs = ListPhotographs(rows);
+  report.inputs.workingFolder = "/shoot";
   report.photographs[4].state = PhotographState::kLeftOutBeforeTheRun;
   EnterRun(report.run, ToRun(report.photographs), report.photographs);
   return report;
