@@ -72,9 +72,13 @@ TEST(ResultJson, ListsPhotographsAndFiles) {
     states += photograph["state"].get<std::string>() + ' ';
   }
   EXPECT_EQ(states, "used notLoaded boardNotFound leftOutByFilter leftOutBeforeTheRun ");
-  EXPECT_EQ(json["photographs"][0], Json::parse(R"({"row": 2, "name": "a.jpg",
-      "path": "/shoot/a.jpg", "state": "used", "reason": null, "libraryErrorPixels": 0.25,
-      "reprojectedImage": "/logs/Reproject_a.jpg", "crossCheck": null})"));
+  Json first = json["photographs"][0];
+  EXPECT_EQ(std::filesystem::u8path(first["path"].get<std::string>()),
+            std::filesystem::path("/shoot/a.jpg"));
+  first.erase("path");
+  EXPECT_EQ(first, Json::parse(R"({"row": 2, "name": "a.jpg", "state": "used", "reason": null,
+      "libraryErrorPixels": 0.25, "reprojectedImage": "/logs/Reproject_a.jpg",
+      "crossCheck": null})"));
   EXPECT_EQ(json["photographs"][3]["row"], 5);
   EXPECT_TRUE(json["photographs"][3]["reprojectedImage"].is_null());
   EXPECT_TRUE(json["photographs"][3]["reason"].is_string());
