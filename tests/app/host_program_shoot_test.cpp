@@ -128,7 +128,8 @@ TEST_F(HostProgramShoot, HasPhotographsBelowTheWorkingFolder) {
   fs::create_directory(folder.Path() / "elsewhere");
   fs::rename(folder.Path() / "shoot" / "photos", folder.Path() / "elsewhere" / "photos");
   EXPECT_EQ(Calibrate().status, 1);
-  for (const Json& photograph : Read("result.json")["photographs"]) {
+  const Json result = Read("result.json");
+  for (const Json& photograph : result["photographs"]) {
     EXPECT_EQ(photograph["state"], "notLoaded");
   }
   EXPECT_EQ(Calibrate({"--working-folder", "elsewhere"}).status, 0);

@@ -349,7 +349,7 @@ TEST(Photographs, HaveAStateOnThePageForEachInTheResult) {
       {"notUsed", "unused"},
   };
   for (const auto& [state, onPage] : states) {
-    result["photographs"] = {Photograph(2, "a.jpg", state)};
+    result["photographs"] = Json::array({Photograph(2, "a.jpg", state)});
     EXPECT_EQ(PhotographsOf(result)[0]["state"], onPage) << state;
   }
   for (const char* state : {"used", "leftOutByFilter"}) {
