@@ -84,6 +84,11 @@ TEST_F(ResultFileTest, MustHoldARotationAndATranslation) {
 
 TEST_F(ResultFileTest, MustFitIntoMemory) {
   EXPECT_THAT(ErrorOf<InputError>(std::string(1000000, '[')), HasSubstr("nested too deep"));
+  EXPECT_THAT(ErrorOf<InputError>("\"\\\"\\\\\"" + std::string(101, '{')),
+              HasSubstr("nested too deep"));
+  EXPECT_THAT(ErrorOf<InputError>("\"\\\"" + std::string(101, '[') + '"'),
+              testing::Not(HasSubstr("nested too deep")))
+      << "a string";
   EXPECT_THAT(ErrorOf<InputError>(std::string(65 << 20, ' ')), HasSubstr("too large"));
 }
 
