@@ -141,10 +141,10 @@ const char* Report::Export(const std::string& engineName, const std::string& par
 
 const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {
   const auto engineExport = RunExport(EngineNamed("unreal"), parentAxes);
-  if (!engineExport.figures.unreal) {
+  if (!engineExport.values.unreal) {
     ThrowNotFound(host::ProblemOf(engineExport));
   }
-  const std::string text = host::LensFileText(*engineExport.figures.unreal, name);
+  const std::string text = host::LensFileText(*engineExport.values.unreal, name);
   const std::lock_guard<std::mutex> lock(mutex_);
   return Keep(text);
 }

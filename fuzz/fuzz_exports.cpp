@@ -53,8 +53,7 @@ bool IsNearGimbalLock(double degrees) {
 void CheckUE4(const List& transform) {
   List rotation, translation;
   const int code = CamAxisToUE4(transform, rotation, translation, kNowhere);
-  const host::UnrealFigures expected =
-      host::ToUnreal({{{}, {}, {}, {}, transform, {}, {}}, {}, ""});
+  const host::UnrealValues expected = host::ToUnreal({{{}, {}, {}, {}, transform, {}, {}}, {}, ""});
   fuzz::Require(code == 0 || (code == 3 && IsNearGimbalLock(expected.rotationDeg[1])),
                 "gimbal lock of UE4");
   if (code == 0) {
@@ -107,8 +106,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckUE5(transform, CamAxisToUE5_ExportxN, Rows({0, 1, 0, 0, 0, 1, 1, 0, 0}),
            Rows({0, 0, -1, -1, 0, 0, 0, 1, 0}));
   List fov, centre, rotation, translation;
-  const double figure = bytes.Figure();
-  const double focal = std::isfinite(figure) ? 0.3 + std::abs(std::remainder(figure, 4)) : 1;
+  const double value = bytes.Figure();
+  const double focal = std::isfinite(value) ? 0.3 + std::abs(std::remainder(value, 4)) : 1;
   CamAxisToAximmetry({focal, focal}, {0.5, 0.5}, transform, fov, centre, rotation, translation,
                      kNowhere);
   fuzz::Require(std::abs(fov.at(0) - 2 * std::atan(0.5 / focal) * 180 / 3.14159265358979) < 1e-6,

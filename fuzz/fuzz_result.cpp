@@ -17,12 +17,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   host::IsLensFile(file);
   try {
     const host::ExportInput input = host::ReadResult(file);
-    const host::UnrealFigures figures = host::ToUnreal(input);
-    for (const double figure : figures.locationCm) {
-      fuzz::Require(std::isfinite(figure), "a location is not finite");
+    const host::UnrealValues values = host::ToUnreal(input);
+    for (const double value : values.locationCm) {
+      fuzz::Require(std::isfinite(value), "a location is not finite");
     }
-    if (figures.lens) {
-      host::LensFileText(figures, "lens");
+    if (values.lens) {
+      host::LensFileText(values, "lens");
     }
     host::ToUnity(input);
   } catch (const std::runtime_error&) {  // refused, or of a calibration that failed

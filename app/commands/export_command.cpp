@@ -85,9 +85,9 @@ int Export(const ExportOptions& options, const fs::path& configFile) {
   }
   std::cout.flush();
   PrintProblem(std::cerr, engineExport);
-  if (!options.out.empty() && engineExport.figures.unreal) {
-    host::WriteFile(options.out, host::LensFileText(*engineExport.figures.unreal,
-                                                    options.out.stem().u8string()));
+  if (!options.out.empty() && engineExport.values.unreal) {
+    host::WriteFile(options.out,
+                    host::LensFileText(*engineExport.values.unreal, options.out.stem().u8string()));
     std::cerr << "Wrote " << options.out.u8string() << '\n';
   }
   return engineExport.code == 0 ? 0 : 1;

@@ -13,8 +13,8 @@ namespace {
 using host::Axes;
 using host::Engine;
 using host::EngineExport;
-using host::EngineFigures;
 using host::EngineLens;
+using host::EngineValues;
 
 void PrintNames(std::ostream& out, const std::string& label, const Axes& names) {
   PrintRow(out, label, {names.begin(), names.end()});
@@ -41,7 +41,7 @@ void PrintDistortion(std::ostream& out, const EngineLens& lens) {
   PrintRow(out, "distortion, tangential", {lens.p1, lens.p2}, 6);
 }
 
-void PrintUnreal(std::ostream& out, const host::UnrealFigures& values) {
+void PrintUnreal(std::ostream& out, const host::UnrealValues& values) {
   PrintParentAxes(out, values.parentAxes);
   PrintRow(out, "Location, cm", values.locationCm, 4);
   PrintRow(out, "", {"roll X", "pitch Y", "yaw Z"});
@@ -62,7 +62,7 @@ void PrintUnreal(std::ostream& out, const host::UnrealFigures& values) {
          "camera's own\n";
 }
 
-void PrintUnity(std::ostream& out, const host::UnityFigures& values) {
+void PrintUnity(std::ostream& out, const host::UnityValues& values) {
   PrintParentAxes(out, values.parentAxes);
   PrintRow(out, "localPosition, m", values.localPosition, 6);
   PrintRow(out, "localEulerAngles, deg", values.localEulerAngles, 4);
@@ -71,7 +71,7 @@ void PrintUnity(std::ostream& out, const host::UnityFigures& values) {
   if (!values.lens) {
     return;
   }
-  const EngineLens& lens = values.lens->figures;
+  const EngineLens& lens = values.lens->values;
   out << "  Physical Camera, for " << lens.imageSize[0] << 'x' << lens.imageSize[1] << '\n';
   PrintPair(out, "sensorSize, mm", lens.filmbackMm, 4);
   PrintRow(out, "focalLength, mm", {lens.focalLengthMm}, 4);
@@ -83,7 +83,7 @@ void PrintUnity(std::ostream& out, const host::UnityFigures& values) {
 
 void PrintLibraryValues(std::ostream& out, const EngineExport& engineExport) {
   const Engine& engine = *engineExport.engine;
-  const EngineFigures& values = engineExport.figures;
+  const EngineValues& values = engineExport.values;
   PrintNames(out, "axes of the tracker, reported", engine.trackerAxes);
   if (engine.translationAxes != engine.trackerAxes) {
     PrintNames(out, "axes of the translation", engine.translationAxes);
@@ -117,10 +117,10 @@ void PrintEngineExport(std::ostream& out, const EngineExport& engineExport) {
   out << engine.title << ", " << engine.handedness << '\n';
   PrintRow(out, "", {"X", "Y", "Z"});
   PrintNames(out, "axes at the camera", engine.cameraAxes);
-  if (engineExport.figures.unreal) {
-    PrintUnreal(out, *engineExport.figures.unreal);
-  } else if (engineExport.figures.unity) {
-    PrintUnity(out, *engineExport.figures.unity);
+  if (engineExport.values.unreal) {
+    PrintUnreal(out, *engineExport.values.unreal);
+  } else if (engineExport.values.unity) {
+    PrintUnity(out, *engineExport.values.unity);
   } else {
     PrintLibraryValues(out, engineExport);
   }

@@ -15,36 +15,36 @@
 namespace trackedcam::host {
 namespace {
 
-int ToUE4(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE4(input.calibration.transformCamTc, figures.rotationDeg, figures.translationCm,
+int ToUE4(const ExportInput& input, const std::string& logFolder, EngineValues& values) {
+  return CamAxisToUE4(input.calibration.transformCamTc, values.rotationDeg, values.translationCm,
                       logFolder);
 }
 
-int ToUE5(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE5(input.calibration.transformCamTc, figures.quaternionXyzw,
-                      figures.translationCm, logFolder);
+int ToUE5(const ExportInput& input, const std::string& logFolder, EngineValues& values) {
+  return CamAxisToUE5(input.calibration.transformCamTc, values.quaternionXyzw, values.translationCm,
+                      logFolder);
 }
 
-int ToUE5xN(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
-  return CamAxisToUE5_ExportxN(input.calibration.transformCamTc, figures.quaternionXyzw,
-                               figures.translationCm, logFolder);
+int ToUE5xN(const ExportInput& input, const std::string& logFolder, EngineValues& values) {
+  return CamAxisToUE5_ExportxN(input.calibration.transformCamTc, values.quaternionXyzw,
+                               values.translationCm, logFolder);
 }
 
-int ToAximmetry(const ExportInput& input, const std::string& logFolder, EngineFigures& figures) {
+int ToAximmetry(const ExportInput& input, const std::string& logFolder, EngineValues& values) {
   return CamAxisToAximmetry(input.calibration.normFocal, input.calibration.normCenter,
-                            input.calibration.transformCamTc, figures.fovX, figures.lensCentre,
-                            figures.rotationDeg, figures.translationCm, logFolder);
+                            input.calibration.transformCamTc, values.fovX, values.lensCentre,
+                            values.rotationDeg, values.translationCm, logFolder);
 }
 
 int ExportToUnreal(const ExportInput& input, const std::string& /*logFolder*/,
-                   EngineFigures& figures) {
-  figures.unreal = ToUnreal(input);
+                   EngineValues& values) {
+  values.unreal = ToUnreal(input);
   return 0;
 }
 
 int ExportToUnity(const ExportInput& input, const std::string& /*logFolder*/,
-                  EngineFigures& figures) {
-  figures.unity = ToUnity(input);
+                  EngineValues& values) {
+  values.unity = ToUnity(input);
   return 0;
 }
 
@@ -58,7 +58,7 @@ EngineExport Compute(const Engine& engine, const ExportInput& input) {
   EngineExport engineExport;
   engineExport.engine = &engine;
   try {
-    engineExport.code = engine.convert(input, "", engineExport.figures);
+    engineExport.code = engine.convert(input, "", engineExport.values);
   } catch (const std::invalid_argument& error) {
     engineExport.code = kWrongUse;
     engineExport.refusal = error.what();
@@ -66,8 +66,8 @@ EngineExport Compute(const Engine& engine, const ExportInput& input) {
   return engineExport;
 }
 
-bool LacksLens(const EngineFigures& figures) {
-  return (figures.unreal && !figures.unreal->lens) || (figures.unity && !figures.unity->lens);
+bool LacksLens(const EngineValues& values) {
+  return (values.unreal && !values.unreal->lens) || (values.unity && !values.unity->lens);
 }
 
 std::vector<std::string> SplitAxes(const std::string& axes) {
@@ -80,10 +80,10 @@ std::vector<std::string> SplitAxes(const std::string& axes) {
 }
 
 nlohmann::ordered_json PlacementJson(const EngineExport& engineExport) {
-  const EngineFigures& figures = engineExport.figures;
+  const EngineValues& values = engineExport.values;
   const bool isUnreal = engineExport.engine->name == "unreal";
-  return isUnreal ? UnrealJson(figures.unreal.value_or(UnrealFigures{}))
-                  : UnityJson(figures.unity.value_or(UnityFigures{}));
+  return isUnreal ? UnrealJson(values.unreal.value_or(UnrealValues{}))
+                  : UnityJson(values.unity.value_or(UnityValues{}));
 }
 
 }  // namespace
@@ -154,7 +154,7 @@ EngineExport ExportToEngine(const Engine& engine, const ExportInput& input,
   engineExport.engine = &engine;
   std::error_code error;
   std::filesystem::create_directories(folder, error);  // if this fails, there is no log
-  engineExport.code = engine.convert(input, folder.u8string(), engineExport.figures);
+  engineExport.code = engine.convert(input, folder.u8string(), engineExport.values);
   engineExport.log = FindLog(folder);
   engineExport.isGimbalLocked =
       TextOf(engineExport.log).find("Encountered Gimbal lock") != std::string::npos;
@@ -175,7 +175,7 @@ std::string ProblemOf(const EngineExport& engineExport) {
   if (!engineExport.refusal.empty()) {
     return title + ": " + engineExport.refusal + '.';
   }
-  if (LacksLens(engineExport.figures)) {
+  if (LacksLens(engineExport.values)) {
     return title +
            ": only the pose is exported, because the result file does not have the whole lens "
            "(imageSize, distortion and inputs.sensorMm). Calibrate again.";
@@ -188,7 +188,7 @@ std::string ProblemOf(const EngineExport& engineExport) {
 
 nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
   const Engine& engine = *engineExport.engine;
-  const EngineFigures& figures = engineExport.figures;
+  const EngineValues& values = engineExport.values;
   const std::string problem = ProblemOf(engineExport);
   nlohmann::ordered_json json = {
       {"code", engineExport.code}, {"message", problem.empty() ? "No error" : problem},
@@ -205,11 +205,11 @@ nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
   json.update(nlohmann::ordered_json{
       {"trackerAxes", engine.trackerAxes},
       {"translationAxes", engine.translationAxes},
-      {"translationCm", NumbersJson(figures.translationCm)},
-      {"rotationDeg", NumbersJson(figures.rotationDeg)},
-      {"quaternionXyzw", NumbersJson(figures.quaternionXyzw)},
-      {"fovX", NumbersJson(figures.fovX)},
-      {"lensCentre", NumbersJson(figures.lensCentre)},
+      {"translationCm", NumbersJson(values.translationCm)},
+      {"rotationDeg", NumbersJson(values.rotationDeg)},
+      {"quaternionXyzw", NumbersJson(values.quaternionXyzw)},
+      {"fovX", NumbersJson(values.fovX)},
+      {"lensCentre", NumbersJson(values.lensCentre)},
       {"log", engineExport.log.u8string()},
   });
   return json;

@@ -19,14 +19,14 @@ namespace trackedcam::host {
 
 /// The values for an engine: the outputs of the library, named as in its header, or what is
 /// computed here for Unreal or Unity. Empty if the engine has no such value.
-struct EngineFigures {
+struct EngineValues {
   std::vector<double> translationCm;
   std::vector<double> rotationDeg;
   std::vector<double> quaternionXyzw;
   std::vector<double> fovX;
   std::vector<double> lensCentre;
-  std::optional<UnrealFigures> unreal;
-  std::optional<UnityFigures> unity;
+  std::optional<UnrealValues> unreal;
+  std::optional<UnityValues> unity;
 };
 
 using Axes = std::array<const char*, 3>;
@@ -40,7 +40,7 @@ struct Engine {
   Axes translationAxes;  // directions of the translation's x, y and z in the reported axes
   Axes rotationNames;    // of the three angles; unused for a quaternion
   /// @return The library's code, or 0 if the values are computed here, without a log.
-  int (*convert)(const ExportInput&, const std::string& logFolder, EngineFigures&);
+  int (*convert)(const ExportInput&, const std::string& logFolder, EngineValues&);
   /// Whether the values are computed here, for a parent whose axes the user can choose. trackerAxes
   /// are then the default.
   bool takesParentAxes;
@@ -53,7 +53,7 @@ struct EngineExport {
   const Engine* engine = nullptr;
   int code = 0;
   bool isGimbalLocked = false;
-  EngineFigures figures;
+  EngineValues values;
   std::string refusal;        // why there are no values, if no log gives the reason
   std::filesystem::path log;  // empty if the library was not called or could not write one
 };

@@ -34,50 +34,50 @@ std::optional<UnityLens> UnityLensOf(const ExportInput& input) {
 }
 
 Json LensJson(const UnityLens& lens) {
-  const EngineLens& figures = lens.figures;
+  const EngineLens& values = lens.values;
   return {
       {"usePhysicalProperties", true},
-      {"sensorSize", figures.filmbackMm},
-      {"focalLength", figures.focalLengthMm},
+      {"sensorSize", values.filmbackMm},
+      {"focalLength", values.focalLengthMm},
       {"lensShift", lens.lensShift},
       {"gateFit", "None"},
-      {"imageSize", figures.imageSize},
+      {"imageSize", values.imageSize},
       {"distortion",
        {{"model", "Brown-Conrady"},
-        {"k1", figures.k1},
-        {"k2", figures.k2},
-        {"k3", figures.k3},
-        {"p1", figures.p1},
-        {"p2", figures.p2},
-        {"fxFy", figures.fxFy},
-        {"imageCenter", figures.imageCenter}}},
+        {"k1", values.k1},
+        {"k2", values.k2},
+        {"k3", values.k3},
+        {"p1", values.p1},
+        {"p2", values.p2},
+        {"fxFy", values.fxFy},
+        {"imageCenter", values.imageCenter}}},
   };
 }
 
 }  // namespace
 
-UnityFigures ToUnity(const ExportInput& input) {
+UnityValues ToUnity(const ExportInput& input) {
   const ParentAxes axes = ParseParentAxes(
       input.parentAxes.empty() ? kUnityParentAxes : input.parentAxes, kUnityParentAxes);
   const CameraPlacement placement =
       InEngineAxes(PlacementInReportedAxes(input.calibration.transformCamTc), axes.fromReported,
                    RightUpForward());
-  UnityFigures figures;
-  figures.localPosition = {placement.position.x(), placement.position.y(), placement.position.z()};
-  figures.localRotationXyzw = QuaternionXyzw(placement.rotation);
-  figures.localEulerAngles = EulerAngles(placement.rotation);
-  figures.lens = UnityLensOf(input);
-  figures.parentAxes = axes.text;
-  return figures;
+  UnityValues values;
+  values.localPosition = {placement.position.x(), placement.position.y(), placement.position.z()};
+  values.localRotationXyzw = QuaternionXyzw(placement.rotation);
+  values.localEulerAngles = EulerAngles(placement.rotation);
+  values.lens = UnityLensOf(input);
+  values.parentAxes = axes.text;
+  return values;
 }
 
-Json UnityJson(const UnityFigures& figures) {
+Json UnityJson(const UnityValues& values) {
   return {
-      {"parentAxes", figures.parentAxes},
-      {"localPosition", NumbersJson(figures.localPosition)},
-      {"localRotationXyzw", NumbersJson(figures.localRotationXyzw)},
-      {"localEulerAngles", NumbersJson(figures.localEulerAngles)},
-      {"lens", figures.lens ? LensJson(*figures.lens) : Json(nullptr)},
+      {"parentAxes", values.parentAxes},
+      {"localPosition", NumbersJson(values.localPosition)},
+      {"localRotationXyzw", NumbersJson(values.localRotationXyzw)},
+      {"localEulerAngles", NumbersJson(values.localEulerAngles)},
+      {"lens", values.lens ? LensJson(*values.lens) : Json(nullptr)},
   };
 }
 

@@ -18,12 +18,12 @@ constexpr const char* kUnityParentAxes = "-x,y,z";
 
 /// The lens as Unity's physical camera. Unity has no effect with this model of distortion.
 struct UnityLens {
-  EngineLens figures;
+  EngineLens values;
   /// In parts of the sensor. A lens that is shifted right and up moves the image left and down.
   std::array<double, 2> lensShift = {};
 };
 
-struct UnityFigures {
+struct UnityValues {
   std::vector<double> localPosition;      // metres
   std::vector<double> localRotationXyzw;  // for a Quaternion
   std::vector<double> localEulerAngles;   // degrees; Unity rotates about z, then x, then y
@@ -35,9 +35,9 @@ struct UnityFigures {
 /// about y and z cannot be separated.
 /// @throws InputError if the parent axes are invalid.
 /// @throws std::invalid_argument if the calibration has no rigid transform.
-UnityFigures ToUnity(const ExportInput& input);
+UnityValues ToUnity(const ExportInput& input);
 
 /// The keys are the names of the fields of Transform and Camera.
-nlohmann::ordered_json UnityJson(const UnityFigures& figures);
+nlohmann::ordered_json UnityJson(const UnityValues& values);
 
 }  // namespace trackedcam::host

@@ -42,10 +42,10 @@ Json LensJson(const EngineLens& lens) {
 
 // A table of one row, at focus 0 and zoom 0, holds for every focus and zoom. Plain decimals,
 // because not every version of the editor reads exponents.
-Json TableJson(const char* name, const std::string& columns, const std::vector<double>& figures) {
+Json TableJson(const char* name, const std::string& columns, const std::vector<double>& values) {
   std::string row = "0, 0";
-  for (const double figure : figures) {
-    row += ", " + Fixed(figure, 9);
+  for (const double value : values) {
+    row += ", " + Fixed(value, 9);
   }
   return {
       {"parameterName", name}, {"header", "FocusEncoder, ZoomEncoder, " + columns}, {"data", row}};
@@ -53,15 +53,15 @@ Json TableJson(const char* name, const std::string& columns, const std::vector<d
 
 // In the file the nodal offset is in the axes x right, y down, z forward on both sides; the editor
 // converts it to its own axes on import.
-std::vector<double> NodalOffset(const UnrealFigures& figures) {
-  const std::vector<double>& q = figures.quaternionXyzw;
-  const std::vector<double>& t = figures.locationCm;
+std::vector<double> NodalOffset(const UnrealValues& values) {
+  const std::vector<double>& q = values.quaternionXyzw;
+  const std::vector<double>& t = values.locationCm;
   return {-q[1], q[2], -q[0], q[3], t[1], -t[2], t[0]};
 }
 
 }  // namespace
 
-UnrealFigures ToUnreal(const ExportInput& input) {
+UnrealValues ToUnreal(const ExportInput& input) {
   constexpr double kCentimetresPerMetre = 100;
   const ParentAxes axes = ParseParentAxes(
       input.parentAxes.empty() ? kUnrealParentAxes : input.parentAxes, kUnrealParentAxes);
@@ -69,31 +69,31 @@ UnrealFigures ToUnreal(const ExportInput& input) {
       InEngineAxes(PlacementInReportedAxes(input.calibration.transformCamTc), axes.fromReported,
                    ForwardRightUp());
   const Eigen::Vector3d location = placement.position * kCentimetresPerMetre;
-  UnrealFigures figures;
-  figures.locationCm = {location.x(), location.y(), location.z()};
-  figures.rotationDeg = RollPitchYaw(placement.rotation);
-  figures.quaternionXyzw = QuaternionXyzw(placement.rotation);
-  figures.lens = LensOf(input);
-  figures.parentAxes = axes.text;
-  return figures;
+  UnrealValues values;
+  values.locationCm = {location.x(), location.y(), location.z()};
+  values.rotationDeg = RollPitchYaw(placement.rotation);
+  values.quaternionXyzw = QuaternionXyzw(placement.rotation);
+  values.lens = LensOf(input);
+  values.parentAxes = axes.text;
+  return values;
 }
 
-Json UnrealJson(const UnrealFigures& figures) {
+Json UnrealJson(const UnrealValues& values) {
   return {
-      {"parentAxes", figures.parentAxes},
-      {"locationCm", NumbersJson(figures.locationCm)},
-      {"rotationDeg", NumbersJson(figures.rotationDeg)},
-      {"quaternionXyzw", NumbersJson(figures.quaternionXyzw)},
-      {"lens", figures.lens ? LensJson(*figures.lens) : Json(nullptr)},
+      {"parentAxes", values.parentAxes},
+      {"locationCm", NumbersJson(values.locationCm)},
+      {"rotationDeg", NumbersJson(values.rotationDeg)},
+      {"quaternionXyzw", NumbersJson(values.quaternionXyzw)},
+      {"lens", values.lens ? LensJson(*values.lens) : Json(nullptr)},
   };
 }
 
-std::string LensFileText(const UnrealFigures& figures, const std::string& name) {
-  if (!figures.lens) {
+std::string LensFileText(const UnrealValues& values, const std::string& name) {
+  if (!values.lens) {
     throw std::runtime_error(
         "the lens is unknown, so no Lens File can be written: calibrate again");
   }
-  const EngineLens& lens = *figures.lens;
+  const EngineLens& lens = *values.lens;
   const Json empty = Json::array();
   const auto encoder = [](const char* table, const char* columns) {
     return Json{{"parameterName", table}, {"header", columns}, {"data", ""}};
@@ -115,7 +115,7 @@ std::string LensFileText(const UnrealFigures& figures, const std::string& name) 
        Json::array(
            {TableJson("FocalLengthTable", "Fx, Fy", {lens.fxFy[0], lens.fxFy[1]}),
             TableJson("ImageCenterTable", "Cx, Cy", {lens.imageCenter[0], lens.imageCenter[1]}),
-            TableJson("NodalOffsetTable", "Qx, Qy, Qz, Qw, Tx, Ty, Tz", NodalOffset(figures)),
+            TableJson("NodalOffsetTable", "Qx, Qy, Qz, Qw, Tx, Ty, Tz", NodalOffset(values)),
             TableJson("DistortionTable", "K1, K2, K3, P1, P2",
                       {lens.k1, lens.k2, lens.k3, lens.p1, lens.p2})})},
       {"encoderTables", Json::array({encoder("Focus", "FocusEncoder, FocusCM"),

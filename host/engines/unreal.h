@@ -16,7 +16,7 @@ namespace trackedcam::host {
 /// The default of the component's axes, in the tracker's reported axes.
 constexpr const char* kUnrealParentAxes = "z,-x,y";
 
-struct UnrealFigures {
+struct UnrealValues {
   std::vector<double> locationCm;
   std::vector<double> rotationDeg;     // roll, pitch, yaw, for an FRotator
   std::vector<double> quaternionXyzw;  // for an FQuat
@@ -28,15 +28,15 @@ struct UnrealFigures {
 /// separated.
 /// @throws InputError if the parent axes are invalid.
 /// @throws std::invalid_argument if the calibration has no rigid transform.
-UnrealFigures ToUnreal(const ExportInput& input);
+UnrealValues ToUnreal(const ExportInput& input);
 
 /// The pose as "locationCm", "rotationDeg" and "quaternionXyzw", and the lens.
-nlohmann::ordered_json UnrealJson(const UnrealFigures& figures);
+nlohmann::ordered_json UnrealJson(const UnrealValues& values);
 
 /// The content of a .ulens file, which the editor imports as a Lens File asset: the lens, and the
 /// pose as nodal offset, for one zoom and focus.
 /// @param name The lens's name.
 /// @throws std::runtime_error if the lens is unknown.
-std::string LensFileText(const UnrealFigures& figures, const std::string& name);
+std::string LensFileText(const UnrealValues& values, const std::string& name);
 
 }  // namespace trackedcam::host

@@ -15,7 +15,7 @@ using host::EngineNamed;
 EngineExport ExportTo(std::string_view engine) {
   EngineExport engineExport;
   engineExport.engine = &EngineNamed(engine);
-  engineExport.figures.translationCm = {-10, 20.00004, 30.5};
+  engineExport.values.translationCm = {-10, 20.00004, 30.5};
   return engineExport;
 }
 
@@ -33,7 +33,7 @@ std::string ProblemPrintedFor(const EngineExport& engineExport) {
 
 TEST(EngineSummary, NamesAxesAndAngles) {
   EngineExport ue4 = ExportTo("ue4");
-  ue4.figures.rotationDeg = {-1, 2.5, 179.99996};
+  ue4.values.rotationDeg = {-1, 2.5, 179.99996};
   EXPECT_EQ(SummaryOf(ue4),
             "Unreal Engine 4, left-handed\n"
             "                                            X            Y            Z\n"
@@ -46,7 +46,7 @@ TEST(EngineSummary, NamesAxesAndAngles) {
 
 TEST(EngineSummary, NamesTheQuaternionsOrder) {
   EngineExport ue5 = ExportTo("ue5-xn");
-  ue5.figures.quaternionXyzw = {0, 0, 0.70710678, -0.70710678};
+  ue5.values.quaternionXyzw = {0, 0, 0.70710678, -0.70710678};
   EXPECT_EQ(
       SummaryOf(ue5),
       "Unreal Engine 5 (xN), right-handed\n"
@@ -60,9 +60,9 @@ TEST(EngineSummary, NamesTheQuaternionsOrder) {
 
 TEST(EngineSummary, ShowsTheLensAndATranslationAlongOtherAxes) {
   EngineExport aximmetry = ExportTo("aximmetry");
-  aximmetry.figures.rotationDeg = {1, 2, 3};
-  aximmetry.figures.fovX = {90.00001};
-  aximmetry.figures.lensCentre = {0.01, -0.0025};
+  aximmetry.values.rotationDeg = {1, 2, 3};
+  aximmetry.values.fovX = {90.00001};
+  aximmetry.values.lensCentre = {0.01, -0.0025};
   EXPECT_EQ(SummaryOf(aximmetry),
             "Aximmetry, left-handed\n"
             "                                            X            Y            Z\n"
@@ -79,8 +79,8 @@ TEST(EngineSummary, ShowsTheLensAndATranslationAlongOtherAxes) {
 
 TEST(EngineSummary, NamesTheFieldsOfUnreal) {
   EngineExport unreal = ExportTo("unreal");
-  host::UnrealFigures& figures = unreal.figures.unreal.emplace();
-  figures = {{1, 2, 3}, {10, -20, 30}, {0, 0, 0.6, 0.8}, {}, "-z,x,y"};
+  host::UnrealValues& values = unreal.values.unreal.emplace();
+  values = {{1, 2, 3}, {10, -20, 30}, {0, 0, 0.6, 0.8}, {}, "-z,x,y"};
   const std::string place =
       "Unreal Engine, below a component, left-handed\n"
       "                                            X            Y            Z\n"
@@ -96,8 +96,8 @@ TEST(EngineSummary, NamesTheFieldsOfUnreal) {
       ProblemPrintedFor(unreal).find("trackedcam: warning: Unreal Engine, below a component: "),
       0U);
 
-  figures.lens = host::EngineLens{{1920, 1080}, {36, 20.25}, 32.4, {0.9, 1.6}, {0.51, 0.49},
-                                  -0.1,         0.02,        0,    0,          0};
+  values.lens = host::EngineLens{{1920, 1080}, {36, 20.25}, 32.4, {0.9, 1.6}, {0.51, 0.49},
+                                 -0.1,         0.02,        0,    0,          0};
   EXPECT_EQ(SummaryOf(unreal),
             place +
                 "  Lens File, Spherical, for 1920x1080\n"
@@ -116,9 +116,9 @@ TEST(EngineSummary, NamesTheFieldsOfUnreal) {
 
 TEST(EngineSummary, NamesTheFieldsOfUnity) {
   EngineExport unity = ExportTo("unity");
-  unity.figures.unity = host::UnityFigures{
+  unity.values.unity = host::UnityValues{
       {0.1, 0.2, 0.3}, {0, 0, 0.6, 0.8}, {10, -20, 30}, host::UnityLens{}, "-x,y,z"};
-  unity.figures.unity->lens->lensShift = {-0.01, 0.02};
+  unity.values.unity->lens->lensShift = {-0.01, 0.02};
   EXPECT_NE(
       SummaryOf(unity).find(
           "  axes of the parent, reported             -x            y            z\n"

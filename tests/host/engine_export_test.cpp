@@ -36,9 +36,9 @@ TEST_F(EngineExportTest, HasValuesAndLog) {
   EXPECT_EQ(ue5.engine, &EngineNamed("ue5"));
   EXPECT_EQ(ue5.code, 0);
   EXPECT_FALSE(ue5.isGimbalLocked);
-  EXPECT_THAT(ue5.figures.translationCm, ElementsAre(-10, -30, 20));
-  EXPECT_EQ(ue5.figures.quaternionXyzw.size(), 4U);
-  EXPECT_THAT(ue5.figures.rotationDeg, IsEmpty());
+  EXPECT_THAT(ue5.values.translationCm, ElementsAre(-10, -30, 20));
+  EXPECT_EQ(ue5.values.quaternionXyzw.size(), 4U);
+  EXPECT_THAT(ue5.values.rotationDeg, IsEmpty());
   EXPECT_THAT(test::ReadText(ue5.log.u8string()), EndsWith("CamAxisToUE5 successful.\n"));
   EXPECT_EQ(ProblemOf(ue5), "");
 }
@@ -47,7 +47,7 @@ TEST_F(EngineExportTest, ToUE4FailsInGimbalLock) {
   const EngineExport ue4 = Export("ue4");
   EXPECT_EQ(ue4.code, 3);
   EXPECT_TRUE(ue4.isGimbalLocked);
-  EXPECT_THAT(ue4.figures.rotationDeg, IsEmpty());
+  EXPECT_THAT(ue4.values.rotationDeg, IsEmpty());
   EXPECT_THAT(ProblemOf(ue4), AllOf(HasSubstr("Unreal Engine 4: gimbal lock. "),
                                     HasSubstr("roll and yaw"), HasSubstr("unreal, ue5 or ue5-xn")));
 }
@@ -56,7 +56,7 @@ TEST_F(EngineExportTest, ToAximmetryWarnsOfGimbalLock) {
   const EngineExport aximmetry = Export("aximmetry");
   EXPECT_EQ(aximmetry.code, 0);
   EXPECT_TRUE(aximmetry.isGimbalLocked);
-  EXPECT_THAT(aximmetry.figures.rotationDeg, ElementsAre(90, 0, 0));
+  EXPECT_THAT(aximmetry.values.rotationDeg, ElementsAre(90, 0, 0));
   EXPECT_THAT(ProblemOf(aximmetry), AllOf(HasSubstr("Aximmetry: gimbal lock. "),
                                           HasSubstr("The angle about y is set to 0")));
 }
@@ -72,8 +72,8 @@ TEST_F(EngineExportTest, OfTooFewValuesPointsToTheLog) {
 TEST(EngineJson, HasEveryValueAtFullPrecision) {
   EngineExport ue5;
   ue5.engine = &EngineNamed("ue5");
-  ue5.figures.translationCm = {-10, 1.0 / 3.0, 30};
-  ue5.figures.quaternionXyzw = {0, 0, 0.6, 0.8};
+  ue5.values.translationCm = {-10, 1.0 / 3.0, 30};
+  ue5.values.quaternionXyzw = {0, 0, 0.6, 0.8};
   ue5.log = "/logs/log.txt";
   EXPECT_EQ(Json(EngineJson(ue5)), Json::parse(R"({
     "code": 0, "message": "No error",

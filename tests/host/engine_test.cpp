@@ -54,22 +54,22 @@ Matrix3d Turn(double degrees, const Vector3d& axis) {
   return Eigen::AngleAxisd(degrees * EIGEN_PI / 180, axis).toRotationMatrix();
 }
 
-Matrix3d RotationOf(std::string_view engine, const EngineFigures& figures) {
-  if (!figures.quaternionXyzw.empty()) {
-    const std::vector<double>& q = figures.quaternionXyzw;
+Matrix3d RotationOf(std::string_view engine, const EngineValues& values) {
+  if (!values.quaternionXyzw.empty()) {
+    const std::vector<double>& q = values.quaternionXyzw;
     return Eigen::Quaterniond(q[3], q[0], q[1], q[2]).toRotationMatrix();
   }
   const Vector3d x = Vector3d::UnitX();
   const Vector3d y = Vector3d::UnitY();
   const Vector3d z = Vector3d::UnitZ();
-  const std::vector<double>& a = figures.rotationDeg;
+  const std::vector<double>& a = values.rotationDeg;
   return engine == "ue4" ? Matrix3d(Turn(a[2], z) * Turn(-a[1], y) * Turn(-a[0], x))
                          : Matrix3d(Turn(a[1], y) * Turn(a[0], x) * Turn(a[2], z));
 }
 
 class EngineTest : public testing::TestWithParam<Engine> {
  protected:
-  EngineFigures Figures(const Transform& Transform_Cam_Tc) const {
+  EngineValues Values(const Transform& Transform_Cam_Tc) const {
     CalibrationOutputs outputs;
     outputs.normFocal = {0.9, 1.6};
     outputs.normCenter = {0.5, 0.5};
@@ -78,9 +78,9 @@ class EngineTest : public testing::TestWithParam<Engine> {
         outputs.transformCamTc.push_back(Transform_Cam_Tc(row, col));
       }
     }
-    EngineFigures figures;
-    EXPECT_EQ(GetParam().convert({outputs, {}, {}}, folder.Path().u8string(), figures), 0);
-    return figures;
+    EngineValues values;
+    EXPECT_EQ(GetParam().convert({outputs, {}, {}}, folder.Path().u8string(), values), 0);
+    return values;
   }
 
   test::TemporaryFolder folder;
@@ -95,12 +95,12 @@ TEST_P(EngineTest, CountsAlongTheAxesThatItNames) {
   for (int round = 0; round < 20; ++round) {
     const Transform Transform_Cam_Tc = test::RandomTransform(random);
     const Placement placement = PlacementOf(Transform_Cam_Tc);
-    const EngineFigures figures = Figures(Transform_Cam_Tc);
-    const Matrix3d rotation = RotationOf(engine.name, figures);
+    const EngineValues values = Values(Transform_Cam_Tc);
+    const Matrix3d rotation = RotationOf(engine.name, values);
     EXPECT_TRUE(rotation.isApprox(tracker.transpose() * placement.rotation * camera, 1e-4))
         << round;
     const Vector3d centimetres = translation.transpose() * placement.translation * 100;
-    EXPECT_TRUE(Vector3d(figures.translationCm.data()).isApprox(centimetres, 1e-4)) << round;
+    EXPECT_TRUE(Vector3d(values.translationCm.data()).isApprox(centimetres, 1e-4)) << round;
   }
 }
 
@@ -111,17 +111,17 @@ TEST_P(EngineTest, HasTheHandednessThatItNames) {
   EXPECT_EQ(Columns(engine.trackerAxes, kAtTheTracker).determinant(), hand);
 }
 
-// What an engine makes of the figures, as a pose below the one that the tracker moves.
+// What an engine makes of the values, as a pose below the one that the tracker moves.
 struct Below {
   const char* parent;    // its axes in the tracker's reported ones
   const char* atCamera;  // in the camera's x right, y down, z forward
   arithmetic::Pose relative;
 };
 
-Below InEngine(std::string_view engine, const EngineFigures& figures) {
-  const std::vector<double>& t = figures.translationCm;
-  const std::vector<double>& a = figures.rotationDeg;
-  const std::vector<double>& q = figures.quaternionXyzw;
+Below InEngine(std::string_view engine, const EngineValues& values) {
+  const std::vector<double>& t = values.translationCm;
+  const std::vector<double>& a = values.rotationDeg;
+  const std::vector<double>& q = values.quaternionXyzw;
   if (engine == "ue4") {
     return {"z,-x,y", "z,x,-y", {arithmetic::FRotator(a[0], a[1], a[2]), {t[0], t[1], t[2]}}};
   }
@@ -150,7 +150,7 @@ TEST_P(EngineTest, PutsTheCameraWhereItIs) {
   double worstTurn = 0;
   for (int round = 0; round < 40; ++round) {
     const Instant instant(random);
-    const Below below = InEngine(engine.name, Figures(instant.Transform_Cam_Tc));
+    const Below below = InEngine(engine.name, Values(instant.Transform_Cam_Tc));
     for (const char* world : {"z,-x,y", "-z,x,y", "-x,y,z"}) {
       // Of the hand of the parent.
       const std::string axes = AxesOf(below.parent).determinant() < 0 ? world : "x,y,z";

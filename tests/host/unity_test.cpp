@@ -39,15 +39,15 @@ TEST_P(UnityTest, PutsTheCameraWhereItIs) {
   std::mt19937 random(seed);
   for (int round = 0; round < 40; ++round) {
     const Instant instant(random);
-    const UnityFigures figures = ToUnity(InputOf(instant, GetParam().typed));
-    EXPECT_EQ(figures.parentAxes, GetParam().axes);
-    const Vector3d position = arithmetic::VectorOf(figures.localPosition);
-    const std::vector<double>& a = figures.localEulerAngles;
+    const UnityValues values = ToUnity(InputOf(instant, GetParam().typed));
+    EXPECT_EQ(values.parentAxes, GetParam().axes);
+    const Vector3d position = arithmetic::VectorOf(values.localPosition);
+    const std::vector<double>& a = values.localEulerAngles;
     for (const char* world : {"-x,y,z", "x,y,-z", "z,-x,y"}) {
       const Pose transform = instant.Component(world, GetParam().axes, 1);
       const Pose camera = instant.Camera(world, kRightUpForward, 1);
       ExpectSame(Below(transform, {arithmetic::UnityEuler(a[0], a[1], a[2]), position}), camera);
-      ExpectSame(Below(transform, {arithmetic::Quaternion(figures.localRotationXyzw), position}),
+      ExpectSame(Below(transform, {arithmetic::Quaternion(values.localRotationXyzw), position}),
                  camera);
     }
   }
@@ -85,13 +85,13 @@ TEST(Unity, LooksStraightUpAndDown) {
 TEST(Unity, ShowsAPointWhereThePhotographDoes) {
   std::mt19937 random(1);
   const UnityLens lens = ToUnity(InputOf(Instant(random))).lens.value();
-  const double f = lens.figures.focalLengthMm;
+  const double f = lens.values.focalLengthMm;
   for (const auto& [x, y] : {std::pair(0.2, -0.1), {-0.4, 0.3}, {0.0, 0.0}}) {
     const double u = 0.9 * 1920 * x + 0.51 * 1920;
     const double v = 1.6 * 1080 * y + 0.48 * 1080;
-    EXPECT_NEAR(0.5 + f * x / lens.figures.filmbackMm[0] - lens.lensShift[0], (u + 0.5) / 1920,
+    EXPECT_NEAR(0.5 + f * x / lens.values.filmbackMm[0] - lens.lensShift[0], (u + 0.5) / 1920,
                 1e-12);
-    EXPECT_NEAR(0.5 + f * -y / lens.figures.filmbackMm[1] - lens.lensShift[1], 1 - (v + 0.5) / 1080,
+    EXPECT_NEAR(0.5 + f * -y / lens.values.filmbackMm[1] - lens.lensShift[1], 1 - (v + 0.5) / 1080,
                 1e-12);
   }
 }

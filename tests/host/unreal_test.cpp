@@ -44,15 +44,15 @@ TEST_P(UnrealTest, PutsTheCameraWhereItIs) {
   std::mt19937 random(seed);
   for (int round = 0; round < 40; ++round) {
     const Instant instant(random);
-    const UnrealFigures figures = ToUnreal(InputOf(instant, GetParam().typed));
-    EXPECT_EQ(figures.parentAxes, GetParam().axes);
-    const Vector3d location = arithmetic::VectorOf(figures.locationCm);
-    const std::vector<double>& r = figures.rotationDeg;
+    const UnrealValues values = ToUnreal(InputOf(instant, GetParam().typed));
+    EXPECT_EQ(values.parentAxes, GetParam().axes);
+    const Vector3d location = arithmetic::VectorOf(values.locationCm);
+    const std::vector<double>& r = values.rotationDeg;
     for (const char* world : {"z,-x,y", "-z,x,y", "x,-y,z"}) {
       const Pose component = instant.Component(world, GetParam().axes, 100);
       const Pose camera = instant.Camera(world, kForwardRightUp, 100);
       ExpectSame(Below(component, {arithmetic::FRotator(r[0], r[1], r[2]), location}), camera);
-      ExpectSame(Below(component, {arithmetic::Quaternion(figures.quaternionXyzw), location}),
+      ExpectSame(Below(component, {arithmetic::Quaternion(values.quaternionXyzw), location}),
                  camera);
     }
   }
@@ -120,10 +120,10 @@ TEST(Unreal, KnowsNoLensWithoutASensor) {
   std::mt19937 random(1);
   ExportInput input = InputOf(Instant(random));
   input.sensorMm.reset();
-  const UnrealFigures figures = ToUnreal(input);
-  EXPECT_EQ(UnrealJson(figures)["lens"], nullptr);
-  EXPECT_EQ(figures.locationCm.size(), 3U);
-  EXPECT_THROW(LensFileText(figures, "lens"), std::runtime_error);
+  const UnrealValues values = ToUnreal(input);
+  EXPECT_EQ(UnrealJson(values)["lens"], nullptr);
+  EXPECT_EQ(values.locationCm.size(), 3U);
+  EXPECT_THROW(LensFileText(values, "lens"), std::runtime_error);
 }
 
 std::vector<double> NumbersOf(const std::string& row) {
@@ -138,8 +138,8 @@ std::vector<double> NumbersOf(const std::string& row) {
 TEST(LensFile, HoldsLensAndNodalOffset) {
   std::mt19937 random(7);
   const Instant instant(random);
-  const UnrealFigures figures = ToUnreal(InputOf(instant));
-  const auto json = nlohmann::json::parse(LensFileText(figures, "prime"));
+  const UnrealValues values = ToUnreal(InputOf(instant));
+  const auto json = nlohmann::json::parse(LensFileText(values, "prime"));
   EXPECT_EQ(json["metadata"]["type"], "LensFile");
   EXPECT_EQ(json["metadata"]["lensInfo"]["distortionModel"], "Spherical");
   EXPECT_EQ(json["metadata"]["lensInfo"]["modelName"], "prime");
