@@ -156,8 +156,11 @@ const char* Report::Page(const fs::path& folder) {
 }
 
 std::string Report::PageText(const fs::path& folder) const {
-  const std::string text = JsonText();
-  return report::Page(text, report::MakeThumbnails(text),
+  const Json result = [this] {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return result_;
+  }();
+  return report::Page(result, report::MakeThumbnails(result),
                       folder.empty() ? report_.run.folder : folder);
 }
 

@@ -3,10 +3,13 @@
 #include <cmath>
 #include <stdexcept>
 
+#include <nlohmann/json.hpp>
+
 #include "fuzz/fuzz.h"
 #include "host/engines/unity.h"
 #include "host/engines/unreal.h"
 #include "host/result/result_file.h"
+#include "host/text/files.h"
 #include "report/page.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -28,9 +31,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const std::runtime_error&) {  // refused, or of a calibration that failed
   }
   try {
-    const std::string page = report::Page(content, {}, "/");
+    const auto result = host::ParseJson<nlohmann::ordered_json>(content);
+    const std::string page = report::Page(result, {}, "/");
     fuzz::Require(page.find("</html>") != std::string::npos, "an incomplete page");
-  } catch (const std::invalid_argument&) {
+  } catch (const std::exception&) {  // no JSON, or not an object
   }
   return 0;
 }

@@ -1,11 +1,12 @@
 #include "report/page.h"
 
+#include <stdexcept>
+
 #include <nlohmann/json.hpp>
 
 #include "report/embedded.h"
 #include "report/html.h"
 #include "report/page_view.h"
-#include "report/result_values.h"
 #include "report/template.h"
 
 namespace trackedcam::report {
@@ -26,17 +27,19 @@ std::string Policy() {
 
 }  // namespace
 
-std::string Page(const std::string& result, const std::vector<Thumbnail>& thumbnails,
+std::string Page(const Json& result, const std::vector<Thumbnail>& thumbnails,
                  const std::filesystem::path& pageFolder) {
-  const Json parsed = ParseResult(result);
-  Json values = PageView(parsed, thumbnails, pageFolder);
+  if (!result.is_object()) {
+    throw std::invalid_argument("it is not a JSON object");
+  }
+  Json values = PageView(result, thumbnails, pageFolder);
   values["policy"] = Policy();
   values["style"] = kPageCss.Text();
   values["threeJs"] = kThreeJs.Text();
   values["orbitControlsJs"] = kOrbitControlsJs.Text();
   values["chartJs"] = kChartJs.Text();
   values["pageJs"] = kPageJs.Text();
-  values["json"] = EscapeJson(result.substr(result.find('{')));  // no byte-order mark in front
+  values["json"] = EscapeJson(result.dump(-1, ' ', false, Json::error_handler_t::replace));
   return Render(kPageHtml.Text(), values);
 }
 

@@ -6,18 +6,20 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "report/thumbnails.h"
 
 namespace trackedcam::report {
 
 /// The page of a run, UTF-8 HTML.
-/// @param result The text of a result file. Keys that are missing, null or of the wrong type leave
-///   their place on the page empty.
+/// @param result A result file. Keys that are missing, null or of the wrong type leave their place
+///   on the page empty.
 /// @param thumbnails Those of the entries of `photographs`, in its order. Missing ones leave their
 ///   place empty.
 /// @param pageFolder Folder of the page. Links to images and the log are relative to it.
-/// @throws std::invalid_argument if the text is not a result.
-std::string Page(const std::string& result, const std::vector<Thumbnail>& thumbnails,
+/// @throws std::invalid_argument if the result is not an object.
+std::string Page(const nlohmann::ordered_json& result, const std::vector<Thumbnail>& thumbnails,
                  const std::filesystem::path& pageFolder);
 
 }  // namespace trackedcam::report

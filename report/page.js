@@ -631,15 +631,13 @@ const hatch = (stroke) => {
 // 3. Which photographs agree.
 
 let measure = 'predictedPixels';
-const doubtAbove = (name, scale) => {
-  const limit = ((result.limits || {})[name] || {}).doubt;
-  return isNumber(limit) ? limit * scale : null;
-};
+const limits = result.limits || {};
+const times = (limit, scale) => isNumber(limit) ? limit * scale : null;
+const doubtAbove = (name, scale) => times((limits[name] || {}).doubt, scale);
 const measures = {
   predictedPixels: {title: 'error, px', decimals: 2, unit: ' px', limit: doubtAbove('reprojectionErrorPixels', 1), of: 'of the mean error'},
   mm: {title: 'distance, mm', decimals: 2, unit: ' mm', limit: doubtAbove('translationSpreadMetres', 1000), of: 'of the spread'},
-  // The filter's for a single photograph, which is fixed.
-  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: .5, of: 'of the axis of a photograph'},
+  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: times(limits.photographAngleDegrees, 1), of: 'of the axis of a photograph'},
 };
 const makeAgreement = () => {
   const canvas = byId('agreement-chart');

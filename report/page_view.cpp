@@ -94,30 +94,14 @@ std::string LevelOf(const Json& result) {
 
 /// A difference with its p.
 Json Difference(const Json& difference) {
-  constexpr double kCertain = 0.001;
   if (!difference.is_object()) {
     return nullptr;
   }
-  const Number p = NumberAt(difference, "/p");
-  const bool isCertain = p && *p < kCertain;
+  const bool isCertain = ValueAt(difference, "/isCertain") == true;
   return {{"millimetres", Fixed(NumberAt(difference, "/offMm"), 2)},
           {"degrees", Fixed(NumberAt(difference, "/offDegrees"), 3)},
-          {"p", isCertain ? Json() : Json(Fixed(p, 2))},
+          {"p", isCertain ? Json() : Json(Fixed(NumberAt(difference, "/p"), 2))},
           {"isCertain", isCertain}};
-}
-
-std::string MistakeText(const std::string& mistake) {
-  static const std::map<std::string, const char*> kTexts = {
-      {"inverse", "the inverse: the tracker relative to the chart"},
-      {"angleSigns", "the wrong sign of an angle"},
-      {"angleOrder", "angles in an order other than Rx · Ry · Rz"},
-      {"millimetres", "millimetres instead of metres"},
-      {"centimetres", "centimetres instead of metres"},
-      {"reportedAxes", "measured in the reported axes"},
-      {"boardTurned", "measured to the corner at the other end of the board"},
-  };
-  const auto text = kTexts.find(mistake);
-  return text == kTexts.end() ? mistake : text->second;
 }
 
 /// One argument of a command line: after the equals sign, a minus sign does not begin an option.
@@ -162,7 +146,7 @@ Json Mounting(const Json& result) {
           {"inReported", hasReported ? inReported : Json()},
           {"options", MountingOptions(result)},
           {"difference", Difference(difference)},
-          {"likelyMistake", MistakeText(TextAt(difference, "/likelyMistake"))}};
+          {"likelyMistake", TextAt(difference, "/likelyMistakeText")}};
 }
 
 /// Null if the result has no such limit.

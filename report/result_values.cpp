@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
@@ -53,26 +52,6 @@ std::string TextAt(const Json& json, const std::string& path) {
 
 std::string ShortName(const std::string& path) {
   return path.substr(path.find_last_of("/\\") + 1);
-}
-
-Json ParseResult(const std::string& text) {
-  // A result is less deep. Copying and writing a value recurse into it.
-  constexpr int kMostDepth = 100;
-  const auto requireDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*value*/) {
-    if (depth > kMostDepth) {
-      throw std::invalid_argument("The text is nested too deeply for a result.");
-    }
-    return true;
-  };
-  try {
-    Json result = Json::parse(text, requireDepth);
-    if (result.is_object()) {
-      return result;
-    }
-  } catch (const Json::exception&) {
-    // Where the syntax is wrong does not help: a program wrote the file.
-  }
-  throw std::invalid_argument("The text is not a result.");
 }
 
 }  // namespace trackedcam::report

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include <nlohmann/json.hpp>
 #include <nlohmann/json_fwd.hpp>
 
 namespace trackedcam::report {
@@ -32,8 +31,5 @@ const nlohmann::ordered_json& ValueAt(const nlohmann::ordered_json& json, const 
 
 /// The last part of a path.
 std::string ShortName(const std::string& path);
-
-/// @throws std::invalid_argument if the text is not a result.
-nlohmann::ordered_json ParseResult(const std::string& text);
 
 }  // namespace trackedcam::report

@@ -56,8 +56,7 @@ Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph) {
 
 }  // namespace
 
-std::vector<Thumbnail> MakeThumbnails(const std::string& text) {
-  const nlohmann::ordered_json result = ParseResult(text);
+std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result) {
   std::vector<Thumbnail> thumbnails;
   for (const nlohmann::ordered_json& photograph : ValueAt(result, "/photographs")) {
     thumbnails.push_back(ThumbnailOf(photograph));

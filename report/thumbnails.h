@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 namespace trackedcam::report {
 
 /// A small image of one photograph, to embed into a page.
@@ -13,9 +15,8 @@ struct Thumbnail {
 
 /// One for each entry of `photographs`, in its order: of the reprojected image, or of the
 /// photograph if the entry names none or it cannot be read.
-/// @param text The text of a result file.
-/// @throws std::invalid_argument if the text is not a result.
-std::vector<Thumbnail> MakeThumbnails(const std::string& text);
+/// @param result A result file.
+std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result);
 
 /// Makes the objects that the image library otherwise makes when it first needs them: its codecs
 /// and its threads. At the end of the process, objects are destroyed in the reverse order.

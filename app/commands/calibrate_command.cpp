@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include <nlohmann/json.hpp>
+
 #include "app/commands/config_file.h"
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
@@ -137,7 +139,8 @@ fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
 }
 
 WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  std::string text = host::ResultText(report);
+  const nlohmann::ordered_json result = host::ResultJson(report);
+  const std::string text = host::JsonText(result);
   WrittenFiles written;
   if (!options.result.empty()) {
     written.result = Write(options.result, true, written, [&] { return text; });
@@ -150,7 +153,7 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(text, report::MakeThumbnails(text), page.parent_path());
+      return report::Page(result, report::MakeThumbnails(result), page.parent_path());
     });
   }
   return written;

@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
 #include "app/options/option_values.h"
 #include "app/terminal/summary.h"
 #include "host/calibrate.h"
@@ -40,7 +42,7 @@ int Crosscheck(const CrosscheckOptions& options) {
   host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
   report.inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (options.json) {
-    std::cout << host::ResultText(report);
+    std::cout << host::JsonText(host::ResultJson(report));
   } else {
     std::optional<host::CalibrationOutputs> truth;
     if (!options.truth.empty()) {

@@ -4,6 +4,8 @@
 #include <iostream>
 #include <memory>
 
+#include <nlohmann/json.hpp>
+
 #include "app/commands/config_file.h"
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
@@ -35,7 +37,7 @@ void WriteReport(const ReportOptions& options, const fs::path& configFile) {
                     {options.result, configFile});
   std::string page;
   try {
-    const std::string result = host::ReadFile(options.result);
+    const auto result = host::ReadJson<nlohmann::ordered_json>(options.result);
     page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path());
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +

@@ -1,5 +1,7 @@
 #include "host/findings/finding_json.h"
 
+#include <nlohmann/json.hpp>
+
 #include "host/findings/finding_text.h"
 #include "host/text/files.h"
 

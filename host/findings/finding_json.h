@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "host/findings/finding.h"
 

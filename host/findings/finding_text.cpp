@@ -92,7 +92,7 @@ std::string Text(const Disagreement& disagreement) {
   return text;
 }
 
-const char* Text(RowReading reading) {
+const char* ReadingText(RowReading reading) {
   switch (reading) {
     case RowReading::kQuaternionsInverted:
       return "the quaternions give the inverse rotation";
@@ -116,26 +116,6 @@ const char* Text(RowReading reading) {
       return "the poses are left-handed, with y reversed";
     case RowReading::kMirroredZ:
       return "the poses are left-handed, with z reversed";
-  }
-  return "";
-}
-
-const char* Text(MountingMistake mistake) {
-  switch (mistake) {
-    case MountingMistake::kInverse:
-      return "the inverse was given, the tracker on the chart instead of the chart on the tracker";
-    case MountingMistake::kAngleSigns:
-      return "an angle has the wrong sign";
-    case MountingMistake::kAngleOrder:
-      return "the angles were composed in another order than Rx * Ry * Rz";
-    case MountingMistake::kMillimetres:
-      return "millimetres were given as metres";
-    case MountingMistake::kCentimetres:
-      return "centimetres were given as metres";
-    case MountingMistake::kReportedAxes:
-      return "it was measured in the axes that the tracking system reports";
-    case MountingMistake::kBoardTurned:
-      return "it was measured to the corner at the other end of the board";
   }
   return "";
 }
@@ -445,7 +425,7 @@ struct Writer {
   Sentences operator()(const crosscheck::MisreadRows& fault) const {
     return {Name(fault),
             "The rows fit " + Fixed(fault.times, 0) +
-                " times better if they are read another way: " + Text(fault.reading) + '.',
+                " times better if they are read another way: " + ReadingText(fault.reading) + '.',
             fault.reading == RowReading::kQuaternionsInverted
                 ? "Calibrate again with inverted tracker quaternions."
                 : "Correct the recorder, or convert the data file, and calibrate again."};
@@ -481,7 +461,7 @@ struct Writer {
                 Offset(fault.offMm, fault.offDegrees) + ", so the result is off by " +
                 Offset(fault.resultOffMm, fault.resultOffDegrees) +
                 (fault.likelyMistake
-                     ? std::string("; likely mistake: ") + Text(*fault.likelyMistake) + '.'
+                     ? std::string("; likely mistake: ") + MistakeText(*fault.likelyMistake) + '.'
                      : "."),
             kTakeMountingFound};
   }
@@ -553,6 +533,26 @@ std::string Text(const Finding& finding) {
 
 std::string Advice(const Finding& finding) {
   return SentencesOf(finding).advice;
+}
+
+const char* MistakeText(MountingMistake mistake) {
+  switch (mistake) {
+    case MountingMistake::kInverse:
+      return "the inverse was given, the tracker on the chart instead of the chart on the tracker";
+    case MountingMistake::kAngleSigns:
+      return "an angle has the wrong sign";
+    case MountingMistake::kAngleOrder:
+      return "the angles were composed in another order than Rx * Ry * Rz";
+    case MountingMistake::kMillimetres:
+      return "millimetres were given as metres";
+    case MountingMistake::kCentimetres:
+      return "centimetres were given as metres";
+    case MountingMistake::kReportedAxes:
+      return "it was measured in the axes that the tracking system reports";
+    case MountingMistake::kBoardTurned:
+      return "it was measured to the corner at the other end of the board";
+  }
+  return "";
 }
 
 std::string ReasonText(const crosscheck::PerPhotograph& photograph,

@@ -20,6 +20,9 @@ std::string Text(const Finding& finding);
 /// One sentence on what to do.
 std::string Advice(const Finding& finding);
 
+/// "an angle has the wrong sign"
+const char* MistakeText(crosscheck::MountingMistake mistake);
+
 /// Why the cross-check leaves a photograph out: "fits the trackers of img_004.jpg"; empty if
 /// nothing is known except that it contradicts the others.
 /// @param photographs The names of those that were checked, in their order.

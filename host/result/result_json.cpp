@@ -1,5 +1,7 @@
 #include "host/result/result_json.h"
 
+#include <nlohmann/json.hpp>
+
 #include "host/findings/finding_json.h"
 #include "host/findings/finding_text.h"
 #include "host/input/reported_axes.h"
@@ -53,7 +55,8 @@ Json StandardErrorJson(const crosscheck::StandardError& error) {
 Json OffsetJson(const crosscheck::Offset& offset) {
   return {{"offMm", NumberJson(offset.offMm)},
           {"offDegrees", NumberJson(offset.offDegrees)},
-          {"p", NumberJson(offset.p)}};
+          {"p", NumberJson(offset.p)},
+          {"isCertain", offset.p < crosscheck::kCertain}};
 }
 
 Json OffsetJson(const std::optional<crosscheck::Offset>& offset) {
@@ -68,6 +71,8 @@ Json NominalMountingJson(const std::optional<crosscheck::NominalMounting>& mount
   json["pScaleFree"] = NumberJson(mounting->pScaleFree);
   json["likelyMistake"] =
       mounting->likelyMistake ? Json(Name(*mounting->likelyMistake)) : Json(nullptr);
+  json["likelyMistakeText"] =
+      mounting->likelyMistake ? Json(MistakeText(*mounting->likelyMistake)) : Json(nullptr);
   return json;
 }
 
@@ -231,7 +236,8 @@ Json LimitsJson(const CalibrationOutputs& outputs) {
       {"lensErrorPixels", LimitJson(limits.lensErrorPixels)},
       {"reprojectionErrorPixels",
        limits.reprojectionErrorPixels ? LimitJson(*limits.reprojectionErrorPixels) : Json(nullptr)},
-      {"translationSpreadMetres", LimitJson(limits.translationSpreadMetres)}};
+      {"translationSpreadMetres", LimitJson(limits.translationSpreadMetres)},
+      {"photographAngleDegrees", limits.photographAngleDegrees}};
 }
 
 Json InputsJson(const Inputs& inputs) {
@@ -331,10 +337,6 @@ Json ResultJson(const Report& report) {
   json["mountingIsStated"] = report.mountingIsStated;
   json["firstRun"] = report.firstRun ? RunJson(*report.firstRun) : Json(nullptr);
   return json;
-}
-
-std::string ResultText(const Report& report) {
-  return JsonText(ResultJson(report));
 }
 
 }  // namespace trackedcam::host

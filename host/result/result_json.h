@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include <nlohmann/json_fwd.hpp>
 
 #include "host/report.h"
@@ -11,8 +9,5 @@ namespace trackedcam::host {
 /// The result file: every value of a calibration at full precision. A value that is not finite, or
 /// that the run did not reach, is null.
 nlohmann::ordered_json ResultJson(const Report& report);
-
-/// The same as the text of a file.
-std::string ResultText(const Report& report);
 
 }  // namespace trackedcam::host

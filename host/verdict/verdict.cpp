@@ -17,6 +17,7 @@ constexpr double kNormErrorWarning = 0.011111111;  // of the reprojection error 
 constexpr double kNormErrorFailure = 0.016666668;
 constexpr double kSpreadWarning = 0.01;  // metres
 constexpr double kSpreadFailure = 0.015;
+constexpr double kRotationLimitDeg = 0.5;  // of the axis of one photograph
 
 constexpr const char* kReport = "This should not happen: keep the log and report it.";
 
@@ -104,7 +105,10 @@ void AddFinding(Verdict& verdict, const Finding& finding) {
 }  // namespace
 
 Limits LimitsOf(const CalibrationOutputs& outputs) {
-  Limits limits = {{std::nullopt, kLensErrorLimit}, std::nullopt, {kSpreadWarning, kSpreadFailure}};
+  Limits limits = {{std::nullopt, kLensErrorLimit},
+                   std::nullopt,
+                   {kSpreadWarning, kSpreadFailure},
+                   kRotationLimitDeg};
   if (outputs.imageSize.size() == 2) {
     const double height = outputs.imageSize[1];
     limits.reprojectionErrorPixels = Limit{kNormErrorWarning * height, kNormErrorFailure * height};

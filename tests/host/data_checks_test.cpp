@@ -5,6 +5,7 @@
 #include <random>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "host/findings/finding_json.h"
 #include "host/findings/finding_text.h"

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "host/findings/finding_json.h"
 #include "host/findings/finding_text.h"

@@ -63,6 +63,7 @@ TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
   EXPECT_NEAR(json["limits"]["reprojectionErrorPixels"]["doubt"], 12, 1e-6);
   EXPECT_NEAR(json["limits"]["reprojectionErrorPixels"]["failure"], 18, 1e-5);
   EXPECT_EQ(json["limits"]["translationSpreadMetres"]["failure"], 0.015);
+  EXPECT_EQ(json["limits"]["photographAngleDegrees"], 0.5);
 }
 
 TEST(ResultJson, ListsPhotographsAndFiles) {

@@ -22,12 +22,13 @@ faults += [f"code {code}: the page says \"{listed.get(code, '')}\", the library 
            for code in sorted(set(library) | set(listed)) if listed.get(code, "") != library.get(code, "")]
 
 # The program has its own copy of the limits, because it uses only the library's public header.
-LIMITS = re.compile(r"^constexpr \w+ (k(?:Lens|Norm|Spread)\w+) = ([\d.]+)F?;", re.MULTILINE)
-limits = {name: float(value) for file in ("src/api/calibration.cpp", "src/api/camera_tracker_run.cpp")
+LIMITS = re.compile(r"^constexpr \w+ (k(?:Lens|Norm|Spread|Rotation)\w+) = ([\d.]+)F?;", re.MULTILINE)
+limits = {name: float(value) for file in ("src/api/calibration.cpp", "src/api/camera_tracker_run.cpp",
+                                                      "src/handeye/outlier_filter.cpp")
           for name, value in LIMITS.findall((root / file).read_text(encoding="utf-8"))}
 shown = {name: float(value)
          for name, value in LIMITS.findall((root / "host/verdict/verdict.cpp").read_text(encoding="utf-8"))}
-if len(limits) != 5 or limits != shown:
+if len(limits) != 6 or limits != shown:
     faults.append(f"the library's limits are {limits}, the program's {shown}")
 print("\n".join(faults) or f"{len(listed)} codes and messages, and all limits, are the library's")
 sys.exit(0 if listed and named and not faults else 1)

@@ -205,7 +205,8 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
         "translationSpreadMetres": noise_mm * 1.3 / 1000 + 1e-5,
         "limits": {"lensErrorPixels": {"doubt": None, "failure": 1.5},
                    "reprojectionErrorPixels": {"doubt": 12.0, "failure": 18.0},
-                   "translationSpreadMetres": {"doubt": 0.01, "failure": 0.015}},
+                   "translationSpreadMetres": {"doubt": 0.01, "failure": 0.015},
+                   "photographAngleDegrees": 0.5},
         "photographs": photographs, "exports": exports(library_x), "log": log,
         "versions": {"library": "1.2.3", "program": "1.2.3"},
         "verdict": {"level": "good", "message": f"Success: the calibration is good, from {len(kept)} photographs.",
@@ -231,11 +232,13 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
             "mounting": {"rotationDegrees": [n + rng.gauss(0, error_deg / 2) for n in ANGLES],
                          "translationMetres": found_y[1]},
             "nominalMounting": {"offMm": mount_mm, "offDegrees": mount_deg, "p": certain,
-                                "pScaleFree": certain, "likelyMistake": None},
-            "library": {"offMm": off_mm, "offDegrees": off_deg, "p": certain},
+                                "isCertain": bool(stated), "pScaleFree": certain,
+                                "likelyMistake": None, "likelyMistakeText": None},
+            "library": {"offMm": off_mm, "offDegrees": off_deg, "p": certain, "isCertain": bool(stated)},
             "diversity": {"amplification": 2.31, "weakestAxisInChart": [0.1, 0.2, 0.97]},
             "square": {"factor": 1.0004, "standardError": 0.0006, "p": 0.51}, "step": None,
-            "halves": {"offMm": 0.6 * error_mm, "offDegrees": 0.5 * error_deg, "p": 0.61},
+            "halves": {"offMm": 0.6 * error_mm, "offDegrees": 0.5 * error_deg, "p": 0.61,
+                       "isCertain": False},
             "onScreen": [on_screen(d) for d in (0.3, 0.5, 1, 2, 3, 5, 8, 12)],
             "suggestedViews": [
                 {"tiltDegrees": 45, "tiltDirectionDegrees": 30, "rollDegrees": 90, "distanceMetres": 0.5,
@@ -286,6 +289,7 @@ def mounting_off():
     library = shoot["crossCheck"]["library"]
     off = shoot["crossCheck"]["nominalMounting"]
     off["likelyMistake"] = "boardTurned"
+    off["likelyMistakeText"] = "it was measured to the corner at the other end of the board"
     text = (f"The stated mounting is off by {off['offMm']:.1f} mm and {off['offDegrees']:.2f} degrees, so the result "
             f"by {library['offMm']:.1f} mm and {library['offDegrees']:.2f} degrees.")
     shoot["verdict"] = {"level": "wrong", "message": "The result is wrong: the stated mounting is off.",

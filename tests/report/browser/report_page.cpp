@@ -14,6 +14,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
 
 std::string Bytes(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -23,11 +24,9 @@ std::string Bytes(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::vector<trackedcam::report::Thumbnail> Thumbnails(const std::string& result,
-                                                      const fs::path& folder) {
+std::vector<trackedcam::report::Thumbnail> Thumbnails(const Json& result, const fs::path& folder) {
   std::vector<trackedcam::report::Thumbnail> thumbnails;
-  const auto json = nlohmann::json::parse(result);
-  for (const auto& photograph : json.at("photographs")) {
+  for (const Json& photograph : result.at("photographs")) {
     const std::string file = std::to_string(thumbnails.size()) + ".png";
     thumbnails.push_back({Bytes(folder / file), !photograph.at("reprojectedImage").is_null()});
   }
@@ -41,7 +40,7 @@ int main(int argc, char** argv) {
     if (argc != 4) {
       throw std::runtime_error("usage: report_page RESULT THUMBNAILS OUT");
     }
-    const std::string result = Bytes(argv[1]);
+    const Json result = Json::parse(Bytes(argv[1]));
     const fs::path out = argv[3];
     std::ofstream(out, std::ios::binary)
         << trackedcam::report::Page(result, Thumbnails(result, argv[2]), out.parent_path());
