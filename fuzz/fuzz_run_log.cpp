@@ -6,7 +6,7 @@
 
 #include "crosscheck/cross_check.h"
 #include "fuzz/fuzz.h"
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 #include "host/verdict/observed.h"
 
 namespace {

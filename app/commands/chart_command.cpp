@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "app/chart/chart.h"
+#include "app/chart/printed_chart.h"
 #include "app/commands/config_file.h"
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"

@@ -12,7 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/chart/chart.h"
+#include "app/chart/printed_chart.h"
 #include "host/engines/engine.h"
 #include "host/input/inputs.h"
 #include "host/input/reported_axes.h"

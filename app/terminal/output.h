@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 
 namespace trackedcam::app {
 

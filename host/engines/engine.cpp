@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 #include "host/text/files.h"
 #include "trackedcam/trackedcam.h"
 

@@ -5,7 +5,7 @@
 
 #include "host/input/image_header.h"
 #include "host/run/run_folder.h"
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 #include "trackedcam/trackedcam.h"
 
 namespace trackedcam::host {

@@ -10,7 +10,7 @@
 #include "host/input/data_file.h"
 #include "host/input/inputs.h"
 #include "host/run/calibration_outputs.h"
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 
 namespace trackedcam::host {
 

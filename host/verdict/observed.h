@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "crosscheck/observations.h"
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 
 namespace trackedcam::host {
 

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "app/chart/chart.h"
+#include "app/chart/printed_chart.h"
 #include "app/options/option_values.h"
 
 namespace trackedcam::app {

@@ -1,10 +1,10 @@
+#include "host/run/run_log_reader.h"
+
 #include <cmath>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
-
-#include "host/run/run_log.h"
 
 namespace trackedcam::host {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 
 #include <algorithm>
 #include <array>

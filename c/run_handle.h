@@ -9,7 +9,7 @@
 
 #include "c/report_handle.h"
 #include "host/input/inputs.h"
-#include "host/run/run_log.h"
+#include "host/run/run_log_reader.h"
 
 namespace trackedcam::c {
 

@@ -1,4 +1,4 @@
-#include "c/run.h"
+#include "c/run_handle.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "c/platform.h"
-#include "c/shoot.h"
+#include "c/shoot_handle.h"
 #include "host/calibrate.h"
 #include "host/silenced_stdout.h"
 #include "report/thumbnails.h"

@@ -1,4 +1,4 @@
-#include "c/shoot.h"
+#include "c/shoot_handle.h"
 
 #include "host/input/reported_axes.h"
 #include "host/run/run_folder.h"

@@ -1,4 +1,4 @@
-#include "app/chart/chart.h"
+#include "app/chart/printed_chart.h"
 
 #include <algorithm>
 #include <cairo-pdf.h>
