@@ -7,7 +7,7 @@
 #include "crosscheck/cross_check.h"
 #include "fuzz/fuzz.h"
 #include "host/run/run_log_reader.h"
-#include "host/verdict/observed.h"
+#include "host/verdict/cross_check_adapter.h"
 
 namespace {
 

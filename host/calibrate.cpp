@@ -7,13 +7,12 @@
 #include <set>
 #include <stdexcept>
 
-#include "host/findings/cross_check_findings.h"
 #include "host/findings/finding_text.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/run/library_run.h"
 #include "host/run/run_folder.h"
-#include "host/verdict/observed.h"
+#include "host/verdict/cross_check_adapter.h"
 #include "host/verdict/run_findings.h"
 
 namespace trackedcam::host {

@@ -1,4 +1,4 @@
-#include "host/findings/cross_check_findings.h"
+#include "host/verdict/cross_check_adapter.h"
 
 #include <gmock/gmock.h>
 

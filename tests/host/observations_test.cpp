@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/verdict/observed.h"
+#include "host/verdict/cross_check_adapter.h"
 
 namespace trackedcam::host {
 namespace {

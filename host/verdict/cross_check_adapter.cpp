@@ -1,4 +1,7 @@
-#include "host/verdict/observed.h"
+#include "host/verdict/cross_check_adapter.h"
+
+#include <utility>
+#include <variant>
 
 namespace trackedcam::host {
 namespace {
@@ -20,6 +23,37 @@ crosscheck::Photograph PhotographOf(const Photograph& photograph) {
 Eigen::Matrix4d TransformOf(const std::vector<double>& rowByRow) {
   return Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(rowByRow.data());
 }
+
+using Names = std::vector<std::string>;
+
+// Most kinds name no photograph and stay as they are.
+struct ToHost {
+  const crosscheck::CrossCheck& crossCheck;
+  const Names& photographs;
+  Finding& finding;
+
+  template <class Kind>
+  void operator()(const Kind& kind) const {
+    finding.kind = kind;
+  }
+
+  void operator()(const crosscheck::TrackerMoved& moved) const {
+    finding.kind = moved;
+    finding.photographs = {photographs.at(moved.before)};
+  }
+
+  void operator()(const crosscheck::BadPhotographs& bad) const {
+    BadPhotographs kind = {bad.share, {}};
+    for (const std::size_t index : bad.photographs) {
+      const crosscheck::PerPhotograph& photograph = crossCheck.perPhotograph.at(index);
+      kind.disagreements.push_back(
+          {photograph.mm, photograph.degrees, photograph.whyLeftOut,
+           photograph.fitsTrackersOf ? photographs.at(*photograph.fitsTrackersOf) : ""});
+      finding.photographs.push_back(photographs.at(index));
+    }
+    finding.kind = std::move(kind);
+  }
+};
 
 }  // namespace
 
@@ -52,6 +86,18 @@ std::optional<crosscheck::Observations> ObservationsOf(
     observations.library = TransformOf(record.transformCamTc);
   }
   return observations;
+}
+
+std::vector<Finding> FindingsOf(const crosscheck::CrossCheck& crossCheck,
+                                const Names& photographs) {
+  std::vector<Finding> findings;
+  for (const crosscheck::Finding& found : crossCheck.findings) {
+    Finding finding;
+    finding.severity = found.severity;
+    std::visit(ToHost{crossCheck, photographs, finding}, found.kind);
+    findings.push_back(std::move(finding));
+  }
+  return findings;
 }
 
 }  // namespace trackedcam::host

@@ -1,8 +1,14 @@
+// A run as the cross-check takes it, and what the cross-check found about it.
+
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "crosscheck/observations.h"
+#include "crosscheck/result.h"
+#include "host/findings/finding.h"
 #include "host/run/run_log_reader.h"
 
 namespace trackedcam::host {
@@ -12,5 +18,10 @@ namespace trackedcam::host {
 /// @param mounting As it was stated; empty if not known.
 std::optional<crosscheck::Observations> ObservationsOf(
     const RunRecord& record, const std::optional<crosscheck::Mounting>& mounting);
+
+/// The findings of the cross-check with the names of the photographs, the worst first.
+/// @param photographs The names of those that were checked, in their order.
+std::vector<Finding> FindingsOf(const crosscheck::CrossCheck& crossCheck,
+                                const std::vector<std::string>& photographs);
 
 }  // namespace trackedcam::host
