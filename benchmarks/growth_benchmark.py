@@ -60,6 +60,6 @@ for photographs in SIZES:
             truth = json.loads((folder / "truth.json").read_text(encoding="utf-8"))["transformCamTc"]
             errors["result"].append(off(result["transformCamTc"], truth))
             errors["crossCheck"].append(off(result["crossCheck"]["transformCamTc"], truth))
-    cells = [" mm, ".join(f"{statistics.median(figures):.{digits}f}" for figures, digits in zip(zip(*errors[key]), (2, 3)))
+    cells = [" mm, ".join(f"{statistics.median(values):.{digits}f}" for values, digits in zip(zip(*errors[key]), (2, 3)))
              + "°" for key in errors]
     print(f"| {photographs} | {seconds:.2f} | {after:.2f} | {megabytes:.0f} | {cells[0]} | {cells[1]} |", flush=True)

@@ -47,9 +47,9 @@ class Bytes {
 
   bool IsEmpty() const { return size_ == 0; }
 
-  template <class Number>
-  Number Take() {
-    Number number = {};
+  template <class Value>
+  Value Take() {
+    Value number = {};
     const std::size_t length = size_ < sizeof number ? size_ : sizeof number;
     std::memcpy(&number, data_, length);
     data_ += length;
@@ -58,7 +58,7 @@ class Bytes {
   }
 
   /// Usually a number of ordinary size, sometimes one of arbitrary bits.
-  double Figure() {
+  double Number() {
     const auto kind = Take<std::uint8_t>();
     if (kind == 0) {
       return Take<double>();

@@ -26,9 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t i = 0; i < rows.size(); ++i) {
     fuzz::Require(rows[i].photograph == paths[i], "the photograph of a row");
     const auto poses = host::PosesIn(host::SplitFields(rows[i].text));
-    for (std::size_t figure = 0; figure < 14; ++figure) {
-      const double read = records[i][figure + 1];
-      const double checked = poses[figure / 7][figure % 7];
+    for (std::size_t number = 0; number < 14; ++number) {
+      const double read = records[i][number + 1];
+      const double checked = poses[number / 7][number % 7];
       // The program accepts a field as a number only if all of it is one.
       fuzz::Require(read == checked || std::isnan(checked) == std::isnan(read) || checked == 0,
                     "a number of a row");

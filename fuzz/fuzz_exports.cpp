@@ -23,7 +23,7 @@ constexpr const char* kNowhere = "/dev/null";  // a log folder in which no file 
 
 // A rotation from four numbers, and a translation below 10 metres along each axis.
 List Transform(fuzz::Bytes& bytes) {
-  Eigen::Quaterniond rotation(bytes.Figure(), bytes.Figure(), bytes.Figure(), bytes.Figure());
+  Eigen::Quaterniond rotation(bytes.Number(), bytes.Number(), bytes.Number(), bytes.Number());
   if (!(rotation.norm() > 1e-3) || !(rotation.norm() < 1e6)) {
     rotation.setIdentity();
   }
@@ -31,7 +31,7 @@ List Transform(fuzz::Bytes& bytes) {
   List transform;
   for (int row = 0; row < 3; ++row) {
     transform.insert(transform.end(), {matrix(row, 0), matrix(row, 1), matrix(row, 2)});
-    const double metres = bytes.Figure();
+    const double metres = bytes.Number();
     transform.push_back(std::abs(metres) < 10 ? metres : 0);
   }
   transform.insert(transform.end(), {0, 0, 0, 1});
@@ -106,7 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckUE5(transform, CamAxisToUE5_ExportxN, Rows({0, 1, 0, 0, 0, 1, 1, 0, 0}),
            Rows({0, 0, -1, -1, 0, 0, 0, 1, 0}));
   List fov, centre, rotation, translation;
-  const double value = bytes.Figure();
+  const double value = bytes.Number();
   const double focal = std::isfinite(value) ? 0.3 + std::abs(std::remainder(value, 4)) : 1;
   CamAxisToAximmetry({focal, focal}, {0.5, 0.5}, transform, fov, centre, rotation, translation,
                      kNowhere);
@@ -119,7 +119,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Arbitrary numbers are refused or accepted; they never cause a crash.
   List any;
   for (int i = 0; i < 16; ++i) {
-    any.push_back(bytes.Figure());
+    any.push_back(bytes.Number());
   }
   any.resize(bytes.Take<std::uint8_t>() % 18);
   List one, two;

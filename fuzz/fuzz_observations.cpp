@@ -13,10 +13,10 @@ using crosscheck::Observations;
 crosscheck::TrackerPose Pose(fuzz::Bytes& bytes) {
   crosscheck::TrackerPose pose;
   for (int axis = 0; axis < 3; ++axis) {
-    pose.position[axis] = bytes.Figure();
+    pose.position[axis] = bytes.Number();
   }
   for (int part = 0; part < 4; ++part) {
-    pose.quaternionWxyz[part] = bytes.Figure();
+    pose.quaternionWxyz[part] = bytes.Number();
   }
   return pose;
 }
@@ -24,9 +24,9 @@ crosscheck::TrackerPose Pose(fuzz::Bytes& bytes) {
 // Corners in a regular grid, of arbitrary place and shape.
 void AddCorners(fuzz::Bytes& bytes, const Observations& observations,
                 crosscheck::Photograph& photograph) {
-  const Eigen::Vector2d origin(320 + bytes.Figure(), 180 + bytes.Figure());
-  const Eigen::Vector2d right(20 + bytes.Figure(), bytes.Figure());
-  const Eigen::Vector2d down(bytes.Figure(), 20 + bytes.Figure());
+  const Eigen::Vector2d origin(320 + bytes.Number(), 180 + bytes.Number());
+  const Eigen::Vector2d right(20 + bytes.Number(), bytes.Number());
+  const Eigen::Vector2d down(bytes.Number(), 20 + bytes.Number());
   for (int row = 0; row < observations.boardRows; ++row) {
     for (int column = 0; column < observations.boardColumns; ++column) {
       photograph.corners.push_back(origin + column * right + row * down);
@@ -38,22 +38,22 @@ Observations Make(fuzz::Bytes& bytes) {
   Observations observations;
   observations.boardColumns = bytes.Take<std::uint8_t>() % 6;
   observations.boardRows = bytes.Take<std::uint8_t>() % 6;
-  observations.square = bytes.Figure();
+  observations.square = bytes.Number();
   observations.lens = {640,
                        360,
-                       600 + bytes.Figure(),
-                       600 + bytes.Figure(),
-                       320 + bytes.Figure(),
-                       180 + bytes.Figure(),
-                       bytes.Figure(),
-                       bytes.Figure()};
+                       600 + bytes.Number(),
+                       600 + bytes.Number(),
+                       320 + bytes.Number(),
+                       180 + bytes.Number(),
+                       bytes.Number(),
+                       bytes.Number()};
   observations.invertTrackerQuaternions = bytes.Take<std::uint8_t>() % 2 == 1;
   if (bytes.Take<std::uint8_t>() % 2 == 1) {
-    observations.mounting = {{bytes.Figure(), bytes.Figure(), bytes.Figure()},
-                             {bytes.Figure(), bytes.Figure(), bytes.Figure()}};
+    observations.mounting = {{bytes.Number(), bytes.Number(), bytes.Number()},
+                             {bytes.Number(), bytes.Number(), bytes.Number()}};
     Eigen::Matrix4d library = Eigen::Matrix4d::Identity();
-    library(0, 3) = bytes.Figure();
-    library(1, 1) = bytes.Figure();
+    library(0, 3) = bytes.Number();
+    library(1, 1) = bytes.Number();
     observations.library = library;
   }
   constexpr int kMost = 14;

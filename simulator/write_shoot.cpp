@@ -78,7 +78,7 @@ Json Numbers(const Eigen::Isometry3d& transform) {
   return numbers;
 }
 
-Json Figures(const Mounting& mounting) {
+Json MountingJson(const Mounting& mounting) {
   return {{"rotationDegrees", Numbers(mounting.anglesDegrees)},
           {"translationMetres", Numbers(mounting.translationMetres)},
           {"transformTrChart", Numbers(mounting.Transform())}};
@@ -221,7 +221,8 @@ std::string TruthText(const Shoot& shoot) {
       {"fieldOfView", {FieldOfViewDegrees(width, lens.fx), FieldOfViewDegrees(height, lens.fy)}},
       {"transformCamTc", Numbers(shoot.Transform_Cam_Tc)},
       {"mounting",
-       {{"true", Figures(shoot.trueMounting)}, {"nominal", Figures(shoot.nominalMounting)}}},
+       {{"true", MountingJson(shoot.trueMounting)},
+        {"nominal", MountingJson(shoot.nominalMounting)}}},
       {"outliers", Json::array()},
       {"unusable", Json::array()},
       {"photographs", Json::array()},

@@ -2,7 +2,7 @@
 
 Usage: draw_axes.py PROGRAM [FOLDER]   (the folder of this file by default)
 
-The axes come from the program itself, so that the pictures cannot drift from the figures.
+The axes come from the program itself, so that the pictures cannot drift from the values.
 """
 
 import json

@@ -9,7 +9,7 @@ setting is simulated with the same five seeds, so a second run gives the same va
 and the worst. A shoot has 40 photographs of 1280 x 720 unless the series says otherwise.
 
 "Off" is the error of the library's result after a single run, "Cross-check" the error of the cross-check's transform
-in the same run. "Says" lists errors and warnings, with the number of shoots if not all five have them.
+in the same run. "Findings" lists errors and warnings, with the number of shoots if not all five have them.
 """
 
 import collections
@@ -66,14 +66,14 @@ def calibrate(rows=None, **options):
     if status.returncode == 2:
         return {"code": "refused"}
     result, truth = read("result.json"), read("truth.json")
-    figures = {"code": result["code"], "says": said(result)}
+    values = {"code": result["code"], "findings": findings(result)}
     check = result["crossCheck"]
     if check and known(check["transformCamTc"]):
-        figures["check mm"], figures["check deg"] = off(check["transformCamTc"], truth)
+        values["check mm"], values["check deg"] = off(check["transformCamTc"], truth)
     if not known(result["transformCamTc"]):
-        return figures
-    figures["mm"], figures["deg"] = off(result["transformCamTc"], truth)
-    return figures | {
+        return values
+    values["mm"], values["deg"] = off(result["transformCamTc"], truth)
+    return values | {
         "focal": 100 * (result["normFocal"][0] / truth["normFocal"][0] - 1),
         "lens": result["lensErrorPixels"],
         "reprojection": result["reprojectionErrorPixels"],
@@ -99,31 +99,31 @@ def used(result):
     return [photograph["name"] for photograph in result["photographs"] if photograph["state"] == "used"]
 
 
-def said(result):
+def findings(result):
     """The ids of errors and warnings, each once, the worst first."""
     return list(dict.fromkeys(f["id"] for f in result["findings"] if f["severity"] != "note"))
 
 
 def summary(runs):
     """The row of one setting: the median of the seeds and the worst."""
-    codes = sorted({figures["code"] for figures in runs}, key=str)
-    said_in = collections.Counter(name for figures in runs for name in figures.get("says", []))
-    says = [f"`{name}`" + (f" in {count}" if count < len(runs) else "")
-            for name, count in said_in.most_common()]
+    codes = sorted({values["code"] for values in runs}, key=str)
+    counts = collections.Counter(name for values in runs for name in values.get("findings", []))
+    found = [f"`{name}`" + (f" in {count}" if count < len(runs) else "")
+            for name, count in counts.most_common()]
 
-    def figure(name, digits, choose=statistics.median):
-        if not all(name in figures for figures in runs):
+    def value(name, digits, choose=statistics.median):
+        if not all(name in values for values in runs):
             return "–"
-        return f"{choose(figures[name] for figures in runs):.{digits}f}"
+        return f"{choose(values[name] for values in runs):.{digits}f}"
 
     return {
-        "Off (mm)": figure("mm", 2), "worst (mm)": figure("mm", 2, max),
-        "Off (deg)": figure("deg", 3), "worst (deg)": figure("deg", 3, max),
-        "Reprojection (px)": figure("reprojection", 2), "T_STD (mm)": figure("spread", 2),
-        "Used": figure("used", 0), "Code": " or ".join(map(str, codes)),
-        "Cross-check (mm)": figure("check mm", 2), "its worst (mm)": figure("check mm", 2, max),
-        "Cross-check (deg)": figure("check deg", 3), "its worst (deg)": figure("check deg", 3, max),
-        "Says": ", ".join(says) or "–",
+        "Off (mm)": value("mm", 2), "worst (mm)": value("mm", 2, max),
+        "Off (deg)": value("deg", 3), "worst (deg)": value("deg", 3, max),
+        "Reprojection (px)": value("reprojection", 2), "T_STD (mm)": value("spread", 2),
+        "Used": value("used", 0), "Code": " or ".join(map(str, codes)),
+        "Cross-check (mm)": value("check mm", 2), "its worst (mm)": value("check mm", 2, max),
+        "Cross-check (deg)": value("check deg", 3), "its worst (deg)": value("check deg", 3, max),
+        "Findings": ", ".join(found) or "–",
     }
 
 
@@ -147,14 +147,14 @@ def again():
                  **NOISE)
         stated = {f"chart_{part}": config()[f"chart-{part}"] for part in ("rotation", "translation")}
         for number in range(1, max(shown) + 1):
-            figures = calibrate(**stated)
+            values = calibrate(**stated)
             before = [float(n) for n in stated["chart_translation"].split(",")]
             stated, after = refined_mounting()
             if number in shown:
-                runs[number].append(figures)
+                runs[number].append(values)
                 moved[number].append(1000 * math.dist(before, after))
-    for number, figures in runs.items():
-        yield ({"Run": number} | summary(figures)
+    for number, values in runs.items():
+        yield ({"Run": number} | summary(values)
                | {"Refined mounting moved by (mm)": f"{statistics.median(moved[number]):.2f}"})
 
 
@@ -177,8 +177,8 @@ def photographs():
         simulate(seed, photographs=80, **NOISE)
         for count in runs:
             runs[count].append(calibrate(range(count)))
-    for count, figures in runs.items():
-        yield {"Photographs": count} | summary(figures)
+    for count, values in runs.items():
+        yield {"Photographs": count} | summary(values)
 
 
 def noise():
@@ -198,8 +198,8 @@ def scale():
         simulate(seed, **NOISE)
         for percent in runs:
             runs[percent].append(calibrate(square=0.03 * (1 + percent / 100)))
-    for percent, figures in runs.items():
-        yield {"Square off by": f"{percent} %"} | summary(figures)
+    for percent, values in runs.items():
+        yield {"Square off by": f"{percent} %"} | summary(values)
 
 
 def blur():
@@ -246,10 +246,10 @@ def views():
                 rows = [i for i, v in enumerate(seen) if fits(v)][:20]
                 assert len(rows) == 20, kind
                 runs[kind].append(calibrate(rows))
-        for kind, figures in runs.items():
-            focal = max((abs(f["focal"]) for f in figures if "focal" in f), default=math.nan)
+        for kind, values in runs.items():
+            focal = max((abs(f["focal"]) for f in values if "focal" in f), default=math.nan)
             yield ({"Views": kind, "Mounting off by": f"{mm} mm and {degrees}°" if mm else "0"}
-                   | summary(figures) | {"worst focal length (%)": f"{focal:.2f}"})
+                   | summary(values) | {"worst focal length (%)": f"{focal:.2f}"})
 
 
 def view(pose, truth):

@@ -1,5 +1,5 @@
-// Which files are this system's own work, so that a new one may take their place. Whatever else has
-// the name of an output is somebody's, and stays.
+// Which files this system wrote, so that a new one may replace them, and how they are read. Any
+// other file with the name of an output belongs to the user and stays.
 
 #pragma once
 

@@ -73,10 +73,10 @@ std::optional<double> NumberAfter(std::string_view prefix, const std::string& me
   return rest ? ParseNumber(std::string_view(*rest).substr(0, rest->find(' '))) : std::nullopt;
 }
 
-template <class Figure>
-void SetFromPrefix(Figure& figure, std::string_view prefix, const std::string& message) {
+template <class Value>
+void SetFromPrefix(Value& value, std::string_view prefix, const std::string& message) {
   if (const auto number = NumberAfter(prefix, message)) {
-    figure = *number;
+    value = *number;
   }
 }
 

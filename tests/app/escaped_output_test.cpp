@@ -33,7 +33,7 @@ TEST(EscapedOutputTest, ShowsWhatCommandsATerminal) {
   EXPECT_EQ(Escaped("\u200E\u2067\u2028\u061C"), "\\u200e\\u2067\\u2028\\u061c");
 }
 
-TEST(EscapedOutputTest, ShowsBytesThatAreNoText) {
+TEST(EscapedOutputTest, ShowsBytesThatAreNotText) {
   EXPECT_EQ(Escaped("\xFF\xC0\x80."), "\\xff\\xc0\\x80.");
   EXPECT_EQ(Escaped("cut \xE6\x92"), "cut \\xe6\\x92");
 }

@@ -36,7 +36,7 @@ class HostProgramEngine : public testing::TestWithParam<EngineOnSet> {
     EXPECT_EQ(run.status, 0) << run.error;
   }
 
-  // What the component reads when the tracking system reports these figures.
+  // What the component reads when the tracking system reports these values.
   Pose InEngine(const std::vector<double>& f) const {
     const Matrix3d reported = host::arithmetic::Quaternion({f[4], f[5], f[6], f[3]});
     const Matrix3d axes = AxesOf(GetParam().component);
@@ -63,14 +63,14 @@ class HostProgramEngine : public testing::TestWithParam<EngineOnSet> {
       std::string time, photograph;
       std::getline(fields, time, ',');
       std::getline(fields, photograph, ',');
-      std::vector<double> figures;
-      for (std::string figure; std::getline(fields, figure, ',');) {
-        figures.push_back(std::stod(figure));
+      std::vector<double> values;
+      for (std::string value; std::getline(fields, value, ',');) {
+        values.push_back(std::stod(value));
       }
-      components.push_back(InEngine({figures.begin(), figures.begin() + 7}));
+      components.push_back(InEngine({values.begin(), values.begin() + 7}));
       recorded << time << ',' << photograph;
       Append(components.back(), recorded);
-      Append(InEngine({figures.begin() + 7, figures.begin() + 14}), recorded);
+      Append(InEngine({values.begin() + 7, values.begin() + 14}), recorded);
       recorded << '\n';
     }
     test::WriteFile(folder.File("shoot/recorded.csv"), recorded.str());

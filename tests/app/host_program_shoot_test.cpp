@@ -163,11 +163,11 @@ TEST_F(HostProgramShoot, IsExportedToEngines) {
   for (const auto& [engine, expected] : exports.items()) {
     const ProgramRun alone = Run({"export", engine, "--result", "shoot/result.json", "--json"});
     EXPECT_EQ(alone.status, 0) << alone.error;
-    const Json figures = Json::parse(alone.out);
+    const Json values = Json::parse(alone.out);
     for (const char* key : {"translationCm", "rotationDeg", "quaternionXyzw", "fovX"}) {
-      EXPECT_EQ(figures[key], expected[key]) << key;
+      EXPECT_EQ(values[key], expected[key]) << key;
     }
-    EXPECT_EQ(fs::u8path(figures["log"].get<std::string>()).parent_path().parent_path().filename(),
+    EXPECT_EQ(fs::u8path(values["log"].get<std::string>()).parent_path().parent_path().filename(),
               "shoot");
   }
   EXPECT_NEAR(exports["aximmetry"]["fovX"][0], Read("result.json")["fieldOfView"][0].get<double>(),
@@ -227,7 +227,7 @@ TEST_F(HostProgramShoot, WarnsWhenANewShootIsRecommended) {
   EXPECT_EQ(Read("result.json")["message"], "Recalibration is recommended.");
 }
 
-TEST_F(HostProgramShoot, WithPosesThatAreNoNumbersFails) {
+TEST_F(HostProgramShoot, WithPosesThatAreNotNumbersFails) {
   Simulate();
   std::string data = test::ReadFile(folder.File("shoot/tracker_data.csv"));
   // The position of the camera's tracker along x, in each row.

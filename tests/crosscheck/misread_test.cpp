@@ -100,39 +100,39 @@ TEST(MisreadTest, EachReadingIsNamed) {
 // What is stated instead of the true mounting.
 struct Misstatement {
   MountingMistake mistake;
-  Mounting (*state)(const Pose& truth, const Mounting& figures, const Observations& observations);
+  Mounting (*state)(const Pose& truth, const Mounting& mounting, const Observations& observations);
 };
 
 const Misstatement kMisstatements[] = {
     {MountingMistake::kInverse, [](const Pose& truth, const Mounting&,
                                    const Observations&) { return MountingOf(truth.inverse()); }},
     {MountingMistake::kMillimetres,
-     [](const Pose&, const Mounting& figures, const Observations&) {
-       Mounting stated = figures;
+     [](const Pose&, const Mounting& mounting, const Observations&) {
+       Mounting stated = mounting;
        for (double& metres : stated.translationMetres) {
          metres *= 1000;
        }
        return stated;
      }},
     {MountingMistake::kCentimetres,
-     [](const Pose&, const Mounting& figures, const Observations&) {
-       Mounting stated = figures;
+     [](const Pose&, const Mounting& mounting, const Observations&) {
+       Mounting stated = mounting;
        for (double& metres : stated.translationMetres) {
          metres *= 100;
        }
        return stated;
      }},
     {MountingMistake::kAngleSigns,
-     [](const Pose&, const Mounting& figures, const Observations&) {
-       Mounting stated = figures;
+     [](const Pose&, const Mounting& mounting, const Observations&) {
+       Mounting stated = mounting;
        stated.rotationDegrees[0] *= -1;
        stated.rotationDegrees[2] *= -1;
        return stated;
      }},
     {MountingMistake::kAngleOrder,  // the angles are meant for Rz * Ry * Rx
-     [](const Pose& truth, const Mounting& figures, const Observations&) {
+     [](const Pose& truth, const Mounting& mounting, const Observations&) {
        const Eigen::Vector3d angles = truth.linear().eulerAngles(2, 1, 0) / simulator::Radians(1);
-       Mounting stated = figures;
+       Mounting stated = mounting;
        stated.rotationDegrees = {angles[2], angles[1], angles[0]};
        return stated;
      }},

@@ -29,7 +29,7 @@ TEST(MountingTest, TurnsAboutXThenYThenZ) {
   EXPECT_EQ(pose.translation(), Eigen::Vector3d(0.1, -0.05, 0.02));
 }
 
-TEST(MountingTest, FiguresComeBack) {
+TEST(MountingTest, ValuesComeBack) {
   for (const double x : {-179.0, -90.0, 0.0, 33.0, 150.0}) {
     for (const double y : {-89.0, -10.0, 0.0, 60.0}) {
       for (const double z : {-120.0, 0.0, 7.0, 179.0}) {

@@ -32,16 +32,16 @@ TEST(ProjectionTest, DerivativesAreThoseOfDifferences) {
           (kTruth.Project(point + step) - kTruth.Project(point - step)) / 2e-6;
       EXPECT_THAT(projection.byPoint.col(axis), IsNear(difference, 1e-4));
     }
-    double simulator::Lens::*const figures[] = {&simulator::Lens::fx, &simulator::Lens::fy,
-                                                &simulator::Lens::cx, &simulator::Lens::cy,
-                                                &simulator::Lens::k1, &simulator::Lens::k2};
+    double simulator::Lens::*const values[] = {&simulator::Lens::fx, &simulator::Lens::fy,
+                                               &simulator::Lens::cx, &simulator::Lens::cy,
+                                               &simulator::Lens::k1, &simulator::Lens::k2};
     for (int k = 0; k < 6; ++k) {
       simulator::Lens more = kTruth;
       simulator::Lens less = kTruth;
-      more.*figures[k] += 1e-5;
-      less.*figures[k] -= 1e-5;
+      more.*values[k] += 1e-5;
+      less.*values[k] -= 1e-5;
       const Eigen::Vector2d difference = (more.Project(point) - less.Project(point)) / 2e-5;
-      EXPECT_THAT(projection.byLens.col(k), IsNear(difference, 1e-4)) << "figure " << k;
+      EXPECT_THAT(projection.byLens.col(k), IsNear(difference, 1e-4)) << "value " << k;
     }
   }
 }

@@ -76,7 +76,7 @@ class Shoot(unittest.TestCase):
     def rows(self):
         return (self.folder / "tracker_data.csv").read_text().splitlines()[1:]
 
-    def assert_same_figures(self, result):
+    def assert_same_values(self, result):
         """The result must have the values of an undisturbed run."""
         calm = self.home / "calm"
         shutil.copytree(self.origin / "shoot", calm)

@@ -105,10 +105,10 @@ class HostileInput(Shoot):
 
     def test_numbers_that_are_not_finite_or_too_large(self):
         rows = self.rows()
-        for figure in ["nan", "-inf", "1e400", "1e300"]:
-            with self.subTest(figure):
+        for value in ["nan", "-inf", "1e400", "1e300"]:
+            with self.subTest(value):
                 fields = rows[6].split(",")
-                fields[4] = figure
+                fields[4] = value
                 self.write_data(rows[:6] + [",".join(fields)] + rows[7:])
                 done = self.assert_named(r"in row 8 \(field 5 of row 8, photos/img_006\.jpg\)")
                 self.assertNotEqual(done.returncode, 0)

@@ -57,13 +57,13 @@ TEST_F(AxisChangeTest, TakesPointsFromCameraToTracker) {
 TEST_F(AxisChangeTest, OfATranslationIsTheValueComputedByHand) {
   Transform shifted = Transform::Identity();
   shifted.topRightCorner<3, 1>() = Eigen::Vector3d(0.1, 0.2, 0.3);
-  const std::pair<Change, Transform> figures[] = {
+  const std::pair<Change, Transform> values[] = {
       {AxisChangeUE4, Rows({0, 0, 1, 0.2, 0, 1, 0, -0.1, -1, 0, 0, 0.3, 0, 0, 0, 1})},
       {AxisChangeUE5, Rows({1, 0, 0, -0.1, 0, 0, 1, -0.3, 0, -1, 0, 0.2, 0, 0, 0, 1})},
       {AxisChangeUE5xN, Rows({0, -1, 0, 0.3, 1, 0, 0, 0.2, 0, 0, 1, 0.1, 0, 0, 0, 1})},
       {AxisChangeAximmetry, Rows({1, 0, 0, -0.1, 0, 0, -1, 0.3, 0, 1, 0, 0.2, 0, 0, 0, 1})},
   };
-  for (const auto& [change, expected] : figures) {
+  for (const auto& [change, expected] : values) {
     Transform out;
     EXPECT_EQ(change(log, shifted, out), 0);
     EXPECT_THAT(out, IsNear(expected, 1e-15));

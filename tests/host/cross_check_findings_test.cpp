@@ -1,8 +1,7 @@
-#include "host/verdict/cross_check_adapter.h"
-
 #include <gmock/gmock.h>
 
 #include "host/findings/finding_text.h"
+#include "host/verdict/cross_check_adapter.h"
 
 namespace trackedcam::host {
 namespace {

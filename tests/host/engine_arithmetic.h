@@ -23,8 +23,8 @@ inline Pose Below(const Pose& parent, const Pose& relative) {
   return {parent.axes * relative.axes, parent.axes * relative.position + parent.position};
 }
 
-inline Vector3d VectorOf(const std::vector<double>& figures) {
-  return {figures.at(0), figures.at(1), figures.at(2)};
+inline Vector3d VectorOf(const std::vector<double>& values) {
+  return {values.at(0), values.at(1), values.at(2)};
 }
 
 inline double Radians(double degrees) {

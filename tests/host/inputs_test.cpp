@@ -34,7 +34,7 @@ TEST(RequirePossibleTest, TakesWhatIsPossible) {
   RequirePossible(inputs);
 }
 
-TEST(RequirePossibleTest, RefusesEachFigureThatIsNot) {
+TEST(RequirePossibleTest, RefusesEachValueThatIsNot) {
   for (const double bad : {0.0, -1.0, kNan, kInfinity}) {
     ExpectRefused([&](Inputs& inputs) { inputs.sensorMm[0] = bad; });
     ExpectRefused([&](Inputs& inputs) { inputs.sensorMm[1] = bad; });

@@ -43,7 +43,7 @@ Report GoodReport() {
   return report;
 }
 
-TEST(ResultJson, HoldsEveryFigureAtFullPrecision) {
+TEST(ResultJson, HoldsEveryValueAtFullPrecision) {
   const Json json = Json::parse(JsonText(ResultJson(GoodReport())));
   EXPECT_EQ(json["code"], 0);
   EXPECT_EQ(json["message"], "No error");

@@ -119,7 +119,7 @@ TEST_F(RunLogReaderTest, ReadsTheLensWhenItIsAccepted) {
   EXPECT_EQ(record.lensError, 0.25);
 }
 
-TEST_F(RunLogReaderTest, ReadsTheSecondSolveAndTheFigures) {
+TEST_F(RunLogReaderTest, ReadsTheSecondSolveAndTheValues) {
   LogToThePhotographs();
   Log({"Process : a"});
   LogRawData({"a"});
@@ -149,7 +149,7 @@ TEST_F(RunLogReaderTest, ReadsTheSecondSolveAndTheFigures) {
   EXPECT_TRUE(record.isSuccessful);
 }
 
-TEST_F(RunLogReaderTest, ReadsFiguresThatAreNoNumbers) {
+TEST_F(RunLogReaderTest, ReadsValuesThatAreNotNumbers) {
   LogToThePhotographs();
   Log({"Process : a"});
   LogRawData({"a"});

@@ -107,14 +107,14 @@ TEST(TrackerAxes, FitTheExportBelowTheSameComponent) {
           instant.Component(world, engine.component, engine.unitsPerMetre);
       const DataRow row =
           InReportedAxes(Row(Text(component) + "," + Text(component)), Frame(engine.name));
-      std::vector<double> figures;
+      std::vector<double> values;
       std::istringstream stream(row.text.substr(row.text.find("jpg,") + 4));
-      for (std::string figure; std::getline(stream, figure, ',');) {
-        figures.push_back(std::stod(figure));
+      for (std::string value; std::getline(stream, value, ',');) {
+        values.push_back(std::stod(value));
       }
-      ASSERT_EQ(figures.size(), 14U);
+      ASSERT_EQ(values.size(), 14U);
       for (const std::size_t first : {0, 7}) {
-        const double* f = figures.data() + first;
+        const double* f = values.data() + first;
         const Matrix3d axes = arithmetic::Quaternion({f[4], f[5], f[6], f[3]});
         EXPECT_TRUE(Vector3d(f).isApprox(instant.reported.topRightCorner<3, 1>(), 1e-12));
         EXPECT_TRUE(axes.isApprox(instant.reported.topLeftCorner<3, 3>(), 1e-9));

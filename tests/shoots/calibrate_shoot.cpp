@@ -72,11 +72,11 @@ Eigen::Matrix4d Calibrated::Transform_Cam_Tc() const {
   return Eigen::Matrix<double, 4, 4, Eigen::RowMajor>(transformCamTc.data());
 }
 
-std::vector<double> Calibrated::AllFigures() const {
+std::vector<double> Calibrated::AllValues() const {
   std::vector<double> all = {static_cast<double>(code)};
-  for (const auto* figures : {&imageSize, &normFocal, &normCenter, &distortion, &transformCamTc,
-                              &fieldOfView, &focalLengthMm}) {
-    all.insert(all.end(), figures->begin(), figures->end());
+  for (const auto* values : {&imageSize, &normFocal, &normCenter, &distortion, &transformCamTc,
+                             &fieldOfView, &focalLengthMm}) {
+    all.insert(all.end(), values->begin(), values->end());
   }
   return all;
 }

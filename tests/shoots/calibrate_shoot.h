@@ -45,7 +45,7 @@ struct Calibrated {
   Eigen::Matrix4d Transform_Cam_Tc() const;
 
   /// The code and the values of all outputs, to compare.
-  std::vector<double> AllFigures() const;
+  std::vector<double> AllValues() const;
 };
 
 /// Calls Calibration without reading the log. `outputs` has the vectors that the host passes.

@@ -39,7 +39,7 @@ TEST(FloatHabits, DoNotAffectACalibration) {
       result = Calibrate(arguments);
       after = HostFloatEnvironment::Settings();
     }
-    EXPECT_EQ(result.AllFigures(), plain.AllFigures());
+    EXPECT_EQ(result.AllValues(), plain.AllValues());
     EXPECT_EQ(result.log, plain.log);
     EXPECT_EQ(after, before);
   }
@@ -66,21 +66,21 @@ TEST(FloatHabits, DoNotAffectExports) {
       run(transform, plain);
       for (const FloatHabit habit : kHabits) {
         SCOPED_TRACE(habit);
-        std::vector<double> figures;
+        std::vector<double> values;
         unsigned int before = 0;
         unsigned int after = 0;
         int flags = -1;
         {
           const HostFloatEnvironment host(habit);
           before = HostFloatEnvironment::Settings();
-          run(transform, figures);
+          run(transform, values);
           after = HostFloatEnvironment::Settings();
           flags = HostFloatEnvironment::Flags();
         }
         EXPECT_EQ(flags, 0);
         EXPECT_EQ(after, before);
-        ASSERT_EQ(figures.size(), plain.size());
-        EXPECT_EQ(std::memcmp(figures.data(), plain.data(), plain.size() * sizeof(double)), 0);
+        ASSERT_EQ(values.size(), plain.size());
+        EXPECT_EQ(std::memcmp(values.data(), plain.data(), plain.size() * sizeof(double)), 0);
       }
     }
   }

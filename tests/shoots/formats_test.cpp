@@ -78,7 +78,7 @@ Calibrated CalibrateAs(const Format& format, sim::Shoot shoot,
   return result;
 }
 
-TEST(Formats, WithoutLossGiveTheSameFigures) {
+TEST(Formats, WithoutLossGiveTheSameValues) {
   const sim::Shoot shoot = FormatsShoot();
   SCOPED_TRACE("seed " + std::to_string(shoot.options.seed));
   const std::vector<cv::Mat> pictures = Pictures(shoot);

@@ -35,24 +35,24 @@ Log GoldenLines(const std::string& file) {
 }
 
 // Each line has a name and its numbers.
-std::map<std::string, std::vector<double>> GoldenFigures(const std::string& file) {
-  std::map<std::string, std::vector<double>> figures;
+std::map<std::string, std::vector<double>> GoldenValues(const std::string& file) {
+  std::map<std::string, std::vector<double>> values;
   for (const std::string& line : GoldenLines(file)) {
     std::istringstream words(line);
     std::string name;
     words >> name;
     for (double number = 0; words >> number;) {
-      figures[name].push_back(number);
+      values[name].push_back(number);
     }
   }
-  return figures;
+  return values;
 }
 
-void ExpectNear(const std::vector<double>& figures, const std::vector<double>& golden,
+void ExpectNear(const std::vector<double>& values, const std::vector<double>& golden,
                 double tolerance) {
-  ASSERT_EQ(figures.size(), golden.size());
+  ASSERT_EQ(values.size(), golden.size());
   for (std::size_t i = 0; i < golden.size(); ++i) {
-    EXPECT_NEAR(figures[i], golden[i], tolerance) << "at " << i;
+    EXPECT_NEAR(values[i], golden[i], tolerance) << "at " << i;
   }
 }
 
@@ -76,9 +76,9 @@ TEST(GoldenRun, FindsWhatTheReferenceFinds) {
   std::vector<double> mounting = arguments.chartTrackerRotation;
   mounting.insert(mounting.end(), arguments.chartTrackerTranslation.begin(),
                   arguments.chartTrackerTranslation.end());
-  ExpectNear(mounting, GoldenFigures("input.txt").at("mounting"), 1e-12);
+  ExpectNear(mounting, GoldenValues("input.txt").at("mounting"), 1e-12);
 
-  auto golden = GoldenFigures("figures.txt");
+  auto golden = GoldenValues("figures.txt");
   ASSERT_EQ(golden.size(), 10u);
   constexpr double kPixels = 0.02;
   constexpr double kTransform = 2e-5;

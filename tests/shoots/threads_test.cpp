@@ -45,14 +45,14 @@ std::vector<double> Exports(const Calibrated& calibrated, const std::string& log
 }
 
 struct Outcome {
-  std::vector<double> figures;
+  std::vector<double> values;
   std::vector<double> exports;
 };
 
 Outcome CalibrateAndExport(HostArguments arguments, const std::string& logFolder) {
   arguments.logFolder = logFolder;
   const Calibrated calibrated = CallCalibration(arguments);
-  return {calibrated.AllFigures(), Exports(calibrated, logFolder)};
+  return {calibrated.AllValues(), Exports(calibrated, logFolder)};
 }
 
 class Threads : public testing::Test {
@@ -73,7 +73,7 @@ class Threads : public testing::Test {
     }
     ASSERT_EQ(outcomes.size(), static_cast<std::size_t>(kThreads * kCallsOfEach));
     for (const Outcome& outcome : outcomes) {
-      EXPECT_EQ(outcome.figures, alone.figures);
+      EXPECT_EQ(outcome.values, alone.values);
       EXPECT_EQ(outcome.exports, alone.exports);
     }
   }
@@ -101,7 +101,7 @@ class Threads : public testing::Test {
 };
 
 TEST_F(Threads, GiveTheSameInSeparateFolders) {
-  ASSERT_EQ(alone.figures.size(), 1u + 2 + 2 + 2 + 5 + 16 + 2 + 1);
+  ASSERT_EQ(alone.values.size(), 1u + 2 + 2 + 2 + 5 + 16 + 2 + 1);
   const TemporaryFolder folders;
   std::vector<std::string> logFolders;
   for (int call = 0; call < kThreads * kCallsOfEach; ++call) {

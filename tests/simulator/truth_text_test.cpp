@@ -59,10 +59,10 @@ TEST_F(TruthTextTest, HoldsTheTransformBetweenCameraAndTrackerRowByRow) {
 TEST_F(TruthTextTest, HoldsTrueAndNominalMounting) {
   for (const auto& [name, mounting] :
        {std::pair("true", shoot.trueMounting), {"nominal", shoot.nominalMounting}}) {
-    const json figures = truth["mounting"][name];
-    EXPECT_EQ(figures["rotationDegrees"], Listed(mounting.anglesDegrees));
-    EXPECT_EQ(figures["translationMetres"], Listed(mounting.translationMetres));
-    EXPECT_EQ(figures["transformTrChart"], RowByRow(mounting.Transform()));
+    const json values = truth["mounting"][name];
+    EXPECT_EQ(values["rotationDegrees"], Listed(mounting.anglesDegrees));
+    EXPECT_EQ(values["translationMetres"], Listed(mounting.translationMetres));
+    EXPECT_EQ(values["transformTrChart"], RowByRow(mounting.Transform()));
   }
   EXPECT_NE(truth["mounting"]["true"], truth["mounting"]["nominal"]);
 }

@@ -43,7 +43,7 @@ struct Tally {
   int Said(const std::string& id) const;
 };
 
-/// One axis's figure after the other: truth within the interval.
+/// One axis's value after the other: truth within the interval.
 std::array<bool, kAxes> Covered(const crosscheck::CrossCheck& check, const KnownShoot& shoot);
 
 /// Shoots of the seeds `first` and following. The result to check is that of a calibration which

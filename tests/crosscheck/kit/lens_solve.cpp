@@ -10,13 +10,13 @@ using crosscheck::Pose;
 using crosscheck::Twist;
 
 using Columns = Eigen::Matrix<double, Eigen::Dynamic, 6>;
-using Figures = Eigen::Matrix<double, 6, 1>;  // fx, fy, cx, cy, k1, k2
+using Parameters = Eigen::Matrix<double, 6, 1>;  // fx, fy, cx, cy, k1, k2
 
-simulator::Lens LensOf(const Figures& f) {
+simulator::Lens LensOf(const Parameters& f) {
   return {f[0], f[1], f[2], f[3], f[4], f[5]};
 }
 
-Eigen::VectorXd PixelsOf(const Figures& lens, const Pose& pose,
+Eigen::VectorXd PixelsOf(const Parameters& lens, const Pose& pose,
                          const std::vector<Eigen::Vector3d>& board) {
   Eigen::VectorXd pixels(2 * static_cast<Eigen::Index>(board.size()));
   for (std::size_t i = 0; i < board.size(); ++i) {
@@ -31,9 +31,9 @@ struct View {
   Eigen::VectorXd residual;
 };
 
-View ViewAt(const Figures& lens, const Pose& pose, const std::vector<Eigen::Vector3d>& board,
+View ViewAt(const Parameters& lens, const Pose& pose, const std::vector<Eigen::Vector3d>& board,
             const crosscheck::Photograph& photograph) {
-  const Figures steps = (Figures() << 1e-2, 1e-2, 1e-2, 1e-2, 1e-5, 1e-5).finished();
+  const Parameters steps = (Parameters() << 1e-2, 1e-2, 1e-2, 1e-2, 1e-5, 1e-5).finished();
   View view;
   view.residual = -PixelsOf(lens, pose, board);
   for (std::size_t i = 0; i < board.size(); ++i) {
@@ -42,7 +42,7 @@ View ViewAt(const Figures& lens, const Pose& pose, const std::vector<Eigen::Vect
   view.byPose.resize(view.residual.size(), 6);
   view.byLens.resize(view.residual.size(), 6);
   for (int k = 0; k < 6; ++k) {
-    const Figures lensStep = steps[k] * Figures::Unit(k);
+    const Parameters lensStep = steps[k] * Parameters::Unit(k);
     const Twist poseStep = 1e-6 * Twist::Unit(k);
     view.byLens.col(k) =
         (PixelsOf(lens + lensStep, pose, board) - PixelsOf(lens - lensStep, pose, board)) /
@@ -60,13 +60,14 @@ simulator::Lens SolveLens(simulator::Lens lens, std::vector<Pose> Transform_Cam_
                           const std::vector<Eigen::Vector3d>& board,
                           const std::vector<crosscheck::Photograph>& photographs) {
   constexpr int kSteps = 3;  // from the truth on; the third changes nothing that counts
-  Figures figures = (Figures() << lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2).finished();
+  Parameters values =
+      (Parameters() << lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2).finished();
   for (int step = 0; step < kSteps; ++step) {
     std::vector<View> views;
     Matrix6d normal = Matrix6d::Zero();
-    Figures right = Figures::Zero();
+    Parameters right = Parameters::Zero();
     for (std::size_t i = 0; i < photographs.size(); ++i) {
-      views.push_back(ViewAt(figures, Transform_Cam_Chart[i], board, photographs[i]));
+      views.push_back(ViewAt(values, Transform_Cam_Chart[i], board, photographs[i]));
       const View& view = views.back();
       // What the pose can follow says nothing of the lens.
       const Eigen::LDLT<Matrix6d> pose(view.byPose.transpose() * view.byPose);
@@ -75,8 +76,8 @@ simulator::Lens SolveLens(simulator::Lens lens, std::vector<Pose> Transform_Cam_
       normal += left.transpose() * view.byLens;
       right += left.transpose() * view.residual;
     }
-    const Figures change = normal.ldlt().solve(right);
-    figures += change;
+    const Parameters change = normal.ldlt().solve(right);
+    values += change;
     for (std::size_t i = 0; i < views.size(); ++i) {
       const Columns& byPose = views[i].byPose;
       const Twist twist =
@@ -86,7 +87,7 @@ simulator::Lens SolveLens(simulator::Lens lens, std::vector<Pose> Transform_Cam_
       Transform_Cam_Chart[i] = crosscheck::Exp(twist) * Transform_Cam_Chart[i];
     }
   }
-  return LensOf(figures);
+  return LensOf(values);
 }
 
 }  // namespace trackedcam::test

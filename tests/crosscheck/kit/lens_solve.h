@@ -10,7 +10,7 @@
 
 namespace trackedcam::test {
 
-/// All six figures are sought. Derivatives are differences of projections: slow and plain.
+/// All six values are sought. Derivatives are differences of projections: slow and plain.
 simulator::Lens SolveLens(simulator::Lens lens, std::vector<crosscheck::Pose> Transform_Cam_Chart,
                           const std::vector<Eigen::Vector3d>& board,
                           const std::vector<crosscheck::Photograph>& photographs);

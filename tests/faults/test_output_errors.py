@@ -15,7 +15,7 @@ class FullDisk(Shoot):
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertRegex(done.stderr, "The log of the run is incomplete")
         self.assertRegex(done.stdout, r"focal length fx, px +\d")
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
 
     def test_a_limit_that_cuts_the_images(self):
         # The log is shorter, the result with its cross-check longer.
@@ -40,7 +40,7 @@ class FullDisk(Shoot):
             for image in [p["reprojectedImage"] for p in result["photographs"] if p["reprojectedImage"]]:
                 with open(image, "rb") as file:
                     self.assertEqual(file.read()[-2:], b"\xff\xd9", image)
-            self.assert_same_figures(result)
+            self.assert_same_values(result)
 
     def test_a_disk_on_which_the_log_is_cut(self):
         with full_disk(self.log_folder, "28k"):
@@ -50,7 +50,7 @@ class FullDisk(Shoot):
                                           "be cross-checked")
             result = self.read_result()
             self.assertEqual(result["verdict"]["level"], "doubt")
-            self.assert_same_figures(result)
+            self.assert_same_values(result)
 
     def test_a_full_disk_is_reported_before_the_run(self):
         with full_disk(self.log_folder, "4k"):
@@ -97,7 +97,7 @@ class PlacesThatCannotBeWritten(Shoot):
         self.assertRegex(done.stderr, r"error: cannot write /proc/result\.json: ")
         self.assertRegex(done.stderr, r"error: cannot write /proc/page\.html: ")
         self.assertRegex(done.stdout, "Success")
-        self.assert_same_figures(self.read_result(self.log_folder / "run_001" / "result.json"))
+        self.assert_same_values(self.read_result(self.log_folder / "run_001" / "result.json"))
 
 
 class VanishingFiles(Shoot):
@@ -106,14 +106,14 @@ class VanishingFiles(Shoot):
                                              lambda: shutil.rmtree(self.log_folder))
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertRegex(done.stderr, "The log of the run is incomplete")
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
 
     def test_a_log_folder_that_vanishes_before_the_second_run(self):
         done = self.calibrate_with_intrusion("Camera and Tracker Calibration successful.",
                                              lambda: shutil.rmtree(self.log_folder),
                                              "--refine-mounting")
         self.assertIn(done.returncode, [0, 3], done.stderr)
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
 
     def test_photographs_that_are_emptied_after_the_search(self):
         def empty():
@@ -122,13 +122,13 @@ class VanishingFiles(Shoot):
         done = self.calibrate_with_intrusion("Camera calibration start.", empty)
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertRegex(done.stderr, "warning: Reprojected images are missing or incomplete: ")
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
 
     def test_photographs_that_are_removed_after_the_search(self):
         done = self.calibrate_with_intrusion("Camera calibration start.",
                                              lambda: shutil.rmtree(self.folder / "photos"))
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
 
     def test_photographs_that_vanish_during_the_search(self):
         done = self.calibrate_with_intrusion("img_003.jpg", lambda: shutil.rmtree(self.folder / "photos"))
@@ -136,7 +136,7 @@ class VanishingFiles(Shoot):
         self.assertEqual(self.read_result()["code"], 4)
 
 
-class LostOutput(Shoot):
+class MissingOutput(Shoot):
     def commands(self):
         self.calibrate()
         log = next(self.log_folder.glob("run_001/log_*"))
@@ -175,7 +175,7 @@ class LostOutput(Shoot):
     def test_keeps_the_result(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
             self.calibrate("--verbose", stdout=full)
-        self.assert_same_figures(self.read_result())
+        self.assert_same_values(self.read_result())
         self.assertTrue((self.log_folder / "run_001" / "report.html").exists())
 
 
