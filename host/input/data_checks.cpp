@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "crosscheck/twist.h"
 #include "host/findings/finding_text.h"
 #include "host/input/data_file.h"
 #include "host/input/inputs.h"
@@ -25,7 +26,6 @@ constexpr double kMoveMetres = 1e-3;
 constexpr double kMoveDegrees = 0.1;
 // With fewer the library fails; it counts the same photograph twice as two.
 constexpr std::size_t kLeastPhotographs = 12;
-constexpr double kDegreesPerRadian = 57.295779513082323;
 
 double Norm(double a, double b, double c, double d = 0) {
   return std::hypot(std::hypot(a, b), std::hypot(c, d));
@@ -49,7 +49,7 @@ double Degrees(const TrackerPose& a, const TrackerPose& b) {
     product += a[i] * b[i];
   }
   const double cosine = std::abs(product) / (QuaternionNorm(a) * QuaternionNorm(b));
-  return 2 * std::acos(std::min(cosine, 1.0)) * kDegreesPerRadian;
+  return 2 * std::acos(std::min(cosine, 1.0)) / crosscheck::kDegree;
 }
 
 bool Moves(const TrackerPose& a, const TrackerPose& b) {

@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "crosscheck/twist.h"
 #include "host/engines/placement.h"
 #include "host/input/inputs.h"
 #include "host/text/files.h"
@@ -40,7 +41,6 @@ bool HasAll(const Json& json, std::initializer_list<const char*> keys) {
   return std::all_of(keys.begin(), keys.end(), [&](const char* key) { return json.contains(key); });
 }
 
-constexpr double kDegreesPerRadian = 57.295779513082321;
 constexpr double kMillimetresPerMetre = 1000.0;
 
 CalibrationOutputs Parse(const nlohmann::json& json, const std::array<double, 2>& sensor) {
@@ -145,7 +145,7 @@ TransformDifference Difference(const std::vector<double>& a, const std::vector<d
   // By the distance between the matrices: the arc cosine of a trace loses small angles.
   const double sine = std::sqrt(rotationSquares / 8);
   return {kMillimetresPerMetre * std::sqrt(translationSquares),
-          2 * std::asin(std::min(sine, 1.0)) * kDegreesPerRadian};
+          2 * std::asin(std::min(sine, 1.0)) / crosscheck::kDegree};
 }
 
 CalibrationOutputs ReadTruth(const std::filesystem::path& path,
