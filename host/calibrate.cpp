@@ -67,6 +67,7 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
   report.photographs = std::move(list);
   const std::vector<std::size_t> given = ToRun(report.photographs);
   std::vector<DataRow> givenRows;
+  givenRows.reserve(given.size());
   for (const std::size_t entry : given) {
     givenRows.push_back(rows[report.photographs[entry].index]);
   }

@@ -322,8 +322,13 @@ class RowSorter {
     for (std::size_t i = kFirstPoseField; i < std::min(kFields, fields.size()); ++i) {
       if (const auto kind = FaultOf(fields[i])) {
         hasPoses = false;
-        const ValueFault first = {*kind, {}, i + 1, row.photograph};
-        values_.try_emplace(*kind, FaultyValues{first, {}}).first->second.rows.Add(row);
+        FaultyValues& values = values_[*kind];
+        if (values.rows.lines.empty()) {
+          values.first.kind = *kind;
+          values.first.field = i + 1;
+          values.first.photograph = row.photograph;
+        }
+        values.rows.Add(row);
       }
     }
     if (hasPoses) {
