@@ -140,7 +140,7 @@ fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
 
 WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
   const nlohmann::ordered_json result = host::ResultJson(report);
-  const std::string text = host::JsonText(result);
+  std::string text = host::JsonText(result);
   WrittenFiles written;
   if (!options.result.empty()) {
     written.result = Write(options.result, true, written, [&] { return text; });

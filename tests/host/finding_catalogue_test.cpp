@@ -166,7 +166,7 @@ std::string Catalogue() {
 }
 
 TEST(FindingCatalogue, IsTheOneInTheFile) {
-  const std::filesystem::path file = std::filesystem::u8path(TRACKEDCAM_FINDING_CATALOGUE);
+  const std::string file = TRACKEDCAM_FINDING_CATALOGUE;
   if (std::getenv("TRACKEDCAM_UPDATE_CATALOGUE") != nullptr) {
     test::WriteFile(file, Catalogue());
   }
