@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "host/text/files.h"
 #include "host/text/text.h"
@@ -75,20 +76,6 @@ bool WorksIn(const fs::path& folder) {
   return fs::equivalent(fs::current_path(), folder, error);
 }
 
-std::string NameForLibrary(const DataRow& row, const fs::path& workingFolder, bool worksThere) {
-  const std::string& photograph = row.photograph;
-  if (photograph.empty()) {
-    return photograph;
-  }
-  try {
-    const bool serves = fs::u8path(photograph).is_absolute() || worksThere;
-    return serves && StaysInFolder(photograph) ? photograph
-                                               : AbsolutePath(photograph, workingFolder);
-  } catch (const std::exception&) {  // what is no path on this system names no photograph
-    return photograph;
-  }
-}
-
 // Where the library writes the image, in a folder that exists. Empty for a name that is no path on
 // this system: the run goes on without the image.
 fs::path ImageWithFolder(const fs::path& runFolder, const std::string& photograph) {
@@ -98,6 +85,29 @@ fs::path ImageWithFolder(const fs::path& runFolder, const std::string& photograp
     return image;
   } catch (const std::system_error&) {
     return {};
+  }
+}
+
+struct NameAndImage {
+  std::string name;  // as the library is given it
+  fs::path image;
+};
+
+NameAndImage ForLibrary(const std::string& photograph, const fs::path& workingFolder,
+                        bool worksThere, const fs::path& runFolder) {
+  try {
+    const bool serves = photograph.empty() || fs::u8path(photograph).is_absolute() || worksThere;
+    if (serves && StaysInFolder(photograph)) {
+      fs::path image = ImageWithFolder(runFolder, photograph);
+      // Windows has no folder whose name ends with a dot, which ../photos/a.jpg would need.
+      if (!image.empty()) {
+        return {photograph, std::move(image)};
+      }
+    }
+    const std::string name = AbsolutePath(photograph, workingFolder);
+    return {name, ImageWithFolder(runFolder, name)};
+  } catch (const std::exception&) {  // what is no path on this system names no photograph
+    return {photograph, {}};
   }
 }
 
@@ -144,10 +154,10 @@ RunData WriteRunData(const std::vector<DataRow>& rows, const fs::path& workingFo
   const bool worksThere = WorksIn(workingFolder);
   std::string text = "Time,photograph,and both trackers\n";
   for (const DataRow& row : rows) {
-    const std::string name = NameForLibrary(row, workingFolder, worksThere);
+    auto [name, image] = ForLibrary(row.photograph, workingFolder, worksThere, runFolder);
     text += WithPhotograph(row, name) + '\n';
-    data.photographs.push_back(name);
-    data.images.push_back(ImageWithFolder(runFolder, name));
+    data.photographs.push_back(std::move(name));
+    data.images.push_back(std::move(image));
   }
   WriteFile(data.file, text);
   return data;

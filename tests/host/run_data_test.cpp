@@ -77,10 +77,23 @@ TEST_F(RunDataTest, KnowsWhereTheLibraryWritesTheImages) {
   EXPECT_FALSE(fs::exists(run / "Reproject_photos" / "a.jpg"));
 }
 
-TEST_F(RunDataTest, DoesWithoutTheImageIfItsFolderCannotBe) {
+TEST_F(RunDataTest, NamesAPhotographInFullIfTheFolderOfItsImageCannotBe) {
   test::WriteFile((run / "Reproject_photos").u8string(), "in the way");
   const RunData data = Write({"photos/a.jpg", "more/b.jpg"});
-  EXPECT_THAT(data.images, ElementsAre(fs::path(), run / "Reproject_more/b.jpg"));
+  EXPECT_EQ(fs::u8path(data.photographs[0]), fs::weakly_canonical(shoot / "photos" / "a.jpg"));
+  EXPECT_TRUE(IsBelow(run, data.images[0]));
+  EXPECT_TRUE(fs::is_directory(data.images[0].parent_path()));
+  EXPECT_EQ(data.photographs[1], "more/b.jpg");
+  EXPECT_EQ(data.images[1], run / "Reproject_more/b.jpg");
+}
+
+TEST_F(RunDataTest, DoesWithoutAnImageThatCannotBe) {
+  for (const char* blocker : {"Reproject_photos", "Reproject_"}) {
+    test::WriteFile((run / blocker).u8string(), "in the way");
+  }
+  const RunData data = Write({"photos/a.jpg"});
+  // On Windows the whole path ends with a backslash and the name: the image needs no folder.
+  EXPECT_EQ(data.images[0].empty(), fs::path::preferred_separator == '/');
 }
 
 TEST(RunConfig, HoldsWhatTheLibraryWasGiven) {

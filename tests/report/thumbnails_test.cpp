@@ -63,7 +63,7 @@ TEST_F(ThumbnailsTest, ForOneMissingReprojectedImageOnlyThatOneShowsItsPhotograp
     photographs.push_back({{"path", Image(name, kRed)},
                            {"reprojectedImage", Image(std::string("Reproject_") + name, kBlue)}});
   }
-  std::filesystem::remove(folder.File("Reproject_b.png"));
+  std::filesystem::remove(folder.Path() / "Reproject_b.png");
   const std::vector<Thumbnail> thumbnails = MakeThumbnails({{"photographs", photographs}});
   ASSERT_EQ(thumbnails.size(), 3U);
   EXPECT_TRUE(IsOf(kBlue, thumbnails[0]));
