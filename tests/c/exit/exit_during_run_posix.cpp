@@ -26,6 +26,7 @@ void PrintCount() {
 }  // namespace
 
 // Every static object registers its destructor here, in the program and in all libraries.
+// NOLINTNEXTLINE(readability-identifier-naming): the system's own name
 extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destructor)(void*),
                                                                    void* object, void* library) {
   using Function = int(void (*)(void*), void*, void*);
