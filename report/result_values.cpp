@@ -7,8 +7,11 @@
 #include <nlohmann/json.hpp>
 
 namespace trackedcam::report {
+namespace {
 
 using Json = nlohmann::ordered_json;
+
+}  // namespace
 
 std::string Fixed(const std::optional<double>& number, int decimals) {
   constexpr const char* kDash = "\xE2\x80\x93";
