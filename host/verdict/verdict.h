@@ -24,8 +24,8 @@ struct Limits {
   Limit lensErrorPixels;
   std::optional<Limit> reprojectionErrorPixels;  // empty if the image size is not known
   Limit translationSpreadMetres;
-  double photographAngleDegrees =
-      0;  // the filter leaves a photograph out whose axis is farther off
+  /// The filter leaves a photograph out whose axis is farther off.
+  double photographAngleDegrees = 0;
 };
 
 /// The limits of a run. That of the reprojection error grows with the height of the image.

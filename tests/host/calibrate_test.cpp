@@ -1,5 +1,7 @@
 #include "host/calibrate.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "simulator/shoot.h"

@@ -130,6 +130,23 @@ TEST(ResultJson, HasTheMountingInBothAxes) {
   EXPECT_TRUE(ResultJson(report)["inputs"]["mountingReported"].is_null());
 }
 
+TEST(ResultJson, SaysWhetherTheMountingIsCertainlyOffAndByWhichMistake) {
+  const auto nominal = [](double p) {
+    Report report = GoodReport();
+    report.crossCheck.emplace();
+    report.crossCheck->library.emplace();
+    report.crossCheck->library->p = p;
+    report.crossCheck->nominalMounting.emplace();
+    report.crossCheck->nominalMounting->likelyMistake = crosscheck::MountingMistake::kInverse;
+    return Json::parse(JsonText(ResultJson(report)))["crossCheck"];
+  };
+  EXPECT_EQ(nominal(0.0001)["library"]["isCertain"], true);
+  EXPECT_EQ(nominal(0.001)["library"]["isCertain"], false);
+  EXPECT_EQ(nominal(0.5)["library"]["isCertain"], false);
+  EXPECT_EQ(nominal(0.5)["nominalMounting"]["likelyMistake"], "inverse");
+  EXPECT_FALSE(nominal(0.5)["nominalMounting"]["likelyMistakeText"].get<std::string>().empty());
+}
+
 TEST(ResultJson, OfWrongUseHasTheLastLine) {
   Report report;
   report.run.code = -1;
