@@ -17,8 +17,8 @@ using namespace trackedcam;
 using host::arithmetic::DegreesBetween;
 using List = std::vector<double>;
 
-constexpr double kDegrees = 0.05;  // the error of single precision near gimbal lock
-constexpr double kCentimetres = 2e-4;  // metres and centimetres are rounded, below 18 m
+constexpr double kDegrees = 0.05;              // the error of single precision near gimbal lock
+constexpr double kCentimetres = 2e-4;          // metres and centimetres are rounded, below 18 m
 constexpr const char* kNowhere = "/dev/null";  // a log folder in which no file can be created
 
 // A rotation from four numbers, and a translation below 10 metres along each axis.
