@@ -2,11 +2,22 @@
 
 namespace trackedcam::simulator {
 
+// A paraboloid: paper on a board that sags, or on one that is glued too tightly.
+double Chart::Depth(double x, double y) const {
+  const double right = 2 * x / (cols - 1) - 1;
+  const double down = 2 * y / (rows - 1) - 1;
+  return bowMetres * (1 - (right * right + down * down) / 2);
+}
+
+Eigen::Vector3d Chart::At(double x, double y) const {
+  return {x * squareMetres * (1 + stretch), y * squareMetres, Depth(x, y)};
+}
+
 std::vector<Eigen::Vector3d> Chart::Corners() const {
   std::vector<Eigen::Vector3d> corners;
   for (int row = 0; row < rows; ++row) {
     for (int col = 0; col < cols; ++col) {
-      corners.emplace_back(col * squareMetres, row * squareMetres, 0);
+      corners.push_back(At(col, row));
     }
   }
   return corners;
@@ -14,14 +25,16 @@ std::vector<Eigen::Vector3d> Chart::Corners() const {
 
 std::vector<Eigen::Vector3d> Chart::PaperOutline() const {
   constexpr int kSteps = 16;
-  const Eigen::Vector3d right(PaperSize().x() / 2, 0, 0);
-  const Eigen::Vector3d down(0, PaperSize().y() / 2, 0);
+  const double middleX = (cols - 1) / 2.0;
+  const double middleY = (rows - 1) / 2.0;
+  const double halfWidth = middleX + 1 + kBorderSquares;
+  const double halfHeight = middleY + 1 + kBorderSquares;
   std::vector<Eigen::Vector3d> outline;
   for (int step = 0; step < kSteps; ++step) {
     const double along = 2.0 * step / kSteps - 1;
     for (const double side : {-1, 1}) {
-      outline.emplace_back(Centre() + side * (along * right + down));
-      outline.emplace_back(Centre() + side * (right - along * down));
+      outline.push_back(At(middleX + side * along * halfWidth, middleY + side * halfHeight));
+      outline.push_back(At(middleX + side * halfWidth, middleY - side * along * halfHeight));
     }
   }
   return outline;

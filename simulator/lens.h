@@ -1,4 +1,4 @@
-// The simulated lens: a pinhole camera with radial distortion.
+// The simulated lens: a pinhole camera with radial and tangential distortion.
 
 #pragma once
 
@@ -10,6 +10,9 @@ struct Lens {
   double fx, fy;  // pixels
   double cx, cy;  // pixels; the centre of the first pixel is (0, 0)
   double k1, k2;  // radial distortion, second and fourth order
+  // The rest of the distortion, which the calibration does not model.
+  double p1 = 0, p2 = 0;  // tangential
+  double k3 = 0;          // radial, sixth order
 
   /// Projects a point in front of the camera (frame Cam, metres) to pixels.
   Eigen::Vector2d Project(const Eigen::Vector3d& point) const;

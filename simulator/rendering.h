@@ -34,8 +34,8 @@ class ChartPainter {
   };
 
   cv::Rect PaintedArea(const Eigen::Isometry3d& Transform_Cam_Chart) const;
-  void ToChart(const Eigen::Matrix3d& homography, const Point* rays,
-               std::vector<ChartPoint>& points) const;
+  void ToChart(const Eigen::Matrix3d& homography, const Eigen::Vector3d& perMetre,
+               const Point* rays, std::vector<ChartPoint>& points) const;
   float MeanLevel(const ChartPoint* upper, const ChartPoint* lower, float background) const;
   float Level(double x, double y, float background) const;
 

@@ -7,6 +7,7 @@
 
 #include "simulator/mounting.h"
 #include "simulator/random.h"
+#include "simulator/tracking.h"
 
 namespace trackedcam::simulator {
 namespace {
@@ -23,6 +24,8 @@ constexpr double kLeastFill = 0.65;
 constexpr double kMostFill = 1.05;
 // Distance of the paper from the edge of the image, as a fraction of width or height.
 constexpr double kMargin = 0.01;
+// From the first pose on a turntable to the last.
+constexpr double kTurntableAngle = Radians(50);
 // Successive tilts by the golden angle go to all sides, for any number of photographs.
 constexpr double kGoldenAngle = Radians(137.50776405);
 
@@ -34,11 +37,15 @@ class ChartPoses {
         lens_(LensOf(options)),
         size_(options.imageWidth, options.imageHeight) {}
 
-  Eigen::Isometry3d DrawSeen(double tiltSide, Random& random) const {
+  /// A pose that shows the whole chart after each of these motions in frame Chart.
+  Eigen::Isometry3d DrawSeen(double tiltSide, const std::vector<Eigen::Isometry3d>& motions,
+                             Random& random) const {
     constexpr int kTries = 10000;
     for (int i = 0; i < kTries; ++i) {
       Eigen::Isometry3d pose = Draw(tiltSide, random);
-      if (IsFacing(pose) && Fits(pose)) {
+      if (std::all_of(motions.begin(), motions.end(), [&](const Eigen::Isometry3d& motion) {
+            return IsFacing(pose * motion) && Fits(pose * motion);
+          })) {
         return pose;
       }
     }
@@ -109,7 +116,7 @@ Mounting DrawMounting(Random& random) {
 // A chart held by hand, roughly upright, a few metres from the tracking system's origin.
 Eigen::Isometry3d DrawTransform_Base_Chart(Random& random) {
   const Eigen::Isometry3d stand =
-      Eigen::Translation3d(0.4, 1.1, -1.8) *
+      Eigen::Translation3d(kMiddleOfVolume) *
       Eigen::AngleAxisd(Radians(160), Eigen::Vector3d(1, 0.1, 0.2).normalized());
   // Drawn in separate statements: the order in which arguments are evaluated is unspecified.
   const double metres = random.Uniform(0, 0.5);
@@ -117,26 +124,18 @@ Eigen::Isometry3d DrawTransform_Base_Chart(Random& random) {
   return stand * random.Displacement(Radians(degrees), metres);
 }
 
-Eigen::Isometry3d WithNoise(const Eigen::Isometry3d& pose, const ShootOptions& options,
-                            Random& random) {
-  const Eigen::Vector3d turn = Radians(options.trackerNoiseDegrees) * random.NormalVector();
-  const Eigen::Vector3d shift = options.trackerNoiseMm * kMetresPerMm * random.NormalVector();
-  Eigen::Isometry3d noise(Eigen::Translation3d{shift});
-  if (const double angle = turn.norm(); angle > 0) {
-    noise.rotate(Eigen::AngleAxisd(angle, turn / angle));
+// The motions of a chart on a turntable, one for each pose: about the line through its middle along
+// its columns.
+std::vector<Eigen::Isometry3d> TurntableMotions(const ShootOptions& options) {
+  const Eigen::Translation3d middle(options.chart.Centre());
+  const int last = (options.photographs - 1) / options.heldPoses;
+  std::vector<Eigen::Isometry3d> motions;
+  for (int i = 0; i <= last; ++i) {
+    const double angle = last == 0 ? 0 : (i / static_cast<double>(last) - 0.5) * kTurntableAngle;
+    motions.emplace_back(middle * Eigen::AngleAxisd(angle, Eigen::Vector3d::UnitY()) *
+                         middle.inverse());
   }
-  return pose * noise;
-}
-
-void TrackPhotograph(Photograph& photograph, const ShootOptions& options, Random& random) {
-  photograph.trackedTc = WithNoise(photograph.Transform_Base_Tc, options, random);
-  photograph.trackedTr = WithNoise(photograph.Transform_Base_Tr, options, random);
-  if (photograph.flaw == Flaw::kSlippedTracker) {
-    Eigen::Isometry3d& slipped =
-        random.Uniform(0, 1) < 0.5 ? photograph.trackedTc : photograph.trackedTr;
-    slipped =
-        slipped * random.Displacement(Radians(options.slipDegrees), options.slipMm * kMetresPerMm);
-  }
+  return motions;
 }
 
 // One flaw for each photograph, in random order.
@@ -160,22 +159,68 @@ std::string PhotographPath(int index) {
   return "photos/img_" + zeros + number + ".jpg";
 }
 
-Photograph TakePhotograph(const Shoot& shoot, int index, Flaw flaw,
-                          const Eigen::Isometry3d& Transform_Cam_Chart) {
-  Random random(shoot.options.seed, Draw::kTrackers, index);
-  const Eigen::Isometry3d Transform_Base_Chart = DrawTransform_Base_Chart(random);
+// Camera and chart, for which the chart is drawn. On a turntable the camera stays where it was for
+// the first photograph.
+Photograph PosePhotograph(const Shoot& shoot, const Eigen::Isometry3d& Transform_Cam_Chart,
+                          const Eigen::Isometry3d& drawnTransform_Base_Chart) {
+  const bool isOnTurntable = shoot.options.turntable && !shoot.photographs.empty();
+  const Eigen::Isometry3d Transform_Base_Chart =
+      isOnTurntable ? shoot.photographs.front().Transform_Base_Tc *
+                          shoot.Transform_Cam_Tc.inverse() * Transform_Cam_Chart
+                    : drawnTransform_Base_Chart;
   Photograph photograph;
-  photograph.path = PhotographPath(index);
-  photograph.flaw = flaw;
   photograph.Transform_Cam_Chart = Transform_Cam_Chart;
   photograph.Transform_Base_Tc =
       Transform_Base_Chart * Transform_Cam_Chart.inverse() * shoot.Transform_Cam_Tc;
   photograph.Transform_Base_Tr = Transform_Base_Chart * shoot.trueMounting.Transform().inverse();
-  TrackPhotograph(photograph, shoot.options, random);
   for (const Eigen::Vector3d& corner : shoot.options.chart.Corners()) {
     photograph.corners.push_back(shoot.lens.Project(Transform_Cam_Chart * corner));
   }
   return photograph;
+}
+
+void Slip(Photograph& photograph, const ShootOptions& options, Random& random) {
+  Eigen::Isometry3d& slipped =
+      random.Uniform(0, 1) < 0.5 ? photograph.trackedTc : photograph.trackedTr;
+  slipped =
+      slipped * random.Displacement(Radians(options.slipDegrees), options.slipMm * kMetresPerMm);
+}
+
+// The first row that is frozen, if any is. It has a row before it.
+int DrawFirstFrozenRow(const ShootOptions& options) {
+  Random random(options.seed, Draw::kFrozen);
+  return static_cast<int>(random.Uniform(1, options.photographs - options.frozenRows + 1));
+}
+
+void TakePhotographs(Shoot& shoot) {
+  const ShootOptions& options = shoot.options;
+  const std::vector<Flaw> flaws = DrawFlaws(options);
+  const std::vector<Eigen::Isometry3d> poses = DrawChartPoses(options);
+  const int firstFrozenRow = DrawFirstFrozenRow(options);
+  Tracking tracking(options);
+  TrackerPoses reported;
+  for (int i = 0; i < options.photographs; ++i) {
+    Random random(options.seed, Draw::kTrackers, i);
+    const Eigen::Isometry3d drawn = DrawTransform_Base_Chart(random);
+    const bool isHeld = i % options.heldPoses != 0;
+    Photograph photograph =
+        isHeld ? shoot.photographs.back() : PosePhotograph(shoot, poses[i], drawn);
+    photograph.path = PhotographPath(i);
+    photograph.flaw = flaws[i];
+    photograph.isFrozen = i >= firstFrozenRow && i < firstFrozenRow + options.frozenRows;
+
+    const TrackerPoses now =
+        tracking.Report({photograph.Transform_Base_Tc, photograph.Transform_Base_Tr}, random);
+    if (!photograph.isFrozen && !(isHeld && options.repeatedRows)) {
+      reported = now;
+    }
+    photograph.trackedTc = reported.Transform_Base_Tc;
+    photograph.trackedTr = reported.Transform_Base_Tr;
+    if (photograph.flaw == Flaw::kSlippedTracker) {
+      Slip(photograph, options, random);
+    }
+    shoot.photographs.push_back(photograph);
+  }
 }
 
 }  // namespace
@@ -200,20 +245,22 @@ Shoot SimulateShoot(const ShootOptions& options) {
                                                       options.mountingErrorMm * kMetresPerMm);
   shoot.trueMounting = MountingOf(shoot.nominalMounting.Transform() * error);
 
-  const std::vector<Flaw> flaws = DrawFlaws(options);
-  const std::vector<Eigen::Isometry3d> poses = DrawChartPoses(options);
-  for (int i = 0; i < options.photographs; ++i) {
-    shoot.photographs.push_back(TakePhotograph(shoot, i, flaws[i], poses[i]));
-  }
+  TakePhotographs(shoot);
   return shoot;
 }
 
 std::vector<Eigen::Isometry3d> DrawChartPoses(const ShootOptions& options) {
   const ChartPoses poses(options);
+  const std::vector<Eigen::Isometry3d> motions =
+      options.turntable ? TurntableMotions(options)
+                        : std::vector<Eigen::Isometry3d>{Eigen::Isometry3d::Identity()};
   std::vector<Eigen::Isometry3d> drawn;
   for (int i = 0; i < options.photographs; ++i) {
-    Random random(options.seed, Draw::kPose, i);
-    drawn.push_back(poses.DrawSeen(i * kGoldenAngle, random));
+    const int number = i / options.heldPoses;
+    const int place = options.turntable ? 0 : number;
+    Random random(options.seed, Draw::kPose, place);
+    const Eigen::Isometry3d pose = poses.DrawSeen(place * kGoldenAngle, motions, random);
+    drawn.push_back(options.turntable ? pose * motions[number] : pose);
   }
   return drawn;
 }

@@ -26,8 +26,9 @@ struct Photograph {
   Eigen::Isometry3d Transform_Cam_Chart;
   Eigen::Isometry3d Transform_Base_Tc;
   Eigen::Isometry3d Transform_Base_Tr;
-  Eigen::Isometry3d trackedTc;  // Transform_Base_Tc with the tracking system's noise and slips
-  Eigen::Isometry3d trackedTr;  // Transform_Base_Tr with the tracking system's noise and slips
+  Eigen::Isometry3d trackedTc;  // Transform_Base_Tc as it is reported, with noise, slips and flaws
+  Eigen::Isometry3d trackedTr;  // Transform_Base_Tr as it is reported, with noise, slips and flaws
+  bool isFrozen = false;        // reported are the poses of the photograph before
 
   /// The inner corners, pixels, row by row; the centre of the first pixel is (0, 0).
   std::vector<Eigen::Vector2d> corners;
@@ -51,7 +52,7 @@ Shoot SimulateShoot(const ShootOptions& options);
 
 /// Transform_Cam_Chart of each photograph, good for solving a lens: the paper fills most of the
 /// image and is never cut off, is tilted to all sides, rolled, near and far, and everywhere in the
-/// image.
+/// image. On a turntable it is never cut off, but only rotates.
 /// @throws std::invalid_argument if no such pose is found.
 std::vector<Eigen::Isometry3d> DrawChartPoses(const ShootOptions& options);
 

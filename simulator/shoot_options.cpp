@@ -1,5 +1,6 @@
 #include "simulator/shoot_options.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -8,6 +9,11 @@
 
 namespace trackedcam::simulator {
 namespace {
+
+// Beyond these, pixels have no unique place on the chart.
+constexpr double kMostTangential = 0.02;
+constexpr double kMostBow = 0.05;  // of the board's shorter side
+constexpr double kMostStretch = 0.1;
 
 // The callers compare so that NaN is refused as well.
 void Require(bool isMet, const std::string& demand) {
@@ -39,6 +45,7 @@ void CheckCounts(const ShootOptions& options) {
   RequireAtLeast("notAnImage", options.notAnImage, 0);
   RequireAtLeast("withoutChart", options.withoutChart, 0);
   RequireAtLeast("outliers", options.outliers, 0);
+  RequireAtLeast("heldPoses", options.heldPoses, 1);
   const double flawed =
       0.0 + options.missing + options.notAnImage + options.withoutChart + options.outliers;
   Require(flawed <= options.photographs,
@@ -53,19 +60,24 @@ void CheckChart(const Chart& chart) {
   Require(chart.cols != chart.rows,
           "chart.cols and chart.rows must differ: a square board looks the same from all sides, so "
           "its first corner is unknown.");
+  RequireWithin("chart.stretch", chart.stretch, -kMostStretch, kMostStretch);
+  const double mostBow = kMostBow * (std::min(chart.cols, chart.rows) - 1) * chart.squareMetres;
+  RequireWithin("chart.bowMetres", chart.bowMetres, -mostBow, mostBow);
 }
 
 void CheckLens(const ShootOptions& options) {
   const Lens lens = LensOf(options);
   RequireAbove0("fx", lens.fx);
   RequireAbove0("fy", lens.fy);
+  RequireWithin("p1", lens.p1, -kMostTangential, kMostTangential);
+  RequireWithin("p2", lens.p2, -kMostTangential, kMostTangential);
   const double right = options.imageWidth;
   const double bottom = options.imageHeight;
   for (const Eigen::Vector2d& corner :
        {Eigen::Vector2d(-1, -1), {right, -1}, {-1, bottom}, {right, bottom}}) {
     Require(lens.Reaches(corner),
-            "The lens does not cover the whole image: choose k1 and k2 nearer to 0, a longer focal "
-            "length or a principal point nearer to the centre.");
+            "The lens does not cover the whole image: choose k1, k2 and k3 nearer to 0, a longer "
+            "focal length or a principal point nearer to the centre.");
   }
 }
 
@@ -85,6 +97,15 @@ void CheckOptions(const ShootOptions& options) {
   RequireWithin("jpegQuality", options.jpegQuality, 1, 100);
   RequireAtLeast("trackerNoiseMm", options.trackerNoiseMm, 0);
   RequireAtLeast("trackerNoiseDegrees", options.trackerNoiseDegrees, 0);
+  RequireWithin("noiseCorrelation", options.noiseCorrelation, 0, 1);
+  RequireAbove0("trackerScale", options.trackerScale);
+  RequireWithin("volumeBendMm", options.volumeBendMm, -100, 100);
+  RequireAtLeast("poseErrorMm", options.poseErrorMm, 0);
+  RequireAtLeast("poseErrorDegrees", options.poseErrorDegrees, 0);
+  RequireWithin("delayMs", options.delayMs, 0, 1000 * kSecondsBetweenPhotographs);
+  RequireAtLeast("sagMm", options.sagMm, 0);
+  RequireAtLeast("looseMm", options.looseMm, 0);
+  RequireWithin("frozenRows", options.frozenRows, 0, options.photographs - 1);
   RequireAtLeast("slipMm", options.slipMm, 0);
   RequireAtLeast("slipDegrees", options.slipDegrees, 0);
   RequireAtLeast("mountingErrorMm", options.mountingErrorMm, 0);

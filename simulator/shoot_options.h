@@ -10,6 +10,8 @@
 
 namespace trackedcam::simulator {
 
+constexpr double kSecondsBetweenPhotographs = 2.5;
+
 struct ShootOptions {
   std::uint64_t seed = 1;  // of all random numbers
 
@@ -18,6 +20,10 @@ struct ShootOptions {
   int notAnImage = 0;    // photographs that are text files
   int withoutChart = 0;  // photographs that do not show the chart
   int outliers = 0;      // photographs in which one of the trackers had slipped
+
+  int heldPoses = 1;          // photographs in a row for which camera and chart are held
+  bool repeatedRows = false;  // all photographs of a held pose have the reported poses of the first
+  bool turntable = false;     // the camera stands, and the chart only rotates about one axis
 
   int imageWidth = 1920;          // pixels
   int imageHeight = 1080;         // pixels
@@ -33,6 +39,15 @@ struct ShootOptions {
 
   double trackerNoiseMm = 0;       // standard deviation along each axis
   double trackerNoiseDegrees = 0;  // standard deviation about each axis
+  double noiseCorrelation = 0;     // of one photograph's noise with the next one's, 0 to 1
+  double trackerScale = 1;         // reported lengths are this many times the true ones
+  double volumeBendMm = 0;         // by which lines are bent up, 1 m to either side of their middle
+  double poseErrorMm = 0;          // root mean square along each axis; it belongs to the pose
+  double poseErrorDegrees = 0;     // root mean square about each axis; it belongs to the pose
+  double delayMs = 0;              // of the reported poses, while the hands move
+  double sagMm = 0;                // of the camera's tracker on its mount, downwards
+  double looseMm = 0;              // between two seats of the camera's tracker
+  int frozenRows = 0;              // in a row, with the poses of the row before them
   double slipMm = 40;              // of an outlier's tracker
   double slipDegrees = 3;          // of an outlier's tracker
 

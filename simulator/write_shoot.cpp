@@ -25,7 +25,6 @@ constexpr const char* kHeader =
     "Tc x,Tc y,Tc z,Tc qw,Tc qx,Tc qy,Tc qz,"
     "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
 constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
-constexpr double kSecondsBetweenPhotographs = 2.5;
 
 // The tracking system reports other axes of a tracker: its x, y, z are -x, -z, -y here.
 Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {

@@ -1,0 +1,111 @@
+#include "simulator/tracking.h"
+
+#include <cmath>
+
+#include "simulator/mounting.h"
+
+namespace trackedcam::simulator {
+namespace {
+
+constexpr double kMetresPerMm = 1e-3;
+constexpr double kSecondsPerMs = 1e-3;
+
+Eigen::Isometry3d RotationBy(const Eigen::Vector3d& rotation) {
+  Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
+  if (const double angle = rotation.norm(); angle > 0) {
+    pose.rotate(Eigen::AngleAxisd(angle, rotation / angle));
+  }
+  return pose;
+}
+
+// The pose after this share of the way back.
+Eigen::Isometry3d OnTheWayBack(const Eigen::Isometry3d& from, const Eigen::Isometry3d& to,
+                               double share) {
+  Eigen::Isometry3d pose = from;
+  pose.translation() += share * (to.translation() - from.translation());
+  pose.linear() = Eigen::Quaterniond(from.linear())
+                      .slerp(share, Eigen::Quaterniond(to.linear()))
+                      .toRotationMatrix();
+  return pose;
+}
+
+// An error that belongs to a pose and changes smoothly from one to another, as that of a measuring
+// arm. Each element has a root mean square of about 1.
+Eigen::Vector3d SmoothError(const Eigen::Isometry3d& pose, double phase) {
+  const Eigen::Matrix3d& rotation = pose.linear();
+  Eigen::Vector3d error;
+  for (int axis = 0; axis < 3; ++axis) {
+    const double argument = 3 * rotation(axis, (axis + 1) % 3) +
+                            2 * rotation((axis + 2) % 3, axis) + 4 * pose.translation()[axis] +
+                            2 * axis + phase;
+    error[axis] = std::sqrt(2.0) * std::sin(argument);
+  }
+  return error;
+}
+
+}  // namespace
+
+TrackerPoses Tracking::Report(const TrackerPoses& truth, Random& random) {
+  const TrackerPoses seen = Delayed(truth);
+  TrackerPoses reported;
+  reported.Transform_Base_Tc =
+      WithNoise(Distorted(Mounted(seen.Transform_Base_Tc)), noiseOfTc_, random);
+  reported.Transform_Base_Tr = WithNoise(Distorted(seen.Transform_Base_Tr), noiseOfTr_, random);
+  before_ = truth;
+  ++photograph_;
+  return reported;
+}
+
+// The hands move evenly from one photograph to the next.
+TrackerPoses Tracking::Delayed(const TrackerPoses& truth) const {
+  if (options_.delayMs == 0 || !before_) {
+    return truth;
+  }
+  const double share = options_.delayMs * kSecondsPerMs / kSecondsBetweenPhotographs;
+  return {OnTheWayBack(truth.Transform_Base_Tc, before_->Transform_Base_Tc, share),
+          OnTheWayBack(truth.Transform_Base_Tr, before_->Transform_Base_Tr, share)};
+}
+
+// Where the camera's tracker is on its mount, which bends under its weight and has two seats.
+Eigen::Isometry3d Tracking::Mounted(const Eigen::Isometry3d& Transform_Base_Tc) const {
+  Eigen::Isometry3d mounted = Transform_Base_Tc;
+  mounted.translation().y() -= options_.sagMm * kMetresPerMm;
+  if (options_.looseMm != 0) {
+    // A loose tracker stays in its seat as long as the camera is held.
+    Random random(options_.seed, Draw::kSeat, photograph_ / options_.heldPoses);
+    const double side = random.Uniform(0, 1) < 0.5 ? -0.5 : 0.5;
+    mounted.translate(side * options_.looseMm * kMetresPerMm * Eigen::Vector3d(2, -1, 2) / 3);
+  }
+  return mounted;
+}
+
+// Lines are bent, lengths are measured wrongly, and each pose has its own error.
+Eigen::Isometry3d Tracking::Distorted(const Eigen::Isometry3d& pose) const {
+  Eigen::Isometry3d distorted = pose;
+  const double aside = pose.translation().x() - kMiddleOfVolume.x();
+  distorted.translation().y() += options_.volumeBendMm * kMetresPerMm * aside * aside;
+  distorted.translation() *= options_.trackerScale;
+  if (options_.poseErrorMm != 0 || options_.poseErrorDegrees != 0) {
+    distorted.pretranslate(options_.poseErrorMm * kMetresPerMm * SmoothError(pose, 0));
+    distorted = distorted * RotationBy(Radians(options_.poseErrorDegrees) * SmoothError(pose, 1));
+  }
+  return distorted;
+}
+
+// Successive noise has the stated correlation and always the same spread.
+Eigen::Isometry3d Tracking::WithNoise(const Eigen::Isometry3d& pose, std::optional<Noise>& noise,
+                                      Random& random) const {
+  Noise next;
+  next.rotation = Radians(options_.trackerNoiseDegrees) * random.NormalVector();
+  next.translation = options_.trackerNoiseMm * kMetresPerMm * random.NormalVector();
+  if (noise) {
+    const double kept = options_.noiseCorrelation;
+    const double added = std::sqrt(1 - kept * kept);
+    next.rotation = kept * noise->rotation + added * next.rotation;
+    next.translation = kept * noise->translation + added * next.translation;
+  }
+  noise = next;
+  return pose * Eigen::Translation3d(next.translation) * RotationBy(next.rotation);
+}
+
+}  // namespace trackedcam::simulator
