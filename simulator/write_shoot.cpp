@@ -83,6 +83,24 @@ Json MountingJson(const Mounting& mounting) {
           {"transformTrChart", Numbers(mounting.Transform())}};
 }
 
+// What the calibration's model leaves out; its lens is in "distortion".
+Json FlawsJson(const ShootOptions& options) {
+  return {{"printStretch", options.chart.stretch},
+          {"chartBowMetres", options.chart.bowMetres},
+          {"noiseCorrelation", options.noiseCorrelation},
+          {"trackerScale", options.trackerScale},
+          {"volumeBendMm", options.volumeBendMm},
+          {"poseErrorMm", options.poseErrorMm},
+          {"poseErrorDegrees", options.poseErrorDegrees},
+          {"delayMs", options.delayMs},
+          {"sagMm", options.sagMm},
+          {"looseMm", options.looseMm},
+          {"frozenRows", options.frozenRows},
+          {"heldPoses", options.heldPoses},
+          {"repeatedRows", options.repeatedRows},
+          {"turntable", options.turntable}};
+}
+
 double FieldOfViewDegrees(double pixels, double focal) {
   return Degrees(2 * std::atan(pixels / (2 * focal)));
 }
@@ -109,6 +127,9 @@ void ListPhotographs(const Shoot& shoot, Json& truth) {
                                     {"transformCamChart", Numbers(photograph.Transform_Cam_Chart)},
                                     {"transformBaseTc", Numbers(photograph.Transform_Base_Tc)},
                                     {"transformBaseTr", Numbers(photograph.Transform_Base_Tr)}});
+    if (photograph.isFrozen) {
+      truth["frozen"].push_back(photograph.path);
+    }
     if (photograph.flaw == Flaw::kSlippedTracker) {
       truth["outliers"].push_back(photograph.path);
     } else if (photograph.flaw != Flaw::kNone) {
@@ -216,13 +237,15 @@ std::string TruthText(const Shoot& shoot) {
       {"lensPixels", {{"fx", lens.fx}, {"fy", lens.fy}, {"cx", lens.cx}, {"cy", lens.cy}}},
       {"normFocal", {lens.fx / width, lens.fy / height}},
       {"normCenter", {lens.cx / width, lens.cy / height}},
-      {"distortion", {lens.k1, lens.k2, 0, 0, 0}},
+      {"distortion", {lens.k1, lens.k2, lens.p1, lens.p2, lens.k3}},
       {"fieldOfView", {FieldOfViewDegrees(width, lens.fx), FieldOfViewDegrees(height, lens.fy)}},
       {"transformCamTc", Numbers(shoot.Transform_Cam_Tc)},
       {"mounting",
        {{"true", MountingJson(shoot.trueMounting)},
         {"nominal", MountingJson(shoot.nominalMounting)}}},
+      {"flaws", FlawsJson(options)},
       {"outliers", Json::array()},
+      {"frozen", Json::array()},
       {"unusable", Json::array()},
       {"photographs", Json::array()},
   };

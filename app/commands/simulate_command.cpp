@@ -38,6 +38,15 @@ class Group {
         ->group(name_);
   }
 
+  void AddMillimetres(const std::string& name, double& metres, const std::string& description) {
+    constexpr double kMillimetresPerMetre = 1e3;
+    const auto store = [&metres](double mm) { metres = mm / kMillimetresPerMetre; };
+    command_.add_option_function<double>(name, store, description)
+        ->default_str(Shortest(metres * kMillimetresPerMetre))
+        ->type_name("MM")
+        ->group(name_);
+  }
+
   template <class Store>
   void AddValue(const std::string& name, const std::string& form, const std::string& standard,
                 const std::string& description, Store store) {
@@ -65,6 +74,12 @@ void AddPhotographs(Group group, ShootOptions& shoot) {
                   "Number of them that do not show the chart");
   group.AddNumber("--outliers", shoot.outliers, "N",
                   "Number of them for which a tracker had slipped");
+  group.AddNumber(
+      "--held-poses", shoot.heldPoses, "N",
+      "Photographs in a row of each pose: camera and\nchart are held, the noise differs");
+  group.AddFlag("--repeated-rows", shoot.repeatedRows,
+                "The same reported poses for all photographs of\na held pose");
+  group.AddFlag("--turntable", shoot.turntable, "Camera at rest, chart rotated about one axis");
   group.AddNumber("--seed", shoot.seed, "N", "Seed of all random values");
 }
 
@@ -121,8 +136,41 @@ void AddTrackers(Group group, ShootOptions& shoot) {
   group.AddNumber("--slip-mm", shoot.slipMm, "MM", "Distance of an outlier's slip in millimetres");
   group.AddNumber("--slip-degrees", shoot.slipDegrees, "DEG",
                   "Angle of an outlier's slip in degrees");
+  group.AddNumber(
+      "--frozen-rows", shoot.frozenRows, "N",
+      "Rows that repeat the poses of the row before\nthem, although camera and chart moved");
   group.AddFlag("--inverted-quaternions", shoot.invertedQuaternions,
                 "Inverse rotations in the trackers' quaternions");
+}
+
+void AddFlaws(Group group, SimulateOptions& options) {
+  ShootOptions& shoot = options.shoot;
+  group.AddNumber("--print-stretch", shoot.chart.stretch, "SHARE",
+                  "Squares wider than high, by this share:\n0.005 is 0.5 %");
+  group.AddMillimetres("--chart-bow-mm", shoot.chart.bowMetres,
+                       "Depth of the chart's middle behind its four\noutermost inner corners");
+  group.AddValue("--tangential", "P1,P2", "0,0", "Tangential distortion of the lens",
+                 [&options](const std::string& text) {
+                   options.tangential = ParseTangential("--tangential", text);
+                 });
+  group.AddNumber("--k3", options.k3, "K3", "Radial distortion of the lens, sixth order");
+  group.AddNumber("--noise-correlation", shoot.noiseCorrelation, "SHARE",
+                  "Correlation of the trackers' noise in two\nphotographs in a row, 0 to 1");
+  group.AddNumber("--tracker-scale", shoot.trackerScale, "FACTOR",
+                  "Factor of all lengths that the trackers report");
+  group.AddNumber(
+      "--volume-bend-mm", shoot.volumeBendMm, "MM",
+      "Bend of the tracking volume: reported height\nincreases by this 1 m to either side");
+  group.AddNumber("--pose-error-mm", shoot.poseErrorMm, "MM",
+                  "Error of a tracker's position that depends on\nits pose, along each axis");
+  group.AddNumber("--pose-error-degrees", shoot.poseErrorDegrees, "DEG",
+                  "Error of its rotation that depends on its pose,\nabout each axis");
+  group.AddNumber("--delay-ms", shoot.delayMs, "MS",
+                  "Delay of the reported poses in milliseconds,\nwhile the hands move");
+  group.AddNumber("--sag-mm", shoot.sagMm, "MM",
+                  "Sag of the camera's tracker on its mount,\nalways downwards");
+  group.AddNumber("--loose-mm", shoot.looseMm, "MM",
+                  "Distance between two seats of the camera's\ntracker, which is loose");
 }
 
 void AddDataFile(Group group, ShootOptions& shoot) {
@@ -141,9 +189,15 @@ simulated shoot in it is replaced; any other file is refused without --force.
 
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
-simulator::Shoot Simulate(const simulator::ShootOptions& options) {
+simulator::Shoot Simulate(const SimulateOptions& options) {
+  ShootOptions shoot = options.shoot;
+  simulator::Lens lens = simulator::LensOf(shoot);
+  lens.p1 = options.tangential[0];
+  lens.p2 = options.tangential[1];
+  lens.k3 = options.k3;
+  shoot.lens = lens;
   try {
-    return simulator::SimulateShoot(options);
+    return simulator::SimulateShoot(shoot);
   } catch (const std::invalid_argument& error) {
     throw CLI::ValidationError(error.what());
   }
@@ -177,6 +231,7 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
   AddCamera({command, "Camera"}, options.shoot);
   AddChart({command, "Chart"}, options.shoot);
   AddTrackers({command, "Trackers"}, options.shoot);
+  AddFlaws({command, "What the calibration does not model"}, options);
   AddDataFile({command, "Data file"}, options.shoot);
 }
 
@@ -186,7 +241,7 @@ void AddSimulateCommand(CLI::App& program, int& status) {
   const auto options = std::make_shared<SimulateOptions>();
   AddSimulateOptions(command, *options);
   command.callback([options, &status] {
-    const simulator::Shoot shoot = Simulate(options->shoot);
+    const simulator::Shoot shoot = Simulate(*options);
     if (!options->force) {
       RequireShootFolder(options->folder);
     }

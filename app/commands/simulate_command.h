@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 
 #include <CLI/CLI.hpp>
@@ -12,6 +13,9 @@ struct SimulateOptions {
   std::filesystem::path folder;
   bool force = false;  // also into a folder with other files
   simulator::ShootOptions shoot;
+  // Of the lens, whether it is stated or the default one.
+  std::array<double, 2> tangential = {};  // p1, p2
+  double k3 = 0;
 };
 
 /// Adds the options to the command, with the defaults of the simulator.

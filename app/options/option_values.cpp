@@ -242,6 +242,14 @@ std::array<double, 6> ParseLens(const std::string& option, const std::string& te
   return lens;
 }
 
+std::array<double, 2> ParseTangential(const std::string& option, const std::string& text) {
+  std::array<double, 2> tangential = {};
+  if (!Split(text, ',', tangential)) {
+    Reject(option, text + " is not P1,P2, such as 0.001,-0.0005");
+  }
+  return tangential;
+}
+
 Paper ParsePaper(const std::string& option, const std::string& text) {
   for (const Paper& paper : kPapers) {
     if (CLI::detail::to_lower(std::string(paper.name)) == CLI::detail::to_lower(text)) {

@@ -111,6 +111,9 @@ bool ParseMountingAxes(const std::string& option, const std::string& text);
 /// "1600,1600,955,545,-0.05,0.02": fx, fy, cx, cy in pixels, k1, k2.
 std::array<double, 6> ParseLens(const std::string& option, const std::string& text);
 
+/// "0.001,-0.0005": tangential distortion, p1 and p2.
+std::array<double, 2> ParseTangential(const std::string& option, const std::string& text);
+
 /// "A3": the name of a paper, in upper or lower case.
 Paper ParsePaper(const std::string& option, const std::string& text);
 

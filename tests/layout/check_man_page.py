@@ -14,13 +14,13 @@ commands = sorted(set(re.findall(r"^    trackedcam ([a-z]+)", page, re.MULTILINE
 
 
 def options_in_bold(text):
-    return set(re.findall(r"\*\*(--[a-z-]+)\*\*", text))
+    return set(re.findall(r"\*\*(--[a-z0-9-]+)\*\*", text))
 
 
 def shown(*arguments):
     text = subprocess.run([program, *arguments, "--help"], check=True, capture_output=True,
                           encoding="utf-8").stdout
-    return set(re.findall(r"(?m)^ +(?:-\w,\s*)?(--[a-z-]+)", text))
+    return set(re.findall(r"(?m)^ +(?:-\w,\s*)?(--[a-z0-9-]+)", text))
 
 
 faults = [] if commands else ["the manual has no synopsis"]
