@@ -164,7 +164,7 @@ void AddFlaws(Group group, SimulateOptions& options) {
   group.AddNumber("--pose-error-mm", shoot.poseErrorMm, "MM",
                   "Error of a tracker's position that depends on\nits pose, along each axis");
   group.AddNumber("--pose-error-degrees", shoot.poseErrorDegrees, "DEG",
-                  "Error of its rotation that depends on its pose,\nabout each axis");
+                  "Error of a tracker's rotation that depends on\nits pose, about each axis");
   group.AddNumber("--delay-ms", shoot.delayMs, "MS",
                   "Delay of the reported poses in milliseconds,\nwhile the hands move");
   group.AddNumber("--sag-mm", shoot.sagMm, "MM",

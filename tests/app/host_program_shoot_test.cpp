@@ -64,6 +64,53 @@ TEST_F(HostProgramShoot, SimulateNamesTheNextCommand) {
                                        (fs::path("shoot") / "shoot.toml").u8string() + "\n")));
 }
 
+TEST_F(HostProgramShoot, SimulateMakesWhatTheCalibrationDoesNotModel) {
+  const std::vector<std::string> chart = {"--print-stretch", "0.005", "--chart-bow-mm", "2"};
+  const std::vector<std::string> lens = {"--tangential=0.001,-0.0005", "--k3", "0.25"};
+  const std::vector<std::string> trackers = {"--noise-correlation",
+                                             "0.5",
+                                             "--tracker-scale",
+                                             "1.005",
+                                             "--volume-bend-mm",
+                                             "3",
+                                             "--pose-error-mm",
+                                             "0.25",
+                                             "--delay-ms",
+                                             "20",
+                                             "--sag-mm",
+                                             "1",
+                                             "--pose-error-degrees",
+                                             "0.125",
+                                             "--loose-mm",
+                                             "2",
+                                             "--frozen-rows",
+                                             "4",
+                                             "--held-poses",
+                                             "5",
+                                             "--turntable",
+                                             "--repeated-rows"};
+  std::vector<std::string> all = chart;
+  all.insert(all.end(), lens.begin(), lens.end());
+  all.insert(all.end(), trackers.begin(), trackers.end());
+  const ProgramRun run = Simulate(all);
+  EXPECT_EQ(run.status, 0) << run.error;
+  const Json truth = Read("truth.json");
+  EXPECT_EQ(truth["flaws"], Json::parse(R"({
+    "printStretch": 0.005, "chartBowMetres": 0.002, "noiseCorrelation": 0.5, "trackerScale": 1.005,
+    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "sagMm": 1,
+    "looseMm": 2, "frozenRows": 4, "heldPoses": 5, "repeatedRows": true, "turntable": true})"));
+  EXPECT_EQ(truth["frozen"].size(), 4U);
+  // Of the default lens k1 and k2 remain.
+  EXPECT_EQ(truth["distortion"], Json({-0.12, 0.05, 0.001, -0.0005, 0.25}));
+}
+
+TEST_F(HostProgramShoot, SimulateAddsToAStatedLens) {
+  Simulate({"--k3", "0.5", "--lens", "600,601,320,180,-0.1,0.02"});
+  const Json truth = Read("truth.json");
+  EXPECT_EQ(truth["lensPixels"], Json({{"fx", 600}, {"fy", 601}, {"cx", 320}, {"cy", 180}}));
+  EXPECT_EQ(truth["distortion"], Json({-0.1, 0.02, 0, 0, 0.5}));
+}
+
 TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
   Simulate({"--missing", "1", "--without-chart", "1"});
   const ProgramRun run = Calibrate();

@@ -143,6 +143,13 @@ TEST_F(HostProgramUsage, NeverOverwritesItsInput) {
 TEST_F(HostProgramUsage, SimulateNamesWhatCannotBe) {
   ExpectUsageError({"simulate", "shoot", "--photographs", "0"}, "photographs must be at least 1");
   ExpectUsageError({"simulate", "shoot", "--board", "9by6"}, "--board: 9by6 is not");
+  ExpectUsageError({"simulate", "shoot", "--tangential", "0.001"},
+                   "--tangential: 0.001 is not P1,P2, such as 0.001,-0.0005");
+  ExpectUsageError({"simulate", "shoot", "--tangential", "0,0.5"}, "p2 must be from -0.02 to 0.02");
+  ExpectUsageError({"simulate", "shoot", "--chart-bow-mm", "20"},
+                   "chart.bowMetres must be from -0.0075 to 0.0075, not 0.02");
+  ExpectUsageError({"simulate", "shoot", "--noise-correlation", "2"},
+                   "noiseCorrelation must be from 0 to 1, not 2");
 }
 
 TEST_F(HostProgramUsage, NeedsARowThatTheLibraryCanBeGiven) {

@@ -27,6 +27,7 @@ TEST(OptionValues, AreReadWhole) {
   EXPECT_THAT(ParseTriple("", "12,-8,5"), ElementsAre(12, -8, 5));
   EXPECT_THAT(ParseTriple("", "1e-3, -.5, 0"), ElementsAre(0.001, -0.5, 0));
   EXPECT_THAT(ParseLens("", "9,8,7,6,-0.1,0"), ElementsAre(9, 8, 7, 6, -0.1, 0));
+  EXPECT_THAT(ParseTangential("", "0.001, -5e-4"), ElementsAre(0.001, -0.0005));
   EXPECT_EQ(ParseSquare("", "0.03"), 0.03);
   EXPECT_EQ(ParseSquare("", "12.7mm"), 0.0127);
   EXPECT_EQ(ParseSquare("", "3 cm"), 0.03);
@@ -71,6 +72,13 @@ TEST(OptionValues, TripleHasThreeNumbers) {
     EXPECT_EQ(
         ErrorOf(ParseTriple, text),
         "--option: " + std::string(text) + " is not three numbers X,Y,Z, such as 0.1,-0.05,0.02");
+  }
+}
+
+TEST(OptionValues, TangentialDistortionHasTwoNumbers) {
+  for (const char* text : {"", "0.001", "1,2,3", "0.001,x", "0.001,nan"}) {
+    EXPECT_EQ(ErrorOf(ParseTangential, text),
+              "--option: " + std::string(text) + " is not P1,P2, such as 0.001,-0.0005");
   }
 }
 

@@ -81,6 +81,42 @@ TEST(PhotographRendererTest, ChartsOfOtherShapesAreFoundInOrder) {
   }
 }
 
+// Each flaw moves corners by far more than the detector errs.
+TEST(PhotographRendererTest, TheCornersOfAFlawedChartAreWhereItsShapePutsThem) {
+  ShootOptions options;
+  options.photographs = 2;
+  options.imageWidth = 1280;
+  options.imageHeight = 720;
+  options.noiseGreyLevels = 0;
+  const Shoot flat = SimulateShoot(options);
+  const auto expectShown = [&](const Shoot& flawed) {
+    const PhotographRenderer renderer(flawed);
+    for (int i = 0; i < options.photographs; ++i) {
+      SCOPED_TRACE(i);
+      const auto found = FindCorners(renderer.Render(i), options.chart);
+      const Photograph& photograph = flawed.photographs[static_cast<std::size_t>(i)];
+      ASSERT_EQ(found.size(), photograph.corners.size());
+      EXPECT_LT(MeanDistance(found, photograph.corners), 0.03);
+      EXPECT_GT(MeanDistance(found, flat.photographs[static_cast<std::size_t>(i)].corners), 0.3);
+    }
+  };
+  for (const double bowMetres : {0.007, -0.004}) {
+    SCOPED_TRACE(bowMetres);
+    ShootOptions bowed = options;
+    bowed.chart.bowMetres = bowMetres;
+    expectShown(SimulateShoot(bowed));
+  }
+  ShootOptions stretched = options;
+  stretched.chart.stretch = 0.01;
+  expectShown(SimulateShoot(stretched));
+  ShootOptions crooked = options;
+  crooked.lens = DefaultLens(options.imageWidth, options.imageHeight);
+  crooked.lens->p1 = 0.004;
+  crooked.lens->p2 = -0.003;
+  crooked.lens->k3 = 0.3;
+  expectShown(SimulateShoot(crooked));
+}
+
 TEST(PhotographRendererTest, APhotographWithoutChartShowsNone) {
   ShootOptions options = ThreePhotographs();
   options.withoutChart = options.photographs;

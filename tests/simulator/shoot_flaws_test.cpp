@@ -113,5 +113,170 @@ TEST(TrackerNoiseTest, DoesNotMoveCameraOrChart) {
   }
 }
 
+TEST(FrozenRowsTest, RepeatThePosesOfTheRowBefore) {
+  for (const std::uint64_t seed : {1, 2, 3, 4, 5}) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    ShootOptions options;
+    options.seed = seed;
+    options.frozenRows = 3;
+    options.trackerNoiseMm = 1;
+    const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+    EXPECT_FALSE(photographs.front().isFrozen);
+    std::vector<std::size_t> frozen;
+    for (std::size_t i = 1; i < photographs.size(); ++i) {
+      const Photograph& before = photographs[i - 1];
+      const Photograph& photograph = photographs[i];
+      EXPECT_FALSE(photograph.Transform_Base_Tc.isApprox(before.Transform_Base_Tc, 1e-3));
+      const bool isRepeated = photograph.trackedTc.matrix() == before.trackedTc.matrix();
+      EXPECT_EQ(photograph.trackedTr.matrix() == before.trackedTr.matrix(), isRepeated);
+      EXPECT_EQ(photograph.isFrozen, isRepeated);
+      if (isRepeated) {
+        frozen.push_back(i);
+      }
+    }
+    ASSERT_EQ(frozen.size(), 3U);
+    EXPECT_EQ(frozen.back() - frozen.front(), 2U);
+  }
+}
+
+TEST(FrozenRowsTest, MayBeAllAfterTheFirst) {
+  ShootOptions options;
+  options.frozenRows = options.photographs - 1;
+  const Shoot shoot = SimulateShoot(options);
+  for (const Photograph& photograph : shoot.photographs) {
+    EXPECT_EQ(photograph.trackedTc.matrix(), shoot.photographs.front().trackedTc.matrix());
+  }
+}
+
+class HeldPosesTest : public testing::Test {
+ protected:
+  HeldPosesTest() {
+    options.photographs = 10;
+    options.heldPoses = 4;  // 4, 4 and 2 photographs
+    options.trackerNoiseMm = 1;
+  }
+
+  static bool AreHeld(std::size_t i, std::size_t k) { return i / 4 == k / 4; }
+
+  ShootOptions options;
+};
+
+TEST_F(HeldPosesTest, AreEqualInTruthWithIndependentNoise) {
+  const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+  for (std::size_t i = 1; i < photographs.size(); ++i) {
+    for (std::size_t k = 0; k < i; ++k) {
+      SCOPED_TRACE(testing::Message() << "photographs " << k << " and " << i);
+      for (const auto transform : {&Photograph::Transform_Cam_Chart, &Photograph::Transform_Base_Tc,
+                                   &Photograph::Transform_Base_Tr}) {
+        EXPECT_EQ((photographs[i].*transform).matrix() == (photographs[k].*transform).matrix(),
+                  AreHeld(i, k));
+      }
+      EXPECT_EQ(photographs[i].corners == photographs[k].corners, AreHeld(i, k));
+      EXPECT_NE(photographs[i].path, photographs[k].path);
+      const auto noise = [&](std::size_t of) -> Eigen::Vector3d {
+        return (photographs[of].Transform_Base_Tr.inverse() * photographs[of].trackedTr)
+            .translation();
+      };
+      EXPECT_GT((noise(i) - noise(k)).norm(), 0.0001);
+    }
+  }
+}
+
+TEST_F(HeldPosesTest, AreThoseOfAShootThatHoldsNone) {
+  const std::vector<Photograph> held = SimulateShoot(options).photographs;
+  options.heldPoses = 1;
+  const std::vector<Photograph> moving = SimulateShoot(options).photographs;
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    EXPECT_EQ(held[i].Transform_Cam_Chart.matrix(), moving[i / 4].Transform_Cam_Chart.matrix());
+  }
+}
+
+TEST_F(HeldPosesTest, KeepALooseTrackerInItsSeat) {
+  options.trackerNoiseMm = 0;
+  options.looseMm = 2;
+  const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    EXPECT_EQ(photographs[i].trackedTc.matrix(), photographs[i / 4 * 4].trackedTc.matrix());
+  }
+}
+
+TEST_F(HeldPosesTest, HaveOneReportedPoseIfRowsAreRepeated) {
+  options.repeatedRows = true;
+  const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+  for (std::size_t i = 1; i < photographs.size(); ++i) {
+    for (const auto tracked : {&Photograph::trackedTc, &Photograph::trackedTr}) {
+      EXPECT_EQ((photographs[i].*tracked).matrix() == (photographs[i - 1].*tracked).matrix(),
+                AreHeld(i, i - 1));
+    }
+    EXPECT_FALSE(photographs[i].isFrozen);
+  }
+}
+
+class TurntableTest : public testing::TestWithParam<std::uint64_t> {
+ protected:
+  TurntableTest() {
+    options.seed = GetParam();
+    options.turntable = true;
+    options.photographs = 11;
+  }
+
+  ShootOptions options;
+};
+
+INSTANTIATE_TEST_SUITE_P(Seeds, TurntableTest, testing::Values(1, 2, 3, 4));
+
+TEST_P(TurntableTest, TheChartOnlyRotatesAboutOneAxisThroughItsMiddle) {
+  const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+  const Photograph& first = photographs.front();
+  const Eigen::Vector3d middle(0.12, 0.075, 0);  // of 9 x 6 inner corners of 30 mm
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    EXPECT_TRUE(photographs[i].Transform_Base_Tc.isApprox(first.Transform_Base_Tc, 1e-12));
+    const Eigen::Isometry3d motion =
+        first.Transform_Cam_Chart.inverse() * photographs[i].Transform_Cam_Chart;
+    EXPECT_LT((motion * middle - middle).norm(), 1e-12);
+    // 50 degrees in ten steps, about the direction of the columns.
+    const Eigen::Matrix3d expected =
+        Eigen::AngleAxisd(Radians(5.0 * static_cast<double>(i)), Eigen::Vector3d::UnitY())
+            .toRotationMatrix();
+    EXPECT_LT((motion.linear() - expected).norm(), 1e-12);
+  }
+}
+
+TEST_P(TurntableTest, TheLoopOfTransformsCloses) {
+  const Shoot shoot = SimulateShoot(options);
+  for (const Photograph& photograph : shoot.photographs) {
+    const Eigen::Isometry3d loop =
+        photograph.Transform_Cam_Chart * shoot.trueMounting.Transform().inverse() *
+        photograph.Transform_Base_Tr.inverse() * photograph.Transform_Base_Tc;
+    EXPECT_LT((loop.matrix() - shoot.Transform_Cam_Tc.matrix()).norm(), 1e-12);
+  }
+}
+
+TEST_P(TurntableTest, TheChartIsNeverCutOff) {
+  for (const Photograph& photograph : SimulateShoot(options).photographs) {
+    for (const Eigen::Vector2d& corner : photograph.corners) {
+      EXPECT_GT(corner.minCoeff(), 0);
+      EXPECT_LT(corner.x(), options.imageWidth - 1);
+      EXPECT_LT(corner.y(), options.imageHeight - 1);
+    }
+  }
+}
+
+TEST_P(TurntableTest, HeldPosesStayWhereTheyAre) {
+  options.heldPoses = 5;  // 5, 5 and 1 photographs: at -25, 0 and 25 degrees
+  const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+  const auto angle = [&](std::size_t i, std::size_t k) {
+    return Angle(photographs[i].Transform_Cam_Chart.inverse() * photographs[k].Transform_Cam_Chart);
+  };
+  EXPECT_NEAR(angle(0, 4), 0, 1e-5);
+  EXPECT_NEAR(angle(4, 5), 25, 1e-9);
+  EXPECT_NEAR(angle(0, 10), 50, 1e-9);
+}
+
+TEST_P(TurntableTest, OnePhotographIsEnough) {
+  options.photographs = 1;
+  EXPECT_EQ(SimulateShoot(options).photographs.size(), 1U);
+}
+
 }  // namespace
 }  // namespace trackedcam::simulator

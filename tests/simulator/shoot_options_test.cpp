@@ -43,31 +43,38 @@ INSTANTIATE_TEST_SUITE_P(
                     Refusal{"notAnImage must be", [](auto& o) { o.notAnImage = -1; }},
                     Refusal{"withoutChart must be", [](auto& o) { o.withoutChart = -1; }},
                     Refusal{"outliers must be", [](auto& o) { o.outliers = -1; }},
+                    Refusal{"heldPoses must be", [](auto& o) { o.heldPoses = 0; }},
                     Refusal{"raise photographs", [](auto& o) { o.missing = o.outliers = 11; }}));
 
 INSTANTIATE_TEST_SUITE_P(
     Camera, RefusedOptionsTest,
-    testing::Values(Refusal{"imageWidth", [](auto& o) { o.imageWidth = 0; }},
-                    Refusal{"imageHeight", [](auto& o) { o.imageHeight = -1080; }},
-                    Refusal{"fx must be", [](auto& o) { o.lens = Lens{0, 1, 0, 0, 0, 0}; }},
-                    Refusal{"fy must be", [](auto& o) { o.lens = Lens{1, -1, 0, 0, 0, 0}; }},
-                    Refusal{"k1, k2 and k3",
-                            [](auto& o) { o.lens = Lens{900, 900, 960, 540, -1, 0}; }},
-                    Refusal{"principal point nearer",
-                            [](auto& o) { o.lens = Lens{1000, 1000, -40000, 540, 0, 0}; }},
-                    Refusal{"sensorWidthMm", [](auto& o) { o.sensorWidthMm = 0; }},
-                    Refusal{"sensorHeightMm", [](auto& o) { o.sensorHeightMm = 0; }},
-                    Refusal{"blurPixels", [](auto& o) { o.blurPixels = -1; }},
-                    Refusal{"noiseGreyLevels", [](auto& o) { o.noiseGreyLevels = std::nan(""); }},
-                    Refusal{"unevenLight", [](auto& o) { o.unevenLight = 1.5; }},
-                    Refusal{"jpegQuality", [](auto& o) { o.jpegQuality = 101; }}));
+    testing::Values(
+        Refusal{"imageWidth", [](auto& o) { o.imageWidth = 0; }},
+        Refusal{"imageHeight", [](auto& o) { o.imageHeight = -1080; }},
+        Refusal{"fx must be", [](auto& o) { o.lens = Lens{0, 1, 0, 0, 0, 0}; }},
+        Refusal{"fy must be", [](auto& o) { o.lens = Lens{1, -1, 0, 0, 0, 0}; }},
+        Refusal{"k1, k2 and k3", [](auto& o) { o.lens = Lens{900, 900, 960, 540, -1, 0}; }},
+        Refusal{"principal point nearer",
+                [](auto& o) { o.lens = Lens{1000, 1000, -40000, 540, 0, 0}; }},
+        Refusal{"k1, k2 and k3",
+                [](auto& o) { o.lens = Lens{900, 900, 960, 540, 0, 0, 0, 0, -1}; }},
+        Refusal{"p1 must be", [](auto& o) { o.lens = Lens{900, 900, 960, 540, 0, 0, 0.021}; }},
+        Refusal{"p2 must be", [](auto& o) { o.lens = Lens{900, 900, 960, 540, 0, 0, 0, -0.021}; }},
+        Refusal{"sensorWidthMm", [](auto& o) { o.sensorWidthMm = 0; }},
+        Refusal{"sensorHeightMm", [](auto& o) { o.sensorHeightMm = 0; }},
+        Refusal{"blurPixels", [](auto& o) { o.blurPixels = -1; }},
+        Refusal{"noiseGreyLevels", [](auto& o) { o.noiseGreyLevels = std::nan(""); }},
+        Refusal{"unevenLight", [](auto& o) { o.unevenLight = 1.5; }},
+        Refusal{"jpegQuality", [](auto& o) { o.jpegQuality = 101; }}));
 
 INSTANTIATE_TEST_SUITE_P(
     Chart, RefusedOptionsTest,
     testing::Values(Refusal{"chart.cols must be", [](auto& o) { o.chart.cols = 2; }},
                     Refusal{"chart.rows must be", [](auto& o) { o.chart.rows = 2; }},
                     Refusal{"must differ", [](auto& o) { o.chart.cols = o.chart.rows; }},
-                    Refusal{"chart.squareMetres", [](auto& o) { o.chart.squareMetres = 0; }}));
+                    Refusal{"chart.squareMetres", [](auto& o) { o.chart.squareMetres = 0; }},
+                    Refusal{"chart.stretch", [](auto& o) { o.chart.stretch = 0.11; }},
+                    Refusal{"from -0.0075 to 0.0075", [](auto& o) { o.chart.bowMetres = 0.008; }}));
 
 INSTANTIATE_TEST_SUITE_P(
     Trackers, RefusedOptionsTest,
@@ -76,6 +83,15 @@ INSTANTIATE_TEST_SUITE_P(
                             [](auto& o) {
                               o.trackerNoiseDegrees = std::numeric_limits<double>::infinity();
                             }},
+                    Refusal{"noiseCorrelation", [](auto& o) { o.noiseCorrelation = 1.01; }},
+                    Refusal{"trackerScale", [](auto& o) { o.trackerScale = 0; }},
+                    Refusal{"volumeBendMm", [](auto& o) { o.volumeBendMm = std::nan(""); }},
+                    Refusal{"poseErrorMm", [](auto& o) { o.poseErrorMm = -1; }},
+                    Refusal{"poseErrorDegrees", [](auto& o) { o.poseErrorDegrees = -1; }},
+                    Refusal{"delayMs must be from 0 to 2500", [](auto& o) { o.delayMs = 2501; }},
+                    Refusal{"sagMm", [](auto& o) { o.sagMm = -1; }},
+                    Refusal{"looseMm", [](auto& o) { o.looseMm = -1; }},
+                    Refusal{"frozenRows must be from 0 to 19", [](auto& o) { o.frozenRows = 20; }},
                     Refusal{"slipMm", [](auto& o) { o.slipMm = -1; }},
                     Refusal{"slipDegrees", [](auto& o) { o.slipDegrees = -1; }},
                     Refusal{"mountingErrorMm", [](auto& o) { o.mountingErrorMm = -1; }},

@@ -44,6 +44,50 @@ TEST_F(TruthTextTest, HoldsTheLens) {
   EXPECT_EQ(truth["distortion"], json({lens.k1, lens.k2, 0, 0, 0}));
 }
 
+TEST_F(TruthTextTest, HoldsTheWholeDistortion) {
+  shoot.lens.p1 = 0.001;
+  shoot.lens.p2 = -0.0005;
+  shoot.lens.k3 = 0.25;
+  truth = json::parse(TruthText(shoot));
+  EXPECT_EQ(truth["distortion"], json({shoot.lens.k1, shoot.lens.k2, 0.001, -0.0005, 0.25}));
+}
+
+TEST_F(TruthTextTest, HoldsWhatTheCalibrationDoesNotModel) {
+  EXPECT_EQ(truth["flaws"], json::parse(R"({
+    "printStretch": 0, "chartBowMetres": 0, "noiseCorrelation": 0, "trackerScale": 1,
+    "volumeBendMm": 0, "poseErrorMm": 0, "poseErrorDegrees": 0, "delayMs": 0, "sagMm": 0,
+    "looseMm": 0, "frozenRows": 0, "heldPoses": 1, "repeatedRows": false, "turntable": false})"));
+  EXPECT_EQ(truth["frozen"], json::array());
+
+  options.chart.stretch = 0.005;
+  options.chart.bowMetres = 0.002;
+  options.noiseCorrelation = 0.5;
+  options.trackerScale = 1.004;
+  options.volumeBendMm = 3;
+  options.poseErrorMm = 0.25;
+  options.poseErrorDegrees = 0.125;
+  options.delayMs = 20;
+  options.sagMm = 1;
+  options.looseMm = 2;
+  options.frozenRows = 2;
+  options.heldPoses = 4;
+  options.repeatedRows = options.turntable = true;
+  shoot = SimulateShoot(options);
+  truth = json::parse(TruthText(shoot));
+  EXPECT_EQ(truth["flaws"], json::parse(R"({
+    "printStretch": 0.005, "chartBowMetres": 0.002, "noiseCorrelation": 0.5, "trackerScale": 1.004,
+    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "sagMm": 1,
+    "looseMm": 2, "frozenRows": 2, "heldPoses": 4, "repeatedRows": true, "turntable": true})"));
+  json frozen = json::array();
+  for (const Photograph& photograph : shoot.photographs) {
+    if (photograph.isFrozen) {
+      frozen.push_back(photograph.path);
+    }
+  }
+  EXPECT_EQ(frozen.size(), 2U);
+  EXPECT_EQ(truth["frozen"], frozen);
+}
+
 TEST_F(TruthTextTest, HoldsTheFieldsOfViewInDegrees) {
   shoot.lens.fx = 960;
   shoot.lens.fy = 540 / std::sqrt(3);
