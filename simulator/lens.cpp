@@ -63,7 +63,7 @@ Eigen::Vector2d Lens::Ray(const Eigen::Vector2d& pixel) const {
   Eigen::Vector2d radial = distorted;
   for (int step = 0;; ++step) {
     const double radius = radial.norm();
-    const Eigen::Vector2d ray =
+    Eigen::Vector2d ray =
         radius == 0 ? radial
                     : Eigen::Vector2d(radial * (UndistortedRadius(*this, radius) / radius));
     const Eigen::Vector2d better = distorted - Tangential(*this, ray);

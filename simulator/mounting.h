@@ -7,6 +7,8 @@
 
 namespace trackedcam::simulator {
 
+constexpr double kMetresPerMm = 1e-3;
+
 constexpr double Radians(double degrees) {
   return degrees * (EIGEN_PI / 180);
 }

@@ -12,7 +12,6 @@
 namespace trackedcam::simulator {
 namespace {
 
-constexpr double kMetresPerMm = 1e-3;
 // Within this roll, a detector begins with the chart's first corner.
 constexpr double kMostRoll = Radians(35);
 constexpr double kLeastTilt = Radians(12);
@@ -159,15 +158,15 @@ std::string PhotographPath(int index) {
   return "photos/img_" + zeros + number + ".jpg";
 }
 
-// Camera and chart, for which the chart is drawn. On a turntable the camera stays where it was for
-// the first photograph.
+// The camera stays where it was for the first photograph.
+Eigen::Isometry3d TurntableTransform_Base_Chart(const Shoot& shoot,
+                                                const Eigen::Isometry3d& Transform_Cam_Chart) {
+  return shoot.photographs.front().Transform_Base_Tc * shoot.Transform_Cam_Tc.inverse() *
+         Transform_Cam_Chart;
+}
+
 Photograph PosePhotograph(const Shoot& shoot, const Eigen::Isometry3d& Transform_Cam_Chart,
-                          const Eigen::Isometry3d& drawnTransform_Base_Chart) {
-  const bool isOnTurntable = shoot.options.turntable && !shoot.photographs.empty();
-  const Eigen::Isometry3d Transform_Base_Chart =
-      isOnTurntable ? shoot.photographs.front().Transform_Base_Tc *
-                          shoot.Transform_Cam_Tc.inverse() * Transform_Cam_Chart
-                    : drawnTransform_Base_Chart;
+                          const Eigen::Isometry3d& Transform_Base_Chart) {
   Photograph photograph;
   photograph.Transform_Cam_Chart = Transform_Cam_Chart;
   photograph.Transform_Base_Tc =
@@ -201,10 +200,13 @@ void TakePhotographs(Shoot& shoot) {
   TrackerPoses reported;
   for (int i = 0; i < options.photographs; ++i) {
     Random random(options.seed, Draw::kTrackers, i);
-    const Eigen::Isometry3d drawn = DrawTransform_Base_Chart(random);
+    Eigen::Isometry3d Transform_Base_Chart = DrawTransform_Base_Chart(random);
+    if (options.turntable && i > 0) {
+      Transform_Base_Chart = TurntableTransform_Base_Chart(shoot, poses[i]);
+    }
     const bool isHeld = i % options.heldPoses != 0;
     Photograph photograph =
-        isHeld ? shoot.photographs.back() : PosePhotograph(shoot, poses[i], drawn);
+        isHeld ? shoot.photographs.back() : PosePhotograph(shoot, poses[i], Transform_Base_Chart);
     photograph.path = PhotographPath(i);
     photograph.flaw = flaws[i];
     photograph.isFrozen = i >= firstFrozenRow && i < firstFrozenRow + options.frozenRows;

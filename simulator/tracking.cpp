@@ -7,7 +7,6 @@
 namespace trackedcam::simulator {
 namespace {
 
-constexpr double kMetresPerMm = 1e-3;
 constexpr double kSecondsPerMs = 1e-3;
 
 Eigen::Isometry3d RotationBy(const Eigen::Vector3d& rotation) {

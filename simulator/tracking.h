@@ -17,8 +17,8 @@ inline const Eigen::Vector3d kMiddleOfVolume(0.4, 1.1, -1.8);
 
 /// The poses of both trackers.
 struct TrackerPoses {
-  Eigen::Isometry3d Transform_Base_Tc;
-  Eigen::Isometry3d Transform_Base_Tr;
+  Eigen::Isometry3d Transform_Base_Tc = Eigen::Isometry3d::Identity();
+  Eigen::Isometry3d Transform_Base_Tr = Eigen::Isometry3d::Identity();
 };
 
 class Tracking {

@@ -40,10 +40,11 @@ TEST(LensTest, KnowsHowFarItReaches) {
   const Lens folding = {100, 100, 320, 240, -0.25, 0};
   EXPECT_TRUE(folding.Reaches({320 + 76, 240}));
   EXPECT_FALSE(folding.Reaches({320 + 78, 240}));
-  // With k3 alone, where 1 + 7 * k3 * r^6 = 0: at r = 1, 86 pixels from the centre.
-  const Lens foldingFarOut = {100, 100, 320, 240, 0, 0, 0, 0, -1.0 / 7};
-  EXPECT_TRUE(foldingFarOut.Reaches({320 + 85, 240}));
-  EXPECT_FALSE(foldingFarOut.Reaches({320 + 87, 240}));
+  // With k3 it folds where 1 - 1.8 * r² + 0.84 * r^6 = 0, at r = 0.873: 52 pixels from the centre.
+  // Farther out it unfolds, and 62 pixels are reached again.
+  const Lens wavy = {100, 100, 320, 240, -0.6, 0, 0, 0, 0.12};
+  EXPECT_TRUE(wavy.Reaches({320 + 51, 240}));
+  EXPECT_FALSE(wavy.Reaches({320 + 62, 240}));
 }
 
 TEST(LensTest, TheDefaultLensSeesTheSameInPicturesOfAllSizes) {

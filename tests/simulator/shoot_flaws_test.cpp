@@ -140,11 +140,16 @@ TEST(FrozenRowsTest, RepeatThePosesOfTheRowBefore) {
 }
 
 TEST(FrozenRowsTest, MayBeAllAfterTheFirst) {
-  ShootOptions options;
-  options.frozenRows = options.photographs - 1;
-  const Shoot shoot = SimulateShoot(options);
-  for (const Photograph& photograph : shoot.photographs) {
-    EXPECT_EQ(photograph.trackedTc.matrix(), shoot.photographs.front().trackedTc.matrix());
+  for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+    ShootOptions options;
+    options.seed = seed;
+    options.photographs = 3;
+    options.frozenRows = 2;
+    const std::vector<Photograph> photographs = SimulateShoot(options).photographs;
+    EXPECT_FALSE(photographs[0].isFrozen) << "seed " << seed;
+    EXPECT_EQ(photographs[0].trackedTc.matrix(), photographs[0].Transform_Base_Tc.matrix());
+    EXPECT_EQ(photographs[1].trackedTc.matrix(), photographs[0].trackedTc.matrix());
+    EXPECT_EQ(photographs[2].trackedTc.matrix(), photographs[0].trackedTc.matrix());
   }
 }
 
@@ -252,12 +257,18 @@ TEST_P(TurntableTest, TheLoopOfTransformsCloses) {
   }
 }
 
-TEST_P(TurntableTest, TheChartIsNeverCutOff) {
-  for (const Photograph& photograph : SimulateShoot(options).photographs) {
-    for (const Eigen::Vector2d& corner : photograph.corners) {
-      EXPECT_GT(corner.minCoeff(), 0);
-      EXPECT_LT(corner.x(), options.imageWidth - 1);
-      EXPECT_LT(corner.y(), options.imageHeight - 1);
+// The paper ends two squares of 30 mm beyond the outermost inner corners.
+TEST_P(TurntableTest, ThePaperIsNeverCutOff) {
+  const Shoot shoot = SimulateShoot(options);
+  for (const Photograph& photograph : shoot.photographs) {
+    for (const double x : {-0.06, 0.30}) {
+      for (const double y : {-0.06, 0.21}) {
+        const Eigen::Vector2d corner =
+            shoot.lens.Project(photograph.Transform_Cam_Chart * Eigen::Vector3d(x, y, 0));
+        EXPECT_GT(corner.minCoeff(), 0);
+        EXPECT_LT(corner.x(), options.imageWidth - 1);
+        EXPECT_LT(corner.y(), options.imageHeight - 1);
+      }
     }
   }
 }
