@@ -236,9 +236,14 @@ trackedcam_status trackedcam_crosscheck(const char* log_file, const trackedcam_s
       RequireSettings(settings);
     }
     const auto mounting = settings == nullptr ? std::nullopt : MountingOf(*settings);
+    const auto goodEnough =
+        settings == nullptr ? trackedcam::host::Accuracy() : GoodEnoughOf(*settings);
+    const double scaleUncertainty = settings == nullptr
+                                        ? trackedcam::host::Inputs().scaleUncertainty
+                                        : ScaleUncertaintyOf(*settings);
     *report = Reports().Add(std::make_shared<Report>(
         trackedcam::host::CheckLog(std::filesystem::absolute(std::filesystem::u8path(log)),
-                                   mounting),
+                                   mounting, goodEnough, scaleUncertainty),
         false, false));
   });
 }

@@ -96,6 +96,14 @@ std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings) {
                                                                 : mounting;
 }
 
+host::Accuracy GoodEnoughOf(const trackedcam_settings& settings) {
+  return {settings.good_enough_mm, settings.good_enough_deg};
+}
+
+double ScaleUncertaintyOf(const trackedcam_settings& settings) {
+  return settings.scale_uncertainty_percent / 100;
+}
+
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   const std::string logFolder = RequireText(settings.log_folder, "log_folder");
   const std::string workingFolder = OptionalText(settings.working_folder, "working_folder");
@@ -115,6 +123,8 @@ host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   }
   inputs.logFolder = Absolute(logFolder);
   inputs.refineMounting = settings.refine_mounting != 0;
+  inputs.goodEnough = GoodEnoughOf(settings);
+  inputs.scaleUncertainty = ScaleUncertaintyOf(settings);
   host::RequirePossible(inputs);
   inputs.data = shoot.DataFile(inputs.logFolder);
   return inputs;
@@ -166,5 +176,9 @@ trackedcam_status trackedcam_settings_init(trackedcam_settings* settings, size_t
     *settings = {};
     settings->struct_size = sizeof(trackedcam_settings);
     settings->expected_records = -1;
+    const trackedcam::host::Accuracy goodEnough;
+    settings->good_enough_mm = goodEnough.mm;
+    settings->good_enough_deg = goodEnough.degrees;
+    settings->scale_uncertainty_percent = 100 * trackedcam::host::Inputs().scaleUncertainty;
   });
 }

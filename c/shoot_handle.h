@@ -46,6 +46,9 @@ void RequireSettings(const trackedcam_settings* settings);
 /// Nothing if the settings state none.
 std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
 
+host::Accuracy GoodEnoughOf(const trackedcam_settings& settings);
+double ScaleUncertaintyOf(const trackedcam_settings& settings);
+
 /// All paths are absolute. Rows in memory are written to a data file.
 /// @throws Refusal, host::InputError
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings);

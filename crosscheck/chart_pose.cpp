@@ -55,17 +55,15 @@ std::optional<Pose> PoseOfHomography(Eigen::Matrix3d homography) {
   return pose;
 }
 
-}  // namespace
+using PixelByTwist = Eigen::Matrix<double, 2, 6>;
 
-std::vector<Eigen::Vector3d> BoardPoints(int columns, int rows, double square) {
-  std::vector<Eigen::Vector3d> points;
-  for (int r = 0; r < rows; ++r) {
-    for (int c = 0; c < columns; ++c) {
-      points.emplace_back(c * square, r * square, 0);
-    }
-  }
-  return points;
+PixelByTwist ByTwist(const Projection& seen, const Eigen::Vector3d& point) {
+  PixelByTwist rows;
+  rows << -seen.byPoint * Cross(point), seen.byPoint;
+  return rows;
 }
+
+}  // namespace
 
 Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board) {
   Pose pose(RotationAbout(2, 180));
@@ -73,79 +71,24 @@ Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board) {
   return pose;
 }
 
-Eigen::Vector2d Project(const Lens& lens, const Eigen::Vector3d& point) {
-  const double x = point.x() / point.z();
-  const double y = point.y() / point.z();
-  const double r2 = x * x + y * y;
-  const double stretch = 1 + r2 * (lens.k1 + r2 * lens.k2);
-  return {lens.fx * stretch * x + lens.cx, lens.fy * stretch * y + lens.cy};
-}
-
-Projection ProjectWithDerivatives(const Lens& lens, const Eigen::Vector3d& point) {
-  const double depth = 1 / point.z();
-  const double x = point.x() * depth;
-  const double y = point.y() * depth;
-  const double r2 = x * x + y * y;
-  const double stretch = 1 + r2 * (lens.k1 + r2 * lens.k2);
-  const double growth = 2 * (lens.k1 + 2 * r2 * lens.k2);  // twice the derivative of stretch by r2
-
-  Projection projection;
-  projection.pixel = {lens.fx * stretch * x + lens.cx, lens.fy * stretch * y + lens.cy};
-
-  Eigen::Matrix2d byRay;
-  byRay << lens.fx * (stretch + growth * x * x), lens.fx * growth * x * y, lens.fy * growth * x * y,
-      lens.fy * (stretch + growth * y * y);
-  projection.byPoint.leftCols<2>() = byRay * depth;
-  projection.byPoint.col(2) = byRay * Eigen::Vector2d(-x, -y) * depth;
-
-  projection.byLens << stretch * x, 0, 1, 0, lens.fx * x * r2, lens.fx * x * r2 * r2,  //
-      0, stretch * y, 0, 1, lens.fy * y * r2, lens.fy * y * r2 * r2;
-  return projection;
-}
-
-std::optional<Eigen::Vector2d> Ray(const Lens& lens, const Eigen::Vector2d& pixel) {
-  const Eigen::Vector2d seen((pixel.x() - lens.cx) / lens.fx, (pixel.y() - lens.cy) / lens.fy);
-  const double wanted = seen.norm();
-  double radius = wanted;
-  for (int step = 0; step < 30; ++step) {
-    const double r2 = radius * radius;
-    const double slope = 1 + r2 * (3 * lens.k1 + r2 * 5 * lens.k2);
-    if (!(slope > 0.05)) {
-      return std::nullopt;
-    }
-    const double change = (radius * (1 + r2 * (lens.k1 + r2 * lens.k2)) - wanted) / slope;
-    radius -= change;
-    if (std::abs(change) < 1e-12) {
-      return wanted > 0 ? Eigen::Vector2d(seen * (radius / wanted)) : seen;
-    }
-  }
-  return std::nullopt;
-}
-
-std::optional<CornerEquations> EquationsAt(const Pose& Transform_Cam_Chart, const Lens& lens,
-                                           const std::vector<Eigen::Vector3d>& board,
-                                           const std::vector<Eigen::Vector2d>& corners) {
-  Eigen::Matrix<double, 12, 12> normal = Eigen::Matrix<double, 12, 12>::Zero();
-  CornerEquations equations;
+std::optional<PoseEquations> EquationsAt(const Pose& Transform_Cam_Chart, const Lens& lens,
+                                         const std::vector<Eigen::Vector3d>& board,
+                                         const std::vector<Eigen::Vector2d>& corners) {
+  PoseEquations equations;
+  equations.byPose.setZero();
   equations.towards.setZero();
   for (std::size_t i = 0; i < board.size(); ++i) {
     const Eigen::Vector3d point = Transform_Cam_Chart * board[i];
     if (!(point.z() > 1e-6)) {
       return std::nullopt;
     }
-    const Projection seen = ProjectWithDerivatives(lens, point);
-    Eigen::Matrix<double, 2, 12> rows;
-    rows.leftCols<3>() = -seen.byPoint * Cross(point);
-    rows.middleCols<3>(3) = seen.byPoint;
-    rows.rightCols<6>() = seen.byLens;
+    const Projection seen = ProjectWithDerivative(lens, point);
+    const PixelByTwist rows = ByTwist(seen, point);
     const Eigen::Vector2d residual = corners[i] - seen.pixel;
-    normal += rows.transpose().lazyProduct(rows);
-    equations.towards.noalias() += rows.leftCols<6>().transpose() * residual;
+    equations.byPose += rows.transpose().lazyProduct(rows);
+    equations.towards.noalias() += rows.transpose() * residual;
     equations.squares += residual.squaredNorm();
   }
-  equations.byPose = normal.topLeftCorner<6, 6>();
-  equations.byPoseLens = normal.topRightCorner<6, 6>();
-  equations.byLens = normal.bottomRightCorner<6, 6>();
   return equations;
 }
 
@@ -156,10 +99,14 @@ std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen
   if (homography && homography->allFinite()) {
     pose = PoseOfHomography(*homography);
   }
-  if (!pose) {
-    return std::nullopt;
-  }
-  std::optional<CornerEquations> equations = EquationsAt(*pose, lens, board, corners);
+  return pose ? RefineChartPose(*pose, lens, board, corners) : std::nullopt;
+}
+
+std::optional<ChartPose> RefineChartPose(const Pose& Transform_Cam_Chart, const Lens& lens,
+                                         const std::vector<Eigen::Vector3d>& board,
+                                         const std::vector<Eigen::Vector2d>& corners) {
+  Pose pose = Transform_Cam_Chart;
+  std::optional<PoseEquations> equations = EquationsAt(pose, lens, board, corners);
   for (int step = 0; step < 20 && equations; ++step) {
     const Ldlt solver(equations->byPose);
     Twist change = solver.Solve(equations->towards);
@@ -167,9 +114,9 @@ std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen
       return std::nullopt;
     }
     // Halved until the corners fit no worse than before.
-    std::optional<CornerEquations> nearer;
+    std::optional<PoseEquations> nearer;
     for (int halving = 0; halving < 8; ++halving, change *= 0.5) {
-      const Pose tried = Exp(change) * *pose;
+      const Pose tried = Exp(change) * pose;
       nearer = EquationsAt(tried, lens, board, corners);
       if (nearer && nearer->squares <= equations->squares) {
         pose = tried;
@@ -188,7 +135,36 @@ std::optional<ChartPose> FindChartPose(const Lens& lens, const std::vector<Eigen
   if (!equations || !std::isfinite(equations->squares)) {
     return std::nullopt;
   }
-  return ChartPose{*pose, *equations};
+  return ChartPose{pose, *equations};
+}
+
+ModelEquations ModelEquationsAt(const ChartPose& pose, const CornerModel& model,
+                                const std::vector<Eigen::Vector2d>& corners) {
+  const std::vector<Eigen::Vector3d> board = model.board.Points();
+  const auto byShape = PointsByShape(model.board);
+  Eigen::Matrix<double, 6, kCornerParameters> byBoth =
+      Eigen::Matrix<double, 6, kCornerParameters>::Zero();
+  ModelEquations equations;
+  equations.information.setZero();
+  equations.towards.setZero();
+  for (std::size_t i = 0; i < board.size(); ++i) {
+    const Eigen::Vector3d point = pose.Transform_Cam_Chart * board[i];
+    const Projection seen = ProjectWithDerivative(model.lens, point);
+    const PixelByTwist byPose = ByTwist(seen, point);
+    Eigen::Matrix<double, 2, kCornerParameters> rows;
+    rows << PixelByLens(model.lens, point),
+        seen.byPoint * pose.Transform_Cam_Chart.linear() * byShape[i];
+    equations.information += rows.transpose().lazyProduct(rows);
+    equations.towards += rows.transpose() * (corners[i] - seen.pixel);
+    byBoth += byPose.transpose().lazyProduct(rows);
+  }
+  const Ldlt solver(pose.equations.byPose);
+  for (Eigen::Index k = 0; k < kCornerParameters; ++k) {
+    equations.pose.col(k) = -solver.Solve(Twist(byBoth.col(k)));
+  }
+  equations.information += byBoth.transpose() * equations.pose;
+  equations.towards += equations.pose.transpose() * pose.equations.towards;
+  return equations;
 }
 
 }  // namespace trackedcam::crosscheck

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "crosscheck/clusters.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"
 #include "crosscheck/misread.h"
@@ -17,6 +18,7 @@
 #include "crosscheck/start.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/step.h"
+#include "crosscheck/tracker_flaws.h"
 #include "crosscheck/twist.h"
 #include "crosscheck/uncertainty.h"
 #include "crosscheck/views.h"
@@ -40,6 +42,14 @@ void CheckLens(const Lens& lens) {
           "The centre or the distortion of the lens is infinite or NaN.");
 }
 
+void CheckTransform(const Eigen::Matrix4d& transform) {
+  constexpr double kTolerance = 1e-3;  // six decimals leave 1e-6
+  const Eigen::Matrix3d rotation = transform.topLeftCorner<3, 3>();
+  Require(!transform.allFinite() || ((rotation.transpose() * rotation).isIdentity(kTolerance) &&
+                                     rotation.determinant() > 0),
+          "Transform_Cam_Tc is not a rotation and a translation.");
+}
+
 void CheckObservations(const Observations& observations) {
   Require(observations.boardColumns >= 2 && observations.boardRows >= 2,
           "The board must have at least 2 inner corners along each side.");
@@ -55,6 +65,9 @@ void CheckObservations(const Observations& observations) {
                                   " corners, expected " + std::to_string(corners) + ".");
     }
   }
+  if (observations.library) {
+    CheckTransform(*observations.library);
+  }
   if (observations.mounting) {
     const auto isFinite = [](double value) { return std::isfinite(value); };
     const auto& [rotation, translation] = *observations.mounting;
@@ -62,11 +75,13 @@ void CheckObservations(const Observations& observations) {
                 std::all_of(translation.begin(), translation.end(), isFinite),
             "The stated mounting contains an infinite or NaN value.");
   }
+  Require(observations.goodEnough.mm > 0 && observations.goodEnough.degrees > 0,
+          "The accuracy that is good enough must be above 0.");
 }
 
 std::optional<Solution> SolveShoot(const Evidence& evidence) {
   const auto start = FindStart(evidence.loops, BoardDistance(evidence), kStartSamples);
-  if (!start || !evidence.lensCovariance.allFinite()) {
+  if (!start || !evidence.nuisanceCovariance.allFinite()) {
     return std::nullopt;
   }
   Solution from;
@@ -79,29 +94,56 @@ std::optional<Solution> SolveShoot(const Evidence& evidence) {
   options.first = start->closest;
   auto solution = Solve(evidence.loops, from, options);
   const bool isFinite = solution && solution->covariance.allFinite() &&
-                        solution->byLens.allFinite() &&
+                        solution->byNuisances.allFinite() &&
                         solution->Transform_Cam_Tc.matrix().allFinite() &&
                         solution->Transform_Tr_Chart.matrix().allFinite();
   return isFinite ? solution : std::nullopt;
 }
 
-void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck& check) {
+std::size_t UsedPhotographs(const Loops& loops, const Solution& solution) {
+  std::size_t used = 0;
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    used += solution.used[i] ? loops[i].photographs.size() : 0;
+  }
+  return used;
+}
+
+// By noise alone, and with errors that neighbouring photographs share.
+void FillUncertainty(const Evidence& evidence, const Solution& solution, CrossCheck& check) {
+  Solution byNoise = solution;
+  byNoise.inflation = 1;
+  const auto errorOf = [&](const Solution& with) {
+    return StandardErrorOfLeftTwist(FullCovariance(with, evidence).topLeftCorner<6, 6>(),
+                                    solution.Transform_Cam_Tc);
+  };
+  check.standardErrorCamTcByNoise = errorOf(byNoise);
+  Solution byClusters = solution;
+  byClusters.inflation = ClusterInflation(evidence.loops, solution);
+  check.standardErrorCamTcByClusters = errorOf(byClusters);
+
   const Eigen::MatrixXd covariance = FullCovariance(solution, evidence);
-  check.solved = true;
-  check.used = solution.Used();
-  check.Transform_Cam_Tc = solution.Transform_Cam_Tc.matrix();
-  check.Transform_Tr_Chart = solution.Transform_Tr_Chart.matrix();
   check.covarianceCamTcTwist = covariance.topLeftCorner<6, 6>();
   check.covarianceTrChartTwist = covariance.block<6, 6>(6, 6);
   check.standardErrorCamTc =
       StandardErrorOfLeftTwist(check.covarianceCamTcTwist, solution.Transform_Cam_Tc);
   check.standardErrorTrChart =
       StandardErrorOfRightTwist(check.covarianceTrChartTwist, solution.Transform_Tr_Chart);
-  check.t95 = StudentHalfWidth95(Freedom(solution));
+  if (check.diversity.amplification > kMostAmplification) {
+    // The covariance of a solution that is almost undetermined is that of a wrong place.
+    const Eigen::Vector3d infinite = Eigen::Vector3d::Constant(HUGE_VAL);
+    check.standardErrorCamTc = check.standardErrorTrChart = {infinite, infinite};
+  }
+  check.t95 = StudentHalfWidth95(Freedom(solution.Used()));
+}
+
+void FillSolution(const Evidence& evidence, const Solution& solution, CrossCheck& check) {
+  check.solved = true;
+  check.used = UsedPhotographs(evidence.loops, solution);
+  check.Transform_Cam_Tc = solution.Transform_Cam_Tc.matrix();
+  check.Transform_Tr_Chart = solution.Transform_Tr_Chart.matrix();
   check.trackerNoiseDegrees = std::sqrt(solution.noise.rotation) / kDegree;
   check.trackerNoiseMm = std::sqrt(solution.noise.translation) * 1e3;
   check.trackerNoiseApart = solution.noise.isApart;
-  check.diversity = DiversityOf(evidence.loops, solution);
   if (check.diversity.amplification <= kMostAmplification) {
     check.mounting = MountingOf(solution.Transform_Tr_Chart);
   }
@@ -125,7 +167,15 @@ void FillSquareSize(const Evidence& evidence, const std::optional<Solution>& fre
   const double variance = FullCovariance(*free, evidence)(12, 12);
   check.square.factor = free->squareFactor;
   check.square.standardError = std::sqrt(variance);
-  check.square.p = StudentTail((free->squareFactor - 1) / std::sqrt(variance), Freedom(*free));
+  check.square.p =
+      StudentTail((free->squareFactor - 1) / std::sqrt(variance), Freedom(free->Used()));
+}
+
+void FillScale(const Observations& observations, const Solution& solution, CrossCheck& check) {
+  constexpr double kPermille = 1e-3;
+  const Twist twist = kPermille * solution.byNuisances.topRows<6>().rightCols<1>();
+  const Offset moved = Between(Exp(twist) * solution.Transform_Cam_Tc, solution.Transform_Cam_Tc);
+  check.scale = {observations.scaleUncertainty, moved.offMm, moved.offDegrees};
 }
 
 void FillMounting(const Observations& observations, const Evidence& evidence,
@@ -141,7 +191,7 @@ void FillMounting(const Observations& observations, const Evidence& evidence,
       free ? CompareTrChart(*free, FullCovariance(*free, evidence).block<6, 6>(6, 6), stated).p
            : nominal.p;
   nominal.likelyMistake =
-      LikelyMistake(*observations.mounting, evidence.board, solution.Transform_Tr_Chart);
+      LikelyMistake(*observations.mounting, evidence.corners.board, solution.Transform_Tr_Chart);
 }
 
 // How far off the result is: the library's, or otherwise the one that follows from the stated
@@ -179,10 +229,11 @@ double ChartSpread(const Loops& loops) {
 
 void FillComparisons(const Observations& observations, const std::optional<Pose>& library,
                      CrossCheck& check) {
+  const bool isKnown = check.solved && check.diversity.amplification <= kMostAmplification;
   const Pose unknown(Eigen::Matrix4d(Eigen::Matrix4d::Constant(std::nan(""))));
-  const Pose Transform_Cam_Tc = check.solved ? Pose(check.Transform_Cam_Tc) : unknown;
-  const Pose Transform_Tr_Chart = check.solved ? Pose(check.Transform_Tr_Chart) : unknown;
-  const double t95 = check.solved ? check.t95 : std::nan("");
+  const Pose Transform_Cam_Tc = isKnown ? Pose(check.Transform_Cam_Tc) : unknown;
+  const Pose Transform_Tr_Chart = isKnown ? Pose(check.Transform_Tr_Chart) : unknown;
+  const double t95 = isKnown ? check.t95 : std::nan("");
   check.comparisonCamTc =
       CompareAxesCamTc(library.value_or(unknown), Transform_Cam_Tc, check.standardErrorCamTc, t95);
   check.comparisonTrChart =
@@ -190,30 +241,67 @@ void FillComparisons(const Observations& observations, const std::optional<Pose>
                          Transform_Tr_Chart, check.standardErrorTrChart, t95);
 }
 
+// With what the photographs show besides both transforms: a tracker that moved, or squares of
+// another size.
+Solution WithWhatIsFound(const Evidence& evidence, const Solution& solution,
+                         const std::optional<Solution>& free, FindingInputs& inputs,
+                         CrossCheck& check) {
+  inputs.loose = FindLooseTracker(evidence.loops, solution);
+  if (inputs.loose) {
+    return solution;
+  }
+  if (const auto step = FindStep(evidence.loops, solution)) {
+    check.step = step->step;
+    return step->solution;
+  }
+  return IsSquareSizeOff(check, ChartSpread(evidence.loops)) ? *free : solution;
+}
+
 void Fill(const Observations& observations, const Evidence& evidence,
           const std::optional<Pose>& library, FindingInputs& inputs, CrossCheck& check) {
-  const Solution& solution = *inputs.solution;
+  check.diversity = DiversityOf(evidence.loops, *inputs.solution);
+  FillScale(observations, *inputs.solution, check);
+  const std::optional<Solution> free = FreeSquareSize(evidence, *inputs.solution);
+  FillSquareSize(evidence, free, check);
+  inputs.chartSpreadMetres = ChartSpread(evidence.loops);
+  check.halves = CompareHalves(evidence, *inputs.solution);
+  Solution& solution = *inputs.solution;
+  solution = WithWhatIsFound(evidence, solution, free, inputs, check);
+  solution.inflation = std::max(1.0, ClusterInflation(evidence.loops, solution));
   FillSolution(evidence, solution, check);
+  FillUncertainty(evidence, solution, check);
   ComparePhotographs(observations, evidence, solution, check.perPhotograph);
 
   if (library) {
     check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);
   }
-  const std::optional<Solution> free = FreeSquareSize(evidence, solution);
-  FillSquareSize(evidence, free, check);
   FillMounting(observations, evidence, solution, free, check);
-  if (const auto step = FindStep(evidence.loops, solution)) {
-    check.step = step->step;
-    inputs.withStep = step->solution;
-  }
-  check.halves = CompareHalves(evidence, solution);
   check.onScreen = OnScreenAtAll(evidence, solution, library);
   Suggestions suggestions = SuggestViews(evidence, solution);
   check.suggestedViews = std::move(suggestions.views);
   check.photographsToHalve = suggestions.photographsToHalve;
   inputs.result = ResultOffset(observations, evidence, solution, check);
   inputs.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
-  inputs.chartSpreadMetres = ChartSpread(evidence.loops);
+}
+
+// A solution that is almost undetermined lies along a long valley, of which its covariance shows
+// only the slope at one place.
+void ForgetWhatIsUncertain(CrossCheck& check) {
+  if (check.diversity.amplification <= kMostAmplification) {
+    return;
+  }
+  const double unknown = std::nan("");
+  for (std::optional<Offset>* offset : {&check.library, &check.halves}) {
+    if (*offset) {
+      (*offset)->p = unknown;
+    }
+  }
+  if (check.nominalMounting) {
+    check.nominalMounting->p = check.nominalMounting->pScaleFree = unknown;
+    check.nominalMounting->likelyMistake = std::nullopt;
+  }
+  check.square.p = unknown;
+  check.onScreen.clear();
 }
 
 }  // namespace
@@ -224,8 +312,9 @@ CrossCheck Check(const Observations& observations) {
   CrossCheck check;
   check.photographs = observations.photographs.size();
   check.perPhotograph = DescribePhotographs(observations, evidence);
-  check.cornerNoisePixels = evidence.cornerNoisePixels;
-  const Eigen::Matrix<double, 6, 1> lens = evidence.lensCovariance.diagonal().cwiseSqrt();
+  check.cornerNoisePixels = evidence.corners.noisePixels;
+  const Eigen::Matrix<double, 6, 1> lens =
+      evidence.nuisanceCovariance.diagonal().head<6>().cwiseSqrt();
   check.lens = {lens[0], lens[1], lens[2], lens[3], lens[4], lens[5]};
 
   std::optional<Pose> library;
@@ -233,9 +322,11 @@ CrossCheck Check(const Observations& observations) {
     library = PoseOf(*observations.library);
   }
   FindingInputs inputs;
+  inputs.goodEnough = observations.goodEnough;
   inputs.solution = SolveShoot(evidence);
   if (inputs.solution) {
     Fill(observations, evidence, library, inputs, check);
+    ForgetWhatIsUncertain(check);
   }
   FillComparisons(observations, library, check);
   inputs.misread = FindMisreadRows(observations, evidence);

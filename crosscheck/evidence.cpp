@@ -1,58 +1,92 @@
 #include "crosscheck/evidence.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
+#include <array>
+#include <map>
 
 #include "crosscheck/symmetric.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-// Corners come in single precision or with six decimals; none are more accurate than this.
-constexpr double kLeastCornerNoise = 1e-3;  // pixels
-
-// The information of all corners about the lens, without what each photograph uses for its pose.
-Matrix6d LensCovariance(const Evidence& evidence) {
-  Matrix6d information = Matrix6d::Zero();
-  for (const std::optional<ChartPose>& pose : evidence.chartPoses) {
-    if (pose) {
-      const CornerEquations& equations = pose->equations;
-      information += equations.byLens - equations.byPoseLens.transpose() *
-                                            Ldlt(equations.byPose).Solve(equations.byPoseLens);
-    }
-  }
-  // Pixels and distortion differ by orders of magnitude.
-  const Eigen::Matrix<double, 6, 1> scale = information.diagonal().cwiseSqrt().cwiseInverse();
-  if (!scale.allFinite()) {
-    return Matrix6d::Constant(std::numeric_limits<double>::quiet_NaN());
-  }
-  const Matrix6d scaled = scale.asDiagonal() * information * scale.asDiagonal();
-  const Ldlt solver(scaled);
-  if (solver.SmallestPivot() < 1e-12) {
-    return Matrix6d::Constant(std::numeric_limits<double>::quiet_NaN());
-  }
-  const Matrix6d inverse = solver.Inverse();
-  const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
-  return variance * scale.asDiagonal() * inverse * scale.asDiagonal();
+// Which edge of a stretched board was measured is not known.
+double ScaleVariance(const Observations& observations, const Board& board) {
+  const double stretch = 0.5 * board.shape.stretch;
+  return observations.scaleUncertainty * observations.scaleUncertainty + stretch * stretch;
 }
 
-double CornerNoise(const Evidence& evidence) {
-  double squares = 0;
-  double freedom = -6;  // the lens was fitted to the same corners
-  for (const std::optional<ChartPose>& pose : evidence.chartPoses) {
-    if (pose) {
-      squares += pose->equations.squares;
-      freedom += 2.0 * static_cast<double>(evidence.board.size()) - 6;
-    }
-  }
-  return freedom > 0 ? std::max(std::sqrt(squares / freedom), kLeastCornerNoise)
-                     : kLeastCornerNoise;
+Eigen::MatrixXd NuisanceCovariance(const Observations& observations, const CornerFit& corners) {
+  const Eigen::Index count = corners.covariance.rows() + 1;
+  Eigen::MatrixXd covariance = Eigen::MatrixXd::Zero(count, count);
+  covariance.topLeftCorner(count - 1, count - 1) = corners.covariance;
+  covariance(count - 1, count - 1) = ScaleVariance(observations, corners.model.board);
+  return covariance;
 }
 
-bool AreFinite(const std::vector<Eigen::Vector2d>& corners) {
-  return std::all_of(corners.begin(), corners.end(),
-                     [](const Eigen::Vector2d& corner) { return corner.allFinite(); });
+ByNuisances ByNuisancesOf(const CornerFit& corners, std::size_t photograph) {
+  ByNuisances by(6, static_cast<Eigen::Index>(corners.parameters.size()) + 1);
+  by.leftCols(by.cols() - 1) = corners.equations[photograph]->pose(Eigen::all, corners.parameters);
+  by.rightCols<1>() << Eigen::Vector3d::Zero(),
+      corners.poses[photograph]->Transform_Cam_Chart.translation();
+  return by;
+}
+
+std::optional<Loop> LoopOf(const Observations& observations, const CornerFit& corners,
+                           std::size_t photograph) {
+  const Photograph& row = observations.photographs[photograph];
+  const std::optional<ChartPose>& pose = corners.poses[photograph];
+  const std::optional<Pose> Transform_Tc_Tr =
+      TransformOfRow(row, observations.invertTrackerQuaternions);
+  const std::optional<Pose> Transform_Base_Tc =
+      Transform_Base_Tracker(row.camera, observations.invertTrackerQuaternions);
+  if (!pose || !Transform_Tc_Tr || !Transform_Base_Tc) {
+    return std::nullopt;
+  }
+  Loop loop;
+  loop.photographs = {photograph};
+  loop.Transform_Base_Tc = *Transform_Base_Tc;
+  loop.seconds = row.seconds;
+  loop.Transform_Cam_Chart = pose->Transform_Cam_Chart;
+  loop.Transform_Tc_Tr = *Transform_Tc_Tr;
+  loop.cornerCovariance =
+      corners.noisePixels * corners.noisePixels * Ldlt(pose->equations.byPose).Inverse();
+  loop.byNuisances = ByNuisancesOf(corners, photograph);
+  const bool isFinite = loop.cornerCovariance.allFinite() && loop.byNuisances.allFinite();
+  return isFinite ? std::optional<Loop>(loop) : std::nullopt;
+}
+
+using Row = std::array<double, 14>;
+
+Row RowOf(const Photograph& photograph) {
+  Row row;
+  auto* next = row.data();
+  for (const TrackerPose* tracker : {&photograph.camera, &photograph.chart}) {
+    next = std::copy_n(tracker->position.data(), 3, next);
+    next = std::copy_n(tracker->quaternionWxyz.data(), 4, next);
+  }
+  return row;
+}
+
+// If the corners show another pose although the row is the same, the tracking was lost.
+bool IsSamePose(const Loop& a, const Loop& b) {
+  constexpr double kMetres = 0.002;
+  constexpr double kRadians = 0.002;
+  const Twist between = Log(a.Transform_Cam_Chart * b.Transform_Cam_Chart.inverse());
+  return (a.Transform_Cam_Chart.translation() - b.Transform_Cam_Chart.translation()).norm() <
+             kMetres &&
+         between.head<3>().norm() < kRadians;
+}
+
+// The mean of what the corners of both say, by their accuracy.
+void Merge(const Loop& more, Loop& loop) {
+  const Matrix6d weight = Inverse(loop.cornerCovariance);
+  const Matrix6d added = Inverse(more.cornerCovariance);
+  loop.cornerCovariance = Inverse(weight + added);
+  const Matrix6d share = loop.cornerCovariance * added;
+  const Twist between = Log(more.Transform_Cam_Chart * loop.Transform_Cam_Chart.inverse());
+  loop.Transform_Cam_Chart = Exp(share * between) * loop.Transform_Cam_Chart;
+  loop.byNuisances += share * (more.byNuisances - loop.byNuisances);
+  loop.photographs.insert(loop.photographs.end(), more.photographs.begin(), more.photographs.end());
 }
 
 }  // namespace
@@ -66,44 +100,40 @@ double MeanDistance(const Loops& loops) {
 }
 
 Evidence Gather(const Observations& observations) {
-  Evidence evidence;
-  evidence.lens = observations.lens;
-  evidence.board =
-      BoardPoints(observations.boardColumns, observations.boardRows, observations.square);
+  CornerModel model;
+  model.lens = observations.lens;
+  model.board = {observations.boardColumns, observations.boardRows, observations.square, {}};
+  std::vector<std::vector<Eigen::Vector2d>> corners;
   for (const Photograph& photograph : observations.photographs) {
-    evidence.chartPoses.push_back(
-        AreFinite(photograph.corners)
-            ? FindChartPose(observations.lens, evidence.board, photograph.corners)
-            : std::nullopt);
+    corners.push_back(photograph.corners);
   }
-  evidence.cornerNoisePixels = CornerNoise(evidence);
-  evidence.lensCovariance = LensCovariance(evidence);
+  Evidence evidence;
+  evidence.libraryLens = observations.lens;
+  evidence.corners = FitCorners(model, corners);
+  evidence.nuisanceCovariance = NuisanceCovariance(observations, evidence.corners);
 
-  const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
+  std::map<Row, std::vector<std::size_t>> loopsOfRow;
   for (std::size_t i = 0; i < observations.photographs.size(); ++i) {
-    const std::optional<Pose> Transform_Tc_Tr =
-        TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions);
-    const std::optional<ChartPose>& pose = evidence.chartPoses[i];
-    if (!pose || !Transform_Tc_Tr) {
+    const std::optional<Loop> loop = LoopOf(observations, evidence.corners, i);
+    if (!loop) {
       continue;
     }
-    const Ldlt solver(pose->equations.byPose);
-    Loop loop;
-    loop.photograph = i;
-    loop.Transform_Cam_Chart = pose->Transform_Cam_Chart;
-    loop.Transform_Tc_Tr = *Transform_Tc_Tr;
-    loop.cornerCovariance = variance * solver.Inverse();
-    // When the lens changes, the pose follows it to keep the residuals smallest.
-    loop.byLens = -solver.Solve(pose->equations.byPoseLens);
-    if (loop.cornerCovariance.allFinite() && loop.byLens.allFinite()) {
-      evidence.loops.push_back(loop);
+    std::vector<std::size_t>& same = loopsOfRow[RowOf(observations.photographs[i])];
+    const auto repeated = std::find_if(same.begin(), same.end(), [&](std::size_t other) {
+      return IsSamePose(evidence.loops[other], *loop);
+    });
+    if (repeated != same.end()) {
+      Merge(*loop, evidence.loops[*repeated]);
+    } else {
+      same.push_back(evidence.loops.size());
+      evidence.loops.push_back(*loop);
     }
   }
   return evidence;
 }
 
 BoardDistance::BoardDistance(const Evidence& evidence) : moments_(Eigen::Matrix4d::Zero()) {
-  const Eigen::Vector3d last = evidence.board.back();
+  const Eigen::Vector3d last = evidence.corners.board.back();
   for (const double x : {0.0, last.x()}) {
     for (const double y : {0.0, last.y()}) {
       const Eigen::Vector4d point(x, y, 0, 1);

@@ -7,21 +7,32 @@
 #include <optional>
 #include <vector>
 
-#include "crosscheck/chart_pose.h"
+#include "crosscheck/corner_flaws.h"
 #include "crosscheck/observations.h"
 #include "crosscheck/reported_poses.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
 
+/// What is known from elsewhere with an uncertainty, and moves all photographs together: the
+/// parameters of the corner model that were solved for (the lens's six first), and last the scale
+/// of the trackers' lengths against the squares.
+constexpr int kMostNuisances = kCornerParameters + 1;
+using ByNuisances = Eigen::Matrix<double, 6, Eigen::Dynamic, 0, 6, kMostNuisances>;
+
+/// One pose of the trackers, with one photograph or several.
 /// Without noise: Transform_Cam_Chart = Transform_Cam_Tc · Transform_Tc_Tr · Transform_Tr_Chart.
 struct Loop {
-  std::size_t photograph = 0;  // index in Observations::photographs
+  /// Indices in Observations::photographs: several if their rows repeat a pose. The trackers'
+  /// noise is then the same in all of them.
+  std::vector<std::size_t> photographs;
+  Pose Transform_Base_Tc = Pose::Identity();
+  double seconds = 0;  // of the first photograph; NaN if it is not known
   Pose Transform_Cam_Chart = Pose::Identity();
   Pose Transform_Tc_Tr = Pose::Identity();
-  /// Of the left twist of Transform_Cam_Chart, with the lens held fixed.
+  /// Of the left twist of Transform_Cam_Chart, with lens and board held fixed.
   Matrix6d cornerCovariance = Matrix6d::Zero();
-  Matrix6d byLens = Matrix6d::Zero();  // that twist by fx, fy, cx, cy, k1, k2
+  ByNuisances byNuisances;  // that twist
 };
 
 using Loops = std::vector<Loop>;
@@ -30,12 +41,10 @@ using Loops = std::vector<Loop>;
 double MeanDistance(const Loops& loops);
 
 struct Evidence {
-  Lens lens;
-  std::vector<Eigen::Vector3d> board;
-  std::vector<std::optional<ChartPose>> chartPoses;  // one for each photograph
-  double cornerNoisePixels = 0;
-  Matrix6d lensCovariance;  // of fx, fy, cx, cy, k1, k2, as solved from all corners together
-  Loops loops;              // of the photographs that can be used, in order
+  CornerFit corners;
+  Lens libraryLens;                    // as the library solved it, without flaws
+  Eigen::MatrixXd nuisanceCovariance;  // NaN if the corners do not determine the lens
+  Loops loops;                         // of the photographs that can be used, in order
 };
 
 Evidence Gather(const Observations& observations);

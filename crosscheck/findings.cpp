@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "crosscheck/flaw_findings.h"
 #include "crosscheck/uncertainty.h"
 
 namespace trackedcam::crosscheck {
 namespace {
 
-// From these differences on, the result is not accurate enough to pass without a finding.
+// From these differences on, or from half of what is good enough, a result does not pass without a
+// finding.
 constexpr double kNotableMm = 1;
 constexpr double kNotableDegrees = 0.1;
 // From these on, it is an error.
@@ -23,13 +25,18 @@ constexpr double kFarBeyondLimit = 2;  // times the limit at which a photograph 
 constexpr double kFarMm = 2;           // of a single photograph
 constexpr double kFarDegrees = 0.2;
 constexpr double kManyBad = 0.3;  // share of the photographs
-constexpr double kNotableSquare = 0.01;
+constexpr double kNotableSquare = 0.002;
+constexpr double kSureSquare = 0.01;
 constexpr double kLeastSpread = 0.05;  // metres that the chart must have moved to show the squares
 constexpr double kNoisyMm = 2;
 constexpr double kNoisyDegrees = 0.2;
 
-bool IsNotable(double mm, double degrees) {
-  return mm >= kNotableMm || degrees >= kNotableDegrees;
+// Photographs from a distance that is smaller by less are no closer ones.
+constexpr double kCloser = 0.7;
+
+bool IsNotable(const Offset& offset, const Accuracy& goodEnough) {
+  return offset.offMm >= std::min(kNotableMm, goodEnough.mm / 2) ||
+         offset.offDegrees >= std::min(kNotableDegrees, goodEnough.degrees / 2);
 }
 
 bool IsGrave(const Offset& offset) {
@@ -56,7 +63,8 @@ std::optional<Finding> RotationFinding(const CrossCheck& check) {
   if (!(diversity.amplification > kNotableAmplification)) {
     return std::nullopt;
   }
-  return Finding{IsRotatedEnough(check) ? Severity::kWarning : Severity::kError,
+  // The result may be right: it cannot be checked.
+  return Finding{Severity::kWarning,
                  TooLittleRotation{diversity.amplification, diversity.rotationDegrees,
                                    diversity.axisInChart, diversity.axes}};
 }
@@ -71,44 +79,45 @@ std::optional<Finding> StepFinding(const CrossCheck& check) {
 }
 
 std::optional<Finding> MountingFinding(const CrossCheck& check, const FindingInputs& inputs) {
-  if (!check.nominalMounting || !inputs.result || check.step || !IsRotatedEnough(check)) {
+  if (!check.nominalMounting || !inputs.result || !IsRotatedEnough(check)) {
     return std::nullopt;
   }
   const NominalMounting& stated = *check.nominalMounting;
   const Offset& result = *inputs.result;
   if (!(stated.p < kCertain && stated.pScaleFree < kCertain &&
-        IsNotable(result.offMm, result.offDegrees))) {
+        IsNotable(result, inputs.goodEnough))) {
     return std::nullopt;
   }
-  return Finding{IsGrave(result) ? Severity::kError : Severity::kNote,
+  return Finding{IsGrave(result) ? Severity::kError : Severity::kWarning,
                  MountingOff{stated.offMm, stated.offDegrees, result.offMm, result.offDegrees,
                              stated.p, stated.pScaleFree, stated.likelyMistake}};
 }
 
-std::optional<Finding> LibraryFinding(const CrossCheck& check) {
+std::optional<Finding> LibraryFinding(const CrossCheck& check, const FindingInputs& inputs) {
   if (!check.library || check.step || !IsRotatedEnough(check)) {
     return std::nullopt;
   }
   const Offset& library = *check.library;
-  if (!(library.p < kCertain && IsNotable(library.offMm, library.offDegrees))) {
+  if (!(library.p < kCertain && IsNotable(library, inputs.goodEnough))) {
     return std::nullopt;
   }
-  // An unknown mounting may be off by this much; with a right one the difference is harmless.
   const bool isUnknown = !check.nominalMounting;
-  return Finding{isUnknown && IsGrave(library) ? Severity::kError : Severity::kWarning,
+  return Finding{IsGrave(library) ? Severity::kError : Severity::kWarning,
                  LibraryApart{library.offMm, library.offDegrees, library.p, isUnknown}};
 }
 
 // Indices in Observations::photographs, the worst first.
 std::vector<std::size_t> FindBadPhotographs(const CrossCheck& check, const Evidence& evidence,
                                             const Solution& solution) {
+  const double limit = kFarBeyondLimit * DisagreementLimit(solution.Used());
   std::vector<std::size_t> bad;
   for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
-    const std::size_t index = evidence.loops[i].photograph;
-    const PerPhotograph& photograph = check.perPhotograph[index];
-    if (!solution.used[i] && solution.disagreement[i] > kFarBeyondLimit * DisagreementLimit() &&
-        (photograph.mm >= kFarMm || photograph.degrees >= kFarDegrees)) {
-      bad.push_back(index);
+    const bool isFar = !solution.used[i] && solution.disagreement[i] > limit;
+    for (const std::size_t index : evidence.loops[i].photographs) {
+      const PerPhotograph& photograph = check.perPhotograph[index];
+      if (isFar && (photograph.mm >= kFarMm || photograph.degrees >= kFarDegrees)) {
+        bad.push_back(index);
+      }
     }
   }
   for (std::size_t i = 0; i < check.photographs; ++i) {
@@ -130,8 +139,7 @@ std::vector<std::size_t> FindBadPhotographs(const CrossCheck& check, const Evide
 
 std::optional<Finding> PhotographsFinding(const CrossCheck& check, const Evidence& evidence,
                                           const FindingInputs& inputs) {
-  const std::vector<std::size_t> bad =
-      FindBadPhotographs(check, evidence, inputs.withStep ? *inputs.withStep : *inputs.solution);
+  const std::vector<std::size_t> bad = FindBadPhotographs(check, evidence, *inputs.solution);
   if (bad.empty()) {
     return std::nullopt;
   }
@@ -141,49 +149,69 @@ std::optional<Finding> PhotographsFinding(const CrossCheck& check, const Evidenc
                  BadPhotographs{share, worst.mm, worst.degrees, bad}};
 }
 
-std::optional<Finding> SquareFinding(const CrossCheck& check, const FindingInputs& inputs) {
-  const SquareSize& square = check.square;
-  if (square.p < kCertain && std::abs(square.factor - 1) >= kNotableSquare &&
-      inputs.chartSpreadMetres >= kLeastSpread && !check.step) {
-    return Finding{Severity::kWarning,
-                   SquareSizeOff{square.factor, square.standardError, square.p}};
+std::optional<Finding> SquareFinding(const CrossCheck& check, const FindingInputs& inputs,
+                                     bool isAlone) {
+  if (!IsSquareSizeOff(check, inputs.chartSpreadMetres) || check.step) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  // What else is wrong may explain a part of it.
+  const SquareSize& square = check.square;
+  return Finding{
+      Severity::kWarning,
+      SquareSizeOff{square.factor, isAlone ? square.standardError : std::nan(""), square.p}};
 }
 
-std::optional<Finding> HalvesFinding(const CrossCheck& check) {
+std::optional<Finding> HalvesFinding(const CrossCheck& check, const FindingInputs& inputs) {
   if (!check.halves || check.step) {
     return std::nullopt;
   }
   const Offset& halves = *check.halves;
-  if (halves.p < kCertain && IsNotable(halves.offMm, halves.offDegrees)) {
+  if (halves.p < kCertain && IsNotable(halves, inputs.goodEnough)) {
     return Finding{Severity::kWarning, HalvesDiffer{halves.offMm, halves.offDegrees, halves.p}};
   }
   return std::nullopt;
 }
 
-std::optional<Finding> LensFinding(const CrossCheck& check, const Evidence& evidence,
-                                   const FindingInputs& inputs) {
-  const Solution& solution = *inputs.solution;
-  const Pose& pose = solution.Transform_Cam_Tc;
-  const Eigen::MatrixXd carried =
-      solution.byLens * evidence.lensCovariance * solution.byLens.transpose();
-  const StandardError lens = StandardErrorOfLeftTwist(carried.topLeftCorner<6, 6>(), pose);
-  const StandardError rest =
-      StandardErrorOfLeftTwist(solution.covariance.topLeftCorner<6, 6>(), pose);
-  const double mm = check.t95 * lens.translationMm.maxCoeff();
-  const double degrees = check.t95 * lens.rotationDegrees.maxCoeff();
-  const bool isTranslationUncertain =
-      mm >= kNotableMm && lens.translationMm.norm() > rest.translationMm.norm();
-  const bool isRotationUncertain =
-      degrees >= kNotableDegrees && lens.rotationDegrees.norm() > rest.rotationDegrees.norm();
-  if (isTranslationUncertain || isRotationUncertain) {
-    const auto& atChart = inputs.atChart;
-    return Finding{Severity::kWarning,
-                   LensUncertain{mm, degrees, atChart ? atChart->fromLens : std::nan(""),
-                                 atChart ? atChart->distanceMetres : std::nan("")}};
+// The larger of translation and rotation, in parts of what is good enough.
+double SizeOf(const Accuracy& accuracy, const Accuracy& goodEnough) {
+  return std::max(accuracy.mm / goodEnough.mm, accuracy.degrees / goodEnough.degrees);
+}
+
+Accuracy HalfWidth95(const StandardError& error, double t95) {
+  return {t95 * error.translationMm.maxCoeff(), t95 * error.rotationDegrees.maxCoeff()};
+}
+
+double WithoutPart(double whole, double part) {
+  return std::sqrt(std::max(0.0, whole * whole - part * part));
+}
+
+std::optional<Finding> AccuracyFinding(const CrossCheck& check, const Evidence& evidence,
+                                       const FindingInputs& inputs) {
+  const Accuracy found = HalfWidth95(check.standardErrorCamTc, check.t95);
+  if (!(SizeOf(found, inputs.goodEnough) > 1) || !IsRotatedEnough(check) || check.step) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  const Solution& solution = *inputs.solution;
+  Uncertain uncertain;
+  uncertain.needed = inputs.goodEnough;
+  uncertain.found = found;
+  uncertain.byLens = HalfWidth95(
+      StandardErrorOfLeftTwist(CovarianceFromLens(solution, evidence), solution.Transform_Cam_Tc),
+      check.t95);
+  uncertain.byTrackers = {WithoutPart(found.mm, uncertain.byLens.mm),
+                          WithoutPart(found.degrees, uncertain.byLens.degrees)};
+  uncertain.pixels = inputs.atChart ? inputs.atChart->pixels : std::nan("");
+  uncertain.distanceMetres = MeanDistance(evidence.loops);
+  if (!check.suggestedViews.empty()) {
+    const double best = check.suggestedViews.front().distanceMetres;
+    if (best < kCloser * uncertain.distanceMetres) {
+      uncertain.closerMetres = best;
+    }
+  }
+  const bool isLens =
+      SizeOf(uncertain.byLens, inputs.goodEnough) > SizeOf(uncertain.byTrackers, inputs.goodEnough);
+  return Finding{Severity::kWarning, isLens ? FindingKind(LensUncertain{uncertain})
+                                            : FindingKind(TrackersUncertain{uncertain})};
 }
 
 std::optional<Finding> NoiseFinding(const CrossCheck& check) {
@@ -193,6 +221,11 @@ std::optional<Finding> NoiseFinding(const CrossCheck& check) {
                    TrackersNoisy{check.trackerNoiseMm, check.trackerNoiseDegrees}};
   }
   return std::nullopt;
+}
+
+bool HasName(const Finding& ofTrackers) {
+  const auto* errors = std::get_if<TrackerErrors>(&ofTrackers.kind);
+  return errors == nullptr || errors->follow;
 }
 
 std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& evidence,
@@ -214,22 +247,41 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
   }
   add(RotationFinding(check));
   add(StepFinding(check));
-  add(PhotographsFinding(check, evidence, inputs));
+  const auto addAll = [&findings](const std::vector<Finding>& more) {
+    findings.insert(findings.end(), more.begin(), more.end());
+  };
+  // Half of the photographs with a loose tracker contradict the other half.
+  const bool areBad = !inputs.loose && add(PhotographsFinding(check, evidence, inputs));
   // A wrong mounting explains a result that is off.
   if (!add(MountingFinding(check, inputs))) {
-    add(LibraryFinding(check));
+    add(LibraryFinding(check, inputs));
   }
-  const bool isSquareOff = add(SquareFinding(check, inputs));
-  add(HalvesFinding(check));
-  add(LensFinding(check, evidence, inputs));
+  addAll(CornerFindings(check, evidence, *inputs.solution));
+  std::vector<Finding> ofTrackers;
+  if (IsRotatedEnough(check) && !check.step) {
+    ofTrackers = TrackerFindings(check, evidence, inputs);
+  }
+  // Errors without a name may be the drift that the halves show.
+  if (!ofTrackers.empty() && HasName(ofTrackers.front())) {
+    addAll(ofTrackers);
+  } else if (!add(HalvesFinding(check, inputs))) {
+    addAll(ofTrackers);
+  }
+  const bool isSquareOff = add(SquareFinding(check, inputs, !areBad && ofTrackers.empty()));
   // Squares of another size look like noise.
   if (!isSquareOff) {
     add(NoiseFinding(check));
   }
+  add(AccuracyFinding(check, evidence, inputs));
   return findings;
 }
 
 }  // namespace
+
+bool IsSquareSizeOff(const CrossCheck& check, double chartSpreadMetres) {
+  return check.square.p < kSureSquare && std::abs(check.square.factor - 1) >= kNotableSquare &&
+         chartSpreadMetres >= kLeastSpread && IsRotatedEnough(check);
+}
 
 std::vector<Finding> FindingsOf(const CrossCheck& check, const Evidence& evidence,
                                 const FindingInputs& inputs) {

@@ -7,7 +7,9 @@
 
 #include "crosscheck/chart_pose.h"
 #include "crosscheck/reported_poses.h"
+#include "crosscheck/solve.h"
 #include "crosscheck/start.h"
+#include "crosscheck/uncertainty.h"
 
 namespace trackedcam::crosscheck {
 namespace {
@@ -47,7 +49,7 @@ double MedianMetres(const Observations& observations, const Evidence& evidence,
   Loops loops;
   for (std::size_t i = 0; i < photographs.size(); i += std::max<std::size_t>(stride, 1)) {
     const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(i) + RowOffset(reading);
-    if (!evidence.chartPoses[i] || row < 0 ||
+    if (!evidence.corners.poses[i] || row < 0 ||
         row >= static_cast<std::ptrdiff_t>(photographs.size())) {
       continue;
     }
@@ -55,8 +57,8 @@ double MedianMetres(const Observations& observations, const Evidence& evidence,
                                                 observations.invertTrackerQuaternions, reading);
     if (Transform_Tc_Tr) {
       Loop loop;
-      loop.photograph = i;
-      loop.Transform_Cam_Chart = evidence.chartPoses[i]->Transform_Cam_Chart;
+      loop.photographs = {i};
+      loop.Transform_Cam_Chart = evidence.corners.poses[i]->Transform_Cam_Chart;
       loop.Transform_Tc_Tr = *Transform_Tc_Tr;
       loops.push_back(loop);
     }
@@ -128,6 +130,13 @@ std::vector<Misstatement> Misstatements(const Mounting& stated,
 
 std::optional<MisreadRows> FindMisreadRows(const Observations& observations,
                                            const Evidence& evidence) {
+  // Without enough rotation, positions are free to fit: of a chart on a turntable, those in metres
+  // fit no better than those in millimetres.
+  Solution all;
+  all.used.assign(evidence.loops.size(), true);
+  if (!(DiversityOf(evidence.loops, all).amplification <= kMostAmplification)) {
+    return std::nullopt;
+  }
   const double asRead = MedianMetres(observations, evidence, std::nullopt);
   if (asRead < kSurelyRight) {
     return std::nullopt;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,12 +12,14 @@
 
 namespace trackedcam::crosscheck {
 
-/// A pinhole with radial distortion; the centre of the first pixel is (0, 0).
+/// A pinhole with distortion; the centre of the first pixel is (0, 0).
 struct Lens {
   int width = 0;                          // of the photographs, pixels
   int height = 0;                         // of the photographs, pixels
   double fx = 0, fy = 0, cx = 0, cy = 0;  // pixels
   double k1 = 0, k2 = 0;                  // radial distortion of second and fourth order
+  double p1 = 0, p2 = 0;                  // tangential distortion; a calibration has none
+  double k3 = 0;                          // radial distortion of sixth order; the same
 };
 
 /// Transform_Tr_Chart = [ Rx · Ry · Rz | translation ], with Tr after the axis fix.
@@ -33,10 +36,17 @@ struct TrackerPose {
 
 struct Photograph {
   std::string name;
-  TrackerPose camera;  // the tracker on the camera
-  TrackerPose chart;   // the tracker on the chart
+  TrackerPose camera;                                         // the tracker on the camera
+  TrackerPose chart;                                          // the tracker on the chart
+  double seconds = std::numeric_limits<double>::quiet_NaN();  // when it was taken, of any clock
   /// Row by row, columns fastest; pixels.
   std::vector<Eigen::Vector2d> corners;
+};
+
+/// How accurate a result must be.
+struct Accuracy {
+  double mm = 2;
+  double degrees = 0.2;
 };
 
 struct Observations {
@@ -46,8 +56,10 @@ struct Observations {
   Lens lens;                            // as solved from these corners
   std::vector<Photograph> photographs;  // in the order of the shoot
   bool invertTrackerQuaternions = false;
-  std::optional<Mounting> mounting;        // as stated, if it was
+  double scaleUncertainty = 0.001;   // of the trackers' lengths against the squares, as a fraction
+  std::optional<Mounting> mounting;  // as stated, if it was
   std::optional<Eigen::Matrix4d> library;  // its Transform_Cam_Tc, to be checked
+  Accuracy goodEnough;                     // for the user
 };
 
 }  // namespace trackedcam::crosscheck

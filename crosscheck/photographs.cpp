@@ -30,10 +30,10 @@ void PredictCorners(const Pose& predicted, const Evidence& evidence,
                     const std::vector<Eigen::Vector2d>& corners, PerPhotograph& photograph) {
   photograph.predicted.clear();
   double squares = 0;
-  for (std::size_t i = 0; i < evidence.board.size(); ++i) {
-    const Eigen::Vector3d point = predicted * evidence.board[i];
-    const Eigen::Vector2d pixel =
-        point.z() > 1e-6 ? Project(evidence.lens, point) : Eigen::Vector2d::Constant(kNan);
+  for (std::size_t i = 0; i < evidence.corners.board.size(); ++i) {
+    const Eigen::Vector3d point = predicted * evidence.corners.board[i];
+    const Eigen::Vector2d pixel = point.z() > 1e-6 ? Project(evidence.corners.model.lens, point)
+                                                   : Eigen::Vector2d::Constant(kNan);
     photograph.predicted.push_back(pixel);
     squares += (pixel - corners[i]).squaredNorm();
   }
@@ -43,13 +43,15 @@ void PredictCorners(const Pose& predicted, const Evidence& evidence,
 // Why a photograph contradicts the others, if it would fit otherwise.
 void Explain(std::size_t index, const Evidence& evidence, const Solution& solution,
              PerPhotograph& photograph) {
+  const double limit = DisagreementLimit(solution.Used());
   Loop reversed = evidence.loops[index];
-  reversed.Transform_Cam_Chart = reversed.Transform_Cam_Chart * ReversedBoard(evidence.board);
-  if (DisagreementOf(reversed, index, solution, solution.noise) <= DisagreementLimit()) {
+  reversed.Transform_Cam_Chart =
+      reversed.Transform_Cam_Chart * ReversedBoard(evidence.corners.board);
+  if (DisagreementOf(reversed, index, solution, solution.noise) <= limit) {
     photograph.whyLeftOut = WhyLeftOut::kFirstCornerAtOtherEnd;
     return;
   }
-  double least = DisagreementLimit();
+  double least = limit;
   for (std::size_t other = 0; other < evidence.loops.size(); ++other) {
     Loop exchanged = evidence.loops[index];
     exchanged.Transform_Tc_Tr = evidence.loops[other].Transform_Tc_Tr;
@@ -58,7 +60,7 @@ void Explain(std::size_t index, const Evidence& evidence, const Solution& soluti
     if (disagreement <= least) {
       least = disagreement;
       photograph.whyLeftOut = WhyLeftOut::kFitsTrackersOf;
-      photograph.fitsTrackersOf = evidence.loops[other].photograph;
+      photograph.fitsTrackersOf = evidence.loops[other].photographs.front();
     }
   }
 }
@@ -74,9 +76,9 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
     photograph.Transform_Cam_Chart.setConstant(kNan);
     photograph.Transform_Tc_Tr.setConstant(kNan);
     photograph.view = {kNan, kNan, kNan, kNan};
-    if (const auto& pose = evidence.chartPoses[i]) {
+    if (const auto& pose = evidence.corners.poses[i]) {
       photograph.Transform_Cam_Chart = pose->Transform_Cam_Chart.matrix();
-      photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.board);
+      photograph.view = ViewOf(pose->Transform_Cam_Chart, evidence.corners.board);
     } else {
       photograph.whyLeftOut = WhyLeftOut::kNoPose;
     }
@@ -93,14 +95,17 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
 void ComparePhotographs(const Observations& observations, const Evidence& evidence,
                         const Solution& solution, std::vector<PerPhotograph>& photographs) {
   for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
-    const Loop& loop = evidence.loops[i];
-    PerPhotograph& photograph = photographs[loop.photograph];
-    photograph.used = solution.used[i];
-    MeasureDistance(loop, solution, photograph);
-    PredictCorners(Predicted(loop, i, solution), evidence,
-                   observations.photographs[loop.photograph].corners, photograph);
-    if (!photograph.used) {
-      Explain(i, evidence, solution, photograph);
+    for (const std::size_t index : evidence.loops[i].photographs) {
+      Loop loop = evidence.loops[i];
+      loop.Transform_Cam_Chart = evidence.corners.poses[index]->Transform_Cam_Chart;
+      PerPhotograph& photograph = photographs[index];
+      photograph.used = solution.used[i];
+      MeasureDistance(loop, solution, photograph);
+      PredictCorners(Predicted(loop, i, solution), evidence,
+                     observations.photographs[index].corners, photograph);
+      if (!photograph.used) {
+        Explain(i, evidence, solution, photograph);
+      }
     }
   }
 }

@@ -1,5 +1,7 @@
 #include "crosscheck/result.h"
 
+#include <cmath>
+
 namespace trackedcam::crosscheck {
 namespace {
 
@@ -13,8 +15,16 @@ struct NameOfKind {
   const char* operator()(const SquareSizeOff&) const { return "squareSize"; }
   const char* operator()(const HalvesDiffer&) const { return "halvesDiffer"; }
   const char* operator()(const LensUncertain&) const { return "lensUncertain"; }
+  const char* operator()(const TrackersUncertain&) const { return "trackersUncertain"; }
   const char* operator()(const TrackersNoisy&) const { return "trackersNoisy"; }
   const char* operator()(const LibraryApart&) const { return "libraryApart"; }
+  const char* operator()(const ChartNotFlat&) const { return "chartNotFlat"; }
+  const char* operator()(const ChartStretched&) const { return "chartStretched"; }
+  const char* operator()(const LensModel&) const { return "lensModel"; }
+  const char* operator()(const TrackerErrors& errors) const {
+    return errors.follow ? Name(*errors.follow) : "structuredErrors";
+  }
+  const char* operator()(const TrackerLoose&) const { return "trackerLoose"; }
 };
 
 }  // namespace
@@ -47,6 +57,41 @@ const char* Name(RowReading reading) {
       return "mirroredY";
     case RowReading::kMirroredZ:
       return "mirroredZ";
+  }
+  return "";
+}
+
+Certainty CertaintyOf(double p) {
+  return p < kCertain    ? Certainty::kIsCertain
+         : p < kLikely   ? Certainty::kIsLikely
+         : std::isnan(p) ? Certainty::kIsUnknown
+                         : Certainty::kMayBeChance;
+}
+
+const char* Name(Certainty certainty) {
+  switch (certainty) {
+    case Certainty::kIsCertain:
+      return "certain";
+    case Certainty::kIsLikely:
+      return "likely";
+    case Certainty::kMayBeChance:
+      return "byChance";
+    case Certainty::kIsUnknown:
+      return "unknown";
+  }
+  return "";
+}
+
+const char* Name(TrackerFlaw flaw) {
+  switch (flaw) {
+    case TrackerFlaw::kSag:
+      return "mountSags";
+    case TrackerFlaw::kBentVolume:
+      return "volumeBent";
+    case TrackerFlaw::kPoseDependent:
+      return "poseDependentErrors";
+    case TrackerFlaw::kDelay:
+      return "delay";
   }
   return "";
 }

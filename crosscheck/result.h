@@ -20,6 +20,18 @@ namespace trackedcam::crosscheck {
 
 /// A test with a p below this is certain: the difference is not by chance.
 constexpr double kCertain = 0.001;
+/// Below this it is likely.
+constexpr double kLikely = 0.05;
+
+/// What the p of a difference says.
+enum class Certainty { kIsCertain, kIsLikely, kMayBeChance, kIsUnknown };
+Certainty CertaintyOf(double p);
+
+/// certain, likely, byChance, unknown
+const char* Name(Certainty certainty);
+
+/// With more, the shoot does not determine the mounting, and nothing about it is certain.
+constexpr double kMostAmplification = 10;
 
 enum class Tracker { kCamera, kChart };
 
@@ -43,6 +55,17 @@ enum class RowReading {
 
 /// quaternionsInverted, orderXyzw, ...
 const char* Name(RowReading reading);
+
+/// What errors of the trackers follow.
+enum class TrackerFlaw {
+  kSag,            // gravity: a mount gives way
+  kBentVolume,     // the position in the tracking volume
+  kPoseDependent,  // the rotation of the chart in front of the camera
+  kDelay,          // the motion: the poses are not of the time of the photograph
+};
+
+/// mountSags, volumeBent, poseDependentErrors, delay
+const char* Name(TrackerFlaw flaw);
 
 /// How a mounting is stated wrongly.
 enum class MountingMistake {
@@ -106,6 +129,13 @@ struct Diversity {
   double rotationDegrees = 0;
   Eigen::Vector3d axisInChart = Eigen::Vector3d::Zero();
   int axes = 1;
+};
+
+/// What the scale of the trackers' lengths against the squares does, which one shoot hardly shows.
+struct Scale {
+  double uncertainty = 0;    // a fraction, from elsewhere; 0 if the photographs themselves show it
+  double mmPerPermille = 0;  // of Transform_Cam_Tc
+  double degreesPerPermille = 0;
 };
 
 struct SquareSize {
@@ -231,13 +261,22 @@ struct HalvesDiffer {
   double p = 1;
 };
 
-/// The lens contributes more uncertainty than the trackers.
-struct LensUncertain {
-  double mm = 0;  // 95 % of Transform_Cam_Tc
-  double degrees = 0;
-  double pixels = 0;  // 95 % in the image at the distance
+/// Transform_Cam_Tc is not known as accurately as it must be. Half-widths of 95 % intervals.
+struct Uncertain {
+  Accuracy needed;
+  Accuracy found;
+  Accuracy byLens;      // its part; squares add up
+  Accuracy byTrackers;  // the rest
+  double pixels = 0;    // in the image, at the chart's distance
   double distanceMetres = 0;
+  std::optional<double> closerMetres;  // if photographs from this smaller distance help most
 };
+
+/// The larger part is the lens's.
+struct LensUncertain : Uncertain {};
+
+/// The larger part is the trackers'.
+struct TrackersUncertain : Uncertain {};
 
 struct TrackersNoisy {
   double mm = 0;       // along each axis
@@ -252,12 +291,58 @@ struct LibraryApart {
   bool mountingUnknown = false;
 };
 
-using FindingKind = std::variant<NoAgreement, MisreadRows, TooLittleRotation, TrackerMoved,
-                                 MountingOff, BadPhotographs, SquareSizeOff, HalvesDiffer,
-                                 LensUncertain, TrackersNoisy, LibraryApart>;
+/// The corners show a bowed board; the solution takes it into account.
+struct ChartNotFlat {
+  double bowMm = 0;    // of the middle behind the ends, along the row, column or diagonal with most
+  double movedMm = 0;  // of Transform_Cam_Tc by leaving the bow out
+  double movedDegrees = 0;
+};
+
+/// The corners show squares that are wider than high; the solution takes it into account.
+struct ChartStretched {
+  double widerBy = 0;  // fraction of the edge
+  double movedMm = 0;  // of Transform_Cam_Tc by leaving it out
+  double movedDegrees = 0;
+};
+
+/// The corners show a distortion that k1 and k2 do not have; the solution takes it into account.
+struct LensModel {
+  double p1 = 0, p2 = 0, k3 = 0;
+  double movedMm = 0;  // of Transform_Cam_Tc by leaving it out
+  double movedDegrees = 0;
+  double pixels = 0;  // in the image at the distance, with lens and transform both without it
+  double distanceMetres = 0;
+};
+
+/// Errors of the trackers that are not noise.
+struct TrackerErrors {
+  std::optional<TrackerFlaw> follow;  // nothing: neighbouring photographs share them
+  double p = 1;
+  double delaySeconds = 0;  // of the poses behind the photographs, if they follow the motion
+  double mm = 0;  // root mean square over the photographs; NaN if they follow nothing known
+  double degrees = 0;
+  double movedMm = 0;  // of Transform_Cam_Tc by them, to first order
+  double movedDegrees = 0;
+};
+
+/// A tracker that has two seats on its mount.
+struct TrackerLoose {
+  Tracker tracker = Tracker::kCamera;
+  double mm = 0;  // between the seats
+  double degrees = 0;
+  std::vector<std::size_t> photographs;  // indices of those in the seat with fewer
+};
+
+using FindingKind =
+    std::variant<NoAgreement, MisreadRows, TooLittleRotation, TrackerMoved, MountingOff,
+                 BadPhotographs, SquareSizeOff, HalvesDiffer, LensUncertain, TrackersUncertain,
+                 TrackersNoisy, LibraryApart, ChartNotFlat, ChartStretched, LensModel,
+                 TrackerErrors, TrackerLoose>;
 
 /// noAgreement, reading, tooLittleRotation, trackerMoved, mountingOff, badPhotographs, squareSize,
-/// halvesDiffer, lensUncertain, trackersNoisy, libraryApart
+/// halvesDiffer, lensUncertain, trackersUncertain, trackersNoisy, libraryApart, chartNotFlat,
+/// chartStretched, lensModel, trackerLoose; mountSags, volumeBent, poseDependentErrors, delay
+/// or structuredErrors
 const char* Name(const FindingKind& kind);
 
 enum class Severity { kError, kWarning, kNote };
@@ -271,6 +356,7 @@ struct Finding {
 };
 
 /// NaN: could not be determined.
+/// Above kMostAmplification, p and standard errors could not be determined either.
 struct CrossCheck {
   bool solved = false;  // otherwise only findings, perPhotograph, cornerNoisePixels, lens are known
   std::size_t photographs = 0;
@@ -281,8 +367,10 @@ struct CrossCheck {
       Eigen::Matrix<double, 6, 6>::Zero();  // of the left twist
   Eigen::Matrix<double, 6, 6> covarianceTrChartTwist =
       Eigen::Matrix<double, 6, 6>::Zero();  // of the right twist
-  StandardError standardErrorCamTc;
-  StandardError standardErrorTrChart;
+  StandardError standardErrorCamTc;    // the larger of the two below; infinite if the rotations
+  StandardError standardErrorTrChart;  // of the chart do not determine the transforms
+  StandardError standardErrorCamTcByNoise;     // if all errors are noise
+  StandardError standardErrorCamTcByClusters;  // if neighbouring photographs share errors
   double t95 = 0;  // standard errors times this: half the width of the 95 % interval
   TransformComparison comparisonCamTc;    // other: the library's
   TransformComparison comparisonTrChart;  // other: the stated mounting
@@ -295,6 +383,7 @@ struct CrossCheck {
   std::optional<NominalMounting> nominalMounting;
   std::optional<Offset> library;
   Diversity diversity;
+  Scale scale;
   SquareSize square;
   std::optional<Step> step;
   std::optional<Offset> halves;

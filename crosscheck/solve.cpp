@@ -137,14 +137,14 @@ class Refinement {
     return true;
   }
 
-  // How the unknowns change with the lens, through all photographs together.
-  void PropagateLens() {
+  // How the unknowns change with the nuisances, through all photographs together.
+  void PropagateNuisances() {
     Sum();
-    Eigen::MatrixXd pull = Eigen::MatrixXd::Zero(normal_.rows(), 6);
+    Eigen::MatrixXd pull = Eigen::MatrixXd::Zero(normal_.rows(), loops_.front().byNuisances.cols());
     for (const Term& term : terms_) {
-      pull += term.design.transpose() * term.weight * loops_[term.index].byLens;
+      pull += term.design.transpose() * term.weight * loops_[term.index].byNuisances;
     }
-    solution_.byLens = solution_.covariance * pull;
+    solution_.byNuisances = solution_.covariance * pull;
   }
 
  private:
@@ -286,9 +286,12 @@ double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solut
   return SquaredDistance(Residual(loop, index, solution), CovarianceOf(loop, solution, noise));
 }
 
-double DisagreementLimit() {
-  static const double limit = ChiSquaredQuantile(0.999, 6);
-  return limit;
+double Freedom(std::size_t used) {
+  return 3 * static_cast<double>(used) - 6;
+}
+
+double DisagreementLimit(std::size_t used) {
+  return HotellingQuantile(0.999, 6, std::max(3.0, Freedom(used)));
 }
 
 std::optional<Solution> Solve(const Loops& loops, Solution from, const SolveOptions& options) {
@@ -307,17 +310,17 @@ std::optional<Solution> Solve(const Loops& loops, Solution from, const SolveOpti
       // The closest half looks less noisy than it is; the median of all loops shows by how much.
       scale = std::max(1.0, Median(solution.disagreement) / ChiSquaredQuantile(0.5, 6));
     }
+    const double limit = scale * DisagreementLimit(solution.Used());
     std::vector<bool> used(loops.size());
     for (std::size_t i = 0; i < loops.size(); ++i) {
-      used[i] = solution.disagreement[i] <= scale * DisagreementLimit() &&
-                (round < kRoundsBothWays || solution.used[i]);
+      used[i] = solution.disagreement[i] <= limit && (round < kRoundsBothWays || solution.used[i]);
     }
     if (used == solution.used || round + 1 == kMostRounds) {
       break;
     }
     solution.used = used;
   }
-  Refinement(loops, solution).PropagateLens();
+  Refinement(loops, solution).PropagateNuisances();
   return solution;
 }
 

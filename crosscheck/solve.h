@@ -48,8 +48,9 @@ struct Solution {
   Noise noise;
   std::vector<bool> used;            // one for each loop
   std::vector<double> disagreement;  // one for each loop, see DisagreementOf
-  Eigen::MatrixXd covariance;        // of the unknowns, with the lens held fixed
-  Eigen::MatrixXd byLens;            // the unknowns by fx, fy, cx, cy, k1, k2
+  Eigen::MatrixXd covariance;        // of the unknowns, with the nuisances held fixed
+  Eigen::MatrixXd byNuisances;       // the unknowns by the nuisances
+  double inflation = 1;              // of the covariance, by errors that neighbours share
 
   std::size_t Used() const;
 };
@@ -73,12 +74,16 @@ double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solut
                       const Noise& noise);
 
 /// Loops with a larger disagreement are left out: one in a thousand of good ones.
-double DisagreementLimit();
+/// @param used Loops from which the noise was estimated: few show it less accurately.
+double DisagreementLimit(std::size_t used);
 
 struct SolveOptions {
   std::vector<bool> first;  // the loops to begin with
   bool isFixed = false;     // use these and no others
 };
+
+/// Degrees of freedom of the noise and so of the intervals: three for each loop.
+double Freedom(std::size_t used);
 
 /// @param from Where to begin.
 /// @return Nothing if the loops do not determine the unknowns.

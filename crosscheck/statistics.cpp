@@ -39,4 +39,8 @@ double HotellingTail(double tSquared, double elements, double freedom) {
              : cdf(complement(boost::math::fisher_f(elements, freedom), tSquared / elements));
 }
 
+double HotellingQuantile(double probability, double elements, double freedom) {
+  return elements * quantile(boost::math::fisher_f(elements, freedom), probability);
+}
+
 }  // namespace trackedcam::crosscheck

@@ -22,4 +22,7 @@ double StudentTail(double t, double freedom);
 /// @param freedom Degrees of freedom of the covariance.
 double HotellingTail(double tSquared, double elements, double freedom);
 
+/// The value that Hotelling's T² with this many elements exceeds with the rest of the probability.
+double HotellingQuantile(double probability, double elements, double freedom);
+
 }  // namespace trackedcam::crosscheck

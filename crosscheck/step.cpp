@@ -1,6 +1,7 @@
 #include "crosscheck/step.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <vector>
@@ -17,6 +18,7 @@ constexpr double kLeastGain = 40;
 constexpr double kNoiseFalls = 0.7;
 constexpr std::size_t kLeastBack = 4;
 constexpr double kLeastShareBack = 0.1;
+constexpr std::size_t kMany = 1000;
 
 // A place where a tracker may have moved, to first order.
 struct StepCandidate {
@@ -34,9 +36,10 @@ struct Seen {
   Eigen::Matrix<double, 6, 12> weightedDesign;
 };
 
-// A disagreement, at most that at which a loop is left out.
+// A disagreement, at most that at which a loop is left out of many.
 double Capped(double disagreement) {
-  return std::min(disagreement, DisagreementLimit());
+  static const double limit = DisagreementLimit(kMany);
+  return std::min(disagreement, limit);
 }
 
 double Quadratic(const Seen& seen, const Twist& step) {
@@ -167,9 +170,10 @@ std::size_t BestPlace(const Loops& loops, const Solution& solution) {
 
 std::optional<Solution> SolveWith(const Loops& loops, Solution start, const Noise& noise) {
   for (int attempt = 0; attempt < 3; ++attempt) {
+    const double limit = DisagreementLimit(start.Used());
     SolveOptions options;
     for (std::size_t i = 0; i < loops.size(); ++i) {
-      options.first.push_back(DisagreementOf(loops[i], i, start, noise) <= DisagreementLimit());
+      options.first.push_back(DisagreementOf(loops[i], i, start, noise) <= limit);
     }
     const std::optional<Solution> solved = Solve(loops, start, options);
     if (!solved) {
@@ -195,6 +199,128 @@ double NoiseAtChart(const Loops& loops, const Noise& noise) {
                    noise.translation);
 }
 
+// The photographs in two seats of a tracker, with the covariance of their displacements in a seat.
+struct Seats {
+  std::vector<bool> inSecond;  // one for each loop
+  std::array<Twist, 2> seat = {Twist::Zero(), Twist::Zero()};
+  Matrix6d within = Matrix6d::Identity();
+
+  std::size_t Count(bool second) const {
+    return static_cast<std::size_t>(std::count(inSecond.begin(), inSecond.end(), second));
+  }
+};
+
+double SquaredDistanceTo(const Seats& seats, std::size_t seat, const Seen& seen) {
+  return SquaredDistance(seen.off - seats.seat.at(seat), seats.within);
+}
+
+void MeasureSeats(const std::vector<Seen>& all, Seats& seats) {
+  for (const bool second : {false, true}) {
+    Twist sum = Twist::Zero();
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      sum += seats.inSecond[i] == second ? all[i].off : Twist::Zero();
+    }
+    seats.seat.at(second ? 1 : 0) = sum / static_cast<double>(seats.Count(second));
+  }
+  seats.within.setZero();
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const Twist left = all[i].off - seats.seat.at(seats.inSecond[i] ? 1 : 0);
+    seats.within += left * left.transpose() / static_cast<double>(all.size() - 2);
+  }
+  // Rows have about six decimals.
+  seats.within.diagonal().array() += 1e-14;
+}
+
+// Along the direction in which the photographs differ most, in standard errors.
+std::vector<bool> SplitAlongWidest(const std::vector<Seen>& all) {
+  Twist mean = Twist::Zero();
+  for (const Seen& seen : all) {
+    mean += seen.off / static_cast<double>(all.size());
+  }
+  Matrix6d scatter = Matrix6d::Zero();
+  for (const Seen& seen : all) {
+    scatter += seen.weight * (seen.off - mean) * (seen.off - mean).transpose();
+  }
+  Twist direction = Twist::Ones();
+  for (int round = 0; round < 30; ++round) {
+    direction = (scatter.transpose() * direction).normalized();
+  }
+  std::vector<bool> inSecond;
+  for (const Seen& seen : all) {
+    inSecond.push_back((seen.off - mean).dot(direction) > 0);
+  }
+  return inSecond;
+}
+
+std::optional<Seats> FindSeats(const std::vector<Seen>& all, const std::vector<bool>& start) {
+  constexpr int kRounds = 20;
+  Seats seats;
+  seats.inSecond = start;
+  for (int round = 0; round < kRounds; ++round) {
+    if (seats.Count(true) < kLeastEachSide || seats.Count(false) < kLeastEachSide) {
+      return std::nullopt;
+    }
+    MeasureSeats(all, seats);
+    std::vector<bool> inSecond;
+    for (const Seen& seen : all) {
+      inSecond.push_back(SquaredDistanceTo(seats, 1, seen) < SquaredDistanceTo(seats, 0, seen));
+    }
+    if (inSecond == seats.inSecond) {
+      break;
+    }
+    seats.inSecond = inSecond;
+  }
+  return seats;
+}
+
+// As far from its own seat as noise is: a few bad photographs make no cloud.
+bool IsCloud(const std::vector<double>& squares) {
+  constexpr double kLeastMedian = 0.4;  // of the mean; noise has 0.9
+  double sum = 0;
+  for (const double square : squares) {
+    sum += square;
+  }
+  return Median(squares) > kLeastMedian * sum / static_cast<double>(squares.size());
+}
+
+// Two clouds of about the same size, far from each other, between which the shoot goes to and fro.
+bool AreApart(const std::vector<Seen>& all, const Seats& seats) {
+  constexpr int kLeastChanges = 4;  // fewer would be a step, or a drift
+  constexpr double kMostRatio = 4;  // of the medians
+  // Beyond the 99.9 % of noise that is cut in two, from 20 photographs on.
+  const double least = 3.5 + 90 / static_cast<double>(all.size());
+  std::array<std::vector<double>, 2> squares;
+  int changes = 0;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const std::size_t seat = seats.inSecond[i] ? 1 : 0;
+    squares.at(seat).push_back(SquaredDistanceTo(seats, seat, all[i]));
+    changes += i > 0 && seats.inSecond[i] != seats.inSecond[i - 1] ? 1 : 0;
+  }
+  const double first = Median(squares[0]);
+  const double second = Median(squares[1]);
+  return SquaredDistance(seats.seat[1] - seats.seat[0], seats.within) > least * least &&
+         std::max(first, second) < kMostRatio * std::min(first, second) && IsCloud(squares[0]) &&
+         IsCloud(squares[1]) && changes >= kLeastChanges;
+}
+
+// Both sides agree with themselves, and the photographs next to the step belong to their side: an
+// error that grows, or follows the pose, has no such place.
+bool IsSharp(const Solution& solved) {
+  constexpr double kLeastShare = 0.5;      // of each side
+  constexpr double kLeastShareNear = 0.7;  // of those next to the step
+  const auto shareOf = [&](std::size_t begin, std::size_t end) {
+    const auto first = solved.used.begin();
+    return static_cast<double>(std::count(first + static_cast<std::ptrdiff_t>(begin),
+                                          first + static_cast<std::ptrdiff_t>(end), true)) /
+           static_cast<double>(end - begin);
+  };
+  const std::size_t before = solved.unknowns.before;
+  const std::size_t all = solved.used.size();
+  return shareOf(0, before) >= kLeastShare && shareOf(before, all) >= kLeastShare &&
+         shareOf(before - kLeastEachSide, before) >= kLeastShareNear &&
+         shareOf(before, before + kLeastEachSide) >= kLeastShareNear;
+}
+
 }  // namespace
 
 std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) {
@@ -204,7 +330,7 @@ std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) 
   }
   const std::optional<Solution> solved =
       SolveWith(loops, StartWith(candidate, solution), solution.noise);
-  if (!solved) {
+  if (!solved || !IsSharp(*solved)) {
     return std::nullopt;
   }
   double gain = 0;
@@ -223,11 +349,50 @@ std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution) 
   }
   FoundStep found = {{}, *solved};
   found.step.tracker = *solved->unknowns.step;
-  found.step.before = loops[solved->unknowns.before].photograph;
+  found.step.before = loops[solved->unknowns.before].photographs.front();
   found.step.mm = solved->step.translation().norm() * 1e3;
   found.step.degrees = RotationDegrees(solved->step);
   found.step.gain = gain;
   return found;
+}
+
+std::optional<TrackerLoose> FindLooseTracker(const Loops& loops, const Solution& solution) {
+  constexpr std::size_t kLeastLoops = 20;  // fewer do not show how far noise reaches
+  if (loops.size() < kLeastLoops) {
+    return std::nullopt;
+  }
+  std::vector<bool> leftOut;
+  for (const bool used : solution.used) {
+    leftOut.push_back(!used);
+  }
+  std::optional<Seats> best;
+  Tracker bestTracker = Tracker::kCamera;
+  for (const Tracker tracker : {Tracker::kCamera, Tracker::kChart}) {
+    const std::vector<Seen> all = SeenBy(tracker, loops, solution);
+    for (const std::vector<bool>& start : {leftOut, SplitAlongWidest(all)}) {
+      const std::optional<Seats> seats = FindSeats(all, start);
+      // The right tracker is that in whose frame the clouds are small.
+      if (seats && AreApart(all, *seats) &&
+          (!best || seats->within.determinant() < best->within.determinant())) {
+        best = seats;
+        bestTracker = tracker;
+      }
+    }
+  }
+  if (!best) {
+    return std::nullopt;
+  }
+  const Pose between = Exp(best->seat[0]).inverse() * Exp(best->seat[1]);
+  TrackerLoose loose = {
+      bestTracker, between.translation().norm() * 1e3, RotationDegrees(between), {}};
+  const bool isSecondFewer = best->Count(true) <= best->Count(false);
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    if (best->inSecond[i] == isSecondFewer) {
+      loose.photographs.insert(loose.photographs.end(), loops[i].photographs.begin(),
+                               loops[i].photographs.end());
+    }
+  }
+  return loose;
 }
 
 }  // namespace trackedcam::crosscheck

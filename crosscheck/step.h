@@ -1,4 +1,4 @@
-// A tracker that moved on its mount between two photographs and stayed there.
+// A tracker that moved on its mount: once, and stayed there, or to and fro between two seats.
 
 #pragma once
 
@@ -17,5 +17,8 @@ struct FoundStep {
 
 /// Tries every place in the order of the photographs, for either tracker.
 std::optional<FoundStep> FindStep(const Loops& loops, const Solution& solution);
+
+/// Two seats of either tracker into which the photographs fall.
+std::optional<TrackerLoose> FindLooseTracker(const Loops& loops, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck

@@ -65,6 +65,19 @@ TransformComparison CompareAxes(const Pose& other, const Pose& found, const Pose
   return comparison;
 }
 
+// Through the lens only: what the board's shape and the scale change, they change in the poses.
+Eigen::MatrixXd PixelByNuisances(const Evidence& evidence, const Eigen::Vector3d& point) {
+  const auto byLens = PixelByLens(evidence.corners.model.lens, point);
+  Eigen::MatrixXd by = Eigen::MatrixXd::Zero(2, evidence.nuisanceCovariance.cols());
+  for (std::size_t i = 0; i < evidence.corners.parameters.size(); ++i) {
+    const Eigen::Index parameter = evidence.corners.parameters[i];
+    if (parameter < kAllLensParameters) {
+      by.col(static_cast<Eigen::Index>(i)) = byLens.col(parameter);
+    }
+  }
+  return by;
+}
+
 double LargestVariance(const Eigen::Matrix2d& covariance) {
   const double half = 0.5 * covariance.trace();
   return half + std::sqrt(std::max(0.0, half * half - covariance.determinant()));
@@ -73,12 +86,29 @@ double LargestVariance(const Eigen::Matrix2d& covariance) {
 }  // namespace
 
 Eigen::MatrixXd FullCovariance(const Solution& solution, const Evidence& evidence) {
-  return solution.covariance +
-         solution.byLens * evidence.lensCovariance * solution.byLens.transpose();
+  Eigen::MatrixXd covariance =
+      solution.inflation * solution.covariance +
+      solution.byNuisances * evidence.nuisanceCovariance * solution.byNuisances.transpose();
+  // The squares may have another size, or the trackers measure lengths wrongly, and then those of
+  // the transforms as well.
+  const double scale =
+      std::hypot(std::sqrt(evidence.nuisanceCovariance.bottomRightCorner<1, 1>()(0, 0)),
+                 solution.squareFactor - 1);
+  const Eigen::Vector3d camera = scale * solution.Transform_Cam_Tc.translation();
+  const Eigen::Vector3d chart = scale * (solution.Transform_Tr_Chart.linear().transpose() *
+                                         solution.Transform_Tr_Chart.translation());
+  covariance.block<3, 3>(3, 3) += camera * camera.transpose();
+  if (solution.unknowns.mounting) {
+    covariance.block<3, 3>(9, 9) += chart * chart.transpose();
+  }
+  return covariance;
 }
 
-double Freedom(const Solution& solution) {
-  return 3 * static_cast<double>(solution.Used()) - 6;
+Matrix6d CovarianceFromLens(const Solution& solution, const Evidence& evidence) {
+  Eigen::MatrixXd covariance = evidence.nuisanceCovariance;
+  covariance.bottomRightCorner<1, 1>().setZero();  // the scale
+  const Eigen::MatrixXd byNuisances = solution.byNuisances.topRows<6>();
+  return byNuisances * covariance * byNuisances.transpose();
 }
 
 StandardError StandardErrorOfLeftTwist(const Matrix6d& covariance, const Pose& pose) {
@@ -106,12 +136,14 @@ Offset Between(const Pose& a, const Pose& b) {
 
 Offset CompareCamTc(const Solution& solution, const Matrix6d& covariance, const Pose& other) {
   return Tested(Between(other, solution.Transform_Cam_Tc),
-                Log(other * solution.Transform_Cam_Tc.inverse()), covariance, Freedom(solution));
+                Log(other * solution.Transform_Cam_Tc.inverse()), covariance,
+                Freedom(solution.Used()));
 }
 
 Offset CompareTrChart(const Solution& solution, const Matrix6d& covariance, const Pose& other) {
   return Tested(Between(other, solution.Transform_Tr_Chart),
-                Log(solution.Transform_Tr_Chart.inverse() * other), covariance, Freedom(solution));
+                Log(solution.Transform_Tr_Chart.inverse() * other), covariance,
+                Freedom(solution.Used()));
 }
 
 TransformComparison CompareAxesCamTc(const Pose& other, const Pose& found,
@@ -149,7 +181,7 @@ std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& so
     }
     const Matrix6d covariance = FullCovariance(*solved, evidence).bottomRightCorner<6, 6>();
     Offset offset = Tested(Between(solved->step, Pose::Identity()), Log(solved->step), covariance,
-                           Freedom(solution) - 3);
+                           Freedom(solution.Used()) - 3);
     if (!likelier || offset.p < likelier->p) {
       likelier = offset;
     }
@@ -198,42 +230,52 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
   return diversity;
 }
 
+double PixelsApart(double distanceMetres, const Evidence& evidence, const Solution& solution,
+                   const Lens& lens, const Pose& Transform_Cam_Tc) {
+  const std::vector<Eigen::Vector3d> points = PointsAt(distanceMetres, evidence.corners.model.lens);
+  double squares = 0;
+  for (const Eigen::Vector3d& point : points) {
+    const Eigen::Vector3d other = Transform_Cam_Tc * (solution.Transform_Cam_Tc.inverse() * point);
+    squares +=
+        other.z() > 0
+            ? (Project(lens, other) - Project(evidence.corners.model.lens, point)).squaredNorm()
+            : HUGE_VAL;
+  }
+  return std::sqrt(squares / static_cast<double>(points.size()));
+}
+
 OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
                     const std::optional<Pose>& library) {
-  const std::vector<Eigen::Vector3d> points = PointsAt(distanceMetres, evidence.lens);
-  const Matrix6d noise = solution.covariance.topLeftCorner<6, 6>();
-  const Matrix6d byLens = solution.byLens.topRows<6>();
+  const std::vector<Eigen::Vector3d> points = PointsAt(distanceMetres, evidence.corners.model.lens);
+  const Matrix6d noise = solution.inflation * solution.covariance.topLeftCorner<6, 6>();
+  const ByNuisances byNuisances = solution.byNuisances.topRows<6>();
+  const Eigen::MatrixXd& covariance = evidence.nuisanceCovariance;
   double both = 0;
   double transform = 0;
   double lens = 0;
-  double apart = 0;
   for (const Eigen::Vector3d& point : points) {
-    const Projection seen = ProjectWithDerivatives(evidence.lens, point);
+    const Projection seen = ProjectWithDerivative(evidence.corners.model.lens, point);
     Eigen::Matrix<double, 2, 6> byTwist;
     byTwist << -seen.byPoint * Cross(point), seen.byPoint;
     // The lens moves the image itself and, through the solve, the transform.
-    const Eigen::Matrix<double, 2, 6> through = byTwist * byLens;
-    const Eigen::Matrix<double, 2, 6> together = through + seen.byLens;
+    const Eigen::MatrixXd through = byTwist * byNuisances;
+    const Eigen::MatrixXd image = PixelByNuisances(evidence, point);
+    const Eigen::MatrixXd together = through + image;
     const Eigen::Matrix2d ofSolve = byTwist * noise * byTwist.transpose();
-    const Matrix6d& lensCovariance = evidence.lensCovariance;
-    both += LargestVariance(ofSolve + together * lensCovariance * together.transpose());
-    transform += LargestVariance(ofSolve + through * lensCovariance * through.transpose());
-    lens += LargestVariance(seen.byLens * lensCovariance * seen.byLens.transpose());
-    if (library) {
-      const Eigen::Vector3d other = *library * (solution.Transform_Cam_Tc.inverse() * point);
-      apart +=
-          other.z() > 0 ? (Project(evidence.lens, other) - seen.pixel).squaredNorm() : HUGE_VAL;
-    }
+    both += LargestVariance(ofSolve + together * covariance * together.transpose());
+    transform += LargestVariance(ofSolve + through * covariance * through.transpose());
+    lens += LargestVariance(image * covariance * image.transpose());
   }
   const auto count = static_cast<double>(points.size());
-  const double t95 = StudentHalfWidth95(Freedom(solution));
+  const double t95 = StudentHalfWidth95(Freedom(solution.Used()));
   OnScreen onScreen;
   onScreen.distanceMetres = distanceMetres;
   onScreen.pixels = t95 * std::sqrt(both / count);
   onScreen.fromTransform = t95 * std::sqrt(transform / count);
   onScreen.fromLens = t95 * std::sqrt(lens / count);
   if (library) {
-    onScreen.libraryApart = std::sqrt(apart / count);
+    onScreen.libraryApart =
+        PixelsApart(distanceMetres, evidence, solution, evidence.libraryLens, *library);
   }
   return onScreen;
 }

@@ -13,11 +13,11 @@
 
 namespace trackedcam::crosscheck {
 
-/// Of the unknowns, with the uncertainty of the lens.
+/// Of the unknowns, with the uncertainty of the nuisances.
 Eigen::MatrixXd FullCovariance(const Solution& solution, const Evidence& evidence);
 
-/// Degrees of freedom of the noise and so of the intervals: three for each photograph.
-double Freedom(const Solution& solution);
+/// What lens and board add to the covariance of Transform_Cam_Tc.
+Matrix6d CovarianceFromLens(const Solution& solution, const Evidence& evidence);
 
 /// @param covariance Of the left twist of the pose.
 StandardError StandardErrorOfLeftTwist(const Matrix6d& covariance, const Pose& pose);
@@ -48,6 +48,11 @@ TransformComparison CompareAxesTrChart(const Pose& other, const Pose& found,
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution);
 
 Diversity DiversityOf(const Loops& loops, const Solution& solution);
+
+/// How far another lens with another Transform_Cam_Tc shows things from where the solution does, as
+/// the root mean square over the image.
+double PixelsApart(double distanceMetres, const Evidence& evidence, const Solution& solution,
+                   const Lens& lens, const Pose& Transform_Cam_Tc);
 
 /// The 95 % of the worst direction, as the root mean square over the image, of things at this
 /// distance that do not move relative to the tracking system.

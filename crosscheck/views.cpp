@@ -17,11 +17,12 @@ constexpr std::size_t kSuggestions = 3;
 constexpr int kViewsEach = 5;
 constexpr int kMostPhotographs = 100;
 
-using Matrix12d = Eigen::Matrix<double, 12, 12>;
+// Of both transforms and the scale of the squares.
+using Matrix13d = Eigen::Matrix<double, 13, 13>;
 
 struct Candidate {
   View view;
-  Matrix12d information;  // that one such photograph adds
+  Matrix13d information;  // that one such photograph adds
 };
 
 Pose PoseOfView(const View& view, const Eigen::Vector3d& centre) {
@@ -48,43 +49,46 @@ Eigen::Quaterniond TiltOf(const Eigen::Vector3d& normal) {
 }
 
 bool IsInImage(const Pose& pose, const Evidence& evidence) {
-  const Lens& lens = evidence.lens;
-  return std::all_of(evidence.board.begin(), evidence.board.end(), [&](const auto& point) {
-    const Eigen::Vector3d seen = pose * point;
-    if (!(seen.z() > 1e-3)) {
-      return false;
-    }
-    const Eigen::Vector2d pixel = Project(lens, seen);
-    return pixel.x() > 0.03 * lens.width && pixel.x() < 0.97 * lens.width &&
-           pixel.y() > 0.03 * lens.height && pixel.y() < 0.97 * lens.height;
-  });
+  const Lens& lens = evidence.corners.model.lens;
+  return std::all_of(evidence.corners.board.begin(), evidence.corners.board.end(),
+                     [&](const auto& point) {
+                       const Eigen::Vector3d seen = pose * point;
+                       if (!(seen.z() > 1e-3)) {
+                         return false;
+                       }
+                       const Eigen::Vector2d pixel = Project(lens, seen);
+                       return pixel.x() > 0.03 * lens.width && pixel.x() < 0.97 * lens.width &&
+                              pixel.y() > 0.03 * lens.height && pixel.y() < 0.97 * lens.height;
+                     });
 }
 
 std::optional<Candidate> Consider(const View& view, const Evidence& evidence,
                                   const Solution& solution) {
-  const Pose pose = PoseOfView(view, 0.5 * evidence.board.back());
+  const Pose pose = PoseOfView(view, 0.5 * evidence.corners.board.back());
   if (!IsInImage(pose, evidence)) {
     return std::nullopt;
   }
-  std::vector<Eigen::Vector2d> corners(evidence.board.size(), Eigen::Vector2d::Zero());
-  const auto equations = EquationsAt(pose, evidence.lens, evidence.board, corners);
+  std::vector<Eigen::Vector2d> corners(evidence.corners.board.size(), Eigen::Vector2d::Zero());
+  const auto equations =
+      EquationsAt(pose, evidence.corners.model.lens, evidence.corners.board, corners);
   if (!equations) {
     return std::nullopt;
   }
-  const double variance = evidence.cornerNoisePixels * evidence.cornerNoisePixels;
+  const double variance = evidence.corners.noisePixels * evidence.corners.noisePixels;
   const NoiseCarriers carriers =
       CarriersOf(solution.Transform_Cam_Tc, pose * solution.Transform_Tr_Chart.inverse());
   const Matrix6d covariance = solution.noise.rotation * carriers.rotation +
                               solution.noise.translation * carriers.translation +
                               variance * Ldlt(equations->byPose).Inverse();
-  Eigen::Matrix<double, 6, 12> design;
-  design << Matrix6d::Identity(), Adjoint(pose);
+  Eigen::Matrix<double, 6, 13> design;
+  design << Matrix6d::Identity(), Adjoint(pose), Eigen::Matrix<double, 6, 1>::Zero();
+  design.col(12).tail<3>() = -pose.translation();
   return Candidate{view, design.transpose() * covariance.llt().solve(design)};
 }
 
 std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solution) {
-  const Eigen::Vector3d board = evidence.board.back();
-  const Lens& lens = evidence.lens;
+  const Eigen::Vector3d board = evidence.corners.board.back();
+  const Lens& lens = evidence.corners.model.lens;
   // The board fills most of the image at this distance.
   const double near =
       std::max(lens.fx * board.x() / lens.width, lens.fy * board.y() / lens.height) / 0.75;
@@ -105,11 +109,30 @@ std::vector<Candidate> Candidates(const Evidence& evidence, const Solution& solu
 }
 
 // Of Transform_Cam_Tc: its rotation, as what it does at this distance, and its translation; metres.
-double Uncertainty(const Matrix12d& information, double distance) {
-  const Matrix12d covariance = information.ldlt().solve(Matrix12d::Identity());
+double Uncertainty(const Matrix13d& information, double distance) {
+  const Matrix13d covariance = information.ldlt().solve(Matrix13d::Identity());
   const double rotation = covariance.diagonal().head<3>().sum();
   const double translation = covariance.diagonal().segment<3>(3).sum();
   return std::sqrt(rotation * distance * distance + translation);
+}
+
+// Of the photographs, and of what is known of the scale from elsewhere.
+Matrix13d InformationOf(const Evidence& evidence, const Solution& solution) {
+  Solution with = solution;
+  with.unknowns.step.reset();
+  with.unknowns.squareSize = true;
+  Matrix13d information = Matrix13d::Zero();
+  for (std::size_t i = 0; i < evidence.loops.size(); ++i) {
+    if (solution.used[i]) {
+      const Design design = DesignOf(evidence.loops[i], i, with);
+      const Matrix6d weight = Inverse(CovarianceOf(evidence.loops[i], with, with.noise));
+      information += design.transpose() * weight * design;
+    }
+  }
+  constexpr double kExact = 1e-8;
+  information(12, 12) +=
+      1 / std::max(kExact, evidence.nuisanceCovariance.bottomRightCorner<1, 1>()(0, 0));
+  return information;
 }
 
 }  // namespace
@@ -129,8 +152,7 @@ View ViewOf(const Pose& Transform_Cam_Chart, const std::vector<Eigen::Vector3d>&
 Suggestions SuggestViews(const Evidence& evidence, const Solution& solution) {
   const std::vector<Candidate> candidates = Candidates(evidence, solution);
   const double distance = MeanDistance(evidence.loops);
-  const Matrix12d present = solution.covariance.topLeftCorner<12, 12>();
-  Matrix12d information = present.ldlt().solve(Matrix12d::Identity());
+  Matrix13d information = InformationOf(evidence, solution);
   const double now = Uncertainty(information, distance);
   Suggestions suggestions;
   double before = now;
@@ -138,7 +160,7 @@ Suggestions SuggestViews(const Evidence& evidence, const Solution& solution) {
     const Candidate* best = nullptr;
     double least = before;
     for (const Candidate& candidate : candidates) {
-      const Matrix12d with = information + kViewsEach * candidate.information;
+      const Matrix13d with = information + kViewsEach * candidate.information;
       if (const double after = Uncertainty(with, distance); after < least) {
         least = after;
         best = &candidate;

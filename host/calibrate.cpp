@@ -6,12 +6,14 @@
 #include <memory>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 #include "host/findings/finding_text.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/run/library_run.h"
 #include "host/run/run_folder.h"
+#include "host/second_run.h"
 #include "host/verdict/cross_check_adapter.h"
 #include "host/verdict/run_findings.h"
 
@@ -22,9 +24,28 @@ void Append(std::vector<Finding>& findings, const std::vector<Finding>& more) {
   findings.insert(findings.end(), more.begin(), more.end());
 }
 
+// Those of kinds that are not among the findings yet.
+void AddOthers(std::vector<Finding>& findings, const std::vector<Finding>& more) {
+  for (const Finding& other : more) {
+    if (std::none_of(findings.begin(), findings.end(), [&](const Finding& finding) {
+          return finding.kind.index() == other.kind.index();
+        })) {
+      findings.push_back(other);
+    }
+  }
+}
+
 void CrossCheckRun(Report& report, bool hasResult) {
-  auto observations = ObservationsOf(report.run.record, report.inputs.mounting);
+  auto observations = ObservationsOf(report.run, report.inputs);
+  const auto addReason = [&](const std::string& reason) {
+    if (IsUsable(report.run)) {
+      report.findings.push_back({Severity::kWarning, NotCrossChecked{reason}, {}});
+    }
+  };
   if (!observations) {
+    if (HasCompleteRecord(report.run)) {  // otherwise the incomplete log is the finding
+      addReason("The log does not hold the board and the lens.");
+    }
     return;
   }
   if (!hasResult) {
@@ -32,28 +53,40 @@ void CrossCheckRun(Report& report, bool hasResult) {
   }
   try {
     report.crossCheck = crosscheck::Check(*observations);
-  } catch (const std::invalid_argument&) {
-    return;  // a log whose values contradict each other: there is nothing to check
-  } catch (const std::exception& error) {
-    // The library's result is valid without a second opinion.
-    report.findings.push_back({Severity::kWarning, NotCrossChecked{error.what()}, {}});
+  } catch (const std::invalid_argument& error) {
+    addReason(error.what());  // such as a lens of nan in a log
     return;
+  } catch (const std::exception& error) {
+    addReason(std::string(error.what()) + '.');
+    return;
+  }
+  if (hasResult && report.crossCheck->solved && !report.crossCheck->library) {
+    addReason("The log does not hold the transform.");
   }
   EnterCrossCheck(*report.crossCheck, report.photographs);
   Append(report.findings, FindingsOf(*report.crossCheck, CheckedNames(report.photographs)));
 }
 
 // A run without a stated mounting was given zeros: it has no result to compare.
-void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) {
+void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult,
+           const Report* first = nullptr) {
   report.findings = ofInput;
   CrossCheckRun(report, hasResult);
-  Append(report.findings, FindingsOf(report.run));
+  Append(report.findings, FindingsOf(report.run, report.crossCheck));
+  if (first != nullptr) {
+    AddOthers(report.findings, FindingsThatStay(*first));
+  } else if (const auto tooFew = TooFewForSecondRun(report)) {
+    report.findings.push_back({Severity::kWarning, *tooFew, {}});
+  }
   const std::vector<Finding> outputErrors = OutputErrorsOf(report.run);
   if (!report.crossCheck) {
     Append(report.findings, outputErrors);  // without a cross-check the result is doubtful
   }
   SortFindings(report.findings);
-  report.verdict = VerdictOf(report.run, report.photographs.size(), report.findings);
+  report.verdict = VerdictOf(report.run, report.photographs, report.findings);
+  if (first != nullptr || !CanRunAgain(report)) {
+    report.verdict.nextStep = NextStep::kNone;
+  }
   if (report.crossCheck) {
     Append(report.findings, outputErrors);
     SortFindings(report.findings);
@@ -61,7 +94,8 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult) 
 }
 
 Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, PhotographList list,
-                   const std::vector<Finding>& ofInput, const ProgressListener& listener) {
+                   const std::vector<Finding>& ofInput, const ProgressListener& listener,
+                   const Report* first = nullptr) {
   Report report;
   report.inputs = inputs;
   report.photographs = std::move(list);
@@ -74,7 +108,7 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
   report.run = RunLibrary(inputs, givenRows, inputs.mounting.value_or(Mounting{}),
                           CreateRunFolder(inputs.logFolder), listener);
   EnterRun(report.run, given, report.photographs);
-  Judge(report, ofInput, inputs.mounting.has_value());
+  Judge(report, ofInput, inputs.mounting.has_value(), first);
   return report;
 }
 
@@ -89,40 +123,24 @@ void RequireMemory() {
   *static_cast<volatile char*>(block.get()) = 0;  // otherwise a compiler may remove the allocation
 }
 
-// Photographs that the library must not be given are left out.
+// Rows and photographs that the library must not be given are left out.
 PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
                            std::vector<Finding>& findings) {
   const PhotographChecks checks = CheckPhotographs(shoot.rows, inputs);
   Append(findings, checks.findings);
   PhotographList list = ListPhotographs(shoot.rows, checks.unlisted);
   for (PhotographEntry& entry : list) {
-    if (std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), entry.index)) {
+    const bool hasPoses =
+        !std::binary_search(shoot.leaveOut.begin(), shoot.leaveOut.end(), entry.index);
+    if (!hasPoses ||
+        std::binary_search(checks.leaveOut.begin(), checks.leaveOut.end(), entry.index)) {
       entry.state = PhotographState::kLeftOutBeforeTheRun;
+      entry.reason = hasPoses ? "" : "no pose of a tracker in its row";
     }
   }
   if (ToRun(list).empty() && !findings.empty()) {
+    SortFindings(findings);
     throw InputError(Text(findings.front()) + ' ' + Advice(findings.front()));
-  }
-  return list;
-}
-
-bool HasBetterAnswer(const Report& report) {
-  if (!report.crossCheck || !report.crossCheck->mounting) {
-    return false;
-  }
-  return !report.inputs.mounting ||
-         (report.inputs.refineMounting &&
-          std::any_of(report.findings.begin(), report.findings.end(), CanRefine));
-}
-
-// For a second run: what contradicts the others in the first one is left out, and says why.
-PhotographList ListWithoutBad(const Report& first, PhotographList list) {
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    const PhotographEntry& entry = first.photographs[i];
-    if (entry.checked && !first.crossCheck->perPhotograph.at(*entry.checked).used) {
-      list[i].state = PhotographState::kLeftOutByCrossCheck;
-      list[i].reason = entry.reason;
-    }
   }
   return list;
 }
@@ -131,12 +149,15 @@ void JudgeAsFailed(Report& report) {
   report.verdict = VerdictWithoutMounting(report.run, report.findings);
 }
 
-void AddNotRefined(Report& first, const std::string& reason) {
+// What the first run found is kept if the second one has no result.
+Report WithoutSecondRun(Report first, const NotRefined& notRefined) {
   if (!first.mountingIsStated) {
     JudgeAsFailed(first);
   }
-  first.findings.push_back({Severity::kWarning, NotRefined{reason}, {}});
+  first.verdict.nextStep = NextStep::kNone;
+  first.findings.push_back({Severity::kWarning, notRefined, {}});
   SortFindings(first.findings);
+  return first;
 }
 
 }  // namespace
@@ -148,31 +169,37 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
   const PhotographList list = CheckedList(inputs, shoot, ofInput);
   Report first = RunAndJudge(inputs, shoot.rows, list, ofInput, listener);
   first.mountingIsStated = inputs.mounting.has_value();
-  if (!HasBetterAnswer(first)) {
+  if (!NeedsSecondRun(first)) {
     if (!first.mountingIsStated) {
       JudgeAsFailed(first);
     }
     return first;
   }
-  Inputs again = inputs;
-  again.mounting = first.crossCheck->mounting;
-  again.expectedRecords = std::nullopt;
   try {
-    Report second = RunAndJudge(again, shoot.rows, ListWithoutBad(first, list), ofInput, listener);
+    Report second = RunAndJudge(InputsOfSecondRun(first), shoot.rows,
+                                PhotographsOfSecondRun(first, list), ofInput, listener, &first);
+    if (!IsUsable(second.run)) {
+      return WithoutSecondRun(std::move(first), {second.verdict.summary, second.verdict.advice});
+    }
     second.mountingIsStated = first.mountingIsStated;
     second.firstRun = std::make_shared<const Report>(std::move(first));
     return second;
   } catch (const std::exception& error) {
-    // Such as a deleted log folder: what the first run found is kept.
-    AddNotRefined(first, error.what());
-    return first;
+    // Such as a deleted log folder.
+    return WithoutSecondRun(std::move(first),
+                            {std::string(error.what()) + '.',
+                             "Check the log folder and the disk, and calibrate again."});
   }
 }
 
-Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting) {
+Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
+                const Accuracy& goodEnough, double scaleUncertainty) {
+  RequirePossible(goodEnough, scaleUncertainty);
   std::ifstream file(log, std::ios::binary);
   Report report;
   report.inputs.mounting = mounting;
+  report.inputs.goodEnough = goodEnough;
+  report.inputs.scaleUncertainty = scaleUncertainty;
   report.mountingIsStated = mounting.has_value();
   LibraryRun& run = report.run;
   run.record = ReadRunLog(file);

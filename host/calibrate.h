@@ -21,7 +21,9 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
 
 /// Cross-checks a run from its log, whichever host called the library.
 /// @param mounting As it was passed to the library; nothing if that is not known.
-/// @throws InputError if the file holds no log of a calibration.
-Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting);
+/// @throws InputError if the file holds no log of a calibration, or if one of the last two is not
+/// possible.
+Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
+                const Accuracy& goodEnough, double scaleUncertainty = Inputs().scaleUncertainty);
 
 }  // namespace trackedcam::host

@@ -1,6 +1,7 @@
 #include "host/photograph_list.h"
 
 #include <algorithm>
+#include <array>
 
 #include "host/findings/finding_text.h"
 
@@ -40,9 +41,25 @@ const char* Describe(PhotographState state) {
       return "the run ended before it";
     case PhotographState::kNotUsed:
       return "the run failed";
+    case PhotographState::kUnknown:
+      return "the log is incomplete";
   }
   return "";
 }
+
+// After a number of photographs, in the order of a shoot's fate.
+struct CountName {
+  PhotographState state;
+  const char* text;
+};
+constexpr std::array<CountName, 7> kCountNames = {
+    {{PhotographState::kLeftOutBeforeTheRun, "left out before the run"},
+     {PhotographState::kNotLoaded, "missing or not an image"},
+     {PhotographState::kBoardNotFound, "without the board"},
+     {PhotographState::kLeftOutByCrossCheck, "left out because they contradict the others"},
+     {PhotographState::kLeftOutByFilter, "left out by the outlier filter"},
+     {PhotographState::kNotReached, "not reached by the run"},
+     {PhotographState::kNotUsed, "not used because the run failed"}}};
 
 }  // namespace
 
@@ -64,6 +81,8 @@ const char* Name(PhotographState state) {
       return "notReached";
     case PhotographState::kNotUsed:
       return "notUsed";
+    case PhotographState::kUnknown:
+      return "unknown";
   }
   return "";
 }
@@ -108,12 +127,17 @@ void EnterRun(const LibraryRun& run, const std::vector<std::size_t>& given, Phot
   for (std::size_t i = 0; i < std::min(given.size(), photographs.size()); ++i) {
     PhotographEntry& entry = list[given[i]];
     entry.inRun = i;
-    entry.state = StateOf(run.record, photographs[i]);
+    entry.state = photographs[i].dropped || HasCompleteRecord(run)
+                      ? StateOf(run.record, photographs[i])
+                      : PhotographState::kUnknown;
     if (photographs[i].raw) {
       entry.checked = checked++;
     }
   }
   for (PhotographEntry& entry : list) {
+    if (entry.state == PhotographState::kNotReached && !HasCompleteRecord(run)) {
+      entry.state = PhotographState::kUnknown;
+    }
     entry.reason = entry.reason.empty() ? Describe(entry.state) : entry.reason;
   }
 }
@@ -142,6 +166,29 @@ std::size_t CountInState(const PhotographList& list, PhotographState state) {
   return static_cast<std::size_t>(
       std::count_if(list.begin(), list.end(),
                     [&](const PhotographEntry& entry) { return entry.state == state; }));
+}
+
+bool IsCounted(const PhotographList& list) {
+  return CountInState(list, PhotographState::kUnknown) == 0;
+}
+
+std::string OthersText(const PhotographList& list) {
+  std::string text;
+  for (const CountName& name : kCountNames) {
+    if (const std::size_t count = CountInState(list, name.state)) {
+      text += (text.empty() ? "" : ", ") + std::to_string(count) + ' ' + name.text;
+    }
+  }
+  return text;
+}
+
+std::string CountText(const PhotographList& list) {
+  if (!IsCounted(list)) {
+    return std::to_string(list.size()) + ", and the log does not say which were used";
+  }
+  const std::string others = OthersText(list);
+  return std::to_string(CountInState(list, PhotographState::kUsed)) + " of " +
+         std::to_string(list.size()) + " used" + (others.empty() ? "" : ": " + others);
 }
 
 }  // namespace trackedcam::host

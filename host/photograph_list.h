@@ -23,6 +23,7 @@ enum class PhotographState {
   kLeftOutBeforeTheRun,  // not given to the library
   kNotReached,           // the run ended before it
   kNotUsed,              // the board was found, but the run failed
+  kUnknown,              // the log that would say it is incomplete
 };
 
 /// used, leftOutByFilter, ...
@@ -62,5 +63,15 @@ void EnterCrossCheck(const crosscheck::CrossCheck& check, PhotographList& list);
 std::vector<std::string> CheckedNames(const PhotographList& list);
 
 std::size_t CountInState(const PhotographList& list, PhotographState state);
+
+/// Whether it is known for each photograph if the result rests on it.
+bool IsCounted(const PhotographList& list);
+
+/// What became of those that are not used, with their numbers: "8 left out because they contradict
+/// the others, 13 left out by the outlier filter".
+std::string OthersText(const PhotographList& list);
+
+/// "19 of 40 used: 8 left out because ..."
+std::string CountText(const PhotographList& list);
 
 }  // namespace trackedcam::host

@@ -91,16 +91,22 @@ std::string LevelOf(const Json& result) {
   return code == 0.0 || code == 99.0 ? "none" : "failed";
 }
 
-/// A difference with its p.
-Json Difference(const Json& difference) {
+/// A difference with what its p says.
+/// @param level Of the verdict.
+Json Difference(const Json& difference, const std::string& level = "") {
   if (!difference.is_object()) {
     return nullptr;
   }
   const bool isCertain = ValueAt(difference, "/isCertain") == true;
-  return {{"millimetres", Fixed(NumberAt(difference, "/offMm"), 2)},
-          {"degrees", Fixed(NumberAt(difference, "/offDegrees"), 3)},
-          {"p", isCertain ? Json() : Json(Fixed(NumberAt(difference, "/p"), 2))},
-          {"isCertain", isCertain}};
+  const bool isKnown = NumberAt(difference, "/p").has_value();
+  const auto known = [&](const char* path) {
+    return isKnown ? NumberAt(difference, path) : Number();
+  };
+  return {{"millimetres", Fixed(known("/offMm"), 2)},
+          {"degrees", Fixed(known("/offDegrees"), 3)},
+          {"isKnown", isKnown},
+          {"certainty", TextAt(difference, "/certaintyText")},
+          {"isBad", isCertain && level != "good"}};
 }
 
 /// One argument of a command line: after the equals sign, a minus sign does not begin an option.
@@ -138,13 +144,18 @@ Json Mounting(const Json& result) {
   const bool hasReported =
       !inReported["statedRotation"].is_null() || !inReported["foundRotation"].is_null();
   const Json& difference = ValueAt(result, "/crossCheck/nominalMounting");
-  return {{"statedRotation", rotation("/inputs/chartRotationDegrees")},
+  const bool isStated = ValueAt(result, "/inputs/chartRotationDegrees").is_array();
+  const bool isSecondRun = ValueAt(result, "/firstRun").is_object();
+  return {{"name", isSecondRun ? "used"
+                   : isStated  ? "stated"
+                               : ""},
+          {"statedRotation", rotation("/inputs/chartRotationDegrees")},
           {"statedTranslation", translation("/inputs/chartTranslationMetres")},
           {"foundRotation", rotation("/crossCheck/mounting/rotationDegrees")},
           {"foundTranslation", translation("/crossCheck/mounting/translationMetres")},
           {"inReported", hasReported ? inReported : Json()},
           {"options", MountingOptions(result)},
-          {"difference", Difference(difference)},
+          {"difference", Difference(difference, LevelOf(result))},
           {"likelyMistake", TextAt(difference, "/likelyMistakeText")}};
 }
 
@@ -204,19 +215,25 @@ Json Findings(const Json& findings) {
   return list;
 }
 
-bool IsUsed(const Json& photograph) {
-  return TextAt(photograph, "/state") == "used";
+/// How many photographs a run used, or "?" if its log does not say.
+std::string UsedOf(const Json& run) {
+  const Json& photographs = ValueAt(run, "/photographs");
+  const auto countOf = [&](const char* state) {
+    return std::count_if(photographs.begin(), photographs.end(), [&](const Json& photograph) {
+      return TextAt(photograph, "/state") == state;
+    });
+  };
+  return countOf("unknown") > 0 ? "?" : std::to_string(countOf("used"));
 }
 
 /// The values by which two runs are compared.
 Json RunValues(const Json& run) {
-  const Json& photographs = ValueAt(run, "/photographs");
   return {
       {"code", Fixed(NumberAt(run, "/code"), 0)},
       {"position", Position(ValueAt(run, "/transformCamTc"))},
       {"reprojection", Fixed(NumberAt(run, "/reprojectionErrorPixels"), 2)},
       {"spread", Fixed(Times(NumberAt(run, "/translationSpreadMetres"), kMillimetresPerMetre), 2)},
-      {"used", std::count_if(photographs.begin(), photographs.end(), IsUsed)},
+      {"used", UsedOf(run)},
       {"difference", Difference(ValueAt(run, "/crossCheck/library"))}};
 }
 
@@ -271,7 +288,7 @@ Json SuggestedViews(const Json& list) {
   return views;
 }
 
-Json CrossCheck(const Json& crossCheck) {
+Json CrossCheck(const Json& crossCheck, const std::string& level) {
   if (!crossCheck.is_object()) {
     return nullptr;
   }
@@ -283,7 +300,7 @@ Json CrossCheck(const Json& crossCheck) {
   const Json views = SuggestedViews(ValueAt(crossCheck, "/suggestedViews"));
   return {{"photographs", known("/photographs", 0)},
           {"used", known("/used", 0)},
-          {"library", Difference(ValueAt(crossCheck, "/library"))},
+          {"library", Difference(ValueAt(crossCheck, "/library"), level)},
           {"halves", Difference(ValueAt(crossCheck, "/halves"))},
           {"camTc", Comparison(ValueAt(crossCheck, "/comparison/camTc"))},
           {"trChart", Comparison(ValueAt(crossCheck, "/comparison/trChart"))},
@@ -397,12 +414,12 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"hasFindings", !findings.empty()},
       {"firstRun", firstRun.is_object() ? RunValues(firstRun) : Json()},
       {"lastRun", lastRun},
-      {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"))},
+      {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"), level)},
       {"photographs", photographs},
       {"photographCount", photographs.size()},
+      {"others", TextAt(result, "/photographCounts/others")},
       {"unusable", unusable},
       {"hasUnusable", !unusable.empty()},
-      {"unusableCount", unusable.size()},
       {"disagreeing", disagreeing},
       {"hasDisagreeing", !disagreeing.empty()},
       {"inputs", Inputs(ValueAt(result, "/inputs"))},

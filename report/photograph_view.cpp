@@ -27,7 +27,7 @@ std::string StateOf(const Json& photograph) {
   if (state == "leftOutByFilter") {
     return "spare";
   }
-  return state == "notReached" || state == "notUsed" ? "unused" : "missing";
+  return state == "notReached" || state == "notUsed" || state == "unknown" ? "unused" : "missing";
 }
 
 std::string ImageLink(const Json& photograph, const fs::path& pageFolder) {

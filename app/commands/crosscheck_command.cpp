@@ -34,12 +34,15 @@ Exit status:
 struct CrosscheckOptions {
   std::filesystem::path log;
   MountingOptions mounting;
+  host::Accuracy goodEnough;
+  double scaleUncertainty = host::Inputs().scaleUncertainty;
   std::filesystem::path truth;  // empty: unknown
   bool json = false;
 };
 
 int Crosscheck(const CrosscheckOptions& options) {
-  host::Report report = host::CheckLog(options.log, MountingOf(options.mounting));
+  host::Report report = host::CheckLog(options.log, MountingOf(options.mounting),
+                                       options.goodEnough, options.scaleUncertainty);
   report.inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (options.json) {
     std::cout << host::JsonText(host::ResultJson(report));
@@ -65,6 +68,7 @@ void AddCrosscheckCommand(CLI::App& program, int& status) {
       ->required()
       ->check(RequireFile);
   AddMountingOptions(command, options->mounting, "not known", "Options");
+  AddAccuracyOptions(command, options->goodEnough, options->scaleUncertainty, "Options");
   AddPath(command, "--truth", options->truth, "FILE.json",
           "Truth of a simulated shoot, to compare with")
       ->check(RequireFile);

@@ -99,6 +99,11 @@ std::optional<double> ParseMetres(std::string_view text) {
   return ParseMetres(text.substr(0, text.size() - unit.size()), unit);
 }
 
+std::string_view WithoutUnit(std::string_view text, std::string_view unit) {
+  const std::size_t end = text.size() - std::min(text.size(), unit.size());
+  return text.substr(end) == unit ? Trim(text.substr(0, end)) : text;
+}
+
 // Three lengths, each with its own unit, or all with the unit of the last one.
 std::optional<std::array<double, 3>> ParseLengths(std::string_view text) {
   const auto parts = SplitParts<3>(text, ',');
@@ -227,6 +232,29 @@ std::array<double, 3> ParseTranslation(const std::string& option, const std::str
   return *metres;
 }
 
+host::Accuracy ParseGoodEnough(const std::string& option, const std::string& text) {
+  const auto isPossible = [](const std::optional<double>& number) {
+    return number && std::isfinite(*number) && *number > 0;
+  };
+  if (const auto parts = SplitParts<2>(text, ',')) {
+    const auto mm = ParseNumber(WithoutUnit((*parts)[0], "mm"));
+    const auto degrees = ParseNumber(WithoutUnit((*parts)[1], "deg"));
+    if (isPossible(mm) && isPossible(degrees)) {
+      return {*mm, *degrees};
+    }
+  }
+  Reject(option, text + " is not MM,DEGREES, such as 2mm,0.2deg");
+}
+
+double ParsePercent(const std::string& option, const std::string& text) {
+  const auto percent = ParseNumber(WithoutUnit(text, "%"));
+  if (!percent || !(*percent >= 0 && *percent <= 100 * host::kMostScaleUncertainty)) {
+    Reject(option, text + " is not a percentage from 0 to " +
+                       Shortest(100 * host::kMostScaleUncertainty) + ", such as 0.1%");
+  }
+  return *percent / 100;
+}
+
 bool ParseMountingAxes(const std::string& option, const std::string& text) {
   if (text != "fixed" && text != "reported") {
     Reject(option, text + " is not one of fixed, reported");
@@ -310,6 +338,16 @@ std::string ParseParentAxesText(const std::string& option, const std::string& te
     Reject(option, error.what());
   }
   return text;
+}
+
+void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
+                        const std::string& group) {
+  AddValue(command, "--good-enough", goodEnough, ParseGoodEnough, "MM,DEGREES",
+           "How far off the result may be without a doubt\n(default: 2mm,0.2deg)")
+      ->group(group);
+  AddValue(command, "--scale-uncertainty", scaleUncertainty, ParsePercent, "PERCENT",
+           "How accurately the squares are known against\nthe trackers' lengths (default: 0.1%)")
+      ->group(group);
 }
 
 void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& standard,

@@ -105,6 +105,12 @@ std::array<double, 3> ParseTriple(const std::string& option, const std::string& 
 /// Without a unit none may be above 3.
 std::array<double, 3> ParseTranslation(const std::string& option, const std::string& text);
 
+/// "2mm,0.2deg" or "2,0.2": millimetres and degrees, both above 0.
+host::Accuracy ParseGoodEnough(const std::string& option, const std::string& text);
+
+/// "0.1%" or "0.1", from 0 to 10: as a fraction.
+double ParsePercent(const std::string& option, const std::string& text);
+
 /// "fixed" or "reported": true for the second.
 bool ParseMountingAxes(const std::string& option, const std::string& text);
 
@@ -135,6 +141,10 @@ std::vector<const host::Engine*> ParseEngines(const std::string& option, const s
 /// "z,-x,y" or "z-forward": the axes of the camera's parent in an engine, checked, but returned as
 /// they were written.
 std::string ParseParentAxesText(const std::string& option, const std::string& text);
+
+/// Adds --good-enough and --scale-uncertainty, for calibrate and crosscheck.
+void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
+                        const std::string& group);
 
 // The mounting of the chart's tracker, for calibrate and crosscheck.
 

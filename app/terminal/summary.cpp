@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 #include <string>
 #include <vector>
@@ -129,17 +130,20 @@ void PrintErrors(std::ostream& out, const LibraryRun& run) {
 
 // The photographs.
 
+bool IsHalfByFilter(const host::PhotographList& list) {
+  const auto used = static_cast<double>(CountInState(list, PhotographState::kUsed));
+  const auto left = static_cast<double>(CountInState(list, PhotographState::kLeftOutByFilter));
+  return left > 0.35 * (used + left) && left < 0.65 * (used + left);
+}
+
 // Photographs that the filter left out are not named: they are not bad. The cross-check finds bad
 // ones.
 void PrintPhotographs(std::ostream& out, const host::PhotographList& list) {
-  out << "\nPhotographs: " << CountInState(list, PhotographState::kUsed) << " of " << list.size()
-      << " used";
-  if (const std::size_t count = CountInState(list, PhotographState::kLeftOutByFilter)) {
-    out << ", " << count << " left out by the outlier filter (about half is normal)";
-  }
-  out << '\n';
+  out << "\nPhotographs: " << CountText(list)
+      << (IsHalfByFilter(list) ? " (about half is normal)\n" : "\n");
   for (const host::PhotographEntry& entry : list) {
-    if (entry.state != PhotographState::kUsed && entry.state != PhotographState::kLeftOutByFilter) {
+    if (entry.state != PhotographState::kUsed && entry.state != PhotographState::kUnknown &&
+        entry.state != PhotographState::kLeftOutByFilter) {
       out << "  not used: " << entry.name << " (" << entry.reason << ")\n";
     }
   }
@@ -147,21 +151,23 @@ void PrintPhotographs(std::ostream& out, const host::PhotographList& list) {
 
 // The cross-check.
 
-// How likely such a difference is real, by its probability p without a cause.
-const char* Certainty(double p) {
-  constexpr double kLikely = 0.05;
-  return p < crosscheck::kCertain ? "certain" : p < kLikely ? "likely" : "by chance";
-}
-
-void PrintOffset(std::ostream& out, const char* label, const crosscheck::Offset& offset) {
-  auto values = Difference(offset.offMm, offset.offDegrees, 1);
-  values.emplace_back(Certainty(offset.p));
+void PrintOffset(std::ostream& out, const char* label, const crosscheck::Offset& offset,
+                 const Report& report) {
+  std::vector<std::string> values;
+  if (!std::isnan(offset.p)) {
+    values = Difference(offset.offMm, offset.offDegrees, 1);
+  }
+  values.push_back("  " + host::CertaintyText(offset.p, report.verdict.level == Level::kGood));
   PrintRow(out, label, values);
 }
 
 // The largest of the three axes, as the half-width of the 95 % interval.
 void PrintUncertainty(std::ostream& out, const char* label, const crosscheck::StandardError& error,
                       double t95) {
+  if (!error.translationMm.allFinite() || !error.rotationDegrees.allFinite()) {
+    PrintRow(out, label, std::vector<std::string>{"not determined"});
+    return;
+  }
   auto values =
       Difference(t95 * error.translationMm.maxCoeff(), t95 * error.rotationDegrees.maxCoeff(), 1);
   values.emplace_back("(95 %)");
@@ -182,16 +188,19 @@ void PrintCrossCheck(std::ostream& out, const Report& report, const CalibrationO
     return;
   }
   PrintUncertainty(out, "uncertainty of its transform", check.standardErrorCamTc, check.t95);
-  if (truth != nullptr) {
+  auto scale = Difference(check.scale.mmPerPermille, check.scale.degreesPerPermille, 1);
+  scale.push_back("(" + host::Shortest(100 * check.scale.uncertainty) + " % assumed)");
+  PrintRow(out, "each 0.1 % of length adds", scale);
+  if (truth != nullptr && check.diversity.amplification <= crosscheck::kMostAmplification) {
     PrintTruthDifference(out, "the truth differs by", RowByRow(check.Transform_Cam_Tc), *truth);
   }
   if (check.library) {
-    PrintOffset(out, "the result differs by", *check.library);
+    PrintOffset(out, "the result differs by", *check.library, report);
   }
   if (check.nominalMounting) {
     PrintOffset(out,
                 report.firstRun ? "the mounting used differs by" : "the stated mounting differs by",
-                *check.nominalMounting);
+                *check.nominalMounting, report);
   }
 }
 

@@ -44,6 +44,9 @@ static class Native {
     public int reserved;
     public IntPtr working_folder;
     public IntPtr log_folder;
+    public double good_enough_mm;
+    public double good_enough_deg;
+    public double scale_uncertainty_percent;
   }
 
   [StructLayout(LayoutKind.Sequential)]

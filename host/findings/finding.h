@@ -65,6 +65,7 @@ struct QuaternionLength {
 struct FrozenPose {
   crosscheck::Tracker tracker = crosscheck::Tracker::kCamera;
   RowNumbers rows;
+  bool isLeftOut = true;  // these rows; not if they are so many that it may have stood still
 };
 
 /// Rows whose photograph an earlier row has.
@@ -127,7 +128,8 @@ struct Aspect {
 
 struct FewUsed {
   std::size_t used = 0;
-  std::size_t seen = 0;  // photographs in which the board was found
+  std::size_t seen = 0;              // photographs in which the board was found
+  std::optional<std::size_t> agree;  // with each other, by the cross-check
 };
 
 struct BoardNowhere {
@@ -144,13 +146,20 @@ struct ImagesMissing {
   std::size_t all = 0;
 };
 
-/// The second run could not begin.
+/// Without the photographs that contradict the others, too few are left for a second run.
+struct TooFewAgree {
+  std::size_t agree = 0;
+  std::size_t all = 0;  // photographs that were cross-checked
+};
+
+/// There is no result of a second run.
 struct NotRefined {
-  std::string reason;
+  std::string reason;  // a sentence
+  std::string advice;
 };
 
 struct NotCrossChecked {
-  std::string reason;
+  std::string reason;  // a sentence
 };
 
 // From the cross-check.
@@ -162,19 +171,28 @@ struct Disagreement {
   std::string fitsTrackersOf;  // a photograph, for that reason
 };
 
+/// Photographs that contradicted the others in the first run, so the second was without them.
+struct LeftOutPhotographs {
+  std::vector<Disagreement> disagreements;  // in the order of Finding::photographs
+};
+
 struct BadPhotographs {
   double share = 0;                         // of all, 0 to 1
   std::vector<Disagreement> disagreements;  // in the order of Finding::photographs, the worst first
+  bool areEnoughLeft = true;                // to calibrate without them
 };
 
 using FindingKind =
     std::variant<RowFault, ValueFault, QuaternionLength, FrozenPose, RepeatedRows, LengthUnit,
                  Utf16Text, PhotographFault, MissingPhotographs, HugePhotographs, PhotographSizes,
                  OrientationTag, Aspect, FewUsed, BoardNowhere, LogIncomplete, ImagesMissing,
-                 NotRefined, NotCrossChecked, BadPhotographs, crosscheck::NoAgreement,
-                 crosscheck::MisreadRows, crosscheck::TooLittleRotation, crosscheck::TrackerMoved,
-                 crosscheck::MountingOff, crosscheck::SquareSizeOff, crosscheck::HalvesDiffer,
-                 crosscheck::LensUncertain, crosscheck::TrackersNoisy, crosscheck::LibraryApart>;
+                 TooFewAgree, NotRefined, NotCrossChecked, LeftOutPhotographs, BadPhotographs,
+                 crosscheck::NoAgreement, crosscheck::MisreadRows, crosscheck::TooLittleRotation,
+                 crosscheck::TrackerMoved, crosscheck::MountingOff, crosscheck::SquareSizeOff,
+                 crosscheck::HalvesDiffer, crosscheck::LensUncertain, crosscheck::TrackersUncertain,
+                 crosscheck::TrackersNoisy, crosscheck::LibraryApart, crosscheck::ChartNotFlat,
+                 crosscheck::ChartStretched, crosscheck::LensModel, crosscheck::TrackerErrors,
+                 crosscheck::TrackerLoose>;
 
 struct Finding {
   Severity severity = Severity::kNote;
@@ -184,15 +202,31 @@ struct Finding {
 
 constexpr std::size_t kMostNamedPhotographs = 100;
 
+/// With fewer the library fails.
+constexpr std::size_t kLeastPhotographs = 12;
+
 /// An error if a fault concerns more than 30 % of all rows, so that the result cannot be right;
 /// otherwise a warning: a few rows drop out or are outvoted.
 Severity SeverityOf(std::size_t some, std::size_t all);
+
+/// Of rows or photographs that are left out before they can do harm: a note, a warning above 30 %,
+/// an error if they are why fewer than 12 are left.
+Severity SeverityOfLeftOut(std::size_t some, std::size_t all);
 
 /// The worst first; equally severe ones stay in order.
 void SortFindings(std::vector<Finding>& findings);
 
 /// A second run with the mounting found, without the bad photographs, can give a better result.
 bool CanRefine(const Finding& finding);
+
+/// About the mounting or the result of a run, which a second run mends, and not about the shoot.
+bool IsAboutRun(const Finding& finding);
+
+/// The rows do not fit the photographs: a second run with them can find nothing.
+bool NothingFits(const Finding& finding);
+
+/// The result could not be compared with a cross-check, or the comparison says nothing.
+bool IsUnchecked(const Finding& finding);
 
 /// Something that was computed could not be written. It says nothing about the result.
 bool IsOutputError(const Finding& finding);

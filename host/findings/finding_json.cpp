@@ -67,7 +67,9 @@ Json ValuesOf(const Aspect& fault) {
 }
 
 Json ValuesOf(const FewUsed& fault) {
-  return {{"used", fault.used}, {"seen", fault.seen}};
+  return {{"used", fault.used},
+          {"seen", fault.seen},
+          {"agree", fault.agree ? Json(*fault.agree) : Json(nullptr)}};
 }
 
 Json ValuesOf(const BoardNowhere& fault) {
@@ -82,12 +84,20 @@ Json ValuesOf(const ImagesMissing& fault) {
   return {{"images", fault.count}};
 }
 
+Json ValuesOf(const TooFewAgree& fault) {
+  return {{"agree", fault.agree}, {"photographCount", fault.all}};
+}
+
 Json ValuesOf(const NotRefined& /*fault*/) {
   return Json::object();
 }
 
 Json ValuesOf(const NotCrossChecked& /*fault*/) {
   return Json::object();
+}
+
+Json ValuesOf(const LeftOutPhotographs& fault) {
+  return {{"photographCount", fault.disagreements.size()}};
 }
 
 Json ValuesOf(const BadPhotographs& fault) {
@@ -149,11 +159,18 @@ Json ValuesOf(const crosscheck::HalvesDiffer& fault) {
   return OffsetJson(fault.offMm, fault.offDegrees, fault.p);
 }
 
-Json ValuesOf(const crosscheck::LensUncertain& fault) {
-  return {{"mm", NumberJson(fault.mm)},
-          {"degrees", NumberJson(fault.degrees)},
+Json ValuesOf(const crosscheck::Uncertain& fault) {
+  return {{"mm", NumberJson(fault.found.mm)},
+          {"degrees", NumberJson(fault.found.degrees)},
+          {"neededMm", NumberJson(fault.needed.mm)},
+          {"neededDegrees", NumberJson(fault.needed.degrees)},
+          {"lensMm", NumberJson(fault.byLens.mm)},
+          {"lensDegrees", NumberJson(fault.byLens.degrees)},
+          {"trackersMm", NumberJson(fault.byTrackers.mm)},
+          {"trackersDegrees", NumberJson(fault.byTrackers.degrees)},
           {"pixels", NumberJson(fault.pixels)},
-          {"distanceMetres", NumberJson(fault.distanceMetres)}};
+          {"distanceMetres", NumberJson(fault.distanceMetres)},
+          {"closerMetres", NumberJson(fault.closerMetres)}};
 }
 
 Json ValuesOf(const crosscheck::TrackersNoisy& fault) {
@@ -163,6 +180,46 @@ Json ValuesOf(const crosscheck::TrackersNoisy& fault) {
 Json ValuesOf(const crosscheck::LibraryApart& fault) {
   return With(OffsetJson(fault.offMm, fault.offDegrees, fault.p), "mountingUnknown",
               fault.mountingUnknown);
+}
+
+Json MovedJson(double mm, double degrees) {
+  return {{"movedMm", NumberJson(mm)}, {"movedDegrees", NumberJson(degrees)}};
+}
+
+Json ValuesOf(const crosscheck::ChartNotFlat& fault) {
+  return With(MovedJson(fault.movedMm, fault.movedDegrees), "bowMm", NumberJson(fault.bowMm));
+}
+
+Json ValuesOf(const crosscheck::ChartStretched& fault) {
+  return With(MovedJson(fault.movedMm, fault.movedDegrees), "widerBy", NumberJson(fault.widerBy));
+}
+
+Json ValuesOf(const crosscheck::LensModel& fault) {
+  Json values = MovedJson(fault.movedMm, fault.movedDegrees);
+  values.update({{"p1", NumberJson(fault.p1)},
+                 {"p2", NumberJson(fault.p2)},
+                 {"k3", NumberJson(fault.k3)},
+                 {"pixels", NumberJson(fault.pixels)},
+                 {"distanceMetres", NumberJson(fault.distanceMetres)}});
+  return values;
+}
+
+Json ValuesOf(const crosscheck::TrackerErrors& fault) {
+  Json values = MovedJson(fault.movedMm, fault.movedDegrees);
+  values.update({{"mm", NumberJson(fault.mm)},
+                 {"degrees", NumberJson(fault.degrees)},
+                 {"p", NumberJson(fault.p)}});
+  if (fault.follow == crosscheck::TrackerFlaw::kDelay) {
+    values["delayMs"] = NumberJson(1e3 * fault.delaySeconds);
+  }
+  return values;
+}
+
+Json ValuesOf(const crosscheck::TrackerLoose& fault) {
+  return {{"tracker", Name(fault.tracker)},
+          {"mm", NumberJson(fault.mm)},
+          {"degrees", NumberJson(fault.degrees)},
+          {"photographCount", fault.photographs.size()}};
 }
 
 Json FindingJson(const Finding& finding) {

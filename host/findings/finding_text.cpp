@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/findings/input_sentences.h"
 #include "host/text/text.h"
 
 namespace trackedcam::host {
@@ -10,60 +11,9 @@ namespace {
 
 using crosscheck::MountingMistake;
 using crosscheck::RowReading;
-using Names = std::vector<std::string>;
-
-constexpr std::size_t kNamed = 3;
-
-// "a", "a and b", "a, b, c and d", "a, b, c and 9 more".
-std::string List(const Names& names, std::size_t count) {
-  // A fourth is shorter by its name than by "1 more".
-  const std::size_t named = count <= kNamed + 1 ? count : kNamed;
-  std::string text;
-  for (std::size_t i = 0; i < named; ++i) {
-    const bool isLast = i + 1 == count;
-    text += (i == 0 ? "" : isLast ? " and " : ", ") + names.at(i);
-  }
-  return named == count ? text : text + " and " + std::to_string(count - named) + " more";
-}
-
-// "row 3", "rows 3, 4, 5 and 9 more", "all 40 rows".
-std::string Text(const RowNumbers& rows) {
-  const std::size_t count = rows.lines.size();
-  if (count > 1 && count == rows.all) {
-    return "all " + std::to_string(count) + " rows";
-  }
-  Names lines;
-  for (std::size_t i = 0; i < std::min(count, kNamed + 1); ++i) {
-    lines.push_back(std::to_string(rows.lines[i]));
-  }
-  return (count == 1 ? "row " : "rows ") + List(lines, count);
-}
-
-// "a.jpg, b.jpg, c.jpg and 9 more", "all 40 photographs".
-std::string Text(const Names& photographs, std::size_t count, std::size_t all) {
-  return count > 1 && count == all ? "all " + std::to_string(all) + " photographs"
-                                   : List(photographs, count);
-}
-
-std::string Text(const ImageSize& size) {
-  return std::to_string(size[0]) + " x " + std::to_string(size[1]);
-}
-
-Names WithSizes(const Names& photographs, const std::vector<ImageSize>& sizes) {
-  Names names;
-  for (std::size_t i = 0; i < std::min(photographs.size(), sizes.size()); ++i) {
-    names.push_back(photographs[i] + " (" + Text(sizes[i]) + ')');
-  }
-  return names;
-}
 
 std::string Offset(double mm, double degrees) {
   return Fixed(mm, 1) + " mm and " + Fixed(degrees, 2) + " deg";
-}
-
-// "30.38", of millimetres of a sensor.
-std::string Rounded(double number, double scale) {
-  return Shortest(std::round(number * scale) / scale);
 }
 
 std::string ReasonText(crosscheck::WhyLeftOut why, const std::string& fitsTrackersOf) {
@@ -120,241 +70,20 @@ const char* ReadingText(RowReading reading) {
   return "";
 }
 
-constexpr const char* kFormats = "Use JPEG, PNG, TIFF, BMP or WebP.";
 constexpr const char* kCheckLogFolder =
     "Check the free space and the permissions of the log folder, and calibrate again.";
 constexpr const char* kTakeMountingFound = "Calibrate again with the mounting that was found.";
 
-struct Sentences {
-  const char* id;
-  std::string text;
-  std::string advice;
-};
-
 /// What is said of each kind.
-struct Writer {
-  const Names& photographs;
-
-  Sentences operator()(const RowFault& fault) const {
-    const std::string rows = Text(fault.rows);
-    const auto separator = [&](const char* name) -> Sentences {
-      return {"separator",
-              std::string(name) + " separate the fields in " + rows +
-                  ", but only commas are read, so no field is found.",
-              "Save the file with commas between the fields."};
-    };
-    switch (fault.kind) {
-      case RowFault::Kind::kSemicolons:
-        return separator("Semicolons");
-      case RowFault::Kind::kTabs:
-        return separator("Tabs");
-      case RowFault::Kind::kBars:
-        return separator("Vertical bars");
-      case RowFault::Kind::kDecimalCommas:
-        return {"decimalComma",
-                "Numbers have a decimal comma in " + rows + ", and each comma ends a field.",
-                "Save the file with decimal points: 1.25, not 1,25."};
-      case RowFault::Kind::kQuotes:
-        return {"quotedFields",
-                "Fields are in quotes in " + rows +
-                    "; a quoted number is read as 0, and a quoted path finds no photograph.",
-                "Save the file without quotes."};
-      case RowFault::Kind::kExtraColumn:
-        return {"extraColumn",
-                "There is an extra column before the photograph in " + rows +
-                    ", so every number is read from the wrong field.",
-                "Remove the column: a row is the time, the photograph, then seven numbers for each "
-                "tracker."};
-      case RowFault::Kind::kTimeWithT:
-        return {"timesBeginWithT",
-                "The time begins with T in " + rows + ", and such lines are skipped.",
-                "Write times that begin with a digit."};
-      case RowFault::Kind::kNotUtf8:
-        return {"encoding",
-                "Characters are not UTF-8 in " + rows + ", but in no path of a photograph.",
-                "Save the file as UTF-8."};
-      case RowFault::Kind::kPathNotUtf8:
-        return {"pathEncoding",
-                "The path of the photograph is not UTF-8 in " + rows + ", so it cannot be opened.",
-                "Save the file as UTF-8, or use ASCII letters in the names of the photographs."};
-      case RowFault::Kind::kMissingFields:
-        return {"missingFields", "Fields are missing or empty in " + rows + "; each is read as 0.",
-                "Write 16 fields in each row: time, photograph, then x, y, z, qw, qx, qy, qz of "
-                "the camera's tracker and of the chart's."};
-      case RowFault::Kind::kLostTracking:
-        return {"lostTracking",
-                "Tracking was lost in " + rows + ": a tracker is at the origin, without rotation.",
-                "Remove these rows from the file, and keep both trackers in view of the tracking "
-                "system."};
-      case RowFault::Kind::kZeroQuaternion:
-        return {"zeroQuaternion",
-                "The quaternion of a tracker is zero in " + rows + ", so its rotation is unknown.",
-                "Record w, x, y and z of each tracker's quaternion, or remove these rows from the "
-                "file."};
-      case RowFault::Kind::kRepeatedPoses:
-        return {
-            "repeatedPoses",
-            "Both trackers repeat the poses of an earlier row in " + rows + ", to the last digit.",
-            "If something moved between the photographs, the recorder did not update: remove "
-            "these rows from the file."};
-      case RowFault::Kind::kBlankLine:
-        return {"blankLines", "Blank lines count as rows without a photograph: " + rows + '.',
-                "Delete the blank lines."};
-      case RowFault::Kind::kHeader:
-        return {"header",
-                "The header in " + rows +
-                    " does not begin with \"Time,\", so it counts as a row without a photograph.",
-                "Begin the header with \"Time,\"."};
-    }
-    return {};
-  }
-
-  Sentences operator()(const ValueFault& fault) const {
-    const std::string row = std::to_string(fault.rows.lines.at(0));
-    const std::string where = Text(fault.rows) + " (field " + std::to_string(fault.field) +
-                              " of row " + row + (fault.photograph.empty() ? "" : ", ") +
-                              fault.photograph + ')';
-    constexpr const char* kNoPose = "Remove these rows from the file: the tracker gave no pose.";
-    switch (fault.kind) {
-      case ValueFault::Kind::kNotFinite:
-        return {
-            "noNumber",
-            "A value is nan or infinite in " + where + "; one such row can spoil the whole result.",
-            kNoPose};
-      case ValueFault::Kind::kTooLarge:
-        return {
-            "tooLarge",
-            "A value is beyond +/-1e9 in " + where + "; one such row can spoil the whole result.",
-            kNoPose};
-      case ValueFault::Kind::kText:
-        return {"noNumber",
-                "A field has text instead of a number in " + where +
-                    ", so it is read as 0 or only in part.",
-                "Write plain numbers, such as -1.25 or 1.5e-3, or remove these rows from the "
-                "file."};
-    }
-    return {};
-  }
-
-  Sentences operator()(const QuaternionLength& fault) const {
-    return {"quaternionLength",
-            "The quaternion of a tracker does not have length 1 in " + Text(fault.rows) + " (" +
-                Rounded(fault.length, 1000) + " in row " + std::to_string(fault.rows.lines.at(0)) +
-                ").",
-            "Check the order of the fields: position x, y, z, then quaternion w, x, y, z, of the "
-            "camera's tracker and then of the chart's."};
-  }
-
-  Sentences operator()(const FrozenPose& fault) const {
-    return {"frozenPose",
-            std::string("The ") + Name(fault.tracker) +
-                "'s tracker repeats the pose of the row before in " + Text(fault.rows) +
-                ", to the last digit, while the other tracker moves.",
-            "If the tracker moved between these photographs, its pose was not updated: remove "
-            "these rows from the file."};
-  }
-
-  Sentences operator()(const RepeatedRows& fault) const {
-    return {"repeatedRows",
-            "The photograph of an earlier row is repeated in " + Text(fault.rows) +
-                ", and counts each time.",
-            "Keep one row for each photograph."};
-  }
-
-  Sentences operator()(const LengthUnit& fault) const {
-    return {"lengthUnit",
-            "The two trackers are " + Fixed(fault.metres, 0) +
-                " m apart; positions in millimetres would make it " +
-                Fixed(fault.metres / 1000, 2) + " m, in centimetres " +
-                Fixed(fault.metres / 100, 2) + " m.",
-            "Set the unit of the positions with --tracker-units, or record them in metres."};
-  }
-
-  Sentences operator()(const Utf16Text& /*fault*/) const {
-    return {"encoding", "The data file is UTF-16 text, so no row can be read.",
-            "Save the file as UTF-8, with commas between the fields."};
-  }
-
-  Sentences operator()(const PhotographFault& fault) const {
-    const std::string names = Text(photographs, fault.count, fault.all);
-    switch (fault.kind) {
-      case PhotographFault::Kind::kNotAFile:
-        return {"notAFile",
-                "The data file names a pipe, a device or a folder instead of a photograph, which "
-                "is left out: " +
-                    names + '.',
-                "Name image files in the second field."};
-      case PhotographFault::Kind::kUnreadable:
-        return {"unreadablePhotographs", "Photographs are empty or cannot be read: " + names + '.',
-                "Copy them again."};
-      case PhotographFault::Kind::kOtherFormat:
-        return {"otherFormat", "Images of an unsupported format are left out: " + names + '.',
-                kFormats};
-      case PhotographFault::Kind::kUnknownFormat:
-        return {"unknownFormat",
-                "Files are not images of a known format, so their sizes are not checked: " + names +
-                    '.',
-                kFormats};
-    }
-    return {};
-  }
-
-  Sentences operator()(const MissingPhotographs& fault) const {
-    const std::string& name = fault.nameInFolder;
-    return {"missingPhotographs",
-            "Photographs cannot be found: " + Text(photographs, fault.count, fault.all) + '.',
-            fault.folder.empty()
-                ? "Put the photographs where the data file says, or correct its second field."
-            : fault.isWorkingFolder
-                ? "Set --working-folder " + fault.folder + ": " + name + " is there."
-                : name + " is in " + fault.folder +
-                      ": correct the paths in the second field, or leave only the names and set "
-                      "--working-folder."};
-  }
-
-  Sentences operator()(const HugePhotographs& fault) const {
-    return {"hugePhotograph",
-            "Photographs above 200 megapixels are left out: " +
-                Text(WithSizes(photographs, fault.sizes), fault.count, fault.all) + '.',
-            "Use the image size of the video."};
-  }
-
-  Sentences operator()(const PhotographSizes& fault) const {
-    return {"photographSizes",
-            "Photographs differ in size from the rest (" + Text(fault.common) +
-                " pixels): " + List(WithSizes(photographs, fault.sizes), fault.count) + '.',
-            "Remove them from the data file, or take all photographs in one size."};
-  }
-
-  Sentences operator()(const OrientationTag& fault) const {
-    const std::string names = Text(photographs, fault.count, fault.all);
-    return {"orientationTag",
-            (fault.isMixed ? "An orientation tag rotates some photographs and not the others, so "
-                             "their sizes differ: "
-                           : "An orientation tag makes decoders rotate the pixels, so the result "
-                             "is for the rotated images, not for the camera: ") +
-                names + '.',
-            "Remove the tags without rotating the pixels, and switch off automatic rotation in the "
-            "camera."};
-  }
-
-  Sentences operator()(const Aspect& fault) const {
-    const auto [width, height] = fault.sensorMm;
-    const double aspect = static_cast<double>(fault.image[0]) / static_cast<double>(fault.image[1]);
-    const double usedWidth = std::min(width, height * aspect);
-    const auto rounded = [](double mm) { return Rounded(mm, 100); };
-    return {"aspect",
-            "The photographs (" + Text(fault.image) +
-                " pixels) have another aspect ratio than the sensor (" + rounded(width) + " x " +
-                rounded(height) + " mm), so the focal length in millimetres is wrong.",
-            "Give the part of the sensor that the image uses: --sensor " + rounded(usedWidth) +
-                'x' + rounded(usedWidth / aspect) + " if the pixels are square."};
-  }
+struct Writer : InputWriter {
+  using InputWriter::operator();
 
   Sentences operator()(const FewUsed& fault) const {
     return {"fewUsed",
             "The result is from only " + std::to_string(fault.used) + " of the " +
-                std::to_string(fault.seen) + " photographs in which the board was found.",
+                std::to_string(fault.seen) + " photographs in which the board was found" +
+                (fault.agree ? "; by the cross-check, " + std::to_string(*fault.agree) + " agree."
+                             : "."),
             "Take more photographs, at least 24, with camera and chart at rest."};
   }
 
@@ -378,39 +107,65 @@ struct Writer {
   Sentences operator()(const ImagesMissing& fault) const {
     return {"imagesMissing",
             "Reprojected images are missing or incomplete: those of " +
-                Text(photographs, fault.count, fault.all) + '.',
+                PhotographNames(photographs, fault.count, fault.all) + '.',
             kCheckLogFolder};
   }
 
   Sentences operator()(const NotRefined& fault) const {
     return {"notRefined",
-            "The second run, with the mounting found, could not begin: " + fault.reason + '.',
-            "Check the log folder and the disk, and calibrate again."};
+            "There is no result of a second run, with the mounting found: " + fault.reason,
+            fault.advice};
+  }
+
+  Sentences operator()(const TooFewAgree& fault) const {
+    return {"tooFewAgree",
+            "Only " + std::to_string(fault.agree) + " of the " + std::to_string(fault.all) +
+                " photographs agree with each other, too few for a second run without the rest, "
+                "which needs " +
+                std::to_string(kLeastPhotographs) + '.',
+            "Take more photographs, at least 24, with camera and chart at rest, and calibrate "
+            "again."};
   }
 
   Sentences operator()(const NotCrossChecked& fault) const {
-    return {"notCrossChecked", "The cross-check stopped: " + fault.reason + '.',
-            "Keep the log and report it."};
+    return {"notCrossChecked", "The result is not cross-checked: " + fault.reason,
+            "Calibrate again; if that does not help, keep the log and report it."};
   }
 
-  Sentences operator()(const BadPhotographs& fault) const {
+  // "a.jpg (39 mm, 2.9 deg), b.jpg and 9 more"
+  std::string WithDisagreements(const std::vector<Disagreement>& disagreements) const {
     const std::size_t count = photographs.size();
     const std::size_t named = std::min(count, kNamed);
     std::string names;
     for (std::size_t i = 0; i < named; ++i) {
-      const std::string more = Text(fault.disagreements.at(i));
+      const std::string more = Text(disagreements.at(i));
       names += (i == 0 ? "" : ", ") + photographs[i] + (more.empty() ? "" : " (" + more + ')');
     }
-    if (count > named) {
-      names += " and " + std::to_string(count - named) + " more";
-    }
+    return count > named ? names + " and " + std::to_string(count - named) + " more" : names;
+  }
+
+  Sentences operator()(const LeftOutPhotographs& fault) const {
+    const bool isOne = photographs.size() == 1;
+    return {"leftOutPhotographs",
+            "The second run was without " +
+                (isOne ? "a photograph that contradicts"
+                       : std::to_string(photographs.size()) + " photographs that contradict") +
+                " the others: " + WithDisagreements(fault.disagreements) + '.',
+            isOne ? "Check what happened when it was taken."
+                  : "Check what happened when they were taken."};
+  }
+
+  Sentences operator()(const BadPhotographs& fault) const {
+    const std::size_t count = photographs.size();
     return {Name(crosscheck::BadPhotographs{}),
             (count == 1 ? "One photograph contradicts"
                         : std::to_string(count) + " photographs contradict") +
-                " the others: " + names + '.',
-            count == 1
-                ? "Calibrate again without it, and check what happened when it was taken."
-                : "Calibrate again without them, and check what happened when they were taken."};
+                " the others: " + WithDisagreements(fault.disagreements) + '.',
+            std::string(!fault.areEnoughLeft ? "Check"
+                        : count == 1         ? "Calibrate again without it, and check"
+                                             : "Calibrate again without them, and check") +
+                (count == 1 ? " what happened when it was taken."
+                            : " what happened when they were taken.")};
   }
 
   Sentences operator()(const crosscheck::NoAgreement& fault) const {
@@ -438,9 +193,11 @@ struct Writer {
                             : axis.x() > axis.y() ? "the chart's long rows of corners"
                                                   : "the chart's columns of corners";
     return {Name(fault),
-            "The chart was rotated too little to separate the transform from the mounting: errors "
-            "grow " +
-                Fixed(fault.amplification, 1) + " times.",
+            std::string("The chart was rotated too little to separate the transform from the "
+                        "mounting") +
+                (fault.amplification <= crosscheck::kMostAmplification
+                     ? ": errors grow " + Fixed(fault.amplification, 1) + " times."
+                     : ", so the result cannot be checked."),
             std::string("Shoot again, or add photographs, with the chart rotated more about ") +
                 direction + (fault.axes == 2 ? ", and about an axis across it" : "") + ", by " +
                 Fixed(fault.rotationDegrees, 0) + " deg to either side."};
@@ -457,7 +214,7 @@ struct Writer {
 
   Sentences operator()(const crosscheck::MountingOff& fault) const {
     return {Name(fault),
-            "The stated mounting of the chart's tracker is off by " +
+            "The mounting of the chart's tracker that the library was given is off by " +
                 Offset(fault.offMm, fault.offDegrees) + ", so the result is off by " +
                 Offset(fault.resultOffMm, fault.resultOffDegrees) +
                 (fault.likelyMistake
@@ -468,11 +225,91 @@ struct Writer {
 
   Sentences operator()(const crosscheck::SquareSizeOff& fault) const {
     return {Name(fault),
-            "The squares seem " + Fixed(fault.factor, 3) + " times as large as stated (" +
-                Fixed(100 * (fault.factor - 1), 1) + " %, +/- " +
-                Fixed(200 * fault.standardError, 1) + " %).",
-            "Measure a row of squares on the chart with a steel ruler and correct the square "
-            "size."};
+            "The squares seem " + Fixed(fault.factor, 4) +
+                " times as large as stated, measured by the trackers" +
+                (std::isfinite(fault.standardError)
+                     ? " (" + Fixed(100 * (fault.factor - 1), 2) + " %, +/- " +
+                           Fixed(200 * fault.standardError, 2) + " %)."
+                     : "; other findings may explain a part of it."),
+            "Measure a row of squares on the chart with a steel ruler, and correct the square "
+            "size. If it is right, the tracking system measures lengths wrongly: calibrate it."};
+  }
+
+  Sentences operator()(const crosscheck::ChartNotFlat& fault) const {
+    return {Name(fault),
+            "The chart is bowed: its middle is " + Fixed(std::abs(fault.bowMm), 2) + " mm " +
+                (fault.bowMm > 0 ? "behind" : "in front of") +
+                " its edges, which moves the result by " +
+                Offset(fault.movedMm, fault.movedDegrees) + '.',
+            "Glue the chart to glass or another flat plate, and shoot again."};
+  }
+
+  Sentences operator()(const crosscheck::ChartStretched& fault) const {
+    return {Name(fault),
+            "The squares of the chart are " + Fixed(100 * std::abs(fault.widerBy), 2) + " % " +
+                (fault.widerBy > 0 ? "wider than high" : "higher than wide") +
+                ", which moves the result by " + Offset(fault.movedMm, fault.movedDegrees) + '.',
+            "Measure rows and columns of squares with a steel ruler, print the chart without "
+            "scaling, and shoot again."};
+  }
+
+  Sentences operator()(const crosscheck::LensModel& fault) const {
+    const auto part = [](const char* name, double value) {
+      return value == 0 ? std::string() : std::string(", ") + name + " = " + Fixed(value, 5);
+    };
+    return {Name(fault),
+            "The lens has a distortion that the calibrated lens leaves out (" +
+                (part("p1", fault.p1) + part("p2", fault.p2) + part("k3", fault.k3)).substr(2) +
+                "): the transform alone is off by " + Offset(fault.movedMm, fault.movedDegrees) +
+                ", but lens and transform together by " + Fixed(fault.pixels, 2) + " pixels at " +
+                Fixed(fault.distanceMetres, 0) + " m.",
+            "Use this lens and this transform together, and neither with another one."};
+  }
+
+  Sentences operator()(const crosscheck::TrackerErrors& fault) const {
+    const std::string size = Offset(fault.mm, fault.degrees);
+    if (!fault.follow) {
+      return {Name(fault),
+              "Neighbouring photographs share errors of the trackers, so more photographs of the "
+              "same kind do not make the result more accurate.",
+              "Check that camera and chart are at rest in each photograph, and that nothing "
+              "disturbs the tracking; move both between photographs."};
+    }
+    switch (*fault.follow) {
+      case crosscheck::TrackerFlaw::kSag:
+        return {Name(fault),
+                "The errors of the trackers follow gravity, by " + size +
+                    ": a mount gives way, or the two trackers do not share one origin.",
+                "Fix the mounts of both trackers so that they cannot bend, and shoot again."};
+      case crosscheck::TrackerFlaw::kBentVolume:
+        return {Name(fault),
+                "The errors of the trackers follow their position, by " + size +
+                    ": the tracking system bends straight lines.",
+                "Calibrate the tracking system, and keep both trackers in the middle of its "
+                "volume."};
+      case crosscheck::TrackerFlaw::kPoseDependent:
+        return {
+            Name(fault),
+            "The errors of the trackers follow the rotation of the chart, by " + size + '.',
+            "Check that both trackers are seen well in each rotation, and that the chart does not "
+            "bend when it is rotated."};
+      case crosscheck::TrackerFlaw::kDelay:
+        return {Name(fault),
+                "The poses of the trackers are " + Fixed(1e3 * std::abs(fault.delaySeconds), 0) +
+                    " ms " + (fault.delaySeconds > 0 ? "later" : "earlier") +
+                    " than the photographs, which moves them by " + size + '.',
+                "Hold camera and chart still in each photograph, or correct the delay in the "
+                "recorder."};
+    }
+    return {};
+  }
+
+  Sentences operator()(const crosscheck::TrackerLoose& fault) const {
+    return {Name(fault),
+            std::string("The tracker on the ") + Name(fault.tracker) +
+                " has two seats on its mount, " + Offset(fault.mm, fault.degrees) +
+                " apart; in the second: " + List(photographs, photographs.size()) + '.',
+            "Fasten the tracker and shoot again."};
   }
 
   Sentences operator()(const crosscheck::HalvesDiffer& fault) const {
@@ -482,15 +319,35 @@ struct Writer {
             "Let trackers and base stations warm up, fix what is loose, and shoot again."};
   }
 
+  // Both parts, the larger one first.
+  static std::string UncertainText(const crosscheck::Uncertain& fault, bool isLens) {
+    const std::string lens = Offset(fault.byLens.mm, fault.byLens.degrees);
+    const std::string trackers = Offset(fault.byTrackers.mm, fault.byTrackers.degrees);
+    return "The transform is known to +/- " + Offset(fault.found.mm, fault.found.degrees) +
+           " (95 %), not to " + Shortest(fault.needed.mm) + " mm and " +
+           Shortest(fault.needed.degrees) + " deg, mostly because of the " +
+           (isLens ? "lens: " + lens + ", and " + trackers + " because of the trackers."
+                   : "trackers: " + trackers + ", and " + lens + " because of the lens.");
+  }
+
+  static std::string CloserAdvice(double metres) {
+    return "Come closer: add photographs from about " + Fixed(metres, 1) +
+           " m, where the chart fills the image, tilted to all sides.";
+  }
+
   Sentences operator()(const crosscheck::LensUncertain& fault) const {
-    return {
-        Name(fault),
-        "The lens alone makes the transform uncertain by " + Offset(fault.mm, fault.degrees) +
-            (std::isfinite(fault.pixels) ? ", and the image by " + Fixed(fault.pixels, 1) +
-                                               " pixels at " + Fixed(fault.distanceMetres, 0) + " m"
-                                         : "") +
-            " (95 %).",
-        "Add photographs with the chart tilted more and in the corners of the image."};
+    return {Name(fault), UncertainText(fault, true),
+            fault.closerMetres
+                ? CloserAdvice(*fault.closerMetres)
+                : "Add photographs with the chart tilted more and in the corners of the image."};
+  }
+
+  Sentences operator()(const crosscheck::TrackersUncertain& fault) const {
+    return {Name(fault), UncertainText(fault, false),
+            fault.closerMetres
+                ? CloserAdvice(*fault.closerMetres)
+                : "Add photographs, with camera and chart at rest and both trackers in good view "
+                  "of the tracking system."};
   }
 
   Sentences operator()(const crosscheck::TrackersNoisy& fault) const {
@@ -511,14 +368,16 @@ struct Writer {
               kTakeMountingFound};
     }
     return {Name(fault),
-            off + ", but not because of the stated mounting: too few or bad photographs were used.",
+            off +
+                ", but not because of the mounting that the library was given: too few or bad "
+                "photographs were used.",
             "Calibrate again without the photographs that contradict the others, or with more "
             "photographs."};
   }
 };
 
 Sentences SentencesOf(const Finding& finding) {
-  return std::visit(Writer{finding.photographs}, finding.kind);
+  return std::visit(Writer{{finding.photographs}}, finding.kind);
 }
 
 }  // namespace
@@ -551,6 +410,20 @@ const char* MistakeText(MountingMistake mistake) {
       return "it was measured in the axes that the tracking system reports";
     case MountingMistake::kBoardTurned:
       return "it was measured to the corner at the other end of the board";
+  }
+  return "";
+}
+
+std::string CertaintyText(double p, bool isGood) {
+  switch (crosscheck::CertaintyOf(p)) {
+    case crosscheck::Certainty::kIsCertain:
+      return isGood ? "certain, but good enough" : "certain";
+    case crosscheck::Certainty::kIsLikely:
+      return "likely (p = " + Fixed(p, 3) + ')';
+    case crosscheck::Certainty::kMayBeChance:
+      return "may be chance (p = " + Fixed(p, 2) + ')';
+    case crosscheck::Certainty::kIsUnknown:
+      return "cannot be checked";
   }
   return "";
 }

@@ -23,6 +23,11 @@ std::string Advice(const Finding& finding);
 /// "an angle has the wrong sign"
 const char* MistakeText(crosscheck::MountingMistake mistake);
 
+/// What the p of a difference says, for terminal, page and result file: "certain",
+/// "likely (p = 0.010)", "may be chance (p = 0.30)", "cannot be checked".
+/// @param isGood The verdict is good: what is certain is small.
+std::string CertaintyText(double p, bool isGood);
+
 /// Why the cross-check leaves a photograph out: "fits the trackers of img_004.jpg"; empty if
 /// nothing is known except that it contradicts the others.
 /// @param photographs The names of those that were checked, in their order.

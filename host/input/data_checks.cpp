@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -24,8 +25,6 @@ constexpr double kLengthTolerance = 0.02;  // of a quaternion; two decimals leav
 constexpr double kFarthestMetres = 30;     // of chart and camera from each other on any set
 constexpr double kMoveMetres = 1e-3;
 constexpr double kMoveDegrees = 0.1;
-// With fewer the library fails; it counts the same photograph twice as two.
-constexpr std::size_t kLeastPhotographs = 12;
 
 double Norm(double a, double b, double c, double d = 0) {
   return std::hypot(std::hypot(a, b), std::hypot(c, d));
@@ -72,6 +71,17 @@ struct Faulty {
   }
 };
 
+/// A row in which every value of the poses is a number.
+struct PoseRow {
+  const DataRow* row = nullptr;
+  std::array<TrackerPose, 2> poses = {};  // of the camera's tracker and of the chart's
+};
+
+struct Found {
+  std::vector<Finding> findings;
+  std::set<std::size_t> leaveOut;  // lines
+};
+
 // Adds a finding if any row has the fault. Its severity follows from the number of rows, unless
 // stated.
 template <class Kind>
@@ -82,6 +92,13 @@ void Add(std::vector<Finding>& findings, Kind kind, const Faulty& faulty, std::s
     findings.push_back({severity.value_or(SeverityOf(faulty.lines.size(), all)), std::move(kind),
                         faulty.photographs});
   }
+}
+
+// The same for rows without a pose of a tracker, which are left out.
+template <class Kind>
+void AddLeftOut(Found& found, Kind kind, const Faulty& faulty, std::size_t all) {
+  found.leaveOut.insert(faulty.lines.begin(), faulty.lines.end());
+  Add(found.findings, std::move(kind), faulty, all, SeverityOfLeftOut(faulty.lines.size(), all));
 }
 
 template <class Has>
@@ -104,7 +121,8 @@ bool IsLost(const TrackerPose& pose) {
   return IsAtOrigin(pose) && (IsZeroQuaternion(pose) || std::abs(pose[3]) == 1);
 }
 
-void CheckTracking(const std::vector<PoseRow>& rows, std::vector<Finding>& findings) {
+// Returns the rows in which both trackers have a pose.
+std::vector<PoseRow> CheckTracking(const std::vector<PoseRow>& rows, Found& found) {
   // A tracker that is the origin of the tracking system is there in every row.
   std::array<bool, 2> isOrigin = {};
   for (std::size_t tracker = 0; tracker < 2; ++tracker) {
@@ -118,9 +136,14 @@ void CheckTracking(const std::vector<PoseRow>& rows, std::vector<Finding>& findi
   const auto isZeroOnly = [&](const PoseRow& row) {
     return !isLost(row) && (IsZeroQuaternion(row.poses[0]) || IsZeroQuaternion(row.poses[1]));
   };
-  Add(findings, RowFault{RowFault::Kind::kLostTracking, {}}, RowsThat(rows, isLost), rows.size());
-  Add(findings, RowFault{RowFault::Kind::kZeroQuaternion, {}}, RowsThat(rows, isZeroOnly),
-      rows.size());
+  AddLeftOut(found, RowFault{RowFault::Kind::kLostTracking, {}}, RowsThat(rows, isLost),
+             rows.size());
+  AddLeftOut(found, RowFault{RowFault::Kind::kZeroQuaternion, {}}, RowsThat(rows, isZeroOnly),
+             rows.size());
+  std::vector<PoseRow> tracked;
+  std::copy_if(rows.begin(), rows.end(), std::back_inserter(tracked),
+               [&](const PoseRow& row) { return !isLost(row) && !isZeroOnly(row); });
+  return tracked;
 }
 
 bool HasOddLength(const TrackerPose& pose) {
@@ -156,8 +179,7 @@ void CheckLengthUnit(const std::vector<PoseRow>& rows, std::vector<Finding>& fin
   }
 }
 
-void CheckFrozen(const std::vector<PoseRow>& rows, std::size_t tracker,
-                 std::vector<Finding>& findings) {
+void CheckFrozen(const std::vector<PoseRow>& rows, std::size_t tracker, Found& found) {
   Faulty frozen;
   std::size_t moves = 0;
   for (std::size_t i = 1; i < rows.size(); ++i) {
@@ -173,10 +195,16 @@ void CheckFrozen(const std::vector<PoseRow>& rows, std::size_t tracker,
   if (frozen.lines.size() == moves) {  // it is on a tripod
     return;
   }
-  const bool isMostlyAtRest = 2 * frozen.lines.size() > moves;
-  Add(findings,
-      FrozenPose{tracker == 0 ? crosscheck::Tracker::kCamera : crosscheck::Tracker::kChart, {}},
-      frozen, rows.size(), isMostlyAtRest ? Severity::kNote : Severity::kWarning);
+  FrozenPose kind;
+  kind.tracker = tracker == 0 ? crosscheck::Tracker::kCamera : crosscheck::Tracker::kChart;
+  kind.isLeftOut = SeverityOf(frozen.lines.size(), moves) != Severity::kError;
+  if (kind.isLeftOut) {
+    AddLeftOut(found, kind, frozen, rows.size());
+  } else {
+    const bool isMostlyAtRest = 2 * frozen.lines.size() > moves;
+    Add(found.findings, kind, frozen, rows.size(),
+        isMostlyAtRest ? Severity::kNote : Severity::kWarning);
+  }
 }
 
 void CheckRepeatedPoses(const std::vector<PoseRow>& rows, std::vector<Finding>& findings) {
@@ -193,6 +221,16 @@ void CheckRepeatedPoses(const std::vector<PoseRow>& rows, std::vector<Finding>& 
   const bool isMany = SeverityOf(repeated.lines.size(), rows.size()) == Severity::kError;
   Add(findings, RowFault{RowFault::Kind::kRepeatedPoses, {}}, repeated, rows.size(),
       isMany ? Severity::kWarning : Severity::kNote);
+}
+
+// A wrong length unit, frozen or repeated poses, and rows without a pose.
+void CheckPoses(const std::vector<PoseRow>& rows, Found& found) {
+  const std::vector<PoseRow> tracked = CheckTracking(rows, found);
+  CheckQuaternionLength(rows, found.findings);
+  CheckLengthUnit(tracked, found.findings);
+  CheckFrozen(tracked, 0, found);
+  CheckFrozen(tracked, 1, found);
+  CheckRepeatedPoses(tracked, found.findings);
 }
 
 bool IsUtf16(std::string_view content) {
@@ -249,9 +287,10 @@ class RowSorter {
     }
   }
 
-  std::vector<Finding> Findings(const std::string& content) const {
+  Found FoundIn(const std::string& content) const {
     using Kind = RowFault::Kind;
-    std::vector<Finding> findings;
+    Found found;
+    std::vector<Finding>& findings = found.findings;
     AddFaults({Kind::kSemicolons, Kind::kTabs, Kind::kBars, Kind::kDecimalCommas, Kind::kQuotes,
                Kind::kExtraColumn},
               all_, findings);
@@ -265,20 +304,18 @@ class RowSorter {
     }
     AddFaults({Kind::kPathNotUtf8}, all_, findings);
     for (const auto& [kind, values] : values_) {
-      const bool canSpoilAll = kind != ValueFault::Kind::kText;
-      Add(findings, values.first, values.rows, all_,
-          canSpoilAll ? std::optional(Severity::kError) : std::nullopt);
+      AddLeftOut(found, values.first, values.rows, all_);
     }
-    AddFaults({Kind::kMissingFields}, all_, findings);
-    for (Finding& finding : CheckPoses(poses_)) {
-      findings.push_back(std::move(finding));
+    if (const auto missing = faults_.find(Kind::kMissingFields); missing != faults_.end()) {
+      AddLeftOut(found, RowFault{Kind::kMissingFields, {}}, missing->second, all_);
     }
+    CheckPoses(poses_, found);
     const std::size_t different = photographs_.size();
     const bool areTooFew = different < kLeastPhotographs && all_ >= kLeastPhotographs;
     Add(findings, RepeatedRows{{}, different}, repeated_, all_,
         areTooFew ? Severity::kError : Severity::kWarning);
     AddFaults({Kind::kBlankLine, Kind::kHeader}, 0, findings, Severity::kNote);
-    return findings;
+    return found;
   }
 
  private:
@@ -362,28 +399,19 @@ class RowSorter {
 
 }  // namespace
 
-std::vector<Finding> CheckPoses(const std::vector<PoseRow>& rows) {
-  std::vector<Finding> findings;
-  CheckTracking(rows, findings);
-  CheckQuaternionLength(rows, findings);
-  std::vector<PoseRow> tracked;
-  std::copy_if(rows.begin(), rows.end(), std::back_inserter(tracked), [](const PoseRow& row) {
-    return !IsZeroQuaternion(row.poses[0]) && !IsZeroQuaternion(row.poses[1]);
-  });
-  CheckLengthUnit(tracked, findings);
-  CheckFrozen(tracked, 0, findings);
-  CheckFrozen(tracked, 1, findings);
-  CheckRepeatedPoses(tracked, findings);
-  return findings;
-}
-
-std::vector<Finding> CheckData(const std::string& content, const std::vector<DataRow>& rows) {
+DataChecks CheckData(const std::string& content, const std::vector<DataRow>& rows) {
   if (IsUtf16(content)) {
-    return {{Severity::kError, Utf16Text{}, {}}};
+    return {{{Severity::kError, Utf16Text{}, {}}}, {}};
   }
-  std::vector<Finding> findings = RowSorter(rows).Findings(content);
-  SortFindings(findings);
-  return findings;
+  Found found = RowSorter(rows).FoundIn(content);
+  SortFindings(found.findings);
+  DataChecks checks = {std::move(found.findings), {}};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (found.leaveOut.count(rows[i].line) != 0) {
+      checks.leaveOut.push_back(i);
+    }
+  }
+  return checks;
 }
 
 }  // namespace trackedcam::host

@@ -3,8 +3,7 @@
 
 #pragma once
 
-#include <array>
-#include <filesystem>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,19 +12,16 @@
 
 namespace trackedcam::host {
 
-/// A row in which every value of the poses is a number.
-struct PoseRow {
-  const DataRow* row = nullptr;
-  std::array<TrackerPose, 2> poses = {};  // of the camera's tracker and of the chart's
+struct DataChecks {
+  std::vector<Finding> findings;  // the worst first; one for each fault, however many rows have it
+
+  /// Indices of rows, ascending, in which a tracker has no pose: it was lost, its pose was not
+  /// updated, or a value is missing or not a number. One such row can spoil the whole result.
+  std::vector<std::size_t> leaveOut;
 };
 
-/// Lost tracking, zero quaternions, a wrong length unit, frozen or repeated poses.
-std::vector<Finding> CheckPoses(const std::vector<PoseRow>& rows);
-
-/// All faults of a tracker data file, the worst first; one finding for each fault, however many
-/// rows have it.
 /// @param content The whole file.
 /// @param rows ReadRows of it.
-std::vector<Finding> CheckData(const std::string& content, const std::vector<DataRow>& rows);
+DataChecks CheckData(const std::string& content, const std::vector<DataRow>& rows);
 
 }  // namespace trackedcam::host

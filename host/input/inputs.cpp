@@ -23,6 +23,16 @@ bool AreFinite(const std::array<double, N>& numbers) {
 
 }  // namespace
 
+void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty) {
+  const auto [mm, degrees] = goodEnough;
+  Require(std::isfinite(mm) && std::isfinite(degrees) && mm > 0 && degrees > 0,
+          "good enough at " + Shortest(mm) + " mm and " + Shortest(degrees) +
+              " degrees: both must be above 0");
+  Require(scaleUncertainty >= 0 && scaleUncertainty <= kMostScaleUncertainty,
+          "scale uncertainty of " + Shortest(100 * scaleUncertainty) + " %: expected 0 to " +
+              Shortest(100 * kMostScaleUncertainty) + " %");
+}
+
 void RequirePossible(const Inputs& inputs) {
   const auto [width, height] = inputs.sensorMm;
   Require(AreFinite(inputs.sensorMm) && width > 0 && height > 0,
@@ -39,6 +49,7 @@ void RequirePossible(const Inputs& inputs) {
   Require(!inputs.mounting || (AreFinite(inputs.mounting->rotationDegrees) &&
                                AreFinite(inputs.mounting->translationMetres)),
           "the mounting contains an infinite or NaN value");
+  RequirePossible(inputs.goodEnough, inputs.scaleUncertainty);
   Require(inputs.expectedRecords.value_or(0) >= 0,
           "the expected number of records must not be negative");
 }

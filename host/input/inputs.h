@@ -12,10 +12,13 @@
 
 namespace trackedcam::host {
 
+using crosscheck::Accuracy;
 using crosscheck::Mounting;
 
 constexpr int kLeastInnerCorners = 3;   // along each side of a board
 constexpr int kMostInnerCorners = 100;  // searching for thousands takes minutes and fills a disk
+
+constexpr double kMostScaleUncertainty = 0.1;
 
 /// Paths are absolute.
 struct Inputs {
@@ -31,11 +34,14 @@ struct Inputs {
   std::optional<int> expectedRecords;  // nothing: as many as the file has
   std::filesystem::path logFolder;     // each run creates a folder in it
   bool refineMounting = false;         // run again if the cross-check finds another mounting
+  Accuracy goodEnough;                 // a result that may be farther off is in doubt
+  double scaleUncertainty = 0.001;     // of the squares against the trackers' lengths, a fraction
 };
 
 /// Checks values that no parser has checked.
 /// @throws InputError for the first impossible value, such as a board of two corners or a square of
 ///         30 metres; it says which values are possible.
 void RequirePossible(const Inputs& inputs);
+void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty);
 
 }  // namespace trackedcam::host

@@ -149,11 +149,6 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
   return true;
 }
 
-// Photographs that drop out before they can do harm.
-Severity SeverityOfLeftOut(std::size_t some, std::size_t all) {
-  return SeverityOf(some, all) == Severity::kError ? Severity::kError : Severity::kNote;
-}
-
 // Adds a finding if there are such photographs.
 template <class Kind>
 void Add(std::vector<Finding>& findings, Severity severity, Kind kind, const Names& photographs) {

@@ -52,22 +52,25 @@ Json StandardErrorJson(const crosscheck::StandardError& error) {
           {"rotationDegrees", RowByRow(error.rotationDegrees)}};
 }
 
-Json OffsetJson(const crosscheck::Offset& offset) {
+Json OffsetJson(const crosscheck::Offset& offset, bool isGood) {
+  const crosscheck::Certainty certainty = crosscheck::CertaintyOf(offset.p);
   return {{"offMm", NumberJson(offset.offMm)},
           {"offDegrees", NumberJson(offset.offDegrees)},
           {"p", NumberJson(offset.p)},
-          {"isCertain", offset.p < crosscheck::kCertain}};
+          {"isCertain", certainty == crosscheck::Certainty::kIsCertain},
+          {"certainty", Name(certainty)},
+          {"certaintyText", CertaintyText(offset.p, isGood)}};
 }
 
-Json OffsetJson(const std::optional<crosscheck::Offset>& offset) {
-  return offset ? OffsetJson(*offset) : Json(nullptr);
+Json OffsetJson(const std::optional<crosscheck::Offset>& offset, bool isGood) {
+  return offset ? OffsetJson(*offset, isGood) : Json(nullptr);
 }
 
-Json NominalMountingJson(const std::optional<crosscheck::NominalMounting>& mounting) {
+Json NominalMountingJson(const std::optional<crosscheck::NominalMounting>& mounting, bool isGood) {
   if (!mounting) {
     return nullptr;
   }
-  Json json = OffsetJson(static_cast<const crosscheck::Offset&>(*mounting));
+  Json json = OffsetJson(static_cast<const crosscheck::Offset&>(*mounting), isGood);
   json["pScaleFree"] = NumberJson(mounting->pScaleFree);
   json["likelyMistake"] =
       mounting->likelyMistake ? Json(Name(*mounting->likelyMistake)) : Json(nullptr);
@@ -211,6 +214,14 @@ Json PhotographsJson(const Report& report) {
   return photographs;
 }
 
+Json CountsJson(const PhotographList& list) {
+  return {
+      {"all", list.size()},
+      {"used", IsCounted(list) ? Json(CountInState(list, PhotographState::kUsed)) : Json(nullptr)},
+      {"text", CountText(list)},
+      {"others", OthersText(list)}};
+}
+
 Json Exports(const Report& report) {
   Json exports = Json::object();
   for (const EngineExport& engineExport : report.exports) {
@@ -254,12 +265,16 @@ Json InputsJson(const Inputs& inputs) {
       {"mountingReported", mounting ? MountingJson(ToReportedAxes(*mounting)) : Json(nullptr)},
       {"mountingAxes", inputs.hasReportedMountingAxes ? "reported" : "fixed"},
       {"invertTrackerQuaternions", inputs.invertTrackerQuaternions},
+      {"goodEnough", {{"mm", inputs.goodEnough.mm}, {"degrees", inputs.goodEnough.degrees}}},
+      {"scaleUncertainty", inputs.scaleUncertainty},
       {"expectedRecords", inputs.expectedRecords ? Json(*inputs.expectedRecords) : Json(nullptr)},
   };
 }
 
-Json CrossCheckJson(const crosscheck::CrossCheck& check,
-                    const std::vector<std::string>& photographs) {
+Json CrossCheckJson(const Report& report) {
+  const crosscheck::CrossCheck& check = *report.crossCheck;
+  const std::vector<std::string> photographs = CheckedNames(report.photographs);
+  const bool isGood = report.verdict.level == Level::kGood;
   const crosscheck::LensErrors& lens = check.lens;
   Json json = {{"solved", check.solved}, {"photographs", check.photographs}, {"used", check.used}};
   json["transformCamTc"] = RowByRow(check.Transform_Cam_Tc);
@@ -268,6 +283,8 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["covarianceTrChartTwist"] = Rows(check.covarianceTrChartTwist);
   json["standardErrorCamTc"] = StandardErrorJson(check.standardErrorCamTc);
   json["standardErrorTrChart"] = StandardErrorJson(check.standardErrorTrChart);
+  json["standardErrorCamTcByNoise"] = StandardErrorJson(check.standardErrorCamTcByNoise);
+  json["standardErrorCamTcByClusters"] = StandardErrorJson(check.standardErrorCamTcByClusters);
   json["t95"] = NumberJson(check.t95);
   json["comparison"] = {{"camTc", ComparisonJson(check.comparisonCamTc)},
                         {"trChart", ComparisonJson(check.comparisonTrChart)}};
@@ -281,15 +298,18 @@ Json CrossCheckJson(const crosscheck::CrossCheck& check,
   json["mounting"] = check.mounting ? MountingJson(*check.mounting) : Json(nullptr);
   json["mountingReported"] =
       check.mounting ? MountingJson(ToReportedAxes(*check.mounting)) : Json(nullptr);
-  json["nominalMounting"] = NominalMountingJson(check.nominalMounting);
-  json["library"] = OffsetJson(check.library);
+  json["nominalMounting"] = NominalMountingJson(check.nominalMounting, isGood);
+  json["library"] = OffsetJson(check.library, isGood);
   json["diversity"] = {{"amplification", NumberJson(check.diversity.amplification)},
                        {"weakestAxisInChart", RowByRow(check.diversity.weakestAxisInChart)}};
+  json["scale"] = {{"uncertainty", NumberJson(check.scale.uncertainty)},
+                   {"mmPerPermille", NumberJson(check.scale.mmPerPermille)},
+                   {"degreesPerPermille", NumberJson(check.scale.degreesPerPermille)}};
   json["square"] = {{"factor", NumberJson(check.square.factor)},
                     {"standardError", NumberJson(check.square.standardError)},
                     {"p", NumberJson(check.square.p)}};
   json["step"] = StepJson(check.step, photographs);
-  json["halves"] = OffsetJson(check.halves);
+  json["halves"] = OffsetJson(check.halves, isGood);
   json["onScreen"] = OnScreenJson(check.onScreen);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
   json["photographsToHalve"] =
@@ -319,13 +339,12 @@ Json RunJson(const Report& report) {
       {"translationSpreadMetres", NumberJson(record.spread)},
       {"limits", LimitsJson(outputs)},
       {"photographs", PhotographsJson(report)},
+      {"photographCounts", CountsJson(report.photographs)},
       {"exports", Exports(report)},
       {"inputs", InputsJson(report.inputs)},
       {"time", record.time},
       {"log", run.log.u8string()},
-      {"crossCheck", report.crossCheck
-                         ? CrossCheckJson(*report.crossCheck, CheckedNames(report.photographs))
-                         : Json(nullptr)},
+      {"crossCheck", report.crossCheck ? CrossCheckJson(report) : Json(nullptr)},
       {"versions", {{"library", record.libraryVersion}, {"program", TRACKEDCAM_VERSION}}},
   };
 }

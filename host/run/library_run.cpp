@@ -78,6 +78,14 @@ void NameAsGiven(std::vector<Photograph>& photographs, const std::vector<DataRow
 
 }  // namespace
 
+// The last line of a complete log says how the call ended, except after an exception or wrong use.
+bool HasCompleteRecord(const LibraryRun& run) {
+  if (!run.code || *run.code < 0) {
+    return true;
+  }
+  return *run.code == 0 ? run.record.isSuccessful : run.record.errorCode == run.code;
+}
+
 LibraryRun RunLibrary(const Inputs& inputs, const std::vector<DataRow>& rows,
                       const Mounting& mounting, const std::filesystem::path& folder,
                       const ProgressListener& listener) {

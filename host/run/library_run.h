@@ -26,6 +26,10 @@ struct LibraryRun {
   std::string stoppedAt;  // where an exception ended the call, such as "row 7, photos/a.jpg"
 };
 
+/// Whether the log says how the call ended, so that the record holds all of it. A full disk cuts
+/// the log, and the call goes on.
+bool HasCompleteRecord(const LibraryRun& run);
+
 /// Calls the library on this thread and follows its log. The library itself writes to the standard
 /// output of the process as well; nothing here reads or changes that.
 /// @param rows Those to calibrate with. The library reads a copy of them in `folder`.

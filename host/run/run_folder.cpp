@@ -181,6 +181,9 @@ void WriteRunConfig(const Inputs& inputs, const std::optional<Mounting>& mountin
     add("chart-translation", NumbersText(mounting->translationMetres));
   }
   add("invert-tracker-quaternions", inputs.invertTrackerQuaternions ? "true" : "false");
+  add("good-enough",
+      '"' + Shortest(inputs.goodEnough.mm) + "mm," + Shortest(inputs.goodEnough.degrees) + "deg\"");
+  add("scale-uncertainty", '"' + Shortest(100 * inputs.scaleUncertainty) + "%\"");
   if (inputs.expectedRecords) {
     add("expected-records", std::to_string(*inputs.expectedRecords));
   }

@@ -13,7 +13,8 @@ crosscheck::TrackerPose PoseAt(const std::array<double, 15>& row, std::size_t be
 
 crosscheck::Photograph PhotographOf(const Photograph& photograph) {
   const RawData& raw = *photograph.raw;
-  crosscheck::Photograph observed = {photograph.path, PoseAt(raw.row, 1), PoseAt(raw.row, 8), {}};
+  crosscheck::Photograph observed = {
+      photograph.path, PoseAt(raw.row, 1), PoseAt(raw.row, 8), raw.row[0], {}};
   for (const auto& corner : raw.corners) {
     observed.corners.emplace_back(corner[0], corner[1]);
   }
@@ -42,8 +43,15 @@ struct ToHost {
     finding.photographs = {photographs.at(moved.before)};
   }
 
+  void operator()(const crosscheck::TrackerLoose& loose) const {
+    finding.kind = loose;
+    for (const std::size_t index : loose.photographs) {
+      finding.photographs.push_back(photographs.at(index));
+    }
+  }
+
   void operator()(const crosscheck::BadPhotographs& bad) const {
-    BadPhotographs kind = {bad.share, {}};
+    BadPhotographs kind = {bad.share, {}, crossCheck.used >= kLeastPhotographs};
     for (const std::size_t index : bad.photographs) {
       const crosscheck::PerPhotograph& photograph = crossCheck.perPhotograph.at(index);
       kind.disagreements.push_back(
@@ -57,8 +65,9 @@ struct ToHost {
 
 }  // namespace
 
-std::optional<crosscheck::Observations> ObservationsOf(
-    const RunRecord& record, const std::optional<crosscheck::Mounting>& mounting) {
+std::optional<crosscheck::Observations> ObservationsOf(const LibraryRun& run,
+                                                       const Inputs& inputs) {
+  const RunRecord& record = run.record;
   if (!record.board || !record.lens) {
     return std::nullopt;
   }
@@ -81,9 +90,14 @@ std::optional<crosscheck::Observations> ObservationsOf(
     }
   }
   observations.invertTrackerQuaternions = record.invertsQuaternions;
-  observations.mounting = mounting;
-  if (record.transformCamTc.size() == 16) {
-    observations.library = TransformOf(record.transformCamTc);
+  observations.mounting = inputs.mounting;
+  observations.goodEnough = inputs.goodEnough;
+  observations.scaleUncertainty = inputs.scaleUncertainty;
+  // As in the log, so that a log gives the same; a log that is cut short may lack it.
+  const std::vector<double>& transform =
+      record.transformCamTc.size() == 16 ? record.transformCamTc : run.outputs.transformCamTc;
+  if (transform.size() == 16) {
+    observations.library = TransformOf(transform);
   }
   return observations;
 }

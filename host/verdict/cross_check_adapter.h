@@ -9,15 +9,15 @@
 #include "crosscheck/observations.h"
 #include "crosscheck/result.h"
 #include "host/findings/finding.h"
-#include "host/run/run_log_reader.h"
+#include "host/input/inputs.h"
+#include "host/run/library_run.h"
 
 namespace trackedcam::host {
 
 /// The input of the cross-check from the log of a run: the photographs in which the board was
 /// found. Empty if the log ends before the lens, or does not have the form that the library writes.
-/// @param mounting As it was stated; empty if not known.
-std::optional<crosscheck::Observations> ObservationsOf(
-    const RunRecord& record, const std::optional<crosscheck::Mounting>& mounting);
+/// @param inputs For what the log does not have: the mounting and what is good enough.
+std::optional<crosscheck::Observations> ObservationsOf(const LibraryRun& run, const Inputs& inputs);
 
 /// The findings of the cross-check with the names of the photographs, the worst first.
 /// @param photographs The names of those that were checked, in their order.

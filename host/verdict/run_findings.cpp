@@ -10,12 +10,9 @@ namespace {
 
 constexpr std::size_t kFewPhotographs = 8;
 
-// The last line of a complete log says how the run ended.
 bool IsLogComplete(const LibraryRun& run) {
-  const bool saysTheEnd = *run.code == kSuccess ? run.record.isSuccessful
-                                                : *run.code < 0 || run.record.errorCode == run.code;
   std::error_code error;
-  return saysTheEnd && std::filesystem::is_regular_file(run.log, error);
+  return HasCompleteRecord(run) && std::filesystem::is_regular_file(run.log, error);
 }
 
 std::size_t Seen(const RunRecord& record) {
@@ -26,14 +23,21 @@ std::size_t Seen(const RunRecord& record) {
 
 }  // namespace
 
-std::vector<Finding> FindingsOf(const LibraryRun& run) {
+std::vector<Finding> FindingsOf(const LibraryRun& run,
+                                const std::optional<crosscheck::CrossCheck>& check) {
   std::vector<Finding> findings;
   const RunRecord& record = run.record;
   const std::size_t used = UsedPhotographs(record).size();
   const std::size_t seen = Seen(record);
   // The filter alone may leave almost nothing of a shoot, which is still a success to the library.
-  if (IsUsable(run) && (used < kFewPhotographs || 3 * used < seen)) {
-    findings.push_back({Severity::kWarning, FewUsed{used, seen}, {}});
+  if (IsUsable(run) && HasCompleteRecord(run) && (used < kFewPhotographs || 3 * used < seen)) {
+    FewUsed few = {used, seen, {}};
+    if (check && check->solved) {
+      few.agree = check->used;
+    }
+    // Of photographs that all agree the filter leaves half, and by chance a third.
+    const bool doMostDisagree = used + few.agree.value_or(used) < seen;
+    findings.push_back({doMostDisagree ? Severity::kError : Severity::kWarning, few, {}});
   }
   if (run.code == kTooFewPhotographs && record.board && IsBoardNowhere(record)) {
     findings.push_back(

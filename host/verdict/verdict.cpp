@@ -92,14 +92,27 @@ Verdict VerdictOfLibrary(const LibraryRun& run) {
 }
 
 // The number of photographs belongs to every result.
-std::string FromPhotographs(const RunRecord& record, std::size_t rows) {
-  return ", from " + std::to_string(UsedPhotographs(record).size()) + " of " +
-         std::to_string(rows) + " photographs.";
+std::string FromPhotographs(const PhotographList& list) {
+  if (!IsCounted(list)) {
+    return ".";
+  }
+  return ", from " + std::to_string(CountInState(list, PhotographState::kUsed)) + " of " +
+         std::to_string(list.size()) + " photographs.";
 }
 
 void AddFinding(Verdict& verdict, const Finding& finding) {
   verdict.message = verdict.summary + ' ' + Text(finding);
   verdict.advice = Advice(finding);
+}
+
+// Instead of a second run that would end with too few.
+void AdviseMorePhotographs(Verdict& verdict, const std::vector<Finding>& findings) {
+  for (const Finding& finding : findings) {
+    if (std::holds_alternative<TooFewAgree>(finding.kind)) {
+      verdict.advice = Advice(finding);
+      verdict.nextStep = NextStep::kNone;
+    }
+  }
 }
 
 }  // namespace
@@ -152,10 +165,11 @@ bool IsUsable(const LibraryRun& run) {
                      [](double number) { return std::isfinite(number); });
 }
 
-Verdict VerdictOf(const LibraryRun& run, std::size_t rows, const std::vector<Finding>& findings) {
+Verdict VerdictOf(const LibraryRun& run, const PhotographList& photographs,
+                  const std::vector<Finding>& findings) {
   Verdict verdict = VerdictOfLibrary(run);
   if (verdict.level == Level::kGood) {
-    verdict.summary += FromPhotographs(run.record, rows);
+    verdict.summary += FromPhotographs(photographs);
     verdict.message = verdict.summary;
   }
   if (findings.empty() || findings.front().severity == Severity::kNote) {
@@ -168,11 +182,16 @@ Verdict VerdictOf(const LibraryRun& run, std::size_t rows, const std::vector<Fin
   }
   if (verdict.level != Level::kFailed) {
     verdict.level = isError ? Level::kWrong : Level::kDoubtful;
-    verdict.summary = std::string("Calibrated, but the result is ") +
-                      (isError ? "wrong" : "doubtful") + FromPhotographs(run.record, rows);
+    const bool isUnchecked = std::any_of(findings.begin(), findings.end(), IsUnchecked);
+    verdict.summary = std::string("Calibrated, but the result ") +
+                      (isError       ? "is wrong"
+                       : isUnchecked ? "cannot be checked"
+                                     : "is doubtful") +
+                      FromPhotographs(photographs);
   }
   AddFinding(verdict, worst);
   verdict.nextStep = CanRefine(worst) ? NextStep::kRefineMounting : NextStep::kNone;
+  AdviseMorePhotographs(verdict, findings);
   return verdict;
 }
 
@@ -185,6 +204,7 @@ Verdict VerdictWithoutMounting(const LibraryRun& run, const std::vector<Finding>
       "State the mounting, or shoot more photographs.");
   if (!findings.empty() && findings.front().severity != Severity::kNote) {
     AddFinding(verdict, findings.front());
+    AdviseMorePhotographs(verdict, findings);
   } else if (!run.code || codes.count(*run.code) == 0) {
     const Verdict ofRun = VerdictOfLibrary(run);  // such as too few photographs
     verdict.summary += ' ' + ofRun.message;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/findings/finding.h"
+#include "host/photograph_list.h"
 #include "host/run/calibration_outputs.h"
 #include "host/run/library_run.h"
 
@@ -65,9 +66,10 @@ bool IsUsable(int code);
 bool IsUsable(const LibraryRun& run);
 
 /// The verdict on a run. An error or a warning among the findings overrides the library's success.
-/// @param rows Of the data file, also those that the library was not given.
+/// @param photographs All of the shoot, also those that the library was not given.
 /// @param findings The worst first.
-Verdict VerdictOf(const LibraryRun& run, std::size_t rows, const std::vector<Finding>& findings);
+Verdict VerdictOf(const LibraryRun& run, const PhotographList& photographs,
+                  const std::vector<Finding>& findings);
 
 /// The verdict on a run that was given zeros for a mounting that is not known, if no second run
 /// followed: it failed, whatever its code.

@@ -191,6 +191,10 @@ typedef struct trackedcam_settings {
   /// Required: folder for logs and reprojected images. It is created if it does not exist. Each run
   /// creates a subfolder run_001, run_002 and so on.
   const char* log_folder;
+  double good_enough_mm;   ///< How far off the result may be without a doubt; default: 2.
+  double good_enough_deg;  ///< The same for its rotation; default: 0.2.
+  /// How accurately the edge of the squares is known against the trackers' lengths; default: 0.1.
+  double scale_uncertainty_percent;
 } trackedcam_settings;
 
 /// Sets all members to their defaults. Required members become 0 or NULL, with which no run starts.
@@ -279,8 +283,8 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_run_free(trackedcam_run* run);
 
 /// Cross-checks a calibration from the log that the library wrote, in any host.
 /// @param log_file Path of the log.
-/// @param settings For the mounting that the host passed to the library; the other members are
-///   ignored. NULL if the mounting is not known.
+/// @param settings For the mounting that the host passed to the library, and for what is good
+///   enough; the other members are ignored. NULL for the defaults, if the mounting is not known.
 /// @param[out] report Free it with trackedcam_report_free. It cannot be exported.
 /// @return TRACKEDCAM_OK or an error status.
 TRACKEDCAM_C_API trackedcam_status trackedcam_crosscheck(const char* log_file,

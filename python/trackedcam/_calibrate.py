@@ -114,7 +114,9 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
           chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
           tracker_axes: str = "reported", tracker_unit: Optional[str] = None,
           invert_tracker_quaternions: bool = False, expected_records: Optional[int] = None,
-          refine_mounting: bool = False, working_folder: Optional[Path] = None, silent: bool = False) -> Run:
+          refine_mounting: bool = False, good_enough: Sequence[float] = (2, 0.2),
+          scale_uncertainty_percent: float = 0.1,
+          working_folder: Optional[Path] = None, silent: bool = False) -> Run:
     """Starts to calibrate a shoot in the background and returns at once.
 
     Args:
@@ -132,6 +134,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
         invert_tracker_quaternions: the quaternions of the trackers are inverted.
         expected_records: number of rows that were recorded; None: do not check.
         refine_mounting: calibrate again if the cross-check finds another mounting or bad photographs.
+        good_enough: how far off the result may be without a doubt: millimetres and degrees, both above 0.
+        scale_uncertainty_percent: how accurately the edge of the squares is known against the trackers' lengths.
         working_folder: folder of relative paths of photographs; None: that of the data file, or the working
             directory for a Shoot.
         silent: discard the standard output of the whole process during the run. Otherwise the library writes each
@@ -150,6 +154,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     settings.tracker_unit = _index("tracker_unit", _UNITS, tracker_unit)
     settings.invert_tracker_quaternions = bool(invert_tracker_quaternions)
     settings.refine_mounting = bool(refine_mounting)
+    settings.good_enough_mm, settings.good_enough_deg = _floats(good_enough, 2)
+    settings.scale_uncertainty_percent = scale_uncertainty_percent
     settings.silent = bool(silent)
     if expected_records is not None:
         # For the library, -1 means: do not check.
@@ -196,20 +202,24 @@ def calibrate(data: Union[Path, Shoot], *, progress: Union[Listener, bool, None]
 
 
 def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = None,
-               chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed") -> Report:
+               chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
+               good_enough: Sequence[float] = (2, 0.2), scale_uncertainty_percent: float = 0.1) -> Report:
     """Cross-checks a calibration from the log that the library wrote, in any host.
 
     Args:
         log: the log file.
         chart_rotation_deg, chart_translation_m, mounting_axes: the mounting that the host passed to the library, as
             for start; None if it is not known.
+        good_enough, scale_uncertainty_percent: as for start.
 
     Raises:
-        InputError: the file is not the log of a calibration.
+        InputError: the file is not the log of a calibration, or a value is invalid.
     """
     settings = _library.Settings()
     call("trackedcam_settings_init", ctypes.byref(settings), ctypes.sizeof(settings))
     _state_mounting(settings, chart_rotation_deg, chart_translation_m, mounting_axes)
+    settings.good_enough_mm, settings.good_enough_deg = _floats(good_enough, 2)
+    settings.scale_uncertainty_percent = scale_uncertainty_percent
     handle = Handle("trackedcam_report_free")
     call("trackedcam_crosscheck", encoded(log), ctypes.byref(settings), ctypes.byref(handle.pointer))
     return Report(handle)

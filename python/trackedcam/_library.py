@@ -44,6 +44,9 @@ class Settings(ctypes.Structure):
         ("reserved", c_int32),
         ("working_folder", c_char_p),
         ("log_folder", c_char_p),
+        ("good_enough_mm", c_double),
+        ("good_enough_deg", c_double),
+        ("scale_uncertainty_percent", c_double),
     ]
 
 

@@ -82,6 +82,28 @@ TEST(OptionValues, TangentialDistortionHasTwoNumbers) {
   }
 }
 
+TEST(OptionValues, GoodEnoughIsInMillimetresAndDegrees) {
+  for (const char* text : {"2mm,0.2deg", "2,0.2", " 2 mm , 0.2 deg "}) {
+    const host::Accuracy goodEnough = ParseGoodEnough("", text);
+    EXPECT_EQ(goodEnough.mm, 2) << text;
+    EXPECT_EQ(goodEnough.degrees, 0.2) << text;
+  }
+  for (const char* text : {"", "2mm", "2mm,", "2cm,0.2deg", "0,0.2", "2,-1", "2,0.2,1", "inf,1"}) {
+    EXPECT_EQ(ErrorOf(ParseGoodEnough, text),
+              "--option: " + std::string(text) + " is not MM,DEGREES, such as 2mm,0.2deg");
+  }
+}
+
+TEST(OptionValues, APercentageMayHaveItsSign) {
+  EXPECT_DOUBLE_EQ(ParsePercent("", "0.1%"), 0.001);
+  EXPECT_DOUBLE_EQ(ParsePercent("", "0.5"), 0.005);
+  EXPECT_DOUBLE_EQ(ParsePercent("", "0"), 0);
+  for (const char* text : {"", "%", "-0.1%", "11%", "nan", "0.1 mm"}) {
+    EXPECT_EQ(ErrorOf(ParsePercent, text),
+              "--option: " + std::string(text) + " is not a percentage from 0 to 10, such as 0.1%");
+  }
+}
+
 TEST(OptionValues, TranslationMayHaveUnits) {
   EXPECT_THAT(ParseTranslation("", "0.1,-0.05,0.02"), ElementsAre(0.1, -0.05, 0.02));
   EXPECT_THAT(ParseTranslation("", "100mm,-50mm,20mm"), ElementsAre(0.1, -0.05, 0.02));

@@ -1,5 +1,6 @@
 #include "app/terminal/summary.h"
 
+#include <cmath>
 #include <iterator>
 #include <memory>
 #include <sstream>
@@ -29,6 +30,7 @@ Report GoodReport() {
   Report report;
   report.inputs.data = "/shoot/tracker_data.csv";
   report.run.code = 0;
+  report.run.record.isSuccessful = true;
   report.verdict.level = Level::kGood;
   report.verdict.message = report.verdict.summary = "Success.";
   report.verdict.advice = "Export it.";
@@ -137,9 +139,22 @@ TEST(Summary, NamesUnusedPhotographsButNotThoseOfTheFilter) {
   report.run.record.photographs.push_back({"c.jpg", host::DropReason::kOutlier, std::nullopt});
   List(report);
   const std::string summary = SummaryOf(report);
-  EXPECT_THAT(summary, HasSubstr("\nPhotographs: 1 of 3 used, 1 left out by the outlier filter"));
+  EXPECT_THAT(summary, HasSubstr("\nPhotographs: " + CountText(report.photographs) +
+                                 " (about half is normal)\n"));
   EXPECT_THAT(summary, HasSubstr("b.jpg (board not found)\n"));
   EXPECT_THAT(summary, Not(HasSubstr("c.jpg")));
+}
+
+TEST(Summary, CallsHalfNormalOnlyWhereItIsHalf) {
+  Report report = GoodReport();
+  for (const std::size_t filtered : {0U, 3U, 10U}) {
+    report.run.record.photographs.assign(5, {"a.jpg", std::nullopt, std::nullopt});
+    for (std::size_t i = 0; i < filtered; ++i) {
+      report.run.record.photographs.push_back({"c.jpg", host::DropReason::kOutlier, std::nullopt});
+    }
+    List(report);
+    EXPECT_EQ(CountOf("about half is normal", SummaryOf(report)), filtered == 3 ? 1U : 0U);
+  }
 }
 
 TEST(Summary, ShowsTheTruth) {
@@ -158,9 +173,20 @@ TEST(Summary, ShowsTheCrossCheck) {
   EXPECT_THAT(summary, HasSubstr(" 32 of 40 photographs\n"));
   EXPECT_EQ(Row(summary, "uncertainty of its transform"),
             Texts({"1.0", "mm", "0.09", "deg", "(95", "%)"}));
-  EXPECT_EQ(Row(summary, "the result differs by"), Texts({"18.5", "mm", "0.69", "deg", "certain"}));
+  EXPECT_EQ(Row(summary, "the result differs by"),
+            Texts({"18.5", "mm", "0.69", "deg", "certain,", "but", "good", "enough"}));
   EXPECT_EQ(Row(summary, "the stated mounting differs by"),
-            Texts({"27.0", "mm", "1.01", "deg", "likely"}));
+            Texts({"27.0", "mm", "1.01", "deg", "likely", "(p", "=", "0.020)"}));
+}
+
+TEST(Summary, OfTooLittleRotationKnowsNothing) {
+  Report report = CheckedReport();
+  report.crossCheck->library->p = std::nan("");
+  report.crossCheck->standardErrorCamTc.translationMm.setConstant(HUGE_VAL);
+  report.crossCheck->standardErrorCamTc.rotationDegrees.setConstant(HUGE_VAL);
+  const std::string summary = SummaryOf(report);
+  EXPECT_EQ(Row(summary, "uncertainty of its transform"), Texts({"not", "determined"}));
+  EXPECT_EQ(Row(summary, "the result differs by"), Texts({"cannot", "be", "checked"}));
 }
 
 TEST(Summary, OfACrossCheckWithoutSolutionHasNoUncertainty) {
@@ -284,7 +310,7 @@ TEST(Warning, IsTheFindingThatDecides) {
 
 TEST(Warning, NamesOutputsThatCouldNotBeWritten) {
   Report report = GoodReport();
-  report.findings = {{Severity::kWarning, host::NotRefined{"the disk is full"}, {}}};
+  report.findings = {{Severity::kWarning, host::NotRefined{"The disk is full.", "Make room."}, {}}};
   const std::string line = "trackedcam: warning: " + Text(report.findings[0]) + '\n';
   EXPECT_EQ(WarningOf(report), line);
   report.verdict = {Level::kDoubtful, "Doubtful. " + Text(report.findings[0]), "Doubtful.", ""};

@@ -31,6 +31,9 @@ int main(void) {
   AT(trackedcam_settings, reserved);
   AT(trackedcam_settings, working_folder);
   AT(trackedcam_settings, log_folder);
+  AT(trackedcam_settings, good_enough_mm);
+  AT(trackedcam_settings, good_enough_deg);
+  AT(trackedcam_settings, scale_uncertainty_percent);
   SIZE(trackedcam_progress);
   AT(trackedcam_progress, stage);
   AT(trackedcam_progress, photographs_done);

@@ -238,6 +238,8 @@ TEST_F(WrongUse, OfSettings) {
       [](Settings& s) { s.chart_rotation_deg[1] = std::numeric_limits<double>::infinity(); },
       [](Settings& s) { s.chart_translation_m[2] = std::numeric_limits<double>::quiet_NaN(); },
       [](Settings& s) { s.expected_records = -2; },
+      [](Settings& s) { s.good_enough_mm = 0; },
+      [](Settings& s) { s.good_enough_deg = std::numeric_limits<double>::quiet_NaN(); },
   };
   for (const auto change : impossible) {
     EXPECT_EQ(statusOf(change), TRACKEDCAM_BAD_INPUT) << trackedcam_last_error();

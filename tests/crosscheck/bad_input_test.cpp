@@ -42,6 +42,9 @@ TEST(BadInputTest, ABoardALensOrAMountingThatCannotBeIsRefused) {
   refused([](Observations& o) { o.lens.k2 = kNan; });
   refused([](Observations& o) { o.mounting->rotationDegrees[1] = kNan; });
   refused([](Observations& o) { o.mounting->translationMetres[2] = kInfinity; });
+  refused([](Observations& o) { o.library = Eigen::Matrix4d::Zero(); });
+  refused([](Observations& o) { o.library = 2 * Eigen::Matrix4d::Identity(); });
+  refused([](Observations& o) { o.goodEnough.mm = 0; });
   refused([](Observations& o) { o.photographs[3].corners.pop_back(); });
   refused([](Observations& o) { o.photographs[3].corners.clear(); });
 }

@@ -96,7 +96,7 @@ TEST(TrackerLoopTest, WhatIsNoPoseIsNone) {
 }
 
 TEST(ViewTest, SaysHowTheBoardStands) {
-  const auto board = BoardPoints(9, 6, 0.03);
+  const auto board = Board{9, 6, 0.03, {}}.Points();
   Pose pose(Eigen::AngleAxisd(30 * kDegree, Eigen::Vector3d::UnitY()));
   pose.translation() = Eigen::Vector3d(0, 0, 1) - pose.linear() * (0.5 * board.back());
   View view = ViewOf(pose, board);

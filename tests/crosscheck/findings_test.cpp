@@ -16,6 +16,7 @@ namespace trackedcam::crosscheck {
 namespace {
 
 using test::FortyNoisy;
+using test::FortyPhotographs;
 using test::Get;
 using test::KnownShoot;
 using test::MakeShoot;
@@ -126,15 +127,56 @@ TEST(FindingsTest, ADriftMakesTheHalvesDiffer) {
   EXPECT_NEAR(check.halves->offMm, 2.5, 1);  // the middles of the halves lie so far apart
 }
 
-TEST(FindingsTest, ALensThatIsLittleKnownIsAWarning) {
+// One limit for all: noisier trackers never get a better verdict than quiet ones.
+TEST(FindingsTest, AResultThatIsNotKnownWellEnoughIsAWarning) {
+  simulator::ShootOptions options = FortyNoisy(15);
+  options.trackerNoiseMm = 1;
+  options.trackerNoiseDegrees = 0.1;
+  simulator::Shoot far = simulator::SimulateShoot(options);
+  test::StepBack(far, 3);
+  KnownShoot shoot = MakeShoot(far, 0.02);
+  const CrossCheck check = CheckWithLibrary(shoot);
+  ASSERT_THAT(Reported(check), Contains("trackersUncertain warning"));
+  const auto& uncertain = Get<TrackersUncertain>(check);
+  EXPECT_GT(uncertain.found.mm, 2);
+  EXPECT_EQ(uncertain.found.mm, check.t95 * check.standardErrorCamTc.translationMm.maxCoeff());
+  EXPECT_EQ(uncertain.needed.mm, 2);
+  EXPECT_NEAR(std::hypot(uncertain.byLens.mm, uncertain.byTrackers.mm), uncertain.found.mm, 1e-9);
+  // From nearer, the same noise does less.
+  ASSERT_TRUE(uncertain.closerMetres);
+  EXPECT_LT(*uncertain.closerMetres, 0.7 * uncertain.distanceMetres);
+
+  shoot.observations.goodEnough = {1.01 * uncertain.found.mm, 0.5};
+  EXPECT_THAT(Reported(CheckWithLibrary(shoot)), Not(Contains("trackersUncertain warning")));
+}
+
+TEST(FindingsTest, ALensThatIsLittleKnownIsNamedAsTheCause) {
   simulator::ShootOptions options = FortyNoisy(9);
-  options.photographs = 12;
   options.trackerNoiseMm = 0.05;
   options.trackerNoiseDegrees = 0.01;
-  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, 0.5))),
-              Contains("lensUncertain warning"));
-  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, 0.02))),
-              Not(Contains("lensUncertain warning")));
+  simulator::Shoot far = simulator::SimulateShoot(options);
+  test::StepBack(far, 3);
+  const CrossCheck check = CheckWithLibrary(MakeShoot(far, 0.3));
+  ASSERT_THAT(Reported(check), Contains("lensUncertain warning"));
+  const auto& uncertain = Get<LensUncertain>(check);
+  EXPECT_GT(uncertain.byLens.mm, uncertain.byTrackers.mm);
+  EXPECT_TRUE(uncertain.closerMetres);
+}
+
+// Whoever needs half a millimetre must know of half of it.
+TEST(FindingsTest, AMountingThatIsCertainlyOffIsADoubtAtLeast) {
+  simulator::ShootOptions options = FortyPhotographs(16);
+  options.trackerNoiseMm = 0.05;
+  options.trackerNoiseDegrees = 0.01;
+  options.mountingErrorMm = 1.5;
+  KnownShoot shoot = MakeShoot(options, 0.02);
+  EXPECT_THAT(Reported(CheckWithLibrary(shoot)), ElementsAre("mountingOff warning"));
+  options.mountingErrorMm = 0.5;
+  shoot = MakeShoot(options, 0.02);
+  EXPECT_THAT(Reported(CheckWithLibrary(shoot)), IsEmpty());
+  shoot.observations.goodEnough = {0.5, 0.05};
+  shoot.observations.scaleUncertainty = 1e-5;  // the ruler must be as good
+  EXPECT_THAT(Reported(CheckWithLibrary(shoot)), ElementsAre("mountingOff warning"));
 }
 
 TEST(FindingsTest, NoisyTrackersAreAWarning) {
@@ -142,19 +184,24 @@ TEST(FindingsTest, NoisyTrackersAreAWarning) {
   options.trackerNoiseMm = 3;
   options.trackerNoiseDegrees = 0.3;
   const CrossCheck check = CheckWithLibrary(MakeShoot(options, 0.05));
-  EXPECT_THAT(Reported(check), ElementsAre("trackersNoisy warning"));
+  EXPECT_THAT(Reported(check), ElementsAre("trackersNoisy warning", "trackersUncertain warning"));
   EXPECT_NEAR(check.trackerNoiseMm, 3, 0.6);
   EXPECT_NEAR(check.trackerNoiseDegrees, 0.3, 0.06);
 }
 
-TEST(FindingsTest, AResultThatIsApartThoughTheMountingIsRightIsAWarning) {
+// The mounting is right, but one lost row can spoil the library's result.
+TEST(FindingsTest, AResultThatIsApartIsAnErrorFromTwoMillimetresOn) {
   KnownShoot shoot = MakeShoot(FortyNoisy(11), 0.05);
-  shoot.observations.library =
-      (shoot.Transform_Cam_Tc * Pose(Eigen::Translation3d(0.01, 0, 0))).matrix();
-  const CrossCheck check = Check(shoot.observations);
-  ASSERT_THAT(Reported(check), ElementsAre("libraryApart warning"));
+  const auto checkApart = [&](double metres) {
+    shoot.observations.library =
+        (shoot.Transform_Cam_Tc * Pose(Eigen::Translation3d(metres, 0, 0))).matrix();
+    return Check(shoot.observations);
+  };
+  const CrossCheck check = checkApart(0.01);
+  ASSERT_THAT(Reported(check), ElementsAre("libraryApart error"));
   EXPECT_NEAR(Get<LibraryApart>(check).offMm, 10, 1.5);
   EXPECT_FALSE(Get<LibraryApart>(check).mountingUnknown);
+  EXPECT_THAT(Reported(checkApart(0.0015)), ElementsAre("libraryApart warning"));
 }
 
 TEST(FindingsTest, AResultThatIsApartIsAnErrorWhereTheMountingIsNotKnown) {
@@ -172,8 +219,8 @@ TEST(FindingsTest, AResultThatIsApartIsAnErrorWhereTheMountingIsNotKnown) {
 TEST(FindingsTest, TooLittleTurningSuggestsNoMounting) {
   simulator::ShootOptions options = FortyNoisy(12);
   options.mountingErrorMm = 27;
-  for (const auto& [share, said] :
-       {std::pair(0.5, "tooLittleRotation warning"), std::pair(0.125, "tooLittleRotation error")}) {
+  for (const auto& [share, said] : {std::pair(0.5, "tooLittleRotation warning"),
+                                    std::pair(0.125, "tooLittleRotation warning")}) {
     simulator::Shoot simulated = simulator::SimulateShoot(options);
     test::TurnLess(simulated, share);
     const CrossCheck check = CheckWithLibrary(MakeShoot(simulated, 0.05));
@@ -183,6 +230,26 @@ TEST(FindingsTest, TooLittleTurningSuggestsNoMounting) {
       EXPECT_THAT(Reported(check), Not(Contains("mountingOff error")));
     }
   }
+}
+
+// The result may be exact: it cannot be checked.
+TEST(FindingsTest, NothingIsCertainWithTooLittleTurning) {
+  simulator::ShootOptions options = FortyNoisy(12);
+  options.mountingErrorMm = 27;
+  simulator::Shoot simulated = simulator::SimulateShoot(options);
+  test::TurnLess(simulated, 0.125);
+  const CrossCheck check = CheckWithLibrary(MakeShoot(simulated, 0.05));
+  for (const Finding& finding : check.findings) {
+    EXPECT_NE(finding.severity, Severity::kError) << Name(finding.kind);
+  }
+  EXPECT_GT(check.diversity.amplification, kMostAmplification);
+  EXPECT_TRUE(std::isnan(check.library->p));
+  EXPECT_TRUE(std::isnan(check.nominalMounting->p));
+  EXPECT_EQ(check.nominalMounting->likelyMistake, std::nullopt);
+  EXPECT_FALSE(check.standardErrorCamTc.translationMm.allFinite());
+  EXPECT_FALSE(check.comparisonCamTc.isCompared);
+  EXPECT_TRUE(std::isnan(check.comparisonCamTc.translation[0].found));
+  EXPECT_THAT(check.onScreen, IsEmpty());
 }
 
 // By the definition of the amplification: the largest singular value of the mean rotation.

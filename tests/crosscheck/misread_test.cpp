@@ -97,6 +97,20 @@ TEST(MisreadTest, EachReadingIsNamed) {
   }
 }
 
+// About one axis only, positions in millimetres may fit better than those in metres.
+TEST(MisreadTest, NothingIsNamedOfAChartOnATurntable) {
+  for (std::uint64_t seed = 1; seed <= 8; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    simulator::ShootOptions options = test::FortyNoisy(seed);
+    options.turntable = true;
+    const CrossCheck check = Check(test::MakeShoot(options, 0.05).observations);
+    for (const Finding& finding : check.findings) {
+      EXPECT_FALSE(std::holds_alternative<MisreadRows>(finding.kind));
+      EXPECT_NE(finding.severity, Severity::kError) << Name(finding.kind);
+    }
+  }
+}
+
 // What is stated instead of the true mounting.
 struct Misstatement {
   MountingMistake mistake;

@@ -3,7 +3,7 @@
 #include <Eigen/Geometry>
 #include <gmock/gmock.h>
 
-#include "crosscheck/chart_pose.h"
+#include "crosscheck/corner_model.h"
 #include "simulator/lens.h"
 #include "support/transform_matchers.h"
 
@@ -12,36 +12,38 @@ namespace {
 
 using test::IsNear;
 
-const Lens kLens = {1920, 1080, 1500, 1510, 950, 545, -0.12, 0.03};
-const simulator::Lens kTruth = {1500, 1510, 950, 545, -0.12, 0.03};
+const Lens kLens = {1920, 1080, 1500, 1510, 950, 545, -0.12, 0.03, 0.002, -0.001, 0.01};
+const simulator::Lens kTruth = {1500, 1510, 950, 545, -0.12, 0.03, 0.002, -0.001, 0.01};
 const Eigen::Vector3d kPoints[] = {{0, 0, 1}, {0.3, -0.2, 1.1}, {-0.6, 0.35, 0.9}, {1, 1, 4}};
 
 TEST(ProjectionTest, ShowsPointsWhereTheSimulatorDoes) {
   for (const Eigen::Vector3d& point : kPoints) {
     EXPECT_THAT(Project(kLens, point), IsNear(kTruth.Project(point), 1e-10));
-    EXPECT_THAT(ProjectWithDerivatives(kLens, point).pixel, IsNear(kTruth.Project(point), 1e-10));
+    EXPECT_THAT(ProjectWithDerivative(kLens, point).pixel, IsNear(kTruth.Project(point), 1e-10));
   }
 }
 
 TEST(ProjectionTest, DerivativesAreThoseOfDifferences) {
   for (const Eigen::Vector3d& point : kPoints) {
-    const Projection projection = ProjectWithDerivatives(kLens, point);
+    const Projection projection = ProjectWithDerivative(kLens, point);
     for (int axis = 0; axis < 3; ++axis) {
       const Eigen::Vector3d step = 1e-6 * Eigen::Vector3d::Unit(axis);
       const Eigen::Vector2d difference =
           (kTruth.Project(point + step) - kTruth.Project(point - step)) / 2e-6;
       EXPECT_THAT(projection.byPoint.col(axis), IsNear(difference, 1e-4));
     }
-    double simulator::Lens::*const values[] = {&simulator::Lens::fx, &simulator::Lens::fy,
-                                               &simulator::Lens::cx, &simulator::Lens::cy,
-                                               &simulator::Lens::k1, &simulator::Lens::k2};
-    for (int k = 0; k < 6; ++k) {
+    double simulator::Lens::*const values[] = {
+        &simulator::Lens::fx, &simulator::Lens::fy, &simulator::Lens::cx,
+        &simulator::Lens::cy, &simulator::Lens::k1, &simulator::Lens::k2,
+        &simulator::Lens::p1, &simulator::Lens::p2, &simulator::Lens::k3};
+    const auto byLens = PixelByLens(kLens, point);
+    for (int k = 0; k < kAllLensParameters; ++k) {
       simulator::Lens more = kTruth;
       simulator::Lens less = kTruth;
       more.*values[k] += 1e-5;
       less.*values[k] -= 1e-5;
       const Eigen::Vector2d difference = (more.Project(point) - less.Project(point)) / 2e-5;
-      EXPECT_THAT(projection.byLens.col(k), IsNear(difference, 1e-4)) << "value " << k;
+      EXPECT_THAT(byLens.col(k), IsNear(difference, 1e-4)) << "value " << k;
     }
   }
 }
@@ -57,12 +59,13 @@ TEST(ProjectionTest, ARayIsSeenAtItsPixel) {
   const auto centre = Ray(kLens, {950, 545});
   ASSERT_TRUE(centre);
   EXPECT_EQ(*centre, Eigen::Vector2d::Zero());
+  EXPECT_FALSE(Ray(kLens, {std::nan(""), 545}));
 }
 
 TEST(ProjectionTest, ThereIsNoRayBeyondTheFold) {
   Lens folding = kLens;
   folding.k1 = -1;
-  folding.k2 = 0;
+  folding.k2 = folding.k3 = folding.p1 = folding.p2 = 0;
   // Radius r (1 - r²) is 0.385 at most.
   EXPECT_TRUE(Ray(folding, {950 + 0.37 * 1500, 545}));
   EXPECT_FALSE(Ray(folding, {950 + 0.40 * 1500, 545}));

@@ -190,7 +190,9 @@ TEST(StartTest, TheDistanceOfBoardsIsThatOfTheirCorners) {
   const Pose& b = evidence.loops[1].Transform_Cam_Chart;
   double squares = 0;
   for (const std::size_t corner : {0U, 8U, 45U, 53U}) {
-    squares += 0.25 * (a * evidence.board[corner] - b * evidence.board[corner]).squaredNorm();
+    squares +=
+        0.25 *
+        (a * evidence.corners.board[corner] - b * evidence.corners.board[corner]).squaredNorm();
   }
   EXPECT_NEAR(BoardDistance(evidence).Squared(a, b), squares, 1e-12);
 }

@@ -79,7 +79,7 @@ std::string Utf16(const std::string& text) {
 }
 
 std::vector<Finding> FindingsOf(const std::string& content) {
-  return CheckData(content, ReadRows(content));
+  return CheckData(content, ReadRows(content)).findings;
 }
 
 // The clean rows after a change to each that is named, by number from 1.
@@ -194,22 +194,22 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Fields, DataFault,
-    testing::Values(Fault{"a nan", Changed({3}, Set(4, "nan")), "noNumber", Severity::kError,
+    testing::Values(Fault{"a nan", Changed({3}, Set(4, "nan")), "noNumber", Severity::kNote,
                           R"({"rows": 1, "firstRow": 4, "field": 5})"},
                     Fault{"a value without bounds", Changed({3, 5}, Set(4, "-1e200")), "tooLarge",
-                          Severity::kError, R"({"rows": 2, "firstRow": 4, "field": 5})"},
+                          Severity::kNote, R"({"rows": 2, "firstRow": 4, "field": 5})"},
                     Fault{"an infinity", Changed({3}, Set(15, " -inf")), "noNumber",
-                          Severity::kError, R"({"rows": 1, "firstRow": 4, "field": 16})"},
-                    Fault{"texts", Changed({3, 9}, Set(5, "1.2m")), "noNumber", Severity::kWarning,
+                          Severity::kNote, R"({"rows": 1, "firstRow": 4, "field": 16})"},
+                    Fault{"texts", Changed({3, 9}, Set(5, "1.2m")), "noNumber", Severity::kNote,
                           R"({"rows": 2, "firstRow": 4, "field": 6})"},
                     Fault{"a row cut short", Changed({3}, [](Row& row) { row.resize(10); }),
-                          "missingFields", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                          "missingFields", Severity::kNote, R"({"rows": 1, "firstRow": 4})"},
                     Fault{"a column less", AllChanged([](Row& row) { row.pop_back(); }),
                           "missingFields", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
-                    Fault{"empty fields", Changed({1, 2, 3, 4, 5}, Set(7, " ")), "missingFields",
-                          Severity::kWarning, R"({"rows": 5, "firstRow": 2})"},
+                    Fault{"empty fields", Changed({1, 2, 3, 4, 5, 6, 7}, Set(7, " ")),
+                          "missingFields", Severity::kWarning, R"({"rows": 7, "firstRow": 2})"},
                     Fault{"an empty path", Changed({3}, Set(1, "")), "missingFields",
-                          Severity::kWarning, R"({"rows": 1, "firstRow": 4})"}));
+                          Severity::kNote, R"({"rows": 1, "firstRow": 4})"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Poses, DataFault,
@@ -218,21 +218,24 @@ INSTANTIATE_TEST_SUITE_P(
                     Fault{"centimetres", ScaledPositions(100, 4), "lengthUnit", Severity::kError,
                           R"({"metres": 100})"},
                     Fault{"a zero quaternion", Changed({3}, SetPose(5, Row(4, "0.000"))),
-                          "zeroQuaternion", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                          "zeroQuaternion", Severity::kNote, R"({"rows": 1, "firstRow": 4})"},
                     Fault{"zero quaternions only", AllChanged(SetPose(12, Row(4, "0"))),
                           "zeroQuaternion", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
                     Fault{"a long quaternion", Changed({3}, SetPose(5, {"1", "1", "0", "0"})),
                           "quaternionLength", Severity::kWarning,
                           R"({"rows": 1, "firstRow": 4, "length": 1.4142135623730951})"},
                     Fault{"lost tracking", Changed({3, 7, 8, 9}, SetPose(2, kZeros)),
-                          "lostTracking", Severity::kWarning, R"({"rows": 4, "firstRow": 4})"},
+                          "lostTracking", Severity::kNote, R"({"rows": 4, "firstRow": 4})"},
                     Fault{"lost, reported without rotation",
-                          Changed({3}, SetPose(9, {"0", "0", "0", "1", "0", "0", "0"})),
-                          "lostTracking", Severity::kWarning, R"({"rows": 1, "firstRow": 4})"},
+                          Changed({3, 4}, SetPose(9, {"0", "0", "0", "1", "0", "0", "0"})),
+                          "lostTracking", Severity::kNote, R"({"rows": 2, "firstRow": 4})"},
+                    Fault{"lost so often that too few rows are left",
+                          Changed({1, 2, 3, 4, 5, 6, 7, 8, 9}, SetPose(2, kZeros)), "lostTracking",
+                          Severity::kError, R"({"rows": 9, "firstRow": 2})"},
                     Fault{"a frozen camera", Changed({4, 5}, SetPose(2, PoseText(3))), "frozenPose",
-                          Severity::kWarning, R"({"rows": 2, "firstRow": 5, "tracker": "camera"})"},
+                          Severity::kNote, R"({"rows": 2, "firstRow": 5, "tracker": "camera"})"},
                     Fault{"a frozen chart", Changed({4}, SetPose(9, PoseText(27))), "frozenPose",
-                          Severity::kWarning, R"({"rows": 1, "firstRow": 5, "tracker": "chart"})"},
+                          Severity::kNote, R"({"rows": 1, "firstRow": 5, "tracker": "chart"})"},
                     Fault{"a recorder that stood still",
                           Changed({4},
                                   [](Row& row) {
@@ -295,6 +298,34 @@ TEST(DataChecks, ToleratesACameraThatStandsMostOfTheTime) {
   EXPECT_EQ(findings[0].severity, Severity::kNote);
 }
 
+// One row without a pose can spoil the whole result.
+TEST(DataChecks, LeaveOutRowsWithoutAPose) {
+  std::vector<Row> rows = CleanRows();
+  SetPose(2, kZeros)(rows[1]);                // lost
+  SetPose(12, Row(4, "0"))(rows[3]);          // no rotation
+  Set(4, "nan")(rows[5]);                     // no number
+  rows[8].resize(12);                         // cut short
+  SetPose(9, PoseText(30.0 - 12))(rows[12]);  // frozen, as in the row before
+  const std::string content = Joined(rows);
+  EXPECT_THAT(CheckData(content, ReadRows(content)).leaveOut, ElementsAre(1, 3, 5, 8, 12));
+}
+
+TEST(DataChecks, KeepRowsOfWhichTheCrossCheckMustJudge) {
+  const auto leftOut = [](const std::string& content) {
+    return CheckData(content, ReadRows(content)).leaveOut;
+  };
+  EXPECT_THAT(leftOut(Joined(CleanRows())), IsEmpty());
+  EXPECT_THAT(leftOut(Joined(std::vector<Row>(20, CleanRows()[0]))), IsEmpty());
+  // A camera that stands still for two photographs each time.
+  std::vector<Row> rows = CleanRows();
+  for (std::size_t i = 1; i < rows.size(); i += 2) {
+    SetPose(2, PoseText(static_cast<double>(i)))(rows[i]);
+  }
+  EXPECT_THAT(leftOut(Joined(rows)), IsEmpty());
+  ASSERT_THAT(FindingsOf(Joined(rows)), SizeIs(1));
+  EXPECT_EQ(FindingsOf(Joined(rows))[0].severity, Severity::kNote);
+}
+
 TEST(DataChecks, NameBothFaultsOfAnotherCountrysTables) {
   const auto findings = FindingsOf(AllWithDecimalCommas(";"));
   ASSERT_THAT(findings, SizeIs(2));
@@ -303,7 +334,7 @@ TEST(DataChecks, NameBothFaultsOfAnotherCountrysTables) {
 }
 
 TEST(DataChecks, PutTheWorstFirst) {
-  const auto findings = FindingsOf("\n" + Changed({3}, Set(4, "nan")) + Joined({{"1", "a.jpg"}}));
+  const auto findings = FindingsOf("\n" + ScaledPositions(1000, 3) + Joined({CleanRows()[4]}));
   ASSERT_THAT(findings, SizeIs(3));
   EXPECT_EQ(findings[0].severity, Severity::kError);
   EXPECT_EQ(findings[1].severity, Severity::kWarning);

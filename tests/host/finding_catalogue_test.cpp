@@ -52,6 +52,7 @@ std::vector<Finding> RowSamples() {
   kinds.emplace_back(QuaternionLength{some, std::sqrt(2)});
   kinds.emplace_back(FrozenPose{Tracker::kCamera, some});
   kinds.emplace_back(FrozenPose{Tracker::kChart, some});
+  kinds.emplace_back(FrozenPose{Tracker::kChart, some, false});
   kinds.emplace_back(RepeatedRows{some, 35});
   kinds.emplace_back(LengthUnit{1250});
   kinds.emplace_back(Utf16Text{});
@@ -85,9 +86,11 @@ std::vector<Finding> PhotographSamples() {
 
 std::vector<Finding> RunSamples() {
   std::vector<Finding> findings;
-  for (const FindingKind& kind : std::vector<FindingKind>{
-           FewUsed{2, 14}, BoardNowhere{10, 7}, LogIncomplete{true}, LogIncomplete{false},
-           NotRefined{"cannot write below the log folder"}, NotCrossChecked{"out of memory"}}) {
+  for (const FindingKind& kind :
+       std::vector<FindingKind>{FewUsed{2, 14, {}}, FewUsed{4, 14, 8}, BoardNowhere{10, 7},
+                                LogIncomplete{true}, LogIncomplete{false}, TooFewAgree{11, 15},
+                                NotRefined{"Cannot write below the log folder.", "Try again."},
+                                NotCrossChecked{"Out of memory."}}) {
     findings.push_back({Severity::kWarning, kind, {}});
   }
   findings.push_back({Severity::kWarning, ImagesMissing{5, 40}, kPhotographs});
@@ -104,14 +107,30 @@ std::vector<Finding> CrossCheckSamples() {
     kinds.emplace_back(crosscheck::TooLittleRotation{11.2, 20, axis, 1});
   }
   kinds.emplace_back(crosscheck::TooLittleRotation{11.2, 20, {0.1, 0.2, -0.9}, 2});
+  kinds.emplace_back(crosscheck::TooLittleRotation{7.2, 20, {0.1, 0.2, -0.9}, 1});
   kinds.emplace_back(crosscheck::MountingOff{27, 1.006, 18.46, 0.69, 1e-9, 1e-9, {}});
   for (const auto mistake : UpTo(MountingMistake::kBoardTurned)) {
     kinds.emplace_back(crosscheck::MountingOff{27, 1.006, 18.46, 0.69, 1e-9, 1e-9, mistake});
   }
   kinds.emplace_back(crosscheck::SquareSizeOff{1.021, 0.0015, 1e-9});
+  kinds.emplace_back(crosscheck::SquareSizeOff{0.988, kNaN, 1e-9});
   kinds.emplace_back(crosscheck::HalvesDiffer{4, 0.4, 1e-9});
-  kinds.emplace_back(crosscheck::LensUncertain{1.5, 0.15, 3.4, 2});
-  kinds.emplace_back(crosscheck::LensUncertain{1.5, 0.15, kNaN, kNaN});
+  kinds.emplace_back(crosscheck::ChartNotFlat{0.51, 2.8, 0.05});
+  kinds.emplace_back(crosscheck::ChartNotFlat{-0.51, 2.8, 0.05});
+  kinds.emplace_back(crosscheck::ChartStretched{0.00495, 2.1, 0.02});
+  kinds.emplace_back(crosscheck::ChartStretched{-0.00495, 2.1, 0.02});
+  kinds.emplace_back(crosscheck::LensModel{0.001, -0.00012, 0, 0.3, 0.21, 0.19, 4});
+  kinds.emplace_back(crosscheck::LensModel{0, 0, -0.29, 0.1, 0.01, 0.4, 4});
+  kinds.emplace_back(crosscheck::TrackerErrors{std::nullopt, 0.0005, 0, kNaN, kNaN, kNaN, kNaN});
+  for (const auto flaw : UpTo(crosscheck::TrackerFlaw::kDelay)) {
+    kinds.emplace_back(crosscheck::TrackerErrors{flaw, 1e-6, 0.024, 2.9, 0.1, 0.6, 0.03});
+  }
+  crosscheck::Uncertain uncertain = {{2, 0.2}, {2.6, 0.1}, {2.4, 0.08}, {1, 0.06}, 3.4, 2, {}};
+  for (const std::optional<double> closer : {std::optional<double>(), std::optional(0.8)}) {
+    uncertain.closerMetres = closer;
+    kinds.emplace_back(crosscheck::LensUncertain{uncertain});
+    kinds.emplace_back(crosscheck::TrackersUncertain{uncertain});
+  }
   kinds.emplace_back(crosscheck::TrackersNoisy{3.1, 0.31});
   kinds.emplace_back(crosscheck::LibraryApart{5, 0.5, 1e-9, false});
   kinds.emplace_back(crosscheck::LibraryApart{5, 0.5, 1e-9, true});
@@ -121,13 +140,23 @@ std::vector<Finding> CrossCheckSamples() {
   }
   findings.push_back(
       {Severity::kError, crosscheck::TrackerMoved{Tracker::kChart, 2, 6, 0.5, 90}, {"c.jpg"}});
-  BadPhotographs bad = {0.125, {}};
+  findings.push_back({Severity::kError,
+                      crosscheck::TrackerLoose{Tracker::kCamera, 5.1, 0.02, {0, 1, 2, 3, 4}},
+                      kPhotographs});
+  BadPhotographs bad;
+  bad.share = 0.125;
   for (const auto why : UpTo(WhyLeftOut::kNoPose)) {
     const bool isMeasured = why <= WhyLeftOut::kFirstCornerAtOtherEnd;
     bad.disagreements = {{isMeasured ? 39.4 : kNaN, isMeasured ? 2.9 : kNaN, why, "img_004.jpg"}};
     findings.push_back({Severity::kWarning, bad, {"img_003.jpg"}});
   }
   bad.disagreements.assign(5, {39.4, 2.9, {}, ""});
+  findings.push_back({Severity::kWarning, bad, kPhotographs});
+  findings.push_back({Severity::kNote, LeftOutPhotographs{bad.disagreements}, kPhotographs});
+  findings.push_back({Severity::kNote,
+                      LeftOutPhotographs{{{39.4, 2.9, WhyLeftOut::kFitsTrackersOf, "b.jpg"}}},
+                      {"a.jpg"}});
+  bad.areEnoughLeft = false;
   findings.push_back({Severity::kWarning, bad, kPhotographs});
   return findings;
 }

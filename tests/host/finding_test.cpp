@@ -22,13 +22,14 @@ Json JsonOf(const FindingKind& kind, const std::vector<std::string>& photographs
 }
 
 TEST(FindingJson, HasTheSentences) {
-  const Finding finding = {Severity::kNote, FewUsed{2, 14}, {}};
+  const Finding finding = {Severity::kNote, FewUsed{2, 14, 13}, {}};
   EXPECT_EQ(Json(FindingsJson({finding})), Json::array({{{"id", "fewUsed"},
                                                          {"severity", "note"},
                                                          {"text", Text(finding)},
                                                          {"advice", Advice(finding)},
                                                          {"used", 2},
-                                                         {"seen", 14}}}));
+                                                         {"seen", 14},
+                                                         {"agree", 13}}}));
 }
 
 TEST(FindingJson, HasTheValuesByName) {
@@ -68,6 +69,9 @@ TEST(FindingJson, CountsPhotographsByAnotherName) {
   const Json bad = JsonOf(BadPhotographs{0.1, {{39, 2.9, {}, ""}}}, {"a"});
   EXPECT_EQ(bad["worstMm"], 39);
   EXPECT_EQ(bad["photographs"], Json::array({"a"}));
+  const Json leftOut = JsonOf(LeftOutPhotographs{{{39, 2.9, {}, ""}, {4, 1, {}, ""}}}, {"a", "b"});
+  EXPECT_EQ(leftOut["photographCount"], 2);
+  EXPECT_EQ(leftOut["photographs"], Json({"a", "b"}));
 }
 
 TEST(FindingText, NamesTheFirstFewRows) {
@@ -103,12 +107,33 @@ TEST(Finding, CanBeOfWhatASecondRunImproves) {
   EXPECT_FALSE(CanRefine({Severity::kError, crosscheck::TrackersNoisy{}, {}}));
 }
 
+TEST(Finding, IsAboutTheRunOrTheShoot) {
+  for (const FindingKind& kind :
+       std::vector<FindingKind>{crosscheck::MountingOff{}, crosscheck::LibraryApart{}, FewUsed{}}) {
+    EXPECT_TRUE(IsAboutRun({Severity::kError, kind, {}}));
+  }
+  EXPECT_FALSE(IsAboutRun({Severity::kError, crosscheck::TrackerMoved{}, {}}));
+  EXPECT_TRUE(NothingFits({Severity::kError, crosscheck::MisreadRows{}, {}}));
+  EXPECT_FALSE(NothingFits({Severity::kError, crosscheck::MountingOff{}, {}}));
+}
+
 TEST(Finding, CanBeOfMissingOutput) {
   for (const FindingKind& kind :
        std::vector<FindingKind>{LogIncomplete{}, ImagesMissing{}, NotRefined{}}) {
     EXPECT_TRUE(IsOutputError({Severity::kWarning, kind, {}}));
   }
   EXPECT_FALSE(IsOutputError({Severity::kWarning, NotCrossChecked{}, {}}));
+}
+
+TEST(CertaintyText, FollowsFromThePAlone) {
+  EXPECT_EQ(CertaintyText(0.0009, false), "certain");
+  EXPECT_EQ(CertaintyText(0.0009, true), "certain, but good enough");
+  for (const bool isGood : {false, true}) {
+    EXPECT_EQ(CertaintyText(0.001, isGood), "likely (p = 0.001)");
+    EXPECT_EQ(CertaintyText(0.01, isGood), "likely (p = 0.010)");
+    EXPECT_EQ(CertaintyText(0.05, isGood), "may be chance (p = 0.05)");
+    EXPECT_EQ(CertaintyText(std::nan(""), isGood), "cannot be checked");
+  }
 }
 
 TEST(Findings, AreSortedByTheirSeverity) {

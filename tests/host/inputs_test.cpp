@@ -39,6 +39,8 @@ TEST(RequirePossibleTest, RefusesEachValueThatIsNot) {
     ExpectRefused([&](Inputs& inputs) { inputs.sensorMm[0] = bad; });
     ExpectRefused([&](Inputs& inputs) { inputs.sensorMm[1] = bad; });
     ExpectRefused([&](Inputs& inputs) { inputs.squareMetres = bad; });
+    ExpectRefused([&](Inputs& inputs) { inputs.goodEnough.mm = bad; });
+    ExpectRefused([&](Inputs& inputs) { inputs.goodEnough.degrees = bad; });
   }
   ExpectRefused([](Inputs& inputs) { inputs.squareMetres = 30; });
   for (const int bad : {-1, 0, 2, 1001, std::numeric_limits<int>::max()}) {

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "host/verdict/cross_check_adapter.h"
@@ -20,14 +22,17 @@ class ObservationsTest : public testing::Test {
                           {"c", std::nullopt, raw}};
     record.transformCamTc = {0, -1, 0, 0.1, 1, 0, 0, 0.2, 0, 0, 1, 0.3, 0, 0, 0, 1};
     record.invertsQuaternions = true;
+    inputs.mounting = Mounting{{1, 2, 3}, {4, 5, 6}};
+    inputs.goodEnough = {0.5, 0.05};
   }
 
-  RunRecord record;
-  const crosscheck::Mounting mounting = {{1, 2, 3}, {4, 5, 6}};
+  LibraryRun run;
+  RunRecord& record = run.record;
+  Inputs inputs;
 };
 
 TEST_F(ObservationsTest, HoldEveryPhotographWithCorners) {
-  const auto observations = ObservationsOf(record, mounting);
+  const auto observations = ObservationsOf(run, inputs);
   ASSERT_TRUE(observations);
   EXPECT_EQ(observations->boardColumns, 3);
   EXPECT_EQ(observations->boardRows, 2);
@@ -44,28 +49,32 @@ TEST_F(ObservationsTest, HoldEveryPhotographWithCorners) {
   EXPECT_EQ(b.chart.position, Eigen::Vector3d(8, 9, 10));
   EXPECT_EQ(b.chart.quaternionWxyz, Eigen::Vector4d(11, 12, 13, 14));
   EXPECT_EQ(b.corners.size(), 6U);
+  EXPECT_EQ(observations->goodEnough.mm, 0.5);
+  EXPECT_EQ(observations->goodEnough.degrees, 0.05);
 }
 
 TEST_F(ObservationsTest, HaveTheResultWhetherTheMountingIsKnownOrNot) {
-  const auto stated = ObservationsOf(record, mounting);
+  const auto stated = ObservationsOf(run, inputs);
   ASSERT_TRUE(stated->library);
   EXPECT_EQ((*stated->library)(0, 1), -1);
   EXPECT_EQ((*stated->library)(2, 3), 0.3);
   EXPECT_TRUE(stated->mounting);
-  const auto open = ObservationsOf(record, std::nullopt);
+  const auto open = ObservationsOf(run, Inputs());
   EXPECT_TRUE(open->library);
   EXPECT_FALSE(open->mounting);
-  record.transformCamTc.clear();
-  EXPECT_FALSE(ObservationsOf(record, mounting)->library);
+  std::swap(record.transformCamTc, run.outputs.transformCamTc);  // of a log that is cut short
+  EXPECT_EQ((*ObservationsOf(run, inputs)->library)(2, 3), 0.3);
+  run.outputs.transformCamTc.clear();
+  EXPECT_FALSE(ObservationsOf(run, inputs)->library);
 }
 
 TEST_F(ObservationsTest, NeedBoardAndLens) {
-  RunRecord without = record;
-  without.lens = std::nullopt;
-  EXPECT_FALSE(ObservationsOf(without, mounting));
-  without = record;
-  without.board = std::nullopt;
-  EXPECT_FALSE(ObservationsOf(without, mounting));
+  const auto lens = record.lens;
+  record.lens = std::nullopt;
+  EXPECT_FALSE(ObservationsOf(run, inputs));
+  record.lens = lens;
+  record.board = std::nullopt;
+  EXPECT_FALSE(ObservationsOf(run, inputs));
 }
 
 }  // namespace

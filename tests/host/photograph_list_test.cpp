@@ -65,6 +65,37 @@ TEST(PhotographListTest, SaysWhatARunDidNotReach) {
   EXPECT_THAT(States(list), ElementsAre("notLoaded", "notReached", "notReached", "notReached"));
 }
 
+TEST(PhotographListTest, CountsWhatBecameOfEach) {
+  PhotographList list = ListPhotographs(Rows());
+  list[1].state = PhotographState::kLeftOutByCrossCheck;
+  EnterRun(RunOf({{"a.jpg", std::nullopt, RawData{}},
+                  {"c.jpg", DropReason::kOutlier, RawData{}},
+                  {"a.jpg", DropReason::kOutlier, RawData{}}}),
+           ToRun(list), list);
+  EXPECT_TRUE(IsCounted(list));
+  EXPECT_EQ(CountText(list),
+            "1 of 4 used: 1 left out because they contradict the others, 2 left out by the outlier "
+            "filter");
+  for (PhotographEntry& entry : list) {
+    entry.state = PhotographState::kUsed;
+  }
+  EXPECT_EQ(CountText(list), "4 of 4 used");
+}
+
+TEST(PhotographListTest, CountsNothingIfTheLogIsIncomplete) {
+  LibraryRun run = RunOf({{"a.jpg", DropReason::kNotLoaded}, {"b.jpg", std::nullopt, RawData{}}});
+  run.code = 0;
+  PhotographList list = ListPhotographs(Rows());
+  EnterRun(run, ToRun(list), list);
+  EXPECT_THAT(States(list), ElementsAre("notLoaded", "unknown", "unknown", "unknown"));
+  EXPECT_FALSE(IsCounted(list));
+  EXPECT_EQ(CountText(list).find("used:"), std::string::npos);
+  run.record.isSuccessful = true;
+  list = ListPhotographs(Rows());
+  EnterRun(run, ToRun(list), list);
+  EXPECT_THAT(States(list), ElementsAre("notLoaded", "used", "notReached", "notReached"));
+}
+
 TEST(PhotographListTest, HasNoneUsedIfTheFilterLeavesTooFew) {
   LibraryRun run = RunOf({{"a.jpg", std::nullopt, RawData{}}});
   run.record.errorCode = 13;

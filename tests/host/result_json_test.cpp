@@ -1,10 +1,12 @@
 #include "host/result/result_json.h"
 
+#include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "host/findings/finding_text.h"
 #include "host/text/files.h"
 
 namespace trackedcam::host {
@@ -15,6 +17,7 @@ using Json = nlohmann::json;
 Report GoodReport() {
   Report report;
   report.run.code = 0;
+  report.run.record.isSuccessful = true;
   report.run.outputs = {{1920, 1080},
                         {0.9, 1.6},
                         {0.5, 0.49},
@@ -130,6 +133,14 @@ TEST(ResultJson, HasTheMountingInBothAxes) {
   EXPECT_TRUE(ResultJson(report)["inputs"]["mountingReported"].is_null());
 }
 
+TEST(ResultJson, HasWhatIsGoodEnough) {
+  Report report = GoodReport();
+  report.inputs.goodEnough = {1.5, 0.1};
+  const Json goodEnough = ResultJson(report)["inputs"]["goodEnough"];
+  EXPECT_EQ(goodEnough["mm"], 1.5);
+  EXPECT_EQ(goodEnough["degrees"], 0.1);
+}
+
 TEST(ResultJson, SaysWhetherTheMountingIsCertainlyOffAndByWhichMistake) {
   const auto nominal = [](double p) {
     Report report = GoodReport();
@@ -143,6 +154,11 @@ TEST(ResultJson, SaysWhetherTheMountingIsCertainlyOffAndByWhichMistake) {
   EXPECT_EQ(nominal(0.0001)["library"]["isCertain"], true);
   EXPECT_EQ(nominal(0.001)["library"]["isCertain"], false);
   EXPECT_EQ(nominal(0.5)["library"]["isCertain"], false);
+  EXPECT_EQ(nominal(0.01)["library"]["certainty"], "likely");
+  EXPECT_EQ(nominal(0.01)["library"]["certaintyText"], CertaintyText(0.01, false));
+  EXPECT_EQ(nominal(0.5)["library"]["certainty"], "byChance");
+  EXPECT_TRUE(nominal(std::nan(""))["library"]["p"].is_null());
+  EXPECT_EQ(nominal(std::nan(""))["library"]["certainty"], "unknown");
   EXPECT_EQ(nominal(0.5)["nominalMounting"]["likelyMistake"], "inverse");
   EXPECT_FALSE(nominal(0.5)["nominalMounting"]["likelyMistakeText"].get<std::string>().empty());
 }

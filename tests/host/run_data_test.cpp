@@ -104,6 +104,8 @@ TEST(RunConfig, HoldsWhatTheLibraryWasGiven) {
   inputs.board = {9, 6};
   inputs.squareMetres = 0.03;
   inputs.expectedRecords = 40;
+  inputs.goodEnough = {1.5, 0.1};
+  inputs.scaleUncertainty = 0.002;
   WriteRunConfig(inputs, Mounting{{12, -8, 5}, {0.1, -0.05, 0.02}}, folder.Path());
   EXPECT_EQ(test::ReadText(folder.File("calibrate.toml")),
             "# The options of this run: trackedcam calibrate --config calibrate.toml\n"
@@ -117,6 +119,8 @@ TEST(RunConfig, HoldsWhatTheLibraryWasGiven) {
             "chart-rotation = \"12,-8,5\"\n"
             "chart-translation = \"0.1,-0.05,0.02\"\n"
             "invert-tracker-quaternions = false\n"
+            "good-enough = \"1.5mm,0.1deg\"\n"
+            "scale-uncertainty = \"0.2%\"\n"
             "expected-records = 40\n");
 }
 

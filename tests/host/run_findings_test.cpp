@@ -15,6 +15,7 @@ using testing::SizeIs;
 LibraryRun RunWith(std::size_t seen, std::size_t used) {
   LibraryRun run;
   run.code = 0;
+  run.record.isSuccessful = true;
   run.outputs.transformCamTc.assign(16, 0.5);
   for (std::size_t i = 0; i < seen; ++i) {
     run.record.photographs.push_back(
@@ -23,16 +24,42 @@ LibraryRun RunWith(std::size_t seen, std::size_t used) {
   return run;
 }
 
+std::optional<crosscheck::CrossCheck> CheckWith(std::size_t agree) {
+  crosscheck::CrossCheck check;
+  check.solved = true;
+  check.used = agree;
+  return check;
+}
+
 TEST(RunFindings, ReportFewUsedPhotographs) {
-  EXPECT_THAT(FindingsOf(RunWith(20, 8)), IsEmpty());
-  EXPECT_THAT(FindingsOf(RunWith(24, 8)), IsEmpty());
+  EXPECT_THAT(FindingsOf(RunWith(20, 8), CheckWith(20)), IsEmpty());
+  EXPECT_THAT(FindingsOf(RunWith(24, 8), CheckWith(24)), IsEmpty());
   for (const auto& [seen, used] : {std::pair(14, 2), {14, 7}, {25, 8}}) {
-    const std::vector<Finding> findings = FindingsOf(RunWith(seen, used));
+    const std::vector<Finding> findings = FindingsOf(RunWith(seen, used), CheckWith(seen));
     ASSERT_THAT(findings, SizeIs(1));
     EXPECT_EQ(findings[0].severity, Severity::kWarning);
     EXPECT_EQ(std::get<FewUsed>(findings[0].kind).used, used);
     EXPECT_EQ(std::get<FewUsed>(findings[0].kind).seen, seen);
+    EXPECT_EQ(std::get<FewUsed>(findings[0].kind).agree, seen);
   }
+}
+
+// The filter leaves four of fourteen by chance, if all agree.
+TEST(RunFindings, AreAnErrorIfLessThanHalfAgree) {
+  const auto severity = [](std::size_t used, const std::optional<crosscheck::CrossCheck>& check) {
+    return FindingsOf(RunWith(14, used), check).at(0).severity;
+  };
+  EXPECT_EQ(severity(4, CheckWith(14)), Severity::kWarning);
+  EXPECT_EQ(severity(4, CheckWith(10)), Severity::kWarning);
+  EXPECT_EQ(severity(4, CheckWith(9)), Severity::kError);
+  EXPECT_EQ(severity(4, std::nullopt), Severity::kError);
+  EXPECT_EQ(severity(7, std::nullopt), Severity::kWarning);
+}
+
+TEST(RunFindings, CountNothingIfTheLogIsIncomplete) {
+  LibraryRun run = RunWith(14, 4);
+  run.record.isSuccessful = false;
+  EXPECT_THAT(FindingsOf(run, std::nullopt), IsEmpty());
 }
 
 TEST(RunFindings, ReportABoardThatWasFoundNowhere) {
@@ -40,13 +67,13 @@ TEST(RunFindings, ReportABoardThatWasFoundNowhere) {
   run.code = 4;
   run.record.board = BoardRecord{10, 7, 0.03};
   run.record.photographs = {{"a", DropReason::kBoardNotFound, std::nullopt}};
-  const std::vector<Finding> findings = FindingsOf(run);
+  const std::vector<Finding> findings = FindingsOf(run, std::nullopt);
   ASSERT_THAT(findings, SizeIs(1));
   EXPECT_EQ(findings[0].severity, Severity::kError);
   EXPECT_EQ(std::get<BoardNowhere>(findings[0].kind).columns, 10);
   EXPECT_EQ(std::get<BoardNowhere>(findings[0].kind).rows, 7);
   run.record.photographs.push_back({"b", std::nullopt, RawData{}});
-  EXPECT_THAT(FindingsOf(run), IsEmpty());
+  EXPECT_THAT(FindingsOf(run, std::nullopt), IsEmpty());
 }
 
 class OutputErrors : public testing::Test {

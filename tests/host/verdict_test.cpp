@@ -37,12 +37,11 @@ TEST(Verdict, OfATransformWithNanIsAFailure) {
   for (const double number : {std::nan(""), std::numeric_limits<double>::infinity()}) {
     run.outputs.transformCamTc[5] = number;
     EXPECT_FALSE(IsUsable(run));
-    EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).level, Level::kFailed);
-    EXPECT_THAT(VerdictOf(run, run.record.photographs.size(), {}).message,
-                HasSubstr("not a number"));
+    EXPECT_EQ(VerdictOf(run, {}, {}).level, Level::kFailed);
+    EXPECT_THAT(VerdictOf(run, {}, {}).message, HasSubstr("not a number"));
   }
   run.code = 4;
-  EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).message, VerdictOf(4).message);
+  EXPECT_EQ(VerdictOf(run, {}, {}).message, VerdictOf(4).message);
 }
 
 class VerdictOfFindings : public testing::Test {
@@ -50,13 +49,20 @@ class VerdictOfFindings : public testing::Test {
   VerdictOfFindings() {
     run.code = 0;
     run.outputs.transformCamTc.assign(16, 0.5);
+    run.record.isSuccessful = true;
     run.record.photographs = {{"a", std::nullopt, std::nullopt},
                               {"b", DropReason::kOutlier, std::nullopt}};
   }
 
+  PhotographList List() const {
+    PhotographList list = ListPhotographs(run.record);
+    EnterRun(run, ToRun(list), list);
+    return list;
+  }
+
   Verdict With(Severity severity) {
     finding.severity = severity;
-    return VerdictOf(run, run.record.photographs.size(), {finding});
+    return VerdictOf(run, List(), {finding});
   }
 
   Finding finding = {Severity::kNote, crosscheck::MountingOff{27, 1, 18, 0.7, 0, 0, {}}, {}};
@@ -64,11 +70,28 @@ class VerdictOfFindings : public testing::Test {
 };
 
 TEST_F(VerdictOfFindings, SaysFromHowManyPhotographs) {
-  const Verdict verdict = VerdictOf(run, run.record.photographs.size(), {});
+  const Verdict verdict = VerdictOf(run, List(), {});
   EXPECT_EQ(verdict.level, Level::kGood);
   EXPECT_THAT(verdict.message, HasSubstr(", from 1 of 2 photographs."));
   EXPECT_EQ(verdict.summary, verdict.message);
   EXPECT_EQ(With(Severity::kNote).message, verdict.message);
+}
+
+// A full disk cuts the log, and the run goes on.
+TEST_F(VerdictOfFindings, InventsNoCountsIfTheLogIsIncomplete) {
+  run.record.isSuccessful = false;
+  run.record.photographs.resize(1);
+  EXPECT_EQ(With(Severity::kWarning).summary.find("photograph"), std::string::npos);
+  EXPECT_EQ(With(Severity::kWarning).summary.back(), '.');
+}
+
+TEST_F(VerdictOfFindings, AdvisesMorePhotographsWhereTooFewAreLeft) {
+  finding.severity = Severity::kWarning;
+  const Finding few = {Severity::kWarning, TooFewAgree{11, 15}, {}};
+  const Verdict verdict = VerdictOf(run, List(), {finding, few});
+  EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
+  EXPECT_EQ(verdict.advice, Advice(few));
+  EXPECT_EQ(verdict.nextStep, NextStep::kNone);
 }
 
 TEST_F(VerdictOfFindings, IsWrongWithAnError) {
@@ -85,6 +108,22 @@ TEST_F(VerdictOfFindings, IsDoubtfulWithAWarning) {
   EXPECT_EQ(verdict.level, Level::kDoubtful);
   EXPECT_THAT(verdict.summary, EndsWith(" doubtful, from 1 of 2 photographs."));
   EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
+}
+
+TEST_F(VerdictOfFindings, SaysThatAResultCannotBeChecked) {
+  for (const FindingKind& kind :
+       std::vector<FindingKind>{crosscheck::TooLittleRotation{11, 20, {}, 1},
+                                NotCrossChecked{"It stopped."}, LogIncomplete{false}}) {
+    finding.kind = kind;
+    const Verdict verdict = With(Severity::kWarning);
+    EXPECT_EQ(verdict.level, Level::kDoubtful);
+    EXPECT_THAT(verdict.summary, HasSubstr(" cannot be checked, from 1 of 2 "));
+  }
+  for (const FindingKind& kind :
+       std::vector<FindingKind>{crosscheck::TooLittleRotation{9, 20, {}, 1}, LogIncomplete{true}}) {
+    finding.kind = kind;
+    EXPECT_THAT(With(Severity::kWarning).summary, HasSubstr(" is doubtful, "));
+  }
 }
 
 TEST_F(VerdictOfFindings, HasNoNextStepThatCannotHelp) {
@@ -108,9 +147,9 @@ TEST_F(VerdictOfFindings, OfAnExceptionHasItsText) {
   run.code = std::nullopt;
   run.exception = "bad conversion";
   run.stoppedAt = "row 7, photos/a.jpg";
-  EXPECT_THAT(VerdictOf(run, run.record.photographs.size(), {}).message,
+  EXPECT_THAT(VerdictOf(run, List(), {}).message,
               HasSubstr(" at row 7, photos/a.jpg: bad conversion."));
-  EXPECT_EQ(VerdictOf(run, run.record.photographs.size(), {}).level, Level::kFailed);
+  EXPECT_EQ(VerdictOf(run, List(), {}).level, Level::kFailed);
 }
 
 TEST_F(VerdictOfFindings, WithoutAMountingIsAFailure) {

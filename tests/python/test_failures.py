@@ -53,6 +53,7 @@ def test_invalid_values_raise(perfect, tmp_path):
 
     for changes, message in [
             ({"square_m": 30}, "30"),
+            ({"good_enough": (0, 0.2)}, "good enough"),
             ({"board": (1, 6)}, "corners"),
             ({"board": (9, 6, 1)}, "3 numbers"),
             ({"sensor_mm": (0, 1)}, "sensor"),

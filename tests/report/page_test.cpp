@@ -119,8 +119,14 @@ Json WholeResult() {
           {"offDegrees", 0.02},
           {"p", 0.0001},
           {"isCertain", true},
+          {"certaintyText", "certain"},
           {"likelyMistakeText", "an angle has the wrong sign"}}},
-        {"library", {{"offMm", 0.1}, {"offDegrees", 0.01}, {"p", 0.5}, {"isCertain", false}}},
+        {"library",
+         {{"offMm", 0.1},
+          {"offDegrees", 0.01},
+          {"p", 0.5},
+          {"isCertain", false},
+          {"certaintyText", "may be chance (p = 0.50)"}}},
         {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
         {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
         {"photographsToHalve", 35}}},
@@ -360,6 +366,47 @@ TEST(Photographs, HaveAStateOnThePageForEachInTheResult) {
   }
 }
 
+// In the words of the result file, which are those of the terminal.
+TEST(Answer, SaysWhatIsCertainInTheWordsOfTheResult) {
+  Json result = WholeResult();
+  result["firstRun"] = nullptr;
+  result["verdict"]["level"] = "wrong";
+  const std::string wrong = BodyOf(PageOf(result));
+  EXPECT_THAT(wrong, HasSubstr("Differs from the cross-check by 0.10 mm and 0.010°: may be chance "
+                               "(p = 0.50).</p>"));
+  EXPECT_THAT(wrong,
+              HasSubstr("<strong class=\"bad\">Stated and found differ by 0.30 mm and 0.020°: "
+                        "certain.</strong>"));
+  result["crossCheck"]["library"]["p"] = nullptr;
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("Differs from the cross-check: may be chance"));
+  result["verdict"]["level"] = "good";
+  EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr("<strong class=\"bad\">Stated and found")));
+}
+
+TEST(Photographs, AreNotCountedIfTheLogIsIncomplete) {
+  Json result = WholeResult();
+  result["photographs"][1]["state"] = "unknown";
+  EXPECT_EQ(PageView(result, {}, "")["lastRun"]["used"], "?");
+  EXPECT_EQ(PhotographsOf(result)[1]["state"], "unused");
+}
+
+TEST(Photographs, SayWhatBecameOfTheOthers) {
+  Json result = WholeResult();
+  result["photographCounts"] = {{"others", "8 left out because they contradict the others"}};
+  EXPECT_THAT(BodyOf(PageOf(result)),
+              HasSubstr("8 left out because they contradict the others</p>"));
+}
+
+TEST(Answer, NamesTheMountingByWhereItIsFrom) {
+  Json result = WholeResult();
+  result["firstRun"] = nullptr;
+  result["inputs"]["chartRotationDegrees"] = {1, 2, 3};
+  EXPECT_EQ(PageView(result, {}, "")["mounting"]["name"], "stated");
+  result["inputs"]["chartRotationDegrees"] = nullptr;
+  EXPECT_EQ(PageView(result, {}, "")["mounting"]["name"], "");
+  EXPECT_THAT(BodyOf(PageOf(result)), Not(HasSubstr("as stated")));
+}
+
 TEST(Photographs, LeftOutOfTheSecondRunKeepTheirPlaceAndReason) {
   Json result = WholeResult();
   Json first = Json::array();
@@ -383,8 +430,8 @@ TEST(Photographs, LeftOutOfTheSecondRunKeepTheirPlaceAndReason) {
   const Json view = PageView(result, {}, "");
   ASSERT_EQ(view["photographs"].size(), 40);
   EXPECT_EQ(view["photographCount"], 40);
-  EXPECT_EQ(view["lastRun"]["used"], 32);
-  EXPECT_EQ(view["firstRun"]["used"], 0);
+  EXPECT_EQ(view["lastRun"]["used"], "32");
+  EXPECT_EQ(view["firstRun"]["used"], "0");
   ASSERT_EQ(view["disagreeing"].size(), 8);
   const Json& left = view["photographs"][37];
   EXPECT_EQ(left["number"], 38);

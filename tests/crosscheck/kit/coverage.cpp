@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
+#include <utility>
+#include <vector>
 
 #include "simulator/shoot.h"
 
@@ -22,6 +25,11 @@ simulator::ShootOptions OptionsOf(const Cell& cell, std::uint64_t seed) {
   options.outliers = cell.outliers;
   options.mountingErrorMm = cell.mountingErrorMm;
   options.mountingErrorDegrees = cell.mountingErrorDegrees;
+  std::mt19937 random(static_cast<unsigned>(seed));
+  options.trackerScale = std::normal_distribution(1.0, cell.scaleUncertainty)(random);
+  if (cell.options) {
+    cell.options(options);
+  }
   return options;
 }
 
@@ -41,12 +49,18 @@ void CountPhotographs(const CrossCheck& check, const simulator::Shoot& shoot, Ta
   }
 }
 
+// Few photographs of noisy trackers are uncertain, and 1 in 1000 good photographs looks bad.
+bool CanBeRight(const Finding& finding) {
+  return std::holds_alternative<crosscheck::BadPhotographs>(finding.kind) ||
+         std::holds_alternative<crosscheck::LensUncertain>(finding.kind) ||
+         std::holds_alternative<crosscheck::TrackersUncertain>(finding.kind);
+}
+
 void CountFindings(const CrossCheck& check, Tally& tally) {
   bool isLoud = false;
   for (const Finding& finding : check.findings) {
     ++tally.said[std::string(Name(finding.kind)) + " " + Name(finding.severity)];
-    isLoud = isLoud || (finding.severity != Severity::kNote &&
-                        !std::holds_alternative<crosscheck::BadPhotographs>(finding.kind));
+    isLoud = isLoud || (finding.severity != Severity::kNote && !CanBeRight(finding));
   }
   tally.loud += static_cast<int>(isLoud);
 }
@@ -119,6 +133,48 @@ Tally RunCell(const Cell& cell, std::uint64_t first, int shoots) {
         tally.worstDegrees, Eigen::AngleAxisd(Eigen::Matrix3d(off.linear())).angle() / kDegree);
   }
   return tally;
+}
+
+double AgreementOfHalves(const Cell& cell, std::uint64_t first, int shoots) {
+  int axes = 0;
+  int agreeing = 0;
+  for (int i = 0; i < shoots; ++i) {
+    const simulator::Shoot whole =
+        simulator::SimulateShoot(OptionsOf(cell, first + static_cast<std::uint64_t>(i)));
+    std::vector<simulator::Photograph> shuffled = whole.photographs;
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(static_cast<unsigned>(i)));
+    const auto middle = shuffled.begin() + static_cast<std::ptrdiff_t>(shuffled.size() / 2);
+    std::vector<CrossCheck> checks;
+    for (const auto& [begin, end] :
+         {std::pair(shuffled.begin(), middle), std::pair(middle, shuffled.end())}) {
+      simulator::Shoot half = whole;
+      half.photographs.assign(begin, end);
+      KnownShoot known = MakeShoot(half, cell.cornerNoisePixels);
+      known.observations.scaleUncertainty = 0;  // both halves share it
+      checks.push_back(Check(known.observations));
+    }
+    if (!checks[0].solved || !checks[1].solved) {
+      continue;
+    }
+    const crosscheck::Pose one(checks[0].Transform_Cam_Tc);
+    const crosscheck::Pose other(checks[1].Transform_Cam_Tc);
+    const Eigen::Vector3d mm = 1e3 * (one.translation() - other.translation());
+    const Eigen::AngleAxisd rotation(Eigen::Matrix3d(one.linear() * other.linear().transpose()));
+    const Eigen::Vector3d degrees = rotation.angle() / kDegree * rotation.axis();
+    const auto count = [&](const Eigen::Vector3d& difference, const Eigen::Vector3d& a,
+                           const Eigen::Vector3d& b) {
+      for (int k = 0; k < 3; ++k) {
+        ++axes;
+        agreeing += std::abs(difference[k]) <= 1.96 * std::hypot(a[k], b[k]) ? 1 : 0;
+      }
+    };
+    const auto& of = [&](int half) -> const crosscheck::StandardError& {
+      return checks[static_cast<std::size_t>(half)].standardErrorCamTc;
+    };
+    count(mm, of(0).translationMm, of(1).translationMm);
+    count(degrees, of(0).rotationDegrees, of(1).rotationDegrees);
+  }
+  return axes > 0 ? static_cast<double>(agreeing) / axes : 0;
 }
 
 std::array<Cell, 4> CoverageCells() {

@@ -18,11 +18,13 @@ struct Cell {
   double trackerNoiseMm = 0.3;
   double trackerNoiseDegrees = 0.05;
   double cornerNoisePixels = 0.05;
+  double scaleUncertainty = 0.001;  // of the trackers' lengths: drawn for each shoot
   int outliers = 0;  // photographs for which a tracker slipped by 40 mm and 3 degrees
   double mountingErrorMm = 0;
   double mountingErrorDegrees = 0;
-  std::function<void(simulator::Shoot&)> before;  // done to the shoot before it is told
-  std::function<void(KnownShoot&)> after;         // done to what is told
+  std::function<void(simulator::ShootOptions&)> options;  // flaws of the simulated shoot
+  std::function<void(simulator::Shoot&)> before;          // done to the shoot before it is told
+  std::function<void(KnownShoot&)> after;                 // done to what is told
 };
 
 /// Transform_Cam_Tc: shift along x, y, z, turn about x, y, z; Transform_Tr_Chart: the same.
@@ -32,10 +34,10 @@ struct Tally {
   int shoots = 0;
   int solved = 0;
   std::array<int, kAxes> covered = {};  // shoots in which the truth lies in the 95 % interval
-  int loud = 0;                         // shoots with a warning or an error but badPhotographs
-  int goodOnesBlamed = 0;               // photographs called bad that are not
-  int badOnesTaken = 0;                 // photographs that are bad and were used
-  double worstMm = 0;                   // of Transform_Cam_Tc from the truth
+  int loud = 0;  // shoots with a warning or an error but badPhotographs and true uncertainty
+  int goodOnesBlamed = 0;  // photographs called bad that are not
+  int badOnesTaken = 0;    // photographs that are bad and were used
+  double worstMm = 0;      // of Transform_Cam_Tc from the truth
   double worstDegrees = 0;
   std::map<std::string, int> said;  // shoots by finding and severity, "mountingOff error"
 
@@ -45,6 +47,10 @@ struct Tally {
 
 /// One axis's value after the other: truth within the interval.
 std::array<bool, kAxes> Covered(const crosscheck::CrossCheck& check, const KnownShoot& shoot);
+
+/// How far random halves of shoots, each calibrated by itself, are apart: the share of the six axes
+/// of Transform_Cam_Tc on which they agree within 1.96 of their standard errors.
+double AgreementOfHalves(const Cell& cell, std::uint64_t first, int shoots);
 
 /// Shoots of the seeds `first` and following. The result to check is that of a calibration which
 /// believes the mounting.

@@ -89,6 +89,8 @@ KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels
   for (const simulator::Photograph& seen : simulated.photographs) {
     crosscheck::Photograph photograph;
     photograph.name = seen.path;
+    photograph.seconds = simulator::kSecondsBetweenPhotographs *
+                         static_cast<double>(observations.photographs.size());
     photograph.camera = Reported(seen.trackedTc);
     photograph.chart = Reported(seen.trackedTr);
     for (const Eigen::Vector2d& corner : seen.corners) {
@@ -97,9 +99,14 @@ KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels
     poses.push_back(seen.Transform_Cam_Chart);
     observations.photographs.push_back(photograph);
   }
+  // A calibration believes that the board is flat and its squares are square.
+  simulator::Chart stated = options.chart;
+  stated.bowMetres = stated.stretch = 0;
   simulator::Lens lens = simulated.lens;
-  if (cornerNoisePixels > 0) {
-    lens = SolveLens(lens, poses, options.chart.Corners(), observations.photographs);
+  const bool isExact = cornerNoisePixels == 0 && options.chart.bowMetres == 0 &&
+                       options.chart.stretch == 0 && lens.p1 == 0 && lens.p2 == 0 && lens.k3 == 0;
+  if (!isExact) {
+    lens = SolveLens(lens, poses, stated.Corners(), observations.photographs);
   }
   observations.lens = {options.imageWidth,
                        options.imageHeight,

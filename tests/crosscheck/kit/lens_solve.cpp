@@ -59,10 +59,10 @@ View ViewAt(const Parameters& lens, const Pose& pose, const std::vector<Eigen::V
 simulator::Lens SolveLens(simulator::Lens lens, std::vector<Pose> Transform_Cam_Chart,
                           const std::vector<Eigen::Vector3d>& board,
                           const std::vector<crosscheck::Photograph>& photographs) {
-  constexpr int kSteps = 3;  // from the truth on; the third changes nothing that counts
+  constexpr int kMostSteps = 10;
   Parameters values =
       (Parameters() << lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2).finished();
-  for (int step = 0; step < kSteps; ++step) {
+  for (int step = 0; step < kMostSteps; ++step) {
     std::vector<View> views;
     Matrix6d normal = Matrix6d::Zero();
     Parameters right = Parameters::Zero();
@@ -85,6 +85,9 @@ simulator::Lens SolveLens(simulator::Lens lens, std::vector<Pose> Transform_Cam_
               .ldlt()
               .solve(byPose.transpose() * (views[i].residual - views[i].byLens * change));
       Transform_Cam_Chart[i] = crosscheck::Exp(twist) * Transform_Cam_Chart[i];
+    }
+    if (change.head<4>().norm() < 1e-4 && change.tail<2>().norm() < 1e-8) {
+      break;
     }
   }
   return LensOf(values);

@@ -6,6 +6,23 @@ namespace {
 using crosscheck::kDegree;
 using crosscheck::Pose;
 
+// The camera and its tracker move; the tracker's noise stays.
+void ShowChartAt(const Pose& Transform_Cam_Chart, const simulator::Shoot& shoot,
+                 simulator::Photograph& photograph) {
+  const Pose noise = photograph.Transform_Base_Tc.inverse() * photograph.trackedTc;
+  const Pose Transform_Base_Chart = photograph.Transform_Base_Tc *
+                                    shoot.Transform_Cam_Tc.inverse() *
+                                    photograph.Transform_Cam_Chart;
+  photograph.Transform_Cam_Chart = Transform_Cam_Chart;
+  photograph.Transform_Base_Tc =
+      Transform_Base_Chart * Transform_Cam_Chart.inverse() * shoot.Transform_Cam_Tc;
+  photograph.trackedTc = photograph.Transform_Base_Tc * noise;
+  const std::vector<Eigen::Vector3d> corners = shoot.options.chart.Corners();
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    photograph.corners[i] = shoot.lens.Project(Transform_Cam_Chart * corners[i]);
+  }
+}
+
 }  // namespace
 
 void Displace(crosscheck::TrackerPose& tracker, const Pose& displacement) {
@@ -37,27 +54,25 @@ void Creep(KnownShoot& shoot, double mm) {
   }
 }
 
+void StepBack(simulator::Shoot& shoot, double factor) {
+  for (simulator::Photograph& photograph : shoot.photographs) {
+    Pose pose = photograph.Transform_Cam_Chart;
+    pose.translation() *= factor;
+    ShowChartAt(pose, shoot, photograph);
+  }
+}
+
 void TurnLess(simulator::Shoot& shoot, double share) {
   const Eigen::Vector3d middle = shoot.options.chart.Centre();
   const Eigen::Matrix3d first = shoot.photographs.front().Transform_Cam_Chart.linear();
-  const std::vector<Eigen::Vector3d> corners = shoot.options.chart.Corners();
   for (simulator::Photograph& photograph : shoot.photographs) {
-    const Pose noise = photograph.Transform_Base_Tc.inverse() * photograph.trackedTc;
-    const Pose Transform_Base_Chart = photograph.Transform_Base_Tc *
-                                      shoot.Transform_Cam_Tc.inverse() *
-                                      photograph.Transform_Cam_Chart;
-    Pose& pose = photograph.Transform_Cam_Chart;
+    Pose pose = photograph.Transform_Cam_Chart;
     const Eigen::Vector3d place = pose * middle;
     Eigen::AngleAxisd turn(Eigen::Matrix3d(first.transpose() * pose.linear()));
     turn.angle() *= share;
     pose.linear() = first * turn.toRotationMatrix();
     pose.translation() = place - pose.linear() * middle;
-
-    photograph.Transform_Base_Tc = Transform_Base_Chart * pose.inverse() * shoot.Transform_Cam_Tc;
-    photograph.trackedTc = photograph.Transform_Base_Tc * noise;
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-      photograph.corners[i] = shoot.lens.Project(pose * corners[i]);
-    }
+    ShowChartAt(pose, shoot, photograph);
   }
 }
 

@@ -20,6 +20,9 @@ void MoveTracker(KnownShoot& shoot, crosscheck::Tracker tracker, std::size_t bef
 /// The tracker on the camera creeps along one axis, evenly, from the first photograph to the last.
 void Creep(KnownShoot& shoot, double mm);
 
+/// The camera is this many times as far from the chart.
+void StepBack(simulator::Shoot& shoot, double factor);
+
 /// Leaves this share of each photograph's turn away from the first; the chart's middle stays.
 void TurnLess(simulator::Shoot& shoot, double share);
 

@@ -187,6 +187,7 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
     diagonal = lambda a, b: [[(a if i < 3 else b) ** 2 * (i == j) for j in range(6)] for i in range(6)]
     covariance = diagonal(math.radians(error_deg), error_mm / 1000)
     certain = 1e-12 if stated else 0.42
+    said = "certain" if stated else "may be chance (p = 0.42)"
     log = FOLDER + "logs/run/log_2026-11-21-14.05.09.txt"
     t95 = 1.98
     errors_x = {"translationMm": [error_mm, 1.1 * error_mm, 0.8 * error_mm],
@@ -232,9 +233,10 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
             "mounting": {"rotationDegrees": [n + rng.gauss(0, error_deg / 2) for n in ANGLES],
                          "translationMetres": found_y[1]},
             "nominalMounting": {"offMm": mount_mm, "offDegrees": mount_deg, "p": certain,
-                                "isCertain": bool(stated), "pScaleFree": certain,
+                                "isCertain": bool(stated), "certaintyText": said, "pScaleFree": certain,
                                 "likelyMistake": None, "likelyMistakeText": None},
-            "library": {"offMm": off_mm, "offDegrees": off_deg, "p": certain, "isCertain": bool(stated)},
+            "library": {"offMm": off_mm, "offDegrees": off_deg, "p": certain, "isCertain": bool(stated),
+                        "certaintyText": said},
             "diversity": {"amplification": 2.31, "weakestAxisInChart": [0.1, 0.2, 0.97]},
             "square": {"factor": 1.0004, "standardError": 0.0006, "p": 0.51}, "step": None,
             "halves": {"offMm": 0.6 * error_mm, "offDegrees": 0.5 * error_deg, "p": 0.61,

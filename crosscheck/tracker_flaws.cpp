@@ -1,0 +1,195 @@
+#include "crosscheck/tracker_flaws.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include <Eigen/Cholesky>
+#include <Eigen/Eigenvalues>
+
+#include "crosscheck/statistics.h"
+#include "crosscheck/symmetric.h"
+
+namespace trackedcam::crosscheck {
+namespace {
+
+using Columns = Eigen::Matrix<double, 6, Eigen::Dynamic>;  // of the residual, a left twist
+
+// The positions of all trackers: their centre, and their root mean square distance from it.
+struct Volume {
+  Eigen::Vector3d centre = Eigen::Vector3d::Zero();
+  double size = 0;
+};
+
+Volume VolumeOf(const Loops& loops) {
+  Volume volume;
+  const auto count = 2.0 * static_cast<double>(loops.size());
+  double squares = 0;
+  for (const Loop& loop : loops) {
+    for (const Pose& pose :
+         {loop.Transform_Base_Tc, loop.Transform_Base_Tc * loop.Transform_Tc_Tr}) {
+      volume.centre += pose.translation() / count;
+      squares += pose.translation().squaredNorm() / count;
+    }
+  }
+  volume.size = std::sqrt(std::max(1e-6, squares - volume.centre.squaredNorm()));
+  return volume;
+}
+
+Columns OfTranslation(const Eigen::Matrix3Xd& translation) {
+  Columns columns = Columns::Zero(6, translation.cols());
+  columns.bottomRows<3>() = translation;
+  return columns;
+}
+
+// What the tracking system reports in its own frame, seen from the camera.
+Eigen::Matrix3d FromBase(const Loop& loop, const Solution& solution) {
+  return solution.Transform_Cam_Tc.linear() * loop.Transform_Base_Tc.linear().transpose();
+}
+
+// A mount that gives way under gravity moves what it holds in a direction that is constant in
+// frame Base. That of the chart does the same.
+Columns BySag(const Loop& loop, const Solution& solution) {
+  return OfTranslation(FromBase(loop, solution));
+}
+
+// Products of two coordinates.
+Eigen::Matrix<double, 1, 6> Squares(const Eigen::Vector3d& position, const Volume& volume) {
+  const Eigen::Vector3d p = (position - volume.centre) / volume.size;
+  Eigen::Matrix<double, 1, 6> squares;
+  squares << p.x() * p.x(), p.y() * p.y(), p.z() * p.z(), p.x() * p.y(), p.y() * p.z(),
+      p.z() * p.x();
+  return squares;
+}
+
+// Positions that are off by a quadratic function of the position.
+Columns ByBend(const Loop& loop, const Solution& solution, const Volume& volume) {
+  const Pose Transform_Base_Tr = loop.Transform_Base_Tc * loop.Transform_Tc_Tr;
+  const Eigen::Matrix<double, 1, 6> between = Squares(Transform_Base_Tr.translation(), volume) -
+                                              Squares(loop.Transform_Base_Tc.translation(), volume);
+  const Eigen::Matrix3d fromBase = FromBase(loop, solution);
+  Eigen::Matrix3Xd translation(3, 18);
+  for (int k = 0; k < 6; ++k) {
+    translation.middleCols<3>(3 * k) = between[k] * fromBase;
+  }
+  return OfTranslation(translation);
+}
+
+// Errors that follow the roll and the tilt of the chart in front of the camera.
+Columns ByRotation(const Loop& loop) {
+  const Eigen::Matrix3d& rotation = loop.Transform_Cam_Chart.linear();
+  const double roll = std::atan2(rotation(1, 0), rotation(0, 0));
+  Columns columns(6, 24);
+  int k = 0;
+  for (const double along : {rotation(0, 2), rotation(1, 2), std::cos(roll), std::sin(roll)}) {
+    columns.middleCols<6>(6 * k) = along * Matrix6d::Identity();
+    ++k;
+  }
+  return columns;
+}
+
+// Poses that are late, or early: what they miss of the motion to the next row, or from the one
+// before. Nothing is known of it if that row is too far away in time.
+Columns ByDelay(const Loops& loops, std::size_t index, bool isLate, const Solution& solution) {
+  constexpr double kMostSeconds = 3;  // a hand hardly moves evenly for longer
+  Columns columns = Columns::Zero(6, 1);
+  if (isLate ? index + 1 == loops.size() : index == 0) {
+    return columns;
+  }
+  const Loop& before = loops[isLate ? index : index - 1];
+  const Loop& after = loops[isLate ? index + 1 : index];
+  const double seconds = after.seconds - before.seconds;
+  if (seconds > 0 && seconds <= kMostSeconds) {
+    columns = Adjoint(solution.Transform_Cam_Tc) *
+              Log(after.Transform_Tc_Tr * before.Transform_Tc_Tr.inverse()) / seconds;
+  }
+  return columns;
+}
+
+using ColumnsOf = std::function<Columns(std::size_t)>;  // by the index of the loop
+
+TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& loops,
+                     const Solution& solution) {
+  const Eigen::Index size = columnsOf(0).cols();
+  const Eigen::Index unknowns = solution.covariance.rows();
+  Eigen::MatrixXd information = Eigen::MatrixXd::Zero(size, size);
+  Eigen::MatrixXd shared = Eigen::MatrixXd::Zero(size, unknowns);
+  Eigen::VectorXd towards = Eigen::VectorXd::Zero(size);
+  double squares = 0;
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    if (!solution.used[i]) {
+      continue;
+    }
+    const Columns columns = columnsOf(i);
+    const Eigen::MatrixXd weighted =
+        columns.transpose() * Inverse(CovarianceOf(loops[i], solution, solution.noise));
+    const Twist residual = Residual(loops[i], i, solution);
+    information += weighted * columns;
+    shared += weighted * DesignOf(loops[i], i, solution);
+    towards += weighted * residual;
+    squares += solution.disagreement[i];
+  }
+  TrackerFlawTest test;
+  test.flaw = flaw;
+  // Some directions are those of the transforms themselves, which have taken them up.
+  const Eigen::MatrixXd left = information - shared * solution.covariance * shared.transpose();
+  const Eigen::VectorXd scale = information.diagonal().cwiseMax(1e-30).cwiseSqrt().cwiseInverse();
+  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> eigen(scale.asDiagonal() * left *
+                                                             scale.asDiagonal());
+  const Eigen::VectorXd scaled = eigen.eigenvectors().transpose() * scale.cwiseProduct(towards);
+  Eigen::VectorXd value = Eigen::VectorXd::Zero(size);
+  double gain = 0;
+  int elements = 0;
+  for (Eigen::Index k = 0; k < size; ++k) {
+    if (eigen.eigenvalues()[k] > 1e-3) {
+      value[k] = scaled[k] / eigen.eigenvalues()[k];
+      gain += scaled[k] * value[k];
+      ++elements;
+    }
+  }
+  const Eigen::VectorXd flawed = scale.asDiagonal() * (eigen.eigenvectors() * value);
+  const double freedom =
+      6.0 * static_cast<double>(solution.Used()) - static_cast<double>(unknowns) - elements;
+  if (elements == 0 || !(freedom > 0) || !(squares > gain)) {
+    return test;
+  }
+  const double variance = (squares - gain) / freedom;
+  test.p = HotellingTail(gain / variance, elements, freedom);
+  double mm = 0;
+  double degrees = 0;
+  for (std::size_t i = 0; i < loops.size(); ++i) {
+    if (solution.used[i]) {
+      const Twist twist = columnsOf(i) * flawed;
+      degrees += twist.head<3>().squaredNorm();
+      mm += twist.tail<3>().squaredNorm();
+    }
+  }
+  const auto used = static_cast<double>(solution.Used());
+  test.mm = 1e3 * std::sqrt(mm / used);
+  test.degrees = std::sqrt(degrees / used) / kDegree;
+  if (flaw == TrackerFlaw::kDelay) {
+    test.delaySeconds = flawed[0];
+  }
+  test.moved = -(solution.covariance * shared.transpose() * flawed).head<6>();
+  return test;
+}
+
+}  // namespace
+
+std::vector<TrackerFlawTest> TestTrackers(const Loops& loops, const Solution& solution) {
+  const Volume volume = VolumeOf(loops);
+  const auto test = [&](TrackerFlaw flaw, const ColumnsOf& columnsOf) {
+    return Test(flaw, columnsOf, loops, solution);
+  };
+  return {
+      test(TrackerFlaw::kSag, [&](std::size_t i) { return BySag(loops[i], solution); }),
+      test(TrackerFlaw::kBentVolume,
+           [&](std::size_t i) { return ByBend(loops[i], solution, volume); }),
+      test(TrackerFlaw::kPoseDependent, [&](std::size_t i) { return ByRotation(loops[i]); }),
+      test(TrackerFlaw::kDelay, [&](std::size_t i) { return ByDelay(loops, i, true, solution); }),
+      test(TrackerFlaw::kDelay, [&](std::size_t i) { return ByDelay(loops, i, false, solution); }),
+  };
+}
+
+}  // namespace trackedcam::crosscheck

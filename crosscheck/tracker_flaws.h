@@ -1,0 +1,28 @@
+// Flaws of trackers and mounts that the residuals of the solution show: errors that follow
+// something instead of being noise.
+
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "crosscheck/evidence.h"
+#include "crosscheck/result.h"
+#include "crosscheck/solve.h"
+
+namespace trackedcam::crosscheck {
+
+/// What an error of the trackers follows, tested with all other unknowns following it.
+struct TrackerFlawTest {
+  TrackerFlaw flaw = TrackerFlaw::kSag;
+  double p = 1;
+  double delaySeconds = 0;      // for kDelay
+  double mm = 0;                // root mean square over the photographs
+  double degrees = 0;           // the same
+  Twist moved = Twist::Zero();  // of Transform_Cam_Tc if the flaw were taken away, a left twist
+};
+
+/// All flaws, for the loops in use.
+std::vector<TrackerFlawTest> TestTrackers(const Loops& loops, const Solution& solution);
+
+}  // namespace trackedcam::crosscheck
