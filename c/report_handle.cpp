@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/calibrate.h"
+#include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/silenced_stdout.h"
 #include "host/text/files.h"
@@ -48,21 +49,29 @@ std::vector<double> ListOf(const Report& report, const char* pointer, std::size_
   return numbers;
 }
 
-const host::Engine& EngineNamed(const std::string& name) {
-  std::string names;
-  for (const host::Engine& engine : host::kEngines) {
-    if (engine.name == name) {
-      return engine;
-    }
-    names += (names.empty() ? "" : ", ") + std::string(engine.name);
+host::ExportFormat FormatNamed(const std::string& name) {
+  const auto format = host::FindExportFormat(name);
+  if (!format) {
+    throw host::InputError(name + " is not one of " + host::ExportFormatNames() + '.');
   }
-  throw host::InputError(name + " is not one of the engines " + names + '.');
+  return *format;
 }
 
-void RequireAxes(const host::Engine& engine, const std::string& parentAxes) {
-  if (!parentAxes.empty() && !engine.takesParentAxes) {
-    throw host::InputError("parent axes are for unreal and unity, not for " +
-                           std::string(engine.name));
+// Options of other formats are refused: they would have no effect.
+void RequireFit(const host::ExportFormat& format, const ExportRequest& request, bool isFile) {
+  const std::string name = host::NameOf(format);
+  RequireParentAxes(format, request.parentAxes);
+  if (!IsStMap(format) && (request.file.overscan || !request.preview.empty())) {
+    throw host::InputError("overscan and preview_file are for stmap, not for " + name);
+  }
+  if (request.hasNodalOffset && !(IsUnreal(format) && isFile)) {
+    throw host::InputError("nodal_offset is for the Lens File of unreal");
+  }
+  if (!request.preview.empty() && !isFile) {
+    throw host::InputError("preview_file is for trackedcam_report_export_file");
+  }
+  if (isFile && format.engine != nullptr && !IsUnreal(format)) {
+    throw host::InputError(name + " has no file: use trackedcam_report_export");
   }
 }
 
@@ -87,7 +96,13 @@ Report::Report(host::Report report, bool isCalibration, bool isSilent)
       isCalibration_(isCalibration),
       isSilent_(isSilent),
       report_(std::move(report)),
-      result_(host::ResultJson(report_)) {}
+      result_(host::ResultJson(report_)) {
+  if (isCalibration_ && level_ != host::Level::kFailed) {
+    const nlohmann::json result = result_;
+    origin_ = host::OriginOf(result);
+    photograph_ = host::PhotographToShow(result);
+  }
+}
 
 std::vector<double> Report::Numbers(const std::string& pointer) const {
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -127,24 +142,40 @@ std::string Report::JsonText() const {
   return host::JsonText(result_);
 }
 
-const char* Report::Export(const std::string& engineName, const std::string& parentAxes) {
-  const host::Engine& engine = EngineNamed(engineName);
-  RequireAxes(engine, parentAxes);
+const char* Report::Export(const std::string& formatName, const ExportRequest& request) {
+  const host::ExportFormat format = FormatNamed(formatName);
+  RequireFit(format, request, false);
+  const host::ExportInput input = InputOf(request);
   const std::lock_guard<std::mutex> lock(mutex_);
   Json& exports = result_["exports"];
-  // The library writes one log for an engine. A second export would give the same values.
-  if (engine.takesParentAxes || !exports.contains(engineName)) {
-    exports[engineName] = host::EngineJson(RunExport(engine, parentAxes));
+  if (format.file != nullptr) {
+    exports[formatName] = host::LensFileJson(*format.file, input, request.file);
+  } else if (format.engine->takesParentAxes || !exports.contains(formatName)) {
+    // The library writes one log for an engine. A second export would give the same values.
+    exports[formatName] = host::EngineJson(RunExport(*format.engine, input));
   }
-  return Keep(host::JsonText(exports[engineName]));
+  return Keep(host::JsonText(exports[formatName]));
 }
 
-const char* Report::LensFile(const std::string& parentAxes, const std::string& name) {
-  const auto engineExport = RunExport(EngineNamed("unreal"), parentAxes);
-  if (!engineExport.values.unreal) {
-    ThrowNotFound(host::ProblemOf(engineExport));
+void Report::ExportFile(const std::string& formatName, const ExportRequest& request,
+                        const fs::path& file) const {
+  const host::ExportFormat format = FormatNamed(formatName);
+  RequireFit(format, request, true);
+  const host::ExportInput input = InputOf(request);
+  if (format.file == nullptr) {
+    host::WriteFile(file, LensFileText(input, file.stem().u8string(), request.hasNodalOffset));
+    return;
   }
-  const std::string text = host::LensFileText(*engineExport.values.unreal, name);
+  for (const host::LensFile& part : format.file->write(input, request.file)) {
+    host::WriteFile(host::WithSuffix(file, part.suffix), part.content);
+  }
+  if (!request.preview.empty()) {
+    host::WriteFile(request.preview, host::PreviewOf(input, request.file));
+  }
+}
+
+const char* Report::LensFile(const ExportRequest& request, const std::string& name) {
+  const std::string text = LensFileText(InputOf(request), name, false);
   const std::lock_guard<std::mutex> lock(mutex_);
   return Keep(text);
 }
@@ -179,18 +210,30 @@ const char* Report::Keep(const std::string& text) {
   return texts_.insert(text).first->c_str();
 }
 
+host::ExportInput Report::InputOf(const ExportRequest& request) const {
+  RequireExportable(request.evenIfWrong);
+  return {report_.run.outputs, report_.inputs.sensorMm, request.parentAxes, origin_, photograph_};
+}
+
 host::EngineExport Report::RunExport(const host::Engine& engine,
-                                     const std::string& parentAxes) const {
-  RequireExportable();
+                                     const host::ExportInput& input) const {
   std::optional<host::SilencedStdout> silenced;
   if (isSilent_ && !engine.takesParentAxes) {
     silenced.emplace();
   }
-  return host::ExportToEngine(engine, {report_.run.outputs, report_.inputs.sensorMm, parentAxes},
-                              report_.run.folder / engine.name);
+  return host::ExportToEngine(engine, input, report_.run.folder / engine.name);
 }
 
-void Report::RequireExportable() const {
+std::string Report::LensFileText(const host::ExportInput& input, const std::string& name,
+                                 bool hasNodalOffset) const {
+  const auto engineExport = RunExport(*FormatNamed("unreal").engine, input);
+  if (!engineExport.values.unreal) {
+    ThrowNotFound(host::ProblemOf(engineExport));
+  }
+  return host::LensFileText(*engineExport.values.unreal, name, hasNodalOffset);
+}
+
+void Report::RequireExportable(bool evenIfWrong) const {
   if (!isCalibration_) {
     ThrowNotFound(
         "The report of a log cannot be exported, because a log has too few decimals. Export the "
@@ -198,6 +241,10 @@ void Report::RequireExportable() const {
   }
   if (level_ == host::Level::kFailed) {
     ThrowNotFound("The calibration failed: there is nothing to export.");
+  }
+  const std::string refusal = RefusalOf(origin_, "even_if_wrong");
+  if (!refusal.empty() && !evenIfWrong) {
+    throw Refusal(TRACKEDCAM_WRONG_RESULT, refusal);
   }
 }
 
@@ -320,15 +367,72 @@ trackedcam_status trackedcam_report_count(trackedcam_report* report, const char*
   });
 }
 
-trackedcam_status trackedcam_report_export(trackedcam_report* report, const char* engine,
+trackedcam_status trackedcam_export_options_init(trackedcam_export_options* options,
+                                                 size_t struct_size) {
+  return Guarded([&] {
+    RequirePointer(options, "options");
+    RequireSize(struct_size, sizeof(trackedcam_export_options), "options");
+    *options = {};
+    options->struct_size = sizeof(trackedcam_export_options);
+  });
+}
+
+namespace {
+
+void ExportTo(trackedcam_report* report, const char* format, const ExportRequest& request,
+              const char** json) {
+  const auto read = Reports().Get(report);
+  const char* const text = read->Export(RequireText(format, "format"), request);
+  if (json != nullptr) {
+    *json = text;
+  }
+}
+
+ExportRequest RequestOf(const trackedcam_export_options& options) {
+  RequireSize(options.struct_size, sizeof(options), "options");
+  const auto isSet = [](std::int32_t flag, const char* name) {
+    if (flag != 0 && flag != 1) {
+      throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, std::string(name) + " is neither 0 nor 1.");
+    }
+    return flag == 1;
+  };
+  if (options.reserved != 0) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "reserved is not 0.");
+  }
+  ExportRequest request = {OptionalText(options.parent_axes, "parent_axes")};
+  request.evenIfWrong = isSet(options.even_if_wrong, "even_if_wrong");
+  request.hasNodalOffset = isSet(options.nodal_offset, "nodal_offset");
+  request.preview = OptionalPath(options.preview_file, "preview_file");
+  if (options.overscan != 0) {
+    request.file.overscan = options.overscan;
+  }
+  return request;
+}
+
+}  // namespace
+
+trackedcam_status trackedcam_report_export(trackedcam_report* report, const char* format,
                                            const char* parent_axes, const char** json) {
+  return Guarded(
+      [&] { ExportTo(report, format, {OptionalText(parent_axes, "parent_axes")}, json); });
+}
+
+trackedcam_status trackedcam_report_export_with(trackedcam_report* report, const char* format,
+                                                const trackedcam_export_options* options,
+                                                const char** json) {
+  return Guarded([&] {
+    RequirePointer(options, "options");
+    ExportTo(report, format, RequestOf(*options), json);
+  });
+}
+
+trackedcam_status trackedcam_report_export_file(trackedcam_report* report, const char* format,
+                                                const trackedcam_export_options* options,
+                                                const char* file) {
   return Guarded([&] {
     const auto read = Reports().Get(report);
-    const char* const text =
-        read->Export(RequireText(engine, "engine"), OptionalText(parent_axes, "parent_axes"));
-    if (json != nullptr) {
-      *json = text;
-    }
+    const ExportRequest request = options == nullptr ? ExportRequest() : RequestOf(*options);
+    read->ExportFile(RequireText(format, "format"), request, PathOf(file, "file"));
   });
 }
 
@@ -338,7 +442,7 @@ trackedcam_status trackedcam_report_lens_file(trackedcam_report* report, const c
     const auto read = Reports().Get(report);
     const std::string lens = RequireText(name, "name");
     RequirePointer(text, "text");
-    *text = read->LensFile(OptionalText(parent_axes, "parent_axes"), lens);
+    *text = read->LensFile({OptionalText(parent_axes, "parent_axes")}, lens);
   });
 }
 

@@ -10,9 +10,19 @@
 #include <nlohmann/json.hpp>
 
 #include "c/handles.h"
+#include "host/lens_files/export_format.h"
 #include "host/report.h"
 
 namespace trackedcam::c {
+
+/// trackedcam_export_options.
+struct ExportRequest {
+  std::string parentAxes;
+  host::LensFileOptions file = {};
+  bool hasNodalOffset = false;
+  bool evenIfWrong = false;
+  std::filesystem::path preview = {};
+};
 
 class Report {
  public:
@@ -37,8 +47,10 @@ class Report {
   std::string JsonText() const;
 
   /// Adds the export to the report.
-  const char* Export(const std::string& engineName, const std::string& parentAxes);
-  const char* LensFile(const std::string& parentAxes, const std::string& name);
+  const char* Export(const std::string& format, const ExportRequest& request);
+  void ExportFile(const std::string& format, const ExportRequest& request,
+                  const std::filesystem::path& file) const;
+  const char* LensFile(const ExportRequest& request, const std::string& name);
 
   /// @param folder That of the page; empty: that of the run.
   const char* Page(const std::filesystem::path& folder);
@@ -49,14 +61,19 @@ class Report {
   const nlohmann::ordered_json& At(const std::string& pointer) const;
   const char* Keep(const std::string& text);
 
-  host::EngineExport RunExport(const host::Engine& engine, const std::string& parentAxes) const;
-  void RequireExportable() const;
+  host::ExportInput InputOf(const ExportRequest& request) const;
+  host::EngineExport RunExport(const host::Engine& engine, const host::ExportInput& input) const;
+  std::string LensFileText(const host::ExportInput& input, const std::string& name,
+                           bool hasNodalOffset) const;
+  void RequireExportable(bool evenIfWrong) const;
 
   const host::Level level_;
   const bool isCalibration_;
   const bool isSilent_;
   const host::Report report_;
-  mutable std::mutex mutex_;  // of the members below
+  host::Origin origin_;               // of a calibration
+  std::filesystem::path photograph_;  // as host::ExportInput::photograph
+  mutable std::mutex mutex_;          // of the members below
   nlohmann::ordered_json result_;
   std::set<std::string> texts_;  // that hosts hold: the address of each stays valid
 };

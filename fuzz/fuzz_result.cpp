@@ -8,6 +8,7 @@
 #include "fuzz/fuzz.h"
 #include "host/engines/unity.h"
 #include "host/engines/unreal.h"
+#include "host/lens_files/lens_file.h"
 #include "host/result/result_file.h"
 #include "host/text/files.h"
 #include "report/page.h"
@@ -25,9 +26,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       fuzz::Require(std::isfinite(value), "a location is not finite");
     }
     if (values.lens) {
-      host::LensFileText(values, "lens");
+      host::LensFileText(values, "lens", true);
     }
     host::ToUnity(input);
+    for (const host::LensFileFormat& format : host::kLensFileFormats) {
+      if (format.isText) {
+        format.write(input, {});
+      }
+    }
   } catch (const std::runtime_error&) {  // refused, or of a calibration that failed
   }
   try {

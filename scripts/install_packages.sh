@@ -23,7 +23,7 @@ packages_of() {
     build) echo cmake g++ git ninja-build libopencv-dev libeigen3-dev libopenblas0-serial ;;
     host)
       echo libcli11-dev nlohmann-json3-dev libboost-dev libtomlplusplus-dev libkainjow-mustache-dev
-      echo libcairo2-dev pkgconf lowdown libjs-three libjs-chart.js
+      echo libcairo2-dev pkgconf lowdown libjs-three libjs-chart.js zlib1g-dev
       ;;
     # opencv-doc: photographs of a real chessboard that a test calibrates.
     # dpkg-dev, file: packaging finds the dependencies. poppler-utils, librsvg2-bin: a test renders
@@ -36,6 +36,9 @@ packages_of() {
       echo clang libclang-rt-14-dev
       # The Python package and its wheel; a C# program and a C# recorder.
       echo python3-numpy python3-pytest python3-build python3-hatchling mypy mono-mcs mono-runtime
+      # The programs for which lens files are written, and their schema; a compiler of shaders.
+      echo camera-calibration-parsers-tools colmap python3-openimageio python3-opencv
+      echo python3-jsonschema python3-yaml glslang-tools
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;

@@ -85,16 +85,21 @@ void PrepareOutput(const CalibrateOptions& options, std::vector<fs::path> inputs
   PrepareOutputFolder("--log-folder", options.inputs.logFolder);
 }
 
+bool IsRefused(const CalibrateOptions& options, const host::Report& report) {
+  return report.verdict.level == host::Level::kWrong && !options.evenIfWrong;
+}
+
 // A failed calibration is not exported. If an export fails, the run's result is still good.
 void Export(const CalibrateOptions& options, host::Report& report) {
-  if (report.verdict.level == host::Level::kFailed) {
+  if (report.verdict.level == host::Level::kFailed || IsRefused(options, report)) {
     return;
   }
+  host::ExportInput input = {report.run.outputs, options.inputs.sensorMm, options.parentAxes};
+  input.origin = {report.run.record.time, report.verdict.level, report.verdict.message, {}, {}, {}};
   for (const host::Engine* engine : options.exports) {
     try {
-      report.exports.push_back(host::ExportToEngine(
-          *engine, {report.run.outputs, options.inputs.sensorMm, options.parentAxes},
-          report.run.folder / engine->name));
+      report.exports.push_back(
+          host::ExportToEngine(*engine, input, report.run.folder / engine->name));
     } catch (const std::exception& error) {
       report.exports.push_back({engine, -1, false, {}, error.what(), {}});
     }
@@ -209,6 +214,9 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   for (const std::string& error : written.errors) {
     std::cerr << "trackedcam: error: " << error << '\n';
   }
+  if (!options.exports.empty() && IsRefused(options, report)) {
+    std::cerr << "trackedcam: error: " << host::NotExportedText("--even-if-wrong") << '\n';
+  }
   const bool isExported = PrintExports(report);
   const int status = ExitStatus(report);
   return status == 0 && !(isExported && written.errors.empty()) ? 1 : status;
@@ -279,6 +287,10 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->group("Output");
   AddValue(command, "--parent-axes", options.parentAxes, ParseParentAxesText, "X,Y,Z",
            kParentAxesHelp)
+      ->group("Output");
+  command
+      .add_flag("--even-if-wrong", options.evenIfWrong,
+                "Export of a result that is certainly wrong")
       ->group("Output");
   AddPath(command, "--truth", options.truth, "FILE.json",
           "Truth of a simulated shoot, to compare with")

@@ -19,6 +19,7 @@ struct CalibrateOptions {
   MountingOptions mounting;
   std::filesystem::path result;  // empty: none
   std::vector<const host::Engine*> exports;
+  bool evenIfWrong = false;      // exports a result that is certainly wrong
   std::string parentAxes;        // of the camera in an engine; empty: the engine's default
   std::filesystem::path truth;   // empty: unknown
   std::filesystem::path report;  // empty: in the folder of the run

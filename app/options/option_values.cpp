@@ -12,6 +12,7 @@
 
 #include "host/input/inputs.h"
 #include "host/input/reported_axes.h"
+#include "host/lens_files/stmap.h"
 #include "host/text/text.h"
 
 namespace trackedcam::app {
@@ -329,6 +330,23 @@ std::vector<const Engine*> ParseEngines(const std::string& option, const std::st
     engines.push_back(ParseEngine(option, name));
   }
   return engines;
+}
+
+host::ExportFormat ParseExportFormat(const std::string& option, const std::string& text) {
+  const auto format = host::FindExportFormat(Trim(text));
+  if (!format) {
+    Reject(option, text + " is not one of " + host::ExportFormatNames());
+  }
+  return *format;
+}
+
+double ParseOverscan(const std::string& option, const std::string& text) {
+  const auto overscan = ParseNumber(Trim(text));
+  if (!overscan || !(*overscan >= 1 && *overscan <= host::kMostOverscan)) {
+    Reject(option,
+           text + " is not a factor from 1 to " + Shortest(host::kMostOverscan) + ", such as 1.1");
+  }
+  return *overscan;
 }
 
 std::string ParseParentAxesText(const std::string& option, const std::string& text) {

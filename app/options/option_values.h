@@ -16,6 +16,7 @@
 #include "host/engines/engine.h"
 #include "host/input/inputs.h"
 #include "host/input/reported_axes.h"
+#include "host/lens_files/export_format.h"
 
 namespace trackedcam::app {
 
@@ -137,6 +138,12 @@ const host::Engine* ParseEngine(const std::string& option, const std::string& te
 
 /// "ue5,aximmetry": names of engines.
 std::vector<const host::Engine*> ParseEngines(const std::string& option, const std::string& text);
+
+/// "ue4" or "opencv": the name of an engine or of a file format.
+host::ExportFormat ParseExportFormat(const std::string& option, const std::string& text);
+
+/// "1.1": from 1 to host::kMostOverscan.
+double ParseOverscan(const std::string& option, const std::string& text);
 
 /// "z,-x,y" or "z-forward": the axes of the camera's parent in an engine, checked, but returned as
 /// they were written.

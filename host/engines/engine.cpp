@@ -53,17 +53,24 @@ std::string TextOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-EngineExport Compute(const Engine& engine, const ExportInput& input) {
+void Compute(const ExportInput& input, EngineExport& engineExport) {
   constexpr int kWrongUse = -1;  // the library's code for invalid input
-  EngineExport engineExport;
-  engineExport.engine = &engine;
   try {
-    engineExport.code = engine.convert(input, "", engineExport.values);
+    engineExport.code = engineExport.engine->convert(input, "", engineExport.values);
   } catch (const std::invalid_argument& error) {
     engineExport.code = kWrongUse;
     engineExport.refusal = error.what();
   }
-  return engineExport;
+}
+
+void CallLibrary(const ExportInput& input, const std::filesystem::path& folder,
+                 EngineExport& engineExport) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);  // if this fails, there is no log
+  engineExport.code = engineExport.engine->convert(input, folder.u8string(), engineExport.values);
+  engineExport.log = FindLog(folder);
+  engineExport.isGimbalLocked =
+      TextOf(engineExport.log).find("Encountered Gimbal lock") != std::string::npos;
 }
 
 bool LacksLens(const EngineValues& values) {
@@ -77,6 +84,14 @@ std::vector<std::string> SplitAxes(const std::string& axes) {
     names.push_back(name);
   }
   return names;
+}
+
+// All that a caller in memory must know.
+std::string MessageOf(const EngineExport& engineExport) {
+  const std::string problem = ProblemOf(engineExport);
+  const std::string& doubt = engineExport.doubt;
+  const std::string message = problem + (problem.empty() || doubt.empty() ? "" : " ") + doubt;
+  return message.empty() ? "No error" : message;
 }
 
 nlohmann::ordered_json PlacementJson(const EngineExport& engineExport) {
@@ -147,17 +162,14 @@ const std::array<Engine, 6> kEngines = {{
 
 EngineExport ExportToEngine(const Engine& engine, const ExportInput& input,
                             const std::filesystem::path& folder) {
-  if (engine.takesParentAxes) {
-    return Compute(engine, input);
-  }
   EngineExport engineExport;
   engineExport.engine = &engine;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);  // if this fails, there is no log
-  engineExport.code = engine.convert(input, folder.u8string(), engineExport.values);
-  engineExport.log = FindLog(folder);
-  engineExport.isGimbalLocked =
-      TextOf(engineExport.log).find("Encountered Gimbal lock") != std::string::npos;
+  engineExport.doubt = input.origin ? DoubtOf(*input.origin) : "";
+  if (engine.takesParentAxes) {
+    Compute(input, engineExport);
+  } else {
+    CallLibrary(input, folder, engineExport);
+  }
   return engineExport;
 }
 
@@ -189,9 +201,8 @@ std::string ProblemOf(const EngineExport& engineExport) {
 nlohmann::ordered_json EngineJson(const EngineExport& engineExport) {
   const Engine& engine = *engineExport.engine;
   const EngineValues& values = engineExport.values;
-  const std::string problem = ProblemOf(engineExport);
   nlohmann::ordered_json json = {
-      {"code", engineExport.code}, {"message", problem.empty() ? "No error" : problem},
+      {"code", engineExport.code}, {"message", MessageOf(engineExport)},
       {"engine", engine.name},     {"title", engine.title},
       {"hand", engine.handedness}, {"cameraAxes", engine.cameraAxes},
   };

@@ -56,6 +56,7 @@ struct EngineExport {
   EngineValues values;
   std::string refusal;        // why there are no values, if no log gives the reason
   std::filesystem::path log;  // empty if the library was not called or could not write one
+  std::string doubt = {};     // about the result that was exported; empty if there is none
 };
 
 /// Calls the library, or computes the values.

@@ -99,6 +99,10 @@ Matrix3d RightUpForward() {
   return Columns(kRight, kUp, kForward);
 }
 
+Matrix3d RightForwardUp() {
+  return Columns(kRight, kForward, kUp);
+}
+
 CameraPlacement InEngineAxes(const CameraPlacement& reported, const Matrix3d& fromReported,
                              const Matrix3d& axesAtCamera) {
   return {fromReported * reported.rotation * axesAtCamera, fromReported * reported.position};
@@ -126,10 +130,12 @@ ParentAxes ParseParentAxes(const std::string& text, const std::string& zForward)
     throw InputError(text + " is not a list X,Y,Z of reported axes, such as " + zForward +
                      ", and not " + kZForward + " or " + kMinusZForward);
   }
-  if (axes->determinant() > 0) {
-    throw InputError(text +
-                     " is right-handed, but the engine's axes are left-handed: change one sign, or "
-                     "exchange two axes");
+  const bool isRightHanded = axes->determinant() > 0;
+  if (isRightHanded != (AxesFrom(zForward)->determinant() > 0)) {
+    throw InputError(text + " is " + (isRightHanded ? "right" : "left") +
+                     "-handed, but the axes of the parent are " +
+                     (isRightHanded ? "left" : "right") +
+                     "-handed: change one sign, or exchange two axes");
   }
   return {TextOf(*axes), *axes};
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,15 +12,20 @@
 #include <Eigen/Core>
 #include <Eigen/Geometry>
 
+#include "host/engines/origin.h"
 #include "host/run/calibration_outputs.h"
 
 namespace trackedcam::host {
 
-/// What is exported to an engine.
+/// What is exported.
 struct ExportInput {
   CalibrationOutputs calibration;
   std::optional<std::array<double, 2>> sensorMm;  // nothing: unknown, as in an old result file
-  std::string parentAxes;  // as for ParseParentAxes; empty: the engine's default
+  std::string parentAxes;             // as for ParseParentAxes; empty: the engine's default
+  std::optional<Origin> origin = {};  // nothing: the export does not say it
+  /// The one to show without distortion: that in which the chart was seen nearest to a corner of
+  /// the image. Empty if the result names none.
+  std::filesystem::path photograph = {};
 };
 
 // The pose.
@@ -43,6 +49,7 @@ CameraPlacement PlacementInReportedAxes(const std::vector<double>& transformCamT
 /// z forward, in columns.
 Eigen::Matrix3d ForwardRightUp();
 Eigen::Matrix3d RightUpForward();
+Eigen::Matrix3d RightForwardUp();
 
 /// The same pose in an engine's axes.
 /// @param fromReported Converts coordinates from the tracker's reported axes to the engine's.
@@ -69,9 +76,7 @@ constexpr const char* kMinusZForward = "minus-z-forward";
 
 /// @param text x, y and z, each once and with or without a minus, or one of the names.
 /// @param zForward The engine's axes for z-forward, as letters.
-/// @throws InputError if the text is neither, or if the axes are right-handed: the reported axes
-/// are
-///         right-handed, and the engines that have parent axes are left-handed.
+/// @throws InputError if the text is neither, or if the axes are of the other hand than zForward.
 ParentAxes ParseParentAxes(const std::string& text, const std::string& zForward);
 
 // The lens.

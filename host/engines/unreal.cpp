@@ -88,7 +88,7 @@ Json UnrealJson(const UnrealValues& values) {
   };
 }
 
-std::string LensFileText(const UnrealValues& values, const std::string& name) {
+std::string LensFileText(const UnrealValues& values, const std::string& name, bool hasNodalOffset) {
   if (!values.lens) {
     throw std::runtime_error(
         "the lens is unknown, so no Lens File can be written: calibrate again");
@@ -98,6 +98,15 @@ std::string LensFileText(const UnrealValues& values, const std::string& name) {
   const auto encoder = [](const char* table, const char* columns) {
     return Json{{"parameterName", table}, {"header", columns}, {"data", ""}};
   };
+  Json tables = Json::array(
+      {TableJson("FocalLengthTable", "Fx, Fy", {lens.fxFy[0], lens.fxFy[1]}),
+       TableJson("ImageCenterTable", "Cx, Cy", {lens.imageCenter[0], lens.imageCenter[1]}),
+       TableJson("DistortionTable", "K1, K2, K3, P1, P2",
+                 {lens.k1, lens.k2, lens.k3, lens.p1, lens.p2})});
+  if (hasNodalOffset) {
+    tables.push_back(
+        TableJson("NodalOffsetTable", "Qx, Qy, Qz, Qw, Tx, Ty, Tz", NodalOffset(values)));
+  }
   return JsonText({
       {"metadata",
        {{"type", "LensFile"},
@@ -111,13 +120,7 @@ std::string LensFileText(const UnrealValues& values, const std::string& name) {
       {"sensorDimensions",
        {{"width", lens.filmbackMm[0]}, {"height", lens.filmbackMm[1]}, {"units", "Millimeters"}}},
       {"imageDimensions", {{"width", lens.imageSize[0]}, {"height", lens.imageSize[1]}}},
-      {"cameraParameterTables",
-       Json::array(
-           {TableJson("FocalLengthTable", "Fx, Fy", {lens.fxFy[0], lens.fxFy[1]}),
-            TableJson("ImageCenterTable", "Cx, Cy", {lens.imageCenter[0], lens.imageCenter[1]}),
-            TableJson("NodalOffsetTable", "Qx, Qy, Qz, Qw, Tx, Ty, Tz", NodalOffset(values)),
-            TableJson("DistortionTable", "K1, K2, K3, P1, P2",
-                      {lens.k1, lens.k2, lens.k3, lens.p1, lens.p2})})},
+      {"cameraParameterTables", tables},
       {"encoderTables", Json::array({encoder("Focus", "FocusEncoder, FocusCM"),
                                      encoder("Iris", "IrisEncoder, IrisFstop")})},
   });

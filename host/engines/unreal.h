@@ -33,10 +33,11 @@ UnrealValues ToUnreal(const ExportInput& input);
 /// The pose as "locationCm", "rotationDeg" and "quaternionXyzw", and the lens.
 nlohmann::ordered_json UnrealJson(const UnrealValues& values);
 
-/// The content of a .ulens file, which the editor imports as a Lens File asset: the lens, and the
-/// pose as nodal offset, for one zoom and focus.
+/// The content of a .ulens file, which the editor imports as a Lens File asset: the lens, for one
+/// zoom and focus.
 /// @param name The lens's name.
+/// @param hasNodalOffset Whether it has the pose too, for a camera that the tracker moves itself.
 /// @throws std::runtime_error if the lens is unknown.
-std::string LensFileText(const UnrealValues& values, const std::string& name);
+std::string LensFileText(const UnrealValues& values, const std::string& name, bool hasNodalOffset);
 
 }  // namespace trackedcam::host

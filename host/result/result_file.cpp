@@ -76,6 +76,44 @@ void ParseLens(const nlohmann::json& json, ExportInput& input) {
   }
 }
 
+std::string TextAt(const nlohmann::json& json, const char* place) {
+  const nlohmann::json::json_pointer pointer(place);
+  return json.contains(pointer) && json.at(pointer).is_string()
+             ? json.at(pointer).get<std::string>()
+             : "";
+}
+
+// Empty unless all are there.
+std::vector<double> NumbersAt(const nlohmann::json& json, const std::vector<std::string>& places) {
+  std::vector<double> numbers;
+  for (const std::string& place : places) {
+    const nlohmann::json::json_pointer pointer(place);
+    if (!json.contains(pointer) || !json.at(pointer).is_number()) {
+      return {};
+    }
+    numbers.push_back(json.at(pointer).get<double>());
+  }
+  return numbers;
+}
+
+std::vector<double> ThreeAt(const nlohmann::json& json, const std::string& place) {
+  return NumbersAt(json, {place + "/0", place + "/1", place + "/2"});
+}
+
+// How far from the middle of the image the chart was seen, in pixels.
+double ReachOf(const nlohmann::json& photograph, const std::vector<double>& imageSize) {
+  double reach = 0;
+  const nlohmann::json::json_pointer corners("/crossCheck/corners");
+  for (const nlohmann::json& corner :
+       photograph.contains(corners) ? photograph.at(corners) : nlohmann::json::array()) {
+    const std::vector<double> place = NumbersAt(corner, {"/0", "/1"});
+    if (!place.empty()) {
+      reach = std::max(reach, std::hypot(place[0] - imageSize[0] / 2, place[1] - imageSize[1] / 2));
+    }
+  }
+  return reach;
+}
+
 Result Parse(const nlohmann::json& json) {
   Result result;
   result.code = json.at("code").get<int>();
@@ -85,6 +123,8 @@ Result Parse(const nlohmann::json& json) {
     calibration.normCenter = ReadNumbers(json, "normCenter", 2);
     calibration.transformCamTc = ReadNumbers(json, "transformCamTc", 16);
     ParseLens(json, result.input);
+    result.input.origin = OriginOf(json);
+    result.input.photograph = PhotographToShow(json);
   }
   return result;
 }
@@ -130,6 +170,10 @@ bool IsLensFile(const fs::path& file) {
          JsonText(*json) == ReadFile(file);
 }
 
+bool IsExportFile(const fs::path& file) {
+  return BeginningOf(file, kHead).find(kWrittenBy) != std::string::npos;
+}
+
 bool IsTruthFile(const fs::path& file) {
   const auto json = ReadObject(file);
   return json && HasAll(*json, {"seed", "lensPixels", "transformCamTc", "mounting", "photographs"});
@@ -155,6 +199,41 @@ CalibrationOutputs ReadTruth(const std::filesystem::path& path,
   } catch (const std::exception& error) {
     throw InputError(path.u8string() + " is not the truth of a simulated shoot: " + error.what());
   }
+}
+
+Origin OriginOf(const nlohmann::json& result) {
+  const std::string level = TextAt(result, "/verdict/level");
+  // A result without a verdict is older than the cross-check.
+  const Verdict ofCode = VerdictOf(result.at("code").get<int>());
+  Origin origin = {TextAt(result, "/time"), ofCode.level, ofCode.message, {}, {}, {}};
+  for (const Level known : {Level::kGood, Level::kDoubtful, Level::kWrong, Level::kFailed}) {
+    if (level == Name(known)) {
+      origin.level = known;
+      origin.message = TextAt(result, "/verdict/message");
+    }
+  }
+  const std::string lens = "/crossCheck/lens/";
+  origin.lensErrors = NumbersAt(
+      result, {lens + "fx", lens + "fy", lens + "cx", lens + "cy", lens + "k1", lens + "k2"});
+  origin.positionErrorsMm = ThreeAt(result, "/crossCheck/standardErrorCamTc/translationMm");
+  origin.rotationErrorsDegrees = ThreeAt(result, "/crossCheck/standardErrorCamTc/rotationDegrees");
+  return origin;
+}
+
+std::filesystem::path PhotographToShow(const nlohmann::json& result) {
+  const std::vector<double> imageSize = NumbersAt(result, {"/imageSize/0", "/imageSize/1"});
+  std::string path;
+  double farthest = 0;
+  for (const nlohmann::json& photograph :
+       imageSize.empty() ? nlohmann::json::array()
+                         : result.value("photographs", nlohmann::json::array())) {
+    const double reach = ReachOf(photograph, imageSize);
+    if (reach > farthest && TextAt(photograph, "/state") == "used") {
+      farthest = reach;
+      path = TextAt(photograph, "/path");
+    }
+  }
+  return fs::u8path(path);
 }
 
 ExportInput ReadResult(const std::filesystem::path& path) {

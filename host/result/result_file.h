@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "host/engines/placement.h"
 #include "host/run/calibration_outputs.h"
 
@@ -22,6 +24,9 @@ bool IsReportPage(const std::filesystem::path& file);
 
 /// A Lens File as ExportToEngine makes it, as it was written.
 bool IsLensFile(const std::filesystem::path& file);
+
+/// A file of trackedcam export that is not a Lens File: a lens for another program, or a preview.
+bool IsExportFile(const std::filesystem::path& file);
 
 /// The truth of a simulated shoot.
 bool IsTruthFile(const std::filesystem::path& file);
@@ -44,10 +49,17 @@ TransformDifference Difference(const std::vector<double>& a, const std::vector<d
 CalibrationOutputs ReadTruth(const std::filesystem::path& path,
                              const std::array<double, 2>& sensor);
 
-/// What the engines need of a result file: normFocal, normCenter and transformCamTc; where the file
-/// has them also imageSize, distortion and the sensor.
+/// What the exports need of a result file: normFocal, normCenter and transformCamTc; where the file
+/// has them also imageSize, distortion and the sensor; and its origin.
 /// @throws InputError when the file is no result.
 /// @throws std::runtime_error when it is the result of a failed calibration.
 ExportInput ReadResult(const std::filesystem::path& path);
+
+/// Where a result comes from. What it does not say is left out.
+/// @throws std::exception when it has no code.
+Origin OriginOf(const nlohmann::json& result);
+
+/// As ExportInput::photograph.
+std::filesystem::path PhotographToShow(const nlohmann::json& result);
 
 }  // namespace trackedcam::host

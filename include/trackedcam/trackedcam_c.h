@@ -78,7 +78,8 @@ enum trackedcam_status_code {
   TRACKEDCAM_NOT_DONE = 4,       ///< The run has not ended.
   TRACKEDCAM_TOO_SMALL = 5,      ///< The caller's array is too small.
   TRACKEDCAM_OUT_OF_MEMORY = 6,  ///< There is not enough memory.
-  TRACKEDCAM_FAILURE = 7         ///< Any other error, such as a full disk.
+  TRACKEDCAM_FAILURE = 7,        ///< Any other error, such as a full disk.
+  TRACKEDCAM_WRONG_RESULT = 8    ///< The result is certainly wrong, so it is not exported.
 };
 
 /// The version of the library, such as "1.1.0".
@@ -400,28 +401,78 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_report_text(trackedcam_report* rep
 TRACKEDCAM_C_API trackedcam_status trackedcam_report_count(trackedcam_report* report,
                                                            const char* pointer, size_t* count);
 
+/// How to export. Fill it with trackedcam_export_options_init. Later versions add members at the
+/// end.
+typedef struct trackedcam_export_options {
+  uint32_t struct_size;   ///< Bytes. trackedcam_export_options_init sets it.
+  int32_t even_if_wrong;  ///< 1: export a result of level TRACKEDCAM_WRONG too.
+  /// 1: the Lens File of unreal has the pose as nodal offset, for a camera that the tracker moves
+  /// itself. A camera below a component with the exported pose must not have it.
+  int32_t nodal_offset;
+  int32_t reserved;  ///< 0.
+  /// Of stmap: the undistorted picture in sizes of the photograph, from 1 to 4; 0: as large as it
+  /// must be to show all of the photograph.
+  double overscan;
+  /// Of unreal, unity and opentrackio: X, Y and Z of the camera's parent in the reported axes of
+  /// the tracker, such as "z,-x,y"; or "z-forward", "minus-z-forward". NULL: the format's default.
+  const char* parent_axes;
+  /// Of stmap, for trackedcam_report_export_file: path of a PNG file with one photograph
+  /// undistorted; or NULL.
+  const char* preview_file;
+} trackedcam_export_options;
+
+/// Sets all members to their defaults.
+/// @param[out] options The options.
+/// @param struct_size sizeof(trackedcam_export_options).
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_export_options_init(trackedcam_export_options* options, size_t struct_size);
+
 /// Exports the result to an engine: the pose of the camera relative to its tracker, in the engine's
-/// axes. The export is added to the report, as "/exports/ue4" and so on.
+/// axes; or to a file of another program. The export is added to the report, as "/exports/ue4" and
+/// so on.
 /// @param report Of a calibration that did not fail.
-/// @param engine unreal, unity, ue4, ue5, ue5-xn or aximmetry.
-/// @param parent_axes For unreal and unity: X, Y and Z of the camera's parent in the reported axes
-///   of the tracker, such as "z,-x,y"; or "z-forward", "minus-z-forward". NULL: the engine's
-///   default. For the other engines NULL.
-/// @param[out] json The values, with the units in their names, and a code: 0, or that of the
-///   library, such as 3 for a gimbal lock. May be NULL.
-/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_NOT_FOUND if the calibration failed.
+/// @param format unreal, unity, ue4, ue5, ue5-xn or aximmetry; opencv, ros, colmap, opentrackio or
+///   stmap.
+/// @param parent_axes As in trackedcam_export_options. The other options have their defaults.
+/// @param[out] json Of an engine, the values, with the units in their names. Of a file, its "text";
+///   of stmap, "undistortedSize" and "overscan". A code: 0, or that of the library, such as 3 for a
+///   gimbal lock. A "message", which says so if the result is in doubt. May be NULL.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_NOT_FOUND if the calibration failed,
+///   TRACKEDCAM_WRONG_RESULT if its result is certainly wrong.
 TRACKEDCAM_C_API trackedcam_status trackedcam_report_export(trackedcam_report* report,
-                                                            const char* engine,
+                                                            const char* format,
                                                             const char* parent_axes,
                                                             const char** json);
 
-/// Returns the content of a .ulens file, which the Unreal editor imports as a Lens File: lens and
-/// pose.
+/// As trackedcam_report_export, with all options.
 /// @param report Of a calibration that did not fail.
-/// @param parent_axes As for trackedcam_report_export.
+/// @param format As for trackedcam_report_export.
+/// @param options The options.
+/// @param[out] json As for trackedcam_report_export.
+/// @return As trackedcam_report_export.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_report_export_with(trackedcam_report* report, const char* format,
+                              const trackedcam_export_options* options, const char** json);
+
+/// Writes the file of an export. An existing file is replaced.
+/// @param report Of a calibration that did not fail.
+/// @param format opencv, ros, colmap, opentrackio or stmap; unreal for a Lens File, .ulens.
+/// @param options The options, or NULL for their defaults.
+/// @param file Path of the file. stmap writes two: for lens.exr, lens_undistort.exr and
+///   lens_distort.exr.
+/// @return As trackedcam_report_export.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_report_export_file(trackedcam_report* report, const char* format,
+                              const trackedcam_export_options* options, const char* file);
+
+/// Returns the content of a .ulens file, which the Unreal editor imports as a Lens File: the lens,
+/// without the pose.
+/// @param report Of a calibration that did not fail.
+/// @param parent_axes As in trackedcam_export_options.
 /// @param name Name of the lens.
 /// @param[out] text The content.
-/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_NOT_FOUND if the calibration failed.
+/// @return As trackedcam_report_export.
 TRACKEDCAM_C_API trackedcam_status trackedcam_report_lens_file(trackedcam_report* report,
                                                                const char* parent_axes,
                                                                const char* name, const char** text);

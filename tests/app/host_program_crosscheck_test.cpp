@@ -136,6 +136,20 @@ TEST_F(CrosscheckShoot, IsNoSuccessWithAWrongMounting) {
   EXPECT_NEAR(Result()["crossCheck"]["library"]["offMm"], OffTheTruth(Result()).millimetres, 1);
 }
 
+TEST_F(CrosscheckShoot, ExportsNoWrongResult) {
+  SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
+  const ProgramRun refused = Calibrate({"--export", "unity"});
+  EXPECT_EQ(refused.status, 3);
+  EXPECT_THAT(refused.error, HasSubstr("trackedcam: error: The result is not exported. "));
+  EXPECT_EQ(refused.out.find("localPosition"), std::string::npos);
+  EXPECT_EQ(Result()["exports"], Json::object());
+  const ProgramRun exported = Calibrate({"--export", "unity", "--even-if-wrong"});
+  EXPECT_EQ(exported.status, 3);
+  EXPECT_EQ(exported.error.find("not exported"), std::string::npos);
+  EXPECT_THAT(exported.out, HasSubstr("localPosition"));
+  EXPECT_EQ(Result()["exports"]["unity"]["code"], 0);
+}
+
 TEST_F(CrosscheckShoot, IsRefinedWhereAsked) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
   const ProgramRun run = Calibrate({"--refine-mounting"});

@@ -34,6 +34,14 @@ int main(void) {
   AT(trackedcam_settings, good_enough_mm);
   AT(trackedcam_settings, good_enough_deg);
   AT(trackedcam_settings, scale_uncertainty_percent);
+  SIZE(trackedcam_export_options);
+  AT(trackedcam_export_options, struct_size);
+  AT(trackedcam_export_options, even_if_wrong);
+  AT(trackedcam_export_options, nodal_offset);
+  AT(trackedcam_export_options, reserved);
+  AT(trackedcam_export_options, overscan);
+  AT(trackedcam_export_options, parent_axes);
+  AT(trackedcam_export_options, preview_file);
   SIZE(trackedcam_progress);
   AT(trackedcam_progress, stage);
   AT(trackedcam_progress, photographs_done);

@@ -175,6 +175,112 @@ TEST_F(ReportTest, WritesALensFile) {
   EXPECT_TRUE(Json::accept(text));
 }
 
+TEST_F(ReportTest, ExportsToEveryFormatOfFiles) {
+  for (const char* format : {"opencv", "ros", "colmap", "opentrackio"}) {
+    const char* text = nullptr;
+    ASSERT_EQ(trackedcam_report_export(handle, format, nullptr, &text), TRACKEDCAM_OK)
+        << trackedcam_last_error();
+    const Json json = Json::parse(text);
+    EXPECT_EQ(json["code"], 0);
+    EXPECT_EQ(json["format"], format);
+    const std::string content = json["text"];
+    EXPECT_THAT(content, HasSubstr("Verdict good: "));
+    EXPECT_THAT(content, HasSubstr("Standard errors of the lens: "));
+    EXPECT_EQ(Json::parse(JsonOf(report))["exports"][format], json);
+    const std::string file = folder.File("lens");
+    ASSERT_EQ(trackedcam_report_export_file(handle, format, nullptr, file.c_str()), TRACKEDCAM_OK);
+    EXPECT_EQ(test::ReadFile(file), content);
+  }
+}
+
+TEST_F(ReportTest, ExportsStMapsAndAPreview) {
+  trackedcam_export_options options;
+  ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
+  const std::string preview = folder.File("preview.png");
+  const std::string file = folder.File("lens.exr");
+  options.overscan = 1.25;
+  const char* text = nullptr;
+  ASSERT_EQ(trackedcam_report_export_with(handle, "stmap", &options, &text), TRACKEDCAM_OK);
+  EXPECT_EQ(Json::parse(text)["undistortedSize"], Json({800, 450}));
+  options.preview_file = preview.c_str();
+  ASSERT_EQ(trackedcam_report_export_file(handle, "stmap", &options, file.c_str()), TRACKEDCAM_OK)
+      << trackedcam_last_error();
+  for (const char* name : {"lens_undistort.exr", "lens_distort.exr"}) {
+    EXPECT_THAT(test::ReadFile(folder.File(name)), StartsWith("\x76\x2f\x31\x01")) << name;
+  }
+  EXPECT_THAT(test::ReadFile(preview), StartsWith("\x89PNG"));
+}
+
+TEST_F(ReportTest, WritesTheNodalOffsetOnRequest) {
+  trackedcam_export_options options;
+  ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
+  const std::string file = folder.File("prime.ulens");
+  const auto tables = [&] {
+    EXPECT_EQ(trackedcam_report_export_file(handle, "unreal", &options, file.c_str()),
+              TRACKEDCAM_OK);
+    return Json::parse(test::ReadFile(file))["cameraParameterTables"].size();
+  };
+  EXPECT_EQ(tables(), 3U);
+  options.nodal_offset = 1;
+  EXPECT_EQ(tables(), 4U);
+  EXPECT_EQ(Json::parse(test::ReadFile(file))["metadata"]["name"], "prime");
+}
+
+TEST_F(ReportTest, RefusesOptionsOfOtherFormats) {
+  const auto refused = [&](const char* format, auto set) {
+    trackedcam_export_options options;
+    ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
+    set(options);
+    EXPECT_EQ(trackedcam_report_export_with(handle, format, &options, nullptr),
+              TRACKEDCAM_BAD_INPUT);
+    EXPECT_STRNE(trackedcam_last_error(), "");
+  };
+  refused("opencv", [](trackedcam_export_options& options) { options.overscan = 1.1; });
+  refused("opencv", [](trackedcam_export_options& options) { options.parent_axes = "x,y,z"; });
+  refused("opentrackio",
+          [](trackedcam_export_options& options) { options.parent_axes = "z,-x,y"; });
+  refused("unreal", [](trackedcam_export_options& options) { options.nodal_offset = 1; });
+  refused("stmap", [](trackedcam_export_options& options) { options.preview_file = "a.png"; });
+  refused("stmap", [](trackedcam_export_options& options) { options.overscan = 0.5; });
+  const std::string file = folder.File("file");
+  EXPECT_EQ(trackedcam_report_export_file(handle, "unity", nullptr, file.c_str()),
+            TRACKEDCAM_BAD_INPUT);
+}
+
+TEST(WrongReport, IsNotExportedUnlessAskedFor) {
+  const test::TemporaryFolder folder;
+  const std::string log = folder.File("log");
+  trackedcam_settings settings = SettingsFor(log);
+  settings.chart_translation_m[0] += 0.01;
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  std::int32_t level = -1;
+  ASSERT_EQ(trackedcam_report_level(report.Get(), &level), TRACKEDCAM_OK);
+  ASSERT_EQ(level, TRACKEDCAM_WRONG);
+  trackedcam_export_options options;
+  ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
+  const std::string file = folder.File("file");
+  const char* text = nullptr;
+  for (const char* format : {"unity", "ue5", "opencv", "opentrackio"}) {
+    EXPECT_EQ(trackedcam_report_export(report.Get(), format, nullptr, &text),
+              TRACKEDCAM_WRONG_RESULT);
+    EXPECT_THAT(trackedcam_last_error(), HasSubstr("export it with even_if_wrong"));
+    EXPECT_EQ(trackedcam_report_export_with(report.Get(), format, &options, &text),
+              TRACKEDCAM_WRONG_RESULT);
+  }
+  EXPECT_EQ(trackedcam_report_export_file(report.Get(), "opencv", nullptr, file.c_str()),
+            TRACKEDCAM_WRONG_RESULT);
+  EXPECT_EQ(trackedcam_report_lens_file(report.Get(), nullptr, "a", &text),
+            TRACKEDCAM_WRONG_RESULT);
+  EXPECT_EQ(text, nullptr);
+  EXPECT_FALSE(fs::exists(fs::u8path(file)));
+  options.even_if_wrong = 1;
+  ASSERT_EQ(trackedcam_report_export_with(report.Get(), "unity", &options, &text), TRACKEDCAM_OK);
+  EXPECT_EQ(Json::parse(text)["message"], TextAt(report, "/verdict/message"));
+  EXPECT_EQ(trackedcam_report_export_file(report.Get(), "opencv", &options, file.c_str()),
+            TRACKEDCAM_OK);
+  EXPECT_THAT(test::ReadFile(file), HasSubstr("# Verdict wrong: "));
+}
+
 TEST_F(ReportTest, TextIsValidUntilTheReportIsFreed) {
   const char* first = nullptr;
   const char* again = nullptr;

@@ -112,6 +112,8 @@ TEST_F(WrongUse, OfHandles) {
   }
   trackedcam_report* const reports[] = {nullptr, freedReport, NeverGiven<trackedcam_report>(),
                                         reinterpret_cast<trackedcam_report*>(shoot.Get())};
+  trackedcam_export_options options;
+  ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
   for (trackedcam_report* bad : reports) {
     const char* text = nullptr;
     std::size_t count = 0;
@@ -127,6 +129,8 @@ TEST_F(WrongUse, OfHandles) {
     EXPECT_INVALID(trackedcam_report_text(bad, "/message", &text));
     EXPECT_INVALID(trackedcam_report_count(bad, "/photographs", &count));
     EXPECT_INVALID(trackedcam_report_export(bad, "ue4", nullptr, &text));
+    EXPECT_INVALID(trackedcam_report_export_with(bad, "ue4", &options, &text));
+    EXPECT_INVALID(trackedcam_report_export_file(bad, "opencv", nullptr, "a"));
     EXPECT_INVALID(trackedcam_report_lens_file(bad, nullptr, "a", &text));
     EXPECT_INVALID(trackedcam_report_page(bad, nullptr, &text));
     EXPECT_INVALID(trackedcam_report_save(bad, nullptr, nullptr));
@@ -179,6 +183,24 @@ TEST_F(WrongUse, OfReports) {
   EXPECT_INVALID(trackedcam_report_export(report, nullptr, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_export(report, kNotUtf8, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_export(report, "unreal", kNotUtf8, &text));
+  trackedcam_export_options options;
+  EXPECT_INVALID(trackedcam_export_options_init(nullptr, sizeof options));
+  EXPECT_INVALID(trackedcam_export_options_init(&options, sizeof options - 1));
+  ASSERT_EQ(trackedcam_export_options_init(&options, sizeof options), TRACKEDCAM_OK);
+  EXPECT_INVALID(trackedcam_report_export_with(report, nullptr, &options, &text));
+  EXPECT_INVALID(trackedcam_report_export_with(report, "unity", nullptr, &text));
+  EXPECT_INVALID(trackedcam_report_export_file(report, nullptr, nullptr, "a"));
+  EXPECT_INVALID(trackedcam_report_export_file(report, "opencv", nullptr, nullptr));
+  EXPECT_INVALID(trackedcam_report_export_file(report, "opencv", nullptr, kNotUtf8));
+  for (std::int32_t trackedcam_export_options::*flag :
+       {&trackedcam_export_options::even_if_wrong, &trackedcam_export_options::nodal_offset,
+        &trackedcam_export_options::reserved}) {
+    trackedcam_export_options wrong = options;
+    wrong.*flag = 2;
+    EXPECT_INVALID(trackedcam_report_export_with(report, "unity", &wrong, &text));
+  }
+  options.struct_size -= 1;
+  EXPECT_INVALID(trackedcam_report_export_with(report, "unity", &options, &text));
   EXPECT_INVALID(trackedcam_report_lens_file(report, nullptr, nullptr, &text));
   EXPECT_INVALID(trackedcam_report_lens_file(report, nullptr, kNotUtf8, &text));
   EXPECT_INVALID(trackedcam_report_lens_file(report, nullptr, "a", nullptr));

@@ -43,6 +43,17 @@ TEST_F(EngineExportTest, HasValuesAndLog) {
   EXPECT_EQ(ProblemOf(ue5), "");
 }
 
+TEST_F(EngineExportTest, TakesTheDoubtFromTheOrigin) {
+  CalibrationOutputs outputs;
+  outputs.transformCamTc = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+  ExportInput input = {outputs, {}, {}};
+  EXPECT_EQ(ExportToEngine(EngineNamed("unity"), input, {}).doubt, "");
+  input.origin = Origin{"", Level::kGood, "Good.", {}, {}, {}};
+  EXPECT_EQ(ExportToEngine(EngineNamed("unity"), input, {}).doubt, "");
+  input.origin->level = Level::kDoubtful;
+  EXPECT_EQ(ExportToEngine(EngineNamed("unity"), input, {}).doubt, "Good.");
+}
+
 TEST_F(EngineExportTest, ToUE4FailsInGimbalLock) {
   const EngineExport ue4 = Export("ue4");
   EXPECT_EQ(ue4.code, 3);
@@ -84,6 +95,15 @@ TEST(EngineJson, HasEveryValueAtFullPrecision) {
     "translationCm": [-10.0, 0.3333333333333333, 30.0],
     "rotationDeg": [], "quaternionXyzw": [0.0, 0.0, 0.6, 0.8],
     "fovX": [], "lensCentre": [], "log": "/logs/log.txt"})"));
+}
+
+TEST(EngineJson, SaysThatTheResultIsInDoubt) {
+  EngineExport aximmetry;
+  aximmetry.engine = &EngineNamed("aximmetry");
+  aximmetry.doubt = "Shoot again.";
+  EXPECT_EQ(EngineJson(aximmetry)["message"], "Shoot again.");
+  aximmetry.isGimbalLocked = true;
+  EXPECT_EQ(EngineJson(aximmetry)["message"], ProblemOf(aximmetry) + " Shoot again.");
 }
 
 TEST(EngineJson, HasTheError) {

@@ -102,5 +102,58 @@ TEST_F(ResultFileTest, MustBeAResult) {
   }
 }
 
+TEST_F(ResultFileTest, SaysWhereTheResultComesFrom) {
+  const Origin ofCode = Read(kResult).origin.value();
+  EXPECT_EQ(ofCode.level, Level::kDoubtful);  // code 99
+  EXPECT_THAT(ofCode.message, HasSubstr("a new calibration is recommended"));
+  EXPECT_EQ(ofCode.time, "");
+  EXPECT_THAT(ofCode.lensErrors, testing::IsEmpty());
+
+  const Origin origin = Read(With("\"code\": 99",
+                                  R"("code": 0, "time": "2026-11-22 14:05:09",
+                   "verdict": {"level": "wrong", "message": "The result is off."},
+                   "crossCheck": {"lens": {"fx": 1, "fy": 2, "cx": 3, "cy": 4, "k1": 5, "k2": 6},
+                                  "standardErrorCamTc": {"translationMm": [1, 2, 3],
+                                                         "rotationDegrees": [4, 5, null]}})"))
+                            .origin.value();
+  EXPECT_EQ(origin.level, Level::kWrong);
+  EXPECT_EQ(origin.message, "The result is off.");
+  EXPECT_EQ(origin.time, "2026-11-22 14:05:09");
+  EXPECT_THAT(origin.lensErrors, ElementsAre(1, 2, 3, 4, 5, 6));
+  EXPECT_THAT(origin.positionErrorsMm, ElementsAre(1, 2, 3));
+  EXPECT_THAT(origin.rotationErrorsDegrees, testing::IsEmpty());
+}
+
+TEST_F(ResultFileTest, ShowsThePhotographInWhichTheChartReachesFarthest) {
+  const auto photographs = [](const std::string& list) {
+    return With("\"code\": 99",
+                R"("code": 99, "imageSize": [100, 100], "distortion": [0, 0, 0, 0, 0],
+                   "photographs": )" +
+                    list);
+  };
+  EXPECT_EQ(Read(photographs(R"([
+    {"state": "used", "path": "/a.jpg", "crossCheck": {"corners": [[50, 50], [60, 50]]}},
+    {"state": "used", "path": "/b.jpg", "crossCheck": {"corners": [[50, 10], [60, 50]]}},
+    {"state": "leftOutByFilter", "path": "/c.jpg", "crossCheck": {"corners": [[0, 0]]}},
+    {"state": "used", "path": "/d.jpg", "crossCheck": null}])"))
+                .photograph.u8string(),
+            "/b.jpg");
+  for (const char* list : {"[]", "null", "[1, null, [], {}]", R"({"a": 1})",
+                           R"([{"state": "used", "crossCheck": {"corners": [[null, 1], 2]}}])"}) {
+    EXPECT_EQ(Read(photographs(list)).photograph, "") << list;
+  }
+}
+
+TEST_F(ResultFileTest, KnowsItsOwnExports) {
+  const auto isExport = [&](const std::string& content) {
+    test::WriteFile(folder.File("file"), content);
+    return IsExportFile(folder.Path() / "file");
+  };
+  EXPECT_TRUE(isExport("%YAML:1.0\n---\n# Written by trackedcam 1.1.0\n"));
+  EXPECT_FALSE(isExport("%YAML:1.0\n---\n# Written by hand\n"));
+  EXPECT_FALSE(isExport(std::string(5000, ' ') + "Written by trackedcam 1.1.0"));
+  EXPECT_FALSE(IsExportFile(folder.Path() / "none"));
+}
+
 }  // namespace
 }  // namespace trackedcam::host

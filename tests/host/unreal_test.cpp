@@ -123,7 +123,7 @@ TEST(Unreal, KnowsNoLensWithoutASensor) {
   const UnrealValues values = ToUnreal(input);
   EXPECT_EQ(UnrealJson(values)["lens"], nullptr);
   EXPECT_EQ(values.locationCm.size(), 3U);
-  EXPECT_THROW(LensFileText(values, "lens"), std::runtime_error);
+  EXPECT_THROW(LensFileText(values, "lens", false), std::runtime_error);
 }
 
 std::vector<double> NumbersOf(const std::string& row) {
@@ -139,7 +139,7 @@ TEST(LensFile, HoldsLensAndNodalOffset) {
   std::mt19937 random(7);
   const Instant instant(random);
   const UnrealValues values = ToUnreal(InputOf(instant));
-  const auto json = nlohmann::json::parse(LensFileText(values, "prime"));
+  const auto json = nlohmann::json::parse(LensFileText(values, "prime", true));
   EXPECT_EQ(json["metadata"]["type"], "LensFile");
   EXPECT_EQ(json["metadata"]["lensInfo"]["distortionModel"], "Spherical");
   EXPECT_EQ(json["metadata"]["lensInfo"]["modelName"], "prime");
@@ -173,6 +173,24 @@ TEST(LensFile, HoldsLensAndNodalOffset) {
   ExpectSame(Below(component, {axes, location}), instant.Camera("z,-x,y", kForwardRightUp, 100));
 }
 
+// Where the component has the pose, a Lens component must not apply it a second time.
+TEST(LensFile, HasTheNodalOffsetOnlyOnRequest) {
+  std::mt19937 random(7);
+  const UnrealValues values = ToUnreal(InputOf(Instant(random)));
+  const auto with = nlohmann::json::parse(LensFileText(values, "prime", true));
+  auto without = nlohmann::json::parse(LensFileText(values, "prime", false));
+  ASSERT_EQ(without["cameraParameterTables"].size(), 3U);
+  for (const auto& table : without["cameraParameterTables"]) {
+    EXPECT_NE(table["parameterName"], "NodalOffsetTable");
+  }
+  for (const auto& table : with["cameraParameterTables"]) {
+    if (table["parameterName"] == "NodalOffsetTable") {
+      without["cameraParameterTables"].push_back(table);
+    }
+  }
+  EXPECT_EQ(with, without);
+}
+
 TEST(ParentAxes, MustBeThreeLeftHandedAxes) {
   const auto error = [](const std::string& text) {
     try {
@@ -189,6 +207,12 @@ TEST(ParentAxes, MustBeThreeLeftHandedAxes) {
   }
   EXPECT_THAT(error("x,y,z"), HasSubstr("x,y,z is right-handed"));
   EXPECT_THAT(error("z,x,y"), HasSubstr("is right-handed"));
+}
+
+TEST(ParentAxes, AreOfTheHandOfTheDefault) {
+  EXPECT_EQ(ParseParentAxes("minus-z-forward", "-x,z,y").text, "x,-z,y");
+  EXPECT_EQ(ParseParentAxes("x,y,z", "-x,z,y").text, "x,y,z");
+  EXPECT_THROW(ParseParentAxes("z,-x,y", "-x,z,y"), InputError);
 }
 
 }  // namespace
