@@ -50,6 +50,17 @@ static class Native {
   }
 
   [StructLayout(LayoutKind.Sequential)]
+  public struct trackedcam_export_options {
+    public uint struct_size;
+    public int even_if_wrong;
+    public int nodal_offset;
+    public int reserved;
+    public double overscan;
+    public IntPtr parent_axes;
+    public IntPtr preview_file;
+  }
+
+  [StructLayout(LayoutKind.Sequential)]
   public struct trackedcam_progress {
     [MarshalAs(UnmanagedType.ByValArray, SizeConst = 64)] public byte[] stage;
     public int photographs_done;
@@ -95,8 +106,14 @@ static class Native {
   [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
   public static extern int trackedcam_report_text(IntPtr report, byte[] pointer, out IntPtr text);
   [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
-  public static extern int trackedcam_report_export(IntPtr report, byte[] engine, byte[] parent_axes,
+  public static extern int trackedcam_report_export(IntPtr report, byte[] format, byte[] parent_axes,
                                                     out IntPtr json);
+  [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
+  public static extern int trackedcam_export_options_init(out trackedcam_export_options options,
+                                                          UIntPtr struct_size);
+  [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
+  public static extern int trackedcam_report_export_file(IntPtr report, byte[] format,
+                                                         ref trackedcam_export_options options, byte[] file);
   [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
   public static extern int trackedcam_report_save(IntPtr report, byte[] json_file, byte[] page_file);
   [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
@@ -132,7 +149,8 @@ static class Program {
   static int Main(string[] arguments) {
     if (arguments.Length == 1 && arguments[0] == "--layout") {
       PrintLayout(typeof(Native.trackedcam_pose), typeof(Native.trackedcam_settings),
-                  typeof(Native.trackedcam_progress), typeof(Native.trackedcam_lens));
+                  typeof(Native.trackedcam_export_options), typeof(Native.trackedcam_progress),
+                  typeof(Native.trackedcam_lens));
       return 0;
     }
     if (arguments.Length != 2 && arguments.Length != 3) {

@@ -12,7 +12,7 @@ import sys
 from ctypes import POINTER, c_char_p, c_double, c_int32, c_size_t, c_uint32, c_void_p
 from typing import Any
 
-OK, INVALID_ARGUMENT, BAD_INPUT, NOT_FOUND, NOT_DONE, TOO_SMALL, OUT_OF_MEMORY, FAILURE = range(8)
+OK, INVALID_ARGUMENT, BAD_INPUT, NOT_FOUND, NOT_DONE, TOO_SMALL, OUT_OF_MEMORY, FAILURE, WRONG_RESULT = range(9)
 
 
 class InputError(ValueError):
@@ -50,6 +50,18 @@ class Settings(ctypes.Structure):
     ]
 
 
+class ExportOptions(ctypes.Structure):
+    _fields_ = [
+        ("struct_size", c_uint32),
+        ("even_if_wrong", c_int32),
+        ("nodal_offset", c_int32),
+        ("reserved", c_int32),
+        ("overscan", c_double),
+        ("parent_axes", c_char_p),
+        ("preview_file", c_char_p),
+    ]
+
+
 class ProgressStruct(ctypes.Structure):
     _fields_ = [("stage", ctypes.c_char * 64), ("photographs_done", c_int32), ("photographs_in_all", c_int32)]
 
@@ -78,7 +90,9 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_report_lens": [c_void_p, POINTER(LensStruct), c_size_t],
     "trackedcam_report_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_report_numbers": [c_void_p, c_char_p, POINTER(c_double), c_size_t, POINTER(c_size_t)],
-    "trackedcam_report_export": [c_void_p, c_char_p, c_char_p, POINTER(c_char_p)],
+    "trackedcam_export_options_init": [POINTER(ExportOptions), c_size_t],
+    "trackedcam_report_export_with": [c_void_p, c_char_p, POINTER(ExportOptions), POINTER(c_char_p)],
+    "trackedcam_report_export_file": [c_void_p, c_char_p, POINTER(ExportOptions), c_char_p],
     "trackedcam_report_lens_file": [c_void_p, c_char_p, c_char_p, POINTER(c_char_p)],
     "trackedcam_report_page": [c_void_p, c_char_p, POINTER(c_char_p)],
     "trackedcam_report_save": [c_void_p, c_char_p, c_char_p],

@@ -8,6 +8,7 @@ import html
 import json
 import os
 import pathlib
+import warnings
 from typing import Any, Optional, Union
 
 import numpy as np
@@ -22,7 +23,7 @@ LEVELS = ("good", "doubt", "wrong", "failed")
 
 
 class CalibrationError(RuntimeError):
-    """There is no usable result.
+    """There is no usable result, or an export refuses one that is certainly wrong.
 
     Attributes:
         report: the Report, with everything that is known.
@@ -259,39 +260,69 @@ class Report:
         """The library's log; None if it could not write one. Its folder is that of the run."""
         return _path(self._data["log"])
 
-    def export(self, engine: str, parent_axes: Optional[str] = None) -> dict[str, Any]:
-        """Exports the result to an engine: the pose of the camera relative to its tracker, in the engine's axes.
+    def export(self, name: str, parent_axes: Optional[str] = None, *, overscan: Optional[float] = None,
+               even_if_wrong: bool = False) -> dict[str, Any]:
+        """Exports the result to an engine: the pose of the camera relative to its tracker, in the engine's axes; or to
+        a file of another program. Warns with CalibrationWarning if the result is in doubt or certainly wrong.
 
         Args:
-            engine: "unreal", "unity", "ue4", "ue5", "ue5-xn" or "aximmetry".
-            parent_axes: for unreal and unity: X, Y, Z of the camera's parent in the reported axes of the tracker,
-                such as "z,-x,y".
+            name: "unreal", "unity", "ue4", "ue5", "ue5-xn" or "aximmetry"; "opencv", "ros", "colmap", "opentrackio" or
+                "stmap".
+            parent_axes: for unreal, unity and opentrackio: X, Y, Z of the camera's parent in the reported axes of the
+                tracker, such as "z,-x,y".
+            overscan: for stmap: the undistorted picture in sizes of the photograph, from 1 to 4; None: as large as it
+                must be to show all of the photograph.
+            even_if_wrong: export a result that is certainly wrong too.
 
         Returns:
-            The values, with the units in their names, and a code: 0, or 3 for a gimbal lock.
+            For an engine, the values, with the units in their names, and a code: 0, or 3 for a gimbal lock. For a file,
+            its text; for stmap, undistortedSize and overscan.
 
         Raises:
-            InputError: the engine or the axes are unknown.
-            CalibrationError: the calibration failed.
+            InputError: the name, the axes or an option are invalid.
+            CalibrationError: the calibration failed, or its result is certainly wrong.
         """
-        axes = None if parent_axes is None else encoded(parent_axes)
-        exported: dict[str, Any] = json.loads(self._exported("trackedcam_report_export", encoded(engine), axes))
+        options = _export_options(parent_axes, overscan, even_if_wrong)
+        text = ctypes.c_char_p()
+        self._export("trackedcam_report_export_with", encoded(name), ctypes.byref(options), ctypes.byref(text))
+        exported: dict[str, Any] = json.loads(_decoded(text))
         return exported
 
-    def lens_file(self, name: str, parent_axes: Optional[str] = None) -> str:
-        """Returns the content of a .ulens file for the Unreal editor. Raises the same errors as export."""
-        axes = None if parent_axes is None else encoded(parent_axes)
-        return self._exported("trackedcam_report_lens_file", axes, encoded(name))
+    def export_file(self, name: str, file: Path, *, parent_axes: Optional[str] = None, nodal_offset: bool = False,
+                    overscan: Optional[float] = None, preview: Optional[Path] = None,
+                    even_if_wrong: bool = False) -> None:
+        """Writes the file of an export; an existing file is replaced. Warns and raises as export does.
 
-    def _exported(self, function: str, *arguments: Any) -> str:
+        Args:
+            name: "opencv", "ros", "colmap", "opentrackio" or "stmap"; "unreal" for a Lens File, .ulens.
+            file: its path. stmap writes two: for lens.exr, lens_undistort.exr and lens_distort.exr.
+            parent_axes, overscan, even_if_wrong: as for export.
+            nodal_offset: for unreal: the file has the pose too, for a camera that the tracker moves itself.
+            preview: for stmap: path of a PNG file with one photograph undistorted.
+        """
+        options = _export_options(parent_axes, overscan, even_if_wrong)
+        options.nodal_offset = bool(nodal_offset)
+        options.preview_file = None if preview is None else encoded(preview)
+        self._export("trackedcam_report_export_file", encoded(name), ctypes.byref(options), encoded(file))
+
+    def lens_file(self, name: str, parent_axes: Optional[str] = None) -> str:
+        """Returns the content of a .ulens file for the Unreal editor, without the pose. Warns and raises as export
+        does."""
+        axes = None if parent_axes is None else encoded(parent_axes)
         text = ctypes.c_char_p()
+        self._export("trackedcam_report_lens_file", axes, encoded(name), ctypes.byref(text))
+        return _decoded(text)
+
+    def _export(self, function: str, *arguments: Any) -> None:
         try:
-            call(function, self._handle.pointer, *arguments, ctypes.byref(text))
+            call(function, self._handle.pointer, *arguments)
         except _library.StatusError as error:
-            if error.status == _library.NOT_FOUND and self.level == "failed":
+            has_failed = error.status == _library.NOT_FOUND and self.level == "failed"
+            if has_failed or error.status == _library.WRONG_RESULT:
                 raise CalibrationError(self) from error
             raise
-        return _decoded(text)
+        if self.level != "good":
+            warnings.warn(self.message, CalibrationWarning, stacklevel=3)
 
     def page(self, folder: Optional[Path] = None) -> str:
         """Returns the report page: HTML that a browser shows without any other file.
@@ -330,6 +361,18 @@ class Report:
             rows.append(("Transform_Cam_Tc (metres)", f"<pre>{lines}</pre>"))
         body = "".join(f"<tr><th>{name}</th><td>{value}</td></tr>" for name, value in rows)
         return f"<table>{body}</table>"
+
+
+def _export_options(parent_axes: Optional[str], overscan: Optional[float],
+                    even_if_wrong: bool) -> _library.ExportOptions:
+    options = _library.ExportOptions()
+    call("trackedcam_export_options_init", ctypes.byref(options), ctypes.sizeof(options))
+    options.parent_axes = None if parent_axes is None else encoded(parent_axes)
+    options.even_if_wrong = bool(even_if_wrong)
+    if overscan is not None:
+        # For the library, 0 means: as large as it must be.
+        options.overscan = overscan if overscan != 0 else -1
+    return options
 
 
 def _path(text: Optional[str]) -> Optional[pathlib.Path]:

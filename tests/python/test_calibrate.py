@@ -100,6 +100,25 @@ def test_exports_to_engines(report):
         report.export("word")
 
 
+def test_exports_to_files(report, tmp_path):
+    for name in ("opencv", "ros", "colmap", "opentrackio"):
+        text = report.export(name)["text"]
+        report.export_file(name, tmp_path / "lens")
+        assert (tmp_path / "lens").read_text(encoding="utf-8") == text and "Verdict good" in text
+    assert report.export("stmap", overscan=1.25)["undistortedSize"] == [800, 450]
+    report.export_file("stmap", tmp_path / "lens.exr", preview=tmp_path / "preview.png")
+    assert {file.name for file in tmp_path.iterdir()} >= {"lens_undistort.exr", "lens_distort.exr", "preview.png"}
+    tables = []
+    for nodal_offset in (False, True):
+        report.export_file("unreal", tmp_path / "lens.ulens", nodal_offset=nodal_offset)
+        tables.append(len(json.loads((tmp_path / "lens.ulens").read_text(encoding="utf-8"))["cameraParameterTables"]))
+    assert tables == [3, 4]
+    for name, options in [("opencv", {"overscan": 1.1}), ("stmap", {"overscan": 0}), ("stmap", {"overscan": 9}),
+                          ("ros", {"parent_axes": "x,y,z"})]:
+        with pytest.raises(trackedcam.InputError):
+            report.export(name, **options)
+
+
 def test_the_readmes_snippet_runs(perfect, tmp_path, monkeypatch, capsys):
     readme = (pathlib.Path(os.environ["TRACKEDCAM_SOURCE"]) / "README.md").read_text(encoding="utf-8")
     snippet, = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)

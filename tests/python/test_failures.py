@@ -39,6 +39,17 @@ def test_a_wrong_mounting_warns(tmp_path):
         report = trackedcam.calibrate(shoot.data, **CHART, **shoot.mounting, log_folder=tmp_path, silent=True)
     assert report.level == "wrong"
     assert "mountingOff" in {finding.id for finding in report.findings}
+    # It is not exported unless asked for, and then warns.
+    for export in (lambda **options: report.export("unity", **options),
+                   lambda **options: report.export_file("opencv", tmp_path / "camera.yml", **options)):
+        with pytest.raises(trackedcam.CalibrationError):
+            export()
+        assert not (tmp_path / "camera.yml").exists()
+        with pytest.warns(trackedcam.CalibrationWarning) as warned:
+            export(even_if_wrong=True)
+        assert warned[0].filename == __file__
+    with pytest.raises(trackedcam.CalibrationError):
+        report.lens_file("Prime 35")
 
 
 def test_a_good_one_does_not_warn(perfect, tmp_path):
