@@ -20,7 +20,8 @@ PREFIX_LIBRARIES = {
 }
 PREFIX_HEADERS = {"eigen3": "/usr/include/eigen3", "CLI": "/usr/include/CLI", "boost": "/usr/include/boost",
                   "nlohmann": "/usr/include/nlohmann", "toml++": "/usr/include/toml++",
-                  "kainjow": "/usr/include/kainjow"}
+                  "kainjow": "/usr/include/kainjow",
+                  **{name: f"/usr/x86_64-w64-mingw32/include/{name}" for name in ("zlib.h", "zconf.h")}}
 PREFIX = (SOURCE / "build/windows-dependencies").resolve()
 
 
