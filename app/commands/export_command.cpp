@@ -27,7 +27,7 @@ constexpr const char* kExportFooter = R"(Examples:
   trackedcam export unreal --result result.json --out lens.ulens
   trackedcam export unity --result result.json --parent-axes minus-z-forward
   trackedcam export opencv --result result.json --out camera.yml
-  trackedcam export stmap --result result.json --out lens.exr --preview photo.png
+  trackedcam export stmap --result result.json --out lens.exr
 
 To an engine: prints the pose of the camera relative to its tracker, in the
 engine's axes, and the lens.
@@ -222,8 +222,7 @@ int Export(const ExportOptions& options, const fs::path& configFile) {
 
 void AddExportCommand(CLI::App& program, int& status) {
   CLI::App& command =
-      AddCommand(program, "export", "Convert a result for an engine or a file of another program",
-                 kExportFooter);
+      AddCommand(program, "export", "Convert a result for an engine or program", kExportFooter);
   const auto options = std::make_shared<ExportOptions>();
   AddValue(command, "format", options->format, ParseExportFormat, "FORMAT",
            "An engine: unreal, unity, ue4, ue5, ue5-xn,\naximmetry; or a file: opencv, ros, "
@@ -241,11 +240,11 @@ void AddExportCommand(CLI::App& program, int& status) {
       ->type_name("X,Y,Z");
   AddPath(command, "--out", options->out, "FILE", "File to write; for unreal a Lens File, .ulens");
   command.add_flag("--nodal-offset", options->hasNodalOffset,
-                   "For unreal: the pose in the Lens File too, for a\ncamera that the tracker "
+                   "For unreal: the pose in the Lens File too, for\na camera that the tracker "
                    "moves itself");
   AddValue(command, "--overscan", options->file.overscan, ParseOverscan, "FACTOR",
            "For stmap: size of the undistorted picture, in\nsizes of the photograph (default: as "
-           "much as it\nneeds)");
+           "needed)");
   AddPath(command, "--preview", options->preview, "FILE.png",
           "For stmap: a photograph without its distortion");
   command.add_flag("--json", options->json, "Values as JSON, at full precision");
