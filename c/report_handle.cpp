@@ -192,7 +192,8 @@ std::string Report::PageText(const fs::path& folder) const {
     return result_;
   }();
   return report::Page(result, report::MakeThumbnails(result),
-                      folder.empty() ? report_.run.folder : folder);
+                      folder.empty() ? report_.run.folder : folder,
+                      report::MakeUndistorted(result));
 }
 
 // Returns no copy: the destructor of a copy needs memory, and would end the process without it.

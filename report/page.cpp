@@ -28,11 +28,12 @@ std::string Policy() {
 }  // namespace
 
 std::string Page(const Json& result, const std::vector<Thumbnail>& thumbnails,
-                 const std::filesystem::path& pageFolder) {
+                 const std::filesystem::path& pageFolder,
+                 const UndistortedPhotograph& undistorted) {
   if (!result.is_object()) {
     throw std::invalid_argument("it is not a JSON object");
   }
-  Json values = PageView(result, thumbnails, pageFolder);
+  Json values = PageView(result, thumbnails, pageFolder, undistorted);
   values["policy"] = Policy();
   values["style"] = kPageCss.Text();
   values["threeJs"] = kThreeJs.Text();

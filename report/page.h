@@ -9,6 +9,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "report/thumbnails.h"
+#include "report/undistorted.h"
 
 namespace trackedcam::report {
 
@@ -18,8 +19,10 @@ namespace trackedcam::report {
 /// @param thumbnails Those of the entries of `photographs`, in its order. Missing ones leave their
 ///   place empty.
 /// @param pageFolder Folder of the page. Links to images and the log are relative to it.
+/// @param undistorted Of the result. Without an image its place is left out.
 /// @throws std::invalid_argument if the result is not an object.
 std::string Page(const nlohmann::ordered_json& result, const std::vector<Thumbnail>& thumbnails,
-                 const std::filesystem::path& pageFolder);
+                 const std::filesystem::path& pageFolder,
+                 const UndistortedPhotograph& undistorted = {});
 
 }  // namespace trackedcam::report

@@ -328,6 +328,21 @@ Json InState(const Json& photographs, const char* state, const char* other) {
   return list;
 }
 
+Json Undistorted(const UndistortedPhotograph& photograph) {
+  if (photograph.bytes.empty()) {
+    return nullptr;
+  }
+  Json lines = Json::array();
+  for (const std::array<double, 4>& line : photograph.lines) {
+    lines.push_back({{"x1", line[0]}, {"y1", line[1]}, {"x2", line[2]}, {"y2", line[3]}});
+  }
+  return {{"number", photograph.place + 1},
+          {"image", "data:image/jpeg;base64," + Base64(photograph.bytes)},
+          {"width", photograph.size[0]},
+          {"height", photograph.size[1]},
+          {"lines", lines}};
+}
+
 // The record.
 
 Json Inputs(const Json& inputs) {
@@ -356,6 +371,9 @@ const Json& FirstOf(const Json& engine, const char* path, const char* other) {
 Json Engines(const Json& exports) {
   Json engines = Json::array();
   for (const auto& [name, engine] : exports.items()) {
+    if (!ValueAt(engine, "/format").is_null()) {
+      continue;  // a file of another program, which has no values to type in
+    }
     const std::string title = TextAt(engine, "/title");
     const Json cameraAxes = Texts(ValueAt(engine, "/cameraAxes"));
     engines.push_back(
@@ -384,7 +402,7 @@ std::string LogLink(const Json& result, const fs::path& pageFolder) {
 }  // namespace
 
 Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
-              const fs::path& pageFolder) {
+              const fs::path& pageFolder, const UndistortedPhotograph& undistorted) {
   const std::string level = LevelOf(result);
   const std::string verdict = TextAt(result, "/verdict/message");
   const std::string message = TextAt(result, "/message");
@@ -415,6 +433,7 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"firstRun", firstRun.is_object() ? RunValues(firstRun) : Json()},
       {"lastRun", lastRun},
       {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"), level)},
+      {"undistorted", Undistorted(undistorted)},
       {"photographs", photographs},
       {"photographCount", photographs.size()},
       {"others", TextAt(result, "/photographCounts/others")},

@@ -9,12 +9,14 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "report/thumbnails.h"
+#include "report/undistorted.h"
 
 namespace trackedcam::report {
 
 /// The parameters are those of Page.
 nlohmann::ordered_json PageView(const nlohmann::ordered_json& result,
                                 const std::vector<Thumbnail>& thumbnails,
-                                const std::filesystem::path& pageFolder);
+                                const std::filesystem::path& pageFolder,
+                                const UndistortedPhotograph& undistorted = {});
 
 }  // namespace trackedcam::report

@@ -158,7 +158,8 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(result, report::MakeThumbnails(result), page.parent_path());
+      return report::Page(result, report::MakeThumbnails(result), page.parent_path(),
+                          report::MakeUndistorted(result));
     });
   }
   return written;

@@ -38,7 +38,8 @@ void WriteReport(const ReportOptions& options, const fs::path& configFile) {
   std::string page;
   try {
     const auto result = host::ReadJson<nlohmann::ordered_json>(options.result);
-    page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path());
+    page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path(),
+                        report::MakeUndistorted(result));
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
                            " is not a result file of trackedcam: " + error.what());

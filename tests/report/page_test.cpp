@@ -503,5 +503,28 @@ TEST(Page, RejectsWhatIsNotAResult) {
   }
 }
 
+TEST(Page, ShowsAPhotographWithoutDistortion) {
+  UndistortedPhotograph undistorted;
+  EXPECT_THAT(Page(WholeResult(), {}, "/pages", undistorted), Not(HasSubstr("id=\"undistorted\"")));
+  undistorted.bytes = "\xff\xd8";
+  undistorted.place = 1;
+  undistorted.size = {1000, 562};
+  undistorted.lines = {{1.5, 2, 3, 4}, {5, 6, 7, 8}};
+  const std::string page = Page(WholeResult(), {}, "/pages", undistorted);
+  EXPECT_THAT(page, HasSubstr("src=\"data:image/jpeg;base64,/9g=\" width=\"1000\" height=\"562\""));
+  EXPECT_THAT(page, HasSubstr("viewBox=\"0 0 1000 562\""));
+  EXPECT_THAT(
+      page, HasSubstr("<line x1=\"1.5\" y1=\"2.0\" x2=\"3.0\" y2=\"4.0\"></line><line x1=\"5.0\""));
+  EXPECT_THAT(page, HasSubstr("Photograph 2, in which the chart"));
+}
+
+TEST(Page, LeavesOutFilesOfOtherPrograms) {
+  Json result = WholeResult();
+  const auto engines = [&] { return PageView(result, {}, "/pages")["engines"].size(); };
+  const std::size_t before = engines();
+  result["exports"]["opencv"] = {{"code", 0}, {"format", "opencv"}, {"text", "%YAML:1.0"}};
+  EXPECT_EQ(engines(), before);
+}
+
 }  // namespace
 }  // namespace trackedcam::report
