@@ -1,5 +1,6 @@
 #include "host/lens_files/preview.h"
 
+#include <cstdint>
 #include <stdexcept>
 #include <vector>
 #include <zlib.h>
@@ -8,6 +9,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "host/engines/origin.h"
+#include "host/input/image_header.h"
 #include "host/lens_files/stmap.h"
 #include "host/text/files.h"
 
@@ -59,9 +61,14 @@ std::string CommentChunk() {
 
 std::string UndistortedPng(const LensModel& lens, const std::array<int, 2>& undistortedSize,
                            const std::filesystem::path& photograph) {
-  const cv::Mat image = Decoded(photograph);
-  if (image.empty()) {
-    throw std::runtime_error(photograph.u8string() + " is not an image that can be read");
+  // The header first: it is read of regular files only, and a picture of any size is not decoded.
+  const auto header = ReadPhotographHeader(photograph);
+  const bool isSize =
+      header && header->width * header->height == static_cast<std::uint64_t>(lens.width) *
+                                                      static_cast<std::uint64_t>(lens.height);
+  const cv::Mat image = isSize ? Decoded(photograph) : cv::Mat();
+  if (!header || (isSize && image.empty())) {
+    throw std::runtime_error(photograph.u8string() + " is not a photograph that can be read");
   }
   if (image.cols != lens.width || image.rows != lens.height) {
     throw std::runtime_error(photograph.u8string() + " does not have the size of the calibrated " +

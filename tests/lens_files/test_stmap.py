@@ -1,6 +1,7 @@
 """ST maps: OpenImageIO reads them and warps photographs of a chart with them."""
 
 import json
+import os
 import subprocess
 
 import cv2
@@ -238,8 +239,11 @@ def test_a_preview_needs_its_photograph(shoot, tmp_path):
     missing = preview_of([{"state": "used", "path": str(tmp_path / "none.jpg"), "crossCheck": corners}])
     assert missing.returncode == 1 and "none.jpg" in missing.stderr
     text = preview_of([{"state": "used", "path": str(tmp_path / "result.json"), "crossCheck": corners}])
-    assert text.returncode == 1 and "is not an image" in text.stderr
+    assert text.returncode == 1 and "is not a photograph" in text.stderr
     cv2.imwrite(str(tmp_path / "small.png"), np.zeros((10, 10, 3), np.uint8))
     small = preview_of([{"state": "used", "path": str(tmp_path / "small.png"), "crossCheck": corners}])
     assert small.returncode == 1 and "does not have the size" in small.stderr
+    os.mkfifo(tmp_path / "pipe.png")  # opening it would wait for a writer
+    pipe = preview_of([{"state": "used", "path": str(tmp_path / "pipe.png"), "crossCheck": corners}])
+    assert pipe.returncode == 1 and "is not a photograph" in pipe.stderr
     assert not (tmp_path / "preview.png").exists()
