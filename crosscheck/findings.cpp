@@ -259,7 +259,7 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
   addAll(CornerFindings(check, evidence, *inputs.solution));
   std::vector<Finding> ofTrackers;
   if (IsRotatedEnough(check) && !check.step) {
-    ofTrackers = TrackerFindings(check, evidence, inputs);
+    ofTrackers = TrackerFindings(check, evidence, *inputs.solution, inputs.loose);
   }
   // Errors without a name may be the drift that the halves show.
   if (!ofTrackers.empty() && HasName(ofTrackers.front())) {

@@ -116,13 +116,12 @@ std::vector<Finding> CornerFindings(const CrossCheck& check, const Evidence& evi
 }
 
 std::vector<Finding> TrackerFindings(const CrossCheck& check, const Evidence& evidence,
-                                     const FindingInputs& inputs) {
+                                     const Solution& solution,
+                                     const std::optional<TrackerLoose>& loose) {
   const Loops& loops = evidence.loops;
-  const Solution& solution = *inputs.solution;
-  if (inputs.loose) {
-    const TrackerLoose& loose = *inputs.loose;
-    const bool isGrave = loose.mm >= kGraveMm || loose.degrees >= kGraveDegrees;
-    return {{isGrave ? Severity::kError : Severity::kWarning, loose}};
+  if (loose) {
+    const bool isGrave = loose->mm >= kGraveMm || loose->degrees >= kGraveDegrees;
+    return {{isGrave ? Severity::kError : Severity::kWarning, *loose}};
   }
   const bool isRounding =
       check.trackerNoiseMm < kLeastNoiseMm && check.trackerNoiseDegrees < kLeastNoiseDegrees;

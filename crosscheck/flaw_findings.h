@@ -2,10 +2,10 @@
 
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "crosscheck/evidence.h"
-#include "crosscheck/findings.h"
 #include "crosscheck/result.h"
 #include "crosscheck/solve.h"
 
@@ -18,6 +18,7 @@ std::vector<Finding> CornerFindings(const CrossCheck& check, const Evidence& evi
 /// Those that the residuals of the trackers show. Together they are found in one of a hundred
 /// shoots without flaws.
 std::vector<Finding> TrackerFindings(const CrossCheck& check, const Evidence& evidence,
-                                     const FindingInputs& inputs);
+                                     const Solution& solution,
+                                     const std::optional<TrackerLoose>& loose);
 
 }  // namespace trackedcam::crosscheck

@@ -234,9 +234,9 @@ void AddExportCommand(CLI::App& program, int& status) {
   AddPath(command, "--log-folder", options->logFolder, "FOLDER",
           "Folder for the library's log\n(default: the result file's folder)");
   command
-      .add_option("--parent-axes", options->parentAxes,
-                  "Axes of the camera's parent in unreal, unity or\nopentrackio (default: "
-                  "z-forward)")
+      .add_option(
+          "--parent-axes", options->parentAxes,
+          "Axes of the camera's parent in unreal, unity\nor opentrackio (default: z-forward)")
       ->type_name("X,Y,Z");
   AddPath(command, "--out", options->out, "FILE", "File to write; for unreal a Lens File, .ulens");
   command.add_flag("--nodal-offset", options->hasNodalOffset,
