@@ -64,7 +64,7 @@ std::size_t CountPoses(const CornerFit& fit) {
                                                 [](const auto& pose) { return pose.has_value(); }));
 }
 
-double Freedom(const CornerFit& fit, std::size_t parameters) {
+double FreedomOfCorners(const CornerFit& fit, std::size_t parameters) {
   return static_cast<double>(CountPoses(fit)) * (2.0 * static_cast<double>(fit.board.size()) - 6) -
          static_cast<double>(parameters);
 }
@@ -89,7 +89,7 @@ void FitPoses(const std::vector<std::vector<Eigen::Vector2d>>& corners, CornerFi
       squares += pose->equations.squares;
     }
   }
-  const double freedom = Freedom(fit, fit.parameters.size());
+  const double freedom = FreedomOfCorners(fit, fit.parameters.size());
   fit.noisePixels = freedom > 0 ? std::max(std::sqrt(squares / freedom), kLeastNoise) : kLeastNoise;
   fit.covariance = fit.noisePixels * fit.noisePixels *
                    InverseOf(fit.information(fit.parameters, fit.parameters));
@@ -113,7 +113,9 @@ double ChanceOf(CornerFlaw flaw, const CornerFit& fit) {
   const Indices all = Together(fit.parameters, own);
   const auto size = static_cast<Eigen::Index>(own.size());
   const Eigen::MatrixXd inverse = InverseOf(fit.information(all, all));
-  const Eigen::VectorXd change = inverse * TowardsOf(fit)(all);
+  const CornerVector towardsAll = TowardsOf(fit);
+  const Eigen::VectorXd towards = towardsAll(all);
+  const Eigen::VectorXd change = inverse * towards;
   if (!change.allFinite()) {
     return 1;
   }
@@ -128,8 +130,8 @@ double ChanceOf(CornerFlaw flaw, const CornerFit& fit) {
       squares += fit.poses[i]->equations.squares;
     }
   }
-  squares -= change.dot(TowardsOf(fit)(all));
-  const double freedom = Freedom(fit, all.size());
+  squares -= change.dot(towards);
+  const double freedom = FreedomOfCorners(fit, all.size());
   const double photographs = static_cast<double>(CountPoses(fit)) - static_cast<double>(size);
   if (!(freedom > 0 && photographs > 0)) {
     return 1;
@@ -221,7 +223,8 @@ Eigen::VectorXd ChangeWithout(const CornerFit& fit, CornerFlaw flaw) {
     (isOwn ? places : others).push_back(static_cast<Eigen::Index>(i));
   }
   const Eigen::MatrixXd information = fit.information(fit.parameters, fit.parameters);
-  const Eigen::VectorXd value = fit.model.Parameters()(own);
+  const CornerVector values = fit.model.Parameters();
+  const Eigen::VectorXd value = values(own);
   Eigen::VectorXd change(static_cast<Eigen::Index>(fit.parameters.size()));
   change(places) = -value;
   change(others) = InverseOf(information(others, others)) * information(others, places) * value;

@@ -9,13 +9,6 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-// From these differences on, or from half of what is good enough, a result does not pass without a
-// finding.
-constexpr double kNotableMm = 1;
-constexpr double kNotableDegrees = 0.1;
-// From these on, it is an error.
-constexpr double kGraveMm = 2;
-constexpr double kGraveDegrees = 0.2;
 // More is not noise: the transforms do not fit at all.
 constexpr double kMostNoiseMm = 20;
 constexpr double kMostNoiseDegrees = 2;

@@ -15,11 +15,6 @@ namespace {
 constexpr double kLeastMm = 0.5;
 constexpr double kLeastDegrees = 0.05;
 constexpr double kLeastShareOfInterval = 0.5;
-constexpr double kGraveMm = 2;
-constexpr double kGraveDegrees = 0.2;
-// Errors of the trackers of this size are said to be one even if the transform does not show them.
-constexpr double kNotableMm = 1;
-constexpr double kNotableDegrees = 0.1;
 
 constexpr double kFalseAlarms = 0.01;  // of all tests of the trackers together
 constexpr int kTests = 7;
@@ -153,6 +148,7 @@ std::vector<Finding> TrackerFindings(const CrossCheck& check, const Evidence& ev
   moved.offMm = clearest->movedMm;
   moved.offDegrees = clearest->movedDegrees;
   Severity severity = SeverityOf(moved, check);
+  // Large errors are a doubt even if the transform does not show them.
   if (severity == Severity::kNote &&
       (clearest->mm >= kNotableMm || clearest->degrees >= kNotableDegrees)) {
     severity = Severity::kWarning;

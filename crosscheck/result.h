@@ -20,6 +20,14 @@ namespace trackedcam::crosscheck {
 
 /// A test with a p below this is certain: the difference is not by chance.
 constexpr double kCertain = 0.001;
+
+/// From these differences on, or from half of what is good enough, a result does not pass without a
+/// finding.
+constexpr double kNotableMm = 1;
+constexpr double kNotableDegrees = 0.1;
+/// From these on, it is an error.
+constexpr double kGraveMm = 2;
+constexpr double kGraveDegrees = 0.2;
 /// Below this it is likely.
 constexpr double kLikely = 0.05;
 

@@ -20,20 +20,20 @@ namespace {
 using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
-constexpr int kWidth = 1000;  // pixels
-constexpr int kQuality = 80;
+constexpr int kUndistortedWidth = 1000;  // pixels
+constexpr int kUndistortedQuality = 80;
 
-struct Lens {
+struct ImageLens {
   cv::Size size;
   cv::Matx33d matrix;
   std::vector<double> distortion;
 };
 
-std::optional<Lens> LensOf(const Json& result) {
+std::optional<ImageLens> LensOf(const Json& result) {
   const auto number = [&](const char* path) { return NumberAt(result, path).value_or(NAN); };
   const double width = number("/imageSize/0");
   const double height = number("/imageSize/1");
-  Lens lens;
+  ImageLens lens;
   lens.matrix = {number("/normFocal/0") * width,
                  0,
                  number("/normCenter/0") * width,
@@ -116,7 +116,7 @@ std::vector<std::array<double, 4>> LinesThrough(const std::vector<cv::Point2d>& 
   return lines;
 }
 
-UndistortedPhotograph Made(const Json& result, const Lens& lens, std::size_t place) {
+UndistortedPhotograph Made(const Json& result, const ImageLens& lens, std::size_t place) {
   const Json& photograph = ValueAt(result, At("/photographs", place));
   const cv::Mat image = Decoded(TextAt(photograph, "/path"));
   UndistortedPhotograph made;
@@ -124,7 +124,8 @@ UndistortedPhotograph Made(const Json& result, const Lens& lens, std::size_t pla
     return made;
   }
   made.place = place;
-  made.size = {kWidth, std::max(1, kWidth * lens.size.height / lens.size.width)};
+  made.size = {kUndistortedWidth,
+               std::max(1, kUndistortedWidth * lens.size.height / lens.size.width)};
   const cv::Size size(made.size[0], made.size[1]);
   // So far that nothing of the photograph is cut off.
   constexpr double kWhole = 1;
@@ -134,7 +135,7 @@ UndistortedPhotograph Made(const Json& result, const Lens& lens, std::size_t pla
   cv::initUndistortRectifyMap(lens.matrix, lens.distortion, {}, matrix, size, CV_32FC1, x, y);
   cv::remap(image, undistorted, x, y, cv::INTER_LINEAR);
   std::vector<unsigned char> bytes;
-  cv::imencode(".jpg", undistorted, bytes, {cv::IMWRITE_JPEG_QUALITY, kQuality});
+  cv::imencode(".jpg", undistorted, bytes, {cv::IMWRITE_JPEG_QUALITY, kUndistortedQuality});
   made.bytes.assign(bytes.begin(), bytes.end());
   std::vector<cv::Point2d> corners;
   cv::undistortPoints(CornersOf(photograph), corners, lens.matrix, lens.distortion, {}, matrix);
@@ -149,7 +150,7 @@ UndistortedPhotograph Made(const Json& result, const Lens& lens, std::size_t pla
 
 UndistortedPhotograph MakeUndistorted(const Json& result) {
   try {
-    const std::optional<Lens> lens = LensOf(result);
+    const std::optional<ImageLens> lens = LensOf(result);
     const auto place = lens ? FarthestOut(ValueAt(result, "/photographs"), lens->size)
                             : std::optional<std::size_t>();
     return place ? Made(result, *lens, *place) : UndistortedPhotograph();
