@@ -225,9 +225,16 @@ Eigen::VectorXd ChangeWithout(const CornerFit& fit, CornerFlaw flaw) {
   const Eigen::MatrixXd information = fit.information(fit.parameters, fit.parameters);
   const CornerVector values = fit.model.Parameters();
   const Eigen::VectorXd value = values(own);
+  const Eigen::MatrixXd byOthers = information(others, others);
+  const Eigen::MatrixXd shared = information(others, places);
+  const Eigen::VectorXd followed = InverseOf(byOthers) * (shared * value);
   Eigen::VectorXd change(static_cast<Eigen::Index>(fit.parameters.size()));
-  change(places) = -value;
-  change(others) = InverseOf(information(others, others)) * information(others, places) * value;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    change[places[i]] = -value[static_cast<Eigen::Index>(i)];
+  }
+  for (std::size_t i = 0; i < others.size(); ++i) {
+    change[others[i]] = followed[static_cast<Eigen::Index>(i)];
+  }
   return change;
 }
 
