@@ -62,6 +62,7 @@ host::TrackerFrame FrameOf(const trackedcam_settings& settings) {
   if (settings.tracker_unit != TRACKEDCAM_UNIT_OF_AXES) {
     frame.unit = &host::kTrackerUnits.at(static_cast<std::size_t>(settings.tracker_unit) - 1);
   }
+  frame.hasQuaternionsXyzw = settings.quaternion_order == TRACKEDCAM_QUATERNION_XYZW;
   return frame;
 }
 
@@ -77,11 +78,11 @@ void RequireSettings(const trackedcam_settings* settings) {
   RequireOneOf(settings->mounting_is_stated, 1, "mounting_is_stated");
   RequireOneOf(settings->mounting_axes, TRACKEDCAM_MOUNTING_REPORTED, "mounting_axes");
   RequireOneOf(settings->tracker_axes, TRACKEDCAM_AXES_UNITY, "tracker_axes");
-  RequireOneOf(settings->tracker_unit, TRACKEDCAM_UNIT_MILLIMETRES, "tracker_unit");
+  RequireOneOf(settings->tracker_unit, TRACKEDCAM_UNIT_INCHES, "tracker_unit");
   RequireOneOf(settings->invert_tracker_quaternions, 1, "invert_tracker_quaternions");
   RequireOneOf(settings->refine_mounting, 1, "refine_mounting");
   RequireOneOf(settings->silent, 1, "silent");
-  RequireOneOf(settings->reserved, 0, "reserved");
+  RequireOneOf(settings->quaternion_order, TRACKEDCAM_QUATERNION_XYZW, "quaternion_order");
 }
 
 std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings) {

@@ -35,10 +35,9 @@ std::optional<Loop> LoopOf(const Observations& observations, const CornerFit& co
                            std::size_t photograph) {
   const Photograph& row = observations.photographs[photograph];
   const std::optional<ChartPose>& pose = corners.poses[photograph];
-  const std::optional<Pose> Transform_Tc_Tr =
-      TransformOfRow(row, observations.invertTrackerQuaternions);
+  const std::optional<Pose> Transform_Tc_Tr = TransformOfRow(row, FormOf(observations));
   const std::optional<Pose> Transform_Base_Tc =
-      Transform_Base_Tracker(row.camera, observations.invertTrackerQuaternions);
+      Transform_Base_Tracker(row.camera, FormOf(observations));
   if (!pose || !Transform_Tc_Tr || !Transform_Base_Tc) {
     return std::nullopt;
   }

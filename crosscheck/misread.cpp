@@ -24,7 +24,7 @@ constexpr double kMostMetres = 0.03;
 // The rows are right if the boards are as near as this; metres.
 constexpr double kSurelyRight = 2e-4;
 
-constexpr std::array<RowReading, 11> kReadings = {RowReading::kQuaternionsInverted,
+constexpr std::array<RowReading, 17> kReadings = {RowReading::kQuaternionsInverted,
                                                   RowReading::kOrderXyzw,
                                                   RowReading::kTrackersExchanged,
                                                   RowReading::kRowsLate,
@@ -34,27 +34,49 @@ constexpr std::array<RowReading, 11> kReadings = {RowReading::kQuaternionsInvert
                                                   RowReading::kLeftHanded,
                                                   RowReading::kMirroredX,
                                                   RowReading::kMirroredY,
-                                                  RowReading::kMirroredZ};
+                                                  RowReading::kMirroredZ,
+                                                  RowReading::kInches,
+                                                  RowReading::kEngineCentimetres,
+                                                  RowReading::kCameraInverted,
+                                                  RowReading::kChartInverted,
+                                                  RowReading::kCameraLate,
+                                                  RowReading::kChartLate};
 
-// From a photograph to the row that belongs to it.
-std::ptrdiff_t RowOffset(std::optional<RowReading> reading) {
-  return reading == RowReading::kRowsLate ? 1 : reading == RowReading::kRowsEarly ? -1 : 0;
+// From a photograph to the rows that have the poses of its trackers.
+struct RowOffsets {
+  std::ptrdiff_t camera = 0;
+  std::ptrdiff_t chart = 0;
+};
+
+RowOffsets OffsetsOf(std::optional<RowReading> reading) {
+  return reading == RowReading::kRowsLate     ? RowOffsets{1, 1}
+         : reading == RowReading::kRowsEarly  ? RowOffsets{-1, -1}
+         : reading == RowReading::kCameraLate ? RowOffsets{1, 0}
+         : reading == RowReading::kChartLate  ? RowOffsets{0, 1}
+                                              : RowOffsets{};
 }
 
 // Between the boards as seen and as predicted from the trackers; NaN if nothing fits.
 double MedianMetres(const Observations& observations, const Evidence& evidence,
                     std::optional<RowReading> reading) {
   const auto& photographs = observations.photographs;
+  const RowForm form = FormOf(observations);
+  const RowOffsets offsets = OffsetsOf(reading);
+  // Null for a row before the first or after the last.
+  const auto rowAt = [&](std::size_t photograph, std::ptrdiff_t offset) {
+    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(photograph) + offset;
+    const bool exists = row >= 0 && row < static_cast<std::ptrdiff_t>(photographs.size());
+    return exists ? &photographs[static_cast<std::size_t>(row)] : nullptr;
+  };
   const std::size_t stride = (photographs.size() + kMostLoops - 1) / kMostLoops;
   Loops loops;
   for (std::size_t i = 0; i < photographs.size(); i += std::max<std::size_t>(stride, 1)) {
-    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(i) + RowOffset(reading);
-    if (!evidence.corners.poses[i] || row < 0 ||
-        row >= static_cast<std::ptrdiff_t>(photographs.size())) {
+    const Photograph* const camera = rowAt(i, offsets.camera);
+    const Photograph* const chart = rowAt(i, offsets.chart);
+    if (!evidence.corners.poses[i] || camera == nullptr || chart == nullptr) {
       continue;
     }
-    const auto Transform_Tc_Tr = TransformOfRow(photographs[static_cast<std::size_t>(row)],
-                                                observations.invertTrackerQuaternions, reading);
+    const auto Transform_Tc_Tr = TransformOfRows(camera->camera, chart->chart, form, reading);
     if (Transform_Tc_Tr) {
       Loop loop;
       loop.photographs = {i};

@@ -56,6 +56,8 @@ struct Observations {
   Lens lens;                            // as solved from these corners
   std::vector<Photograph> photographs;  // in the order of the shoot
   bool invertTrackerQuaternions = false;
+  /// The reported x, y, z of a quaternion by those in its row, whose axes may be an engine's.
+  Eigen::Matrix3d quaternionAxes = Eigen::Matrix3d::Identity();
   double scaleUncertainty = 0.001;   // of the trackers' lengths against the squares, as a fraction
   std::optional<Mounting> mounting;  // as stated, if it was
   std::optional<Eigen::Matrix4d> library;  // its Transform_Cam_Tc, to be checked

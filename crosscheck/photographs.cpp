@@ -82,8 +82,7 @@ std::vector<PerPhotograph> DescribePhotographs(const Observations& observations,
     } else {
       photograph.whyLeftOut = WhyLeftOut::kNoPose;
     }
-    if (const auto pose =
-            TransformOfRow(observations.photographs[i], observations.invertTrackerQuaternions)) {
+    if (const auto pose = TransformOfRow(observations.photographs[i], FormOf(observations))) {
       photograph.Transform_Tc_Tr = pose->matrix();
     } else {
       photograph.whyLeftOut = WhyLeftOut::kNotNumbers;

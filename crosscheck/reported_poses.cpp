@@ -17,6 +17,11 @@ Eigen::Vector3d Position(const Eigen::Vector3d& reported, std::optional<RowReadi
       return position / 1000;
     case RowReading::kCentimetres:
       return position / 100;
+    case RowReading::kInches:
+      return position * 0.0254;
+    case RowReading::kEngineCentimetres:
+      position.z() *= -1;
+      return position / 100;
     case RowReading::kMirroredX:
       position.x() *= -1;
       return position;
@@ -32,18 +37,25 @@ Eigen::Vector3d Position(const Eigen::Vector3d& reported, std::optional<RowReadi
   }
 }
 
-Eigen::Quaterniond Rotation(const Eigen::Vector4d& wxyz, bool invert,
+// The quaternion of which the row has x, y, z, w, but which was read as w, x, y, z.
+Eigen::Quaterniond InOrderXyzw(const Eigen::Vector4d& wxyz, const Eigen::Matrix3d& axes) {
+  const Eigen::Vector3d others = axes.inverse() * wxyz.tail<3>();  // as in the row
+  const Eigen::Vector3d vector = axes * Eigen::Vector3d(wxyz[0], others[0], others[1]);
+  return {others[2], vector[0], vector[1], vector[2]};
+}
+
+Eigen::Quaterniond Rotation(const Eigen::Vector4d& wxyz, const RowForm& form,
                             std::optional<RowReading> reading) {
   Eigen::Quaterniond rotation(wxyz[0], wxyz[1], wxyz[2], wxyz[3]);
   if (reading == RowReading::kOrderXyzw) {
-    rotation = Eigen::Quaterniond(wxyz[3], wxyz[0], wxyz[1], wxyz[2]);
+    rotation = InOrderXyzw(wxyz, form.quaternionAxes);
   }
-  if (reading == RowReading::kLeftHanded) {
+  if (reading == RowReading::kLeftHanded || reading == RowReading::kEngineCentimetres) {
     // The rotation in a mirror across z; for the loop it does not matter which axis is mirrored.
     rotation.x() *= -1;
     rotation.y() *= -1;
   }
-  if (invert != (reading == RowReading::kQuaternionsInverted)) {
+  if (form.invertQuaternions != (reading == RowReading::kQuaternionsInverted)) {
     rotation = rotation.conjugate();
   }
   return rotation;
@@ -85,9 +97,13 @@ Mounting MountingOf(const Pose& Transform_Tr_Chart) {
   return mounting;
 }
 
-std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, bool invertQuaternion,
+RowForm FormOf(const Observations& observations) {
+  return {observations.invertTrackerQuaternions, observations.quaternionAxes};
+}
+
+std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, const RowForm& form,
                                            std::optional<RowReading> reading) {
-  const Eigen::Quaterniond rotation = Rotation(reported.quaternionWxyz, invertQuaternion, reading);
+  const Eigen::Quaterniond rotation = Rotation(reported.quaternionWxyz, form, reading);
   const double length = rotation.norm();
   if (!(length > 1e-12 && length < 1e12) || !(reported.position.norm() < kFarthestMetres)) {
     return std::nullopt;
@@ -98,15 +114,22 @@ std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, bool inv
   return pose;
 }
 
-std::optional<Pose> TransformOfRow(const Photograph& row, bool invertQuaternions,
-                                   std::optional<RowReading> reading) {
-  const auto camera = Transform_Base_Tracker(row.camera, invertQuaternions, reading);
-  const auto chart = Transform_Base_Tracker(row.chart, invertQuaternions, reading);
+std::optional<Pose> TransformOfRows(const TrackerPose& cameraRow, const TrackerPose& chartRow,
+                                    const RowForm& form, std::optional<RowReading> reading) {
+  const auto ofOne = [&](RowReading one) {
+    return reading == one ? std::optional(RowReading::kQuaternionsInverted) : reading;
+  };
+  const auto camera = Transform_Base_Tracker(cameraRow, form, ofOne(RowReading::kCameraInverted));
+  const auto chart = Transform_Base_Tracker(chartRow, form, ofOne(RowReading::kChartInverted));
   if (!camera || !chart) {
     return std::nullopt;
   }
   const Pose Transform_Tc_Tr = camera->inverse() * *chart;
   return reading == RowReading::kTrackersExchanged ? Transform_Tc_Tr.inverse() : Transform_Tc_Tr;
+}
+
+std::optional<Pose> TransformOfRow(const Photograph& row, const RowForm& form) {
+  return TransformOfRows(row.camera, row.chart, form);
 }
 
 }  // namespace trackedcam::crosscheck

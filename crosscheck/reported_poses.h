@@ -19,13 +19,24 @@ Pose TransformOf(const Mounting& mounting);
 /// The inverse of TransformOf, with the angle about y from -90 to 90 degrees.
 Mounting MountingOf(const Pose& Transform_Tr_Chart);
 
+/// How all rows are read.
+struct RowForm {
+  bool invertQuaternions = false;
+  Eigen::Matrix3d quaternionAxes = Eigen::Matrix3d::Identity();  // see Observations
+};
+
+RowForm FormOf(const Observations& observations);
+
 /// Nothing for values that are not finite, a quaternion of length 0 or a position beyond 10,000 km.
 /// @param reading Another way to read it than as it is.
-std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, bool invertQuaternion,
+std::optional<Pose> Transform_Base_Tracker(const TrackerPose& reported, const RowForm& form,
                                            std::optional<RowReading> reading = {});
 
 /// Transform_Tc_Tr of one row.
-std::optional<Pose> TransformOfRow(const Photograph& row, bool invertQuaternions,
-                                   std::optional<RowReading> reading = {});
+std::optional<Pose> TransformOfRow(const Photograph& row, const RowForm& form);
+
+/// The same, with another reading; for some, the trackers' poses are in different rows.
+std::optional<Pose> TransformOfRows(const TrackerPose& cameraRow, const TrackerPose& chartRow,
+                                    const RowForm& form, std::optional<RowReading> reading = {});
 
 }  // namespace trackedcam::crosscheck

@@ -57,6 +57,18 @@ const char* Name(RowReading reading) {
       return "mirroredY";
     case RowReading::kMirroredZ:
       return "mirroredZ";
+    case RowReading::kInches:
+      return "inches";
+    case RowReading::kEngineCentimetres:
+      return "engineCentimetres";
+    case RowReading::kCameraInverted:
+      return "cameraInverted";
+    case RowReading::kChartInverted:
+      return "chartInverted";
+    case RowReading::kCameraLate:
+      return "cameraLate";
+    case RowReading::kChartLate:
+      return "chartLate";
   }
   return "";
 }

@@ -59,6 +59,12 @@ enum class RowReading {
   kMirroredX,  // positions only
   kMirroredY,
   kMirroredZ,
+  kInches,
+  kEngineCentimetres,  // left-handed, in centimetres
+  kCameraInverted,     // the quaternions of one tracker only
+  kChartInverted,
+  kCameraLate,  // of one tracker only: its pose is that of the photograph before
+  kChartLate,
 };
 
 /// quaternionsInverted, orderXyzw, ...

@@ -67,11 +67,38 @@ void CrossCheckRun(Report& report, bool hasResult) {
   Append(report.findings, FindingsOf(*report.crossCheck, CheckedNames(report.photographs)));
 }
 
+// Rows in another unit or axes put the trackers far apart.
+void RemoveWhatReadingExplains(std::vector<Finding>& findings) {
+  const auto isReading = [](const Finding& finding) {
+    return std::holds_alternative<crosscheck::MisreadRows>(finding.kind);
+  };
+  if (std::any_of(findings.begin(), findings.end(), isReading)) {
+    findings.erase(std::remove_if(findings.begin(), findings.end(),
+                                  [](const Finding& finding) {
+                                    return std::holds_alternative<LengthUnit>(finding.kind);
+                                  }),
+                   findings.end());
+  }
+}
+
+// Whether the option of the verdict is not in use yet, and a second run with it can be.
+bool IsOptionOpen(const Report& report, bool isSecondRun) {
+  const auto begins = [&](const char* name) { return report.verdict.option.rfind(name, 0) == 0; };
+  const TrackerFrame& frame = report.inputs.trackerFrame;
+  const bool hasReportedAxes = &AxesOf(frame) == &kTrackerAxes.front();
+  return begins("--refine-mounting")              ? !isSecondRun && CanRunAgain(report)
+         : begins("--invert-tracker-quaternions") ? !report.inputs.invertTrackerQuaternions
+         : begins("--quaternion-order")           ? !frame.hasQuaternionsXyzw
+         : begins("--tracker-units") ? hasReportedAxes && UnitOf(frame).unitsPerMetre == 1
+                                     : hasReportedAxes;
+}
+
 // A run without a stated mounting was given zeros: it has no result to compare.
 void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult,
            const Report* first = nullptr) {
   report.findings = ofInput;
   CrossCheckRun(report, hasResult);
+  RemoveWhatReadingExplains(report.findings);
   Append(report.findings, FindingsOf(report.run, report.crossCheck));
   if (first != nullptr) {
     AddOthers(report.findings, FindingsThatStay(*first));
@@ -84,8 +111,8 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult,
   }
   SortFindings(report.findings);
   report.verdict = VerdictOf(report.run, report.photographs, report.findings);
-  if (first != nullptr || !CanRunAgain(report)) {
-    report.verdict.nextStep = NextStep::kNone;
+  if (!IsOptionOpen(report, first != nullptr)) {
+    report.verdict.option.clear();
   }
   if (report.crossCheck) {
     Append(report.findings, outputErrors);
@@ -154,7 +181,7 @@ Report WithoutSecondRun(Report first, const NotRefined& notRefined) {
   if (!first.mountingIsStated) {
     JudgeAsFailed(first);
   }
-  first.verdict.nextStep = NextStep::kNone;
+  first.verdict.option.clear();
   first.findings.push_back({Severity::kWarning, notRefined, {}});
   SortFindings(first.findings);
   return first;

@@ -98,4 +98,20 @@ std::vector<Finding> FindingsThatStay(const Report& first) {
   return stay;
 }
 
+std::optional<Mounting> MountingToPassOn(const Report& report) {
+  const auto& check = report.crossCheck;
+  const bool isShootBad =
+      std::any_of(report.findings.begin(), report.findings.end(), [](const Finding& finding) {
+        return finding.severity == Severity::kError && !IsAboutRun(finding);
+      });
+  if (!check || !check->mounting || isShootBad) {
+    return std::nullopt;
+  }
+  const crosscheck::StandardError& error = check->standardErrorTrChart;
+  const auto [mm, degrees] = report.inputs.goodEnough;
+  const bool isKnown = check->t95 * error.translationMm.maxCoeff() <= mm &&
+                       check->t95 * error.rotationDegrees.maxCoeff() <= degrees;
+  return !isKnown ? std::nullopt : report.firstRun ? report.inputs.mounting : check->mounting;
+}
+
 }  // namespace trackedcam::host

@@ -1,4 +1,5 @@
-// Whether the library calibrates a second time, with what, and what stays true of the first.
+// What the cross-check found, for another run: whether the library calibrates a second time, with
+// what, what stays true of the first, and the mounting for other shoots.
 
 #pragma once
 
@@ -29,5 +30,10 @@ PhotographList PhotographsOfSecondRun(const Report& first, PhotographList list);
 /// The photographs that the second run is without, and errors of the shoot, such as a tracker that
 /// moved: without the photographs after the move the second run may look right.
 std::vector<Finding> FindingsThatStay(const Report& first);
+
+/// The mounting that was found, for other shoots with this plate: that of the second run, or of the
+/// cross-check. Nothing if it is not known as accurately as is good enough, or if an error of the
+/// shoot makes it doubtful.
+std::optional<Mounting> MountingToPassOn(const Report& report);
 
 }  // namespace trackedcam::host

@@ -123,7 +123,7 @@ Json MountingOptions(const Json& result) {
   const bool isReported = TextAt(result, "/inputs/mountingAxes") == "reported";
   const Json& found =
       ValueAt(result, isReported ? "/crossCheck/mountingReported" : "/crossCheck/mounting");
-  if (!found.is_object()) {
+  if (!found.is_object() || ValueAt(result, "/crossCheck/isMountingToPassOn") == false) {
     return nullptr;
   }
   return Option("--chart-rotation", ValueAt(found, "/rotationDegrees")) + ' ' +

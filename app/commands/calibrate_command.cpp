@@ -197,8 +197,8 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   fs::current_path(inputs.workingFolder);  // relative paths of photographs begin there
 
   host::Report report = RunCalibration(options, shoot);
-  if (report.verdict.nextStep == host::NextStep::kRefineMounting && !report.firstRun) {
-    report.verdict.commands = {commandLine + " --refine-mounting"};
+  if (const std::string next = WithOption(commandLine, report.verdict.option); !next.empty()) {
+    report.verdict.commands = {next};
   } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {
     report.verdict.commands = ExportCommands(options.result, options.exports, options.parentAxes);
   }
@@ -246,7 +246,10 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
            "Coordinate system of the poses: reported\n(default), unreal or unity")
       ->group("Shoot");
   AddValue(command, "--tracker-units", options.inputs.trackerFrame.unit, ParseTrackerUnit, "UNIT",
-           "Unit of the positions: m, cm or mm\n(default: cm for unreal, otherwise m)")
+           "Unit of the positions: m, cm, mm or in\n(default: cm for unreal, otherwise m)")
+      ->group("Shoot");
+  AddValue(command, "--quaternion-order", options.inputs.trackerFrame.hasQuaternionsXyzw,
+           ParseQuaternionOrder, "ORDER", "Order in the quaternions: wxyz (default) or\nxyzw")
       ->group("Shoot");
 
   AddValue(command, "--sensor", options.inputs.sensorMm, ParseSensor, "WxH",

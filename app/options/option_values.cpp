@@ -305,6 +305,13 @@ const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::
   Reject(option, text + " is not one of " + NamesOf(host::kTrackerAxes));
 }
 
+bool ParseQuaternionOrder(const std::string& option, const std::string& text) {
+  if (text != "wxyz" && text != "xyzw") {
+    Reject(option, text + " is not one of wxyz, xyzw");
+  }
+  return text == "xyzw";
+}
+
 const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text) {
   for (const host::TrackerUnit& unit : host::kTrackerUnits) {
     if (unit.name == text) {

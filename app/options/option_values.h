@@ -130,6 +130,9 @@ int ParseCount(const std::string& option, const std::string& text);
 /// "unreal": the axes of the poses in a data file.
 const host::TrackerAxes* ParseTrackerAxes(const std::string& option, const std::string& text);
 
+/// "wxyz" or "xyzw": true for the second.
+bool ParseQuaternionOrder(const std::string& option, const std::string& text);
+
 /// "cm": the unit of the positions in a data file.
 const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text);
 

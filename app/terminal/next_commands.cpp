@@ -55,6 +55,12 @@ std::string CommandLine(const std::vector<std::string>& words) {
   return line;
 }
 
+std::string WithOption(const std::string& commandLine, const std::string& option) {
+  const std::string name = option.substr(0, option.find('='));
+  const bool isThere = commandLine.find(' ' + name) != std::string::npos;
+  return option.empty() || isThere ? "" : commandLine + ' ' + option;
+}
+
 std::vector<std::string> ExportCommands(const std::filesystem::path& result,
                                         const std::vector<const host::Engine*>& done,
                                         const std::string& parentAxes) {

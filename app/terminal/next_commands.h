@@ -17,6 +17,9 @@ std::string CommandLine(int argc, const char* const* argv);
 /// The same for the words after the program's name.
 std::string CommandLine(const std::vector<std::string>& words);
 
+/// The command line with an option more. Empty if there is none, or if the line has it already.
+std::string WithOption(const std::string& commandLine, const std::string& option);
+
 /// The commands that export a good result: one for each engine in common use, or what is missing
 /// for the engines to which it has been exported.
 /// @param result The result file.

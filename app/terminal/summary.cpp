@@ -12,6 +12,7 @@
 #include "host/input/reported_axes.h"
 #include "host/result/result_file.h"
 #include "host/run/library_run.h"
+#include "host/second_run.h"
 #include "host/text/text.h"
 #include "host/verdict/verdict.h"
 
@@ -235,19 +236,19 @@ std::string Triple(const std::array<double, 3>& numbers, int decimals) {
 
 void PrintMountingOptions(std::ostream& out, const Report& report) {
   const CrossCheck& check = *report.crossCheck;
-  // The second run used the mounting that the cross-check of the first one found.
-  const std::optional<Mounting>& found = report.firstRun ? report.inputs.mounting : check.mounting;
-  if (!found) {
+  if (!check.mounting) {
     return;
   }
-  const Mounting mounting = InAxesOfUser(*found, report);
-  out << "\nMounting found from the shoot, as options for the next run\n"
-      << "  --chart-rotation=" << Triple(mounting.rotationDegrees, 4)
-      << " --chart-translation=" << Triple(mounting.translationMetres, 6)
-      << (report.inputs.hasReportedMountingAxes ? " --mounting-axes=reported" : "") << '\n';
-  if (check.solved) {
-    PrintUncertainty(out, "uncertainty of the mounting", check.standardErrorTrChart, check.t95);
+  if (const std::optional<Mounting> found = host::MountingToPassOn(report)) {
+    const Mounting mounting = InAxesOfUser(*found, report);
+    out << "\nMounting found from the shoot, as options for the next run\n"
+        << "  --chart-rotation=" << Triple(mounting.rotationDegrees, 4)
+        << " --chart-translation=" << Triple(mounting.translationMetres, 6)
+        << (report.inputs.hasReportedMountingAxes ? " --mounting-axes=reported" : "") << '\n';
+  } else {
+    out << "\nMounting found from the shoot: not certain enough to pass on\n";
   }
+  PrintUncertainty(out, "uncertainty of the mounting", check.standardErrorTrChart, check.t95);
 }
 
 // Findings and verdict.

@@ -41,7 +41,7 @@ static class Native {
     public int invert_tracker_quaternions;
     public int refine_mounting;
     public int silent;
-    public int reserved;
+    public int quaternion_order;
     public IntPtr working_folder;
     public IntPtr log_folder;
     public double good_enough_mm;

@@ -54,6 +54,11 @@ bool IsUnchecked(const Finding& finding) {
   return (log != nullptr && !log->isCrossCheckable) || IsOneOf<NotCrossChecked>(finding);
 }
 
+std::string LikelyUnit(const LengthUnit& length) {
+  constexpr double kLeastMetres = 0.2;
+  return length.metres / 1000 >= kLeastMetres ? "mm" : "cm";
+}
+
 bool IsOutputError(const Finding& finding) {
   return IsOneOf<LogIncomplete, ImagesMissing, NotRefined>(finding);
 }

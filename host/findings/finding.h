@@ -228,6 +228,9 @@ bool NothingFits(const Finding& finding);
 /// The result could not be compared with a cross-check, or the comparison says nothing.
 bool IsUnchecked(const Finding& finding);
 
+/// mm or cm, whichever brings the trackers to a distance for a chart.
+std::string LikelyUnit(const LengthUnit& length);
+
 /// Something that was computed could not be written. It says nothing about the result.
 bool IsOutputError(const Finding& finding);
 

@@ -59,15 +59,64 @@ const char* ReadingText(RowReading reading) {
     case RowReading::kCentimetres:
       return "the positions are in centimetres";
     case RowReading::kLeftHanded:
-      return "the poses are left-handed, as engines store them";
+      return "the poses are left-handed, as engines store them, in metres";
     case RowReading::kMirroredX:
       return "the poses are left-handed, with x reversed";
     case RowReading::kMirroredY:
       return "the poses are left-handed, with y reversed";
     case RowReading::kMirroredZ:
       return "the poses are left-handed, with z reversed";
+    case RowReading::kInches:
+      return "the positions are in inches";
+    case RowReading::kEngineCentimetres:
+      return "the poses are left-handed and in centimetres, as Unreal stores them";
+    case RowReading::kCameraInverted:
+      return "the quaternions of the camera's tracker, not of the chart's, give the inverse "
+             "rotation";
+    case RowReading::kChartInverted:
+      return "the quaternions of the chart's tracker, not of the camera's, give the inverse "
+             "rotation";
+    case RowReading::kCameraLate:
+      return "each row has the camera's tracker of the photograph before";
+    case RowReading::kChartLate:
+      return "each row has the chart's tracker of the photograph before";
   }
   return "";
+}
+
+// Empty if no option reads the rows in this way.
+const char* OptionFor(RowReading reading) {
+  switch (reading) {
+    case RowReading::kQuaternionsInverted:
+      return "--invert-tracker-quaternions";
+    case RowReading::kOrderXyzw:
+      return "--quaternion-order=xyzw";
+    case RowReading::kMillimetres:
+      return "--tracker-units=mm";
+    case RowReading::kCentimetres:
+      return "--tracker-units=cm";
+    case RowReading::kInches:
+      return "--tracker-units=in";
+    case RowReading::kLeftHanded:
+      return "--tracker-axes=unity";
+    case RowReading::kEngineCentimetres:
+      return "--tracker-axes=unreal";
+    default:
+      return "";
+  }
+}
+
+std::string ReadingAdvice(RowReading reading) {
+  const std::string option = OptionFor(reading);
+  if (option.empty()) {
+    return "Correct the recorder, or convert the data file, and calibrate again.";
+  }
+  return "Calibrate again with " + option +
+         (reading == RowReading::kQuaternionsInverted ? ", or without it if it is set."
+          : reading == RowReading::kLeftHanded
+              ? ", or if Unreal recorded the poses in metres, with --tracker-axes=unreal "
+                "--tracker-units=m."
+              : ".");
 }
 
 constexpr const char* kCheckLogFolder =
@@ -181,9 +230,7 @@ struct Writer : InputWriter {
     return {Name(fault),
             "The rows fit " + Fixed(fault.times, 0) +
                 " times better if they are read another way: " + ReadingText(fault.reading) + '.',
-            fault.reading == RowReading::kQuaternionsInverted
-                ? "Calibrate again with inverted tracker quaternions."
-                : "Correct the recorder, or convert the data file, and calibrate again."};
+            ReadingAdvice(fault.reading)};
   }
 
   Sentences operator()(const crosscheck::TooLittleRotation& fault) const {
@@ -392,6 +439,19 @@ std::string Text(const Finding& finding) {
 
 std::string Advice(const Finding& finding) {
   return SentencesOf(finding).advice;
+}
+
+std::string OptionFor(const Finding& finding) {
+  if (CanRefine(finding)) {
+    return "--refine-mounting";
+  }
+  if (const auto* misread = std::get_if<crosscheck::MisreadRows>(&finding.kind)) {
+    return OptionFor(misread->reading);
+  }
+  if (const auto* length = std::get_if<LengthUnit>(&finding.kind)) {
+    return "--tracker-units=" + LikelyUnit(*length);
+  }
+  return "";
 }
 
 const char* MistakeText(MountingMistake mistake) {

@@ -20,6 +20,10 @@ std::string Text(const Finding& finding);
 /// One sentence on what to do.
 std::string Advice(const Finding& finding);
 
+/// The option of the program with which the next call mends the cause: "--refine-mounting",
+/// "--tracker-units=mm"; empty if there is none.
+std::string OptionFor(const Finding& finding);
+
 /// "an angle has the wrong sign"
 const char* MistakeText(crosscheck::MountingMistake mistake);
 

@@ -174,7 +174,8 @@ Sentences InputWriter::operator()(const LengthUnit& fault) const {
           "The two trackers are " + Fixed(fault.metres, 0) +
               " m apart; positions in millimetres would make it " + Fixed(fault.metres / 1000, 2) +
               " m, in centimetres " + Fixed(fault.metres / 100, 2) + " m.",
-          "Set the unit of the positions with --tracker-units, or record them in metres."};
+          "Calibrate again with --tracker-units=" + LikelyUnit(fault) +
+              ", or record the positions in metres."};
 }
 
 Sentences InputWriter::operator()(const Utf16Text& /*fault*/) const {

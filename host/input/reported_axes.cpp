@@ -1,5 +1,6 @@
 #include "host/input/reported_axes.h"
 
+#include <algorithm>
 #include <array>
 
 #include "crosscheck/reported_poses.h"
@@ -61,14 +62,6 @@ TrackerPose Converted(const TrackerPose& pose, const TrackerAxes& axes, double u
           rotation[2]};
 }
 
-const TrackerAxes& AxesOf(const TrackerFrame& frame) {
-  return frame.axes == nullptr ? kTrackerAxes.front() : *frame.axes;
-}
-
-double UnitsPerMetre(const TrackerFrame& frame) {
-  return frame.unit == nullptr ? AxesOf(frame).unitsPerMetre : frame.unit->unitsPerMetre;
-}
-
 }  // namespace
 
 const std::vector<TrackerAxes> kTrackerAxes = {
@@ -77,18 +70,41 @@ const std::vector<TrackerAxes> kTrackerAxes = {
     {"unity", "Unity's axes", "-x,y,z", true, 1},
 };
 
-const std::vector<TrackerUnit> kTrackerUnits = {{"m", 1}, {"cm", 100}, {"mm", 1000}};
+const std::vector<TrackerUnit> kTrackerUnits = {
+    {"m", 1}, {"cm", 100}, {"mm", 1000}, {"in", 1 / 0.0254}};
+
+const TrackerAxes& AxesOf(const TrackerFrame& frame) {
+  return frame.axes == nullptr ? kTrackerAxes.front() : *frame.axes;
+}
+
+const TrackerUnit& UnitOf(const TrackerFrame& frame) {
+  if (frame.unit != nullptr) {
+    return *frame.unit;
+  }
+  return *std::find_if(kTrackerUnits.begin(), kTrackerUnits.end(), [&](const TrackerUnit& unit) {
+    return unit.unitsPerMetre == AxesOf(frame).unitsPerMetre;
+  });
+}
 
 bool IsConverted(const TrackerFrame& frame) {
-  return &AxesOf(frame) != &kTrackerAxes.front() || UnitsPerMetre(frame) != 1;
+  return &AxesOf(frame) != &kTrackerAxes.front() || UnitOf(frame).unitsPerMetre != 1 ||
+         frame.hasQuaternionsXyzw;
 }
 
 std::string Describe(const TrackerFrame& frame) {
-  std::string unit;
-  for (const TrackerUnit& known : kTrackerUnits) {
-    unit = known.unitsPerMetre == UnitsPerMetre(frame) ? known.name : unit;
+  return std::string(AxesOf(frame).owner) + ", in " + std::string(UnitOf(frame).name) +
+         (frame.hasQuaternionsXyzw ? ", quaternions x, y, z, w" : "");
+}
+
+Eigen::Matrix3d QuaternionAxes(const TrackerFrame& frame) {
+  const double sign = AxesOf(frame).isLeftHanded ? -1 : 1;
+  Eigen::Matrix3d axes;
+  for (Eigen::Index i = 0; i < 3; ++i) {
+    const Eigen::Vector3d inFile = Eigen::Vector3d::Unit(i);
+    const auto reported = Along(AxesOf(frame).reported, inFile.data());
+    axes.col(i) = sign * Eigen::Vector3d::Map(reported.data());
   }
-  return std::string(AxesOf(frame).owner) + ", in " + unit;
+  return axes;
 }
 
 DataRow InReportedAxes(const DataRow& row, const TrackerFrame& frame) {
@@ -100,7 +116,10 @@ DataRow InReportedAxes(const DataRow& row, const TrackerFrame& frame) {
   std::vector<std::string> converted(fields.begin(), fields.end());
   std::size_t field = kFirstPoseField;
   for (TrackerPose pose : PosesIn(fields)) {
-    pose = Converted(pose, AxesOf(frame), UnitsPerMetre(frame));
+    if (frame.hasQuaternionsXyzw) {
+      std::rotate(pose.begin() + 3, pose.begin() + 6, pose.end());
+    }
+    pose = Converted(pose, AxesOf(frame), UnitOf(frame).unitsPerMetre);
     for (const double number : pose) {
       converted[field++] = Shortest(number);
     }

@@ -38,17 +38,25 @@ extern const std::vector<TrackerUnit> kTrackerUnits;
 struct TrackerFrame {
   const TrackerAxes* axes = nullptr;  // null: reported
   const TrackerUnit* unit = nullptr;  // null: the unit of the axes
+  bool hasQuaternionsXyzw = false;    // x, y, z, w in each row, not w, x, y, z
 };
 
 /// Whether the rows must be converted for the library.
 bool IsConverted(const TrackerFrame& frame);
 
-/// "Unreal's axes, in cm".
+/// Axes and unit, never null.
+const TrackerAxes& AxesOf(const TrackerFrame& frame);
+const TrackerUnit& UnitOf(const TrackerFrame& frame);
+
+/// "Unreal's axes, in cm, quaternions x, y, z, w".
 std::string Describe(const TrackerFrame& frame);
 
-/// The row with both poses in reported axes and metres. Quaternions, which are w, x, y, z in every
-/// file, keep their length. A row without a photograph, or that the library would read in another
-/// way, is not changed.
+/// The reported x, y, z of a quaternion by those in the file.
+Eigen::Matrix3d QuaternionAxes(const TrackerFrame& frame);
+
+/// The row with both poses in reported axes and metres, and quaternions w, x, y, z, which keep
+/// their length. A row without a photograph, or that the library would read in another way, is not
+/// changed.
 /// @throws InputError if one of the 14 numbers is missing or not a number; it names the line.
 DataRow InReportedAxes(const DataRow& row, const TrackerFrame& frame);
 

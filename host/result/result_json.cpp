@@ -5,6 +5,7 @@
 #include "host/findings/finding_json.h"
 #include "host/findings/finding_text.h"
 #include "host/input/reported_axes.h"
+#include "host/second_run.h"
 #include "host/text/files.h"
 #include "host/verdict/verdict.h"
 
@@ -264,6 +265,9 @@ Json InputsJson(const Inputs& inputs) {
       {"chartTranslationMetres", mounting ? Json(mounting->translationMetres) : Json(nullptr)},
       {"mountingReported", mounting ? MountingJson(ToReportedAxes(*mounting)) : Json(nullptr)},
       {"mountingAxes", inputs.hasReportedMountingAxes ? "reported" : "fixed"},
+      {"trackerAxes", AxesOf(inputs.trackerFrame).name},
+      {"trackerUnits", UnitOf(inputs.trackerFrame).name},
+      {"quaternionOrder", inputs.trackerFrame.hasQuaternionsXyzw ? "xyzw" : "wxyz"},
       {"invertTrackerQuaternions", inputs.invertTrackerQuaternions},
       {"goodEnough", {{"mm", inputs.goodEnough.mm}, {"degrees", inputs.goodEnough.degrees}}},
       {"scaleUncertainty", inputs.scaleUncertainty},
@@ -298,6 +302,7 @@ Json CrossCheckJson(const Report& report) {
   json["mounting"] = check.mounting ? MountingJson(*check.mounting) : Json(nullptr);
   json["mountingReported"] =
       check.mounting ? MountingJson(ToReportedAxes(*check.mounting)) : Json(nullptr);
+  json["isMountingToPassOn"] = MountingToPassOn(report).has_value();
   json["nominalMounting"] = NominalMountingJson(check.nominalMounting, isGood);
   json["library"] = OffsetJson(check.library, isGood);
   json["diversity"] = {{"amplification", NumberJson(check.diversity.amplification)},

@@ -90,6 +90,7 @@ std::optional<crosscheck::Observations> ObservationsOf(const LibraryRun& run,
     }
   }
   observations.invertTrackerQuaternions = record.invertsQuaternions;
+  observations.quaternionAxes = QuaternionAxes(inputs.trackerFrame);
   observations.mounting = inputs.mounting;
   observations.goodEnough = inputs.goodEnough;
   observations.scaleUncertainty = inputs.scaleUncertainty;

@@ -110,7 +110,7 @@ void AdviseMorePhotographs(Verdict& verdict, const std::vector<Finding>& finding
   for (const Finding& finding : findings) {
     if (std::holds_alternative<TooFewAgree>(finding.kind)) {
       verdict.advice = Advice(finding);
-      verdict.nextStep = NextStep::kNone;
+      verdict.option.clear();
     }
   }
 }
@@ -190,7 +190,7 @@ Verdict VerdictOf(const LibraryRun& run, const PhotographList& photographs,
                       FromPhotographs(photographs);
   }
   AddFinding(verdict, worst);
-  verdict.nextStep = CanRefine(worst) ? NextStep::kRefineMounting : NextStep::kNone;
+  verdict.option = OptionFor(worst);
   AdviseMorePhotographs(verdict, findings);
   return verdict;
 }
@@ -204,6 +204,7 @@ Verdict VerdictWithoutMounting(const LibraryRun& run, const std::vector<Finding>
       "State the mounting, or shoot more photographs.");
   if (!findings.empty() && findings.front().severity != Severity::kNote) {
     AddFinding(verdict, findings.front());
+    verdict.option = CanRefine(findings.front()) ? "" : OptionFor(findings.front());
     AdviseMorePhotographs(verdict, findings);
   } else if (!run.code || codes.count(*run.code) == 0) {
     const Verdict ofRun = VerdictOfLibrary(run);  // such as too few photographs

@@ -42,16 +42,13 @@ enum class Level {
 /// good, doubt, wrong, failed
 const char* Name(Level level);
 
-/// What a caller can do at once.
-enum class NextStep { kNone, kRefineMounting };
-
 /// What a run came to.
 struct Verdict {
   Level level = Level::kFailed;
   std::string message;  // the summary, then the text of the worst finding if that decided
   std::string summary;  // level and number of photographs, or why the run failed
   std::string advice;
-  NextStep nextStep = NextStep::kNone;
+  std::string option = {};  // of the program, for the next call: "--refine-mounting"; may be empty
   std::vector<std::string> commands = {};  // of the caller, for the next step
 };
 

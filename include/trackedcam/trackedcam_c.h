@@ -102,7 +102,7 @@ typedef struct trackedcam_shoot trackedcam_shoot;
 /// The pose of a tracker, in the axes and the unit that the settings name.
 typedef struct trackedcam_pose {
   double position[3];         ///< x, y, z.
-  double quaternion_wxyz[4];  ///< Of any length except 0.
+  double quaternion_wxyz[4];  ///< Of any length except 0; in the order that the settings name.
 } trackedcam_pose;
 
 /// Creates a shoot without rows. Add them with trackedcam_shoot_add.
@@ -153,7 +153,14 @@ enum trackedcam_tracker_unit {
   TRACKEDCAM_UNIT_OF_AXES = 0,      ///< Centimetres for Unreal, otherwise metres.
   TRACKEDCAM_UNIT_METRES = 1,       ///< For all axes.
   TRACKEDCAM_UNIT_CENTIMETRES = 2,  ///< For all axes.
-  TRACKEDCAM_UNIT_MILLIMETRES = 3   ///< For all axes.
+  TRACKEDCAM_UNIT_MILLIMETRES = 3,  ///< For all axes.
+  TRACKEDCAM_UNIT_INCHES = 4        ///< For all axes.
+};
+
+/// Order of the four fields of a quaternion, in a data file or in the rows that are added.
+enum trackedcam_quaternion_order {
+  TRACKEDCAM_QUATERNION_WXYZ = 0,  ///< w, x, y, z.
+  TRACKEDCAM_QUATERNION_XYZW = 1   ///< x, y, z, w.
 };
 
 /// Axes of the chart's tracker in which its mounting is stated.
@@ -184,8 +191,8 @@ typedef struct trackedcam_settings {
   /// 1: if the cross-check finds another mounting or bad photographs, calibrate again with the
   /// mounting found and without those photographs.
   int32_t refine_mounting;
-  int32_t silent;    ///< 1: discard the standard output of the whole process during the run.
-  int32_t reserved;  ///< 0.
+  int32_t silent;  ///< 1: discard the standard output of the whole process during the run.
+  int32_t quaternion_order;  ///< One of trackedcam_quaternion_order.
   /// Folder of relative paths of photographs. NULL: the folder of the data file; for rows in
   /// memory, the working directory of the process.
   const char* working_folder;

@@ -13,7 +13,8 @@ from ._report import CalibrationError, CalibrationWarning, Path, Report
 
 _POLL_MS = 50
 _AXES = ("reported", "unreal", "unity")
-_UNITS = (None, "m", "cm", "mm")
+_UNITS = (None, "m", "cm", "mm", "in")
+_ORDERS = ("wxyz", "xyzw")
 _MOUNTING_AXES = ("fixed", "reported")
 
 
@@ -113,8 +114,9 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
           log_folder: Path, chart_rotation_deg: Optional[Sequence[float]] = None,
           chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
           tracker_axes: str = "reported", tracker_unit: Optional[str] = None,
-          invert_tracker_quaternions: bool = False, expected_records: Optional[int] = None,
-          refine_mounting: bool = False, good_enough: Sequence[float] = (2, 0.2),
+          quaternion_order: str = "wxyz", invert_tracker_quaternions: bool = False,
+          expected_records: Optional[int] = None, refine_mounting: bool = False,
+          good_enough: Sequence[float] = (2, 0.2),
           scale_uncertainty_percent: float = 0.1,
           working_folder: Optional[Path] = None, silent: bool = False) -> Run:
     """Starts to calibrate a shoot in the background and returns at once.
@@ -130,7 +132,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
         chart_translation_m: translation of the mounting, metres.
         mounting_axes: axes of the mounting: "fixed" (those of the library) or "reported".
         tracker_axes: coordinate system of the poses: "reported", "unreal" or "unity".
-        tracker_unit: unit of the positions: "m", "cm" or "mm"; None: cm for unreal, otherwise m.
+        tracker_unit: unit of the positions: "m", "cm", "mm" or "in"; None: cm for unreal, otherwise m.
+        quaternion_order: order of the four fields of a quaternion: "wxyz" or "xyzw".
         invert_tracker_quaternions: the quaternions of the trackers are inverted.
         expected_records: number of rows that were recorded; None: do not check.
         refine_mounting: calibrate again if the cross-check finds another mounting or bad photographs.
@@ -152,6 +155,7 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     _state_mounting(settings, chart_rotation_deg, chart_translation_m, mounting_axes)
     settings.tracker_axes = _index("tracker_axes", _AXES, tracker_axes)
     settings.tracker_unit = _index("tracker_unit", _UNITS, tracker_unit)
+    settings.quaternion_order = _index("quaternion_order", _ORDERS, quaternion_order)
     settings.invert_tracker_quaternions = bool(invert_tracker_quaternions)
     settings.refine_mounting = bool(refine_mounting)
     settings.good_enough_mm, settings.good_enough_deg = _floats(good_enough, 2)

@@ -41,7 +41,7 @@ class Settings(ctypes.Structure):
         ("invert_tracker_quaternions", c_int32),
         ("refine_mounting", c_int32),
         ("silent", c_int32),
-        ("reserved", c_int32),
+        ("quaternion_order", c_int32),
         ("working_folder", c_char_p),
         ("log_folder", c_char_p),
         ("good_enough_mm", c_double),

@@ -1,5 +1,6 @@
 // Whole runs of the program on shoots with a known truth, some of them spoiled.
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <sstream>
@@ -229,19 +230,64 @@ TEST_F(CrosscheckShoot, NamesTheReadingThatFits) {
   });
   EXPECT_NE(Calibrate().status, 0);
   EXPECT_EQ(ValueOf("reading", "reading"), "trackersExchanged");
+  EXPECT_EQ(Result()["verdict"]["commands"], Json::array());  // no option mends it
+}
 
-  Simulate({});
-  ChangeRows([](Fields& fields) {
+// The command that the program prints mends it.
+TEST_F(CrosscheckShoot, PrintsTheOptionThatReadsTheRowsRightly) {
+  const auto expectMended = [&](const std::string& reading, const std::string& option) {
+    SCOPED_TRACE(reading);
+    EXPECT_NE(Calibrate().status, 0);
+    EXPECT_EQ(ValueOf("reading", "reading"), reading);
+    EXPECT_EQ(Result()["verdict"]["commands"][0],
+              "trackedcam calibrate --config shoot/shoot.toml --no-report " + option);
+    const ProgramRun run = Calibrate({option});
+    EXPECT_EQ(run.status, 0) << run.error;
+    ExpectCloseToTheTruth();
+  };
+  const auto toXyzw = [](Fields& fields) {
     std::rotate(fields.begin() + 5, fields.begin() + 6, fields.begin() + 9);
     std::rotate(fields.begin() + 12, fields.begin() + 13, fields.begin() + 16);
-  });
-  EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(ValueOf("reading", "reading"), "orderXyzw");
+  };
+  SimulateNoisy({});
+  ChangeRows(toXyzw);
+  expectMended("orderXyzw", "--quaternion-order=xyzw");
 
-  Simulate({"--inverted-quaternions"});
+  SimulateNoisy({"--inverted-quaternions"});
   Configure("invert-tracker-quaternions", "invert-tracker-quaternions = false");
-  EXPECT_NE(Calibrate().status, 0);
-  EXPECT_EQ(ValueOf("reading", "reading"), "quaternionsInverted");
+  expectMended("quaternionsInverted", "--invert-tracker-quaternions");
+
+  SimulateNoisy({});
+  ChangeRows([](Fields& fields) {
+    for (const std::size_t field : {2, 3, 4, 9, 10, 11}) {
+      fields[field] = std::to_string(std::stod(fields[field]) / 0.0254);
+    }
+  });
+  expectMended("inches", "--tracker-units=in");
+
+  // A component of Unreal has X, Y, Z = z, -x, y of the reported axes, in centimetres.
+  SimulateNoisy({});
+  ChangeRows([&](Fields& fields) {
+    for (const std::size_t first : {2, 9}) {
+      const auto number = [&](std::size_t i) { return std::stod(fields[first + i]); };
+      const std::vector<double> engine = {100 * number(2), -100 * number(0), 100 * number(1),
+                                          number(3),       -number(6),       number(4),
+                                          -number(5)};
+      for (std::size_t i = 0; i < engine.size(); ++i) {
+        fields[first + i] = std::to_string(engine[i]);
+      }
+    }
+  });
+  expectMended("engineCentimetres", "--tracker-axes=unreal");
+  ChangeRows(toXyzw);
+  const std::string option = "--tracker-axes=unreal";
+  EXPECT_NE(Calibrate({option}).status, 0);
+  EXPECT_EQ(ValueOf("reading", "reading"), "orderXyzw");
+  EXPECT_EQ(Calibrate({option, "--quaternion-order=xyzw"}).status, 0);
+  EXPECT_EQ(Result()["inputs"]["quaternionOrder"], "xyzw");
+  EXPECT_EQ(Result()["inputs"]["trackerAxes"], "unreal");
+  EXPECT_EQ(Result()["inputs"]["trackerUnits"], "cm");
+  ExpectCloseToTheTruth();
 }
 
 TEST_F(CrosscheckShoot, NamesTheLikelyMistakeOfTheMounting) {

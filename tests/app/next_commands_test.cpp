@@ -26,6 +26,13 @@ TEST(CommandLine, CanBePasted) {
             "trackedcam \"a\\\"b\" \"\\$HOME\" \"\\`x\\`\"");
 }
 
+TEST(WithOption, AddsItOnce) {
+  const std::string line = "trackedcam calibrate --config shoot.toml";
+  EXPECT_EQ(WithOption(line, "--tracker-units=mm"), line + " --tracker-units=mm");
+  EXPECT_EQ(WithOption(line, ""), "");
+  EXPECT_EQ(WithOption(line + " --tracker-units cm", "--tracker-units=mm"), "");
+}
+
 TEST(ExportCommands, AreForTheEnginesInCommonUse) {
   const std::string lens = (std::filesystem::path("day 1") / "lens.ulens").u8string();
   EXPECT_THAT(

@@ -82,6 +82,12 @@ TEST(OptionValues, TangentialDistortionHasTwoNumbers) {
   }
 }
 
+TEST(OptionValues, QuaternionOrderIsOneOfTwo) {
+  EXPECT_FALSE(ParseQuaternionOrder("", "wxyz"));
+  EXPECT_TRUE(ParseQuaternionOrder("", "xyzw"));
+  EXPECT_EQ(ErrorOf(ParseQuaternionOrder, "wzyx"), "--option: wzyx is not one of wxyz, xyzw");
+}
+
 TEST(OptionValues, GoodEnoughIsInMillimetresAndDegrees) {
   for (const char* text : {"2mm,0.2deg", "2,0.2", " 2 mm , 0.2 deg "}) {
     const host::Accuracy goodEnough = ParseGoodEnough("", text);
@@ -190,7 +196,7 @@ TEST(OptionValues, AxesOfAnEngineGoByNameOrByLetters) {
   EXPECT_EQ(ErrorOf(ParseTrackerAxes, "Unity"),
             "--option: Unity is not one of reported, unreal, unity");
   EXPECT_EQ(ParseTrackerUnit("--option", "mm")->unitsPerMetre, 1000);
-  EXPECT_EQ(ErrorOf(ParseTrackerUnit, "inch"), "--option: inch is not one of m, cm, mm");
+  EXPECT_EQ(ErrorOf(ParseTrackerUnit, "inch"), "--option: inch is not one of m, cm, mm, in");
   EXPECT_TRUE(ParseMountingAxes("--option", "reported"));
   EXPECT_FALSE(ParseMountingAxes("--option", "fixed"));
   EXPECT_EQ(ErrorOf(ParseMountingAxes, "tracker"),

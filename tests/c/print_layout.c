@@ -28,7 +28,7 @@ int main(void) {
   AT(trackedcam_settings, invert_tracker_quaternions);
   AT(trackedcam_settings, refine_mounting);
   AT(trackedcam_settings, silent);
-  AT(trackedcam_settings, reserved);
+  AT(trackedcam_settings, quaternion_order);
   AT(trackedcam_settings, working_folder);
   AT(trackedcam_settings, log_folder);
   AT(trackedcam_settings, good_enough_mm);

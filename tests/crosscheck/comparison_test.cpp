@@ -77,7 +77,7 @@ TEST(TrackerLoopTest, RowsGiveTheTruePoses) {
   const Observations observations = test::MakeShoot(shoot).observations;
   for (std::size_t i = 0; i < shoot.photographs.size(); ++i) {
     const simulator::Photograph& truth = shoot.photographs[i];
-    const auto found = TransformOfRow(observations.photographs[i], false);
+    const auto found = TransformOfRow(observations.photographs[i], {});
     ASSERT_TRUE(found);
     EXPECT_THAT(
         found->matrix(),
@@ -87,12 +87,12 @@ TEST(TrackerLoopTest, RowsGiveTheTruePoses) {
 
 TEST(TrackerLoopTest, WhatIsNoPoseIsNone) {
   TrackerPose reported;
-  EXPECT_TRUE(Transform_Base_Tracker(reported, false));
+  EXPECT_TRUE(Transform_Base_Tracker(reported, {}));
   reported.position.y() = 2e7;
-  EXPECT_FALSE(Transform_Base_Tracker(reported, false));
+  EXPECT_FALSE(Transform_Base_Tracker(reported, {}));
   reported = {};
   reported.quaternionWxyz.setZero();
-  EXPECT_FALSE(Transform_Base_Tracker(reported, false));
+  EXPECT_FALSE(Transform_Base_Tracker(reported, {}));
 }
 
 TEST(ViewTest, SaysHowTheBoardStands) {

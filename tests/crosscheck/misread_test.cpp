@@ -72,6 +72,41 @@ const Misreading kMisreadings[] = {
          t.quaternionWxyz[2] *= -1;
        });
      }},
+    {RowReading::kInches,
+     [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position /= 0.0254; }); }},
+    {RowReading::kEngineCentimetres,
+     [](Observations& o) {
+       ForEachTracker(o, [](TrackerPose& t) {
+         t.position *= 100;
+         t.position.z() *= -1;
+         t.quaternionWxyz[1] *= -1;
+         t.quaternionWxyz[2] *= -1;
+       });
+     }},
+    {RowReading::kCameraInverted,
+     [](Observations& o) {
+       for (Photograph& photograph : o.photographs) {
+         photograph.camera.quaternionWxyz.tail<3>() *= -1;
+       }
+     }},
+    {RowReading::kChartInverted,
+     [](Observations& o) {
+       for (Photograph& photograph : o.photographs) {
+         photograph.chart.quaternionWxyz.tail<3>() *= -1;
+       }
+     }},
+    {RowReading::kCameraLate,
+     [](Observations& o) {
+       for (std::size_t i = o.photographs.size() - 1; i > 0; --i) {
+         o.photographs[i].camera = o.photographs[i - 1].camera;
+       }
+     }},
+    {RowReading::kChartLate,
+     [](Observations& o) {
+       for (std::size_t i = o.photographs.size() - 1; i > 0; --i) {
+         o.photographs[i].chart = o.photographs[i - 1].chart;
+       }
+     }},
     {RowReading::kMirroredX,
      [](Observations& o) { ForEachTracker(o, [](TrackerPose& t) { t.position.x() *= -1; }); }},
     {RowReading::kMirroredY,
@@ -109,6 +144,27 @@ TEST(MisreadTest, NothingIsNamedOfAChartOnATurntable) {
       EXPECT_NE(finding.severity, Severity::kError) << Name(finding.kind);
     }
   }
+}
+
+// An engine's x, y, z are a permutation of the reported ones, with other signs: rows in the order
+// x, y, z, w were taken as w, x, y, z before their axes were converted.
+TEST(MisreadTest, TheOrderOfQuaternionsIsNamedInTheAxesOfAnEngine) {
+  Eigen::Matrix3d axes;
+  axes << 0, 1, 0, 0, 0, -1, -1, 0, 0;
+  Observations observations = test::MakeShoot(test::FortyNoisy(3), 0.05).observations;
+  observations.quaternionAxes = axes;
+  for (Photograph& photograph : observations.photographs) {
+    for (TrackerPose* tracker : {&photograph.camera, &photograph.chart}) {
+      const Eigen::Vector3d inRow = axes.transpose() * tracker->quaternionWxyz.tail<3>();
+      const double w = tracker->quaternionWxyz[0];
+      tracker->quaternionWxyz[0] = inRow[0];
+      tracker->quaternionWxyz.tail<3>() = axes * Eigen::Vector3d(inRow[1], inRow[2], w);
+    }
+  }
+  const CrossCheck check = Check(observations);
+  ASSERT_EQ(check.findings.size(), 1U);
+  ASSERT_TRUE(std::holds_alternative<MisreadRows>(check.findings[0].kind));
+  EXPECT_EQ(std::get<MisreadRows>(check.findings[0].kind).reading, RowReading::kOrderXyzw);
 }
 
 // What is stated instead of the true mounting.

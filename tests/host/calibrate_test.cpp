@@ -174,7 +174,7 @@ TEST_F(CalibrateTest, KeepsWhatTheFirstRunFoundOfTheShoot) {
   ASSERT_NE(moved, nullptr);
   EXPECT_THAT(moved->photographs, testing::ElementsAre(report.photographs[17].name));
   EXPECT_EQ(report.verdict.advice, Advice(*moved));
-  EXPECT_EQ(report.verdict.nextStep, NextStep::kNone);
+  EXPECT_EQ(report.verdict.option, "");
 }
 
 // A file that changes after it was checked does not change what is calibrated.
@@ -216,7 +216,7 @@ TEST_F(CalibrateTest, IsWrongIfTheResultIsCertainlyOffThoughTheMountingIsRight) 
   ASSERT_GT(OffMillimetres(report), 5);
   EXPECT_EQ(report.verdict.level, Level::kWrong);
   EXPECT_NE(Find<crosscheck::LibraryApart>(report), nullptr);
-  EXPECT_EQ(report.verdict.nextStep, NextStep::kRefineMounting);
+  EXPECT_EQ(report.verdict.option, "--refine-mounting");
 
   Inputs refined = inputs;
   refined.refineMounting = true;
@@ -233,9 +233,10 @@ TEST_F(CalibrateTest, NeverCallsALogGoodThatItCannotCheck) {
   const auto checked = [&](const std::string& line, const std::string& value) {
     test::WriteFile(changed.u8string(), std::regex_replace(log, std::regex(line + " : [-0-9.]+"),
                                                            line + " : " + value));
-    return CheckLog(changed, report.inputs.mounting, {});
+    return CheckLog(changed, report.inputs.mounting, {}, 0.001);
   };
-  EXPECT_EQ(CheckLog(report.run.log, report.inputs.mounting, {}).verdict.level, Level::kGood);
+  EXPECT_EQ(CheckLog(report.run.log, report.inputs.mounting, {}, 0.001).verdict.level,
+            Level::kGood);
   for (const auto& [line, value] : {std::pair("Fx", "nan"),
                                     {"Fy", "0.000000"},
                                     {"Cx", "inf"},
@@ -254,7 +255,7 @@ TEST_F(CalibrateTest, NeverCallsALogGoodThatItCannotCheck) {
     std::string without = log;
     without[place + 1] = '?';
     test::WriteFile(changed.u8string(), without);
-    EXPECT_EQ(CheckLog(changed, report.inputs.mounting, {}).verdict.level, Level::kDoubtful);
+    EXPECT_EQ(CheckLog(changed, report.inputs.mounting, {}, 0.001).verdict.level, Level::kDoubtful);
   }
 }
 
@@ -274,7 +275,7 @@ TEST_F(CalibrateTest, DoesNotCalibrateAgainWithTooFewPhotographs) {
   EXPECT_EQ(few.all, 15U);
   EXPECT_THAT(report.verdict.message, HasSubstr(Text(report.findings.front())));
   EXPECT_EQ(report.verdict.advice, Advice(*Find<TooFewAgree>(report)));
-  EXPECT_EQ(report.verdict.nextStep, NextStep::kNone);
+  EXPECT_EQ(report.verdict.option, "");
   ASSERT_NE(Find<BadPhotographs>(report), nullptr);
   EXPECT_EQ(Find<BadPhotographs>(report)->photographs.size(), 4U);
 

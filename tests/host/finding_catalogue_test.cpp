@@ -55,6 +55,7 @@ std::vector<Finding> RowSamples() {
   kinds.emplace_back(FrozenPose{Tracker::kChart, some, false});
   kinds.emplace_back(RepeatedRows{some, 35});
   kinds.emplace_back(LengthUnit{1250});
+  kinds.emplace_back(LengthUnit{60});
   kinds.emplace_back(Utf16Text{});
   std::vector<Finding> findings;
   for (FindingKind& kind : kinds) {
@@ -99,7 +100,7 @@ std::vector<Finding> RunSamples() {
 
 std::vector<Finding> CrossCheckSamples() {
   std::vector<FindingKind> kinds = {crosscheck::NoAgreement{40, 12, 25, 3}};
-  for (const auto reading : UpTo(RowReading::kMirroredZ)) {
+  for (const auto reading : UpTo(RowReading::kChartLate)) {
     kinds.emplace_back(crosscheck::MisreadRows{reading, 42.4, 420, 10});
   }
   for (const Eigen::Vector3d& axis :

@@ -99,6 +99,26 @@ TEST(FindingText, NamesTheFirstFewPhotographs) {
   EXPECT_THAT(textOf(4, 4), HasSubstr(": all 4 photographs."));
 }
 
+TEST(OptionFor, MendsTheCause) {
+  const auto optionFor = [](const FindingKind& kind) {
+    return OptionFor({Severity::kError, kind, {}});
+  };
+  const auto ofReading = [&](crosscheck::RowReading reading) {
+    return optionFor(crosscheck::MisreadRows{reading, 42, 420, 10});
+  };
+  using crosscheck::RowReading;
+  EXPECT_EQ(ofReading(RowReading::kQuaternionsInverted), "--invert-tracker-quaternions");
+  EXPECT_EQ(ofReading(RowReading::kOrderXyzw), "--quaternion-order=xyzw");
+  EXPECT_EQ(ofReading(RowReading::kInches), "--tracker-units=in");
+  EXPECT_EQ(ofReading(RowReading::kLeftHanded), "--tracker-axes=unity");
+  EXPECT_EQ(ofReading(RowReading::kEngineCentimetres), "--tracker-axes=unreal");
+  EXPECT_EQ(ofReading(RowReading::kChartLate), "");
+  EXPECT_EQ(optionFor(crosscheck::MountingOff{}), "--refine-mounting");
+  EXPECT_EQ(optionFor(LengthUnit{600}), "--tracker-units=mm");
+  EXPECT_EQ(optionFor(LengthUnit{60}), "--tracker-units=cm");  // 0.6 m, not 0.06 m
+  EXPECT_EQ(optionFor(crosscheck::TrackersNoisy{}), "");
+}
+
 TEST(Finding, CanBeOfWhatASecondRunImproves) {
   for (const FindingKind& kind : std::vector<FindingKind>{
            crosscheck::MountingOff{}, BadPhotographs{}, crosscheck::LibraryApart{}}) {

@@ -101,6 +101,29 @@ TEST(SecondRun, KeepsErrorsOfTheShootButNotOfTheRun) {
   EXPECT_THAT(FindingsThatStay(FirstRun(0)), IsEmpty());
 }
 
+TEST(MountingToPassOn, IsKnownAndOfAShootWithoutErrors) {
+  Report report = FirstRun(0);
+  EXPECT_EQ(MountingToPassOn(report)->rotationDegrees[0], 4);
+  report.findings = {ErrorOf(crosscheck::MountingOff{})};  // of the stated one
+  EXPECT_TRUE(MountingToPassOn(report));
+  report.findings = {ErrorOf(crosscheck::TrackerMoved{})};
+  EXPECT_FALSE(MountingToPassOn(report));
+  report.findings.clear();
+  report.crossCheck->t95 = 2;
+  report.crossCheck->standardErrorTrChart.translationMm = {0, 1.01, 0};
+  EXPECT_FALSE(MountingToPassOn(report));
+  report.inputs.goodEnough.mm = 2.1;
+  EXPECT_TRUE(MountingToPassOn(report));
+  report.crossCheck->mounting = std::nullopt;
+  EXPECT_FALSE(MountingToPassOn(report));
+}
+
+TEST(MountingToPassOn, OfTwoRunsIsThatOfTheSecond) {
+  Report report = FirstRun(0);
+  report.firstRun = std::make_shared<const Report>(report);
+  EXPECT_EQ(MountingToPassOn(report)->rotationDegrees[0], 1);
+}
+
 TEST(SecondRun, NamesEveryPhotographThatItIsWithout) {
   Report first = FirstRun(2);
   first.crossCheck->perPhotograph[1].mm = 39;

@@ -46,9 +46,33 @@ TEST(TrackerAxes, HaveAUnit) {
       InReportedAxes(Row(" +100 ,20,-3,1,0,0.5,0,1,2,3,1,0,0,0,spare"), Frame("reported", "cm"))
           .text,
       "1.5,photos/a.jpg,1,0.2,-0.03,1,0,0.5,0,0.01,0.02,0.03,1,0,0,0,spare");
+  EXPECT_EQ(InReportedAxes(Row("100,0,50,1,0,0,0,1,2,3,1,0,0,0"), Frame("", "in")).text,
+            "1.5,photos/a.jpg,2.54,0,1.27,1,0,0,0,0.0254,0.0508,0.0762,1,0,0,0");
   EXPECT_EQ(Describe(Frame("unreal")), "Unreal's axes, in cm");
   EXPECT_EQ(Describe(Frame("unity")), "Unity's axes, in m");
   EXPECT_EQ(Describe(Frame("", "mm")), "the tracking system's axes, in mm");
+}
+
+TEST(TrackerAxes, MayHaveQuaternionsInAnotherOrder) {
+  TrackerFrame frame = Frame("reported");
+  frame.hasQuaternionsXyzw = true;
+  EXPECT_TRUE(IsConverted(frame));
+  EXPECT_EQ(InReportedAxes(Row("1,2,3,0.1,0.2,0.3,0.5,4,5,6,0,0,0,1"), frame).text,
+            "1.5,photos/a.jpg,1,2,3,0.5,0.1,0.2,0.3,4,5,6,1,0,0,0");
+  EXPECT_EQ(Describe(frame), "the tracking system's axes, in m, quaternions x, y, z, w");
+  frame = Frame("unreal");
+  frame.hasQuaternionsXyzw = true;
+  EXPECT_EQ(InReportedAxes(Row("100,20,-3,0.1,0.2,0.3,0.5,1,2,3,5,6,7,4"), frame).text,
+            "1.5,photos/a.jpg,-0.2,-0.03,1,0.5,0.2,-0.3,-0.1,-0.02,0.03,0.01,4,6,-7,-5");
+}
+
+TEST(TrackerAxes, OfQuaternionsAreThoseOfTheConversion) {
+  for (const char* name : {"reported", "unreal", "unity"}) {
+    const DataRow row = InReportedAxes(Row("0,0,0,0.5,0.1,0.2,0.3,0,0,0,1,0,0,0"), Frame(name));
+    const auto pose = PosesIn(SplitFields(row.text))[0];
+    const Vector3d expected(pose[4], pose[5], pose[6]);
+    EXPECT_TRUE((QuaternionAxes(Frame(name)) * Vector3d(0.1, 0.2, 0.3)).isApprox(expected)) << name;
+  }
 }
 
 TEST(TrackerAxes, OfATrackingSystemStayAsTheyAre) {

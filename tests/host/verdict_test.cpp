@@ -91,7 +91,7 @@ TEST_F(VerdictOfFindings, AdvisesMorePhotographsWhereTooFewAreLeft) {
   const Verdict verdict = VerdictOf(run, List(), {finding, few});
   EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
   EXPECT_EQ(verdict.advice, Advice(few));
-  EXPECT_EQ(verdict.nextStep, NextStep::kNone);
+  EXPECT_EQ(verdict.option, "");
 }
 
 TEST_F(VerdictOfFindings, IsWrongWithAnError) {
@@ -100,7 +100,7 @@ TEST_F(VerdictOfFindings, IsWrongWithAnError) {
   EXPECT_THAT(verdict.summary, EndsWith(" wrong, from 1 of 2 photographs."));
   EXPECT_EQ(verdict.message, verdict.summary + ' ' + Text(finding));
   EXPECT_EQ(verdict.advice, Advice(finding));
-  EXPECT_EQ(verdict.nextStep, NextStep::kRefineMounting);
+  EXPECT_EQ(verdict.option, "--refine-mounting");
 }
 
 TEST_F(VerdictOfFindings, IsDoubtfulWithAWarning) {
@@ -128,7 +128,7 @@ TEST_F(VerdictOfFindings, SaysThatAResultCannotBeChecked) {
 
 TEST_F(VerdictOfFindings, HasNoNextStepThatCannotHelp) {
   finding.kind = crosscheck::TrackersNoisy{3, 0.3};
-  EXPECT_EQ(With(Severity::kError).nextStep, NextStep::kNone);
+  EXPECT_EQ(With(Severity::kError).option, "");
 }
 
 TEST_F(VerdictOfFindings, OfAFailureGivesTheReason) {
@@ -161,7 +161,7 @@ TEST_F(VerdictOfFindings, WithoutAMountingIsAFailure) {
   EXPECT_EQ(withFinding.summary, verdict.summary);
   EXPECT_EQ(withFinding.message, verdict.summary + ' ' + Text(finding));
   EXPECT_EQ(withFinding.advice, Advice(finding));
-  EXPECT_EQ(withFinding.nextStep, NextStep::kNone);
+  EXPECT_EQ(withFinding.option, "");
 }
 
 TEST_F(VerdictOfFindings, WithoutAMountingGivesTheLibrarysReason) {

@@ -71,6 +71,7 @@ def test_invalid_values_raise(perfect, tmp_path):
             ({"chart_rotation_deg": None}, "rotation and translation"),
             ({"tracker_axes": "maya"}, "'maya'"),
             ({"tracker_unit": "inch"}, "'inch'"),
+            ({"quaternion_order": "wzyx"}, "'wzyx'"),
             ({"mounting_axes": "world"}, "'world'"),
             ({"expected_records": -1}, "records|rows"),
             ({"data": tmp_path / "missing.csv"}, "missing.csv"),
