@@ -33,6 +33,7 @@ struct RowFault {
     kDecimalCommas,
     kQuotes,
     kExtraColumn,
+    kPathFirst,
     kTimeWithT,
     kNotUtf8,  // outside the paths
     kPathNotUtf8,
@@ -93,11 +94,14 @@ struct PhotographFault {
 };
 
 struct MissingPhotographs {
+  enum class Cause { kUnknown, kSpaces, kBackslashes };  // around the path; in it
   std::size_t count = 0;
   std::size_t all = 0;
   std::string folder;            // with the first of them; empty: not found
   std::string nameInFolder;      // its path in the data file, or the last part of it
   bool isWorkingFolder = false;  // the paths of the data file begin in that folder
+  Cause cause = Cause::kUnknown;
+  std::string rightPath = {};  // of the first of them, if the cause is known
 };
 
 struct HugePhotographs {

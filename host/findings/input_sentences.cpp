@@ -79,6 +79,10 @@ Sentences InputWriter::operator()(const RowFault& fault) const {
                   ", so every number is read from the wrong field.",
               "Remove the column: a row is the time, the photograph, then seven numbers for each "
               "tracker."};
+    case RowFault::Kind::kPathFirst:
+      return {"pathFirst",
+              "The photograph is the first field in " + rows + ", and must be the second.",
+              "Write the time first, then the photograph, then seven numbers for each tracker."};
     case RowFault::Kind::kTimeWithT:
       return {"timesBeginWithT",
               "The time begins with T in " + rows + ", and such lines are skipped.",
@@ -209,16 +213,27 @@ Sentences InputWriter::operator()(const PhotographFault& fault) const {
 
 Sentences InputWriter::operator()(const MissingPhotographs& fault) const {
   const std::string& name = fault.nameInFolder;
-  return {
-      "missingPhotographs",
-      "Photographs cannot be found: " + PhotographNames(photographs, fault.count, fault.all) + '.',
-      fault.folder.empty()
-          ? "Put the photographs where the data file says, or correct its second field."
-      : fault.isWorkingFolder
-          ? "Set --working-folder " + fault.folder + ": " + name + " is there."
-          : name + " is in " + fault.folder +
-                ": correct the paths in the second field, or leave only the names and set "
-                "--working-folder."};
+  const std::string missing =
+      "Photographs cannot be found: " + PhotographNames(photographs, fault.count, fault.all);
+  switch (fault.cause) {
+    case MissingPhotographs::Cause::kSpaces:
+      return {"missingPhotographs", missing + ", because their paths begin or end with a blank.",
+              "Remove the blanks next to the commas: the path is " + fault.rightPath + '.'};
+    case MissingPhotographs::Cause::kBackslashes:
+      return {"missingPhotographs",
+              missing + ", because backslashes separate folders on Windows only.",
+              "Write slashes: " + fault.rightPath + '.'};
+    case MissingPhotographs::Cause::kUnknown:
+      break;
+  }
+  return {"missingPhotographs", missing + '.',
+          fault.folder.empty()
+              ? "Put the photographs where the data file says, or correct its second field."
+          : fault.isWorkingFolder
+              ? "Set --working-folder " + fault.folder + ": " + name + " is there."
+              : name + " is in " + fault.folder +
+                    ": correct the paths in the second field, or leave only the names and set "
+                    "--working-folder."};
 }
 
 Sentences InputWriter::operator()(const HugePhotographs& fault) const {

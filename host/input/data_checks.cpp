@@ -292,7 +292,7 @@ class RowSorter {
     Found found;
     std::vector<Finding>& findings = found.findings;
     AddFaults({Kind::kSemicolons, Kind::kTabs, Kind::kBars, Kind::kDecimalCommas, Kind::kQuotes,
-               Kind::kExtraColumn},
+               Kind::kExtraColumn, Kind::kPathFirst},
               all_, findings);
     // Lines that are skipped are not among the rows.
     const Faulty skipped = LinesThat(content, IsSkippedRow);
@@ -349,6 +349,7 @@ class RowSorter {
     AddIf(form.hasQuotes, RowFault::Kind::kQuotes, row);
     AddIf(form.hasDecimalCommas, RowFault::Kind::kDecimalCommas, row);
     AddIf(form.hasExtraColumn, RowFault::Kind::kExtraColumn, row);
+    AddIf(form.hasPathFirst, RowFault::Kind::kPathFirst, row);
   }
 
   void SortByFields(const DataRow& row) {

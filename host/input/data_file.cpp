@@ -1,6 +1,8 @@
 #include "host/input/data_file.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cmath>
 #include <optional>
 #include <system_error>
@@ -14,15 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Fields = std::vector<std::string_view>;
-
-std::string_view Trim(std::string_view text) {
-  constexpr const char* kBlanks = " \t\r\v\f";
-  const std::size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
-}
 
 std::optional<double> Parse(std::string_view trimmed) {
   const bool hasPlus = trimmed.size() > 1 && trimmed[0] == '+' && trimmed[1] != '-';
@@ -76,6 +69,18 @@ void RequirePlainFile(const fs::path& data) {
   if (fs::file_size(data, error) > kMostBytes) {
     throw InputError(data.u8string() + " is larger than " + std::to_string(kMostBytes >> 20) +
                      " MB, more than the tracker data of any shoot");
+  }
+}
+
+// The beginnings of both kinds of spreadsheets that are in use.
+void RequireText(const fs::path& data, const std::string& content) {
+  constexpr std::array<std::string_view, 2> kSpreadsheets = {"PK\x03\x04", "\xD0\xCF\x11\xE0"};
+  for (const std::string_view begin : kSpreadsheets) {
+    if (content.compare(0, begin.size(), begin) == 0) {
+      throw InputError(data.u8string() +
+                       " is a spreadsheet, not text: save it as CSV (UTF-8), with commas between "
+                       "the fields and decimal points");
+    }
   }
 }
 
@@ -136,6 +141,15 @@ bool HasExtraColumn(const Fields& fields) {
   return fields.size() > kFields && IsNumber(fields[kPathField]) && IsText(fields[kPathField + 1]);
 }
 
+// A time of day has no letters.
+bool HasPathFirst(const Fields& fields) {
+  const auto isLetter = [](char character) {
+    return std::isalpha(static_cast<unsigned char>(character)) != 0;
+  };
+  return fields.size() > kPathField && IsText(fields[0]) && IsNumber(fields[kPathField]) &&
+         std::any_of(fields[0].begin(), fields[0].end(), isLetter);
+}
+
 bool HasNumberFrom(const Fields& fields, std::size_t first) {
   return fields.size() > first &&
          std::any_of(
@@ -150,6 +164,15 @@ bool IsHeader(const DataRow& row, const Fields& fields) {
 }
 
 }  // namespace
+
+std::string_view Trim(std::string_view text) {
+  constexpr const char* kBlanks = " \t\r\v\f";
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) {
+    return {};
+  }
+  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
 
 std::vector<std::string_view> SplitFields(std::string_view row, char separator) {
   std::vector<std::string_view> fields;
@@ -214,6 +237,7 @@ std::string ReadDataContent(const fs::path& data) {
   RequirePlainFile(data);
   try {
     std::string content = ReadFile(data);
+    RequireText(data, content);
     RequireFewLines(data, content);
     return content;
   } catch (const InputError&) {
@@ -244,6 +268,8 @@ RowForm FormOf(const DataRow& row) {
   form.hasDecimalCommas = !form.hasQuotes && HasDecimalCommas(fields, form.separator);
   form.hasExtraColumn =
       form.separator == ',' && !form.hasQuotes && !form.hasDecimalCommas && HasExtraColumn(fields);
+  form.hasPathFirst = form.separator == ',' && !form.hasQuotes && !form.isHeader &&
+                      !form.hasDecimalCommas && HasPathFirst(fields);
   return form;
 }
 

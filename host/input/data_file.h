@@ -18,8 +18,8 @@ struct DataRow {
 };
 
 /// The whole file as text.
-/// @throws InputError if the file cannot be read, is not a regular file, is far larger than any
-///         shoot's or has more than a million lines.
+/// @throws InputError if the file cannot be read, is not a regular file, is a spreadsheet, is far
+///         larger than any shoot's or has more than a million lines.
 std::string ReadDataContent(const std::filesystem::path& data);
 
 /// The lines that the library takes for rows.
@@ -34,6 +34,9 @@ constexpr std::size_t kFirstPoseField = 2;
 
 /// All fields, even if they are more or fewer than the library reads.
 std::vector<std::string_view> SplitFields(std::string_view row, char separator = ',');
+
+/// Without blanks around it.
+std::string_view Trim(std::string_view text);
 
 enum class FieldKind { kEmpty, kNumber, kNotFinite, kText };
 
@@ -57,11 +60,12 @@ struct RowForm {
   bool hasQuotes = false;
   bool hasDecimalCommas = false;
   bool hasExtraColumn = false;  // before the photograph
+  bool hasPathFirst = false;    // the photograph before the time, or without one
 
   /// The library finds each field where it expects it.
   bool IsPlain() const {
     return !isBlank && !isHeader && separator == ',' && !hasQuotes && !hasDecimalCommas &&
-           !hasExtraColumn;
+           !hasExtraColumn && !hasPathFirst;
   }
 };
 

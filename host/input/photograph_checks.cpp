@@ -49,11 +49,15 @@ std::string FileName(const std::string& photograph) {
   return photograph.substr(photograph.find_last_of("/\\") + 1);
 }
 
+bool IsIn(const fs::path& folder, const std::string& name) {
+  std::error_code error;
+  return !name.empty() && fs::is_regular_file(folder / fs::u8path(name), error);
+}
+
 // Empty if there is none.
 fs::path FolderWith(const std::string& name, const std::vector<fs::path>& folders) {
   for (const fs::path& folder : folders) {
-    std::error_code error;
-    if (!name.empty() && fs::is_regular_file(folder / fs::u8path(name), error)) {
+    if (IsIn(folder, name)) {
       return folder;
     }
   }
@@ -179,10 +183,31 @@ std::vector<ImageSize> StoredSizes(const std::vector<Image>& images) {
   return sizes;
 }
 
+// Whether the first of them is there under a path that is written a little differently.
+bool FindCause(const std::string& photograph, const fs::path& workingFolder,
+               MissingPhotographs& missing) {
+  using Cause = MissingPhotographs::Cause;
+  const std::string trimmed(Trim(photograph));
+  std::string slashes = trimmed;
+  std::replace(slashes.begin(), slashes.end(), '\\', '/');
+  for (const auto& [path, cause] :
+       {std::pair(trimmed, Cause::kSpaces), std::pair(slashes, Cause::kBackslashes)}) {
+    if (path != photograph && IsIn(workingFolder, path)) {
+      missing.rightPath = path;
+      missing.cause = cause;
+      return true;
+    }
+  }
+  return false;
+}
+
 // Where the first of them is.
 MissingPhotographs SearchFor(const Names& missing, const Inputs& inputs) {
   MissingPhotographs found;
   const std::string& photograph = missing.front();
+  if (FindCause(photograph, inputs.workingFolder, found)) {
+    return found;
+  }
   const std::vector<fs::path> folders = FoldersAround(inputs);
   if (fs::u8path(photograph).is_relative()) {
     found.folder = FolderWith(photograph, folders).u8string();

@@ -181,6 +181,10 @@ INSTANTIATE_TEST_SUITE_P(
               "pathEncoding", Severity::kWarning, R"({"rows": 2, "firstRow": 4})"},
         Fault{"an extra column", AllChanged([](Row& row) { row.insert(row.begin(), "7"); }),
               "extraColumn", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
+        Fault{"the path first", AllChanged([](Row& row) { std::swap(row[0], row[1]); }),
+              "pathFirst", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
+        Fault{"no time", AllChanged([](Row& row) { row.erase(row.begin()); }), "pathFirst",
+              Severity::kError, R"({"rows": 20, "firstRow": 2})"},
         Fault{"times with a T", AllChanged([](Row& row) { row[0] = "T" + row[0]; }),
               "timesBeginWithT", Severity::kError, R"({"rows": 20, "firstRow": 2})"},
         Fault{"one time with a T", Changed({3}, Set(0, "T07")), "timesBeginWithT",
@@ -261,6 +265,7 @@ TEST(DataChecks, LeaveOrdinaryHabitsAlone) {
     EXPECT_THAT(FindingsOf(content), IsEmpty());
   };
   noFindings(AllChanged([](Row& row) { row[0] = "12:30:05.123"; }));        // time of day
+  noFindings(AllChanged([](Row& row) { row[1] = row[0]; }));                // a number for a name
   noFindings(AllChanged([](Row& row) { row[0].clear(); }));                 // no time
   noFindings(AllChanged([](Row& row) { row.resize(20, "more"); }));         // more columns
   noFindings(AllChanged(Set(3, " +1.5e-3 ")));                              // other numbers

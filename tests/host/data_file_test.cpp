@@ -99,6 +99,13 @@ TEST_F(DataFileOnDisk, HasAMillionRowsAtMost) {
   EXPECT_THAT(ErrorOf("data.csv"), HasSubstr("has more than 1000000 rows"));
 }
 
+TEST_F(DataFileOnDisk, IsNoSpreadsheet) {
+  for (const char* begin : {"PK\x03\x04", "\xD0\xCF\x11\xE0"}) {
+    test::WriteFile(folder.File("data.xlsx"), std::string(begin) + "sheet1\n1,2\n");
+    EXPECT_THAT(ErrorOf("data.xlsx"), HasSubstr("data.xlsx is a spreadsheet, not text"));
+  }
+}
+
 TEST_F(DataFileOnDisk, IsReadWhole) {
   test::WriteFile(folder.File("data.csv"), "Time\nT1,a.jpg\n");
   EXPECT_EQ(ReadDataContent(folder.Path() / "data.csv"), "Time\nT1,a.jpg\n");

@@ -71,6 +71,10 @@ std::vector<Finding> PhotographSamples() {
   }
   kinds.emplace_back(MissingPhotographs{5, 5, "", "", false});
   kinds.emplace_back(MissingPhotographs{5, 40, "/takes/new", "photos/a.jpg", true});
+  for (const auto cause :
+       {MissingPhotographs::Cause::kSpaces, MissingPhotographs::Cause::kBackslashes}) {
+    kinds.emplace_back(MissingPhotographs{5, 40, "", "", false, cause, "photos/a.jpg"});
+  }
   kinds.emplace_back(MissingPhotographs{5, 40, "/takes/new", "a.jpg", false});
   kinds.emplace_back(HugePhotographs{kSizes, 5, 40});
   kinds.emplace_back(PhotographSizes{{1920, 1080}, kSizes, 5});

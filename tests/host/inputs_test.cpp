@@ -50,6 +50,10 @@ TEST(RequirePossibleTest, RefusesEachValueThatIsNot) {
   ExpectRefused([](Inputs& inputs) { inputs.mounting->rotationDegrees[2] = kNan; });
   ExpectRefused([](Inputs& inputs) { inputs.mounting->translationMetres[0] = kInfinity; });
   ExpectRefused([](Inputs& inputs) { inputs.expectedRecords = -1; });
+#ifndef _WIN32  // which has no such paths
+  ExpectRefused([](Inputs& inputs) { inputs.workingFolder = "/b\xE4r"; });
+  ExpectRefused([](Inputs& inputs) { inputs.logFolder = "/b\xE4r/log"; });
+#endif
 }
 
 }  // namespace

@@ -265,6 +265,22 @@ TEST_F(PhotographChecksTest, KnowWhereMissingOnesLie) {
   }
 }
 
+TEST_F(PhotographChecksTest, KnowPathsThatAreWrittenALittleDifferently) {
+  using Cause = MissingPhotographs::Cause;
+  std::vector<std::pair<const char*, Cause>> paths = {{" photos/1.jpg", Cause::kSpaces},
+                                                      {"photos/1.jpg\t", Cause::kSpaces}};
+  if (std::filesystem::path::preferred_separator == '/') {
+    paths.emplace_back("photos\\1.jpg", Cause::kBackslashes);
+    paths.emplace_back(" photos\\1.jpg", Cause::kBackslashes);
+  }
+  for (const auto& [path, cause] : paths) {
+    rows.clear();
+    Name(path);
+    EXPECT_EQ(TheKind<MissingPhotographs>().cause, cause) << path;
+    EXPECT_EQ(TheKind<MissingPhotographs>().rightPath, "photos/1.jpg");
+  }
+}
+
 TEST_F(PhotographChecksTest, MissNothingThatRowsOfAnotherFormName) {
   rows.push_back({1, "Frame,Image,x,y,z", "Image"});
   rows.push_back({9, "7,0.5,a.jpg,0,0,1,1,0,0,0,0,0,0,1,0,0,0", "0.5"});
