@@ -11,6 +11,7 @@
 #include "host/findings/finding_text.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
+#include "host/lost_photographs.h"
 #include "host/run/library_run.h"
 #include "host/run/run_folder.h"
 #include "host/second_run.h"
@@ -97,6 +98,7 @@ bool IsOptionOpen(const Report& report, bool isSecondRun) {
 void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult,
            const Report* first = nullptr) {
   report.findings = ofInput;
+  Append(report.findings, ExplainLostPhotographs(report));  // may be why the rest is found
   CrossCheckRun(report, hasResult);
   RemoveWhatReadingExplains(report.findings);
   Append(report.findings, FindingsOf(report.run, report.crossCheck));

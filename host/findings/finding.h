@@ -87,7 +87,7 @@ struct Utf16Text {};
 using ImageSize = std::array<std::uint64_t, 2>;  // width, height
 
 struct PhotographFault {
-  enum class Kind { kNotAFile, kUnreadable, kOtherFormat, kUnknownFormat };
+  enum class Kind { kNotAFile, kUnreadable, kOtherFormat, kUnknownFormat, kCutShort };
   Kind kind = Kind::kNotAFile;
   std::size_t count = 0;
   std::size_t all = 0;  // photographs of the shoot
@@ -126,6 +126,13 @@ struct OrientationTag {
 struct Aspect {
   ImageSize image = {};
   std::array<double, 2> sensorMm = {};
+};
+
+/// Photographs that are blurred or out of focus.
+struct UnsharpPhotographs {
+  std::vector<double> edgeWidths;  // pixels, in the order of Finding::photographs, the worst first
+  std::size_t count = 0;
+  std::size_t all = 0;
 };
 
 // From the run.
@@ -189,14 +196,14 @@ struct BadPhotographs {
 using FindingKind =
     std::variant<RowFault, ValueFault, QuaternionLength, FrozenPose, RepeatedRows, LengthUnit,
                  Utf16Text, PhotographFault, MissingPhotographs, HugePhotographs, PhotographSizes,
-                 OrientationTag, Aspect, FewUsed, BoardNowhere, LogIncomplete, ImagesMissing,
-                 TooFewAgree, NotRefined, NotCrossChecked, LeftOutPhotographs, BadPhotographs,
-                 crosscheck::NoAgreement, crosscheck::MisreadRows, crosscheck::TooLittleRotation,
-                 crosscheck::TrackerMoved, crosscheck::MountingOff, crosscheck::SquareSizeOff,
-                 crosscheck::HalvesDiffer, crosscheck::LensUncertain, crosscheck::TrackersUncertain,
-                 crosscheck::TrackersNoisy, crosscheck::LibraryApart, crosscheck::ChartNotFlat,
-                 crosscheck::ChartStretched, crosscheck::LensModel, crosscheck::TrackerErrors,
-                 crosscheck::TrackerLoose>;
+                 OrientationTag, Aspect, UnsharpPhotographs, FewUsed, BoardNowhere, LogIncomplete,
+                 ImagesMissing, TooFewAgree, NotRefined, NotCrossChecked, LeftOutPhotographs,
+                 BadPhotographs, crosscheck::NoAgreement, crosscheck::MisreadRows,
+                 crosscheck::TooLittleRotation, crosscheck::TrackerMoved, crosscheck::MountingOff,
+                 crosscheck::SquareSizeOff, crosscheck::HalvesDiffer, crosscheck::LensUncertain,
+                 crosscheck::TrackersUncertain, crosscheck::TrackersNoisy, crosscheck::LibraryApart,
+                 crosscheck::ChartNotFlat, crosscheck::ChartStretched, crosscheck::LensModel,
+                 crosscheck::TrackerErrors, crosscheck::TrackerLoose>;
 
 struct Finding {
   Severity severity = Severity::kNote;

@@ -59,6 +59,11 @@ auto ValuesOf(const Fault& fault) -> decltype(fault.count, Json()) {
   return {{"photographCount", fault.count}};
 }
 
+Json ValuesOf(const UnsharpPhotographs& fault) {
+  return {{"photographCount", fault.count},
+          {"widestEdgePixels", NumberJson(fault.edgeWidths.at(0))}};
+}
+
 Json ValuesOf(const Aspect& fault) {
   const auto ratio = [](const auto& size) {
     return NumberJson(static_cast<double>(size[0]) / static_cast<double>(size[1]));

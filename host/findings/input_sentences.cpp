@@ -207,6 +207,9 @@ Sentences InputWriter::operator()(const PhotographFault& fault) const {
           "unknownFormat",
           "Files are not images of a known format, so their sizes are not checked: " + names + '.',
           kFormats};
+    case PhotographFault::Kind::kCutShort:
+      return {"cutShortPhotographs", "Files of photographs are cut short: " + names + '.',
+              "Copy them again, and check the free space on the disk."};
   }
   return {};
 }
@@ -273,6 +276,22 @@ Sentences InputWriter::operator()(const Aspect& fault) const {
               rounded(height) + " mm), so the focal length in millimetres is wrong.",
           "Give the part of the sensor that the image uses: --sensor " + rounded(usedWidth) + 'x' +
               rounded(usedWidth / aspect) + " if the pixels are square."};
+}
+
+Sentences InputWriter::operator()(const UnsharpPhotographs& fault) const {
+  Names withWidths;
+  for (std::size_t i = 0; i < std::min(photographs.size(), fault.edgeWidths.size()); ++i) {
+    withWidths.push_back(photographs[i] + " (edges " + Fixed(fault.edgeWidths[i], 0) +
+                         " pixels wide)");
+  }
+  return {"unsharpPhotographs",
+          (fault.count == 1           ? "One photograph is"
+           : fault.count == fault.all ? "All " + std::to_string(fault.all) + " photographs are"
+                                      : std::to_string(fault.count) + " of " +
+                                            std::to_string(fault.all) + " photographs are") +
+              " blurred or not sharp: " + List(withWidths, fault.count) + '.',
+          "Focus on the chart, light it well, use a short exposure with camera and chart at rest, "
+          "and take these photographs again."};
 }
 
 }  // namespace trackedcam::host

@@ -23,6 +23,7 @@ struct InputWriter {
   Sentences operator()(const PhotographSizes& fault) const;
   Sentences operator()(const OrientationTag& fault) const;
   Sentences operator()(const Aspect& fault) const;
+  Sentences operator()(const UnsharpPhotographs& fault) const;
 };
 
 }  // namespace trackedcam::host

@@ -298,5 +298,36 @@ TEST_F(CalibrateTest, DoesNotCalibrateAgainWithRowsThatAreReadWrongly) {
   }
 }
 
+// The library says only that the lens fits badly, or that boards are missing.
+TEST_F(CalibrateTest, NamesPhotographsThatAreNotSharp) {
+  simulator::ShootOptions options = Small(16);
+  options.blurPixels = 6;
+  const Report report = WithMounting(Simulate(options));
+  EXPECT_EQ(report.verdict.level, Level::kFailed);
+  const Finding* unsharp = Find<UnsharpPhotographs>(report);
+  ASSERT_NE(unsharp, nullptr);
+  EXPECT_EQ(unsharp->severity, Severity::kError);
+  EXPECT_EQ(unsharp->photographs.size(), 16U);
+  EXPECT_EQ(report.verdict.advice, Advice(*unsharp));
+}
+
+TEST_F(CalibrateTest, NamesFilesThatAreCutShort) {
+  const Inputs inputs = Simulate(Small(20));
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < 8; ++i) {
+    names.push_back(simulated.photographs[2 * i].path);
+    const std::filesystem::path file = inputs.workingFolder / names.back();
+    std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);
+  }
+  const Report report = WithMounting(inputs);
+  EXPECT_LT(OffMillimetres(report), 1);
+  EXPECT_EQ(report.verdict.level, Level::kDoubtful);
+  const Finding* cut = Find<PhotographFault>(report);
+  ASSERT_NE(cut, nullptr);
+  EXPECT_EQ(std::get<PhotographFault>(cut->kind).kind, PhotographFault::Kind::kCutShort);
+  EXPECT_EQ(cut->photographs, names);
+  EXPECT_EQ(Find<UnsharpPhotographs>(report), nullptr);
+}
+
 }  // namespace
 }  // namespace trackedcam::host

@@ -66,7 +66,7 @@ std::vector<Finding> RowSamples() {
 
 std::vector<Finding> PhotographSamples() {
   std::vector<FindingKind> kinds;
-  for (const auto kind : UpTo(PhotographFault::Kind::kUnknownFormat)) {
+  for (const auto kind : UpTo(PhotographFault::Kind::kCutShort)) {
     kinds.emplace_back(PhotographFault{kind, 5, 40});
   }
   kinds.emplace_back(MissingPhotographs{5, 5, "", "", false});
@@ -82,6 +82,8 @@ std::vector<Finding> PhotographSamples() {
   kinds.emplace_back(OrientationTag{true, 5, 40});
   kinds.emplace_back(Aspect{{60, 40}, {36, 20.25}});
   kinds.emplace_back(Aspect{{60, 40}, {36, 30}});
+  kinds.emplace_back(UnsharpPhotographs{{21.3, 20, 18, 15, 12}, 5, 40});
+  kinds.emplace_back(UnsharpPhotographs{{21.3}, 1, 40});
   std::vector<Finding> findings;
   for (FindingKind& kind : kinds) {
     findings.push_back({Severity::kNote, std::move(kind), kPhotographs});
