@@ -112,7 +112,7 @@ class HostileInput(Shoot):
                 self.write_data(rows[:6] + [",".join(fields)] + rows[7:])
                 self.assert_named(r"in row 8 \(field 5 of row 8, photos/img_006\.jpg\)", 0)
                 # The row is left out, and the others give a result.
-                state = self.result()["photographs"][6]["state"]
+                state = self.read_result()["photographs"][6]["state"]
                 self.assertEqual(state, "leftOutBeforeTheRun")
 
     def test_names_with_terminal_commands(self):

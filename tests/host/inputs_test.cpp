@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/platform.h"
+
 namespace trackedcam::host {
 namespace {
 
@@ -50,10 +52,14 @@ TEST(RequirePossibleTest, RefusesEachValueThatIsNot) {
   ExpectRefused([](Inputs& inputs) { inputs.mounting->rotationDegrees[2] = kNan; });
   ExpectRefused([](Inputs& inputs) { inputs.mounting->translationMetres[0] = kInfinity; });
   ExpectRefused([](Inputs& inputs) { inputs.expectedRecords = -1; });
-#ifndef _WIN32  // which has no such paths
+}
+
+TEST(RequirePossibleTest, RefusesFoldersThatAreNotUtf8) {
+  if (!test::kPathsAreBytes) {
+    GTEST_SKIP() << "each path is UTF-16 here";
+  }
   ExpectRefused([](Inputs& inputs) { inputs.workingFolder = "/b\xE4r"; });
   ExpectRefused([](Inputs& inputs) { inputs.logFolder = "/b\xE4r/log"; });
-#endif
 }
 
 }  // namespace

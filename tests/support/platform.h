@@ -17,6 +17,9 @@ extern const char* const kLineEnd;
 /// Whether a line that one thread appends to a file stays whole if other threads append as well.
 extern const bool kAppendsWholeLines;
 
+/// Whether a path is any bytes, UTF-8 or not.
+extern const bool kPathsAreBytes;
+
 /// Runs a program in a folder, with standard output and standard error redirected to two files, and
 /// waits for its end. The arguments are UTF-8.
 /// @return Its exit status, or -1 if it did not start or crashed.

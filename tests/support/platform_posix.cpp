@@ -16,6 +16,7 @@ std::string Quoted(const std::string& word) {
 
 const bool kHasGnuStrtod = true;
 const bool kAppendsWholeLines = true;
+const bool kPathsAreBytes = true;
 const char* const kLineEnd = "\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,

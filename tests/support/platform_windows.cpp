@@ -41,6 +41,7 @@ std::wstring Quoted(const std::wstring& word) {
 
 const bool kHasGnuStrtod = false;
 const bool kAppendsWholeLines = false;  // finding the end and writing there are separate steps
+const bool kPathsAreBytes = false;
 const char* const kLineEnd = "\r\n";
 
 int RunProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
