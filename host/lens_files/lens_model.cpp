@@ -15,7 +15,7 @@ namespace {
 using Eigen::Matrix2d;
 using Eigen::Vector2d;
 
-constexpr double kMostPixels = 200e6;  // as of a photograph
+constexpr double kMostImagePixels = 200e6;  // as of a photograph
 
 // The factor of the radial distortion at the square of a radius, and its derivative by that square.
 double RadialFactor(const LensModel& lens, double r2) {
@@ -73,7 +73,7 @@ LensModel LensModelOf(const CalibrationOutputs& calibration) {
   }
   LensModel lens;
   const Vector2d pixels(size[0], size[1]);
-  if (!(pixels.array() >= 1).all() || !(pixels.prod() <= kMostPixels) ||
+  if (!(pixels.array() >= 1).all() || !(pixels.prod() <= kMostImagePixels) ||
       pixels != pixels.array().floor().matrix()) {
     throw InputError("the imageSize of the result is not that of a photograph");
   }
