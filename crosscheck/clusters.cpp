@@ -86,7 +86,7 @@ double InflationByClusters(const Loops& loops, const Solution& solution, const C
       const Design design = DesignOf(loops[i], i, solution);
       const Matrix6d weight = Inverse(CovarianceOf(loops[i], solution, solution.noise));
       information[*clusters[i]] += design.transpose() * weight * design;
-      towards[*clusters[i]] += design.transpose() * weight * Residual(loops[i], i, solution);
+      towards[*clusters[i]] += design.transpose() * weight * Remaining(loops[i], i, solution);
     }
   }
   // In standard errors of the solution; what noise would do is known as well, and more for a
@@ -119,7 +119,7 @@ double ChanceOfClusters(const Loops& loops, const Solution& solution, const Clus
   for (std::size_t i = 0; i < loops.size(); ++i) {
     if (clusters[i]) {
       const Matrix6d weight = Inverse(CovarianceOf(loops[i], solution, solution.noise));
-      residuals.push_back(weight.llt().matrixU() * Residual(loops[i], i, solution));
+      residuals.push_back(weight.llt().matrixU() * Remaining(loops[i], i, solution));
       of.push_back(*clusters[i]);
     }
   }

@@ -90,6 +90,7 @@ std::optional<Solution> SolveShoot(const Evidence& evidence) {
   // The noise converges from any start within some orders of magnitude.
   const double metres = std::max(start->medianMetres, 1e-5);
   from.noise = {metres * metres, metres * metres, false};
+  from.nuisanceRoot = evidence.nuisanceRoot;
   SolveOptions options;
   options.first = start->closest;
   auto solution = Solve(evidence.loops, from, options);

@@ -44,6 +44,7 @@ struct Evidence {
   CornerFit corners;
   Lens libraryLens;                    // as the library solved it, without flaws
   Eigen::MatrixXd nuisanceCovariance;  // NaN if the corners do not determine the lens
+  Eigen::MatrixXd nuisanceRoot;        // times its transpose: nuisanceCovariance
   Loops loops;                         // of the photographs that can be used, in order
 };
 

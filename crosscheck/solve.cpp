@@ -13,6 +13,9 @@ namespace trackedcam::crosscheck {
 namespace {
 
 using UnknownVector = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, kMostUnknowns, 1>;
+using NuisanceVector = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, kMostNuisances, 1>;
+using NuisanceMatrix =
+    Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, kMostNuisances, kMostNuisances>;
 using UnknownMatrix =
     Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, kMostUnknowns, kMostUnknowns>;
 
@@ -107,6 +110,16 @@ void Apply(const UnknownVector& change, Solution& solution) {
   }
 }
 
+ByNuisances OwnOf(const Loop& loop, const Design& design, const Solution& solution) {
+  if (solution.nuisanceRoot.cols() == 0) {
+    return ByNuisances(6, 0);
+  }
+  // A solution that has not been solved with all of its unknowns yet has fewer rows.
+  const Eigen::Index known = std::min(design.cols(), solution.byNuisances.rows());
+  return (loop.byNuisances - design.leftCols(known) * solution.byNuisances.topRows(known)) *
+         solution.nuisanceRoot;
+}
+
 // Gauss-Newton on the loops in use, with the noise.
 class Refinement {
  public:
@@ -126,6 +139,7 @@ class Refinement {
         return false;
       }
       const Noise before = solution_.noise;
+      FitNuisances(change, *inverse);
       solution_.noise = ScoringStep(before, LikelihoodAfter(change, *inverse));
       Apply(change, solution_);
       solution_.covariance = *inverse;
@@ -134,17 +148,9 @@ class Refinement {
         break;
       }
     }
-    return true;
-  }
-
-  // How the unknowns change with the nuisances, through all photographs together.
-  void PropagateNuisances() {
     Sum();
-    Eigen::MatrixXd pull = Eigen::MatrixXd::Zero(normal_.rows(), loops_.front().byNuisances.cols());
-    for (const Term& term : terms_) {
-      pull += term.design.transpose() * term.weight * loops_[term.index].byNuisances;
-    }
-    solution_.byNuisances = solution_.covariance * pull;
+    FitNuisances(UnknownVector::Zero(normal_.rows()), solution_.covariance);
+    return true;
   }
 
  private:
@@ -154,6 +160,7 @@ class Refinement {
     Design design;
     Matrix6d weight;
     NoiseCarriers carriers;
+    ByNuisances own;  // see OwnOfNuisances
   };
 
   void Sum() {
@@ -182,16 +189,41 @@ class Refinement {
     }
   }
 
+  // How the unknowns change with the nuisances, through all photographs together, and what the
+  // photographs say about the nuisances.
+  void FitNuisances(const UnknownVector& change, const UnknownMatrix& inverse) {
+    const Eigen::Index count = loops_.front().byNuisances.cols();
+    Eigen::MatrixXd pull = Eigen::MatrixXd::Zero(normal_.rows(), count);
+    for (const Term& term : terms_) {
+      pull += term.design.transpose() * (term.weight * loops_[term.index].byNuisances);
+    }
+    solution_.byNuisances = inverse * pull;
+    const Eigen::Index exact = solution_.nuisanceRoot.cols() == 0 ? 0 : count;
+    NuisanceMatrix normal = NuisanceMatrix::Identity(exact, exact);
+    NuisanceVector right = NuisanceVector::Zero(exact);
+    for (Term& term : terms_) {
+      term.own = OwnOf(loops_[term.index], term.design, solution_);
+      const ByNuisances weighted = term.weight * term.own;
+      normal.noalias() += term.own.transpose() * weighted;
+      right.noalias() += weighted.transpose() * (term.residual - term.design * change);
+    }
+    solution_.nuisanceLeft = normal.llt().solve(NuisanceMatrix::Identity(exact, exact));
+    solution_.nuisanceShift = solution_.nuisanceLeft * right;
+  }
+
   LikelihoodSums LikelihoodAfter(const UnknownVector& change, const UnknownMatrix& inverse) const {
     LikelihoodSums sums;
     for (const Term& term : terms_) {
-      const Twist residual = term.residual - term.design * change;
+      const Twist residual =
+          term.residual - term.design * change - term.own * solution_.nuisanceShift;
       const Twist weighted = term.weight * residual;
       const Matrix6d rotation = term.weight * term.carriers.rotation;
       const Matrix6d translation = term.weight * term.carriers.translation;
       const Design weightedDesign = term.weight * term.design;
-      // The part of a loop's weight that goes into the unknowns.
-      const Matrix6d taken = weightedDesign * inverse * weightedDesign.transpose();
+      const ByNuisances weightedOwn = term.weight * term.own;
+      // The part of a loop's weight that goes into the unknowns and the nuisances.
+      const Matrix6d taken = weightedDesign * inverse * weightedDesign.transpose() +
+                             weightedOwn * solution_.nuisanceLeft * weightedOwn.transpose();
       sums.squares += Eigen::Vector2d(weighted.dot(term.carriers.rotation * weighted),
                                       weighted.dot(term.carriers.translation * weighted));
       sums.expected += Eigen::Vector2d(
@@ -274,6 +306,18 @@ Design DesignOf(const Loop& loop, std::size_t index, const Solution& solution) {
   return design;
 }
 
+ByNuisances OwnOfNuisances(const Loop& loop, std::size_t index, const Solution& solution) {
+  return OwnOf(loop, DesignOf(loop, index, solution), solution);
+}
+
+Twist Remaining(const Loop& loop, std::size_t index, const Solution& solution) {
+  Twist remaining = Residual(loop, index, solution);
+  if (solution.nuisanceShift.size() > 0) {
+    remaining -= OwnOfNuisances(loop, index, solution) * solution.nuisanceShift;
+  }
+  return remaining;
+}
+
 Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& noise) {
   const NoiseCarriers carriers =
       CarriersOf(solution.Transform_Cam_Tc, solution.Transform_Cam_Tc * loop.Transform_Tc_Tr);
@@ -283,7 +327,7 @@ Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& n
 
 double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solution,
                       const Noise& noise) {
-  return SquaredDistance(Residual(loop, index, solution), CovarianceOf(loop, solution, noise));
+  return SquaredDistance(Remaining(loop, index, solution), CovarianceOf(loop, solution, noise));
 }
 
 double Freedom(std::size_t used) {
@@ -320,7 +364,6 @@ std::optional<Solution> Solve(const Loops& loops, Solution from, const SolveOpti
     }
     solution.used = used;
   }
-  Refinement(loops, solution).PropagateNuisances();
   return solution;
 }
 

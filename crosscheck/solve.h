@@ -50,6 +50,9 @@ struct Solution {
   std::vector<double> disagreement;  // one for each loop, see DisagreementOf
   Eigen::MatrixXd covariance;        // of the unknowns, with the nuisances held fixed
   Eigen::MatrixXd byNuisances;       // the unknowns by the nuisances
+  Eigen::MatrixXd nuisanceRoot;      // times its transpose: their covariance; empty: they are exact
+  Eigen::VectorXd nuisanceShift;     // what the loops make of them, in units of the root
+  Eigen::MatrixXd nuisanceLeft;      // its covariance, in units of the root
   double inflation = 1;              // of the covariance, by errors that neighbours share
 
   std::size_t Used() const;
@@ -66,10 +69,17 @@ constexpr int kMostUnknowns = 19;
 using Design = Eigen::Matrix<double, 6, Eigen::Dynamic, 0, 6, kMostUnknowns>;
 Design DesignOf(const Loop& loop, std::size_t index, const Solution& solution);
 
-/// The covariance of the residual.
+/// What the nuisances change in the residual if the unknowns follow them, in units of their root.
+ByNuisances OwnOfNuisances(const Loop& loop, std::size_t index, const Solution& solution);
+
+/// What is left of the residual with the nuisances as the loops show them. The solution itself
+/// keeps those of the corners, and so the lens of the library.
+Twist Remaining(const Loop& loop, std::size_t index, const Solution& solution);
+
+/// The covariance of the residual, with the nuisances held fixed.
 Matrix6d CovarianceOf(const Loop& loop, const Solution& solution, const Noise& noise);
 
-/// How badly a loop fits: residualᵀ · covariance⁻¹ · residual
+/// How badly a loop fits: remainingᵀ · covariance⁻¹ · remaining
 double DisagreementOf(const Loop& loop, std::size_t index, const Solution& solution,
                       const Noise& noise);
 

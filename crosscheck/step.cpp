@@ -56,7 +56,7 @@ std::vector<Seen> SeenBy(Tracker tracker, const Loops& loops, const Solution& so
     const Matrix6d adjoint = Adjoint(pose);
     const Matrix6d weight = Inverse(CovarianceOf(loops[i], solution, solution.noise));
     Seen seen;
-    seen.off = Adjoint(pose.inverse()) * Residual(loops[i], i, solution);
+    seen.off = Adjoint(pose.inverse()) * Remaining(loops[i], i, solution);
     seen.weight = adjoint.transpose() * weight * adjoint;
     seen.weightedDesign = adjoint.transpose() * weight * DesignOf(loops[i], i, solution);
     all.push_back(seen);

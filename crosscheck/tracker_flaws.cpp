@@ -109,6 +109,47 @@ Columns ByDelay(const Loops& loops, std::size_t index, bool isLate, const Soluti
 
 using ColumnsOf = std::function<Columns(std::size_t)>;  // by the index of the loop
 
+// Columns that explain a part of the residuals.
+struct Explanation {
+  Eigen::VectorXd value;  // of each column
+  double gain = 0;        // of the sum of squares
+  int elements = 0;       // that were chosen freely
+};
+
+constexpr double kLeastLeft = 1e-3;  // of a column; less belongs to the transforms
+
+Explanation ByAll(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
+  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> eigen(left);
+  const Eigen::VectorXd turned = eigen.eigenvectors().transpose() * towards;
+  Eigen::VectorXd value = Eigen::VectorXd::Zero(towards.size());
+  Explanation all;
+  for (Eigen::Index k = 0; k < towards.size(); ++k) {
+    if (eigen.eigenvalues()[k] > kLeastLeft) {
+      value[k] = turned[k] / eigen.eigenvalues()[k];
+      all.gain += turned[k] * value[k];
+      ++all.elements;
+    }
+  }
+  all.value = eigen.eigenvectors() * value;
+  return all;
+}
+
+// The one that explains most.
+Explanation ByOne(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
+  Explanation best;
+  best.value = Eigen::VectorXd::Zero(towards.size());
+  for (Eigen::Index k = 0; k < towards.size(); ++k) {
+    const double gain = towards[k] * towards[k] / left(k, k);
+    if (left(k, k) > kLeastLeft && gain > best.gain) {
+      best.gain = gain;
+      best.elements = 1;
+      best.value.setZero();
+      best.value[k] = towards[k] / left(k, k);
+    }
+  }
+  return best;
+}
+
 TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& loops,
                      const Solution& solution) {
   const Eigen::Index size = columnsOf(0).cols();
@@ -116,7 +157,8 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
   Eigen::MatrixXd information = Eigen::MatrixXd::Zero(size, size);
   Eigen::MatrixXd shared = Eigen::MatrixXd::Zero(size, unknowns);
   Eigen::VectorXd towards = Eigen::VectorXd::Zero(size);
-  double squares = 0;
+  Eigen::MatrixXd sharedByNuisances = Eigen::MatrixXd::Zero(size, solution.nuisanceShift.size());
+  double squares = solution.nuisanceShift.squaredNorm();
   for (std::size_t i = 0; i < loops.size(); ++i) {
     if (!solution.used[i]) {
       continue;
@@ -124,38 +166,39 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
     const Columns columns = columnsOf(i);
     const Eigen::MatrixXd weighted =
         columns.transpose() * Inverse(CovarianceOf(loops[i], solution, solution.noise));
-    const Twist residual = Residual(loops[i], i, solution);
     information += weighted * columns;
     shared += weighted * DesignOf(loops[i], i, solution);
-    towards += weighted * residual;
+    sharedByNuisances += weighted * OwnOfNuisances(loops[i], i, solution);
+    towards += weighted * Remaining(loops[i], i, solution);
     squares += solution.disagreement[i];
   }
   TrackerFlawTest test;
   test.flaw = flaw;
-  // Some directions are those of the transforms themselves, which have taken them up.
-  const Eigen::MatrixXd left = information - shared * solution.covariance * shared.transpose();
+  // Some directions are those of the transforms or of the lens, which have taken them up.
+  const Eigen::MatrixXd left =
+      information - shared * solution.covariance * shared.transpose() -
+      sharedByNuisances * solution.nuisanceLeft * sharedByNuisances.transpose();
   const Eigen::VectorXd scale = information.diagonal().cwiseMax(1e-30).cwiseSqrt().cwiseInverse();
-  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> eigen(scale.asDiagonal() * left *
-                                                             scale.asDiagonal());
-  const Eigen::VectorXd scaled = eigen.eigenvectors().transpose() * scale.cwiseProduct(towards);
-  Eigen::VectorXd value = Eigen::VectorXd::Zero(size);
-  double gain = 0;
-  int elements = 0;
-  for (Eigen::Index k = 0; k < size; ++k) {
-    if (eigen.eigenvalues()[k] > 1e-3) {
-      value[k] = scaled[k] / eigen.eigenvalues()[k];
-      gain += scaled[k] * value[k];
-      ++elements;
-    }
+  const Eigen::MatrixXd scaledLeft = scale.asDiagonal() * left * scale.asDiagonal();
+  const Eigen::VectorXd scaledTowards = scale.cwiseProduct(towards);
+  Explanation best = ByAll(scaledLeft, scaledTowards);
+  const auto pOf = [&](const Explanation& explanation) {
+    const double freedom = 6.0 * static_cast<double>(solution.Used()) -
+                           static_cast<double>(unknowns) - explanation.elements;
+    const double rest = squares - explanation.gain;
+    return explanation.elements > 0 && freedom > 0 && rest > 0
+               ? HotellingTail(explanation.gain * freedom / rest, explanation.elements, freedom)
+               : 1;
+  };
+  test.p = pOf(best);
+  if (size > 1) {
+    // A flaw that is mostly one of the columns is seen more surely in that one alone.
+    const Explanation one = ByOne(scaledLeft, scaledTowards);
+    const double pOfOne = std::min(1.0, static_cast<double>(size) * pOf(one));
+    best = pOfOne < test.p ? one : best;
+    test.p = std::min(1.0, 2 * std::min(pOfOne, test.p));  // two were tried
   }
-  const Eigen::VectorXd flawed = scale.asDiagonal() * (eigen.eigenvectors() * value);
-  const double freedom =
-      6.0 * static_cast<double>(solution.Used()) - static_cast<double>(unknowns) - elements;
-  if (elements == 0 || !(freedom > 0) || !(squares > gain)) {
-    return test;
-  }
-  const double variance = (squares - gain) / freedom;
-  test.p = HotellingTail(gain / variance, elements, freedom);
+  const Eigen::VectorXd flawed = scale.cwiseProduct(best.value);
   double mm = 0;
   double degrees = 0;
   for (std::size_t i = 0; i < loops.size(); ++i) {

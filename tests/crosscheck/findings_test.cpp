@@ -38,6 +38,19 @@ TEST(FindingsTest, NothingIsSaidOfACleanShoot) {
   }
 }
 
+// From there the corners hardly show the lens, and its errors move all photographs alike.
+TEST(FindingsTest, AChartThatIsFarAwayMakesTheLensUncertainAndNotTheTrackers) {
+  for (std::uint64_t seed = 1; seed <= 4; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    simulator::Shoot simulated = simulator::SimulateShoot(FortyNoisy(seed));
+    test::StepBack(simulated, 8);  // 3.3 m
+    const CrossCheck check = Check(MakeShoot(simulated, 0.05).observations);
+    EXPECT_THAT(Reported(check), ElementsAre("lensUncertain warning"));
+    EXPECT_LT(check.trackerNoiseMm, 1);
+    EXPECT_NEAR(check.trackerNoiseDegrees, 0.05, 0.01);
+  }
+}
+
 TEST(FindingsTest, SlippedPhotographsAreNamedTheWorstFirst) {
   KnownShoot shoot = MakeShoot(FortyNoisy(3), 0.05);
   const auto slip = [&](std::size_t i, double mm) {
