@@ -362,8 +362,10 @@ struct Writer : InputWriter {
   Sentences operator()(const crosscheck::HalvesDiffer& fault) const {
     return {Name(fault),
             "The first and the second half of the shoot differ by " +
-                Offset(fault.offMm, fault.offDegrees) + ": something drifted.",
-            "Let trackers and base stations warm up, fix what is loose, and shoot again."};
+                Offset(fault.offMm, fault.offDegrees) + "; why is not known.",
+            "Shoot again, with all views of one half in the other as well. If the halves still "
+            "differ, something creeps or warms up; otherwise the trackers' errors depend on the "
+            "view."};
   }
 
   // Both parts, the larger one first.
