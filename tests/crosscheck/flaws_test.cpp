@@ -10,6 +10,7 @@
 #include "crosscheck/corner_flaws.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/kit/coverage.h"
+#include "crosscheck/kit/information.h"
 #include "crosscheck/kit/known_shoot.h"
 #include "crosscheck/kit/reported.h"
 #include "crosscheck/kit/shoot_flaws.h"
@@ -188,6 +189,19 @@ TEST(ScaleTest, IsInTheIntervalsAndItsEffectIsReported) {
   const double with = check.standardErrorCamTc.translationMm.squaredNorm();
   const double without = exact.standardErrorCamTc.translationMm.squaredNorm();
   EXPECT_NEAR(std::sqrt(with - without), check.scale.mmPerPermille, 0.02);
+}
+
+TEST(ScaleTest, IsFoundAsAccuratelyAsAnyTestCould) {
+  constexpr double kOff = 0.005;
+  const simulator::ShootOptions options = FortyNoisy(12);
+  simulator::ShootOptions flawed = options;
+  flawed.trackerScale = 1 + kOff;
+  flawed.trackerNoiseMm = flawed.trackerNoiseDegrees = 0;
+  const double atBest = test::StandardErrorsAtBest(simulator::SimulateShoot(flawed),
+                                                   simulator::SimulateShoot(options), kCornerNoise);
+  KnownShoot shoot = MakeShoot(options, kCornerNoise);
+  shoot.observations.scaleUncertainty = 0;
+  EXPECT_NEAR(kOff / Check(shoot.observations).square.standardError / atBest, 1, 0.15);
 }
 
 TEST(ScaleTest, TrackersThatMeasureLengthsWronglyAreFoundFromTheShoot) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "crosscheck/kit/information.h"
 #include "simulator/shoot.h"
 
 namespace trackedcam::test {
@@ -175,6 +176,30 @@ double AgreementOfHalves(const Cell& cell, std::uint64_t first, int shoots) {
     count(degrees, of(0).rotationDegrees, of(1).rotationDegrees);
   }
   return axes > 0 ? static_cast<double>(agreeing) / axes : 0;
+}
+
+double StandardErrorsAtBest(const Cell& cell, std::uint64_t first, int shoots) {
+  double squares = 0;
+  for (int i = 0; i < shoots; ++i) {
+    Cell without = cell;
+    without.scaleUncertainty = 0;
+    simulator::ShootOptions flawed = OptionsOf(without, first + static_cast<std::uint64_t>(i));
+    flawed.trackerNoiseMm = flawed.trackerNoiseDegrees = 0;
+    // With the image size and the distance of the flawed one, whose flaw of the lens may draw
+    // others.
+    without.options = nullptr;
+    simulator::ShootOptions flawless = OptionsOf(without, flawed.seed);
+    flawless.imageWidth = flawed.imageWidth;
+    flawless.imageHeight = flawed.imageHeight;
+    simulator::Shoot with = simulator::SimulateShoot(flawed);
+    simulator::Shoot plain = simulator::SimulateShoot(flawless);
+    if (cell.before) {
+      cell.before(with);
+      cell.before(plain);
+    }
+    squares += std::pow(StandardErrorsAtBest(with, plain, cell.cornerNoisePixels), 2);
+  }
+  return std::sqrt(squares / shoots);
 }
 
 std::array<Cell, 4> CoverageCells() {

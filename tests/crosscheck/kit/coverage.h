@@ -52,6 +52,10 @@ std::array<bool, kAxes> Covered(const crosscheck::CrossCheck& check, const Known
 /// of Transform_Cam_Tc on which they agree within 1.96 of their standard errors.
 double AgreementOfHalves(const Cell& cell, std::uint64_t first, int shoots);
 
+/// How many standard errors the flaw of the cell's options is at best, as the root mean square of
+/// shoots.
+double StandardErrorsAtBest(const Cell& cell, std::uint64_t first, int shoots);
+
 /// Shoots of the seeds `first` and following. The result to check is that of a calibration which
 /// believes the mounting.
 Tally RunCell(const Cell& cell, std::uint64_t first, int shoots);

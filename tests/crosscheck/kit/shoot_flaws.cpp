@@ -1,5 +1,8 @@
 #include "crosscheck/kit/shoot_flaws.h"
 
+#include <cmath>
+#include <random>
+
 namespace trackedcam::test {
 namespace {
 
@@ -21,6 +24,12 @@ void ShowChartAt(const Pose& Transform_Cam_Chart, const simulator::Shoot& shoot,
   for (std::size_t i = 0; i < corners.size(); ++i) {
     photograph.corners[i] = shoot.lens.Project(Transform_Cam_Chart * corners[i]);
   }
+}
+
+void StepBack(const simulator::Shoot& shoot, simulator::Photograph& photograph, double factor) {
+  Pose pose = photograph.Transform_Cam_Chart;
+  pose.translation() *= factor;
+  ShowChartAt(pose, shoot, photograph);
 }
 
 }  // namespace
@@ -56,9 +65,26 @@ void Creep(KnownShoot& shoot, double mm) {
 
 void StepBack(simulator::Shoot& shoot, double factor) {
   for (simulator::Photograph& photograph : shoot.photographs) {
-    Pose pose = photograph.Transform_Cam_Chart;
-    pose.translation() *= factor;
-    ShowChartAt(pose, shoot, photograph);
+    StepBack(shoot, photograph, factor);
+  }
+}
+
+void MixDistances(simulator::Shoot& shoot, double factor) {
+  for (std::size_t i = 1; i < shoot.photographs.size(); i += 2) {
+    StepBack(shoot, shoot.photographs[i], factor);
+  }
+}
+
+void FattenTails(simulator::Shoot& shoot) {
+  std::mt19937 random(static_cast<unsigned>(shoot.options.seed));
+  std::chi_squared_distribution<> chiSquared(3);
+  const auto fatten = [&](const Pose& truth, Pose& tracked) {
+    const double times = std::sqrt(3 / chiSquared(random));
+    tracked = truth * crosscheck::Exp(times * crosscheck::Log(truth.inverse() * tracked));
+  };
+  for (simulator::Photograph& photograph : shoot.photographs) {
+    fatten(photograph.Transform_Base_Tc, photograph.trackedTc);
+    fatten(photograph.Transform_Base_Tr, photograph.trackedTr);
   }
 }
 

@@ -23,6 +23,12 @@ void Creep(KnownShoot& shoot, double mm);
 /// The camera is this many times as far from the chart.
 void StepBack(simulator::Shoot& shoot, double factor);
 
+/// Every second photograph is from this many times the distance.
+void MixDistances(simulator::Shoot& shoot, double factor);
+
+/// The noise of the trackers has heavy tails: Student's t with 3 degrees of freedom.
+void FattenTails(simulator::Shoot& shoot);
+
 /// Leaves this share of each photograph's turn away from the first; the chart's middle stays.
 void TurnLess(simulator::Shoot& shoot, double share);
 
