@@ -56,7 +56,9 @@ std::optional<double> WidthBetween(const cv::Mat& image, const cv::Point2d& a,
     }
     profile.push_back(sum / 5);
   }
-  const auto [low, high] = std::minmax_element(profile.begin(), profile.end());
+  const auto extremes = std::minmax_element(profile.begin(), profile.end());
+  const auto low = extremes.first;  // lambdas of C++17 cannot capture structured bindings
+  const auto high = extremes.second;
   if (profile.size() < 4 || !(*high - *low >= kLeastContrast)) {
     return std::nullopt;
   }
