@@ -190,7 +190,7 @@ void PrintCrossCheck(std::ostream& out, const Report& report, const CalibrationO
   }
   PrintUncertainty(out, "uncertainty of its transform", check.standardErrorCamTc, check.t95);
   auto scale = Difference(check.scale.mmPerPermille, check.scale.degreesPerPermille, 1);
-  scale.push_back("(" + host::Shortest(100 * check.scale.uncertainty) + " % assumed)");
+  scale.push_back("  (" + host::Shortest(100 * check.scale.uncertainty) + " % assumed)");
   PrintRow(out, "each 0.1 % of length adds", scale);
   if (truth != nullptr && check.diversity.amplification <= crosscheck::kMostAmplification) {
     PrintTruthDifference(out, "the truth differs by", RowByRow(check.Transform_Cam_Tc), *truth);
