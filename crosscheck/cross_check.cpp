@@ -11,6 +11,7 @@
 #include "crosscheck/clusters.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"
+#include "crosscheck/flaw_findings.h"
 #include "crosscheck/misread.h"
 #include "crosscheck/photographs.h"
 #include "crosscheck/reported_poses.h"
@@ -282,6 +283,12 @@ void Fill(const Observations& observations, const Evidence& evidence,
   check.suggestedViews = std::move(suggestions.views);
   check.photographsToHalve = suggestions.photographsToHalve;
   inputs.result = ResultOffset(observations, evidence, solution, check);
+  if (!inputs.loose && !check.step && check.diversity.amplification <= kMostAmplification) {
+    inputs.flaw = ClearestFlaw(check, evidence, solution);
+  }
+  if (inputs.flaw || !evidence.corners.flaws.empty()) {
+    inputs.withoutFlaws = TakeFlawsAway(observations, evidence, solution, inputs.flaw, library);
+  }
   inputs.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
 }
 

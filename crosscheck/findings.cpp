@@ -71,6 +71,16 @@ std::optional<Finding> StepFinding(const CrossCheck& check) {
                  TrackerMoved{step.tracker, step.before, step.mm, step.degrees, step.gain}};
 }
 
+bool IsOff(const CrossCheck& check) {
+  return (check.library && check.library->p < kCertain) ||
+         (check.nominalMounting && check.nominalMounting->p < kCertain &&
+          check.nominalMounting->pScaleFree < kCertain);
+}
+
+bool HasFlaws(const Evidence& evidence, const FindingInputs& inputs) {
+  return inputs.flaw || !evidence.corners.flaws.empty();
+}
+
 std::optional<Finding> MountingFinding(const CrossCheck& check, const FindingInputs& inputs) {
   if (!check.nominalMounting || !inputs.result || !IsRotatedEnough(check)) {
     return std::nullopt;
@@ -140,6 +150,19 @@ std::optional<Finding> PhotographsFinding(const CrossCheck& check, const Evidenc
   const PerPhotograph& worst = check.perPhotograph[bad.front()];
   return Finding{share > kManyBad ? Severity::kError : Severity::kWarning,
                  BadPhotographs{share, worst.mm, worst.degrees, bad}};
+}
+
+Finding LooseFinding(const TrackerLoose& loose) {
+  const bool isGrave = loose.mm >= kGraveMm || loose.degrees >= kGraveDegrees;
+  return {isGrave ? Severity::kError : Severity::kWarning, loose};
+}
+
+// A flaw that explains why the result is off is as serious as that.
+void Raise(const FindingInputs& inputs, std::vector<Finding>& flaws) {
+  if (!flaws.empty() && inputs.result && IsNotable(*inputs.result, inputs.goodEnough)) {
+    Severity& severity = flaws.front().severity;
+    severity = std::min(severity, IsGrave(*inputs.result) ? Severity::kError : Severity::kWarning);
+  }
 }
 
 std::optional<Finding> SquareFinding(const CrossCheck& check, const FindingInputs& inputs,
@@ -216,11 +239,6 @@ std::optional<Finding> NoiseFinding(const CrossCheck& check) {
   return std::nullopt;
 }
 
-bool HasName(const Finding& ofTrackers) {
-  const auto* errors = std::get_if<TrackerErrors>(&ofTrackers.kind);
-  return errors == nullptr || errors->follow;
-}
-
 std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& evidence,
                                      const FindingInputs& inputs) {
   if (inputs.misread) {
@@ -240,27 +258,31 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
   }
   add(RotationFinding(check));
   add(StepFinding(check));
-  const auto addAll = [&findings](const std::vector<Finding>& more) {
-    findings.insert(findings.end(), more.begin(), more.end());
-  };
   // Half of the photographs with a loose tracker contradict the other half.
   const bool areBad = !inputs.loose && add(PhotographsFinding(check, evidence, inputs));
-  // A wrong mounting explains a result that is off.
-  if (!add(MountingFinding(check, inputs))) {
+  std::vector<Finding> flaws = CornerFindings(check, evidence, *inputs.solution);
+  if (inputs.flaw) {
+    flaws.push_back(*TrackerFinding(check, evidence, *inputs.solution, inputs.flaw));
+  }
+  // A loose tracker, a flaw, or a wrong mounting explains a result that is off.
+  const bool isExplained = HasFlaws(evidence, inputs) &&
+                           !(inputs.withoutFlaws.pMounting < kCertain) &&
+                           !(inputs.withoutFlaws.pLibrary < kCertain);
+  if (isExplained && IsOff(check)) {
+    Raise(inputs, flaws);
+  } else if (!add(MountingFinding(check, inputs)) && !inputs.loose) {
     add(LibraryFinding(check, inputs));
   }
-  addAll(CornerFindings(check, evidence, *inputs.solution));
-  std::vector<Finding> ofTrackers;
-  if (IsRotatedEnough(check) && !check.step) {
-    ofTrackers = TrackerFindings(check, evidence, *inputs.solution, inputs.loose);
+  findings.insert(findings.end(), flaws.begin(), flaws.end());
+  bool isNamed = inputs.flaw.has_value();
+  if (inputs.loose) {
+    isNamed = add(LooseFinding(*inputs.loose));
   }
   // Errors without a name may be the drift that the halves show.
-  if (!ofTrackers.empty() && HasName(ofTrackers.front())) {
-    addAll(ofTrackers);
-  } else if (!add(HalvesFinding(check, inputs))) {
-    addAll(ofTrackers);
+  if (!isNamed && IsRotatedEnough(check) && !check.step && !add(HalvesFinding(check, inputs))) {
+    isNamed = add(TrackerFinding(check, evidence, *inputs.solution, std::nullopt));
   }
-  const bool isSquareOff = add(SquareFinding(check, inputs, !areBad && ofTrackers.empty()));
+  const bool isSquareOff = add(SquareFinding(check, inputs, !areBad && !isNamed));
   // Squares of another size look like noise.
   if (!isSquareOff) {
     add(NoiseFinding(check));

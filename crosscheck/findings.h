@@ -9,6 +9,7 @@
 #include "crosscheck/observations.h"
 #include "crosscheck/result.h"
 #include "crosscheck/solve.h"
+#include "crosscheck/without_flaws.h"
 
 namespace trackedcam::crosscheck {
 
@@ -18,6 +19,8 @@ struct FindingInputs {
   std::optional<MisreadRows> misread;
   std::optional<Solution> solution;  // with the step or the size of the squares that was found
   std::optional<TrackerLoose> loose;
+  std::optional<TrackerFlawTest> flaw;  // of the trackers
+  WithoutFlaws withoutFlaws;            // if that or a flaw of chart or lens was found
   std::optional<Offset> result;  // of the library's transform, or of what the stated mounting gives
   std::optional<OnScreen> atChart;  // at the chart's own distance
   double chartSpreadMetres = 0;     // of the chart's positions in front of the camera

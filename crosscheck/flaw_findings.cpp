@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 #include "crosscheck/clusters.h"
-#include "crosscheck/tracker_flaws.h"
 #include "crosscheck/uncertainty.h"
 
 namespace trackedcam::crosscheck {
@@ -39,6 +40,12 @@ Severity SeverityOf(const Offset& moved, const CrossCheck& check) {
       moved.offDegrees >=
           std::max(kLeastDegrees, kLeastShareOfInterval * check.t95 * error.rotationDegrees.norm());
   return isFar ? Severity::kWarning : Severity::kNote;
+}
+
+// Few photographs show no pattern, and less than the rounding of rows is none.
+bool AreShown(const CrossCheck& check, const Solution& solution) {
+  return solution.Used() >= kLeastUsed &&
+         (check.trackerNoiseMm >= kLeastNoiseMm || check.trackerNoiseDegrees >= kLeastNoiseDegrees);
 }
 
 // The largest sag of the middle behind both ends, along a row, a column or a diagonal.
@@ -110,50 +117,49 @@ std::vector<Finding> CornerFindings(const CrossCheck& check, const Evidence& evi
   return findings;
 }
 
-std::vector<Finding> TrackerFindings(const CrossCheck& check, const Evidence& evidence,
-                                     const Solution& solution,
-                                     const std::optional<TrackerLoose>& loose) {
-  const Loops& loops = evidence.loops;
-  if (loose) {
-    const bool isGrave = loose->mm >= kGraveMm || loose->degrees >= kGraveDegrees;
-    return {{isGrave ? Severity::kError : Severity::kWarning, *loose}};
-  }
-  const bool isRounding =
-      check.trackerNoiseMm < kLeastNoiseMm && check.trackerNoiseDegrees < kLeastNoiseDegrees;
-  if (solution.Used() < kLeastUsed || isRounding) {
-    return {};
+std::optional<TrackerFlawTest> ClearestFlaw(const CrossCheck& check, const Evidence& evidence,
+                                            const Solution& solution) {
+  if (!AreShown(check, solution)) {
+    return std::nullopt;
   }
   // One cause shows in several tests: the clearest names it.
-  std::optional<TrackerErrors> clearest;
-  for (const TrackerFlawTest& test : TestTrackers(loops, solution)) {
+  std::optional<TrackerFlawTest> clearest;
+  for (TrackerFlawTest& test : TestTrackers(evidence.loops, solution)) {
     if (test.p < kFalseAlarms / kTests && (!clearest || test.p < clearest->p)) {
-      const Offset moved = Moved(test.moved, solution);
-      clearest = TrackerErrors{test.flaw,    test.p,      test.delaySeconds, test.mm,
-                               test.degrees, moved.offMm, moved.offDegrees};
+      clearest = std::move(test);
     }
   }
-  if (!clearest) {
-    for (const Clusters& clusters : {ClustersInTime(solution), ClustersInPose(loops, solution)}) {
-      const double p = ChanceOfClusters(loops, solution, clusters);
-      if (p < kFalseAlarms / kTests && (!clearest || p < clearest->p)) {
-        clearest = TrackerErrors{std::nullopt, p,           0, std::nan(""), std::nan(""),
-                                 std::nan(""), std::nan("")};
-      }
+  return clearest;
+}
+
+std::optional<Finding> TrackerFinding(const CrossCheck& check, const Evidence& evidence,
+                                      const Solution& solution,
+                                      const std::optional<TrackerFlawTest>& flaw) {
+  if (flaw) {
+    const Offset moved = Moved(flaw->moved.head<6>(), solution);
+    Severity severity = SeverityOf(moved, check);
+    // Large errors are a doubt even if the transform does not show them.
+    if (severity == Severity::kNote &&
+        (flaw->mm >= kNotableMm || flaw->degrees >= kNotableDegrees)) {
+      severity = Severity::kWarning;
     }
+    return Finding{severity, TrackerErrors{flaw->flaw, flaw->p, flaw->delaySeconds, flaw->mm,
+                                           flaw->degrees, moved.offMm, moved.offDegrees}};
   }
-  if (!clearest) {
-    return {};
+  if (!AreShown(check, solution)) {
+    return std::nullopt;
   }
-  Offset moved;
-  moved.offMm = clearest->movedMm;
-  moved.offDegrees = clearest->movedDegrees;
-  Severity severity = SeverityOf(moved, check);
-  // Large errors are a doubt even if the transform does not show them.
-  if (severity == Severity::kNote &&
-      (clearest->mm >= kNotableMm || clearest->degrees >= kNotableDegrees)) {
-    severity = Severity::kWarning;
+  double p = 1;
+  for (const Clusters& clusters :
+       {ClustersInTime(solution), ClustersInPose(evidence.loops, solution)}) {
+    p = std::min(p, ChanceOfClusters(evidence.loops, solution, clusters));
   }
-  return {{severity, *clearest}};
+  if (!(p < kFalseAlarms / kTests)) {
+    return std::nullopt;
+  }
+  constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+  return Finding{Severity::kNote,
+                 TrackerErrors{std::nullopt, p, 0, kUnknown, kUnknown, kUnknown, kUnknown}};
 }
 
 }  // namespace trackedcam::crosscheck

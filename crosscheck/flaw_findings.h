@@ -8,6 +8,7 @@
 #include "crosscheck/evidence.h"
 #include "crosscheck/result.h"
 #include "crosscheck/solve.h"
+#include "crosscheck/tracker_flaws.h"
 
 namespace trackedcam::crosscheck {
 
@@ -15,10 +16,14 @@ namespace trackedcam::crosscheck {
 std::vector<Finding> CornerFindings(const CrossCheck& check, const Evidence& evidence,
                                     const Solution& solution);
 
-/// Those that the residuals of the trackers show. Together they are found in one of a hundred
-/// shoots without flaws.
-std::vector<Finding> TrackerFindings(const CrossCheck& check, const Evidence& evidence,
-                                     const Solution& solution,
-                                     const std::optional<TrackerLoose>& loose);
+/// What the residuals of the trackers follow most clearly. Together with errors that follow nothing
+/// known, something is found in one of a hundred shoots without flaws.
+std::optional<TrackerFlawTest> ClearestFlaw(const CrossCheck& check, const Evidence& evidence,
+                                            const Solution& solution);
+
+/// That flaw, or errors that neighbouring photographs share.
+std::optional<Finding> TrackerFinding(const CrossCheck& check, const Evidence& evidence,
+                                      const Solution& solution,
+                                      const std::optional<TrackerFlawTest>& flaw);
 
 }  // namespace trackedcam::crosscheck

@@ -111,9 +111,10 @@ using ColumnsOf = std::function<Columns(std::size_t)>;  // by the index of the l
 
 // Columns that explain a part of the residuals.
 struct Explanation {
-  Eigen::VectorXd value;  // of each column
-  double gain = 0;        // of the sum of squares
-  int elements = 0;       // that were chosen freely
+  Eigen::VectorXd value;       // of each column
+  Eigen::MatrixXd covariance;  // of the values
+  double gain = 0;             // of the sum of squares
+  int elements = 0;            // that were chosen freely
 };
 
 constexpr double kLeastLeft = 1e-3;  // of a column; less belongs to the transforms
@@ -122,15 +123,18 @@ Explanation ByAll(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
   const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> eigen(left);
   const Eigen::VectorXd turned = eigen.eigenvectors().transpose() * towards;
   Eigen::VectorXd value = Eigen::VectorXd::Zero(towards.size());
+  Eigen::VectorXd variance = value;
   Explanation all;
   for (Eigen::Index k = 0; k < towards.size(); ++k) {
     if (eigen.eigenvalues()[k] > kLeastLeft) {
       value[k] = turned[k] / eigen.eigenvalues()[k];
+      variance[k] = 1 / eigen.eigenvalues()[k];
       all.gain += turned[k] * value[k];
       ++all.elements;
     }
   }
   all.value = eigen.eigenvectors() * value;
+  all.covariance = eigen.eigenvectors() * variance.asDiagonal() * eigen.eigenvectors().transpose();
   return all;
 }
 
@@ -138,6 +142,7 @@ Explanation ByAll(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
 Explanation ByOne(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
   Explanation best;
   best.value = Eigen::VectorXd::Zero(towards.size());
+  best.covariance = Eigen::MatrixXd::Zero(towards.size(), towards.size());
   for (Eigen::Index k = 0; k < towards.size(); ++k) {
     const double gain = towards[k] * towards[k] / left(k, k);
     if (left(k, k) > kLeastLeft && gain > best.gain) {
@@ -145,6 +150,8 @@ Explanation ByOne(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
       best.elements = 1;
       best.value.setZero();
       best.value[k] = towards[k] / left(k, k);
+      best.covariance.setZero();
+      best.covariance(k, k) = 1 / left(k, k);
     }
   }
   return best;
@@ -202,10 +209,10 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
   double mm = 0;
   double degrees = 0;
   for (std::size_t i = 0; i < loops.size(); ++i) {
+    test.byLoop.emplace_back(columnsOf(i) * flawed);
     if (solution.used[i]) {
-      const Twist twist = columnsOf(i) * flawed;
-      degrees += twist.head<3>().squaredNorm();
-      mm += twist.tail<3>().squaredNorm();
+      degrees += test.byLoop.back().head<3>().squaredNorm();
+      mm += test.byLoop.back().tail<3>().squaredNorm();
     }
   }
   const auto used = static_cast<double>(solution.Used());
@@ -214,7 +221,9 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
   if (flaw == TrackerFlaw::kDelay) {
     test.delaySeconds = flawed[0];
   }
-  test.moved = -(solution.covariance * shared.transpose() * flawed).head<6>();
+  const Eigen::MatrixXd byFlaw = -solution.covariance * shared.transpose() * scale.asDiagonal();
+  test.moved = byFlaw * best.value;
+  test.covarianceOfMoved = byFlaw * best.covariance * byFlaw.transpose();
   return test;
 }
 

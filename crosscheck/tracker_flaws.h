@@ -16,10 +16,12 @@ namespace trackedcam::crosscheck {
 struct TrackerFlawTest {
   TrackerFlaw flaw = TrackerFlaw::kSag;
   double p = 1;
-  double delaySeconds = 0;      // for kDelay
-  double mm = 0;                // root mean square over the photographs
-  double degrees = 0;           // the same
-  Twist moved = Twist::Zero();  // of Transform_Cam_Tc if the flaw were taken away, a left twist
+  double delaySeconds = 0;    // for kDelay
+  double mm = 0;              // root mean square over the photographs
+  double degrees = 0;         // the same
+  std::vector<Twist> byLoop;  // its part of the residuals, one for each loop
+  Eigen::VectorXd moved;      // the unknowns of the solution if the flaw were taken away
+  Eigen::MatrixXd covarianceOfMoved;
 };
 
 /// All flaws, for the loops in use.

@@ -28,6 +28,7 @@ using test::Reported;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 constexpr double kCornerNoise = 0.05;  // pixels
 
@@ -230,8 +231,30 @@ TEST(TrackerFlawsTest, AMountThatSagsIsNamed) {
   simulator::ShootOptions options = FortyNoisy(13);
   options.sagMm = 3;
   const CrossCheck check = CheckWithLibrary(MakeShoot(options, kCornerNoise));
-  ASSERT_THAT(Reported(check), Contains("mountSags warning"));
+  // It also explains why the stated mounting and the result do not fit.
+  ASSERT_THAT(Reported(check), ElementsAre("mountSags error"));
   EXPECT_NEAR(Get<TrackerErrors>(check).mm, 3, 0.7);
+  EXPECT_LT(check.nominalMounting->p, kCertain);
+}
+
+TEST(TrackerFlawsTest, AFlawDoesNotHideAMountingThatIsOff) {
+  simulator::ShootOptions options = FortyNoisy(13);
+  options.sagMm = 3;
+  options.mountingErrorMm = 15;
+  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, kCornerNoise))),
+              IsSupersetOf({"mountSags warning", "mountingOff error"}));
+  options.sagMm = 0;
+  options.chart.bowMetres = 0.0005;
+  EXPECT_THAT(Reported(CheckWithLibrary(MakeShoot(options, kCornerNoise))),
+              IsSupersetOf({"chartNotFlat error", "mountingOff error"}));
+}
+
+TEST(CornerFlawsTest, ExplainAResultThatIsOff) {
+  simulator::ShootOptions options = FortyNoisy(13);
+  options.chart.bowMetres = 0.0005;
+  const CrossCheck check = CheckWithLibrary(MakeShoot(options, kCornerNoise));
+  EXPECT_LT(check.library->p, kCertain);
+  EXPECT_THAT(Reported(check), ElementsAre("chartNotFlat error"));
 }
 
 TEST(TrackerFlawsTest, ABentVolumeIsNamed) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "crosscheck/chart_pose.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/kit/lens_solve.h"
 #include "simulator/random.h"
@@ -122,9 +123,20 @@ KnownShoot MakeShoot(const simulator::Shoot& simulated, double cornerNoisePixels
 crosscheck::Pose BelievingTheMounting(const KnownShoot& shoot) {
   const crosscheck::Observations& observations = shoot.observations;
   const Pose nominal = TrueTransformOf(*observations.mounting);
+  // It does not know of flaws of chart and lens.
+  const std::vector<Eigen::Vector3d> flat = crosscheck::Board{
+      observations.boardColumns,
+      observations.boardRows,
+      observations.square,
+      {}}.Points();
   std::vector<Pose> said;
   for (const crosscheck::Loop& loop : crosscheck::Gather(observations).loops) {
-    said.push_back(loop.Transform_Cam_Chart * (loop.Transform_Tc_Tr * nominal).inverse());
+    const std::vector<Eigen::Vector2d>& corners =
+        observations.photographs[loop.photographs.front()].corners;
+    const auto seen = crosscheck::FindChartPose(observations.lens, flat, corners);
+    if (seen) {
+      said.push_back(seen->Transform_Cam_Chart * (loop.Transform_Tc_Tr * nominal).inverse());
+    }
   }
   return MeanPose(said);
 }
