@@ -54,7 +54,7 @@ void PrintUnreal(std::ostream& out, const host::UnrealValues& values) {
   const EngineLens& lens = *values.lens;
   out << "  Lens File, Spherical, for " << lens.imageSize[0] << 'x' << lens.imageSize[1] << '\n';
   PrintPair(out, "filmback, mm", lens.filmbackMm, 4);
-  PrintRow(out, "focal length, mm", {lens.focalLengthMm}, 4);
+  PrintRow(out, "focal length by width, mm", {lens.focalLengthMm}, 4);
   PrintPair(out, "FxFy", lens.fxFy, 7);
   PrintPair(out, "image centre", lens.imageCenter, 7);
   PrintDistortion(out, lens);

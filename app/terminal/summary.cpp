@@ -44,7 +44,7 @@ struct LensRow {
 constexpr std::array<LensRow, 11> kLensRows = {{
     {"image width, px", &CalibrationOutputs::imageSize, 0, 0, false},
     {"image height, px", &CalibrationOutputs::imageSize, 1, 0, false},
-    {"focal length, mm", &CalibrationOutputs::focalLengthMm, 0, 3, false},
+    {"focal length by height, mm", &CalibrationOutputs::focalLengthMm, 0, 3, false},
     {"focal length fx, px", &CalibrationOutputs::normFocal, 0, 2, true},
     {"focal length fy, px", &CalibrationOutputs::normFocal, 1, 2, true},
     {"principal point cx, px", &CalibrationOutputs::normCenter, 0, 2, true},

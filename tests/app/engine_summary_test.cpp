@@ -102,7 +102,7 @@ TEST(EngineSummary, NamesTheFieldsOfUnreal) {
             place +
                 "  Lens File, Spherical, for 1920x1080\n"
                 "  filmback, mm                        36.0000      20.2500\n"
-                "  focal length, mm                    32.4000\n"
+                "  focal length by width, mm           32.4000\n"
                 "  FxFy                              0.9000000    1.6000000\n"
                 "  image centre                      0.5100000    0.4900000\n"
                 "                                           K1           K2           K3\n"

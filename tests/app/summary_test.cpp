@@ -163,7 +163,7 @@ TEST(Summary, ShowsTheTruth) {
   truth.focalLengthMm = {32.5};
   truth.transformCamTc[3] = 0.013;
   const std::string summary = SummaryOf(report, &truth);
-  EXPECT_EQ(Row(summary, "focal length, mm"), Texts({"32.400", "32.500"}));
+  EXPECT_EQ(Row(summary, "focal length by height, mm"), Texts({"32.400", "32.500"}));
   EXPECT_EQ(Row(summary, "differs from the truth by"), Texts({"3.00", "mm", "0.000", "deg"}));
   EXPECT_THAT(SummaryOf(report), Not(HasSubstr("truth")));
 }
