@@ -288,6 +288,15 @@ Json SuggestedViews(const Json& list) {
   return views;
 }
 
+// What an error of the lengths does to the transform.
+Json Scale(const Json& scale) {
+  const Number mm = NumberAt(scale, "/mmPerPermille");
+  return mm ? Json{{"mm", Fixed(mm, 1)},
+                   {"degrees", Fixed(NumberAt(scale, "/degreesPerPermille"), 2)},
+                   {"percent", Fixed(Times(NumberAt(scale, "/uncertainty"), 100), 2)}}
+            : Json();
+}
+
 Json CrossCheck(const Json& crossCheck, const std::string& level) {
   if (!crossCheck.is_object()) {
     return nullptr;
@@ -309,6 +318,7 @@ Json CrossCheck(const Json& crossCheck, const std::string& level) {
           {"cornerNoise", known("/cornerNoisePixels", 3)},
           {"amplification", known("/diversity/amplification", 2)},
           {"photographsToHalve", known("/photographsToHalve", 0)},
+          {"scale", Scale(ValueAt(crossCheck, "/scale"))},
           {"squareFactor", known("/square/factor", 4)},
           {"squareError", known("/square/standardError", 4)},
           {"onScreen", onScreen},

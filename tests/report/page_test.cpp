@@ -129,7 +129,9 @@ Json WholeResult() {
           {"certaintyText", "may be chance (p = 0.50)"}}},
         {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
         {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
-        {"photographsToHalve", 35}}},
+        {"photographsToHalve", 35},
+        {"scale",
+         {{"uncertainty", 0.001}, {"mmPerPermille", 0.72}, {"degreesPerPermille", 0.01}}}}},
   };
   result["firstRun"] = result;
   return result;
@@ -364,6 +366,13 @@ TEST(Photographs, HaveAStateOnThePageForEachInTheResult) {
     result["photographs"][0]["crossCheck"] = {{"used", false}};
     EXPECT_EQ(PhotographsOf(result)[0]["state"], "apart") << state;
   }
+}
+
+TEST(Uncertainty, SaysWhatAnErrorOfTheLengthsDoes) {
+  EXPECT_THAT(
+      BodyOf(PageOf(WholeResult())),
+      HasSubstr("an error of the lengths of 0.10 %, of squares against trackers. Each 0.1 % "
+                "adds 0.7 mm and 0.01° to the transform."));
 }
 
 // In the words of the result file, which are those of the terminal.
