@@ -37,7 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   OutputsOf(whole);
   UsedPhotographs(whole);
   constexpr std::size_t kMost = 16;  // more take longer and find nothing more
-  const auto observations = ObservationsOf(whole, crosscheck::Mounting{});
+  LibraryRun run;
+  run.record = whole;
+  Inputs inputs;
+  inputs.mounting = Mounting{};
+  const auto observations = ObservationsOf(run, inputs);
   if (observations && observations->photographs.size() <= kMost) {
     try {
       crosscheck::Check(*observations);
