@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "crosscheck/calibration.h"
 #include "crosscheck/clusters.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"
@@ -273,6 +274,9 @@ void Fill(const Observations& observations, const Evidence& evidence,
   FillSolution(evidence, solution, check);
   FillUncertainty(evidence, solution, check);
   ComparePhotographs(observations, evidence, solution, check.perPhotograph);
+  if (check.diversity.amplification <= kMostAmplification) {
+    check.calibration = CalibrationOf(observations, evidence, solution);
+  }
 
   if (library) {
     check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);

@@ -14,6 +14,7 @@
 
 #include <Eigen/Core>
 
+#include "crosscheck/calibration.h"
 #include "crosscheck/observations.h"
 
 namespace trackedcam::crosscheck {
@@ -408,6 +409,8 @@ struct CrossCheck {
   /// than a hundred.
   std::optional<int> photographsToHalve;
   std::vector<Finding> findings;  // the worst first
+  /// What later photographs are tested against; nothing if the shoot does not determine it.
+  std::optional<Calibration> calibration;
 };
 
 }  // namespace trackedcam::crosscheck

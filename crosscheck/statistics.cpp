@@ -4,6 +4,7 @@
 #include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/complement.hpp>
 #include <boost/math/distributions/fisher_f.hpp>
+#include <boost/math/distributions/non_central_f.hpp>
 #include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <cstddef>
@@ -41,6 +42,19 @@ double HotellingTail(double tSquared, double elements, double freedom) {
 
 double HotellingQuantile(double probability, double elements, double freedom) {
   return elements * quantile(boost::math::fisher_f(elements, freedom), probability);
+}
+
+double HotellingPower95(double level, double elements, double freedom) {
+  constexpr double kMissed = 0.05;
+  const double limit = HotellingQuantile(1 - level, elements, freedom) / elements;
+  double low = 0;
+  double high = 1e4;  // far more than any test of a few elements needs
+  for (int step = 0; step < 40; ++step) {
+    const double middle = 0.5 * (low + high);
+    const boost::math::non_central_f distribution(elements, freedom, middle);
+    (cdf(distribution, limit) > kMissed ? low : high) = middle;
+  }
+  return high;
 }
 
 }  // namespace trackedcam::crosscheck

@@ -25,4 +25,8 @@ double HotellingTail(double tSquared, double elements, double freedom);
 /// The value that Hotelling's T² with this many elements exceeds with the rest of the probability.
 double HotellingQuantile(double probability, double elements, double freedom);
 
+/// dᵀ · covariance⁻¹ · d of a true d that a test finds with a probability of 95 %.
+/// @param level The probability that the test errs if d is zero.
+double HotellingPower95(double level, double elements, double freedom);
+
 }  // namespace trackedcam::crosscheck
