@@ -16,6 +16,7 @@
 #include "app/commands/export_command.h"
 #include "app/commands/report_command.h"
 #include "app/commands/simulate_command.h"
+#include "app/commands/verify_command.h"
 #include "app/licences.h"
 #include "app/options/option_values.h"
 #include "app/platform.h"
@@ -35,7 +36,8 @@ constexpr const char* kFooter = R"(Examples:
 
 'trackedcam COMMAND --help' lists the options of a command.
 
-Exit status: 0 done, 1 failed, 2 wrong usage, 3 calibrated but certainly wrong.)";
+Exit status: 0 done, 1 failed, 2 wrong usage, 3 certainly wrong, or no longer
+right.)";
 
 void PrintLicences() {
   for (const char* const* line = trackedcam::app::kLicences; *line != nullptr; ++line) {
@@ -63,6 +65,7 @@ int Run(int argc, char** argv) {
   trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddReportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
+  trackedcam::app::AddVerifyCommand(program, status);
   trackedcam::app::AddConfigFile(program);
   try {
     program.parse(argc, argv);

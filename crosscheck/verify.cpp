@@ -1,10 +1,8 @@
 #include "crosscheck/verify.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
@@ -20,8 +18,8 @@ namespace {
 constexpr double kNotKnown = std::numeric_limits<double>::quiet_NaN();
 
 // One false alarm in a thousand verifications: each of three tests errs with a third of it.
-constexpr double kFalseAlarms = 0.001;
-constexpr double kTests = 3;
+constexpr double kFalseAlarmsOfVerify = 0.001;
+constexpr double kTestsOfVerify = 3;
 // A photograph is left out, or the trackers are noisier, below these.
 constexpr double kBadPhotograph = 0.0005;
 constexpr double kNoisier = 0.05;
@@ -145,8 +143,8 @@ class Verifier {
             least, HotellingTail(std::max(0.0, nothing->squares - fit->squares), more, freedom_));
       }
     }
-    found.p = std::min(1.0, kTests * least);
-    if (found.p >= kFalseAlarms) {
+    found.p = std::min(1.0, kTestsOfVerify * least);
+    if (found.p >= kFalseAlarmsOfVerify) {
       found.answer = Answer::kHolds;
       return nothing;
     }
@@ -157,7 +155,7 @@ class Verifier {
   bool IsEnough(const ShootFit& fit, const ShootFit& everything) const {
     const int more = everything.freed.Count() - fit.freed.Count();
     return more <= 0 || HotellingTail(std::max(0.0, fit.squares - everything.squares), more,
-                                      freedom_) >= kFalseAlarms;
+                                      freedom_) >= kFalseAlarmsOfVerify;
   }
 
   struct Cause {
@@ -240,7 +238,7 @@ class Verifier {
     }
     const Matrix6d covariance = fit->covariance.block<6, 6>(first, first);
     const Matrix6d information = covariance.ldlt().solve(Matrix6d::Identity());
-    const double needed = HotellingPower95(kFalseAlarms / kTests, 6, freedom_);
+    const double needed = HotellingPower95(kFalseAlarmsOfVerify / kTestsOfVerify, 6, freedom_);
     const auto worst = [&](Eigen::Index begin) {
       const Eigen::Matrix3d block = information.block<3, 3>(begin, begin);
       const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(block, Eigen::EigenvaluesOnly);
@@ -258,7 +256,7 @@ class Verifier {
     if (lens) {
       const Eigen::MatrixXd covariance = lens->covariance.bottomRightCorner<5, 5>();
       const Eigen::MatrixXd information = covariance.ldlt().solve(Eigen::MatrixXd::Identity(5, 5));
-      const double needed = HotellingPower95(kFalseAlarms / kTests, 5, freedom_);
+      const double needed = HotellingPower95(kFalseAlarmsOfVerify / kTestsOfVerify, 5, freedom_);
       found.focalDetectablePercent = 100 * std::sqrt(needed / information(0, 0));
     }
   }

@@ -5,6 +5,7 @@
 #include "host/findings/finding_json.h"
 #include "host/findings/finding_text.h"
 #include "host/input/reported_axes.h"
+#include "host/result/stored_calibration.h"
 #include "host/second_run.h"
 #include "host/text/files.h"
 #include "host/verdict/verdict.h"
@@ -319,6 +320,8 @@ Json CrossCheckJson(const Report& report) {
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
   json["photographsToHalve"] =
       check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
+  json["calibration"] =
+      check.calibration ? CalibrationJson(*check.calibration, report.inputs) : Json(nullptr);
   return json;
 }
 

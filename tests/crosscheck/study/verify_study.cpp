@@ -117,7 +117,7 @@ int main(int argc, char** argv) {
     none.name = "none";
     none.later = later;
     Print(none, calibrated);
-    for (const double times : {0.5, 1.0, 2.0}) {
+    for (const double times : {1.0, 2.0}) {
       StudyCell cell;
       cell.later = later;
       const auto with = [&](const char* name, Answer right, double mm, double degrees,
