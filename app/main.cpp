@@ -59,9 +59,10 @@ int Run(int argc, char** argv) {
   program.footer(kFooter);
 
   int status = 0;
-  trackedcam::app::AddCalibrateCommand(program, trackedcam::app::CommandLine(argc, argv), status);
+  const std::string commandLine = trackedcam::app::CommandLine(argc, argv);
+  trackedcam::app::AddCalibrateCommand(program, commandLine, status);
   trackedcam::app::AddChartCommand(program, status);
-  trackedcam::app::AddCrosscheckCommand(program, status);
+  trackedcam::app::AddCrosscheckCommand(program, commandLine, status);
   trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddReportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);

@@ -87,7 +87,8 @@ void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
       silenced.emplace();
     }
     report = std::make_shared<Report>(
-        host::Calibrate(inputs, host::ReadShootData(inputs.data, inputs.trackerFrame),
+        host::Calibrate(inputs,
+                        host::ReadShootData(inputs.data, inputs.trackerFrame, inputs.exclude),
                         [this](const host::Progress& progress) { Hear(progress); }),
         true, isSilent);
   });
@@ -241,9 +242,10 @@ trackedcam_status trackedcam_crosscheck(const char* log_file, const trackedcam_s
     const double scaleUncertainty = settings == nullptr
                                         ? trackedcam::host::Inputs().scaleUncertainty
                                         : ScaleUncertaintyOf(*settings);
+    const auto exclude = settings == nullptr ? std::vector<std::string>() : ExcludeOf(*settings);
     *report = Reports().Add(std::make_shared<Report>(
         trackedcam::host::CheckLog(std::filesystem::absolute(std::filesystem::u8path(log)),
-                                   mounting, goodEnough, scaleUncertainty),
+                                   mounting, goodEnough, scaleUncertainty, exclude),
         false, false));
   });
 }

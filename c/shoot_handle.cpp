@@ -105,6 +105,17 @@ double ScaleUncertaintyOf(const trackedcam_settings& settings) {
   return settings.scale_uncertainty_percent / 100;
 }
 
+std::vector<std::string> ExcludeOf(const trackedcam_settings& settings) {
+  const std::string text = OptionalText(settings.exclude, "exclude");
+  std::vector<std::string> names;
+  for (const std::string_view name : host::SplitFields(text)) {
+    if (!host::Trim(name).empty()) {
+      names.emplace_back(host::Trim(name));
+    }
+  }
+  return names;
+}
+
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   const std::string logFolder = RequireText(settings.log_folder, "log_folder");
   const std::string workingFolder = OptionalText(settings.working_folder, "working_folder");
@@ -113,6 +124,7 @@ host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   }
   host::Inputs inputs;
   inputs.trackerFrame = FrameOf(settings);
+  inputs.exclude = ExcludeOf(settings);
   inputs.workingFolder = workingFolder.empty() ? shoot.WorkingFolder() : Absolute(workingFolder);
   inputs.sensorMm = {settings.sensor_width_mm, settings.sensor_height_mm};
   inputs.board = {settings.board_columns, settings.board_rows};

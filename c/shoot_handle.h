@@ -48,6 +48,7 @@ std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
 
 host::Accuracy GoodEnoughOf(const trackedcam_settings& settings);
 double ScaleUncertaintyOf(const trackedcam_settings& settings);
+std::vector<std::string> ExcludeOf(const trackedcam_settings& settings);
 
 /// All paths are absolute. Rows in memory are written to a data file.
 /// @throws Refusal, host::InputError

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/findings/finding_text.h"
+#include "host/input/excluded.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/lost_photographs.h"
@@ -16,6 +17,7 @@
 #include "host/run/run_folder.h"
 #include "host/second_run.h"
 #include "host/verdict/cross_check_adapter.h"
+#include "host/verdict/exclusion.h"
 #include "host/verdict/run_findings.h"
 
 namespace trackedcam::host {
@@ -116,6 +118,7 @@ void Judge(Report& report, const std::vector<Finding>& ofInput, bool hasResult,
   if (!IsOptionOpen(report, first != nullptr)) {
     report.verdict.option.clear();
   }
+  report.verdict.exclude = PhotographsToExclude(report.photographs, report.findings);
   if (report.crossCheck) {
     Append(report.findings, outputErrors);
     SortFindings(report.findings);
@@ -155,7 +158,7 @@ void RequireMemory() {
 // Rows and photographs that the library must not be given are left out.
 PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
                            std::vector<Finding>& findings) {
-  const PhotographChecks checks = CheckPhotographs(shoot.rows, inputs);
+  const PhotographChecks checks = CheckPhotographs(shoot.rows, inputs, shoot.excluded);
   Append(findings, checks.findings);
   PhotographList list = ListPhotographs(shoot.rows, checks.unlisted);
   for (PhotographEntry& entry : list) {
@@ -167,11 +170,23 @@ PhotographList CheckedList(const Inputs& inputs, const ShootData& shoot,
       entry.reason = hasPoses ? "" : "no pose of a tracker in its row";
     }
   }
+  LeaveOut(shoot.excluded, list);
   if (ToRun(list).empty() && !findings.empty()) {
     SortFindings(findings);
     throw InputError(Text(findings.front()) + ' ' + Advice(findings.front()));
   }
+  if (ToRun(list).empty() && !shoot.excluded.empty()) {
+    throw InputError("every photograph is left out: name fewer of them");
+  }
   return list;
+}
+
+std::vector<std::string> NamesIn(const RunRecord& record) {
+  std::vector<std::string> names;
+  for (const Photograph& photograph : record.photographs) {
+    names.push_back(photograph.path);
+  }
+  return names;
 }
 
 void JudgeAsFailed(Report& report) {
@@ -222,13 +237,15 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
 }
 
 Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
-                const Accuracy& goodEnough, double scaleUncertainty) {
+                const Accuracy& goodEnough, double scaleUncertainty,
+                const std::vector<std::string>& exclude) {
   RequirePossible(goodEnough, scaleUncertainty);
   std::ifstream file(log, std::ios::binary);
   Report report;
   report.inputs.mounting = mounting;
   report.inputs.goodEnough = goodEnough;
   report.inputs.scaleUncertainty = scaleUncertainty;
+  report.inputs.exclude = exclude;
   report.mountingIsStated = mounting.has_value();
   LibraryRun& run = report.run;
   run.record = ReadRunLog(file);
@@ -246,7 +263,12 @@ Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>&
   }
   run.outputs = OutputsOf(run.record);
   report.photographs = ListPhotographs(run.record);
+  const std::vector<std::size_t> excluded = FindExcluded(NamesIn(run.record), exclude);
+  for (const std::size_t index : excluded) {
+    run.record.photographs[index].raw.reset();  // so that the cross-check does not see it
+  }
   EnterRun(run, ToRun(report.photographs), report.photographs);
+  LeaveOut(excluded, report.photographs);
   Judge(report, {}, true);
   return report;
 }

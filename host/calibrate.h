@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "host/input/shoot_data.h"
 #include "host/report.h"
@@ -21,9 +23,12 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
 
 /// Cross-checks a run from its log, whichever host called the library.
 /// @param mounting As it was passed to the library; nothing if that is not known.
-/// @throws InputError if the file holds no log of a calibration, or if one of the last two is not
+/// @param exclude Photographs that the cross-check leaves out, by FindExcluded; the result of the
+/// log is compared all the same.
+/// @throws InputError if the file holds no log of a calibration, or if one of the last three is not
 /// possible.
 Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
-                const Accuracy& goodEnough, double scaleUncertainty = Inputs().scaleUncertainty);
+                const Accuracy& goodEnough, double scaleUncertainty = Inputs().scaleUncertainty,
+                const std::vector<std::string>& exclude = {});
 
 }  // namespace trackedcam::host

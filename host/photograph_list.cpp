@@ -35,6 +35,8 @@ const char* Describe(PhotographState state) {
       return "board not found";
     case PhotographState::kNotLoaded:
       return "missing or not an image";
+    case PhotographState::kLeftOutByUser:
+      return "left out by the user";
     case PhotographState::kLeftOutBeforeTheRun:
       return "not given to the library";
     case PhotographState::kNotReached:
@@ -52,8 +54,9 @@ struct CountName {
   PhotographState state;
   const char* text;
 };
-constexpr std::array<CountName, 7> kCountNames = {
-    {{PhotographState::kLeftOutBeforeTheRun, "left out before the run"},
+constexpr std::array<CountName, 8> kCountNames = {
+    {{PhotographState::kLeftOutByUser, "left out by the user"},
+     {PhotographState::kLeftOutBeforeTheRun, "left out before the run"},
      {PhotographState::kNotLoaded, "missing or not an image"},
      {PhotographState::kBoardNotFound, "without the board"},
      {PhotographState::kLeftOutByCrossCheck, "left out because they contradict the others"},
@@ -75,6 +78,8 @@ const char* Name(PhotographState state) {
       return "boardNotFound";
     case PhotographState::kNotLoaded:
       return "notLoaded";
+    case PhotographState::kLeftOutByUser:
+      return "leftOutByUser";
     case PhotographState::kLeftOutBeforeTheRun:
       return "leftOutBeforeTheRun";
     case PhotographState::kNotReached:
@@ -106,6 +111,7 @@ PhotographList ListPhotographs(const std::vector<DataRow>& rows,
 PhotographList ListPhotographs(const RunRecord& record) {
   PhotographList list(record.photographs.size());
   for (std::size_t i = 0; i < list.size(); ++i) {
+    list[i].index = i;
     list[i].name = record.photographs[i].path;
   }
   return list;
@@ -139,6 +145,15 @@ void EnterRun(const LibraryRun& run, const std::vector<std::size_t>& given, Phot
       entry.state = PhotographState::kUnknown;
     }
     entry.reason = entry.reason.empty() ? Describe(entry.state) : entry.reason;
+  }
+}
+
+void LeaveOut(const std::vector<std::size_t>& excluded, PhotographList& list) {
+  for (PhotographEntry& entry : list) {
+    if (std::binary_search(excluded.begin(), excluded.end(), entry.index)) {
+      entry.state = PhotographState::kLeftOutByUser;
+      entry.reason = Describe(entry.state);
+    }
   }
 }
 

@@ -20,6 +20,7 @@ enum class PhotographState {
   kLeftOutByCrossCheck,  // not given to the second run: it contradicts the others
   kBoardNotFound,
   kNotLoaded,            // missing or not an image
+  kLeftOutByUser,        // not given to the library, or only to the library if a log is checked
   kLeftOutBeforeTheRun,  // not given to the library
   kNotReached,           // the run ended before it
   kNotUsed,              // the board was found, but the run failed
@@ -55,6 +56,10 @@ std::vector<std::size_t> ToRun(const PhotographList& list);
 /// Enters what the run of these entries says.
 /// @param given Indices of the entries, in the order of the rows that the library was given.
 void EnterRun(const LibraryRun& run, const std::vector<std::size_t>& given, PhotographList& list);
+
+/// Leaves photographs out of a list, before or after a run.
+/// @param excluded Indices in the rows of the shoot, ascending.
+void LeaveOut(const std::vector<std::size_t>& excluded, PhotographList& list);
 
 /// Enters why photographs contradict the others.
 void EnterCrossCheck(const crosscheck::CrossCheck& check, PhotographList& list);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -192,13 +193,14 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  const host::ShootData shoot = host::ReadShootData(inputs.data, inputs.trackerFrame);
+  const host::ShootData shoot =
+      host::ReadShootData(inputs.data, inputs.trackerFrame, inputs.exclude);
   PrepareOutput(options, InputFiles(options, configFile, shoot.rows));
   fs::current_path(inputs.workingFolder);  // relative paths of photographs begin there
 
   host::Report report = RunCalibration(options, shoot);
-  if (const std::string next = WithOption(commandLine, report.verdict.option); !next.empty()) {
-    report.verdict.commands = {next};
+  if (auto next = NextCalibrations(commandLine, report.verdict); !next.empty()) {
+    report.verdict.commands = std::move(next);
   } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {
     report.verdict.commands = ExportCommands(options.result, options.exports, options.parentAxes);
   }
@@ -235,6 +237,7 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
           "Folder at which relative paths of photographs\nbegin (default: the data file's folder)")
       ->check(RequireFolder)
       ->group("Shoot");
+  AddExclude(command, options.inputs.exclude, "Shoot");
   AddValue(command, "--expected-records", options.inputs.expectedRecords, ParseCount, "N",
            "Number of recorded rows\n(default: all rows of the data file)")
       ->group("Shoot");

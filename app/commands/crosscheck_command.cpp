@@ -3,10 +3,13 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "app/options/option_values.h"
+#include "app/terminal/next_commands.h"
 #include "app/terminal/summary.h"
 #include "host/calibrate.h"
 #include "host/result/result_file.h"
@@ -37,13 +40,17 @@ struct CrosscheckOptions {
   host::Accuracy goodEnough;
   double scaleUncertainty = host::Inputs().scaleUncertainty;
   std::filesystem::path truth;  // empty: unknown
+  std::vector<std::string> exclude;
   bool json = false;
 };
 
-int Crosscheck(const CrosscheckOptions& options) {
-  host::Report report = host::CheckLog(options.log, MountingOf(options.mounting),
-                                       options.goodEnough, options.scaleUncertainty);
+int Crosscheck(const CrosscheckOptions& options, const std::string& commandLine) {
+  host::Report report =
+      host::CheckLog(options.log, MountingOf(options.mounting), options.goodEnough,
+                     options.scaleUncertainty, options.exclude);
   report.inputs.hasReportedMountingAxes = options.mounting.isReported;
+  report.verdict.option.clear();  // only calibrate has it
+  report.verdict.commands = NextCalibrations(commandLine, report.verdict);
   if (options.json) {
     std::cout << host::JsonText(host::ResultJson(report));
   } else {
@@ -60,20 +67,21 @@ int Crosscheck(const CrosscheckOptions& options) {
 
 }  // namespace
 
-void AddCrosscheckCommand(CLI::App& program, int& status) {
+void AddCrosscheckCommand(CLI::App& program, const std::string& commandLine, int& status) {
   CLI::App& command =
       AddCommand(program, "crosscheck", "Check a calibration from its log", kCrosscheckFooter);
   const auto options = std::make_shared<CrosscheckOptions>();
   AddPath(command, "--log", options->log, "FILE", "Log of a calibration, by any program")
       ->required()
       ->check(RequireFile);
+  AddExclude(command, options->exclude, "Options");
   AddMountingOptions(command, options->mounting, "not known", "Options");
   AddAccuracyOptions(command, options->goodEnough, options->scaleUncertainty, "Options");
   AddPath(command, "--truth", options->truth, "FILE.json",
           "Truth of a simulated shoot, to compare with")
       ->check(RequireFile);
   command.add_flag("--json", options->json, "All values as JSON, as in the result file");
-  command.callback([options, &status] { status = Crosscheck(*options); });
+  command.callback([options, commandLine, &status] { status = Crosscheck(*options, commandLine); });
 }
 
 }  // namespace trackedcam::app

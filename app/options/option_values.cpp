@@ -330,6 +330,20 @@ const Engine* ParseEngine(const std::string& option, const std::string& text) {
   Reject(option, text + " is not one of " + NamesOf(kEngines));
 }
 
+std::vector<std::string> ParseNames(const std::string& option, const std::string& text) {
+  std::vector<std::string> names;
+  std::istringstream parts(text + ',');
+  for (std::string part; std::getline(parts, part, ',');) {
+    names.emplace_back(Trim(part));
+    if (names.back().empty()) {
+      Reject(option, text +
+                         " has an empty name; names are separated by commas, as in "
+                         "img_003,img_007");
+    }
+  }
+  return names;
+}
+
 std::vector<const Engine*> ParseEngines(const std::string& option, const std::string& text) {
   std::vector<const Engine*> engines;
   std::istringstream names(text + ',');
@@ -363,6 +377,13 @@ std::string ParseParentAxesText(const std::string& option, const std::string& te
     Reject(option, error.what());
   }
   return text;
+}
+
+void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group) {
+  AddValue(command, "--exclude", exclude, ParseNames, "NAMES",
+           "Photographs to leave out, such as\nimg_003,img_007 (default: none)")
+      ->join(',')
+      ->group(group);
 }
 
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,

@@ -136,6 +136,9 @@ bool ParseQuaternionOrder(const std::string& option, const std::string& text);
 /// "cm": the unit of the positions in a data file.
 const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text);
 
+/// "img_003,img_007": names without blanks around them, none of them empty.
+std::vector<std::string> ParseNames(const std::string& option, const std::string& text);
+
 /// "ue4": the name of an engine.
 const host::Engine* ParseEngine(const std::string& option, const std::string& text);
 
@@ -151,6 +154,9 @@ double ParseOverscan(const std::string& option, const std::string& text);
 /// "z,-x,y" or "z-forward": the axes of the camera's parent in an engine, checked, but returned as
 /// they were written.
 std::string ParseParentAxesText(const std::string& option, const std::string& text);
+
+/// Adds --exclude, for calibrate and crosscheck. Given several times, its lists are joined.
+void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group);
 
 /// Adds --good-enough and --scale-uncertainty, for calibrate and crosscheck.
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/engines/engine.h"
+#include "host/verdict/verdict.h"
 
 namespace trackedcam::app {
 
@@ -19,6 +20,11 @@ std::string CommandLine(const std::vector<std::string>& words);
 
 /// The command line with an option more. Empty if there is none, or if the line has it already.
 std::string WithOption(const std::string& commandLine, const std::string& option);
+
+/// The commands that calibrate or check again as the verdict advises: with its option, and without
+/// the photographs that findings ask to leave out.
+std::vector<std::string> NextCalibrations(const std::string& commandLine,
+                                          const host::Verdict& verdict);
 
 /// The commands that export a good result: one for each engine in common use, or what is missing
 /// for the engines to which it has been exported.

@@ -47,6 +47,7 @@ static class Native {
     public double good_enough_mm;
     public double good_enough_deg;
     public double scale_uncertainty_percent;
+    public IntPtr exclude;
   }
 
   [StructLayout(LayoutKind.Sequential)]

@@ -250,7 +250,7 @@ Sentences InputWriter::operator()(const PhotographSizes& fault) const {
   return {"photographSizes",
           "Photographs differ in size from the rest (" + Text(fault.common) +
               " pixels): " + List(WithSizes(photographs, fault.sizes), fault.count) + '.',
-          "Remove them from the data file, or take all photographs in one size."};
+          "Calibrate again without them (--exclude), or take all photographs in one size."};
 }
 
 Sentences InputWriter::operator()(const OrientationTag& fault) const {

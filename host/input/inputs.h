@@ -5,6 +5,8 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "crosscheck/observations.h"
 #include "host/input/input_error.h"
@@ -23,6 +25,7 @@ constexpr double kMostScaleUncertainty = 0.1;
 /// Paths are absolute.
 struct Inputs {
   std::filesystem::path data;           // one row for each photograph
+  std::vector<std::string> exclude;     // photographs that the user leaves out, by FindExcluded
   TrackerFrame trackerFrame;            // axes and unit of its poses
   std::filesystem::path workingFolder;  // base of relative photograph paths
   std::array<double, 2> sensorMm = {};  // width, height

@@ -289,10 +289,14 @@ void AddAspect(const std::vector<Image>& images, const std::array<double, 2>& se
 
 }  // namespace
 
-PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs& inputs) {
+PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs& inputs,
+                                  const std::vector<std::size_t>& excluded) {
   PhotographChecks checks;
   Sorted sorted;
   for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (std::binary_search(excluded.begin(), excluded.end(), i)) {
+      continue;
+    }
     const std::size_t before = sorted.without;
     const bool isNamed = !rows[i].photograph.empty();
     sorted.all += isNamed ? 1 : 0;

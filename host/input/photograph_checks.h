@@ -30,6 +30,8 @@ struct PhotographChecks {
 /// Reads a few bytes of each photograph. Opens no pipe and no device.
 /// @param rows ReadRows of inputs.data.
 /// @param inputs Working folder, sensor and the folder of the data file are used.
-PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs& inputs);
+/// @param excluded Indices of rows, ascending, that are not checked.
+PhotographChecks CheckPhotographs(const std::vector<DataRow>& rows, const Inputs& inputs,
+                                  const std::vector<std::size_t>& excluded = {});
 
 }  // namespace trackedcam::host

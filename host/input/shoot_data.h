@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include "host/findings/finding.h"
@@ -17,10 +18,13 @@ struct ShootData {
   std::vector<DataRow> rows;          // in reported axes and metres
   std::vector<Finding> findings;      // about the rows
   std::vector<std::size_t> leaveOut;  // indices of rows, ascending, without a pose of a tracker
+  std::vector<std::size_t> excluded;  // ascending, by the user; no finding is about them
 };
 
-/// @throws InputError if the file cannot be read or converted, or has no row; it says what is
-/// wrong.
-ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame);
+/// @param exclude Photographs that the user leaves out, by FindExcluded.
+/// @throws InputError if the file cannot be read or converted, has no row, or does not have a
+/// photograph to leave out; it says what is wrong.
+ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame,
+                        const std::vector<std::string>& exclude = {});
 
 }  // namespace trackedcam::host

@@ -257,6 +257,7 @@ Json InputsJson(const Inputs& inputs) {
   const auto& mounting = inputs.mounting;
   return {
       {"data", inputs.data.u8string()},
+      {"exclude", inputs.exclude},
       {"workingFolder", inputs.workingFolder.u8string()},
       {"logFolder", inputs.logFolder.u8string()},
       {"sensorMm", inputs.sensorMm},

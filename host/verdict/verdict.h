@@ -49,6 +49,7 @@ struct Verdict {
   std::string summary;  // level and number of photographs, or why the run failed
   std::string advice;
   std::string option = {};  // of the program, for the next call: "--refine-mounting"; may be empty
+  std::vector<std::string> exclude = {};   // photographs that the next call should leave out
   std::vector<std::string> commands = {};  // of the caller, for the next step
 };
 

@@ -203,6 +203,9 @@ typedef struct trackedcam_settings {
   double good_enough_deg;  ///< The same for its rotation; default: 0.2.
   /// How accurately the edge of the squares is known against the trackers' lengths; default: 0.1.
   double scale_uncertainty_percent;
+  /// Photographs to leave out, separated by commas: paths as in the data file or the ends of them,
+  /// with or without the file's ending, such as "img_003,img_007". NULL: none.
+  const char* exclude;
 } trackedcam_settings;
 
 /// Sets all members to their defaults. Required members become 0 or NULL, with which no run starts.
@@ -291,8 +294,9 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_run_free(trackedcam_run* run);
 
 /// Cross-checks a calibration from the log that the library wrote, in any host.
 /// @param log_file Path of the log.
-/// @param settings For the mounting that the host passed to the library, and for what is good
-///   enough; the other members are ignored. NULL for the defaults, if the mounting is not known.
+/// @param settings For the mounting that the host passed to the library, for what is good enough
+///   and for the photographs to leave out; the other members are ignored. NULL for the defaults, if
+///   the mounting is not known.
 /// @param[out] report Free it with trackedcam_report_free. It cannot be exported.
 /// @return TRACKEDCAM_OK or an error status.
 TRACKEDCAM_C_API trackedcam_status trackedcam_crosscheck(const char* log_file,

@@ -118,7 +118,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
           expected_records: Optional[int] = None, refine_mounting: bool = False,
           good_enough: Sequence[float] = (2, 0.2),
           scale_uncertainty_percent: float = 0.1,
-          working_folder: Optional[Path] = None, silent: bool = False) -> Run:
+          working_folder: Optional[Path] = None, silent: bool = False,
+          exclude: Sequence[Path] = ()) -> Run:
     """Starts to calibrate a shoot in the background and returns at once.
 
     Args:
@@ -143,6 +144,8 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
             directory for a Shoot.
         silent: discard the standard output of the whole process during the run. Otherwise the library writes each
             line of its log there.
+        exclude: photographs to leave out: paths as in the data file or the ends of them, with or without the file's
+            ending, such as ["img_003", "img_007"].
 
     Raises:
         InputError: a value is invalid; the message says which.
@@ -161,6 +164,7 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     settings.good_enough_mm, settings.good_enough_deg = _floats(good_enough, 2)
     settings.scale_uncertainty_percent = scale_uncertainty_percent
     settings.silent = bool(silent)
+    settings.exclude = _names(exclude)
     if expected_records is not None:
         # For the library, -1 means: do not check.
         settings.expected_records = int(expected_records) if expected_records >= 0 else -2
@@ -207,7 +211,8 @@ def calibrate(data: Union[Path, Shoot], *, progress: Union[Listener, bool, None]
 
 def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = None,
                chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
-               good_enough: Sequence[float] = (2, 0.2), scale_uncertainty_percent: float = 0.1) -> Report:
+               good_enough: Sequence[float] = (2, 0.2), scale_uncertainty_percent: float = 0.1,
+               exclude: Sequence[Path] = ()) -> Report:
     """Cross-checks a calibration from the log that the library wrote, in any host.
 
     Args:
@@ -215,6 +220,7 @@ def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = Non
         chart_rotation_deg, chart_translation_m, mounting_axes: the mounting that the host passed to the library, as
             for start; None if it is not known.
         good_enough, scale_uncertainty_percent: as for start.
+        exclude: photographs that the cross-check leaves out, as for start.
 
     Raises:
         InputError: the file is not the log of a calibration, or a value is invalid.
@@ -224,6 +230,7 @@ def crosscheck(log: Path, *, chart_rotation_deg: Optional[Sequence[float]] = Non
     _state_mounting(settings, chart_rotation_deg, chart_translation_m, mounting_axes)
     settings.good_enough_mm, settings.good_enough_deg = _floats(good_enough, 2)
     settings.scale_uncertainty_percent = scale_uncertainty_percent
+    settings.exclude = _names(exclude)
     handle = Handle("trackedcam_report_free")
     call("trackedcam_crosscheck", encoded(log), ctypes.byref(settings), ctypes.byref(handle.pointer))
     return Report(handle)
@@ -246,6 +253,11 @@ def _state_mounting(settings: _library.Settings, rotation: Optional[Sequence[flo
         settings.mounting_is_stated = 1
         settings.chart_rotation_deg[:] = _floats(rotation, 3)
         settings.chart_translation_m[:] = _floats(translation, 3)
+
+
+def _names(exclude: Sequence[Path]) -> bytes:
+    names = [exclude] if isinstance(exclude, (str, bytes)) else exclude
+    return b",".join(encoded(name) for name in names)
 
 
 def _floats(numbers: Sequence[float], count: int) -> list[float]:

@@ -47,6 +47,7 @@ class Settings(ctypes.Structure):
         ("good_enough_mm", c_double),
         ("good_enough_deg", c_double),
         ("scale_uncertainty_percent", c_double),
+        ("exclude", c_char_p),
     ]
 
 

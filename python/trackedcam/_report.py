@@ -114,7 +114,7 @@ class Photograph:
         name: as in the data file.
         path: absolute; None if it is not known.
         state: "used", "leftOutByFilter", "leftOutByCrossCheck", "boardNotFound", "notLoaded",
-            "leftOutBeforeTheRun", "notReached", "notUsed" or, if the log is incomplete, "unknown".
+            "leftOutByUser", "leftOutBeforeTheRun", "notReached", "notUsed" or, if the log is incomplete, "unknown".
         reason: why it is not used or does not agree with the others; None if there is no reason.
         library_error_pixels: the library's reprojection error; None if it has none.
         reprojected_image: the library's image with the corners drawn in; None if there is none.

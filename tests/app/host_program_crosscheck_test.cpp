@@ -197,6 +197,32 @@ TEST_F(CrosscheckShoot, IsRefinedWithoutThePhotographsOfASlip) {
   ExpectCloseToTheTruth();
 }
 
+// The command that the program prints leaves them out, next to those of the earlier call.
+TEST_F(CrosscheckShoot, PrintsTheCommandWithoutThePhotographsOfASlip) {
+  SimulateNoisy({"--outliers", "2"});
+  EXPECT_NE(Calibrate({"--exclude", "img_000"}).status, 2);
+  const std::string command = Result()["verdict"]["commands"].back();
+  const std::string begin =
+      "trackedcam calibrate --config shoot/shoot.toml --no-report --exclude=img_000,";
+  ASSERT_THAT(command, StartsWith(begin));
+  const ProgramRun run = Calibrate({command.substr(command.rfind(' ') + 1)});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr(" 3 left out by the user"),
+                             HasSubstr("img_000.jpg (left out by the user)\n")));
+  EXPECT_EQ(Result()["photographs"].size(), 40U);
+  EXPECT_EQ(Result()["inputs"]["exclude"].size(), 3U);
+  ExpectCloseToTheTruth();
+}
+
+TEST_F(CrosscheckShoot, RefusesToLeaveOutWhatIsNotThere) {
+  Simulate({});
+  const ProgramRun run = Calibrate({"--exclude", "img_999"});
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(run.error, HasSubstr("cannot leave out img_999"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "shoot" / "log"));
+  EXPECT_EQ(Calibrate({"--exclude", "img_001, ,img_002"}).status, 2);
+}
+
 TEST_F(CrosscheckShoot, OfALogIsTheSame) {
   SimulateNoisy({"--mounting-error-mm", "27", "--mounting-error-degrees", "1"});
   Calibrate();

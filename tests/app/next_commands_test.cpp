@@ -33,6 +33,33 @@ TEST(WithOption, AddsItOnce) {
   EXPECT_EQ(WithOption(line + " --tracker-units cm", "--tracker-units=mm"), "");
 }
 
+TEST(NextCalibrations, LeaveOutWhatFindingsAskFor) {
+  host::Verdict verdict;
+  const std::string line = "trackedcam calibrate --config shoot.toml";
+  EXPECT_THAT(NextCalibrations(line, verdict), testing::IsEmpty());
+  verdict.exclude = {"img_003", "img_007"};
+  EXPECT_THAT(NextCalibrations(line, verdict), ElementsAre(line + " --exclude=img_003,img_007"));
+  verdict.option = "--refine-mounting";
+  EXPECT_THAT(NextCalibrations(line, verdict),
+              ElementsAre(line + " --refine-mounting", line + " --exclude=img_003,img_007"));
+}
+
+// The verdict's list has those of the earlier call too.
+TEST(NextCalibrations, HaveOneListOfThePhotographs) {
+  host::Verdict verdict;
+  verdict.exclude = {"img 3", "img_007"};
+  const std::string expected =
+      "trackedcam calibrate --data \"a b.csv\" --verbose"
+      " \"--exclude=img 3,img_007\"";
+  for (const std::vector<const char*>& words : std::vector<std::vector<const char*>>{
+           {"calibrate", "--exclude", "img 3", "--data", "a b.csv", "--verbose"},
+           {"calibrate", "--exclude=img 3", "--data", "a b.csv", "--verbose"},
+           {"calibrate", "--data", "a b.csv", "--verbose", "--exclude", "\"$x"},
+           {"calibrate", "--exclude=a", "--data", "a b.csv", "--exclude", "b", "--verbose"}}) {
+    EXPECT_THAT(NextCalibrations(CommandLineOf(words), verdict), ElementsAre(expected));
+  }
+}
+
 TEST(ExportCommands, AreForTheEnginesInCommonUse) {
   const std::string lens = (std::filesystem::path("day 1") / "lens.ulens").u8string();
   EXPECT_THAT(

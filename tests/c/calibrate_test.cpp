@@ -223,6 +223,25 @@ TEST_F(CalibrateTest, IsTheSameWhateverTheHostHasSet) {
   EXPECT_EQ(fs::current_path(), before);
 }
 
+TEST_F(CalibrateTest, LeavesOutPhotographs) {
+  trackedcam_settings settings = SettingsFor(log);
+  settings.exclude = "img_003, img_007.jpg";
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  EXPECT_EQ(TextAt(report, "/photographs/3/state"), "leftOutByUser");
+  EXPECT_EQ(TextAt(report, "/photographs/7/state"), "leftOutByUser");
+  EXPECT_NE(TextAt(report, "/photographs/4/state"), "leftOutByUser");
+  EXPECT_THAT(TextAt(report, "/photographCounts/others"), HasSubstr("2 left out by the user"));
+
+  const std::string logFile = TextAt(report, "/log");
+  settings.exclude = "img_004";
+  OwnedReport checked;
+  ASSERT_EQ(trackedcam_crosscheck(logFile.c_str(), &settings, checked.Fill()), TRACKEDCAM_OK);
+  EXPECT_EQ(TextAt(checked, "/photographs/3/state"), "leftOutByUser");
+  settings.exclude = "img_003";  // the log does not have it
+  EXPECT_EQ(trackedcam_crosscheck(logFile.c_str(), &settings, checked.Fill()),
+            TRACKEDCAM_BAD_INPUT);
+}
+
 TEST_F(CalibrateTest, ChecksALogAsTheProgramDoes) {
   const OwnedReport report = Calibrated(OpenedShoot(), SettingsFor(log));
   const std::string logFile = TextAt(report, "/log");

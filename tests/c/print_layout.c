@@ -34,6 +34,7 @@ int main(void) {
   AT(trackedcam_settings, good_enough_mm);
   AT(trackedcam_settings, good_enough_deg);
   AT(trackedcam_settings, scale_uncertainty_percent);
+  AT(trackedcam_settings, exclude);
   SIZE(trackedcam_export_options);
   AT(trackedcam_export_options, struct_size);
   AT(trackedcam_export_options, even_if_wrong);

@@ -87,7 +87,8 @@ class CalibrateTest : public testing::Test {
   }
 
   static Report Calibrate(const Inputs& inputs) {
-    return host::Calibrate(inputs, ReadShootData(inputs.data, {}), [](const Progress&) {});
+    return host::Calibrate(inputs, ReadShootData(inputs.data, {}, inputs.exclude),
+                           [](const Progress&) {});
   }
 
   static simulator::ShootOptions Small(int photographs) {
@@ -222,6 +223,55 @@ TEST_F(CalibrateTest, IsWrongIfTheResultIsCertainlyOffThoughTheMountingIsRight) 
   refined.refineMounting = true;
   const Report second = WithMounting(refined);
   EXPECT_LT(OffMillimetres(second), 1);
+}
+
+// One photograph that contradicts the others; the verdict names it for the next call.
+TEST_F(CalibrateTest, LeavesOutWhatTheUserNames) {
+  simulator::ShootOptions options = Small(20);
+  options.outliers = 1;
+  options.slipMm = 200;
+  options.slipDegrees = 10;
+  Inputs inputs = Simulate(options);
+  const Report first = WithMounting(inputs);
+  ASSERT_GT(OffMillimetres(first), 5);
+  ASSERT_EQ(first.verdict.exclude.size(), 1U);
+
+  inputs.exclude = first.verdict.exclude;
+  const Report report = WithMounting(inputs);
+  EXPECT_EQ(report.verdict.level, Level::kGood) << report.verdict.message;
+  EXPECT_LT(OffMillimetres(report), 1);
+  EXPECT_THAT(report.verdict.exclude, testing::IsEmpty());
+  ASSERT_EQ(report.photographs.size(), 20U);
+  for (std::size_t i = 0; i < 20; ++i) {
+    const PhotographEntry& entry = report.photographs[i];
+    EXPECT_EQ(entry.row, first.photographs[i].row);
+    EXPECT_EQ(entry.name, first.photographs[i].name);
+    const bool isExcluded = entry.name.find(inputs.exclude[0]) != std::string::npos;
+    EXPECT_EQ(entry.state == PhotographState::kLeftOutByUser, isExcluded) << entry.name;
+    EXPECT_EQ(entry.reason == "left out by the user", isExcluded) << entry.reason;
+  }
+  EXPECT_THAT(CountText(report.photographs), HasSubstr("1 left out by the user"));
+
+  // The same in a second run, and in the check of a log.
+  inputs.mounting = std::nullopt;
+  const Report second = Calibrate(inputs);
+  ASSERT_NE(second.firstRun, nullptr);
+  EXPECT_EQ(CountInState(second.photographs, PhotographState::kLeftOutByUser), 1U);
+  EXPECT_EQ(CountInState(second.photographs, PhotographState::kLeftOutByCrossCheck), 0U);
+  EXPECT_LT(OffMillimetres(second), 1);
+  const Report log = CheckLog(first.run.log, first.inputs.mounting, {}, 0.001, inputs.exclude);
+  EXPECT_EQ(CountInState(log.photographs, PhotographState::kLeftOutByUser), 1U);
+  EXPECT_EQ(log.crossCheck->photographs, 19U);
+  EXPECT_NE(Find<crosscheck::LibraryApart>(log), nullptr);  // its result rests on all of them
+  EXPECT_THROW(CheckLog(first.run.log, std::nullopt, {}, 0.001, {"none"}), InputError);
+}
+
+TEST_F(CalibrateTest, NeedsAPhotographThatIsNotLeftOut) {
+  Inputs inputs = Simulate(Small(3));
+  for (const DataRow& row : ReadRows(test::ReadFile(inputs.data.u8string()))) {
+    inputs.exclude.push_back(row.photograph);
+  }
+  EXPECT_THROW(Calibrate(inputs), InputError);
 }
 
 // The library may write any number into its log.

@@ -87,6 +87,17 @@ def test_lists_the_photographs_in_the_order_of_the_rows(report, perfect):
             assert 0 < photograph.library_error_pixels < 1
 
 
+def test_leaves_out_photographs(perfect, tmp_path):
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+                                  exclude=["img_003", pathlib.Path("photos/img_007.jpg")])
+    left_out = [photograph.name for photograph in report.photographs if photograph.state == "leftOutByUser"]
+    assert left_out == ["photos/img_003.jpg", "photos/img_007.jpg"]
+    checked = trackedcam.crosscheck(report.log, exclude="img_004")
+    assert sum(photograph.state == "leftOutByUser" for photograph in checked.photographs) == 1
+    with pytest.raises(trackedcam.InputError, match="img_999"):
+        trackedcam.start(perfect.data, **CHART, log_folder=tmp_path, silent=True, exclude=["img_999"]).report()
+
+
 def test_shows_itself(report):
     assert re.fullmatch(r"<trackedcam.Report good, code 0, \d+ photographs used, 32\.\d\d mm>", repr(report))
     shown = report._repr_html_()
