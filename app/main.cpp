@@ -11,6 +11,7 @@
 
 #include "app/commands/calibrate_command.h"
 #include "app/commands/chart_command.h"
+#include "app/commands/compare_command.h"
 #include "app/commands/config_file.h"
 #include "app/commands/crosscheck_command.h"
 #include "app/commands/export_command.h"
@@ -62,6 +63,7 @@ int Run(int argc, char** argv) {
   const std::string commandLine = trackedcam::app::CommandLine(argc, argv);
   trackedcam::app::AddCalibrateCommand(program, commandLine, status);
   trackedcam::app::AddChartCommand(program, status);
+  trackedcam::app::AddCompareCommand(program, status);
   trackedcam::app::AddCrosscheckCommand(program, commandLine, status);
   trackedcam::app::AddExportCommand(program, status);
   trackedcam::app::AddReportCommand(program, status);

@@ -42,7 +42,7 @@ class HostProgramUsage : public testing::Test {
 // Every line fits a terminal of 80 columns, and every text begins at the same one.
 TEST_F(HostProgramUsage, HelpHasTwoColumns) {
   for (const char* command :
-       {"", "calibrate", "chart", "crosscheck", "export", "report", "simulate"}) {
+       {"", "calibrate", "chart", "compare", "crosscheck", "export", "report", "simulate"}) {
     const ProgramRun run = *command == '\0' ? Run({"--help"}) : Run({command, "--help"});
     EXPECT_EQ(run.status, 0) << command;
     std::istringstream lines(run.out);

@@ -1,0 +1,88 @@
+// Two results side by side: what they differ by in the image, in the transform and in the lens, and
+// whether that is by chance.
+
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Eigen/Core>
+#include <nlohmann/json_fwd.hpp>
+
+#include "crosscheck/observations.h"
+#include "crosscheck/twist.h"
+
+namespace trackedcam::host {
+
+/// What the cross-check of a result found.
+struct ComparedCheck {
+  crosscheck::Pose Transform_Cam_Tc;
+  crosscheck::Matrix6d covariance;              // of the left twist
+  std::array<double, 6> lensErrors = {};        // standard errors of fx, fy, cx, cy, k1, k2
+  double freedom = 0;                           // degrees of freedom of the covariance
+  double chartMetres = 0;                       // distance of the chart, median
+  std::vector<std::array<double, 2>> onScreen;  // distance, metres; standard error, pixels
+};
+
+/// What is compared of a result file.
+struct ComparedResult {
+  std::string file;
+  std::string verdict;            // its message
+  std::array<int, 2> board = {};  // inner corners
+  double squareMetres = 0;
+  crosscheck::Lens lens;
+  crosscheck::Pose Transform_Cam_Tc;
+  std::optional<ComparedCheck> check;    // nothing if the shoot does not determine the transform
+  std::vector<std::string> photographs;  // the corners found in each, as text
+};
+
+/// @throws InputError if the file holds no result, or that of a failed calibration.
+ComparedResult ReadComparedResult(const std::filesystem::path& file);
+
+/// Values of the second result minus those of the first. p is the probability of a difference this
+/// large by chance; NaN if it is not known.
+struct Comparison {
+  struct Transform {
+    std::array<double, 3> mm = {};       // along the first camera's axes
+    std::array<double, 3> degrees = {};  // about them
+    double offMm = 0;
+    double offDegrees = 0;
+    double p = 0;
+  };
+  struct LensValue {
+    const char* name = "";
+    double first = 0;
+    double second = 0;
+    double p = 0;
+  };
+  struct OnScreen {
+    double distanceMetres = 0;
+    double rmsPixels = 0;    // over the image
+    double worstPixels = 0;  // in the image
+    double p = 0;            // an upper bound
+  };
+  Transform transform;
+  std::array<LensValue, 6> lens = {};
+  std::vector<OnScreen> onScreen;  // the chart's distance first, then others
+  std::size_t shared = 0;          // photographs that both results are from
+  double p = 0;                    // of transform and lens together
+  bool isSame = false;             // equal to the last digit
+};
+
+/// Tests the solutions of both cross-checks, because the uncertainty is theirs. Results that share
+/// photographs share errors: what is certain for independent ones is certain for them too, and
+/// every other p is NaN.
+/// @throws InputError if the results have different image sizes or charts.
+Comparison Compare(const ComparedResult& first, const ComparedResult& second);
+
+/// One sentence: whether they differ, and why that cannot be told if it cannot.
+std::string Conclusion(const Comparison& comparison);
+
+nlohmann::ordered_json ComparisonJson(const ComparedResult& first, const ComparedResult& second,
+                                      const Comparison& comparison);
+
+}  // namespace trackedcam::host
