@@ -71,6 +71,11 @@ std::optional<crosscheck::Board> OtherBoard(const VerifyInputs& inputs,
     board.rows = inputs.board->at(1);
   }
   board.square = inputs.squareMetres.value_or(old.square);
+  Inputs possible;
+  possible.sensorMm = {36, 24};  // of any size
+  possible.board = {board.columns, board.rows};
+  possible.squareMetres = board.square;
+  RequirePossible(possible);
   const std::string advice = "For another chart, add --chart-remounted.";
   const bool isOtherBoard = board.columns != old.board.columns || board.rows != old.board.rows;
   const bool isOtherSquare = std::abs(board.square - old.square) > 1e-9;
