@@ -514,6 +514,79 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_report_save(trackedcam_report* rep
 TRACKEDCAM_C_API trackedcam_status trackedcam_report_free(trackedcam_report* report);
 
 /// @}
+/// @defgroup c_verify Verification
+/// Whether a calibration still holds, from a few new photographs.
+/// @{
+
+/// What a verification found.
+typedef struct trackedcam_verification trackedcam_verification;
+
+/// The answer of a verification.
+enum trackedcam_answer {
+  TRACKEDCAM_HOLDS = 0,                 ///< The calibration still holds.
+  TRACKEDCAM_CAMERA_TRACKER_MOVED = 1,  ///< On its mount.
+  TRACKEDCAM_CHART_TRACKER_MOVED = 2,   ///< On its mount. Lens and Transform_Cam_Tc still hold.
+  TRACKEDCAM_BOTH_TRACKERS_MOVED = 3,   ///< On their mounts.
+  TRACKEDCAM_LENS_CHANGED = 4,          ///< Focal length, principal point or distortion.
+  TRACKEDCAM_LENS_AND_TRACKER = 5,      ///< The lens changed, and a tracker moved.
+  TRACKEDCAM_UNCLEAR = 6,               ///< Something changed; the photographs cannot say what.
+  TRACKEDCAM_UNRELATED = 7,             ///< Other trackers, another chart or another reading.
+  TRACKEDCAM_TOO_FEW = 8                ///< Fewer than three photographs can be used.
+};
+
+/// How to verify. Fill it with trackedcam_verify_options_init. Later versions add members at the
+/// end.
+typedef struct trackedcam_verify_options {
+  uint32_t struct_size;     ///< Bytes. trackedcam_verify_options_init sets it.
+  int32_t chart_remounted;  ///< 1: the chart was mounted anew, or is another one.
+  int32_t board_columns;    ///< Of another chart: inner corners along a row; 0: the result's.
+  int32_t board_rows;       ///< Of another chart: inner corners along a column; 0: the result's.
+  double square_m;          ///< Of another chart: edge of one square; 0: the result's.
+  int32_t silent;    ///< 1: discard the standard output of the whole process during the call.
+  int32_t reserved;  ///< 0.
+  const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
+} trackedcam_verify_options;
+
+/// Sets all members to their defaults.
+/// @param[out] options The options.
+/// @param struct_size sizeof(trackedcam_verify_options).
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_verify_options_init(trackedcam_verify_options* options, size_t struct_size);
+
+/// Tests new photographs against a calibration. It takes about as long as finding the boards.
+/// @param result_file Path of the result file of the calibration.
+/// @param data_file Path of the tracker data file of the new photographs, in the axes, the unit and
+///   the order of the calibration's.
+/// @param options The options, or NULL for their defaults.
+/// @param[out] verification Free it with trackedcam_verification_free.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for a result file that is of an
+///   older form, cut, edited or wrong, and for photographs, a board or squares of another size.
+TRACKEDCAM_C_API trackedcam_status trackedcam_verify(const char* result_file, const char* data_file,
+                                                     const trackedcam_verify_options* options,
+                                                     trackedcam_verification** verification);
+
+/// Returns the answer.
+/// @param verification The verification.
+/// @param[out] answer One of trackedcam_answer.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_verification_answer(trackedcam_verification* verification, int32_t* answer);
+
+/// Returns all values as JSON text, as trackedcam verify --json prints them.
+/// @param verification The verification.
+/// @param[out] json The text. It is valid until the verification is freed.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_verification_json(trackedcam_verification* verification, const char** json);
+
+/// Frees a verification and its text.
+/// @param verification The verification, or NULL.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status
+trackedcam_verification_free(trackedcam_verification* verification);
+
+/// @}
 
 #ifdef __cplusplus
 }  // extern "C"

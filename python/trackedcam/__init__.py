@@ -15,6 +15,8 @@ from ._calibrate import Progress, Run, Shoot, calibrate, crosscheck, start
 from ._library import VERSION as __version__
 from ._library import InputError
 from ._report import CalibrationError, CalibrationWarning, CrossCheck, Finding, Lens, Photograph, Report
+from ._verify import Verification, verify
 
 __all__ = ["CalibrationError", "CalibrationWarning", "CrossCheck", "Finding", "InputError", "Lens", "Photograph",
-           "Progress", "Report", "Run", "Shoot", "__version__", "calibrate", "crosscheck", "start"]
+           "Progress", "Report", "Run", "Shoot", "Verification", "__version__", "calibrate", "crosscheck", "start",
+           "verify"]

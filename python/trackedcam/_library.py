@@ -63,6 +63,19 @@ class ExportOptions(ctypes.Structure):
     ]
 
 
+class VerifyOptions(ctypes.Structure):
+    _fields_ = [
+        ("struct_size", c_uint32),
+        ("chart_remounted", c_int32),
+        ("board_columns", c_int32),
+        ("board_rows", c_int32),
+        ("square_m", c_double),
+        ("silent", c_int32),
+        ("reserved", c_int32),
+        ("working_folder", c_char_p),
+    ]
+
+
 class ProgressStruct(ctypes.Structure):
     _fields_ = [("stage", ctypes.c_char * 64), ("photographs_done", c_int32), ("photographs_in_all", c_int32)]
 
@@ -98,6 +111,10 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_report_page": [c_void_p, c_char_p, POINTER(c_char_p)],
     "trackedcam_report_save": [c_void_p, c_char_p, c_char_p],
     "trackedcam_report_free": [c_void_p],
+    "trackedcam_verify_options_init": [POINTER(VerifyOptions), c_size_t],
+    "trackedcam_verify": [c_char_p, c_char_p, POINTER(VerifyOptions), POINTER(c_void_p)],
+    "trackedcam_verification_json": [c_void_p, POINTER(c_char_p)],
+    "trackedcam_verification_free": [c_void_p],
 }
 
 

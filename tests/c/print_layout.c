@@ -43,6 +43,15 @@ int main(void) {
   AT(trackedcam_export_options, overscan);
   AT(trackedcam_export_options, parent_axes);
   AT(trackedcam_export_options, preview_file);
+  SIZE(trackedcam_verify_options);
+  AT(trackedcam_verify_options, struct_size);
+  AT(trackedcam_verify_options, chart_remounted);
+  AT(trackedcam_verify_options, board_columns);
+  AT(trackedcam_verify_options, board_rows);
+  AT(trackedcam_verify_options, square_m);
+  AT(trackedcam_verify_options, silent);
+  AT(trackedcam_verify_options, reserved);
+  AT(trackedcam_verify_options, working_folder);
   SIZE(trackedcam_progress);
   AT(trackedcam_progress, stage);
   AT(trackedcam_progress, photographs_done);

@@ -204,3 +204,16 @@ def test_standard_output_has_the_log_unless_silent(perfect, tmp_path):
            for silent in "01"]
     assert "Camera and Tracker Calibration successful." in out[0]
     assert out[1] == ""
+
+
+def test_the_photographs_of_the_shoot_fit_its_result(report, perfect, tmp_path):
+    result, data = tmp_path / "result.json", tmp_path / "later.csv"
+    report.save(json_file=result)
+    rows = perfect.data.read_text(encoding="utf-8").splitlines(keepends=True)
+    data.write_text("".join(rows[:6]), encoding="utf-8")
+    found = trackedcam.verify(result, data, working_folder=perfect.folder, silent=True)
+    assert found.holds and found.answer == "holds"
+    assert len(found.data["photographs"]) == 5
+    assert found.data["old"] == found.data["new"]
+    with pytest.raises(trackedcam.InputError, match="7 x 5.*9 x 6"):
+        trackedcam.verify(result, data, board=(7, 5), silent=True)

@@ -16,6 +16,7 @@ def test_structs_have_the_layout_of_the_header():
     lines = []
     for name, struct in [("pose", _library.Pose), ("settings", _library.Settings),
                          ("export_options", _library.ExportOptions),
+                         ("verify_options", _library.VerifyOptions),
                          ("progress", _library.ProgressStruct), ("lens", _library.LensStruct)]:
         lines.append(f"trackedcam_{name} {ctypes.sizeof(struct)}")
         lines += [f"trackedcam_{name}.{field[0]} {getattr(struct, field[0]).offset}" for field in struct._fields_]
@@ -32,7 +33,8 @@ def test_functions_take_what_the_header_says():
     # Python uses a run, the JSON text and the export with options instead of these.
     assert set(declared) - set(_library.FUNCTIONS) == {
         "trackedcam_calibrate", "trackedcam_report_verdict", "trackedcam_report_transform_cam_tc",
-        "trackedcam_report_text", "trackedcam_report_count", "trackedcam_report_export"}
+        "trackedcam_report_text", "trackedcam_report_count", "trackedcam_report_export",
+        "trackedcam_verification_answer"}
 
 
 def test_statuses_are_those_of_the_header():

@@ -1,0 +1,71 @@
+"""Verifies that a calibration still holds."""
+
+from __future__ import annotations
+
+import ctypes
+import json
+from collections.abc import Sequence
+from typing import Any, Optional
+
+from . import _library
+from ._library import Handle, call, encoded
+from ._report import Path
+
+
+class Verification:
+    """What a verification found.
+
+    Attributes:
+        answer: "holds", "cameraTrackerMoved", "chartTrackerMoved", "bothTrackersMoved", "lensChanged",
+            "lensAndTracker", "unclear", "unrelated" or "tooFew".
+        holds: whether the calibration still holds.
+        message: the answer, one sentence.
+        details: what else is known: sizes of the change with 95 % intervals, or what would have been found.
+        advice: the next step.
+        data: all values, as `trackedcam verify --json` prints them.
+    """
+
+    def __init__(self, data: dict[str, Any]) -> None:
+        self.data = data
+        self.answer: str = data["answer"]
+        self.holds = self.answer == "holds"
+        self.message: str = data["message"]
+        self.details: list[str] = data["details"]
+        self.advice: str = data["advice"]
+
+    def __repr__(self) -> str:
+        return f"<Verification {self.answer}: {self.message}>"
+
+
+def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Optional[Sequence[int]] = None,
+           square_m: Optional[float] = None, working_folder: Optional[Path] = None,
+           silent: bool = False) -> Verification:
+    """Tests new photographs against a calibration.
+
+    Args:
+        result: the result file of the calibration.
+        data: the tracker data file of three or more new photographs, in the axes and the unit of the calibration's.
+        chart_remounted: the chart was mounted anew, or is another one; its mounting is then found.
+        board: inner corners of another chart, along a row and along a column; None: the result's.
+        square_m: edge of one square of another chart, metres; None: the result's.
+        working_folder: folder of relative paths of photographs; None: that of the data file.
+        silent: discard the standard output of the whole process during the call.
+
+    Raises:
+        InputError: the result is of an older form, cut, edited or wrong, or the photographs, the board or the squares
+            have another size; the message says which.
+    """
+    options = _library.VerifyOptions()
+    call("trackedcam_verify_options_init", ctypes.byref(options), ctypes.sizeof(options))
+    options.chart_remounted = int(chart_remounted)
+    if board is not None:
+        options.board_columns, options.board_rows = (int(count) for count in board)
+    if square_m is not None:
+        options.square_m = square_m
+    if working_folder is not None:
+        options.working_folder = encoded(working_folder)
+    options.silent = int(silent)
+    handle, text = Handle("trackedcam_verification_free"), ctypes.c_char_p()
+    call("trackedcam_verify", encoded(result), encoded(data), ctypes.byref(options), ctypes.byref(handle.pointer))
+    call("trackedcam_verification_json", handle.pointer, ctypes.byref(text))
+    return Verification(json.loads((text.value or b"").decode()))
