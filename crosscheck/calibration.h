@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include <Eigen/Core>
@@ -14,8 +13,7 @@
 
 namespace trackedcam::crosscheck {
 
-struct Evidence;
-struct Solution;
+constexpr Eigen::Index kTwistsOfBoth = 12;  // elements of the twists of both transforms
 
 struct Calibration {
   Lens lens;          // with the distortion that the corners show
@@ -43,10 +41,6 @@ struct Calibration {
   bool invertTrackerQuaternions = false;
   Eigen::Matrix3d quaternionAxes = Eigen::Matrix3d::Identity();  // see Observations
 };
-
-/// Nothing if a tracker moved during the shoot: there is then no one transform.
-std::optional<Calibration> CalibrationOf(const Observations& observations, const Evidence& evidence,
-                                         const Solution& solution);
 
 /// The number of values in its covariance's diagonal.
 Eigen::Index CovarianceSize(const std::vector<Eigen::Index>& parameters);

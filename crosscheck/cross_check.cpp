@@ -8,7 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "crosscheck/calibration.h"
+#include "crosscheck/calibration_of.h"
 #include "crosscheck/clusters.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/findings.h"

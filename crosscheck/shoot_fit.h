@@ -3,9 +3,9 @@
 
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <Eigen/Core>
@@ -13,7 +13,8 @@
 #include "crosscheck/calibration.h"
 #include "crosscheck/chart_pose.h"
 #include "crosscheck/evidence.h"
-#include "crosscheck/verify.h"
+#include "crosscheck/observations.h"
+#include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
 
@@ -45,6 +46,19 @@ struct ShootFit {
   double squares = 0;      // weighted, of all residuals and of the calibration's own change
   double loopSquares = 0;  // of these, without those of the corners in their photographs
   double loopFreedom = 0;  // what loopSquares is on average
+};
+
+/// One new photograph.
+struct Verified {
+  std::string name;
+  bool used = false;
+  double oldPixels = 0;  // root mean square between the corners and those that the old result
+                         // predicts; NaN if unknown
+  double newPixels = 0;  // the same after the change that was found
+  double oldMm = 0;      // of a tracker that would make the old result fit
+  double oldDegrees = 0;
+  std::vector<Eigen::Vector2d> oldPredicted;  // pixels; NaN behind the camera
+  std::vector<Eigen::Vector2d> newPredicted;
 };
 
 class NewShoot {

@@ -8,7 +8,6 @@
 #include <Eigen/Eigenvalues>
 
 #include "crosscheck/evidence.h"
-#include "crosscheck/shoot_fit.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/uncertainty.h"
 

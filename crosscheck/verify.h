@@ -12,6 +12,7 @@
 #include "crosscheck/calibration.h"
 #include "crosscheck/observations.h"
 #include "crosscheck/result.h"
+#include "crosscheck/shoot_fit.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::crosscheck {
@@ -69,19 +70,6 @@ struct LensChange {
 struct Detectable {
   double mm = 0;
   double degrees = 0;
-};
-
-/// One new photograph.
-struct Verified {
-  std::string name;
-  bool used = false;
-  double oldPixels = 0;  // root mean square between the corners and those that the old result
-                         // predicts; NaN if unknown
-  double newPixels = 0;  // the same after the change that was found
-  double oldMm = 0;      // of a tracker that would make the old result fit
-  double oldDegrees = 0;
-  std::vector<Eigen::Vector2d> oldPredicted;  // pixels; NaN behind the camera
-  std::vector<Eigen::Vector2d> newPredicted;
 };
 
 struct Verification {
