@@ -87,8 +87,7 @@ void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
       silenced.emplace();
     }
     report = std::make_shared<Report>(
-        host::Calibrate(inputs,
-                        host::ReadShootData(inputs.data, inputs.trackerFrame, inputs.exclude),
+        host::Calibrate(inputs, host::ReadShootData(inputs),
                         [this](const host::Progress& progress) { Hear(progress); }),
         true, isSilent);
   });

@@ -1,5 +1,6 @@
 #include "c/shoot_handle.h"
 
+#include "host/input/continued_data.h"
 #include "host/input/reported_axes.h"
 #include "host/run/run_folder.h"
 #include "host/text/files.h"
@@ -30,8 +31,21 @@ fs::path Shoot::DataFile(const fs::path& logFolder) const {
   return file;
 }
 
+void Shoot::Continue(fs::path dataFile) {
+  if (dataFile_.empty()) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "A shoot in memory has no data file to continue.");
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  moreData_.push_back(std::move(dataFile));
+}
+
+std::vector<fs::path> Shoot::MoreData() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return moreData_;
+}
+
 fs::path Shoot::WorkingFolder() const {
-  return dataFile_.empty() ? fs::current_path() : dataFile_.parent_path();
+  return dataFile_.empty() ? fs::current_path() : host::FolderOfData(dataFile_, MoreData());
 }
 
 Handles<trackedcam_shoot, Shoot>& Shoots() {
@@ -140,6 +154,7 @@ host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   inputs.scaleUncertainty = ScaleUncertaintyOf(settings);
   host::RequirePossible(inputs);
   inputs.data = shoot.DataFile(inputs.logFolder);
+  inputs.moreData = shoot.MoreData();
   return inputs;
 }
 
@@ -163,6 +178,17 @@ trackedcam_status trackedcam_shoot_open(const char* data_file, trackedcam_shoot*
     }
     *shoot = Shoots().Add(
         std::make_shared<Shoot>(std::filesystem::absolute(std::filesystem::u8path(file))));
+  });
+}
+
+trackedcam_status trackedcam_shoot_continue(trackedcam_shoot* shoot, const char* data_file) {
+  return Guarded([&] {
+    const auto to = Shoots().Get(shoot);
+    const std::string file = RequireText(data_file, "data_file");
+    if (file.empty()) {
+      throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "data_file is empty.");
+    }
+    to->Continue(Absolute(file));
   });
 }
 

@@ -24,6 +24,10 @@ class Shoot {
   /// @throws Refusal if the shoot is a data file.
   void Add(host::RecordedRow row);
 
+  /// @throws Refusal if the rows are in memory.
+  void Continue(std::filesystem::path dataFile);
+  std::vector<std::filesystem::path> MoreData() const;
+
   /// The data file. Rows in memory are written to one below the log folder.
   std::filesystem::path DataFile(const std::filesystem::path& logFolder) const;
 
@@ -34,6 +38,7 @@ class Shoot {
   const std::filesystem::path dataFile_;  // empty: the rows are in memory
   mutable std::mutex mutex_;
   std::vector<host::RecordedRow> rows_;
+  std::vector<std::filesystem::path> moreData_;  // that continue the data file
 };
 
 Handles<trackedcam_shoot, Shoot>& Shoots();

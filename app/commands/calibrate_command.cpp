@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -18,6 +19,7 @@
 #include "app/terminal/output.h"
 #include "app/terminal/summary.h"
 #include "host/calibrate.h"
+#include "host/input/continued_data.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/silenced_stdout.h"
@@ -65,6 +67,7 @@ Exit status:
 std::vector<fs::path> InputFiles(const CalibrateOptions& options, const fs::path& configFile,
                                  const std::vector<host::DataRow>& rows) {
   std::vector<fs::path> files = {options.inputs.data, options.truth, configFile};
+  files.insert(files.end(), options.inputs.moreData.begin(), options.inputs.moreData.end());
   for (const host::DataRow& row : rows) {
     if (!row.photograph.empty() && host::IsUtf8(row.photograph)) {
       files.push_back(options.inputs.workingFolder / fs::u8path(row.photograph));
@@ -187,14 +190,13 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   inputs.mounting = MountingOf(options.mounting);
   inputs.hasReportedMountingAxes = options.mounting.isReported;
   if (inputs.workingFolder.empty()) {
-    inputs.workingFolder = inputs.data.parent_path();
+    inputs.workingFolder = host::FolderOfData(inputs.data, inputs.moreData);
   }
   std::optional<host::CalibrationOutputs> truth;
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
-  const host::ShootData shoot =
-      host::ReadShootData(inputs.data, inputs.trackerFrame, inputs.exclude);
+  const host::ShootData shoot = host::ReadShootData(inputs);
   PrepareOutput(options, InputFiles(options, configFile, shoot.rows));
   fs::current_path(inputs.workingFolder);  // relative paths of photographs begin there
 
@@ -225,14 +227,41 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   return status == 0 && !(isExported && written.errors.empty()) ? 1 : status;
 }
 
+// Of several values the parser makes lines, and so does the configuration file.
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines.empty() ? std::vector<std::string>{text} : lines;
+}
+
+// The first one, and those that continue it.
+CLI::Option* AddData(CLI::App& command, host::Inputs& inputs) {
+  const auto store = [&inputs](const std::string& text) {
+    inputs.moreData.clear();
+    for (const std::string& line : Lines(text)) {
+      if (const std::string error = RequireFile(line); !error.empty()) {
+        throw CLI::ValidationError("--data", error);
+      }
+      inputs.moreData.push_back(fs::absolute(fs::u8path(line)).lexically_normal());
+    }
+    inputs.data = inputs.moreData.front();
+    inputs.moreData.erase(inputs.moreData.begin());
+  };
+  return command
+      .add_option_function<std::string>("--data", store,
+                                        "Tracker data file: one row for each photograph;\n"
+                                        "again for each file that continues the shoot")
+      ->type_name("FILE")
+      ->multi_option_policy(CLI::MultiOptionPolicy::Join);
+}
+
 }  // namespace
 
 void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
-  AddPath(command, "--data", options.inputs.data, "FILE",
-          "Tracker data file: one row for each photograph")
-      ->required()
-      ->check(RequireFile)
-      ->group("Shoot");
+  AddData(command, options.inputs)->required()->group("Shoot");
   AddPath(command, "--working-folder", options.inputs.workingFolder, "FOLDER",
           "Folder at which relative paths of photographs\nbegin (default: the data file's folder)")
       ->check(RequireFolder)

@@ -33,6 +33,19 @@ std::string PathText(const std::string& text, const std::string& name, const fs:
   return (folder / fs::u8path(text)).u8string();
 }
 
+// An option for several paths takes them as lines.
+std::string PathsText(const CLI::Option& option, const TomlOption& given, const std::string& name,
+                      const fs::path& folder) {
+  if (option.get_multi_option_policy() != CLI::MultiOptionPolicy::Join) {
+    return PathText(given.value, name, folder);
+  }
+  std::string lines;
+  for (const std::string& path : given.elements) {
+    lines += (lines.empty() ? "" : "\n") + PathText(path, name, folder);
+  }
+  return lines;
+}
+
 CLI::App* FindCommand(CLI::App& program, const std::string& name) {
   const auto commands =
       program.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
@@ -67,7 +80,8 @@ void SetDefaults(CLI::App& program, const fs::path& path) {
       if (option == nullptr) {
         Reject("there is no option " + name + " (" + given.place + ")");
       }
-      const std::string text = IsPath(*option) ? PathText(given.value, name, folder) : given.value;
+      const std::string text =
+          IsPath(*option) ? PathsText(*option, given, name, folder) : given.value;
       SetDefault(*option, text);
       if (section.name == "calibrate") {
         SetSameDefault(program, option->get_name(), text);

@@ -156,6 +156,17 @@ std::string TextOf(const toml::node& value, const std::string& name) {
                          PlaceOf(value.source()) + ")");
 }
 
+std::vector<std::string> ElementsOf(const toml::node& value, const std::string& name) {
+  std::vector<std::string> elements;
+  if (const toml::array* list = value.as_array()) {
+    for (const toml::node& element : *list) {
+      elements.push_back(TextOf(element, name));
+    }
+    return elements;
+  }
+  return {TextOf(value, name)};
+}
+
 }  // namespace
 
 std::vector<TomlSection> ReadTomlFile(const fs::path& file) {
@@ -172,8 +183,9 @@ std::vector<TomlSection> ReadTomlFile(const fs::path& file) {
     TomlSection section = {std::string(name.str()), PlaceOf(name.source()), {}};
     for (const auto& [key, value] : *options) {
       const std::string option(key.str());
+      const std::string full = section.name + '.' + option;
       section.options.push_back(
-          {option, TextOf(value, section.name + '.' + option), PlaceOf(key.source())});
+          {option, TextOf(value, full), ElementsOf(value, full), PlaceOf(key.source())});
     }
     sections.push_back(std::move(section));
   }

@@ -15,8 +15,9 @@ constexpr const char* kPathsInToml =
 
 struct TomlOption {
   std::string name;
-  std::string value;  // as on the command line: the list [12, -8, 5] is 12,-8,5
-  std::string place;  // "line 3, column 1"
+  std::string value;                  // as on the command line: the list [12, -8, 5] is 12,-8,5
+  std::vector<std::string> elements;  // of a list; otherwise the value alone
+  std::string place;                  // "line 3, column 1"
 };
 
 struct TomlSection {

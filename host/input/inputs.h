@@ -24,7 +24,8 @@ constexpr double kMostScaleUncertainty = 0.1;
 
 /// Paths are absolute.
 struct Inputs {
-  std::filesystem::path data;           // one row for each photograph
+  std::filesystem::path data;                   // one row for each photograph
+  std::vector<std::filesystem::path> moreData;  // that continue it, in the order of the shoot
   std::vector<std::string> exclude;     // photographs that the user leaves out, by FindExcluded
   TrackerFrame trackerFrame;            // axes and unit of its poses
   std::filesystem::path workingFolder;  // base of relative photograph paths

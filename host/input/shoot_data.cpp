@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/findings/finding_text.h"
+#include "host/input/continued_data.h"
 #include "host/input/data_checks.h"
 #include "host/input/excluded.h"
 #include "host/input/input_error.h"
@@ -34,11 +35,8 @@ std::vector<std::size_t> Excluded(const std::string& content, const std::vector<
   }
 }
 
-}  // namespace
-
-ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame,
-                        const std::vector<std::string>& exclude) {
-  const std::string content = ReadDataContent(file);
+ShootData ShootDataOf(const std::string& content, const std::filesystem::path& file,
+                      const TrackerFrame& frame, const std::vector<std::string>& exclude) {
   ShootData shoot;
   shoot.rows = InReportedAxes(ReadRows(content), frame);
   shoot.excluded = Excluded(content, shoot.rows, exclude);
@@ -62,6 +60,17 @@ ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& f
                          : Sentence(shoot.findings.front()));
   }
   return shoot;
+}
+
+}  // namespace
+
+ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame,
+                        const std::vector<std::string>& exclude) {
+  return ShootDataOf(ReadDataContent(file), file, frame, exclude);
+}
+
+ShootData ReadShootData(const Inputs& inputs) {
+  return ShootDataOf(ContinuedContent(inputs), inputs.data, inputs.trackerFrame, inputs.exclude);
 }
 
 }  // namespace trackedcam::host

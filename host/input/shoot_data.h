@@ -9,6 +9,7 @@
 
 #include "host/findings/finding.h"
 #include "host/input/data_file.h"
+#include "host/input/inputs.h"
 #include "host/input/reported_axes.h"
 
 namespace trackedcam::host {
@@ -26,5 +27,8 @@ struct ShootData {
 /// photograph to leave out; it says what is wrong.
 ShootData ReadShootData(const std::filesystem::path& file, const TrackerFrame& frame,
                         const std::vector<std::string>& exclude = {});
+
+/// The same for all data files of the inputs.
+ShootData ReadShootData(const Inputs& inputs);
 
 }  // namespace trackedcam::host

@@ -253,10 +253,19 @@ Json LimitsJson(const CalibrationOutputs& outputs) {
       {"photographAngleDegrees", limits.photographAngleDegrees}};
 }
 
+Json PathsJson(const std::vector<std::filesystem::path>& paths) {
+  Json list = Json::array();
+  for (const std::filesystem::path& path : paths) {
+    list.push_back(path.u8string());
+  }
+  return list;
+}
+
 Json InputsJson(const Inputs& inputs) {
   const auto& mounting = inputs.mounting;
   return {
       {"data", inputs.data.u8string()},
+      {"moreData", PathsJson(inputs.moreData)},
       {"exclude", inputs.exclude},
       {"workingFolder", inputs.workingFolder.u8string()},
       {"logFolder", inputs.logFolder.u8string()},

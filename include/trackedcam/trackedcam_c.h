@@ -119,6 +119,15 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_create(trackedcam_shoot** sh
 TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_open(const char* data_file,
                                                          trackedcam_shoot** shoot);
 
+/// Adds a data file to a shoot from trackedcam_shoot_open, which was continued in it. A run with a
+/// file of another shoot does not start: another header, other fields or unit, photographs of
+/// another size, or photographs that an earlier file has.
+/// @param shoot The shoot.
+/// @param data_file Path of the file, as for trackedcam_shoot_open.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_continue(trackedcam_shoot* shoot,
+                                                             const char* data_file);
+
 /// Adds a row to a shoot from trackedcam_shoot_create. When a run starts, the rows are written to
 /// shoot_001/tracker_data.csv (shoot_002 and so on) below the log folder.
 /// @param shoot The shoot.

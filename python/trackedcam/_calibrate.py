@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import ctypes
+import os
 import warnings
 from collections.abc import Sequence
 from typing import Any, Callable, NamedTuple, Optional, Union
@@ -110,7 +111,7 @@ class Run:
         return Report(handle)
 
 
-def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequence[int], square_m: float,
+def start(data: Union[Path, Sequence[Path], Shoot], *, sensor_mm: Sequence[float], board: Sequence[int], square_m: float,
           log_folder: Path, chart_rotation_deg: Optional[Sequence[float]] = None,
           chart_translation_m: Optional[Sequence[float]] = None, mounting_axes: str = "fixed",
           tracker_axes: str = "reported", tracker_unit: Optional[str] = None,
@@ -123,7 +124,7 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
     """Starts to calibrate a shoot in the background and returns at once.
 
     Args:
-        data: the tracker data file, or a Shoot.
+        data: the tracker data file, a list of them if the shoot was continued, or a Shoot.
         sensor_mm: width and height of the camera's sensor, millimetres.
         board: inner corners of the chart along a row and along a column.
         square_m: edge of one square, metres.
@@ -173,18 +174,21 @@ def start(data: Union[Path, Shoot], *, sensor_mm: Sequence[float], board: Sequen
         settings.working_folder = encoded(working_folder)
     shoot = data._handle if isinstance(data, Shoot) else Handle("trackedcam_shoot_free")
     if not isinstance(data, Shoot):
-        call("trackedcam_shoot_open", encoded(data), ctypes.byref(shoot.pointer))
+        first, *more = [data] if isinstance(data, (str, os.PathLike)) else data
+        call("trackedcam_shoot_open", encoded(first), ctypes.byref(shoot.pointer))
+        for file in more:
+            call("trackedcam_shoot_continue", shoot.pointer, encoded(file))
     handle = Handle("trackedcam_run_free")
     call("trackedcam_start", shoot.pointer, ctypes.byref(settings), ctypes.byref(handle.pointer))
     return Run(handle)
 
 
-def calibrate(data: Union[Path, Shoot], *, progress: Union[Listener, bool, None] = None,
+def calibrate(data: Union[Path, Sequence[Path], Shoot], *, progress: Union[Listener, bool, None] = None,
               **settings: Any) -> Report:
     """Calibrates a shoot and waits for the end.
 
     Args:
-        data: the tracker data file, or a Shoot.
+        data: the tracker data file, a list of them if the shoot was continued, or a Shoot.
         progress: called with a Progress on this thread; True shows a progress bar if tqdm is installed.
         settings: the other arguments of start.
 

@@ -90,6 +90,7 @@ class LensStruct(ctypes.Structure):
 FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_shoot_create": [POINTER(c_void_p)],
     "trackedcam_shoot_open": [c_char_p, POINTER(c_void_p)],
+    "trackedcam_shoot_continue": [c_void_p, c_char_p],
     "trackedcam_shoot_add": [c_void_p, c_double, c_char_p, POINTER(Pose), POINTER(Pose)],
     "trackedcam_shoot_free": [c_void_p],
     "trackedcam_settings_init": [POINTER(Settings), c_size_t],

@@ -72,6 +72,25 @@ TEST_F(CalibrateOptionsTest, ComeFromTheConfigurationFile) {
   EXPECT_FALSE(options.verbose);
 }
 
+TEST_F(CalibrateOptionsTest, TakeSeveralDataFiles) {
+  std::string listed = kConfig;
+  listed.replace(listed.find("\"data.csv\""), 10, "[\"data.csv\", 'other.csv']");
+  test::WriteFile(config, listed);
+  Parse({"--config", config});
+  EXPECT_EQ(options.inputs.data, folder.Path() / "data.csv");
+  EXPECT_THAT(options.inputs.moreData, ElementsAre(folder.Path() / "other.csv"));
+  Parse({"--config", config, "--data", folder.File("other.csv")});
+  EXPECT_EQ(options.inputs.data, folder.Path() / "other.csv");
+  EXPECT_THAT(options.inputs.moreData, testing::IsEmpty());
+  Parse(
+      {"--config", config, "--data", folder.File("other.csv"), "--data", folder.File("data.csv")});
+  EXPECT_EQ(options.inputs.data, folder.Path() / "other.csv");
+  EXPECT_THAT(options.inputs.moreData, ElementsAre(folder.Path() / "data.csv"));
+  EXPECT_THAT(ErrorOf({"--config", config, "--data", folder.File("data.csv"), "--data",
+                       folder.File("none.csv")}),
+              HasSubstr("none.csv"));
+}
+
 TEST_F(CalibrateOptionsTest, HavePathsRelativeToTheConfigurationFile) {
   Parse({"--config", config});
   EXPECT_EQ(options.inputs.data, folder.Path() / "data.csv");

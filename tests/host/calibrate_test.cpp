@@ -266,6 +266,28 @@ TEST_F(CalibrateTest, LeavesOutWhatTheUserNames) {
   EXPECT_THROW(CheckLog(first.run.log, std::nullopt, {}, 0.001, {"none"}), InputError);
 }
 
+TEST_F(CalibrateTest, IsTheSameIfTheShootWasContinuedInAnotherFile) {
+  Inputs inputs = Simulate(Small(20));
+  const Report whole = WithMounting(inputs);
+  const std::string data = test::ReadFile(inputs.data.u8string());
+  const std::size_t header = data.find('\n') + 1;
+  std::size_t middle = header;
+  for (int row = 0; row < 9; ++row) {
+    middle = data.find('\n', middle) + 1;
+  }
+  const std::filesystem::path more = inputs.data.parent_path() / "more.csv";
+  test::WriteFile(inputs.data.u8string(), data.substr(0, middle - 1));  // without a line end
+  test::WriteFile(more.u8string(), data.substr(0, header) + data.substr(middle));
+  inputs.moreData = {more};
+  inputs.mounting = whole.inputs.mounting;
+  const Report continued = host::Calibrate(inputs, ReadShootData(inputs), [](const Progress&) {});
+  EXPECT_EQ(continued.run.outputs.transformCamTc, whole.run.outputs.transformCamTc);
+  ASSERT_EQ(continued.photographs.size(), 20U);
+  EXPECT_EQ(continued.photographs[8].row, whole.photographs[8].row);
+  EXPECT_EQ(continued.photographs[9].row, whole.photographs[9].row + 1);  // after the header
+  EXPECT_EQ(continued.photographs[9].name, whole.photographs[9].name);
+}
+
 TEST_F(CalibrateTest, NeedsAPhotographThatIsNotLeftOut) {
   Inputs inputs = Simulate(Small(3));
   for (const DataRow& row : ReadRows(test::ReadFile(inputs.data.u8string()))) {

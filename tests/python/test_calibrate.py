@@ -87,6 +87,18 @@ def test_lists_the_photographs_in_the_order_of_the_rows(report, perfect):
             assert 0 < photograph.library_error_pixels < 1
 
 
+def test_takes_a_shoot_that_was_continued(report, perfect, tmp_path):
+    header, *rows = perfect.data.read_text(encoding="utf-8").splitlines()
+    parts = [tmp_path / "first.csv", tmp_path / "second.csv"]
+    for part, own in zip(parts, [rows[:10], rows[10:]]):
+        part.write_text("\n".join([header, *own]), encoding="utf-8")
+    settings = {**CHART, **perfect.mounting, "log_folder": tmp_path, "working_folder": perfect.folder, "silent": True}
+    continued = trackedcam.calibrate(parts, **settings)
+    assert (continued.transform_cam_tc == report.transform_cam_tc).all()
+    with pytest.raises(trackedcam.InputError, match="both have"):
+        trackedcam.calibrate([*parts, parts[0]], **settings)
+
+
 def test_leaves_out_photographs(perfect, tmp_path):
     report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
                                   exclude=["img_003", pathlib.Path("photos/img_007.jpg")])
