@@ -12,4 +12,8 @@ void StayLoaded();
 /// the end must wait for them. If the system has already stopped them, it must not.
 extern const bool kThreadsOutliveExit;
 
+/// Has functions called around each fork of this process, where the system forks processes: on the
+/// thread that forks, before it, then in each of the two processes.
+void AroundForks(void (*before)(), void (*inParent)(), void (*inChild)());
+
 }  // namespace trackedcam::c

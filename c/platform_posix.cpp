@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include "c/platform.h"
 
@@ -12,5 +13,9 @@ void StayLoaded() {
 }
 
 const bool kThreadsOutliveExit = true;
+
+void AroundForks(void (*before)(), void (*inParent)(), void (*inChild)()) {
+  pthread_atfork(before, inParent, inChild);
+}
 
 }  // namespace trackedcam::c

@@ -12,4 +12,6 @@ void StayLoaded() {
 
 const bool kThreadsOutliveExit = false;
 
+void AroundForks(void (* /*before*/)(), void (* /*inParent*/)(), void (* /*inChild*/)()) {}
+
 }  // namespace trackedcam::c

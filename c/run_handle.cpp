@@ -37,6 +37,15 @@ class RunningRuns {
     changed_.wait(lock, [this] { return count_ == 0; });
   }
 
+  void Hold() { mutex_.lock(); }
+  void Release() { mutex_.unlock(); }
+
+  // A child process has none of the threads of its parent.
+  void ForgetInChild() {
+    count_ = 0;
+    mutex_.unlock();
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable changed_;
@@ -49,6 +58,19 @@ class RunningRuns {
 void PrepareProcess() {
   StayLoaded();
   report::PrepareImageLibrary();
+  AroundForks(
+      [] {
+        RunningRuns::Get().Hold();
+        host::HoldSilence();
+      },
+      [] {
+        host::ReleaseSilence();
+        RunningRuns::Get().Release();
+      },
+      [] {
+        host::EndSilenceInChild();
+        RunningRuns::Get().ForgetInChild();
+      });
   if (kThreadsOutliveExit) {
     std::atexit([] { RunningRuns::Get().WaitForAll(); });
   }

@@ -240,6 +240,10 @@ Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>&
                 const Accuracy& goodEnough, double scaleUncertainty,
                 const std::vector<std::string>& exclude) {
   RequirePossible(goodEnough, scaleUncertainty);
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(log, error)) {  // a device has no end
+    throw InputError("there is no file " + log.u8string());
+  }
   std::ifstream file(log, std::ios::binary);
   Report report;
   report.inputs.mounting = mounting;

@@ -35,6 +35,12 @@ void Silence(int standardOutput) {
   }
 }
 
+void Restore() {
+  ReplaceDescriptor(StdoutDescriptor(), saved);
+  CloseDescriptor(saved);
+  saved = -1;
+}
+
 }  // namespace
 
 // If standard output is closed, there is nothing to silence.
@@ -51,10 +57,25 @@ SilencedStdout::~SilencedStdout() {
   const std::lock_guard<std::mutex> lock(mutex);
   if (--silencers == 0 && saved >= 0) {
     FlushStreams();
-    ReplaceDescriptor(StdoutDescriptor(), saved);
-    CloseDescriptor(saved);
-    saved = -1;
+    Restore();
   }
+}
+
+void HoldSilence() {
+  mutex.lock();
+}
+
+void ReleaseSilence() {
+  mutex.unlock();
+}
+
+// What is in the buffers is the parent's.
+void EndSilenceInChild() {
+  silencers = 0;
+  if (saved >= 0) {
+    Restore();
+  }
+  mutex.unlock();
 }
 
 }  // namespace trackedcam::host

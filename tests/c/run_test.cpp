@@ -105,6 +105,14 @@ TEST_F(RunTest, EndsBeforeTheProcessDestroysWhatItNeeds) {
     EXPECT_TRUE(IsSuccessful(logs / "run_002"));  // the mounting is not stated: two runs
   }
 }
+
+TEST_F(RunTest, DoesNotHoldUpAChildProcess) {
+  const int status = test::RunProgram(
+      TRACKEDCAM_EXIT_DURING_RUN, {SimulatedShoot::Get().DataFile(), log, "20", "fork"},
+      folder.Path(), folder.Path() / "out", folder.Path() / "error");
+  EXPECT_EQ(status, 0) << test::ReadText(folder.File("error"));
+  EXPECT_THAT(test::ReadText(folder.File("out")), testing::StartsWith("child\n"));
+}
 #endif
 
 TEST_F(RunTest, SeveralRunAtOnce) {

@@ -1,5 +1,7 @@
 // Ends the process while a run is going on: exit_during_run TRACKER_DATA.csv LOG_FOLDER
-// MILLISECONDS
+// MILLISECONDS [fork]
+//
+// With fork, a child process ends meanwhile, and prints to its standard output first.
 //
 // Prints how many static objects were made after the start of the run. The run may still need them
 // when the process destroys them. Nothing but the run uses the image library here, so that nothing
@@ -7,10 +9,14 @@
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 #include "trackedcam/trackedcam_c.h"
 
@@ -21,6 +27,24 @@ std::atomic<int> made{0};
 
 void PrintCount() {
   std::printf("%d made\n", made.load());
+}
+
+// False unless the child ends while the run goes on.
+bool ForkAndWait(trackedcam_run* run) {
+  const pid_t child = fork();
+  if (child == 0) {
+    std::printf("child\n");
+    std::exit(0);
+  }
+  std::int32_t isDone = 0;
+  int status = 1;
+  while (waitpid(child, &status, WNOHANG) == 0) {
+    trackedcam_run_wait(run, 10, &isDone);
+    if (isDone != 0) {
+      kill(child, SIGKILL);
+    }
+  }
+  return isDone == 0 && status == 0;
 }
 
 }  // namespace
@@ -36,8 +60,9 @@ extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destru
 }
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::fprintf(stderr, "usage: exit_during_run TRACKER_DATA.csv LOG_FOLDER MILLISECONDS\n");
+  if (argc != 4 && argc != 5) {
+    std::fprintf(stderr,
+                 "usage: exit_during_run TRACKER_DATA.csv LOG_FOLDER MILLISECONDS [fork]\n");
     return 2;
   }
   std::atexit(PrintCount);  // the first, so it is called last
@@ -62,5 +87,9 @@ int main(int argc, char** argv) {
   }
   isStarted = true;
   std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[3])));
+  if (argc == 5 && !ForkAndWait(run)) {
+    std::fprintf(stderr, "the child did not end before the run\n");
+    return 1;
+  }
   return 0;
 }
