@@ -8,6 +8,18 @@ namespace trackedcam::app {
 
 bool IsTerminal(std::FILE* stream);
 
+/// While it exists, no line ends are converted.
+class BinaryOutput {
+ public:
+  explicit BinaryOutput(std::FILE* stream);
+  ~BinaryOutput();
+  BinaryOutput(const BinaryOutput&) = delete;
+  BinaryOutput& operator=(const BinaryOutput&) = delete;
+
+ private:
+  std::FILE* stream_;
+};
+
 /// Call it before any file is opened. A write to a closed pipe, or beyond the largest size of a
 /// file, then fails like any other instead of ending the process. If a standard stream is closed,
 /// no file that is opened later gets its number.

@@ -12,6 +12,13 @@ bool IsTerminal(std::FILE* stream) {
   return isatty(fileno(stream)) == 1;
 }
 
+// No line ends are converted on this system.
+BinaryOutput::BinaryOutput(std::FILE* stream) : stream_(stream) {}
+
+BinaryOutput::~BinaryOutput() {
+  std::fflush(stream_);
+}
+
 void PrepareForWriting() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/calibrate.h"
+#include "host/input/photograph_file.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/silenced_stdout.h"
@@ -191,9 +192,9 @@ std::string Report::PageText(const fs::path& folder) const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return result_;
   }();
-  return report::Page(result, report::MakeThumbnails(result),
+  return report::Page(result, report::MakeThumbnails(result, host::ReadPhotograph),
                       folder.empty() ? report_.run.folder : folder,
-                      report::MakeUndistorted(result));
+                      report::MakeUndistorted(result, host::ReadPhotograph));
 }
 
 // Returns no copy: the destructor of a copy needs memory, and would end the process without it.

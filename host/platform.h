@@ -16,6 +16,16 @@ std::error_code WriteNewFile(const std::filesystem::path& file, const std::strin
 /// Waits until the names of a folder's files are on the disk. A failure is not an error.
 void FlushFolder(const std::filesystem::path& folder);
 
+/// Whether the user may change the content of an existing file.
+bool MayWrite(const std::filesystem::path& file);
+
+/// Whether the files of a folder are those of the system: devices and the state of processes.
+/// @param folder Absolute, without links.
+bool IsSystemFolder(const std::filesystem::path& folder);
+
+/// Whether the name alone makes a path that of a device, in any folder.
+bool IsDevice(const std::filesystem::path& file);
+
 // File descriptors, to silence standard output. A negative one is an error, with its cause in
 // errno.
 

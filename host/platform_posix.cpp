@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <iterator>
 #include <system_error>
 #include <unistd.h>
 
@@ -56,6 +57,19 @@ void FlushFolder(const fs::path& folder) {
     fsync(opened);
     close(opened);
   }
+}
+
+bool MayWrite(const fs::path& file) {
+  return access(file.c_str(), W_OK) == 0;
+}
+
+bool IsSystemFolder(const fs::path& folder) {
+  const auto first = std::next(folder.begin());  // after the root
+  return first != folder.end() && (*first == "dev" || *first == "proc" || *first == "sys");
+}
+
+bool IsDevice(const fs::path& /*file*/) {
+  return false;  // devices are in folders of the system
 }
 
 int StdoutDescriptor() {

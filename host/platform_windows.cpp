@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cstdio>
+#include <cwctype>
 #include <fcntl.h>
 #include <io.h>
+#include <string>
 #include <system_error>
 #include <windows.h>
 
@@ -52,6 +54,27 @@ std::error_code WriteNewFile(const fs::path& file, const std::string& content) {
 }
 
 void FlushFolder(const fs::path& /*folder*/) {}  // the file system does so itself
+
+bool MayWrite(const fs::path& file) {
+  const DWORD attributes = GetFileAttributesW(file.c_str());
+  return attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0;
+}
+
+bool IsSystemFolder(const fs::path& folder) {
+  const std::wstring begin = folder.native().substr(0, 4);
+  return begin == L"\\\\.\\";
+}
+
+// Such as NUL, con and COM1.txt.
+bool IsDevice(const fs::path& file) {
+  std::wstring name = file.filename().native();
+  name = name.substr(0, name.find_first_of(L".: "));
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](wchar_t letter) { return static_cast<wchar_t>(std::towupper(letter)); });
+  const bool isPort = name.size() == 4 && name[3] >= L'1' && name[3] <= L'9' &&
+                      (name.substr(0, 3) == L"COM" || name.substr(0, 3) == L"LPT");
+  return isPort || name == L"NUL" || name == L"CON" || name == L"PRN" || name == L"AUX";
+}
 
 int StdoutDescriptor() {
   return _fileno(stdout);  // negative in a program without a console

@@ -1,8 +1,6 @@
 #include "report/thumbnails.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include <nlohmann/json.hpp>
 #include <opencv2/core/utility.hpp>
@@ -30,36 +28,35 @@ std::string Encoded(const cv::Mat& image) {
 
 // Decoded at a quarter of its size if the format allows it, which is ten times as fast. Empty if
 // the file cannot be read: a page does without it.
-std::string SmallImageOf(const std::string& path) {
+std::string SmallImageOf(const std::string& path, const ReadPicture& read) {
   try {
-    const fs::path file = fs::u8path(path);
-    if (!fs::is_regular_file(file)) {
-      return {};
-    }
-    std::ifstream stream(file, std::ios::binary);
-    const std::vector<unsigned char> bytes(std::istreambuf_iterator<char>(stream), {});
-    const cv::Mat image =
-        bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_REDUCED_COLOR_4);
+    const std::string bytes = path.empty() ? path : read(fs::u8path(path));
+    const cv::Mat image = bytes.empty()
+                              ? cv::Mat()
+                              : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,
+                                                     const_cast<char*>(bytes.data())),
+                                             cv::IMREAD_REDUCED_COLOR_4);
     return image.empty() ? std::string() : Encoded(image);
   } catch (const std::exception&) {
     return {};
   }
 }
 
-Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph) {
-  std::string reprojected = SmallImageOf(TextAt(photograph, "/reprojectedImage"));
+Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph, const ReadPicture& read) {
+  std::string reprojected = SmallImageOf(TextAt(photograph, "/reprojectedImage"), read);
   if (!reprojected.empty()) {
     return {std::move(reprojected), true};
   }
-  return {SmallImageOf(TextAt(photograph, "/path")), false};
+  return {SmallImageOf(TextAt(photograph, "/path"), read), false};
 }
 
 }  // namespace
 
-std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result) {
+std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result,
+                                      const ReadPicture& read) {
   std::vector<Thumbnail> thumbnails;
   for (const nlohmann::ordered_json& photograph : ValueAt(result, "/photographs")) {
-    thumbnails.push_back(ThumbnailOf(photograph));
+    thumbnails.push_back(ThumbnailOf(photograph, read));
   }
   return thumbnails;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,10 +15,15 @@ struct Thumbnail {
   bool isReprojected = false;  // of the reprojected image, which has the corners drawn in
 };
 
+/// Reads a picture that a result names: its bytes, empty if it must not be decoded or embedded. The
+/// result may be a stranger's, so the caller decides.
+using ReadPicture = std::function<std::string(const std::filesystem::path& file)>;
+
 /// One for each entry of `photographs`, in its order: of the reprojected image, or of the
 /// photograph if the entry names none or it cannot be read.
 /// @param result A result file.
-std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result);
+std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result,
+                                      const ReadPicture& read);
 
 /// Makes the objects that the image library otherwise makes when it first needs them: its codecs
 /// and its threads. At the end of the process, objects are destroyed in the reverse order.

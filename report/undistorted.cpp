@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include <nlohmann/json.hpp>
@@ -18,7 +16,6 @@ namespace trackedcam::report {
 namespace {
 
 using Json = nlohmann::ordered_json;
-namespace fs = std::filesystem;
 
 constexpr int kUndistortedWidth = 1000;  // pixels
 constexpr int kUndistortedQuality = 80;
@@ -88,14 +85,12 @@ std::optional<std::size_t> FarthestOut(const Json& photographs, const cv::Size& 
   return farthest;
 }
 
-cv::Mat Decoded(const std::string& path) {
-  const fs::path file = fs::u8path(path);
-  if (!fs::is_regular_file(file)) {
-    return {};
-  }
-  std::ifstream stream(file, std::ios::binary);
-  const std::vector<unsigned char> bytes(std::istreambuf_iterator<char>(stream), {});
-  return bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_COLOR);
+cv::Mat Decoded(const std::string& path, const ReadPicture& read) {
+  const std::string bytes = path.empty() ? path : read(std::filesystem::u8path(path));
+  return bytes.empty() ? cv::Mat()
+                       : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,
+                                              const_cast<char*>(bytes.data())),
+                                      cv::IMREAD_COLOR);
 }
 
 std::vector<std::array<double, 4>> LinesThrough(const std::vector<cv::Point2d>& corners,
@@ -116,9 +111,10 @@ std::vector<std::array<double, 4>> LinesThrough(const std::vector<cv::Point2d>& 
   return lines;
 }
 
-UndistortedPhotograph Made(const Json& result, const ImageLens& lens, std::size_t place) {
+UndistortedPhotograph Made(const Json& result, const ImageLens& lens, std::size_t place,
+                           const ReadPicture& read) {
   const Json& photograph = ValueAt(result, At("/photographs", place));
-  const cv::Mat image = Decoded(TextAt(photograph, "/path"));
+  const cv::Mat image = Decoded(TextAt(photograph, "/path"), read);
   UndistortedPhotograph made;
   if (image.size() != lens.size) {
     return made;
@@ -148,12 +144,12 @@ UndistortedPhotograph Made(const Json& result, const ImageLens& lens, std::size_
 
 }  // namespace
 
-UndistortedPhotograph MakeUndistorted(const Json& result) {
+UndistortedPhotograph MakeUndistorted(const Json& result, const ReadPicture& read) {
   try {
     const std::optional<ImageLens> lens = LensOf(result);
     const auto place = lens ? FarthestOut(ValueAt(result, "/photographs"), lens->size)
                             : std::optional<std::size_t>();
-    return place ? Made(result, *lens, *place) : UndistortedPhotograph();
+    return place ? Made(result, *lens, *place, read) : UndistortedPhotograph();
   } catch (const std::exception&) {
     return {};  // a page does without it
   }

@@ -7,6 +7,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "report/thumbnails.h"
+
 namespace trackedcam::report {
 
 /// A photograph without the distortion of the lens found, to embed into a page.
@@ -22,6 +24,7 @@ struct UndistortedPhotograph {
 /// Of the photograph in which the chart was seen nearest to a corner of the image, among those that
 /// were used.
 /// @param result A result file.
-UndistortedPhotograph MakeUndistorted(const nlohmann::ordered_json& result);
+UndistortedPhotograph MakeUndistorted(const nlohmann::ordered_json& result,
+                                      const ReadPicture& read);
 
 }  // namespace trackedcam::report

@@ -5,17 +5,23 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "simulator/shoot.h"
 
 namespace trackedcam::simulator {
 
-/// Writes photos/, tracker_data.csv, truth.json and shoot.toml. Creates the folder, and replaces
-/// the files of an earlier shoot in it.
+/// Writes photos/, tracker_data.csv, truth.json, shoot.toml and simulated.txt, the list of the
+/// others with a hash of each. Creates the folder, and replaces the files of an earlier shoot in
+/// it; other names of such a file, by hard links, keep its content.
 /// @param progress Called after each photograph with the number written and the number of all.
 /// @throws std::runtime_error or std::filesystem::filesystem_error if something cannot be written.
 void WriteShoot(const Shoot& shoot, const std::filesystem::path& folder,
                 const std::function<void(int done, int all)>& progress = {});
+
+/// The files in the folder of a simulated shoot that have the names of simulated files but not
+/// their content, such as own rows in tracker_data.csv. All, if there is no simulated.txt.
+std::vector<std::string> ChangedFiles(const std::filesystem::path& folder);
 
 /// The tracker data file: a header, then one row for each photograph: time (seconds), path, and for
 /// Tc, then Tr, the position (metres) and the quaternion w, x, y, z in frame Base.

@@ -20,6 +20,7 @@
 #include "app/terminal/summary.h"
 #include "host/calibrate.h"
 #include "host/input/continued_data.h"
+#include "host/input/photograph_file.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/silenced_stdout.h"
@@ -139,8 +140,8 @@ struct WrittenFiles {
 fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
                const std::function<std::string()>& content) {
   try {
-    host::WriteFile(file, content());
-    return file;
+    WriteOutput(file, content());
+    return IsStandardOutput(file) ? fs::path() : file;
   } catch (const std::exception& error) {
     (isNamed ? written.errors : written.warnings).emplace_back(error.what());
     return {};
@@ -162,22 +163,28 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(result, report::MakeThumbnails(result), page.parent_path(),
-                          report::MakeUndistorted(result));
+      return report::Page(result, report::MakeThumbnails(result, host::ReadPhotograph),
+                          page.parent_path(),
+                          report::MakeUndistorted(result, host::ReadPhotograph));
     });
   }
   return written;
 }
 
+// The file that further commands read.
+fs::path ResultFileOf(const CalibrateOptions& options, const host::Report& report) {
+  return IsStandardOutput(options.result) ? report.run.folder / "result.json" : options.result;
+}
+
 // False if an export failed.
-bool PrintExports(const host::Report& report) {
+bool PrintExports(std::ostream& out, const host::Report& report) {
   bool isDone = true;
   for (const host::EngineExport& engineExport : report.exports) {
-    std::cout << '\n';
-    PrintEngineExport(std::cout, engineExport);
+    out << '\n';
+    PrintEngineExport(out, engineExport);
     isDone = isDone && engineExport.code == 0;
   }
-  std::cout.flush();
+  out.flush();
   for (const host::EngineExport& engineExport : report.exports) {
     PrintProblem(std::cerr, engineExport);
   }
@@ -204,14 +211,16 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (auto next = NextCalibrations(commandLine, report.verdict); !next.empty()) {
     report.verdict.commands = std::move(next);
   } else if (report.verdict.level == host::Level::kGood && !options.result.empty()) {
-    report.verdict.commands = ExportCommands(options.result, options.exports, options.parentAxes);
+    report.verdict.commands =
+        ExportCommands(ResultFileOf(options, report), options.exports, options.parentAxes);
   }
   const WrittenFiles written = WriteFiles(options, report);
-  PrintSummary(std::cout, report, truth ? &*truth : nullptr, written.page);
+  std::ostream& out = TextBeside(options.result);
+  PrintSummary(out, report, truth ? &*truth : nullptr, written.page);
   if (!written.result.empty()) {
-    std::cout << "Result: " << written.result.u8string() << '\n';
+    out << "Result: " << written.result.u8string() << '\n';
   }
-  std::cout.flush();
+  out.flush();
   PrintWarning(std::cerr, report);
   for (const std::string& warning : written.warnings) {
     std::cerr << "trackedcam: warning: " << warning << '\n';
@@ -222,7 +231,7 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (!options.exports.empty() && IsRefused(options, report)) {
     std::cerr << "trackedcam: error: " << host::NotExportedText("--even-if-wrong") << '\n';
   }
-  const bool isExported = PrintExports(report);
+  const bool isExported = PrintExports(out, report);
   const int status = ExitStatus(report);
   return status == 0 && !(isExported && written.errors.empty()) ? 1 : status;
 }
@@ -307,7 +316,9 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
           "Folder for logs and reprojected images; each\nrun creates a subfolder")
       ->required()
       ->group("Output");
-  AddPath(command, "--result", options.result, "FILE.json", "Result file with all values as JSON")
+  AddOutput(command, "--result", options.result, "FILE.json",
+            "Result file with all values as JSON; - is\nstandard output, and the summary goes to\n"
+            "standard error")
       ->group("Output");
   CLI::Option* report =
       AddPath(command, "--report", options.report, "FILE.html",

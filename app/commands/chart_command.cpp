@@ -32,6 +32,9 @@ struct ChartOptions {
 };
 
 ChartFormat FormatOf(const std::filesystem::path& out) {
+  if (IsStandardOutput(out)) {
+    return ChartFormat::kPdf;
+  }
   const std::string extension = CLI::detail::to_lower(out.extension().u8string());
   if (extension != ".pdf" && extension != ".svg") {
     throw CLI::ValidationError("--out", out.u8string() + " does not end in .pdf or .svg");
@@ -63,16 +66,16 @@ void WriteChart(const ChartOptions& options, const std::filesystem::path& config
   const ChartFormat format = FormatOf(options.out);
   RequireFit(options.chart);
   PrepareOutputFile({"--out", options.out, "a chart of trackedcam", IsChart}, {configFile});
-  host::WriteFile(options.out, DrawChart(options.chart, format));
+  WriteOutput(options.out, DrawChart(options.chart, format));
   const auto& board = options.chart.board;
   const std::string ruler = MillimetresText(RulerLength(board, options.chart.square));
-  std::cout << "Wrote " << options.out.u8string() << '\n'
-            << "Next: print it at 100 % and measure its ruler. If it is " << ruler
-            << " mm long, calibrate with\n"
-            << "      " << BoardOptions(options.chart) << '\n'
-            << "      Otherwise get the true square with the measured length:\n"
-            << "      trackedcam chart " << BoardOptions(options.chart) << " --ruler-measured "
-            << ruler << "mm\n";
+  TextBeside(options.out) << "Wrote " << options.out.u8string() << '\n'
+                          << "Next: print it at 100 % and measure its ruler. If it is " << ruler
+                          << " mm long, calibrate with\n"
+                          << "      " << BoardOptions(options.chart) << '\n'
+                          << "      Otherwise get the true square with the measured length:\n"
+                          << "      trackedcam chart " << BoardOptions(options.chart)
+                          << " --ruler-measured " << ruler << "mm\n";
 }
 
 // The squares have the same scale error as the ruler.
@@ -110,9 +113,9 @@ void AddChartCommand(CLI::App& program, int& status) {
   CLI::Option* paper =
       AddValue(command, "--paper", options->chart.paper, ParsePaper, "NAME",
                "Paper: A0 to A4, Letter or Tabloid (required\nunless --ruler-measured is given)");
-  CLI::Option* out =
-      AddPath(command, "--out", options->out, "FILE",
-              "File for the chart, .pdf or .svg (required\nunless --ruler-measured is given)");
+  CLI::Option* out = AddOutput(command, "--out", options->out, "FILE",
+                               "File for the chart, .pdf or .svg; - is a PDF\non standard output "
+                               "(required unless\n--ruler-measured is given)");
   AddValue(command, "--ruler-measured", options->rulerMetres, ParseLength, "LENGTH",
            "Length of the printed ruler, such as 299.2mm:\nprints the true square, draws nothing")
       ->excludes(paper)

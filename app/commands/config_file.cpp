@@ -80,8 +80,8 @@ void SetDefaults(CLI::App& program, const fs::path& path) {
       if (option == nullptr) {
         Reject("there is no option " + name + " (" + given.place + ")");
       }
-      const std::string text =
-          IsPath(*option) ? PathsText(*option, given, name, folder) : given.value;
+      const bool isPath = IsPath(*option) && given.value != "-";  // standard output
+      const std::string text = isPath ? PathsText(*option, given, name, folder) : given.value;
       SetDefault(*option, text);
       if (section.name == "calibrate") {
         SetSameDefault(program, option->get_name(), text);

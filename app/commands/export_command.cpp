@@ -103,7 +103,11 @@ void RequireFit(const ExportOptions& options) {
     if (format.engine != nullptr && !IsUnreal(format)) {
       RejectOption("--out", "is not for " + NameOf(format) + ": type in the values, or use --json");
     }
-    RequireEnding(options);
+    if (!IsStandardOutput(options.out)) {
+      RequireEnding(options);
+    } else if (IsStMap(format)) {
+      RejectOption("--out", "names two files for stmap, so it cannot be standard output");
+    }
   }
 }
 
@@ -136,8 +140,10 @@ void PrepareOutputs(const ExportOptions& options, const fs::path& configFile) {
 }
 
 void Write(const fs::path& file, const std::string& content) {
-  host::WriteFile(file, content);
-  std::cerr << "Wrote " << file.u8string() << '\n';
+  WriteOutput(file, content);
+  if (!IsStandardOutput(file)) {
+    std::cerr << "Wrote " << file.u8string() << '\n';
+  }
 }
 
 host::EngineExport RunExport(const ExportOptions& options, const host::ExportInput& input) {
@@ -153,12 +159,13 @@ host::EngineExport RunExport(const ExportOptions& options, const host::ExportInp
 
 int ExportToEngine(const ExportOptions& options, const host::ExportInput& input) {
   const host::EngineExport engineExport = RunExport(options, input);
+  std::ostream& out = TextBeside(options.out);
   if (options.json) {
-    std::cout << host::JsonText(host::EngineJson(engineExport));
+    out << host::JsonText(host::EngineJson(engineExport));
   } else {
-    PrintEngineExport(std::cout, engineExport);
+    PrintEngineExport(out, engineExport);
   }
-  std::cout.flush();
+  out.flush();
   PrintProblem(std::cerr, engineExport);
   if (!options.out.empty() && engineExport.values.unreal) {
     Write(options.out, host::LensFileText(*engineExport.values.unreal,
@@ -180,7 +187,7 @@ int ExportToFile(const ExportOptions& options, const host::ExportInput& input) {
   const host::LensFileFormat& format = *options.format.file;
   const std::vector<host::LensFile> files = format.write(input, options.file);
   if (options.json) {
-    std::cout << host::JsonText(host::LensFileJson(format, input, options.file));
+    TextBeside(options.out) << host::JsonText(host::LensFileJson(format, input, options.file));
   } else if (!format.isText) {
     const host::LensModel lens = host::LensModelOf(input.calibration);
     PrintStMaps(lens, host::UndistortedSize(lens, options.file.overscan));
@@ -238,7 +245,8 @@ void AddExportCommand(CLI::App& program, int& status) {
           "--parent-axes", options->parentAxes,
           "Axes of the camera's parent in unreal, unity\nor opentrackio (default: z-forward)")
       ->type_name("X,Y,Z");
-  AddPath(command, "--out", options->out, "FILE", "File to write; for unreal a Lens File, .ulens");
+  AddOutput(command, "--out", options->out, "FILE",
+            "File to write; for unreal a Lens File, .ulens;\n- is standard output");
   command.add_flag("--nodal-offset", options->hasNodalOffset,
                    "For unreal: the pose in the Lens File too, for\na camera that the tracker "
                    "moves itself");

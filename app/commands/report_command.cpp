@@ -1,8 +1,13 @@
 #include "app/commands/report_command.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <set>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -10,6 +15,7 @@
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
 #include "host/input/inputs.h"
+#include "host/input/photograph_file.h"
 #include "host/result/result_file.h"
 #include "host/text/files.h"
 #include "report/page.h"
@@ -32,20 +38,76 @@ struct ReportOptions {
   fs::path out;
 };
 
+/// Reads the pictures that a result names. The result may be a stranger's, and the page is made to
+/// be passed on, so only pictures of the shoot are embedded: those beside or below the result file,
+/// the log of the run or the tracker data.
+class PicturesOfShoot {
+ public:
+  PicturesOfShoot(const fs::path& resultFile, const nlohmann::ordered_json& result) {
+    AddFolderOf(resultFile);
+    for (const char* name : {"/log", "/inputs/data"}) {
+      const nlohmann::ordered_json::json_pointer pointer(name);
+      if (result.is_object() && result.contains(pointer) && result[pointer].is_string()) {
+        AddFolderOf(fs::u8path(result[pointer].get<std::string>()));
+      }
+    }
+  }
+
+  std::string Read(const fs::path& file) {
+    std::error_code error;
+    const fs::path real = fs::canonical(file, error);
+    if (error) {
+      return {};
+    }
+    for (const fs::path& folder : folders_) {
+      if (std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first ==
+          folder.end()) {
+        return host::ReadPhotograph(real);
+      }
+    }
+    outside_.insert(file);
+    return {};
+  }
+
+  std::size_t Outside() const { return outside_.size(); }
+
+ private:
+  // Of a file that exists, and not everything below the root.
+  void AddFolderOf(const fs::path& file) {
+    std::error_code error;
+    const fs::path folder = fs::canonical(file, error).parent_path();
+    if (!error && folder.has_relative_path() && fs::is_regular_file(file, error)) {
+      folders_.push_back(folder);
+    }
+  }
+
+  std::vector<fs::path> folders_;  // without links
+  std::set<fs::path> outside_;
+};
+
 void WriteReport(const ReportOptions& options, const fs::path& configFile) {
   PrepareOutputFile({"--out", options.out, "a report page of trackedcam", host::IsReportPage},
                     {options.result, configFile});
   std::string page;
+  std::size_t outside = 0;
   try {
     const auto result = host::ReadJson<nlohmann::ordered_json>(options.result);
-    page = report::Page(result, report::MakeThumbnails(result), options.out.parent_path(),
-                        report::MakeUndistorted(result));
+    PicturesOfShoot pictures(options.result, result);
+    const auto read = [&](const fs::path& file) { return pictures.Read(file); };
+    page = report::Page(result, report::MakeThumbnails(result, read), options.out.parent_path(),
+                        report::MakeUndistorted(result, read));
+    outside = pictures.Outside();
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
                            " is not a result file of trackedcam: " + error.what());
   }
-  host::WriteFile(options.out, page);
-  std::cout << "Report: " << options.out.u8string() << '\n';
+  WriteOutput(options.out, page);
+  TextBeside(options.out) << "Report: " << options.out.u8string() << '\n';
+  if (outside > 0) {
+    std::cerr << "trackedcam: warning: pictures that the page does not show, because they are not "
+                 "below the folder of the result, of its log or of its tracker data: "
+              << outside << '\n';
+  }
 }
 
 }  // namespace
@@ -57,7 +119,9 @@ void AddReportCommand(CLI::App& program, int& status) {
   AddPath(command, "--result", options->result, "FILE.json", "Result file of trackedcam calibrate")
       ->required()
       ->check(RequireFile);
-  AddPath(command, "--out", options->out, "FILE.html", "File for the report page")->required();
+  AddOutput(command, "--out", options->out, "FILE.html",
+            "File for the report page; - is standard output")
+      ->required();
   command.callback([options, &program, &status] {
     WriteReport(*options, ConfigFile(program));
     status = 0;

@@ -184,8 +184,9 @@ constexpr const char* kSimulateFooter = R"(Examples:
       --tracker-noise-mm 0.5
   trackedcam calibrate --config shoot/shoot.toml
 
-The folder gets photos/, tracker_data.csv, truth.json and shoot.toml. An earlier
-simulated shoot in it is replaced; any other file is refused without --force.
+The folder gets photos/, tracker_data.csv, truth.json, shoot.toml and
+simulated.txt, a list of the others. An earlier simulated shoot in it is
+replaced; any other or changed file is refused without --force.
 
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
@@ -200,6 +201,18 @@ simulator::Shoot Simulate(const SimulateOptions& options) {
     return simulator::SimulateShoot(shoot);
   } catch (const std::invalid_argument& error) {
     throw CLI::ValidationError(error.what());
+  }
+}
+
+// Own rows or pictures under the names of simulated ones.
+void RequireUnchanged(const fs::path& folder) {
+  const std::vector<std::string> changed = simulator::ChangedFiles(folder);
+  if (!changed.empty()) {
+    const std::string others =
+        changed.size() == 1 ? "" : " and " + std::to_string(changed.size() - 1) + " more";
+    throw CLI::ValidationError("FOLDER", folder.u8string() + " has " + changed.front() + others +
+                                             ", not as it was simulated; name another folder, or "
+                                             "write into it with --force");
   }
 }
 
@@ -244,6 +257,7 @@ void AddSimulateCommand(CLI::App& program, int& status) {
     const simulator::Shoot shoot = Simulate(*options);
     if (!options->force) {
       RequireShootFolder(options->folder);
+      RequireUnchanged(options->folder);
     }
     Write(shoot, options->folder);
     std::cout << "Wrote a shoot of " << shoot.photographs.size() << " photographs to "

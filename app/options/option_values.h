@@ -73,6 +73,18 @@ inline CLI::Option* AddPath(CLI::App& command, const std::string& name, std::fil
   return command.add_option_function<std::string>(name, store, description)->type_name(form);
 }
 
+/// The path of a file that is written; "-" is standard output.
+inline CLI::Option* AddOutput(CLI::App& command, const std::string& name,
+                              std::filesystem::path& path, const std::string& form,
+                              const std::string& description) {
+  const auto store = [&path](const std::string& text) {
+    path = text == "-"
+               ? std::filesystem::path(text)
+               : std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
+  };
+  return command.add_option_function<std::string>(name, store, description)->type_name(form);
+}
+
 inline bool IsPath(const CLI::Option& option) {
   const std::string form = option.get_type_name();
   return form.rfind("FILE", 0) == 0 || form.rfind("FOLDER", 0) == 0;

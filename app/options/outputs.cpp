@@ -1,12 +1,18 @@
 #include "app/options/outputs.h"
 
+#include <cstdio>
+#include <iostream>
 #include <set>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
 #include <CLI/CLI.hpp>
 
+#include "app/platform.h"
+#include "app/terminal/output.h"
 #include "host/result/result_file.h"
+#include "host/text/files.h"
 
 namespace trackedcam::app {
 namespace {
@@ -53,10 +59,13 @@ bool IsSimulatedShoot(const fs::path& folder) {
          host::IsTruthFile(folder / "truth.json");
 }
 
+constexpr const char* kPartOfSimulate = ".simulated.part";  // left if simulate is stopped
+
 // Written by simulate or calibrate. A link is not: its target is elsewhere.
 bool IsPartOfShoot(const fs::path& path) {
-  static const std::set<std::string> kNames = {"photos", "tracker_data.csv", "truth.json",
-                                               "shoot.toml", "log"};
+  static const std::set<std::string> kNames = {
+      "photos", "tracker_data.csv", "truth.json",   "shoot.toml",
+      "log",    kPartOfSimulate,    "simulated.txt"};
   const std::string name = path.filename().u8string();
   return !fs::is_symlink(path) &&
          (kNames.count(name) > 0 || IsNumbered(name, "run_", "") || host::IsResultFile(path) ||
@@ -64,7 +73,8 @@ bool IsPartOfShoot(const fs::path& path) {
 }
 
 bool IsPhotographOfShoot(const fs::path& path) {
-  return !fs::is_symlink(path) && IsNumbered(path.filename().u8string(), "img_", ".jpg");
+  const std::string name = path.filename().u8string();
+  return !fs::is_symlink(path) && (IsNumbered(name, "img_", ".jpg") || name == kPartOfSimulate);
 }
 
 void RequireAll(const fs::path& folder, bool (*isPart)(const fs::path& path)) {
@@ -78,22 +88,46 @@ void RequireAll(const fs::path& folder, bool (*isPart)(const fs::path& path)) {
 
 }  // namespace
 
+bool IsStandardOutput(const fs::path& file) {
+  return file == "-";
+}
+
+void WriteOutput(const fs::path& file, const std::string& content) {
+  if (!IsStandardOutput(file)) {
+    host::WriteFile(file, content);
+    return;
+  }
+  std::cout.flush();
+  const BinaryOutput binary(stdout);
+  std::ostream plain(PlainOutput(std::cout));
+  plain.write(content.data(), static_cast<std::streamsize>(content.size())).flush();
+  if (!plain) {
+    throw std::runtime_error("cannot write to standard output");
+  }
+}
+
+std::ostream& TextBeside(const fs::path& file) {
+  return IsStandardOutput(file) ? std::cerr : std::cout;
+}
+
 void PrepareOutputFile(const OutputFile& output, const std::vector<fs::path>& inputs) {
   const fs::path& file = output.file;
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (fs::is_directory(status)) {
-    Reject(output, "is a folder, not a file");
-  }
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    Reject(output, "is not a regular file");
-  }
   for (const fs::path& input : inputs) {
     if (!input.empty() && IsSameFile(file, input)) {
       Reject(output, "would be overwritten, but it is an input: name another file");
     }
   }
-  if (fs::is_regular_file(status) && fs::file_size(file, error) != 0 && !output.isOfKind(file)) {
+  if (IsStandardOutput(file)) {
+    return;
+  }
+  try {
+    host::OutputTarget(file);
+  } catch (const std::exception& refusal) {
+    throw CLI::ValidationError(output.option, refusal.what());
+  }
+  std::error_code error;
+  if (fs::is_regular_file(file, error) && fs::file_size(file, error) != 0 &&
+      !output.isOfKind(file)) {
     Reject(output, std::string("exists and is not ") + output.kind +
                        ": name another file, or delete it first");
   }

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,19 @@ struct OutputFile {
 /// empty.
 /// @param inputs The files that the command reads.
 /// @throws CLI::ValidationError if the path is that of an input, a folder, a device or a file of
-///         another kind, or if the folder cannot be created.
+///         another kind, is protected against writing, or if the folder cannot be created.
+///         Standard output is always allowed.
 void PrepareOutputFile(const OutputFile& output, const std::vector<std::filesystem::path>& inputs);
+
+/// Whether an output option is "-".
+bool IsStandardOutput(const std::filesystem::path& file);
+
+/// Writes the file, or its bytes to standard output for "-".
+/// @throws std::runtime_error
+void WriteOutput(const std::filesystem::path& file, const std::string& content);
+
+/// Where text for the user goes: standard output, or standard error if that gets the file.
+std::ostream& TextBeside(const std::filesystem::path& file);
 
 /// Creates the folder of an option, and those above it.
 /// @throws CLI::ValidationError

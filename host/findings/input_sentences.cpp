@@ -199,6 +199,12 @@ Sentences InputWriter::operator()(const PhotographFault& fault) const {
     case PhotographFault::Kind::kUnreadable:
       return {"unreadablePhotographs", "Photographs are empty or cannot be read: " + names + '.',
               "Copy them again."};
+    case PhotographFault::Kind::kCostly:
+      return {"costlyPhotograph",
+              "Photographs that would take too much memory or time to decode are left out: " +
+                  names + '.',
+              "Save them again, as JPEG or PNG: a file has many times the bytes of its pixels, or "
+              "a JPEG more than 64 scans."};
     case PhotographFault::Kind::kOtherFormat:
       return {"otherFormat", "Images of an unsupported format are left out: " + names + '.',
               kFormats};

@@ -177,6 +177,25 @@ Header JpegHeader(const ReadBytes& read) {
   return std::nullopt;
 }
 
+// The offset of the marker that ends the pixels of a scan.
+std::uint64_t EndOfScan(const ReadBytes& read, std::uint64_t offset) {
+  constexpr std::size_t kPiece = 1 << 20;
+  while (true) {
+    const std::string bytes = read(offset, kPiece);
+    for (std::size_t i = 0; i + 1 < bytes.size(); ++i) {
+      const auto next = static_cast<unsigned char>(bytes[i + 1]);
+      const bool isRestart = next >= 0xD0 && next <= 0xD7;
+      if (bytes[i] == '\xFF' && next != 0 && next != 0xFF && !isRestart) {
+        return offset + i;
+      }
+    }
+    if (bytes.size() < kPiece) {
+      return offset + bytes.size();
+    }
+    offset += kPiece - 1;  // a marker may be in two pieces
+  }
+}
+
 Header PngHeader(const ReadBytes& read) {
   const std::string begin = read(0, 24);
   if (begin.size() < 24 || Part(begin, 12, 4) != "IHDR") {
@@ -324,6 +343,36 @@ Header ReadPhotographHeader(const ReadBytes& read) {
   return TiffHeader(read);
 }
 
+bool HasMoreScans(const ReadBytes& read, int most) {
+  constexpr int kMostMarkers = 10000;
+  constexpr std::uint64_t kEnd = 0xD9;
+  int scans = 0;
+  std::uint64_t offset = 2;
+  for (int i = 0; i < kMostMarkers; ++i) {
+    const std::string bytes = read(offset, 4);
+    if (bytes.size() < 4) {
+      return false;
+    }
+    const std::uint64_t marker = BigEndian(Part(bytes, 1, 1));
+    if (bytes[0] != '\xFF' || marker == 0xFF || marker == 0) {  // filling bytes
+      offset = EndOfScan(read, offset + (bytes[0] == '\xFF' && marker == 0 ? 1 : 0));
+    } else if (marker == kEnd) {
+      return false;
+    } else if (StandsAlone(marker)) {
+      offset += 2;
+    } else {
+      offset += 2 + BigEndian(Part(bytes, 2, 2));
+      if (marker == 0xDA) {
+        if (++scans > most) {
+          return true;
+        }
+        offset = EndOfScan(read, offset);
+      }
+    }
+  }
+  return true;  // no camera writes so many parts
+}
+
 Header ParsePhotographHeader(std::string_view bytes) {
   return ReadPhotographHeader([&](std::uint64_t offset, std::size_t count) {
     return offset < bytes.size() ? std::string(bytes.substr(offset, count)) : std::string();
@@ -356,6 +405,10 @@ FileKind KindOfFile(const std::filesystem::path& file) {
 
 Header ReadPhotographHeader(const std::filesystem::path& file) {
   return OfFile(file, [](const ReadBytes& read) { return ReadPhotographHeader(read); });
+}
+
+bool HasMoreScans(const std::filesystem::path& file, int most) {
+  return OfFile(file, [&](const ReadBytes& read) { return HasMoreScans(read, most); });
 }
 
 bool IsCompleteImage(const std::filesystem::path& file) {

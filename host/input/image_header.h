@@ -36,6 +36,11 @@ std::optional<PhotographHeader> ParsePhotographHeader(std::string_view bytes);
 /// The same for a file. Nothing if it is not a regular file: a pipe is never opened.
 std::optional<PhotographHeader> ReadPhotographHeader(const std::filesystem::path& file);
 
+/// Whether a JPEG has more scans than `most`: passes over the image, of which a progressive one has
+/// several. Reads the file up to there, in pieces.
+bool HasMoreScans(const ReadBytes& read, int most);
+bool HasMoreScans(const std::filesystem::path& file, int most);
+
 /// What the first bytes of a file look like.
 enum class FileKind {
   kText,          // no image that a decoder accepts

@@ -14,6 +14,7 @@
 
 #include "host/input/data_file.h"
 #include "host/input/image_header.h"
+#include "host/input/photograph_file.h"
 #include "host/text/text.h"
 
 namespace trackedcam::host {
@@ -64,9 +65,6 @@ fs::path FolderWith(const std::string& name, const std::vector<fs::path>& folder
   return {};
 }
 
-constexpr std::uint64_t kMostPixels = 200000000;
-constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
-
 // Further rows without a photograph are not given to the library: it logs two lines for each.
 constexpr std::size_t kMostMissing = 10000;
 constexpr double kAspectTolerance = 0.01;
@@ -85,17 +83,12 @@ struct Image {
 };
 
 struct Sorted {
-  Names missing, noFile, unreadable, unknown, otherFormat;
+  Names missing, noFile, unreadable, unknown, otherFormat, costly;
   std::vector<Image> huge;
   std::vector<Image> images;
   std::size_t without = 0;  // rows without an image
   std::size_t all = 0;
 };
-
-bool IsHuge(const PhotographHeader& header) {
-  return header.width > kMostPixels / header.height || header.width > kLongestSide ||
-         header.height > kLongestSide;
-}
 
 bool HasBytes(const fs::path& file) {
   std::error_code error;
@@ -147,6 +140,10 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
   }
   if (IsHuge(*header)) {
     sorted.huge.push_back({name, *header});
+    return false;
+  }
+  if (IsCostly(file, *header)) {
+    sorted.costly.push_back(name);
     return false;
   }
   sorted.images.push_back({name, *header});
@@ -232,6 +229,7 @@ void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& 
   add(Kind::kNotAFile, sorted.noFile, severity(sorted.noFile));
   Add(findings, severity(sorted.huge), HugePhotographs{StoredSizes(sorted.huge), 0, sorted.all},
       NamesOf(sorted.huge));
+  add(Kind::kCostly, sorted.costly, severity(sorted.costly));
   if (!sorted.missing.empty()) {
     MissingPhotographs missing = SearchFor(sorted.missing, inputs);
     missing.all = sorted.all;

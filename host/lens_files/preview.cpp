@@ -10,14 +10,14 @@
 
 #include "host/engines/origin.h"
 #include "host/input/image_header.h"
+#include "host/input/photograph_file.h"
 #include "host/lens_files/stmap.h"
-#include "host/text/files.h"
 
 namespace trackedcam::host {
 namespace {
 
 cv::Mat Decoded(const std::filesystem::path& photograph) {
-  const std::string bytes = ReadFile(photograph);
+  const std::string bytes = ReadPhotograph(photograph);
   try {
     return bytes.empty() ? cv::Mat()
                          : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,

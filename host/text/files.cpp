@@ -44,12 +44,35 @@ fs::path WriteBeside(const fs::path& file, const std::string& content, std::erro
   return {};
 }
 
-// Not a device, for example: renaming would replace it by a file.
-bool CanBeReplaced(const fs::path& file) {
+fs::path FolderOf(const fs::path& file) {
+  return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
+[[noreturn]] void RefuseOutput(const fs::path& file, const std::string& reason) {
+  throw std::runtime_error("cannot write " + file.u8string() + ": " + reason);
+}
+
+// Renaming replaces also a file that its owner protects, because it only changes the folder. Root
+// may write to any file, so the permissions of a file count for root too.
+bool IsProtected(const fs::path& file, const fs::file_status& status) {
+  constexpr fs::perms kAnyWrite =
+      fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  return (status.permissions() & kAnyWrite) == fs::perms::none || !MayWrite(file);
+}
+
+void RequireReplaceable(const fs::path& file) {
   std::error_code error;
-  const fs::file_type type = fs::symlink_status(file, error).type();
-  return type == fs::file_type::not_found || type == fs::file_type::regular ||
-         type == fs::file_type::symlink;
+  const fs::file_status status = fs::symlink_status(file, error);
+  if (status.type() == fs::file_type::directory) {
+    RefuseOutput(file, "it is a folder, not a file");
+  }
+  if (status.type() == fs::file_type::regular) {
+    if (IsProtected(file, status)) {
+      RefuseOutput(file, "it is protected against writing");
+    }
+  } else if (status.type() != fs::file_type::not_found) {
+    RefuseOutput(file, error ? error.message() : "it is not a regular file");
+  }
 }
 
 // While another process replaces or reads the same file, Windows refuses for a moment.
@@ -103,6 +126,10 @@ void RequireShallow(const std::string& text) {
 }  // namespace
 
 std::string ReadFile(const fs::path& file) {
+  std::error_code error;
+  if (!fs::is_regular_file(file, error)) {  // a device has no end, and a pipe may have no writer
+    throw std::runtime_error("cannot read " + file.u8string());
+  }
   std::ifstream stream(file, std::ios::binary);
   std::string content;
   std::string piece(65536, '\0');
@@ -110,29 +137,54 @@ std::string ReadFile(const fs::path& file) {
     stream.read(piece.data(), static_cast<std::streamsize>(piece.size()));
     content.append(piece, 0, static_cast<std::size_t>(stream.gcount()));
   }
-  if (!stream.eof() || fs::is_directory(file)) {
+  if (!stream.eof()) {
     throw std::runtime_error("cannot read " + file.u8string());
   }
   return content;
 }
 
+// One link after the other, because a folder of the system may be on the way: /dev/stdout is a link
+// to a file that the system may replace by a link to anything.
+fs::path OutputTarget(const fs::path& file) {
+  constexpr int kMostLinks = 40;
+  fs::path target = file;
+  std::error_code error;
+  for (int i = 0; i < kMostLinks; ++i) {
+    const fs::path folder = fs::weakly_canonical(fs::absolute(FolderOf(target)), error);
+    if (error) {
+      RefuseOutput(file, error.message());
+    }
+    if (IsSystemFolder(folder) || IsDevice(target)) {
+      RefuseOutput(file, "it is a file of the system");
+    }
+    if (!fs::is_symlink(target, error)) {
+      RequireReplaceable(target);
+      return target;
+    }
+    target = folder / fs::read_symlink(target, error);
+    if (error) {
+      RefuseOutput(file, error.message());
+    }
+  }
+  RefuseOutput(file, "its links lead in a circle");
+}
+
 void WriteFile(const fs::path& file, const std::string& content) {
-  std::error_code error = std::make_error_code(std::errc::invalid_argument);
-  if (CanBeReplaced(file)) {
-    const fs::path beside = WriteBeside(file, content, error);
-    if (!error) {
-      KeepPermissions(file, beside);
-      error = Replace(file, beside);
-      if (error) {
-        std::error_code ignored;
-        fs::remove(beside, ignored);
-      }
+  const fs::path target = OutputTarget(file);
+  std::error_code error;
+  const fs::path beside = WriteBeside(target, content, error);
+  if (!error) {
+    KeepPermissions(target, beside);
+    error = Replace(target, beside);
+    if (error) {
+      std::error_code ignored;
+      fs::remove(beside, ignored);
     }
   }
   if (error) {
-    throw std::runtime_error("cannot write " + file.u8string() + ": " + error.message());
+    RefuseOutput(file, error.message());
   }
-  FlushFolder(file.parent_path());
+  FlushFolder(target.parent_path());
 }
 
 template <class Parsed>

@@ -11,13 +11,18 @@
 
 namespace trackedcam::host {
 
-/// @throws std::runtime_error if the file cannot be read.
+/// @throws std::runtime_error if it is not a regular file or cannot be read.
 std::string ReadFile(const std::filesystem::path& file);
+
+/// The file that a path leads to, also one that does not exist yet: links stay what they are.
+/// @throws std::runtime_error if nothing may be written there: the path leads to a folder, a device
+///         or another file of the system, a file that is protected against writing, or in a circle.
+std::filesystem::path OutputTarget(const std::filesystem::path& file);
 
 /// Replaces a file in one step: a reader sees either the old content or the new one, also if the
 /// process or the machine stops at any moment. After an error the old file is unchanged. The new
-/// file keeps the permissions of the old one. If the path is a link, the link is replaced.
-/// @throws std::runtime_error if the file cannot be written, or if the path is not that of a file.
+/// file keeps the permissions of the old one. If the path is a link, its target is replaced.
+/// @throws std::runtime_error if the file cannot be written, as OutputTarget.
 void WriteFile(const std::filesystem::path& file, const std::string& content);
 
 // JSON.

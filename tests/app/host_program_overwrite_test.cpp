@@ -1,6 +1,7 @@
 // No command overwrites an input or a file of another kind.
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "host_program.h"
 
@@ -10,6 +11,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class HostProgramOverwrite : public testing::Test {
  protected:
@@ -84,6 +86,43 @@ TEST_F(HostProgramOverwrite, WhatIsTheirOwnTheyReplace) {
   EXPECT_EQ(Run(lens).status, 0) << "the second time over the first";
 }
 
+TEST_F(HostProgramOverwrite, AHyphenIsStandardOutput) {
+  ProgramRun run = Run({"calibrate", "--config", "shoot/shoot.toml", "--result", "-"});
+  EXPECT_THAT(run.error, HasSubstr("Result"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "-"));
+  EXPECT_FALSE(fs::exists(folder.Path() / "shoot" / "-"));
+  const std::string file = folder.File("shoot/log/run_001/result.json");
+  EXPECT_EQ(test::ReadText(file), run.out);
+
+  run = Run({"report", "--result", file, "--out", "-"});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.out, StartsWith("<!doctype html>"));
+  run = Run({"export", "unreal", "--result", file, "--out", "-", "--even-if-wrong"});
+  EXPECT_EQ(nlohmann::json::parse(run.out)["metadata"]["type"], "LensFile");
+  EXPECT_EQ(Run({"export", "stmap", "--result", file, "--out", "-"}).status, 2);
+}
+
+TEST_F(HostProgramOverwrite, ReportShowsPicturesOfTheShootOnly) {
+  Run({"calibrate", "--config", "shoot/shoot.toml"});
+  auto result = nlohmann::json::parse(Read("shoot/result.json"));
+  fs::copy_file(folder.Path() / "shoot" / "photos" / "img_000.jpg", folder.Path() / "secret.jpg");
+  result["photographs"][0]["reprojectedImage"] = nullptr;
+  const auto write = [&](const std::string& picture) {
+    result["photographs"][0]["path"] = picture;
+    test::WriteFile(folder.File("shoot/changed.json"), result.dump());
+    return Run({"report", "--result", "shoot/changed.json", "--out", "page.html"});
+  };
+  const ProgramRun own = write(folder.File("shoot/photos/img_001.jpg"));
+  EXPECT_EQ(own.error, "");
+  const std::size_t whole = Read("page.html").size();
+  for (const std::string name : {"secret.jpg", "shoot/../secret.jpg"}) {
+    const ProgramRun foreign = write(folder.File(name));
+    EXPECT_EQ(foreign.status, 0);
+    EXPECT_THAT(foreign.error, HasSubstr("pictures that the page does not show"));
+    EXPECT_LT(Read("page.html").size(), whole - 1000) << name;
+  }
+}
+
 TEST_F(HostProgramOverwrite, ReportAndExportKeepWhatIsNotTheirOwn) {
   Run({"calibrate", "--config", "shoot/shoot.toml"});
   ASSERT_TRUE(fs::exists(folder.Path() / "shoot" / "result.json"));
@@ -106,6 +145,16 @@ TEST_F(HostProgramOverwrite, SimulateReplacesASimulatedShootAlone) {
   const ProgramRun foreign = Run({"simulate", "shoot"});
   EXPECT_EQ(foreign.status, 2);
   EXPECT_THAT(foreign.error, AllOf(HasSubstr("notes.txt"), HasSubstr("--force")));
+}
+
+TEST_F(HostProgramOverwrite, SimulateKeepsWhatWasChanged) {
+  const std::string own = Read("shoot/tracker_data.csv") + "own row\n";
+  test::WriteFile(folder.File("shoot/tracker_data.csv"), own);
+  ExpectRefused("shoot/tracker_data.csv", {"simulate", "shoot"},
+                "has tracker_data.csv, not as it was simulated");
+  EXPECT_EQ(
+      Run({"simulate", "shoot", "--photographs", "12", "--image", "320x180", "--force"}).status, 0);
+  EXPECT_NE(Read("shoot/tracker_data.csv"), own);
 }
 
 TEST_F(HostProgramOverwrite, SimulateKeepsARealShoot) {

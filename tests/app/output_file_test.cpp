@@ -60,8 +60,22 @@ TEST_F(OutputFileTest, IsNoFileOfAnotherKind) {
 TEST_F(OutputFileTest, IsNoFolderAndNoPipe) {
   EXPECT_THAT(Refusal(folder.Path()), HasSubstr("is a folder, not a file"));
   if (test::MakePipe(folder.Path() / "pipe")) {
-    EXPECT_THAT(RefusalOf("pipe"), HasSubstr("pipe is not a regular file"));
+    EXPECT_THAT(RefusalOf("pipe"), HasSubstr("pipe: it is not a regular file"));
   }
+}
+
+TEST_F(OutputFileTest, IsNoneOfTheSystem) {
+  for (const fs::path& path : test::SystemFiles()) {
+    EXPECT_THAT(Refusal(path), HasSubstr("it is a file of the system")) << path;
+  }
+}
+
+TEST_F(OutputFileTest, IsNotProtected) {
+  test::WriteFile(folder.File("old"), "note");
+  const auto anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  fs::permissions(folder.Path() / "old", anyWrite, fs::perm_options::remove);
+  EXPECT_THAT(RefusalOf("old"), HasSubstr("it is protected against writing"));
+  fs::permissions(folder.Path() / "old", fs::perms::owner_write, fs::perm_options::add);
 }
 
 TEST_F(OutputFileTest, IsNoInputByAnyName) {

@@ -285,6 +285,7 @@ TEST_F(WrongUse, OfTheCrossCheck) {
   settings.struct_size = 1;
   EXPECT_INVALID(trackedcam_crosscheck("a", &settings, &report));
   EXPECT_EQ(trackedcam_crosscheck("missing.txt", nullptr, &report), TRACKEDCAM_BAD_INPUT);
+  EXPECT_EQ(trackedcam_crosscheck("/dev/zero", nullptr, &report), TRACKEDCAM_BAD_INPUT);
   EXPECT_EQ(trackedcam_crosscheck(SimulatedShoot::Get().DataFile().c_str(), nullptr, &report),
             TRACKEDCAM_BAD_INPUT);
   EXPECT_THAT(trackedcam_last_error(), HasSubstr("is not the log of a calibration"));

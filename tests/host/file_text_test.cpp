@@ -66,16 +66,52 @@ TEST_F(FileTextTest, KeepsItsPermissions) {
   EXPECT_EQ(fs::status(file).permissions(), before);
 }
 
-TEST_F(FileTextTest, ReplacesALinkAndNotWhatItLeadsTo) {
-  WriteFile(folder.Path() / "other", "other");
+TEST_F(FileTextTest, WritesWhatLinksLeadTo) {
+  fs::create_directory(folder.Path() / "sub");
+  std::error_code error;
+  fs::create_symlink("sub/inner", file, error);
+  if (error) {
+    GTEST_SKIP() << "no links here: " << error.message();
+  }
+  fs::create_symlink("../other", folder.Path() / "sub" / "inner");
+  for (const char* content : {"new", "newer"}) {  // before it exists, and after
+    WriteFile(file, content);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_TRUE(fs::is_symlink(folder.Path() / "sub" / "inner"));
+    EXPECT_EQ(ReadFile(folder.Path() / "other"), content);
+  }
+}
+
+TEST_F(FileTextTest, DoesNotFollowACircleOfLinks) {
   std::error_code error;
   fs::create_symlink("other", file, error);
   if (error) {
     GTEST_SKIP() << "no links here: " << error.message();
   }
-  WriteFile(file, "new");
-  EXPECT_FALSE(fs::is_symlink(file));
-  EXPECT_EQ(ReadFile(folder.Path() / "other"), "other");
+  fs::create_symlink(file.filename(), folder.Path() / "other");
+  EXPECT_THROW(WriteFile(file, "new"), std::runtime_error);
+}
+
+TEST_F(FileTextTest, RespectsWriteProtection) {
+  WriteFile(file, "old");
+  fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
+  EXPECT_THROW(WriteFile(file, "new"), std::runtime_error);  // for root too
+  EXPECT_EQ(ReadFile(file), "old");
+  EXPECT_EQ(Files(), 1U);
+  fs::permissions(file, fs::perms::owner_write, fs::perm_options::add);
+}
+
+TEST_F(FileTextTest, IsNoneOfTheSystem) {
+  const fs::path& systemFile = test::SystemFiles().front();
+  std::error_code error;
+  fs::create_symlink(systemFile, folder.Path() / "link", error);
+  for (const fs::path& path : test::SystemFiles()) {
+    EXPECT_THROW(OutputTarget(path), std::runtime_error) << path;
+  }
+  if (!error) {
+    EXPECT_THROW(OutputTarget(folder.Path() / "link"), std::runtime_error);
+  }
 }
 
 TEST_F(FileTextTest, NeverTakesThePlaceOfAPipe) {
@@ -109,6 +145,9 @@ TEST_F(FileTextTest, IsWholeWhoeverElseWritesIt) {
 TEST_F(FileTextTest, ThatIsMissingOrNoneCannotBeRead) {
   EXPECT_THROW(ReadFile(file), std::runtime_error);
   EXPECT_THROW(ReadFile(folder.Path()), std::runtime_error);
+  if (test::MakePipe(file)) {  // it would block
+    EXPECT_THROW(ReadFile(file), std::runtime_error);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "host/input/photograph_checks.h"
 
+#include <filesystem>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -7,6 +8,7 @@
 
 #include "host/exif_segments.h"
 #include "host/findings/finding_text.h"
+#include "host/input/photograph_file.h"
 #include "support/platform.h"
 #include "support/stage_test.h"
 
@@ -160,6 +162,42 @@ TEST_F(PhotographChecksTest, LeaveOutSidesThatNoDecoderTakes) {
   Add("photos/5.png", PngHeader((1 << 20) + 1, 1));
   EXPECT_STREQ(Id(TheFinding()), "hugePhotograph");
   EXPECT_THAT(Check().leaveOut, ElementsAre(4U));
+}
+
+// Each scan after the first repeats the last one of a progressive JPEG.
+TEST_F(PhotographChecksTest, LeaveOutJpegsOfManyScans) {
+  std::vector<unsigned char> bytes;
+  cv::imencode(".jpg", cv::Mat(40, 60, CV_8UC3, cv::Scalar(9, 99, 199)), bytes,
+               {cv::IMWRITE_JPEG_PROGRESSIVE, 1});
+  const std::string jpeg(bytes.begin(), bytes.end());
+  const std::string end("\xFF\xD9");
+  const std::string scan = jpeg.substr(jpeg.rfind("\xFF\xDA"));
+  const auto withScans = [&](std::size_t count) {
+    std::string text = jpeg.substr(0, jpeg.size() - end.size());
+    for (std::size_t i = 0; i < count; ++i) {
+      text += scan.substr(0, scan.size() - end.size());
+    }
+    return text + end;
+  };
+  Add("photos/5.jpg", withScans(20));
+  EXPECT_THAT(Check().findings, IsEmpty());
+  Add("photos/6.jpg", withScans(100));
+  Add("photos/7.jpg", withScans(2000));
+  Add("photos/8.jpg", withScans(65));
+  ExpectTheFinding("costlyPhotograph", Severity::kError,
+                   {"photos/6.jpg", "photos/7.jpg", "photos/8.jpg"});
+  EXPECT_THAT(Check().leaveOut, ElementsAre(5U, 6U, 7U));
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "6.jpg"), "");
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg"), withScans(20));
+}
+
+TEST_F(PhotographChecksTest, LeaveOutFilesOfManyTimesTheirPixels) {
+  Add("photos/5.jpg", Jpeg(60, 40));
+  std::filesystem::resize_file(folder.Path() / "photos" / "5.jpg", 60 << 20);
+  EXPECT_THAT(Check().findings, IsEmpty());
+  std::filesystem::resize_file(folder.Path() / "photos" / "5.jpg", 65 << 20);
+  EXPECT_STREQ(Id(TheFinding()), "costlyPhotograph");
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg"), "");
 }
 
 // Their size, however large, cannot be read.

@@ -14,6 +14,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// As a caller that embeds every file.
+std::string PictureBytes(const std::filesystem::path& file) {
+  return std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : "";
+}
+
 const cv::Scalar kRed(0, 0, 255);
 const cv::Scalar kBlue(255, 0, 0);
 
@@ -46,7 +51,7 @@ TEST_F(ThumbnailsTest, ShowTheReprojectedImageOrElseThePhotograph) {
        {{{"path", Image("a.png", kRed)}, {"reprojectedImage", nullptr}},
         {{"path", Image("b.png", kRed)}, {"reprojectedImage", Image("Reproject_b.png", kBlue)}},
         {{"path", folder.File("missing.png")}, {"reprojectedImage", nullptr}}}}};
-  const std::vector<Thumbnail> thumbnails = MakeThumbnails(result);
+  const std::vector<Thumbnail> thumbnails = MakeThumbnails(result, PictureBytes);
   ASSERT_EQ(thumbnails.size(), 3U);
   EXPECT_EQ(Decoded(thumbnails[0]).size(), cv::Size(360, 200));
   EXPECT_TRUE(IsOf(kRed, thumbnails[0]));
@@ -64,7 +69,8 @@ TEST_F(ThumbnailsTest, ForOneMissingReprojectedImageOnlyThatOneShowsItsPhotograp
                            {"reprojectedImage", Image(std::string("Reproject_") + name, kBlue)}});
   }
   std::filesystem::remove(folder.Path() / "Reproject_b.png");
-  const std::vector<Thumbnail> thumbnails = MakeThumbnails({{"photographs", photographs}});
+  const std::vector<Thumbnail> thumbnails =
+      MakeThumbnails({{"photographs", photographs}}, PictureBytes);
   ASSERT_EQ(thumbnails.size(), 3U);
   EXPECT_TRUE(IsOf(kBlue, thumbnails[0]));
   EXPECT_TRUE(IsOf(kRed, thumbnails[1]));
@@ -73,10 +79,16 @@ TEST_F(ThumbnailsTest, ForOneMissingReprojectedImageOnlyThatOneShowsItsPhotograp
   EXPECT_TRUE(thumbnails[2].isReprojected);
 }
 
+TEST_F(ThumbnailsTest, ReadOnlyWhatTheCallerGivesThem) {
+  const Json result = {{"photographs", {{{"path", Image("a.png", kRed)}}}}};
+  const auto nothing = [](const std::filesystem::path& /*file*/) { return std::string(); };
+  EXPECT_EQ(MakeThumbnails(result, nothing).at(0).bytes, "");
+}
+
 TEST_F(ThumbnailsTest, NeedNoKeyOfTheResult) {
-  EXPECT_TRUE(MakeThumbnails(Json::object()).empty());
+  EXPECT_TRUE(MakeThumbnails(Json::object(), PictureBytes).empty());
   const Json odd = {{"photographs", {1, nullptr, {{"path", 5}}, Json::object()}}};
-  EXPECT_EQ(MakeThumbnails(odd).size(), 4U);
+  EXPECT_EQ(MakeThumbnails(odd, PictureBytes).size(), 4U);
 }
 
 }  // namespace

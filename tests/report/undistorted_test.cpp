@@ -42,6 +42,11 @@ Json Corners(double reach) {
   return corners;
 }
 
+// As a caller that embeds every file.
+std::string PhotographBytes(const std::filesystem::path& file) {
+  return std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : "";
+}
+
 Json Entry(const std::string& path, const std::string& state, double reach) {
   return {{"path", path}, {"state", state}, {"crossCheck", {{"corners", Corners(reach)}}}};
 }
@@ -60,7 +65,8 @@ TEST(Undistorted, ShowsTheUsedPhotographWithTheCornerFarthestOut) {
   const std::string path = Photograph(folder, "a.png");
   const UndistortedPhotograph made =
       MakeUndistorted(Result({Entry(path, "used", 0.1), Entry(path, "used", 0.4),
-                              Entry(path, "leftOutByFilter", 0.5), Entry(path, "used", 0.3)}));
+                              Entry(path, "leftOutByFilter", 0.5), Entry(path, "used", 0.3)}),
+                      PhotographBytes);
   EXPECT_EQ(made.place, 1U);
   const std::vector<unsigned char> bytes(made.bytes.begin(), made.bytes.end());
   const cv::Mat image = cv::imdecode(bytes, cv::IMREAD_GRAYSCALE);
@@ -74,7 +80,7 @@ TEST(Undistorted, ShowsTheUsedPhotographWithTheCornerFarthestOut) {
 TEST(Undistorted, HasStraightLinesAlongTheBoard) {
   const test::TemporaryFolder folder;
   const Json result = Result(Json::array({Entry(Photograph(folder, "a.png"), "used", 0.45)}));
-  const auto lines = MakeUndistorted(result).lines;
+  const auto lines = MakeUndistorted(result, PhotographBytes).lines;
   ASSERT_EQ(lines.size(), 7U);
   // The board is parallel to the image, so that without distortion its lines are along the axes and
   // evenly apart.
@@ -94,7 +100,9 @@ TEST(Undistorted, HasStraightLinesAlongTheBoard) {
 TEST(Undistorted, IsEmptyWithoutAPhotographOrALens) {
   const test::TemporaryFolder folder;
   const std::string path = Photograph(folder, "a.png");
-  const auto isEmpty = [](const Json& result) { return MakeUndistorted(result).bytes.empty(); };
+  const auto isEmpty = [](const Json& result) {
+    return MakeUndistorted(result, PhotographBytes).bytes.empty();
+  };
   EXPECT_FALSE(isEmpty(Result(Json::array({Entry(path, "used", 0.4)}))));
   EXPECT_TRUE(isEmpty(Json::object()));
   EXPECT_TRUE(isEmpty(Result(Json::array())));
@@ -118,8 +126,8 @@ TEST(Undistorted, HasNoLinesIfTheBoardIsAnother) {
   const test::TemporaryFolder folder;
   Json result = Result(Json::array({Entry(Photograph(folder, "a.png"), "used", 0.4)}));
   result["inputs"]["board"] = {5, 3};
-  EXPECT_FALSE(MakeUndistorted(result).bytes.empty());
-  EXPECT_TRUE(MakeUndistorted(result).lines.empty());
+  EXPECT_FALSE(MakeUndistorted(result, PhotographBytes).bytes.empty());
+  EXPECT_TRUE(MakeUndistorted(result, PhotographBytes).lines.empty());
 }
 
 }  // namespace

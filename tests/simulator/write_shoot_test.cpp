@@ -13,7 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::Pair;
+using testing::SizeIs;
 
 class WriteShootTest : public testing::Test {
  protected:
@@ -68,6 +70,39 @@ TEST_F(WriteShootTest, CreatesTheFolder) {
   for (const char* name : {"tracker_data.csv", "truth.json", "shoot.toml", "photos/img_003.jpg"}) {
     EXPECT_TRUE(fs::is_regular_file(inner / name)) << name;
   }
+}
+
+TEST_F(WriteShootTest, NamesTheFilesThatAreNoLongerSimulated) {
+  const Shoot shoot = SimulateShoot(options);
+  WriteShoot(shoot, folder.Path());
+  EXPECT_THAT(ChangedFiles(folder.Path()), IsEmpty());
+  test::WriteFile(folder.File("tracker_data.csv"), TrackerDataText(shoot) + "own row\n");
+  test::WriteFile(folder.File("photos/img_001.jpg"), "own picture");
+  test::WriteFile(folder.File("photos/img_004.jpg"), Read("photos/img_000.jpg"));
+  EXPECT_THAT(ChangedFiles(folder.Path()),
+              ElementsAre("photos/img_001.jpg", "photos/img_004.jpg", "tracker_data.csv"));
+  WriteShoot(shoot, folder.Path());
+  EXPECT_THAT(ChangedFiles(folder.Path()), ElementsAre("photos/img_004.jpg"));
+}
+
+TEST_F(WriteShootTest, KnowsAnIncompleteShootAndTheOneBeforeIt) {
+  WriteShoot(SimulateShoot(options), folder.Path());
+  options.seed = 2;
+  const auto stop = [](int /*done*/, int /*all*/) { throw std::runtime_error("stopped"); };
+  EXPECT_THROW(WriteShoot(SimulateShoot(options), folder.Path(), stop), std::runtime_error);
+  EXPECT_THAT(ChangedFiles(folder.Path()), IsEmpty());
+  fs::remove(folder.Path() / "simulated.txt");
+  EXPECT_THAT(ChangedFiles(folder.Path()), SizeIs(7));
+}
+
+TEST_F(WriteShootTest, KeepsTheOtherNamesOfAFile) {
+  WriteShoot(SimulateShoot(options), folder.Path());
+  const std::string before = Read("tracker_data.csv");
+  fs::create_hard_link(folder.Path() / "tracker_data.csv", folder.Path() / "backup.csv");
+  options.seed = 2;
+  WriteShoot(SimulateShoot(options), folder.Path());
+  EXPECT_NE(Read("tracker_data.csv"), before);
+  EXPECT_EQ(Read("backup.csv"), before);
 }
 
 TEST_F(WriteShootTest, TheDataFileIsWrittenByteForByte) {

@@ -37,4 +37,7 @@ int BlasThreads();
 /// @return False if the system has no named pipes.
 bool MakePipe(const std::filesystem::path& path);
 
+/// Paths of devices and of other files that belong to the system.
+std::vector<std::filesystem::path> SystemFiles();
+
 }  // namespace trackedcam::test

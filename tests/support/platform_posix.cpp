@@ -48,4 +48,8 @@ bool MakePipe(const std::filesystem::path& path) {
   return mkfifo(path.c_str(), S_IRUSR | S_IWUSR) == 0;
 }
 
+std::vector<std::filesystem::path> SystemFiles() {
+  return {"/dev/stdout", "/dev/fd/1", "/dev/null", "/proc/self/comm", "/sys/new"};
+}
+
 }  // namespace trackedcam::test

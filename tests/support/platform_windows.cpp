@@ -82,4 +82,8 @@ bool MakePipe(const std::filesystem::path& /*path*/) {
   return false;
 }
 
+std::vector<std::filesystem::path> SystemFiles() {
+  return {"NUL", "con.txt", "Com1"};
+}
+
 }  // namespace trackedcam::test

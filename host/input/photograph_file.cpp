@@ -1,0 +1,43 @@
+#include "host/input/photograph_file.h"
+
+#include <cstdint>
+#include <exception>
+#include <system_error>
+
+#include "host/text/files.h"
+
+namespace trackedcam::host {
+namespace {
+
+constexpr std::uint64_t kMostPixels = 200000000;
+constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
+
+constexpr int kMostScans = 64;
+constexpr std::uint64_t kBytesPerPixel = 8;           // four channels of 16 bits
+constexpr std::uint64_t kBytesBesides = 64ULL << 20;  // of previews and short films in the file
+
+}  // namespace
+
+bool IsHuge(const PhotographHeader& header) {
+  return header.width > kMostPixels / header.height || header.width > kLongestSide ||
+         header.height > kLongestSide;
+}
+
+bool IsCostly(const std::filesystem::path& file, const PhotographHeader& header) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  return error || size > kBytesBesides + kBytesPerPixel * header.width * header.height ||
+         (header.format == PhotographFormat::kJpeg && HasMoreScans(file, kMostScans));
+}
+
+std::string ReadPhotograph(const std::filesystem::path& file) {
+  try {
+    const auto header = ReadPhotographHeader(file);
+    const bool isTaken = header && !IsHuge(*header) && !IsCostly(file, *header);
+    return isTaken ? ReadFile(file) : std::string();
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+}  // namespace trackedcam::host

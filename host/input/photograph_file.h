@@ -1,0 +1,22 @@
+// Which photographs are decoded: a small file can ask for any amount of memory and time.
+
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/input/image_header.h"
+
+namespace trackedcam::host {
+
+/// More than 200 megapixels, or a side that no decoder takes.
+bool IsHuge(const PhotographHeader& header);
+
+/// Whether the file has many times the bytes of its pixels, or a JPEG more than 64 scans, each of
+/// which goes over the whole image again. Cameras write about ten.
+bool IsCostly(const std::filesystem::path& file, const PhotographHeader& header);
+
+/// The bytes of a photograph, to decode; empty if it is huge, costly or cannot be read.
+std::string ReadPhotograph(const std::filesystem::path& file);
+
+}  // namespace trackedcam::host
