@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <map>
-
-#include <Eigen/Cholesky>
 
 #include "crosscheck/symmetric.h"
 
@@ -24,15 +21,6 @@ Eigen::MatrixXd NuisanceCovariance(const Observations& observations, const Corne
   covariance.topLeftCorner(count - 1, count - 1) = corners.covariance;
   covariance(count - 1, count - 1) = ScaleVariance(observations, corners.model.board);
   return covariance;
-}
-
-// The scale, whose variance may be zero, is independent of all others.
-Eigen::MatrixXd RootOf(const Eigen::MatrixXd& covariance) {
-  const Eigen::Index last = covariance.rows() - 1;
-  Eigen::MatrixXd root = Eigen::MatrixXd::Zero(last + 1, last + 1);
-  root.topLeftCorner(last, last) = covariance.topLeftCorner(last, last).llt().matrixL();
-  root(last, last) = std::sqrt(covariance(last, last));
-  return root;
 }
 
 ByNuisances ByNuisancesOf(const CornerFit& corners, std::size_t photograph) {
@@ -122,7 +110,7 @@ Evidence Gather(const Observations& observations) {
   evidence.libraryLens = observations.lens;
   evidence.corners = FitCorners(model, corners);
   evidence.nuisanceCovariance = NuisanceCovariance(observations, evidence.corners);
-  evidence.nuisanceRoot = RootOf(evidence.nuisanceCovariance);
+  evidence.nuisanceRoot = SquareRoot(evidence.nuisanceCovariance);
 
   std::map<Row, std::vector<std::size_t>> loopsOfRow;
   for (std::size_t i = 0; i < observations.photographs.size(); ++i) {

@@ -44,18 +44,6 @@ std::vector<Eigen::Index> FreedColumns(const Freed& freed) {
   return columns;
 }
 
-// A matrix R with R · Rᵀ = covariance, also if some of the variances are 0.
-Eigen::MatrixXd RootOf(const Eigen::MatrixXd& covariance) {
-  const Eigen::VectorXd errors = covariance.diagonal().cwiseSqrt();
-  const Eigen::VectorXd scale =
-      errors.unaryExpr([](double error) { return error > 0 ? 1 / error : 0; });
-  const Eigen::MatrixXd correlation = scale.asDiagonal() * covariance * scale.asDiagonal();
-  const Eigen::LDLT<Eigen::MatrixXd> decomposition(correlation);
-  Eigen::MatrixXd root = decomposition.matrixL();
-  root = decomposition.transpositionsP().transpose() * root;
-  return errors.asDiagonal() * root * decomposition.vectorD().cwiseMax(0).cwiseSqrt().asDiagonal();
-}
-
 }  // namespace
 
 // The normal equations of a step: first what the calibration knows with an uncertainty, by
@@ -88,7 +76,7 @@ NewShoot::NewShoot(const Calibration& calibration, const std::vector<Photograph>
     covariance.conservativeResizeLike(Eigen::MatrixXd::Zero(size + 1, size + 1));
     covariance(size, size) = old_.scaleUncertainty * old_.scaleUncertainty;
   }
-  root_ = RootOf(covariance);
+  root_ = SquareRoot(covariance);
   cornerNoise_ = old_.cornerNoisePixels;
   const auto seeAll = [&] {
     seen_.clear();

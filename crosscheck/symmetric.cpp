@@ -30,6 +30,18 @@ double SquaredDistance(const Twist& vector, const Matrix6d& covariance) {
   return vector.dot(covariance.llt().solve(vector));
 }
 
+// Of the correlations, since the variances may differ by many orders of magnitude.
+Eigen::MatrixXd SquareRoot(const Eigen::MatrixXd& covariance) {
+  const Eigen::VectorXd errors = covariance.diagonal().cwiseSqrt();
+  const Eigen::VectorXd scale =
+      errors.unaryExpr([](double error) { return error > 0 ? 1 / error : 0; });
+  const Eigen::MatrixXd correlation = scale.asDiagonal() * covariance * scale.asDiagonal();
+  const Eigen::LDLT<Eigen::MatrixXd> decomposition(correlation);
+  Eigen::MatrixXd root = decomposition.matrixL();
+  root = decomposition.transpositionsP().transpose() * root;
+  return errors.asDiagonal() * root * decomposition.vectorD().cwiseMax(0).cwiseSqrt().asDiagonal();
+}
+
 std::optional<Matrix9d> Eigenvectors(const Matrix9d& matrix) {
   const Eigen::SelfAdjointEigenSolver<Matrix9d> solver(matrix);
   return solver.info() == Eigen::Success ? std::optional<Matrix9d>(solver.eigenvectors())

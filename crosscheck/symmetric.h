@@ -34,6 +34,9 @@ Matrix6d Inverse(const Matrix6d& covariance);
 /// vectorᵀ · covariance⁻¹ · vector, by Cholesky's decomposition.
 double SquaredDistance(const Twist& vector, const Matrix6d& covariance);
 
+/// A matrix that times its transpose is this covariance, which may be singular.
+Eigen::MatrixXd SquareRoot(const Eigen::MatrixXd& covariance);
+
 /// That of the smallest eigenvalue first; nothing if the matrix is not finite.
 std::optional<Matrix9d> Eigenvectors(const Matrix9d& matrix);
 
