@@ -15,8 +15,7 @@
 namespace trackedcam::host {
 namespace {
 
-using Json = nlohmann::json;
-using OrderedJson = nlohmann::ordered_json;
+using ParsedJson = nlohmann::json;
 
 constexpr int kForm = 1;  // of this part of the file
 constexpr const char* kChecksum = "checksum";
@@ -28,7 +27,7 @@ constexpr std::array<const char*, crosscheck::kCornerParameters> kParameters = {
     "warp"};
 
 // FNV-1a of the values as text, which tells an edited file from that of a calibration.
-std::string ChecksumOf(Json calibration) {
+std::string ChecksumOf(ParsedJson calibration) {
   calibration.erase(kChecksum);
   std::uint64_t hash = 14695981039346656037U;
   for (const char character : calibration.dump()) {
@@ -53,19 +52,19 @@ std::vector<double> ListOf(const Eigen::MatrixBase<Derived>& matrix) {
   return list;
 }
 
-Eigen::MatrixXd MatrixAt(const Json& json, const char* key, Eigen::Index rows,
+Eigen::MatrixXd MatrixAt(const ParsedJson& json, const char* key, Eigen::Index rows,
                          Eigen::Index columns) {
   const std::vector<double> list = ReadNumbers(json, key, static_cast<std::size_t>(rows * columns));
   return Eigen::Map<const Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>>(
       list.data(), rows, columns);
 }
 
-crosscheck::Pose PoseAt(const Json& json, const char* key) {
+crosscheck::Pose PoseAt(const ParsedJson& json, const char* key) {
   return crosscheck::Pose(Eigen::Matrix4d(MatrixAt(json, key, 4, 4)));
 }
 
 template <class Named>
-const Named* NamedAt(const std::vector<Named>& all, const Json& json, const char* key) {
+const Named* NamedAt(const std::vector<Named>& all, const ParsedJson& json, const char* key) {
   const auto name = json.at(key).get<std::string>();
   const auto found =
       std::find_if(all.begin(), all.end(), [&](const Named& named) { return named.name == name; });
@@ -75,7 +74,7 @@ const Named* NamedAt(const std::vector<Named>& all, const Json& json, const char
   return &*found;
 }
 
-StoredCalibration Parse(const Json& json) {
+StoredCalibration ParseCalibration(const ParsedJson& json) {
   StoredCalibration stored;
   crosscheck::Calibration& calibration = stored.calibration;
   const std::vector<double> size = ReadNumbers(json, "imageSize", 2);
@@ -93,7 +92,7 @@ StoredCalibration Parse(const Json& json) {
   calibration.board = model.board;
   calibration.Transform_Cam_Tc = PoseAt(json, "transformCamTc");
   calibration.Transform_Tr_Chart = PoseAt(json, "transformTrChart");
-  for (const Json& name : json.at("solvedFor")) {
+  for (const ParsedJson& name : json.at("solvedFor")) {
     const auto found = std::find(kParameters.begin(), kParameters.end(), name.get<std::string>());
     calibration.parameters.push_back(found - kParameters.begin());
   }
@@ -113,9 +112,9 @@ StoredCalibration Parse(const Json& json) {
   return stored;
 }
 
-Json ReadResultObject(const std::filesystem::path& result) {
+ParsedJson ReadResultObject(const std::filesystem::path& result) {
   try {
-    auto json = ReadJson<Json>(result);
+    auto json = ReadJson<ParsedJson>(result);
     if (json.is_object() && json.contains("code") && json.contains("versions")) {
       return json;
     }
@@ -130,13 +129,14 @@ Json ReadResultObject(const std::filesystem::path& result) {
 
 }  // namespace
 
-OrderedJson CalibrationJson(const crosscheck::Calibration& calibration, const Inputs& inputs) {
+nlohmann::ordered_json CalibrationJson(const crosscheck::Calibration& calibration,
+                                       const Inputs& inputs) {
   std::vector<std::string> solvedFor;
   for (const Eigen::Index parameter : calibration.parameters) {
     solvedFor.emplace_back(kParameters.at(static_cast<std::size_t>(parameter)));
   }
   const crosscheck::CornerModel model{calibration.lens, calibration.board};
-  OrderedJson json = {
+  nlohmann::ordered_json json = {
       {"form", kForm},
       {"imageSize", {calibration.lens.width, calibration.lens.height}},
       {"board", {calibration.board.columns, calibration.board.rows}},
@@ -159,12 +159,12 @@ OrderedJson CalibrationJson(const crosscheck::Calibration& calibration, const In
       {"trackerUnits", UnitOf(inputs.trackerFrame).name},
       {"quaternionOrder", inputs.trackerFrame.hasQuaternionsXyzw ? "xyzw" : "wxyz"},
   };
-  json[kChecksum] = ChecksumOf(Json::parse(json.dump()));
+  json[kChecksum] = ChecksumOf(ParsedJson::parse(json.dump()));
   return json;
 }
 
 StoredCalibration ReadCalibration(const std::filesystem::path& result) {
-  const Json json = ReadResultObject(result);
+  const ParsedJson json = ReadResultObject(result);
   const std::string name = result.u8string();
   Origin origin;
   try {
@@ -183,22 +183,22 @@ StoredCalibration ReadCalibration(const std::filesystem::path& result) {
                      "against." +
                      kAgain);
   }
-  const Json& calibration = crossCheck->at("calibration");
+  const ParsedJson& calibration = crossCheck->at("calibration");
   if (calibration.is_null()) {
     throw InputError(name +
                      " cannot be verified: its shoot did not determine transform and "
                      "mounting, or a tracker moved during it." +
                      kAgain);
   }
-  if (!calibration.is_object() || calibration.value("form", Json()) != Json(kForm)) {
+  if (!calibration.is_object() || calibration.value("form", ParsedJson()) != ParsedJson(kForm)) {
     throw InputError(name + " is of another form than this version reads." + kAgain);
   }
-  const Json checksum = calibration.value(kChecksum, Json());
-  if (checksum != Json(ChecksumOf(calibration))) {
+  const ParsedJson checksum = calibration.value(kChecksum, ParsedJson());
+  if (checksum != ParsedJson(ChecksumOf(calibration))) {
     throw InputError(name + " was edited after the calibration: use a copy, or calibrate again.");
   }
   try {
-    StoredCalibration stored = Parse(calibration);
+    StoredCalibration stored = ParseCalibration(calibration);
     if (!crosscheck::IsSound(stored.calibration)) {
       throw std::runtime_error("its values are not those of a calibration");
     }
