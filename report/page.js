@@ -113,25 +113,98 @@ const drawCorners = (svg, photograph, size) => {
 
 // The gallery, and one photograph enlarged.
 
+// How the photograph lies in its frame: scale 1 shows all of it.
+const view = {scale: 1, x: 0, y: 0};
+const fullScale = () => {
+  const shown = byId('enlarged-image').clientWidth;
+  return shown ? Math.max(2, width / shown) : 2;
+};
+const applyView = () => {
+  const frame = byId('enlarged-frame');
+  const least = (size) => size * (1 - view.scale);
+  view.x = Math.min(0, Math.max(least(frame.clientWidth), view.x));
+  view.y = Math.min(0, Math.max(least(frame.clientHeight), view.y));
+  byId('enlarged-zoomed').style.transform = `translate(${view.x}px, ${view.y}px) scale(${view.scale})`;
+  // The marks keep their size on the screen, so that they show less and less of a pixel's error.
+  drawCorners(byId('enlarged-overlay'), selected, height / 110 / view.scale);
+};
+// The point of the frame stays where it is.
+const zoomTo = (scale, x, y) => {
+  const wanted = Math.min(Math.max(scale, 1), 4 * fullScale());
+  view.x = x - (x - view.x) * wanted / view.scale;
+  view.y = y - (y - view.y) * wanted / view.scale;
+  view.scale = wanted;
+  applyView();
+};
+const placeInFrame = (event) => {
+  const box = byId('enlarged-frame').getBoundingClientRect();
+  return [event.clientX - box.left, event.clientY - box.top];
+};
+byId('enlarged-frame').addEventListener('wheel', (event) => {
+  event.preventDefault();
+  zoomTo(view.scale * Math.exp(-event.deltaY / 400), ...placeInFrame(event));
+}, {passive: false});
+byId('enlarged-frame').ondblclick = (event) => {
+  zoomTo(view.scale > 1.01 ? 1 : fullScale(), ...placeInFrame(event));
+};
+byId('enlarged-frame').onpointerdown = (event) => {
+  byId('enlarged-frame').setPointerCapture(event.pointerId);
+};
+byId('enlarged-frame').onpointermove = (event) => {
+  if (!event.buttons || !selected) return;
+  view.x += event.movementX;
+  view.y += event.movementY;
+  applyView();
+};
+
+// The original if its file is still there, otherwise what the page holds of it.
+const showImage = ({element}) => {
+  const image = byId('enlarged-image');
+  const link = byId('enlarged-link');
+  const thumbnail = element.querySelector('img');
+  const {original} = element.dataset;
+  const say = (text) => { byId('enlarged-source').textContent = text; };
+  const showEmbedded = () => {
+    image.onload = image.onerror = null;
+    if (thumbnail) image.src = thumbnail.src; else image.removeAttribute('src');
+    link.hidden = true;
+    const size = thumbnail ? `Shown is what this page holds: ${thumbnail.naturalWidth} pixels of its width of ${width}. ` : '';
+    const hint = thumbnail && thumbnail.naturalWidth >= Math.min(width, 1280) ? ''
+      : 'To judge the sharpness, write the page again beside the photographs with --page-photographs full.';
+    say(`The original is not where it was when this page was written. ${size}${hint}`);
+  };
+  if (image.dataset.of === element.dataset.number) return;
+  image.dataset.of = element.dataset.number;
+  Object.assign(view, {scale: 1, x: 0, y: 0});
+  if (thumbnail) image.src = thumbnail.src; else image.removeAttribute('src');
+  link.hidden = !original;
+  say('');
+  if (!original) return showEmbedded();
+  link.setAttribute('href', original);
+  const loader = new Image();
+  loader.onload = () => {
+    if (image.dataset.of !== element.dataset.number) return;
+    image.src = loader.src;
+    say(`The original, ${loader.naturalWidth} × ${loader.naturalHeight} pixels.`);
+  };
+  loader.onerror = () => { if (image.dataset.of === element.dataset.number) showEmbedded(); };
+  loader.src = original;
+};
 const enlarge = () => {
-  const {element, check} = selected;
+  const {check} = selected;
   byId('enlarged-number').textContent = selected.number;
   byId('enlarged-title').textContent = selected.name;
   byId('enlarged-values').textContent = valuesText(selected)
     + (check ? '. Circles: detected corners; crosses: where trackers and solution predict them.' : '');
-  const thumbnail = element.querySelector('img');
-  const image = byId('enlarged-image');
-  if (thumbnail) image.src = thumbnail.src; else image.removeAttribute('src');
-  const link = element.querySelector('a');
-  byId('enlarged-link').hidden = !link;
-  if (link) byId('enlarged-link').setAttribute('href', link.getAttribute('href'));
-  drawCorners(byId('enlarged-overlay'), selected, height / 110);
+  showImage(selected);
+  applyView();
   byId('enlarged-overlay').style.display = byId('enlarged-corners').checked ? '' : 'none';
 };
 const openEnlarged = () => {
   if (!selected) return;
   enlarge();
   if (!byId('enlarged').open) byId('enlarged').showModal();
+  applyView();
 };
 byId('selection-open').onclick = openEnlarged;
 byId('enlarged-close').onclick = () => byId('enlarged').close();
@@ -158,6 +231,31 @@ for (const photograph of photographs) {
     openEnlarged();
   };
 }
+
+
+// Photographs to leave out of the next calibration.
+
+const quoted = (word) => /^[\w\-./:=,+@%\\\u0080-\uffff]+$/.test(word) ? word : '"' + word.replace(/["$`]/g, '\\$&') + '"';
+const fileOf = (name) => name.split(/[\\/]/).pop();
+const withoutEnding = (file) => file.replace(/(.)\.[^.]*$/, '$1');
+// As short as it can be without meaning another one.
+const shortestName = ({name}) => {
+  const others = new Set(photographs.map((other) => other.name));
+  others.delete(name);
+  const isFree = (short) => [...others].every((other) => fileOf(other) !== short && withoutEnding(fileOf(other)) !== short);
+  return [withoutEnding(fileOf(name)), fileOf(name)].find(isFree) || name;
+};
+const showLeaveOut = () => {
+  const names = photographs.filter(({element}) => element.querySelector('.leave-out')?.checked).map(shortestName);
+  byId('leave-out').hidden = !names.length;
+  // The folder of the run has all options; of two runs, that of the first with all photographs.
+  const log = (result.firstRun || result).log || '';
+  const config = log.slice(0, log.length - fileOf(log).length) + 'calibrate.toml';
+  const command = ['trackedcam', 'calibrate', '--config', quoted(config), quoted('--exclude=' + names.join(','))].join(' ');
+  byId('leave-out-command').textContent = command;
+  byId('leave-out-copy').dataset.copy = command;
+};
+for (const box of document.querySelectorAll('.leave-out')) box.onchange = showLeaveOut;
 
 
 // The selected photograph next to the scene.

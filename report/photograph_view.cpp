@@ -30,14 +30,22 @@ std::string StateOf(const Json& photograph) {
   return state == "notReached" || state == "notUsed" || state == "unknown" ? "unused" : "missing";
 }
 
-std::string ImageLink(const Json& photograph, const fs::path& pageFolder) {
-  const std::string reprojected = TextAt(photograph, "/reprojectedImage");
-  const std::string path = reprojected.empty() ? TextAt(photograph, "/path") : reprojected;
+std::string LinkTo(const std::string& path, const fs::path& pageFolder) {
   try {
     return path.empty() ? "" : FileLink(fs::u8path(path), pageFolder);
   } catch (const std::exception&) {
     return {};  // not every name is a path on every system
   }
+}
+
+std::string ImageLink(const Json& photograph, const fs::path& pageFolder) {
+  const std::string reprojected = TextAt(photograph, "/reprojectedImage");
+  return LinkTo(reprojected.empty() ? TextAt(photograph, "/path") : reprojected, pageFolder);
+}
+
+// Those that a calibration could take.
+bool CanBeLeftOut(const std::string& state) {
+  return state != "missing" && state != "out";
 }
 
 /// @param check What the cross-check says about the photograph.
@@ -53,6 +61,7 @@ Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& 
           {state, true},
           {"reason", TextAt(photograph, "/reason")},
           {"link", ImageLink(photograph, pageFolder)},
+          {"original", LinkTo(TextAt(photograph, "/path"), pageFolder)},
           {"thumbnail", type.empty() ? "" : "data:" + type + ";base64," + Base64(thumbnail.bytes)},
           {"isReprojected", !type.empty() && thumbnail.isReprojected},
           {"isChecked", check.is_object()},
@@ -62,6 +71,11 @@ Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& 
 }
 
 }  // namespace
+
+// A log alone, without the data, cannot be calibrated again.
+bool CanBeRepeated(const Json& result) {
+  return !TextAt(result, "/log").empty() && !TextAt(result, "/inputs/data").empty();
+}
 
 Json PhotographViews(const Json& result, const std::vector<Thumbnail>& thumbnails,
                      const fs::path& pageFolder) {
@@ -76,6 +90,8 @@ Json PhotographViews(const Json& result, const std::vector<Thumbnail>& thumbnail
     list.push_back(PhotographView(
         photograph, check, place < thumbnails.size() ? thumbnails[place] : none, pageFolder));
     list.back()["number"] = place + 1;
+    list.back()["canBeLeftOut"] =
+        CanBeRepeated(result) && CanBeLeftOut(list.back()["state"].get<std::string>());
   }
   return list;
 }

@@ -23,4 +23,7 @@ nlohmann::ordered_json PhotographViews(const nlohmann::ordered_json& result,
                                        const std::vector<Thumbnail>& thumbnails,
                                        const std::filesystem::path& pageFolder);
 
+/// Whether the shoot of a result can be calibrated again: not that of a log alone.
+bool CanBeRepeated(const nlohmann::ordered_json& result);
+
 }  // namespace trackedcam::report

@@ -9,7 +9,7 @@
 
 namespace trackedcam::report {
 
-/// A small image of one photograph, to embed into a page.
+/// An image of one photograph, to embed into a page.
 struct Thumbnail {
   std::string bytes;           // of a JPEG or PNG file; empty without an image
   bool isReprojected = false;  // of the reprojected image, which has the corners drawn in
@@ -22,8 +22,10 @@ using ReadPicture = std::function<std::string(const std::filesystem::path& file)
 /// One for each entry of `photographs`, in its order: of the reprojected image, or of the
 /// photograph if the entry names none or it cannot be read.
 /// @param result A result file.
-std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result,
-                                      const ReadPicture& read);
+/// @param areFull Of the photograph, at most 1920 pixels wide and without corners drawn in, which
+/// shows its sharpness; otherwise 360 pixels wide.
+std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result, const ReadPicture& read,
+                                      bool areFull = false);
 
 /// Makes the objects that the image library otherwise makes when it first needs them: its codecs
 /// and its threads. At the end of the process, objects are destroyed in the reverse order.

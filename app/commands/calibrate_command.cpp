@@ -163,9 +163,9 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(result, report::MakeThumbnails(result, host::ReadPhotograph),
-                          page.parent_path(),
-                          report::MakeUndistorted(result, host::ReadPhotograph));
+      return report::Page(
+          result, report::MakeThumbnails(result, host::ReadPhotograph, options.hasFullPhotographs),
+          page.parent_path(), report::MakeUndistorted(result, host::ReadPhotograph));
     });
   }
   return written;
@@ -261,7 +261,7 @@ CLI::Option* AddData(CLI::App& command, host::Inputs& inputs) {
   };
   return command
       .add_option_function<std::string>("--data", store,
-                                        "Tracker data file: one row for each photograph;\n"
+                                        "Tracker data file: a row for each photograph;\n"
                                         "again for each file that continues the shoot")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::Join);
@@ -328,6 +328,7 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
   command.add_flag("--no-report", options.withoutReport, "No report page")
       ->excludes(report)
       ->group("Output");
+  AddPagePhotographs(command, options.hasFullPhotographs, "Output");
   AddValue(command, "--export", options.exports, ParseEngines, "ENGINES",
            "Engines to export the result to, as a list of\nunreal, unity, ue4, ue5, ue5-xn, "
            "aximmetry")

@@ -24,6 +24,7 @@ struct CalibrateOptions {
   std::filesystem::path truth;   // empty: unknown
   std::filesystem::path report;  // empty: in the folder of the run
   bool withoutReport = false;
+  bool hasFullPhotographs = false;  // in the report page
   bool verbose = false;
 };
 

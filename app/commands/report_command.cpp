@@ -18,6 +18,7 @@
 #include "host/input/photograph_file.h"
 #include "host/result/result_file.h"
 #include "host/text/files.h"
+#include "host/text/text.h"
 #include "report/page.h"
 #include "report/thumbnails.h"
 
@@ -36,6 +37,7 @@ Exit status: 0 written, 1 failed, 2 wrong usage.)";
 struct ReportOptions {
   fs::path result;
   fs::path out;
+  bool hasFullPhotographs = false;
 };
 
 /// Reads the pictures that a result names. The result may be a stranger's, and the page is made to
@@ -94,15 +96,16 @@ void WriteReport(const ReportOptions& options, const fs::path& configFile) {
     const auto result = host::ReadJson<nlohmann::ordered_json>(options.result);
     PicturesOfShoot pictures(options.result, result);
     const auto read = [&](const fs::path& file) { return pictures.Read(file); };
-    page = report::Page(result, report::MakeThumbnails(result, read), options.out.parent_path(),
-                        report::MakeUndistorted(result, read));
+    page = report::Page(result, report::MakeThumbnails(result, read, options.hasFullPhotographs),
+                        options.out.parent_path(), report::MakeUndistorted(result, read));
     outside = pictures.Outside();
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
                            " is not a result file of trackedcam: " + error.what());
   }
   WriteOutput(options.out, page);
-  TextBeside(options.out) << "Report: " << options.out.u8string() << '\n';
+  TextBeside(options.out) << "Report: " << options.out.u8string() << ", "
+                          << host::Fixed(static_cast<double>(page.size()) / 1e6, 1) << " MB\n";
   if (outside > 0) {
     std::cerr << "trackedcam: warning: pictures that the page does not show, because they are not "
                  "below the folder of the result, of its log or of its tracker data: "
@@ -122,6 +125,7 @@ void AddReportCommand(CLI::App& program, int& status) {
   AddOutput(command, "--out", options->out, "FILE.html",
             "File for the report page; - is standard output")
       ->required();
+  AddPagePhotographs(command, options->hasFullPhotographs, "Options");
   command.callback([options, &program, &status] {
     WriteReport(*options, ConfigFile(program));
     status = 0;

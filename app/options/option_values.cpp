@@ -330,6 +330,16 @@ const Engine* ParseEngine(const std::string& option, const std::string& text) {
   Reject(option, text + " is not one of " + NamesOf(kEngines));
 }
 
+bool ParsePagePhotographs(const std::string& option, const std::string& text) {
+  if (Trim(text) == "full") {
+    return true;
+  }
+  if (Trim(text) != "small") {
+    Reject(option, text + " is not one of full, small");
+  }
+  return false;
+}
+
 std::vector<std::string> ParseNames(const std::string& option, const std::string& text) {
   std::vector<std::string> names;
   std::istringstream parts(text + ',');
@@ -377,6 +387,12 @@ std::string ParseParentAxesText(const std::string& option, const std::string& te
     Reject(option, error.what());
   }
   return text;
+}
+
+void AddPagePhotographs(CLI::App& command, bool& areFull, const std::string& group) {
+  AddValue(command, "--page-photographs", areFull, ParsePagePhotographs, "SIZE",
+           "Photographs in the report page: small\n(default), or full for a page to mail")
+      ->group(group);
 }
 
 void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group) {

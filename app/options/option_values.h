@@ -148,6 +148,9 @@ bool ParseQuaternionOrder(const std::string& option, const std::string& text);
 /// "cm": the unit of the positions in a data file.
 const host::TrackerUnit* ParseTrackerUnit(const std::string& option, const std::string& text);
 
+/// "full" or "small": true for the first.
+bool ParsePagePhotographs(const std::string& option, const std::string& text);
+
 /// "img_003,img_007": names without blanks around them, none of them empty.
 std::vector<std::string> ParseNames(const std::string& option, const std::string& text);
 
@@ -166,6 +169,10 @@ double ParseOverscan(const std::string& option, const std::string& text);
 /// "z,-x,y" or "z-forward": the axes of the camera's parent in an engine, checked, but returned as
 /// they were written.
 std::string ParseParentAxesText(const std::string& option, const std::string& text);
+
+/// Adds --page-photographs, for calibrate and report.
+/// @param areFull Whether the page holds photographs that show the sharpness.
+void AddPagePhotographs(CLI::App& command, bool& areFull, const std::string& group);
 
 /// Adds --exclude, for calibrate and crosscheck. Given several times, its lists are joined.
 void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group);

@@ -91,5 +91,23 @@ TEST_F(ThumbnailsTest, NeedNoKeyOfTheResult) {
   EXPECT_EQ(MakeThumbnails(odd, PictureBytes).size(), 4U);
 }
 
+// Without corners drawn in, and large enough for the edges of the squares.
+TEST_F(ThumbnailsTest, AreLargeIfThePageIsMailed) {
+  const std::string wide = folder.File("wide.png");
+  std::vector<unsigned char> bytes;
+  cv::imencode(".png", cv::Mat(1080, 3840, CV_8UC3, kBlue), bytes);
+  test::WriteFile(wide, {bytes.begin(), bytes.end()});
+  const Json photographs = {{{"reprojectedImage", Image("red.png", kRed)}, {"path", wide}},
+                            {{"path", Image("blue.png", kBlue)}},
+                            {{"reprojectedImage", Image("red.png", kRed)}, {"path", "none.jpg"}}};
+  const auto thumbnails = MakeThumbnails({{"photographs", photographs}}, true);
+  EXPECT_EQ(Decoded(thumbnails.at(0)).cols, 1920);
+  EXPECT_EQ(Decoded(thumbnails.at(0)).rows, 540);
+  EXPECT_TRUE(IsOf(kBlue, thumbnails.at(0)));
+  EXPECT_FALSE(thumbnails.at(0).isReprojected);
+  EXPECT_EQ(Decoded(thumbnails.at(1)).cols, 720);  // not enlarged
+  EXPECT_TRUE(IsOf(kRed, thumbnails.at(2)));       // what there is
+}
+
 }  // namespace
 }  // namespace trackedcam::report

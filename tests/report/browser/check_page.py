@@ -173,6 +173,75 @@ class PageTest(unittest.TestCase):
         ActionChains(self.browser).send_keys(Keys.ESCAPE).perform()
         self.wait_for(lambda: not self.run_script("document.getElementById('enlarged').open"))
 
+    def test_ticked_photographs_make_a_command(self):
+        result = self.open("mounting-off")
+        shown = lambda: self.run_script("!document.getElementById('leave-out').hidden")
+        self.assertFalse(shown())
+        boxes = self.browser.find_elements(By.CSS_SELECTOR, ".leave-out")
+        names = self.run_script("[...document.querySelectorAll('.leave-out')]"
+                                ".map((e) => e.closest('.photograph').dataset.name)")
+        for box in boxes[1], boxes[3]:
+            self.run_script("arguments[0].click()", box)
+        self.assertTrue(shown())
+        stems = [pathlib.PurePosixPath(names[i]).stem for i in (1, 3)]
+        folder = result["log"].rsplit("/", 1)[0]
+        command = f"trackedcam calibrate --config {folder}/calibrate.toml --exclude={','.join(stems)}"
+        self.assertEqual(self.run_script("document.getElementById('leave-out-command').textContent"), command)
+        self.assertEqual(self.run_script("document.getElementById('leave-out-copy').dataset.copy"), command)
+        for box in boxes[1], boxes[3]:
+            self.run_script("arguments[0].click()", box)
+        self.assertFalse(shown())
+
+    def enlarge(self, at):
+        self.run_script("document.querySelectorAll('.photograph .open')[arguments[0]].click()", at)
+        self.wait_for(lambda: self.run_script("document.getElementById('enlarged').open"))
+        self.wait_for(lambda: self.run_script("document.getElementById('enlarged-source').textContent"))
+
+    def test_enlarges_the_original_or_says_that_it_is_not_there(self):
+        result = self.open("noisy")
+        self.enlarge(0)
+        self.assertIn("not where it was", self.texts("#enlarged-source")[0])
+        self.assertIn("--page-photographs full", self.texts("#enlarged-source")[0])
+        self.assertFalse(self.browser.find_element(By.ID, "enlarged-link").is_displayed())
+        # The page beside its photographs.
+        width, height = result["imageSize"]
+        page = (self.folder / "noisy.html").read_text(encoding="utf-8")
+        original = re.search(r'data-original="([^"]+)"', page)[1]
+        (self.folder / "photo.svg").write_text(
+            f'<svg xmlns="http://www.w3.org/2000/svg" width="{width:.0f}" height="{height:.0f}"/>')
+        (self.folder / "noisy.html").write_text(page.replace(f'"{original}"', '"photo.svg"'), encoding="utf-8")
+        try:
+            self.open("noisy")
+            self.enlarge(0)
+            self.assertEqual(self.texts("#enlarged-source"), [f"The original, {width:.0f} × {height:.0f} pixels."])
+            self.assertTrue(self.browser.find_element(By.ID, "enlarged-link").is_displayed())
+        finally:
+            (self.folder / "noisy.html").write_text(page, encoding="utf-8")
+
+    def test_zooms_into_a_photograph(self):
+        self.open("noisy")
+        self.enlarge(0)
+        scale = lambda: self.run_script("new DOMMatrix(getComputedStyle(document.getElementById('enlarged-zoomed')).transform).a")
+        frame = self.browser.find_element(By.ID, "enlarged-frame")
+        self.assertEqual(scale(), 1)
+        ActionChains(self.browser).double_click(frame).perform()
+        self.wait_for(lambda: scale() >= 2)
+        ActionChains(self.browser).double_click(frame).perform()
+        self.wait_for(lambda: scale() == 1)
+        box = self.run_script("(({left, top, width, height}) => [left + width / 4, top + height / 4])"
+                              "(document.getElementById('enlarged-frame').getBoundingClientRect())")
+        wheel = ("document.getElementById('enlarged-frame').dispatchEvent(new WheelEvent('wheel', "
+                 "{deltaY: -400, clientX: arguments[0][0], clientY: arguments[0][1], cancelable: true}))")
+        self.run_script(wheel, box)
+        self.assertAlmostEqual(scale(), 2.718, delta=.01)
+        # What was below the pointer still is.
+        moved = self.run_script("(({left, top}) => [left, top])(document.getElementById('enlarged-zoomed').getBoundingClientRect())")
+        frame_at = self.run_script("(({left, top}) => [left, top])(document.getElementById('enlarged-frame').getBoundingClientRect())")
+        for at, corner, start in zip(box, moved, frame_at, strict=True):
+            self.assertAlmostEqual((at - corner) / scale(), at - start, delta=1)
+        ActionChains(self.browser).send_keys(Keys.ARROW_RIGHT).perform()
+        self.wait_for(lambda: scale() == 1)  # another photograph is shown whole
+
     def test_numbers_are_those_of_the_result(self):
         result = self.open("mounting-off")
         transform = [1000 * result["transformCamTc"][i] for i in (3, 7, 11)]
