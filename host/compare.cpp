@@ -22,7 +22,6 @@ namespace trackedcam::host {
 namespace {
 
 using crosscheck::Pose;
-using Json = nlohmann::json;
 
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 constexpr std::array<const char*, 6> kLensNames = {"fx", "fy", "cx", "cy", "k1", "k2"};
@@ -35,16 +34,16 @@ Pose PoseOfRows(const std::vector<double>& numbers) {
 }
 
 // Null in the file if the shoot does not determine the transform.
-bool IsDetermined(const Json& check) {
-  const Json& error = check.at("standardErrorCamTc");
+bool IsDetermined(const nlohmann::json& check) {
+  const nlohmann::json& error = check.at("standardErrorCamTc");
   return check.at("solved").get<bool>() && !error.at("translationMm").at(0).is_null() &&
          !error.at("rotationDegrees").at(0).is_null();
 }
 
-double MedianDistance(const Json& photographs) {
+double MedianDistance(const nlohmann::json& photographs) {
   std::vector<double> distances;
-  for (const Json& photograph : photographs) {
-    const Json& check = photograph.at("crossCheck");
+  for (const nlohmann::json& photograph : photographs) {
+    const nlohmann::json& check = photograph.at("crossCheck");
     if (!check.is_null() && check.at("used").get<bool>()) {
       distances.push_back(check.at("distanceMetres").get<double>());
     }
@@ -52,8 +51,8 @@ double MedianDistance(const Json& photographs) {
   return distances.empty() ? kUnknown : crosscheck::Median(std::move(distances));
 }
 
-std::optional<ComparedCheck> CheckOf(const Json& result) {
-  const Json& json = result.at("crossCheck");
+std::optional<ComparedCheck> CheckOf(const nlohmann::json& result) {
+  const nlohmann::json& json = result.at("crossCheck");
   if (json.is_null() || !IsDetermined(json)) {
     return std::nullopt;
   }
@@ -66,14 +65,14 @@ std::optional<ComparedCheck> CheckOf(const Json& result) {
     }
   }
   for (std::size_t i = 0; i < kLensNames.size(); ++i) {
-    const Json& error = json.at("lens").at(kLensNames.at(i));
+    const nlohmann::json& error = json.at("lens").at(kLensNames.at(i));
     check.lensErrors.at(i) = error.is_null() ? kUnknown : error.get<double>();
   }
   // Three for each photograph that is used, less the six unknowns.
   check.freedom = 3 * json.at("used").get<double>() - 6;
   check.chartMetres = MedianDistance(result.at("photographs"));
   const double t95 = json.at("t95").get<double>();
-  for (const Json& at : json.at("onScreen")) {
+  for (const nlohmann::json& at : json.at("onScreen")) {
     if (!at.at("pixels").is_null()) {
       check.onScreen.push_back(
           {at.at("distanceMetres").get<double>(), at.at("pixels").get<double>() / t95});
@@ -82,11 +81,11 @@ std::optional<ComparedCheck> CheckOf(const Json& result) {
   return check;
 }
 
-ComparedResult Parse(const Json& json, const std::string& file) {
+ComparedResult Parse(const nlohmann::json& json, const std::string& file) {
   ComparedResult result;
   result.file = file;
   result.verdict = json.at("verdict").at("message").get<std::string>();
-  const Json& inputs = json.at("inputs");
+  const nlohmann::json& inputs = json.at("inputs");
   result.board = inputs.at("board").get<std::array<int, 2>>();
   result.squareMetres = inputs.at("squareMetres").get<double>();
   const auto size = ReadNumbers(json, "imageSize", 2);
@@ -114,8 +113,8 @@ ComparedResult Parse(const Json& json, const std::string& file) {
   }
   result.Transform_Cam_Tc = PoseOfRows(transform);
   result.check = CheckOf(json);
-  for (const Json& photograph : json.at("photographs")) {
-    const Json& check = photograph.at("crossCheck");
+  for (const nlohmann::json& photograph : json.at("photographs")) {
+    const nlohmann::json& check = photograph.at("crossCheck");
     if (!check.is_null()) {
       result.photographs.push_back(check.at("corners").dump());
     }
@@ -293,7 +292,7 @@ std::vector<double> DistancesOf(const ComparedResult& first, const ComparedResul
   return distances;
 }
 
-Json TailJson(double p) {
+nlohmann::json TailJson(double p) {
   const crosscheck::Certainty certainty = crosscheck::CertaintyOf(p);
   return {{"p", NumberJson(p)},
           {"certainty", Name(certainty)},
@@ -301,7 +300,7 @@ Json TailJson(double p) {
 }
 
 nlohmann::ordered_json WithTail(nlohmann::ordered_json json, double p) {
-  const Json tail = TailJson(p);
+  const nlohmann::json tail = TailJson(p);
   for (const char* key : {"p", "certainty", "certaintyText"}) {
     json[key] = tail.at(key);
   }
@@ -312,8 +311,8 @@ nlohmann::ordered_json WithTail(nlohmann::ordered_json json, double p) {
 
 ComparedResult ReadComparedResult(const std::filesystem::path& file) {
   try {
-    const Json json = ReadJson<Json>(file);
-    const Json& code = json.at("code");
+    const nlohmann::json json = ReadJson<nlohmann::json>(file);
+    const nlohmann::json& code = json.at("code");
     if (code.is_null() || !IsUsable(code.get<int>())) {
       throw InputError("the calibration failed");
     }

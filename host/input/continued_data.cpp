@@ -30,7 +30,7 @@ std::string FirstLine(const std::string& content) {
   return std::string(Trim(content.substr(0, content.find('\n'))));
 }
 
-DataFile Read(const fs::path& file) {
+DataFile ReadDataFile(const fs::path& file) {
   DataFile data = {file.u8string(), ReadDataContent(file), {}, {}};
   if (data.content.rfind(kByteOrderMark, 0) == 0) {
     data.content.erase(0, 3);
@@ -47,7 +47,8 @@ DataFile Read(const fs::path& file) {
   return data;
 }
 
-[[noreturn]] void Refuse(const DataFile& first, const DataFile& other, const std::string& reason) {
+[[noreturn]] void RefuseOther(const DataFile& first, const DataFile& other,
+                              const std::string& reason) {
   throw InputError(other.name + " does not continue the shoot of " + first.name + ": " + reason);
 }
 
@@ -89,9 +90,9 @@ void RequireSameSize(const DataFile& first, const DataFile& other, const fs::pat
     return std::to_string(header.width) + 'x' + std::to_string(header.height);
   };
   if (a && b && text(*a) != text(*b)) {
-    Refuse(first, other,
-           "its photographs are of " + text(*b) + " pixels, and not of " + text(*a) +
-               "; a lens is calibrated for one size");
+    RefuseOther(first, other,
+                "its photographs are of " + text(*b) + " pixels, and not of " + text(*a) +
+                    "; a lens is calibrated for one size");
   }
 }
 
@@ -100,19 +101,19 @@ void RequireSameForm(const DataFile& first, const DataFile& other) {
     const auto named = [](const std::string& header) {
       return header.empty() ? std::string("no header") : "the header \"" + header + '"';
     };
-    Refuse(first, other, "it has " + named(other.header) + ", and not " + named(first.header));
+    RefuseOther(first, other, "it has " + named(other.header) + ", and not " + named(first.header));
   }
   if (FieldsOf(first) != FieldsOf(other)) {
-    Refuse(first, other,
-           "its rows have " + std::to_string(FieldsOf(other)) + " fields, and not " +
-               std::to_string(FieldsOf(first)));
+    RefuseOther(first, other,
+                "its rows have " + std::to_string(FieldsOf(other)) + " fields, and not " +
+                    std::to_string(FieldsOf(first)));
   }
   constexpr double kOtherUnit = 20;  // an inch has 25.4 millimetres, a metre 39.4 inches
   const double ratio = MetresApart(other) / MetresApart(first);
   if (ratio > kOtherUnit || ratio < 1 / kOtherUnit) {
-    Refuse(first, other,
-           "its trackers are " + Fixed(ratio, ratio < 1 ? 3 : 0) +
-               " times as far apart, so its positions have another unit");
+    RefuseOther(first, other,
+                "its trackers are " + Fixed(ratio, ratio < 1 ? 3 : 0) +
+                    " times as far apart, so its positions have another unit");
   }
 }
 
@@ -138,7 +139,7 @@ void RequireOtherPhotographs(const DataFile& first, const DataFile& other,
     }
   }
   if (!twice.empty()) {
-    Refuse(first, other, "both have " + List(twice, twice.size()));
+    RefuseOther(first, other, "both have " + List(twice, twice.size()));
   }
 }
 
@@ -165,10 +166,10 @@ std::string ContinuedContent(const Inputs& inputs) {
   if (inputs.moreData.empty()) {
     return ReadDataContent(inputs.data);
   }
-  std::vector<DataFile> files = {Read(inputs.data)};
+  std::vector<DataFile> files = {ReadDataFile(inputs.data)};
   std::string content = files.front().content;
   for (const fs::path& file : inputs.moreData) {
-    DataFile other = Read(file);
+    DataFile other = ReadDataFile(file);
     RequireSameForm(files.front(), other);
     RequireSameSize(files.front(), other, inputs.workingFolder);
     for (const DataFile& earlier : files) {
