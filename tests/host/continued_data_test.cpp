@@ -13,9 +13,9 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-constexpr const char* kHeader = "Time,photograph,poses\n";
+constexpr const char* kRecorderHeader = "Time,photograph,poses\n";
 
-std::string RowOf(const std::string& photograph, const std::string& chartX = "1.5") {
+std::string RecordedRowOf(const std::string& photograph, const std::string& chartX = "1.5") {
   return "0," + photograph + ",0,0,0,1,0,0,0," + chartX + ",0,0,1,0,0,0\n";
 }
 
@@ -25,7 +25,8 @@ class ContinuedDataTest : public testing::Test {
     inputs.data = folder.Path() / "a.csv";
     inputs.moreData = {folder.Path() / "b.csv"};
     inputs.workingFolder = folder.Path();
-    test::WriteFile(folder.File("a.csv"), kHeader + RowOf("1.jpg") + RowOf("2.jpg"));
+    test::WriteFile(folder.File("a.csv"),
+                    kRecorderHeader + RecordedRowOf("1.jpg") + RecordedRowOf("2.jpg"));
   }
 
   std::string RefusalOf(const std::string& second) {
@@ -43,7 +44,7 @@ class ContinuedDataTest : public testing::Test {
 };
 
 TEST_F(ContinuedDataTest, CountsTheLinesOn) {
-  test::WriteFile(folder.File("b.csv"), kHeader + RowOf("3.jpg"));
+  test::WriteFile(folder.File("b.csv"), kRecorderHeader + RecordedRowOf("3.jpg"));
   const std::vector<DataRow> rows = ReadRows(ContinuedContent(inputs));
   ASSERT_EQ(rows.size(), 3U);
   EXPECT_EQ(rows[2].photograph, "3.jpg");
@@ -52,8 +53,8 @@ TEST_F(ContinuedDataTest, CountsTheLinesOn) {
 
 TEST_F(ContinuedDataTest, HasOneHeaderWhateverItIs) {
   const std::string header = "seconds,file,x,y,z,w,x,y,z,x,y,z,w,x,y,z\n";
-  test::WriteFile(folder.File("a.csv"), header + RowOf("1.jpg"));
-  test::WriteFile(folder.File("b.csv"), "\xEF\xBB\xBF" + header + RowOf("3.jpg"));
+  test::WriteFile(folder.File("a.csv"), header + RecordedRowOf("1.jpg"));
+  test::WriteFile(folder.File("b.csv"), "\xEF\xBB\xBF" + header + RecordedRowOf("3.jpg"));
   const std::vector<DataRow> rows = ReadRows(ContinuedContent(inputs));
   ASSERT_EQ(rows.size(), 3U);  // the first header is a row, with a finding of its own
   EXPECT_EQ(rows[2].photograph, "3.jpg");
@@ -61,22 +62,25 @@ TEST_F(ContinuedDataTest, HasOneHeaderWhateverItIs) {
 }
 
 TEST_F(ContinuedDataTest, RefusesOtherData) {
-  EXPECT_EQ(RefusalOf(kHeader + RowOf("3.jpg")), "not refused");
-  EXPECT_THAT(RefusalOf("Time,other\n" + RowOf("3.jpg")),
+  EXPECT_EQ(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg")), "not refused");
+  EXPECT_THAT(RefusalOf("Time,other\n" + RecordedRowOf("3.jpg")),
               AllOf(HasSubstr("b.csv does not continue the shoot of "), HasSubstr("Time,other")));
-  EXPECT_THAT(RefusalOf(RowOf("3.jpg")), HasSubstr("no header"));
-  EXPECT_THAT(RefusalOf(kHeader + RowOf("3.jpg", "1.5,7")), HasSubstr("17 fields, and not 16"));
-  EXPECT_THAT(RefusalOf(kHeader + RowOf("3.jpg", "1500")), HasSubstr("another unit"));
-  EXPECT_THAT(RefusalOf(kHeader + RowOf("./2.jpg")), HasSubstr("both have "));
-  EXPECT_THAT(RefusalOf(kHeader), HasSubstr("no rows"));
+  EXPECT_THAT(RefusalOf(RecordedRowOf("3.jpg")), HasSubstr("no header"));
+  EXPECT_THAT(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg", "1.5,7")),
+              HasSubstr("17 fields, and not 16"));
+  EXPECT_THAT(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg", "1500")),
+              HasSubstr("another unit"));
+  EXPECT_THAT(RefusalOf(kRecorderHeader + RecordedRowOf("./2.jpg")), HasSubstr("both have "));
+  EXPECT_THAT(RefusalOf(kRecorderHeader), HasSubstr("no rows"));
 }
 
 TEST_F(ContinuedDataTest, RefusesPhotographsOfAnotherSize) {
   cv::imwrite(folder.File("1.jpg"), cv::Mat(36, 64, CV_8UC3));
   cv::imwrite(folder.File("3.jpg"), cv::Mat(72, 128, CV_8UC3));
-  EXPECT_THAT(RefusalOf(kHeader + RowOf("3.jpg")), AllOf(HasSubstr("128x72"), HasSubstr("64x36")));
+  EXPECT_THAT(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg")),
+              AllOf(HasSubstr("128x72"), HasSubstr("64x36")));
   cv::imwrite(folder.File("3.jpg"), cv::Mat(36, 64, CV_8UC3));
-  EXPECT_EQ(RefusalOf(kHeader + RowOf("3.jpg")), "not refused");
+  EXPECT_EQ(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg")), "not refused");
 }
 
 TEST_F(ContinuedDataTest, NeedsAWorkingFolderIfTheFilesAreInSeveral) {
