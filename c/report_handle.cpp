@@ -8,7 +8,6 @@
 #include "host/input/photograph_file.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
-#include "host/silenced_stdout.h"
 #include "host/text/files.h"
 #include "report/page.h"
 #include "report/thumbnails.h"
@@ -92,10 +91,9 @@ Handles<trackedcam_report, Report>& Reports() {
   return *reports;
 }
 
-Report::Report(host::Report report, bool isCalibration, bool isSilent)
+Report::Report(host::Report report, bool isCalibration)
     : level_(report.verdict.level),
       isCalibration_(isCalibration),
-      isSilent_(isSilent),
       report_(std::move(report)),
       result_(host::ResultJson(report_)) {
   if (isCalibration_ && level_ != host::Level::kFailed) {
@@ -219,10 +217,6 @@ host::ExportInput Report::InputOf(const ExportRequest& request) const {
 
 host::EngineExport Report::RunExport(const host::Engine& engine,
                                      const host::ExportInput& input) const {
-  std::optional<host::SilencedStdout> silenced;
-  if (isSilent_ && !engine.takesParentAxes) {
-    silenced.emplace();
-  }
   return host::ExportToEngine(engine, input, report_.run.folder / engine.name);
 }
 

@@ -27,8 +27,7 @@ struct ExportRequest {
 class Report {
  public:
   /// @param isCalibration False for the report of a log, which cannot be exported.
-  /// @param isSilent Whether the exports discard standard output.
-  Report(host::Report report, bool isCalibration, bool isSilent);
+  Report(host::Report report, bool isCalibration);
 
   host::Level Level() const { return level_; }
 
@@ -69,7 +68,6 @@ class Report {
 
   const host::Level level_;
   const bool isCalibration_;
-  const bool isSilent_;
   const host::Report report_;
   host::Origin origin_;               // of a calibration
   std::filesystem::path photograph_;  // as host::ExportInput::photograph

@@ -12,7 +12,6 @@
 #include "c/platform.h"
 #include "c/shoot_handle.h"
 #include "host/calibrate.h"
-#include "host/silenced_stdout.h"
 #include "report/thumbnails.h"
 
 namespace trackedcam::c {
@@ -58,19 +57,8 @@ class RunningRuns {
 void PrepareProcess() {
   StayLoaded();
   report::PrepareImageLibrary();
-  AroundForks(
-      [] {
-        RunningRuns::Get().Hold();
-        host::HoldSilence();
-      },
-      [] {
-        host::ReleaseSilence();
-        RunningRuns::Get().Release();
-      },
-      [] {
-        host::EndSilenceInChild();
-        RunningRuns::Get().ForgetInChild();
-      });
+  AroundForks([] { RunningRuns::Get().Hold(); }, [] { RunningRuns::Get().Release(); },
+              [] { RunningRuns::Get().ForgetInChild(); });
   if (kThreadsOutliveExit) {
     std::atexit([] { RunningRuns::Get().WaitForAll(); });
   }
@@ -94,24 +82,20 @@ void InBackground(std::function<void()> work) {
 
 }  // namespace
 
-std::shared_ptr<Run> Run::Start(const host::Inputs& inputs, bool isSilent) {
+std::shared_ptr<Run> Run::Start(const host::Inputs& inputs) {
   auto run = std::make_shared<Run>();
-  InBackground([run, inputs, isSilent] { run->Work(inputs, isSilent); });
+  InBackground([run, inputs] { run->Work(inputs); });
   return run;
 }
 
-void Run::Work(const host::Inputs& inputs, bool isSilent) noexcept {
+void Run::Work(const host::Inputs& inputs) noexcept {
   std::shared_ptr<Report> report;
   Message message = {};
   const trackedcam_status status = Guarded(message, [&] {
-    std::optional<host::SilencedStdout> silenced;
-    if (isSilent) {
-      silenced.emplace();
-    }
     report = std::make_shared<Report>(
         host::Calibrate(inputs, host::ReadShootData(inputs),
                         [this](const host::Progress& progress) { Hear(progress); }),
-        true, isSilent);
+        true);
   });
   const std::lock_guard<std::mutex> lock(mutex_);
   status_ = status;
@@ -183,7 +167,7 @@ namespace {
 std::shared_ptr<Run> Started(trackedcam_shoot* shoot, const trackedcam_settings* settings) {
   const auto rows = Shoots().Get(shoot);
   RequireSettings(settings);
-  return Run::Start(InputsOf(*rows, *settings), settings->silent != 0);
+  return Run::Start(InputsOf(*rows, *settings));
 }
 
 }  // namespace
@@ -267,6 +251,6 @@ trackedcam_status trackedcam_crosscheck(const char* log_file, const trackedcam_s
     *report = Reports().Add(std::make_shared<Report>(
         trackedcam::host::CheckLog(std::filesystem::absolute(std::filesystem::u8path(log)),
                                    mounting, goodEnough, scaleUncertainty, exclude),
-        false, false));
+        false));
   });
 }

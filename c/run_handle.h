@@ -16,7 +16,7 @@ namespace trackedcam::c {
 class Run {
  public:
   /// The thread shares ownership of the run, so the caller may drop it at any time.
-  static std::shared_ptr<Run> Start(const host::Inputs& inputs, bool isSilent);
+  static std::shared_ptr<Run> Start(const host::Inputs& inputs);
 
   /// Whether it has ended.
   bool IsDone() const;
@@ -34,7 +34,7 @@ class Run {
   std::shared_ptr<Report> TheReport() const;
 
  private:
-  void Work(const host::Inputs& inputs, bool isSilent) noexcept;
+  void Work(const host::Inputs& inputs) noexcept;
   void Hear(const host::Progress& progress);
 
   mutable std::mutex mutex_;

@@ -10,7 +10,6 @@
 
 #include "c/handles.h"
 #include "c/status.h"
-#include "host/silenced_stdout.h"
 #include "host/text/files.h"
 #include "host/verify/verify.h"
 #include "host/verify/verify_json.h"
@@ -87,12 +86,8 @@ trackedcam_status trackedcam_verify(const char* result_file, const char* data_fi
     inputs.data = AbsolutePathOf(RequireText(data_file, "data_file"), "data_file");
     inputs.workingFolder = inputs.data.parent_path();
     RequirePointer(verification, "verification");
-    std::optional<trackedcam::host::SilencedStdout> silenced;
     if (options != nullptr) {
       Apply(*options, inputs);
-      if (options->silent != 0) {
-        silenced.emplace();
-      }
     }
     const trackedcam::host::VerifyReport report = trackedcam::host::Verify(inputs);
     *verification = Verifications().Add(std::make_shared<Verification>(

@@ -35,12 +35,6 @@ void Silence(int standardOutput) {
   }
 }
 
-void Restore() {
-  ReplaceDescriptor(StdoutDescriptor(), saved);
-  CloseDescriptor(saved);
-  saved = -1;
-}
-
 }  // namespace
 
 // If standard output is closed, there is nothing to silence.
@@ -57,25 +51,10 @@ SilencedStdout::~SilencedStdout() {
   const std::lock_guard<std::mutex> lock(mutex);
   if (--silencers == 0 && saved >= 0) {
     FlushStreams();
-    Restore();
+    ReplaceDescriptor(StdoutDescriptor(), saved);
+    CloseDescriptor(saved);
+    saved = -1;
   }
-}
-
-void HoldSilence() {
-  mutex.lock();
-}
-
-void ReleaseSilence() {
-  mutex.unlock();
-}
-
-// What is in the buffers is the parent's.
-void EndSilenceInChild() {
-  silencers = 0;
-  if (saved >= 0) {
-    Restore();
-  }
-  mutex.unlock();
 }
 
 }  // namespace trackedcam::host

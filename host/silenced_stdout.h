@@ -14,10 +14,4 @@ class SilencedStdout {
   SilencedStdout& operator=(const SilencedStdout&) = delete;
 };
 
-/// A child process that forks from this one has none of its threads, so nothing there would end the
-/// silence. Call the first before the fork, on the forking thread, then one of the others.
-void HoldSilence();
-void ReleaseSilence();
-void EndSilenceInChild();
-
 }  // namespace trackedcam::host

@@ -30,10 +30,8 @@
 /// threads, and several runs may go on at once. Callbacks come only on the thread that made the
 /// call.
 ///
-/// **Standard output.** While a calibration runs, and during an export to ue4, ue5, ue5-xn or
-/// aximmetry, the library also writes each line of its log to the standard output of the process:
-/// local time, a tab, the message. Nothing else is written there. It is never read, and redirected
-/// only if trackedcam_settings.silent is 1.
+/// **Standard output.** Nothing is written to the standard output of the process, and it is never
+/// read or redirected. The lines of a run are in its log.
 ///
 /// **Background.** A run cannot be cancelled. To stop waiting for it, free it; it continues to its
 /// end. After the first run the library stays loaded, and on Linux the process waits for running
@@ -200,7 +198,7 @@ typedef struct trackedcam_settings {
   /// 1: if the cross-check finds another mounting or bad photographs, calibrate again with the
   /// mounting found and without those photographs.
   int32_t refine_mounting;
-  int32_t silent;  ///< 1: discard the standard output of the whole process during the run.
+  int32_t silent;            ///< 0 or 1, without effect: no run writes to standard output.
   int32_t quaternion_order;  ///< One of trackedcam_quaternion_order.
   /// Folder of relative paths of photographs. NULL: the folder of the data file; for rows in
   /// memory, the working directory of the process.
@@ -551,7 +549,7 @@ typedef struct trackedcam_verify_options {
   int32_t board_columns;    ///< Of another chart: inner corners along a row; 0: the result's.
   int32_t board_rows;       ///< Of another chart: inner corners along a column; 0: the result's.
   double square_m;          ///< Of another chart: edge of one square; 0: the result's.
-  int32_t silent;    ///< 1: discard the standard output of the whole process during the call.
+  int32_t silent;    ///< 0 or 1, without effect: no run writes to standard output.
   int32_t reserved;  ///< 0.
   const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
 } trackedcam_verify_options;

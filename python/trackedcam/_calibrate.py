@@ -143,8 +143,7 @@ def start(data: Union[Path, Sequence[Path], Shoot], *, sensor_mm: Sequence[float
         scale_uncertainty_percent: how accurately the edge of the squares is known against the trackers' lengths.
         working_folder: folder of relative paths of photographs; None: that of the data file, or the working
             directory for a Shoot.
-        silent: discard the standard output of the whole process during the run. Otherwise the library writes each
-            line of its log there.
+        silent: without effect; no run writes to standard output.
         exclude: photographs to leave out: paths as in the data file or the ends of them, with or without the file's
             ending, such as ["img_003", "img_007"].
 

@@ -49,7 +49,7 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
         board: inner corners of another chart, along a row and along a column; None: the result's.
         square_m: edge of one square of another chart, metres; None: the result's.
         working_folder: folder of relative paths of photographs; None: that of the data file.
-        silent: discard the standard output of the whole process during the call.
+        silent: without effect; no run writes to standard output.
 
     Raises:
         InputError: the result is of an older form, cut, edited or wrong, or the photographs, the board or the squares

@@ -83,11 +83,11 @@ TEST_F(ChartCommand, NeedsAKnownPaperAndFormat) {
 
 TEST_F(ChartCommand, NeedsAFileThatCanBeWritten) {
   std::filesystem::create_directory(folder.Path() / "folder.pdf");
-  ExpectError(Draw("30mm", "A3", "folder.pdf"), 2, "folder.pdf is a folder, not a file");
+  ExpectError(Draw("30mm", "A3", "folder.pdf"), 2, "folder.pdf: it is a folder, not a file");
   test::WriteFile(folder.File("file"), "");
   ExpectError(Draw("30mm", "A3", "file/chart.pdf"), 2, "--out: cannot create the folder");
   std::filesystem::create_symlink("/dev/full", folder.Path() / "full.pdf");
-  ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf is not a regular file");
+  ExpectError(Draw("30mm", "A3", "full.pdf"), 2, "full.pdf: it is a file of the system");
 }
 
 TEST_F(ChartCommand, ReplacesAChartAndNoOtherFile) {

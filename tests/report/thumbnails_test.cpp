@@ -100,7 +100,7 @@ TEST_F(ThumbnailsTest, AreLargeIfThePageIsMailed) {
   const Json photographs = {{{"reprojectedImage", Image("red.png", kRed)}, {"path", wide}},
                             {{"path", Image("blue.png", kBlue)}},
                             {{"reprojectedImage", Image("red.png", kRed)}, {"path", "none.jpg"}}};
-  const auto thumbnails = MakeThumbnails({{"photographs", photographs}}, true);
+  const auto thumbnails = MakeThumbnails({{"photographs", photographs}}, PictureBytes, true);
   EXPECT_EQ(Decoded(thumbnails.at(0)).cols, 1920);
   EXPECT_EQ(Decoded(thumbnails.at(0)).rows, 540);
   EXPECT_TRUE(IsOf(kBlue, thumbnails.at(0)));
