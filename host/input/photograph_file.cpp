@@ -9,7 +9,7 @@
 namespace trackedcam::host {
 namespace {
 
-constexpr std::uint64_t kMostPixels = 200000000;
+constexpr std::uint64_t kMostPhotographPixels = 200000000;
 constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
 
 constexpr int kMostScans = 64;
@@ -19,7 +19,7 @@ constexpr std::uint64_t kBytesBesides = 64ULL << 20;  // of previews and short f
 }  // namespace
 
 bool IsHuge(const PhotographHeader& header) {
-  return header.width > kMostPixels / header.height || header.width > kLongestSide ||
+  return header.width > kMostPhotographPixels / header.height || header.width > kLongestSide ||
          header.height > kLongestSide;
 }
 

@@ -91,11 +91,20 @@ class PlacesThatCannotBeWritten(Shoot):
         self.assertEqual(done.returncode, 2, done.stderr)
         self.assertRegex(done.stderr, "cannot write to the log folder /proc")
 
+    def test_files_of_the_system_are_refused_before_the_run(self):
+        for file in "/proc/result.json", "/dev/stdout", "/dev/fd/1":
+            done = self.calibrate("--result", file)
+            self.assertEqual(done.returncode, 2, done.stderr)
+            self.assertRegex(done.stderr, f"cannot write {file}: it is a file of the system")
+        self.assertFalse(self.log_folder.exists())
+
     def test_a_result_that_cannot_be_written_affects_nothing_else(self):
-        done = self.calibrate("--result", "/proc/result.json", "--report", "/proc/page.html")
+        out = self.home / "out"
+        done = self.calibrate_with_intrusion("Camera calibration start.", lambda: shutil.rmtree(out),
+                                             "--result", out / "result.json", "--report", out / "page.html")
         self.assertEqual(done.returncode, 1)
-        self.assertRegex(done.stderr, r"error: cannot write /proc/result\.json: ")
-        self.assertRegex(done.stderr, r"error: cannot write /proc/page\.html: ")
+        self.assertRegex(done.stderr, r"error: cannot write \S*/out/result\.json: ")
+        self.assertRegex(done.stderr, r"error: cannot write \S*/out/page\.html: ")
         self.assertRegex(done.stdout, "Success")
         self.assert_same_values(self.read_result(self.log_folder / "run_001" / "result.json"))
 
