@@ -23,9 +23,10 @@ using testing::StartsWith;
 
 class CrosscheckShoot : public testing::Test {
  protected:
+  // Also over rows that the test has changed.
   void Simulate(std::vector<std::string> more) {
-    std::vector<std::string> arguments = {"simulate", "shoot",   "--photographs",
-                                          "40",       "--image", "640x360"};
+    std::vector<std::string> arguments = {"simulate", "shoot",   "--photographs", "40",
+                                          "--image",  "640x360", "--force"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     ASSERT_EQ(RunHostProgram(folder.Path(), arguments).status, 0);
   }
