@@ -4,7 +4,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 #include <Eigen/Cholesky>
@@ -212,6 +214,21 @@ CornerFit FitCorners(const CornerModel& model,
     fit = with;
   }
   return fit;
+}
+
+Eigen::Matrix<double, kAllLensParameters, kAllLensParameters> CovarianceOfAnyLens(
+    const CornerFit& fit) {
+  Indices all(kAllLensParameters);
+  std::iota(all.begin(), all.end(), 0);
+  std::copy_if(fit.parameters.begin(), fit.parameters.end(), std::back_inserter(all),
+               [](Eigen::Index parameter) { return parameter >= kAllLensParameters; });
+  return fit.noisePixels * fit.noisePixels *
+         InverseOf(fit.information(all, all))
+             .topLeftCorner<kAllLensParameters, kAllLensParameters>();
+}
+
+double FreedomOf(const CornerFit& fit) {
+  return FreedomOfCorners(fit, fit.parameters.size());
 }
 
 Eigen::VectorXd ChangeWithout(const CornerFit& fit, CornerFlaw flaw) {

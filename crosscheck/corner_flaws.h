@@ -37,6 +37,14 @@ struct CornerFit {
 CornerFit FitCorners(const CornerModel& model,
                      const std::vector<std::vector<Eigen::Vector2d>>& corners);
 
+/// The covariance of fx, fy, cx, cy, k1, k2, p1, p2, k3 if all nine are unknown, whether or not the
+/// fit carries the last three; NaN if the corners do not determine them.
+Eigen::Matrix<double, kAllLensParameters, kAllLensParameters> CovarianceOfAnyLens(
+    const CornerFit& fit);
+
+/// Degrees of freedom of the corners' noise.
+double FreedomOf(const CornerFit& fit);
+
 /// By how much the parameters that are solved for would change if this flaw were left out.
 Eigen::VectorXd ChangeWithout(const CornerFit& fit, CornerFlaw flaw);
 

@@ -14,6 +14,7 @@
 #include "crosscheck/findings.h"
 #include "crosscheck/flaw_findings.h"
 #include "crosscheck/misread.h"
+#include "crosscheck/on_screen.h"
 #include "crosscheck/photographs.h"
 #include "crosscheck/reported_poses.h"
 #include "crosscheck/solve.h"
@@ -79,6 +80,9 @@ void CheckObservations(const Observations& observations) {
   }
   Require(observations.goodEnough.mm > 0 && observations.goodEnough.degrees > 0,
           "The accuracy that is good enough must be above 0.");
+  Require(std::all_of(observations.atMetres.begin(), observations.atMetres.end(),
+                      [](double metres) { return metres > 0 && std::isfinite(metres); }),
+          "Distances must be positive and finite.");
 }
 
 std::optional<Solution> SolveShoot(const Evidence& evidence) {
@@ -282,7 +286,11 @@ void Fill(const Observations& observations, const Evidence& evidence,
     check.library = CompareCamTc(solution, check.covarianceCamTcTwist, *library);
   }
   FillMounting(observations, evidence, solution, free, check);
-  check.onScreen = OnScreenAtAll(evidence, solution, library);
+  check.imageCells = CellsOf(observations, evidence);
+  for (const double distance : DistancesOf(observations, evidence.loops)) {
+    check.onScreen.push_back(OnScreenAt(distance, evidence, solution, check.imageCells, library));
+  }
+  inputs.lensNotSeen = FindLensNotSeen(evidence, check.imageCells);
   Suggestions suggestions = SuggestViews(evidence, solution);
   check.suggestedViews = std::move(suggestions.views);
   check.photographsToHalve = suggestions.photographsToHalve;
@@ -293,7 +301,8 @@ void Fill(const Observations& observations, const Evidence& evidence,
   if (inputs.flaw || !evidence.corners.flaws.empty()) {
     inputs.withoutFlaws = TakeFlawsAway(observations, evidence, solution, inputs.flaw, library);
   }
-  inputs.atChart = OnScreenAt(MeanDistance(evidence.loops), evidence, solution, library);
+  inputs.atChart =
+      OnScreenAt(MeanDistance(evidence.loops), evidence, solution, check.imageCells, library);
 }
 
 // A solution that is almost undetermined lies along a long valley, of which its covariance shows

@@ -23,6 +23,7 @@ constexpr double kSureSquare = 0.01;
 constexpr double kLeastSpread = 0.05;  // metres that the chart must have moved to show the squares
 constexpr double kNoisyMm = 2;
 constexpr double kNoisyDegrees = 0.2;
+constexpr double kMuchNotSeen = 0.25;  // share of the image: more than a careful shoot leaves
 
 // Photographs from a distance that is smaller by less are no closer ones.
 constexpr double kCloser = 0.7;
@@ -216,7 +217,7 @@ std::optional<Finding> AccuracyFinding(const CrossCheck& check, const Evidence& 
       check.t95);
   uncertain.byTrackers = {WithoutPart(found.mm, uncertain.byLens.mm),
                           WithoutPart(found.degrees, uncertain.byLens.degrees)};
-  uncertain.pixels = inputs.atChart ? inputs.atChart->pixels : std::nan("");
+  uncertain.pixels = inputs.atChart ? inputs.atChart->middle.pixels : std::nan("");
   uncertain.distanceMetres = MeanDistance(evidence.loops);
   if (!check.suggestedViews.empty()) {
     const double best = check.suggestedViews.front().distanceMetres;
@@ -228,6 +229,14 @@ std::optional<Finding> AccuracyFinding(const CrossCheck& check, const Evidence& 
       SizeOf(uncertain.byLens, inputs.goodEnough) > SizeOf(uncertain.byTrackers, inputs.goodEnough);
   return Finding{Severity::kWarning, isLens ? FindingKind(LensUncertain{uncertain})
                                             : FindingKind(TrackersUncertain{uncertain})};
+}
+
+std::optional<Finding> NotSeenFinding(const FindingInputs& inputs) {
+  if (!inputs.lensNotSeen) {
+    return std::nullopt;
+  }
+  const bool isMuch = inputs.lensNotSeen->share >= kMuchNotSeen;
+  return Finding{isMuch ? Severity::kWarning : Severity::kNote, *inputs.lensNotSeen};
 }
 
 std::optional<Finding> NoiseFinding(const CrossCheck& check) {
@@ -274,6 +283,7 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
     add(LibraryFinding(check, inputs));
   }
   findings.insert(findings.end(), flaws.begin(), flaws.end());
+  add(NotSeenFinding(inputs));
   bool isNamed = inputs.flaw.has_value();
   if (inputs.loose) {
     isNamed = add(LooseFinding(*inputs.loose));

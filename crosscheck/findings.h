@@ -23,7 +23,8 @@ struct FindingInputs {
   WithoutFlaws withoutFlaws;            // if that or a flaw of chart or lens was found
   std::optional<Offset> result;  // of the library's transform, or of what the stated mounting gives
   std::optional<OnScreen> atChart;  // at the chart's own distance
-  double chartSpreadMetres = 0;     // of the chart's positions in front of the camera
+  std::optional<LensNotSeen> lensNotSeen;
+  double chartSpreadMetres = 0;  // of the chart's positions in front of the camera
 };
 
 /// The photographs show that lengths of trackers and squares do not fit each other, beyond what is

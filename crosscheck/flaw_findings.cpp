@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "crosscheck/clusters.h"
+#include "crosscheck/on_screen.h"
 #include "crosscheck/uncertainty.h"
 
 namespace trackedcam::crosscheck {

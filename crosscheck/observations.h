@@ -62,6 +62,7 @@ struct Observations {
   std::optional<Mounting> mounting;  // as stated, if it was
   std::optional<Eigen::Matrix4d> library;  // its Transform_Cam_Tc, to be checked
   Accuracy goodEnough;                     // for the user
+  std::vector<double> atMetres;  // distances at which errors are given; empty: the usual ones
 };
 
 }  // namespace trackedcam::crosscheck

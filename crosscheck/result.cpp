@@ -21,6 +21,7 @@ struct NameOfKind {
   const char* operator()(const ChartNotFlat&) const { return "chartNotFlat"; }
   const char* operator()(const ChartStretched&) const { return "chartStretched"; }
   const char* operator()(const LensModel&) const { return "lensModel"; }
+  const char* operator()(const LensNotSeen&) const { return "lensNotSeen"; }
   const char* operator()(const TrackerErrors& errors) const {
     return errors.follow ? Name(*errors.follow) : "structuredErrors";
   }
@@ -31,6 +32,30 @@ struct NameOfKind {
 
 const char* Name(Tracker tracker) {
   return tracker == Tracker::kCamera ? "camera" : "chart";
+}
+
+const char* Name(ImagePart part) {
+  switch (part) {
+    case ImagePart::kUpperLeft:
+      return "upperLeft";
+    case ImagePart::kTop:
+      return "top";
+    case ImagePart::kUpperRight:
+      return "upperRight";
+    case ImagePart::kLeft:
+      return "left";
+    case ImagePart::kMiddle:
+      return "middle";
+    case ImagePart::kRight:
+      return "right";
+    case ImagePart::kLowerLeft:
+      return "lowerLeft";
+    case ImagePart::kBottom:
+      return "bottom";
+    case ImagePart::kLowerRight:
+      return "lowerRight";
+  }
+  return "";
 }
 
 const char* Name(RowReading reading) {

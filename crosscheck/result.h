@@ -168,12 +168,43 @@ struct Step {
   double gain = 0;  // how much better the shoot fits, as chi squared of six
 };
 
-/// The uncertainty in the image.
+/// The ninths of the image, row by row.
+enum class ImagePart {
+  kUpperLeft,
+  kTop,
+  kUpperRight,
+  kLeft,
+  kMiddle,
+  kRight,
+  kLowerLeft,
+  kBottom,
+  kLowerRight,
+};
+
+/// upperLeft, top, upperRight, ...
+const char* Name(ImagePart part);
+
+/// How far from its true place a thing may appear at one place of the image: 95 % appear nearer.
+struct PlaceError {
+  double pixels = 0;
+  double mm = 0;  // on a wall at the distance, across the optical axis
+};
+
+/// The image in cells, row by row.
+struct ImageCells {
+  int columns = 0;
+  int rows = 0;
+  std::vector<bool> seen;  // within the board of a photograph, or with a corner
+};
+
+/// The uncertainty in the image at a distance, of lens and transform together; NaN where the
+/// distortion of the lens folds the image.
 struct OnScreen {
   double distanceMetres = 0;
-  double pixels = 0;                   // 95 %
-  double fromTransform = 0;            // 95 %, pixels
-  double fromLens = 0;                 // 95 %, pixels
+  PlaceError middle;  // of the image
+  PlaceError corner;  // of the image, the worst of the four
+  ImagePart worstCorner = ImagePart::kUpperLeft;
+  std::vector<double> cellPixels;      // in the middle of each of the ImageCells
   std::optional<double> libraryApart;  // how far the two solutions differ, pixels
 };
 
@@ -329,6 +360,13 @@ struct LensModel {
   double distanceMetres = 0;
 };
 
+/// Where no board was, the photographs do not exclude a distortion that k1 and k2 leave out.
+struct LensNotSeen {
+  double share = 0;   // of the image, 0 to 1
+  double pixels = 0;  // 95 %, the worst of it; NaN if not determined
+  std::vector<ImagePart> parts;
+};
+
 /// Errors of the trackers that are not noise.
 struct TrackerErrors {
   std::optional<TrackerFlaw> follow;  // nothing: neighbouring photographs share them
@@ -351,13 +389,13 @@ struct TrackerLoose {
 using FindingKind =
     std::variant<NoAgreement, MisreadRows, TooLittleRotation, TrackerMoved, MountingOff,
                  BadPhotographs, SquareSizeOff, HalvesDiffer, LensUncertain, TrackersUncertain,
-                 TrackersNoisy, LibraryApart, ChartNotFlat, ChartStretched, LensModel,
+                 TrackersNoisy, LibraryApart, ChartNotFlat, ChartStretched, LensModel, LensNotSeen,
                  TrackerErrors, TrackerLoose>;
 
 /// noAgreement, reading, tooLittleRotation, trackerMoved, mountingOff, badPhotographs, squareSize,
 /// halvesDiffer, lensUncertain, trackersUncertain, trackersNoisy, libraryApart, chartNotFlat,
-/// chartStretched, lensModel, trackerLoose; mountSags, volumeBent, poseDependentErrors, delay
-/// or structuredErrors
+/// chartStretched, lensModel, lensNotSeen, trackerLoose; mountSags, volumeBent,
+/// poseDependentErrors, delay or structuredErrors
 const char* Name(const FindingKind& kind);
 
 enum class Severity { kError, kWarning, kNote };
@@ -402,7 +440,8 @@ struct CrossCheck {
   SquareSize square;
   std::optional<Step> step;
   std::optional<Offset> halves;
-  std::vector<OnScreen> onScreen;
+  ImageCells imageCells;
+  std::vector<OnScreen> onScreen;             // the nearest first
   std::vector<PerPhotograph> perPhotograph;   // one for each photograph, in order
   std::vector<SuggestedView> suggestedViews;  // the best first
   /// How many photographs of such views halve the uncertainty of Transform_Cam_Tc; nothing if more

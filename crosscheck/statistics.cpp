@@ -25,6 +25,38 @@ double StudentHalfWidth95(double freedom) {
   return quantile(boost::math::students_t(freedom), 0.975);
 }
 
+// Along a direction, the points of a circular t of variance 1 are beyond r with the probability
+// (1 + r² / freedom) to the power of -freedom / 2; the covariance stretches each direction.
+double PlaneRadius95(const Eigen::Matrix2d& covariance, double freedom) {
+  constexpr int kDirections = 64;  // of a quarter
+  constexpr double kQuarter = 1.5707963267948966;
+  constexpr double kBeyond = 0.05;
+  const double half = 0.5 * covariance.trace();
+  const double between = std::hypot(0.5 * (covariance(0, 0) - covariance(1, 1)), covariance(0, 1));
+  const double large = half + between;
+  const double small = std::max(0.0, half - between);
+  if (!std::isfinite(large) || !(freedom > 0)) {
+    return std::nan("");
+  }
+  const auto beyond = [&](double radius) {
+    double sum = 0;
+    for (int i = 0; i < kDirections; ++i) {
+      const double along = std::cos((i + 0.5) * kQuarter / kDirections);
+      const double variance = small + (large - small) * along * along;
+      sum += std::exp(-0.5 * freedom * std::log1p(radius * radius / (variance * freedom)));
+    }
+    return sum / kDirections;
+  };
+  // All points of the larger variance, in both directions, would be farther out.
+  double least = 0;
+  double most = std::sqrt(large * freedom * std::expm1(-2 / freedom * std::log(kBeyond)));
+  while (most - least > 1e-6 * most) {
+    const double middle = 0.5 * (least + most);
+    (beyond(middle) > kBeyond ? least : most) = middle;
+  }
+  return most;
+}
+
 double StudentTail(double t, double freedom) {
   return std::isnan(t)   ? t
          : std::isinf(t) ? 0

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include <Eigen/Core>
+
 namespace trackedcam::crosscheck {
 
 /// The upper one of two in the middle. At least one value is required.
@@ -13,6 +15,10 @@ double ChiSquaredQuantile(double probability, double freedom);
 
 /// The half-width of the two-sided 95 % interval, in standard errors.
 double StudentHalfWidth95(double freedom);
+
+/// The radius around zero that holds 95 % of the points of a plane with this covariance, by
+/// Student's t. NaN if the covariance is.
+double PlaneRadius95(const Eigen::Matrix2d& covariance, double freedom);
 
 /// The probability of a t this large or larger, to either side, by chance.
 double StudentTail(double t, double freedom);

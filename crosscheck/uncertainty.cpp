@@ -6,7 +6,6 @@
 
 #include <Eigen/Eigenvalues>
 
-#include "crosscheck/chart_pose.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/symmetric.h"
 #include "crosscheck/twist.h"
@@ -34,19 +33,6 @@ Offset Tested(Offset offset, const Twist& difference, const Matrix6d& covariance
   return offset;
 }
 
-// At a sixth, a half and five sixths of the image's width and height.
-std::vector<Eigen::Vector3d> PointsAt(double distance, const Lens& lens) {
-  std::vector<Eigen::Vector3d> points;
-  for (const double x : {1.0, 3.0, 5.0}) {
-    for (const double y : {1.0, 3.0, 5.0}) {
-      if (const auto ray = Ray(lens, {x / 6 * lens.width, y / 6 * lens.height})) {
-        points.emplace_back(distance * ray->homogeneous());
-      }
-    }
-  }
-  return points;
-}
-
 // @param between The rotation that is the difference.
 TransformComparison CompareAxes(const Pose& other, const Pose& found, const Pose& between,
                                 const StandardError& error, double t95) {
@@ -63,24 +49,6 @@ TransformComparison CompareAxes(const Pose& other, const Pose& found, const Pose
   }
   comparison.isCompared = rotationDegrees.allFinite();
   return comparison;
-}
-
-// Through the lens only: what the board's shape and the scale change, they change in the poses.
-Eigen::MatrixXd PixelByNuisances(const Evidence& evidence, const Eigen::Vector3d& point) {
-  const auto byLens = PixelByLens(evidence.corners.model.lens, point);
-  Eigen::MatrixXd by = Eigen::MatrixXd::Zero(2, evidence.nuisanceCovariance.cols());
-  for (std::size_t i = 0; i < evidence.corners.parameters.size(); ++i) {
-    const Eigen::Index parameter = evidence.corners.parameters[i];
-    if (parameter < kAllLensParameters) {
-      by.col(static_cast<Eigen::Index>(i)) = byLens.col(parameter);
-    }
-  }
-  return by;
-}
-
-double LargestVariance(const Eigen::Matrix2d& covariance) {
-  const double half = 0.5 * covariance.trace();
-  return half + std::sqrt(std::max(0.0, half * half - covariance.determinant()));
 }
 
 }  // namespace
@@ -228,65 +196,6 @@ Diversity DiversityOf(const Loops& loops, const Solution& solution) {
         std::max(diversity.rotationDegrees, degrees(4 * enough / common[1] - 3));
   }
   return diversity;
-}
-
-double PixelsApart(double distanceMetres, const Evidence& evidence, const Solution& solution,
-                   const Lens& lens, const Pose& Transform_Cam_Tc) {
-  const std::vector<Eigen::Vector3d> points = PointsAt(distanceMetres, evidence.corners.model.lens);
-  double squares = 0;
-  for (const Eigen::Vector3d& point : points) {
-    const Eigen::Vector3d other = Transform_Cam_Tc * (solution.Transform_Cam_Tc.inverse() * point);
-    squares +=
-        other.z() > 0
-            ? (Project(lens, other) - Project(evidence.corners.model.lens, point)).squaredNorm()
-            : HUGE_VAL;
-  }
-  return std::sqrt(squares / static_cast<double>(points.size()));
-}
-
-OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
-                    const std::optional<Pose>& library) {
-  const std::vector<Eigen::Vector3d> points = PointsAt(distanceMetres, evidence.corners.model.lens);
-  const Matrix6d noise = solution.inflation * solution.covariance.topLeftCorner<6, 6>();
-  const ByNuisances byNuisances = solution.byNuisances.topRows<6>();
-  const Eigen::MatrixXd& covariance = evidence.nuisanceCovariance;
-  double both = 0;
-  double transform = 0;
-  double lens = 0;
-  for (const Eigen::Vector3d& point : points) {
-    const Projection seen = ProjectWithDerivative(evidence.corners.model.lens, point);
-    Eigen::Matrix<double, 2, 6> byTwist;
-    byTwist << -seen.byPoint * Cross(point), seen.byPoint;
-    // The lens moves the image itself and, through the solve, the transform.
-    const Eigen::MatrixXd through = byTwist * byNuisances;
-    const Eigen::MatrixXd image = PixelByNuisances(evidence, point);
-    const Eigen::MatrixXd together = through + image;
-    const Eigen::Matrix2d ofSolve = byTwist * noise * byTwist.transpose();
-    both += LargestVariance(ofSolve + together * covariance * together.transpose());
-    transform += LargestVariance(ofSolve + through * covariance * through.transpose());
-    lens += LargestVariance(image * covariance * image.transpose());
-  }
-  const auto count = static_cast<double>(points.size());
-  const double t95 = StudentHalfWidth95(Freedom(solution.Used()));
-  OnScreen onScreen;
-  onScreen.distanceMetres = distanceMetres;
-  onScreen.pixels = t95 * std::sqrt(both / count);
-  onScreen.fromTransform = t95 * std::sqrt(transform / count);
-  onScreen.fromLens = t95 * std::sqrt(lens / count);
-  if (library) {
-    onScreen.libraryApart =
-        PixelsApart(distanceMetres, evidence, solution, evidence.libraryLens, *library);
-  }
-  return onScreen;
-}
-
-std::vector<OnScreen> OnScreenAtAll(const Evidence& evidence, const Solution& solution,
-                                    const std::optional<Pose>& library) {
-  std::vector<OnScreen> all;
-  for (const double distance : {0.5, 1.0, 2.0, 5.0, 10.0}) {
-    all.push_back(OnScreenAt(distance, evidence, solution, library));
-  }
-  return all;
 }
 
 }  // namespace trackedcam::crosscheck

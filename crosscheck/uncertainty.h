@@ -1,4 +1,4 @@
-// How accurate a solution is, how far it is from another one, and what that means in the image.
+// How accurate a solution is, and how far it is from another one.
 
 #pragma once
 
@@ -48,20 +48,5 @@ TransformComparison CompareAxesTrChart(const Pose& other, const Pose& found,
 std::optional<Offset> CompareHalves(const Evidence& evidence, const Solution& solution);
 
 Diversity DiversityOf(const Loops& loops, const Solution& solution);
-
-/// How far another lens with another Transform_Cam_Tc shows things from where the solution does, as
-/// the root mean square over the image.
-double PixelsApart(double distanceMetres, const Evidence& evidence, const Solution& solution,
-                   const Lens& lens, const Pose& Transform_Cam_Tc);
-
-/// The 95 % of the worst direction, as the root mean square over the image, of things at this
-/// distance that do not move relative to the tracking system.
-/// @param library Transform_Cam_Tc of the library.
-OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
-                    const std::optional<Pose>& library);
-
-/// At 0.5 m to 10 m.
-std::vector<OnScreen> OnScreenAtAll(const Evidence& evidence, const Solution& solution,
-                                    const std::optional<Pose>& library);
 
 }  // namespace trackedcam::crosscheck

@@ -238,8 +238,8 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
 
 Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
                 const Accuracy& goodEnough, double scaleUncertainty,
-                const std::vector<std::string>& exclude) {
-  RequirePossible(goodEnough, scaleUncertainty);
+                const std::vector<std::string>& exclude, const std::vector<double>& atMetres) {
+  RequirePossible(goodEnough, scaleUncertainty, atMetres);
   std::error_code error;
   if (!std::filesystem::is_regular_file(log, error)) {  // a device has no end
     throw InputError("there is no file " + log.u8string());
@@ -250,6 +250,7 @@ Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>&
   report.inputs.goodEnough = goodEnough;
   report.inputs.scaleUncertainty = scaleUncertainty;
   report.inputs.exclude = exclude;
+  report.inputs.atMetres = atMetres;
   report.mountingIsStated = mounting.has_value();
   LibraryRun& run = report.run;
   run.record = ReadRunLog(file);

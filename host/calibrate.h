@@ -27,8 +27,10 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
 /// log is compared all the same.
 /// @throws InputError if the file holds no log of a calibration, or if one of the last three is not
 /// possible.
+/// @param atMetres Distances for errors in the image; empty: the usual ones.
 Report CheckLog(const std::filesystem::path& log, const std::optional<Mounting>& mounting,
                 const Accuracy& goodEnough, double scaleUncertainty = Inputs().scaleUncertainty,
-                const std::vector<std::string>& exclude = {});
+                const std::vector<std::string>& exclude = {},
+                const std::vector<double>& atMetres = {});
 
 }  // namespace trackedcam::host

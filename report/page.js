@@ -1109,15 +1109,14 @@ const makeErrors = () => {
 
 const makeScreen = () => {
   const rows = (cross.onScreen || []).filter(({distanceMetres}) => isNumber(distanceMetres));
-  const line = (label, key, name, dash, point) => ({
-    label, data: rows.filter((row) => isNumber(row[key])).map((row) => ({x: row.distanceMetres, y: row[key]})),
+  const line = (label, of, name, dash, point) => ({
+    label, data: rows.filter((row) => isNumber(of(row))).map((row) => ({x: row.distanceMetres, y: of(row)})),
     borderColor: colour(name), backgroundColor: colour(name), borderDash: dash, pointStyle: point, pointRadius: 4, borderWidth: 2.2, tension: .25, showLine: true,
   });
   const datasets = [
-    line('total', 'pixels', 'ink', [], 'circle'),
-    line('from the transform', 'fromTransform', 'kept', [7, 4], 'triangle'),
-    line('from the lens', 'fromLens', 'axis-y', [2, 3], 'rect'),
-    line('result against cross-check', 'libraryApart', 'apart', [10, 3, 2, 3], 'rectRot'),
+    line('middle', ({middle}) => middle?.pixels, 'ink', [], 'circle'),
+    line('worst corner', ({corner}) => corner?.pixels, 'kept', [7, 4], 'triangle'),
+    line('result against cross-check', ({libraryApart}) => libraryApart, 'apart', [10, 3, 2, 3], 'rectRot'),
   ].filter(({data}) => data.length);
   newChart(byId('screen-chart'), {
     type: 'scatter', data: {datasets},

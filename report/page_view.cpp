@@ -266,9 +266,10 @@ Json OnScreen(const Json& list) {
   Json rows = Json::array();
   for (const Json& row : list) {
     rows.push_back({{"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
-                    {"pixels", Fixed(NumberAt(row, "/pixels"), 2)},
-                    {"transform", Fixed(NumberAt(row, "/fromTransform"), 2)},
-                    {"lens", Fixed(NumberAt(row, "/fromLens"), 2)},
+                    {"middlePixels", Fixed(NumberAt(row, "/middle/pixels"), 2)},
+                    {"middleMm", Fixed(NumberAt(row, "/middle/mm"), 1)},
+                    {"cornerPixels", Fixed(NumberAt(row, "/corner/pixels"), 2)},
+                    {"cornerMm", Fixed(NumberAt(row, "/corner/mm"), 1)},
                     {"difference", Fixed(NumberAt(row, "/libraryApart"), 2)}});
   }
   return rows;

@@ -344,7 +344,8 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
           "Truth of a simulated shoot, to compare with")
       ->check(RequireFile)
       ->group("Output");
-  AddAccuracyOptions(command, options.inputs.goodEnough, options.inputs.scaleUncertainty, "Output");
+  AddAccuracyOptions(command, options.inputs.goodEnough, options.inputs.scaleUncertainty,
+                     options.inputs.atMetres, "Output");
   command.add_flag("--verbose", options.verbose, "Lines of the library's log, not the progress")
       ->group("Output");
 }

@@ -39,6 +39,7 @@ struct CrosscheckOptions {
   MountingOptions mounting;
   host::Accuracy goodEnough;
   double scaleUncertainty = host::Inputs().scaleUncertainty;
+  std::vector<double> atMetres;
   std::filesystem::path truth;  // empty: unknown
   std::vector<std::string> exclude;
   bool json = false;
@@ -47,7 +48,7 @@ struct CrosscheckOptions {
 int Crosscheck(const CrosscheckOptions& options, const std::string& commandLine) {
   host::Report report =
       host::CheckLog(options.log, MountingOf(options.mounting), options.goodEnough,
-                     options.scaleUncertainty, options.exclude);
+                     options.scaleUncertainty, options.exclude, options.atMetres);
   report.inputs.hasReportedMountingAxes = options.mounting.isReported;
   report.verdict.option.clear();  // only calibrate has it
   report.verdict.commands = NextCalibrations(commandLine, report.verdict);
@@ -76,7 +77,8 @@ void AddCrosscheckCommand(CLI::App& program, const std::string& commandLine, int
       ->check(RequireFile);
   AddExclude(command, options->exclude, "Options");
   AddMountingOptions(command, options->mounting, "not known", "Options");
-  AddAccuracyOptions(command, options->goodEnough, options->scaleUncertainty, "Options");
+  AddAccuracyOptions(command, options->goodEnough, options->scaleUncertainty, options->atMetres,
+                     "Options");
   AddPath(command, "--truth", options->truth, "FILE.json",
           "Truth of a simulated shoot, to compare with")
       ->check(RequireFile);

@@ -247,6 +247,21 @@ host::Accuracy ParseGoodEnough(const std::string& option, const std::string& tex
   Reject(option, text + " is not MM,DEGREES, such as 2mm,0.2deg");
 }
 
+std::vector<double> ParseDistances(const std::string& option, const std::string& text) {
+  std::vector<double> distances;
+  std::istringstream parts(text);
+  for (std::string part; std::getline(parts, part, ',');) {
+    const auto metres = ParseMetres(part);
+    if (!metres || !std::isfinite(*metres) || *metres <= 0) {
+      Reject(option, text +
+                         " is not a list of distances in metres, such as 2,4.5, or with a unit, "
+                         "such as 4m,80cm");
+    }
+    distances.push_back(*metres);
+  }
+  return distances;
+}
+
 double ParsePercent(const std::string& option, const std::string& text) {
   const auto percent = ParseNumber(WithoutUnit(text, "%"));
   if (!percent || !(*percent >= 0 && *percent <= 100 * host::kMostScaleUncertainty)) {
@@ -403,12 +418,16 @@ void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std:
 }
 
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
-                        const std::string& group) {
+                        std::vector<double>& atMetres, const std::string& group) {
   AddValue(command, "--good-enough", goodEnough, ParseGoodEnough, "MM,DEGREES",
            "How far off the result may be without a doubt\n(default: 2mm,0.2deg)")
       ->group(group);
   AddValue(command, "--scale-uncertainty", scaleUncertainty, ParsePercent, "PERCENT",
            "How accurately the squares are known against\nthe trackers' lengths (default: 0.1%)")
+      ->group(group);
+  AddValue(command, "--at", atMetres, ParseDistances, "DISTANCES",
+           "Distances at which the error in the image is\ngiven, such as 4m,8m (default: the "
+           "chart's, 2m,4m,10m)")
       ->group(group);
 }
 

@@ -170,6 +170,9 @@ double ParseOverscan(const std::string& option, const std::string& text);
 /// they were written.
 std::string ParseParentAxesText(const std::string& option, const std::string& text);
 
+/// "4m,80cm": distances in metres.
+std::vector<double> ParseDistances(const std::string& option, const std::string& text);
+
 /// Adds --page-photographs, for calibrate and report.
 /// @param areFull Whether the page holds photographs that show the sharpness.
 void AddPagePhotographs(CLI::App& command, bool& areFull, const std::string& group);
@@ -177,9 +180,9 @@ void AddPagePhotographs(CLI::App& command, bool& areFull, const std::string& gro
 /// Adds --exclude, for calibrate and crosscheck. Given several times, its lists are joined.
 void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group);
 
-/// Adds --good-enough and --scale-uncertainty, for calibrate and crosscheck.
+/// Adds --good-enough, --scale-uncertainty and --at, for calibrate and crosscheck.
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
-                        const std::string& group);
+                        std::vector<double>& atMetres, const std::string& group);
 
 // The mounting of the chart's tracker, for calibrate and crosscheck.
 

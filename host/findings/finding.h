@@ -203,7 +203,7 @@ using FindingKind =
                  crosscheck::SquareSizeOff, crosscheck::HalvesDiffer, crosscheck::LensUncertain,
                  crosscheck::TrackersUncertain, crosscheck::TrackersNoisy, crosscheck::LibraryApart,
                  crosscheck::ChartNotFlat, crosscheck::ChartStretched, crosscheck::LensModel,
-                 crosscheck::TrackerErrors, crosscheck::TrackerLoose>;
+                 crosscheck::LensNotSeen, crosscheck::TrackerErrors, crosscheck::TrackerLoose>;
 
 struct Finding {
   Severity severity = Severity::kNote;

@@ -209,6 +209,14 @@ Json ValuesOf(const crosscheck::LensModel& fault) {
   return values;
 }
 
+Json ValuesOf(const crosscheck::LensNotSeen& fault) {
+  Json parts = Json::array();
+  for (const crosscheck::ImagePart part : fault.parts) {
+    parts.push_back(Name(part));
+  }
+  return {{"share", fault.share}, {"pixels", NumberJson(fault.pixels)}, {"parts", parts}};
+}
+
 Json ValuesOf(const crosscheck::TrackerErrors& fault) {
   Json values = MovedJson(fault.movedMm, fault.movedDegrees);
   values.update({{"mm", NumberJson(fault.mm)},

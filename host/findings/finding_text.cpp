@@ -42,6 +42,39 @@ std::string Text(const Disagreement& disagreement) {
   return text;
 }
 
+const char* PartText(crosscheck::ImagePart part) {
+  switch (part) {
+    case crosscheck::ImagePart::kUpperLeft:
+      return "in the upper left";
+    case crosscheck::ImagePart::kTop:
+      return "at the top";
+    case crosscheck::ImagePart::kUpperRight:
+      return "in the upper right";
+    case crosscheck::ImagePart::kLeft:
+      return "at the left edge";
+    case crosscheck::ImagePart::kMiddle:
+      return "in the middle";
+    case crosscheck::ImagePart::kRight:
+      return "at the right edge";
+    case crosscheck::ImagePart::kLowerLeft:
+      return "in the lower left";
+    case crosscheck::ImagePart::kBottom:
+      return "at the bottom";
+    case crosscheck::ImagePart::kLowerRight:
+      return "in the lower right";
+  }
+  return "";
+}
+
+// All of them: each is a place to hold the chart.
+std::string PartsText(const Names& parts) {
+  std::string text;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    text += (i == 0 ? "" : i + 1 == parts.size() ? " and " : ", ") + parts[i];
+  }
+  return text;
+}
+
 const char* ReadingText(RowReading reading) {
   switch (reading) {
     case RowReading::kQuaternionsInverted:
@@ -311,6 +344,23 @@ struct Writer : InputWriter {
                 ", but lens and transform together by " + Fixed(fault.pixels, 2) + " pixels at " +
                 Fixed(fault.distanceMetres, 0) + " m.",
             "Use this lens and this transform together, and neither with another one."};
+  }
+
+  Sentences operator()(const crosscheck::LensNotSeen& fault) const {
+    Names parts;
+    for (const crosscheck::ImagePart part : fault.parts) {
+      parts.emplace_back(PartText(part));
+    }
+    const std::string where = PartsText(parts);
+    return {Name(fault),
+            "No chart was " + where + " of the image: there, in " +
+                Fixed(std::max(1.0, 100 * fault.share), 0) +
+                " % of it, the photographs do not show whether the lens has a distortion that "
+                "moves things by " +
+                (std::isnan(fault.pixels) ? std::string("any amount.")
+                                          : "up to " + Fixed(fault.pixels, 1) + " pixels (95 %)."),
+            "Take more photographs with the chart " + where +
+                ", as far into the corners as it is seen whole, and calibrate with all of them."};
   }
 
   Sentences operator()(const crosscheck::TrackerErrors& fault) const {

@@ -29,7 +29,8 @@ void RequireUtf8(const char* what, const std::filesystem::path& folder) {
 
 }  // namespace
 
-void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty) {
+void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty,
+                     const std::vector<double>& atMetres) {
   const auto [mm, degrees] = goodEnough;
   Require(std::isfinite(mm) && std::isfinite(degrees) && mm > 0 && degrees > 0,
           "good enough at " + Shortest(mm) + " mm and " + Shortest(degrees) +
@@ -37,6 +38,10 @@ void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty) {
   Require(scaleUncertainty >= 0 && scaleUncertainty <= kMostScaleUncertainty,
           "scale uncertainty of " + Shortest(100 * scaleUncertainty) + " %: expected 0 to " +
               Shortest(100 * kMostScaleUncertainty) + " %");
+  for (const double metres : atMetres) {
+    Require(std::isfinite(metres) && metres > 0,
+            "errors at " + Shortest(metres) + " m: the distance must be above 0");
+  }
 }
 
 void RequirePossible(const Inputs& inputs) {
@@ -57,7 +62,7 @@ void RequirePossible(const Inputs& inputs) {
   Require(!inputs.mounting || (AreFinite(inputs.mounting->rotationDegrees) &&
                                AreFinite(inputs.mounting->translationMetres)),
           "the mounting contains an infinite or NaN value");
-  RequirePossible(inputs.goodEnough, inputs.scaleUncertainty);
+  RequirePossible(inputs.goodEnough, inputs.scaleUncertainty, inputs.atMetres);
   Require(inputs.expectedRecords.value_or(0) >= 0,
           "the expected number of records must not be negative");
 }

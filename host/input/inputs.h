@@ -40,12 +40,14 @@ struct Inputs {
   bool refineMounting = false;         // run again if the cross-check finds another mounting
   Accuracy goodEnough;                 // a result that may be farther off is in doubt
   double scaleUncertainty = 0.001;     // of the squares against the trackers' lengths, a fraction
+  std::vector<double> atMetres;        // distances for errors in the image; empty: the usual ones
 };
 
 /// Checks values that no parser has checked.
 /// @throws InputError for the first impossible value, such as a board of two corners or a square of
 ///         30 metres; it says which values are possible.
 void RequirePossible(const Inputs& inputs);
-void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty);
+void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty,
+                     const std::vector<double>& atMetres);
 
 }  // namespace trackedcam::host

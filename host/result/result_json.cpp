@@ -113,13 +113,23 @@ Json ComparisonJson(const crosscheck::TransformComparison& comparison) {
           {"isCompared", comparison.isCompared}};
 }
 
+Json PlaceErrorJson(const crosscheck::PlaceError& error) {
+  return {{"pixels", NumberJson(error.pixels)}, {"mm", NumberJson(error.mm)}};
+}
+
+Json ImageCellsJson(const crosscheck::ImageCells& cells) {
+  return {{"columns", cells.columns}, {"rows", cells.rows}, {"seen", cells.seen}};
+}
+
 Json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
   Json list = Json::array();
   for (const crosscheck::OnScreen& at : onScreen) {
+    Json corner = PlaceErrorJson(at.corner);
+    corner["part"] = Name(at.worstCorner);
     list.push_back({{"distanceMetres", at.distanceMetres},
-                    {"pixels", NumberJson(at.pixels)},
-                    {"fromTransform", NumberJson(at.fromTransform)},
-                    {"fromLens", NumberJson(at.fromLens)},
+                    {"middle", PlaceErrorJson(at.middle)},
+                    {"corner", std::move(corner)},
+                    {"cellPixels", NumbersJson(at.cellPixels)},
                     {"libraryApart", NumberJson(at.libraryApart)}});
   }
   return list;
@@ -282,6 +292,7 @@ Json InputsJson(const Inputs& inputs) {
       {"invertTrackerQuaternions", inputs.invertTrackerQuaternions},
       {"goodEnough", {{"mm", inputs.goodEnough.mm}, {"degrees", inputs.goodEnough.degrees}}},
       {"scaleUncertainty", inputs.scaleUncertainty},
+      {"atMetres", NumbersJson(inputs.atMetres)},
       {"expectedRecords", inputs.expectedRecords ? Json(*inputs.expectedRecords) : Json(nullptr)},
   };
 }
@@ -326,6 +337,7 @@ Json CrossCheckJson(const Report& report) {
                     {"p", NumberJson(check.square.p)}};
   json["step"] = StepJson(check.step, photographs);
   json["halves"] = OffsetJson(check.halves, isGood);
+  json["imageCells"] = ImageCellsJson(check.imageCells);
   json["onScreen"] = OnScreenJson(check.onScreen);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
   json["photographsToHalve"] =

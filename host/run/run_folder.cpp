@@ -111,8 +111,13 @@ NameAndImage ForLibrary(const std::string& photograph, const fs::path& workingFo
   }
 }
 
-std::string NumbersText(const std::array<double, 3>& numbers) {
-  return '"' + Shortest(numbers[0]) + ',' + Shortest(numbers[1]) + ',' + Shortest(numbers[2]) + '"';
+template <class Numbers>
+std::string NumbersText(const Numbers& numbers) {
+  std::string text;
+  for (const double number : numbers) {
+    text += (text.empty() ? "\"" : ",") + Shortest(number);
+  }
+  return text + '"';
 }
 
 // A string of TOML in double quotes.
@@ -184,6 +189,9 @@ void WriteRunConfig(const Inputs& inputs, const std::optional<Mounting>& mountin
   add("good-enough",
       '"' + Shortest(inputs.goodEnough.mm) + "mm," + Shortest(inputs.goodEnough.degrees) + "deg\"");
   add("scale-uncertainty", '"' + Shortest(100 * inputs.scaleUncertainty) + "%\"");
+  if (!inputs.atMetres.empty()) {
+    add("at", NumbersText(inputs.atMetres));
+  }
   if (inputs.expectedRecords) {
     add("expected-records", std::to_string(*inputs.expectedRecords));
   }

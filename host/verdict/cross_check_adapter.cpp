@@ -93,6 +93,7 @@ std::optional<crosscheck::Observations> ObservationsOf(const LibraryRun& run,
   observations.quaternionAxes = QuaternionAxes(inputs.trackerFrame);
   observations.mounting = inputs.mounting;
   observations.goodEnough = inputs.goodEnough;
+  observations.atMetres = inputs.atMetres;
   observations.scaleUncertainty = inputs.scaleUncertainty;
   // As in the log, so that a log gives the same; a log that is cut short may lack it.
   const std::vector<double>& transform =

@@ -127,7 +127,7 @@ Json WholeResult() {
           {"p", 0.5},
           {"isCertain", false},
           {"certaintyText", "may be chance (p = 0.50)"}}},
-        {"onScreen", {{{"distanceMetres", 1}, {"pixels", 2}}}},
+        {"onScreen", {{{"distanceMetres", 1}, {"middle", {{"pixels", 2}, {"mm", 1.5}}}}}},
         {"suggestedViews", {{{"text", "Tilt it."}, {"tiltDegrees", 45}, {"gain", 1.29}}}},
         {"photographsToHalve", 35},
         {"scale",

@@ -57,6 +57,23 @@ bool CanBeRight(const Finding& finding) {
          std::holds_alternative<crosscheck::TrackersUncertain>(finding.kind);
 }
 
+void CountOnScreen(const CrossCheck& check, const KnownShoot& shoot,
+                   const simulator::Lens& trueLens, Tally& tally) {
+  const crosscheck::Lens& lens = shoot.observations.lens;
+  const Eigen::Vector2d middle(0.5 * (lens.width - 1), 0.5 * (lens.height - 1));
+  for (std::size_t i = 0; i < std::min(check.onScreen.size(), tally.onScreen.size()); ++i) {
+    const crosscheck::OnScreen& at = check.onScreen[i];
+    const auto inMiddle = TrueErrorAt(middle, at.distanceMetres, trueLens, shoot, check);
+    const auto inCorner =
+        TrueErrorAt(CornerPixel(at.worstCorner, lens), at.distanceMetres, trueLens, shoot, check);
+    OnScreenTally& counts = tally.onScreen[i];
+    counts.middlePixels += inMiddle.pixels <= at.middle.pixels ? 1 : 0;
+    counts.middleMm += inMiddle.mm <= at.middle.mm ? 1 : 0;
+    counts.cornerPixels += inCorner.pixels <= at.corner.pixels ? 1 : 0;
+    counts.cornerMm += inCorner.mm <= at.corner.mm ? 1 : 0;
+  }
+}
+
 void CountFindings(const CrossCheck& check, Tally& tally) {
   bool isLoud = false;
   for (const Finding& finding : check.findings) {
@@ -100,6 +117,27 @@ std::array<bool, kAxes> Covered(const CrossCheck& check, const KnownShoot& shoot
   return covered;
 }
 
+crosscheck::PlaceError TrueErrorAt(const Eigen::Vector2d& pixel, double distanceMetres,
+                                   const simulator::Lens& trueLens, const KnownShoot& shoot,
+                                   const CrossCheck& check) {
+  const auto onWall = [&](const Eigen::Vector2d& at) {
+    return Eigen::Vector3d(distanceMetres * trueLens.Ray(at).homogeneous());
+  };
+  const crosscheck::Pose moved =
+      crosscheck::Pose(check.Transform_Cam_Tc) * shoot.Transform_Cam_Tc.inverse();
+  const crosscheck::Lens& lens = shoot.observations.lens;
+  const simulator::Lens found = {lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2};
+  const Eigen::Vector2d appears = found.Project(moved * onWall(pixel));
+  return {(appears - pixel).norm(), 1e3 * (onWall(appears) - onWall(pixel)).norm()};
+}
+
+Eigen::Vector2d CornerPixel(crosscheck::ImagePart corner, const crosscheck::Lens& lens) {
+  using crosscheck::ImagePart;
+  const bool isRight = corner == ImagePart::kUpperRight || corner == ImagePart::kLowerRight;
+  const bool isLower = corner == ImagePart::kLowerLeft || corner == ImagePart::kLowerRight;
+  return {isRight ? lens.width - 1 : 0, isLower ? lens.height - 1 : 0};
+}
+
 Tally RunCell(const Cell& cell, std::uint64_t first, int shoots) {
   Tally tally;
   tally.shoots = shoots;
@@ -121,6 +159,7 @@ Tally RunCell(const Cell& cell, std::uint64_t first, int shoots) {
       continue;
     }
     ++tally.solved;
+    CountOnScreen(check, shoot, simulated.lens, tally);
     const std::array<bool, kAxes> covered = Covered(check, shoot);
     for (std::size_t axis = 0; axis < kAxes; ++axis) {
       tally.covered[axis] += static_cast<int>(covered[axis]);

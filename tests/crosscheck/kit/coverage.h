@@ -30,10 +30,19 @@ struct Cell {
 /// Transform_Cam_Tc: shift along x, y, z, turn about x, y, z; Transform_Tr_Chart: the same.
 constexpr std::size_t kAxes = 12;
 
+/// Shoots in which the true error in the image is within the stated one.
+struct OnScreenTally {
+  int middlePixels = 0;
+  int middleMm = 0;
+  int cornerPixels = 0;
+  int cornerMm = 0;
+};
+
 struct Tally {
   int shoots = 0;
   int solved = 0;
   std::array<int, kAxes> covered = {};  // shoots in which the truth lies in the 95 % interval
+  std::array<OnScreenTally, 4> onScreen = {};  // at the distances given unasked, the nearest first
   int loud = 0;  // shoots with a warning or an error but badPhotographs and true uncertainty
   int goodOnesBlamed = 0;  // photographs called bad that are not
   int badOnesTaken = 0;    // photographs that are bad and were used
@@ -47,6 +56,15 @@ struct Tally {
 
 /// One axis's value after the other: truth within the interval.
 std::array<bool, kAxes> Covered(const crosscheck::CrossCheck& check, const KnownShoot& shoot);
+
+/// How far from its true place a thing appears that is seen at this pixel, on a wall at this
+/// distance across the optical axis.
+crosscheck::PlaceError TrueErrorAt(const Eigen::Vector2d& pixel, double distanceMetres,
+                                   const simulator::Lens& trueLens, const KnownShoot& shoot,
+                                   const crosscheck::CrossCheck& check);
+
+/// The pixel of the corner of the image that is named.
+Eigen::Vector2d CornerPixel(crosscheck::ImagePart corner, const crosscheck::Lens& lens);
 
 /// How far random halves of shoots, each calibrated by itself, are apart: the share of the six axes
 /// of Transform_Cam_Tc on which they agree within 1.96 of their standard errors.

@@ -170,6 +170,28 @@ void PrintCoverage(int shoots) {
   }
 }
 
+// Of the shoots without a flaw, at the chart's distance, 2 m, 4 m and 10 m.
+void PrintOnScreen(int shoots) {
+  std::printf(
+      "\n| Shoots | middle, px | middle, mm | worst corner, px | worst corner, mm |\n"
+      "|---|---|---|---|---|\n");
+  std::uint64_t seed = kFirstSeed;
+  for (const Cell& cell : test::CoverageCells()) {
+    const Tally tally = RunCell(cell, seed, shoots);
+    seed += 10000;
+    std::printf("| %s |", cell.name.c_str());
+    for (const auto count : {&test::OnScreenTally::middlePixels, &test::OnScreenTally::middleMm,
+                             &test::OnScreenTally::cornerPixels, &test::OnScreenTally::cornerMm}) {
+      for (const test::OnScreenTally& at : tally.onScreen) {
+        std::printf(" %.1f", Percent(at.*count, shoots));
+      }
+      std::printf(" |");
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+}
+
 std::vector<Cell> FlawedCells() {
   std::vector<Cell> cells;
   const auto add = [&](const char* name) -> Cell& {
@@ -261,6 +283,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   PrintCoverage(shoots);
+  PrintOnScreen(shoots);
   PrintAtBest(shoots);
   PrintFindings(shoots);
   PrintHalves(shoots);

@@ -181,8 +181,13 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
         transform = FOCAL * math.hypot(2 * error_mm / 1000 / distance, math.radians(2 * error_deg))
         lens = 0.05 + 0.1 / (1 + distance)
         apart = FOCAL * (off_mm / 1000 / distance + math.radians(off_deg))
-        return {"distanceMetres": distance, "pixels": math.hypot(transform, lens),
-                "fromTransform": transform, "fromLens": lens, "libraryApart": apart}
+        middle = math.hypot(transform, lens)
+        place = lambda pixels: {"pixels": pixels, "mm": 1000 * distance * pixels / FOCAL}
+        cells = [middle * (1 + 0.5 * math.hypot((c - 7.5) / 8, (r - 4) / 4.5) ** 2)
+                 for r in range(9) for c in range(16)]
+        return {"distanceMetres": distance, "middle": place(middle),
+                "corner": {**place(2 * middle), "part": "upperLeft"},
+                "cellPixels": cells, "libraryApart": apart}
 
     diagonal = lambda a, b: [[(a if i < 3 else b) ** 2 * (i == j) for j in range(6)] for i in range(6)]
     covariance = diagonal(math.radians(error_deg), error_mm / 1000)
@@ -241,6 +246,8 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
             "square": {"factor": 1.0004, "standardError": 0.0006, "p": 0.51}, "step": None,
             "halves": {"offMm": 0.6 * error_mm, "offDegrees": 0.5 * error_deg, "p": 0.61,
                        "isCertain": False},
+            "imageCells": {"columns": 16, "rows": 9,
+                           "seen": [0 < r < 8 and 0 < c < 15 for r in range(9) for c in range(16)]},
             "onScreen": [on_screen(d) for d in (0.3, 0.5, 1, 2, 3, 5, 8, 12)],
             "suggestedViews": [
                 {"tiltDegrees": 45, "tiltDirectionDegrees": 30, "rollDegrees": 90, "distanceMetres": 0.5,
