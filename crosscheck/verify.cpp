@@ -7,6 +7,7 @@
 #include <Eigen/Cholesky>
 #include <Eigen/Eigenvalues>
 
+#include "crosscheck/corner_flaws.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/uncertainty.h"
@@ -336,6 +337,37 @@ class Verifier {
   double freedom_ = 0;
 };
 
+// Tested as in a calibration.
+std::optional<LensModel> FindLensModel(const CornerModel& old,
+                                       const std::vector<Photograph>& photographs,
+                                       const Verification& verification) {
+  std::vector<std::vector<Eigen::Vector2d>> corners;
+  for (std::size_t i = 0; i < photographs.size(); ++i) {
+    if (verification.photographs[i].used) {
+      corners.push_back(photographs[i].corners);
+    }
+  }
+  const CornerFit fit = FitCorners(old, corners);
+  const bool isOfLens = std::any_of(fit.flaws.begin(), fit.flaws.end(), [](CornerFlaw flaw) {
+    return flaw == CornerFlaw::kTangential || flaw == CornerFlaw::kSixthOrder;
+  });
+  if (!isOfLens) {
+    return std::nullopt;
+  }
+  const Lens& lens = fit.model.lens;
+  double squares = 0;
+  double count = 0;
+  for (const std::optional<ChartPose>& pose : fit.poses) {
+    for (const Eigen::Vector3d& point : pose ? fit.board : std::vector<Eigen::Vector3d>()) {
+      const Eigen::Vector3d seen = pose->Transform_Cam_Chart * point;
+      squares += (Project(lens, seen) - Project(verification.newLens, seen)).squaredNorm();
+      ++count;
+    }
+  }
+  return LensModel{lens.p1,  lens.p2, lens.k3, kNotKnown, kNotKnown, std::sqrt(squares / count),
+                   kNotKnown};
+}
+
 }  // namespace
 
 const char* Name(Answer answer) {
@@ -378,7 +410,12 @@ const char* Name(LensCause cause) {
 
 Verification Verify(const Calibration& calibration, const std::vector<Photograph>& photographs,
                     const VerifyOptions& options) {
-  return Verifier(calibration, photographs, options).Run();
+  Verification found = Verifier(calibration, photographs, options).Run();
+  if (found.answer != Answer::kTooFew && found.answer != Answer::kUnrelated) {
+    found.lensModel = FindLensModel(
+        {calibration.lens, options.otherBoard.value_or(calibration.board)}, photographs, found);
+  }
+  return found;
 }
 
 }  // namespace trackedcam::crosscheck

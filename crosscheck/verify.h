@@ -80,6 +80,9 @@ struct Verification {
   std::optional<MountMove> camera;  // what moved
   std::optional<MountMove> chart;
   std::optional<LensChange> lens;
+  /// A distortion that the calibration's lens has no parameters for, as the new photographs show
+  /// it; pixels are those in the photographs, and the rest is NaN.
+  std::optional<LensModel> lensModel;
   std::vector<Answer> candidates;  // if it is unclear, the likeliest first
   Detectable cameraDetectable;
   Detectable chartDetectable;  // NaN if the chart was mounted anew

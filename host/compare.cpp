@@ -14,6 +14,7 @@
 #include "host/engines/placement.h"
 #include "host/findings/finding_text.h"
 #include "host/input/input_error.h"
+#include "host/result/stored_calibration.h"
 #include "host/text/files.h"
 #include "host/text/text.h"
 #include "host/verdict/verdict.h"
@@ -33,13 +34,6 @@ Pose PoseOfRows(const std::vector<double>& numbers) {
       Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(numbers.data()));
 }
 
-// Null in the file if the shoot does not determine the transform.
-bool IsDetermined(const nlohmann::json& check) {
-  const nlohmann::json& error = check.at("standardErrorCamTc");
-  return check.at("solved").get<bool>() && !error.at("translationMm").at(0).is_null() &&
-         !error.at("rotationDegrees").at(0).is_null();
-}
-
 double MedianDistance(const nlohmann::json& photographs) {
   std::vector<double> distances;
   for (const nlohmann::json& photograph : photographs) {
@@ -49,36 +43,6 @@ double MedianDistance(const nlohmann::json& photographs) {
     }
   }
   return distances.empty() ? kUnknown : crosscheck::Median(std::move(distances));
-}
-
-std::optional<ComparedCheck> CheckOf(const nlohmann::json& result) {
-  const nlohmann::json& json = result.at("crossCheck");
-  if (json.is_null() || !IsDetermined(json)) {
-    return std::nullopt;
-  }
-  ComparedCheck check;
-  check.Transform_Cam_Tc = PoseOfRows(ReadNumbers(json, "transformCamTc", 16));
-  const auto rows = json.at("covarianceCamTcTwist").get<std::vector<std::vector<double>>>();
-  for (Eigen::Index i = 0; i < 6; ++i) {
-    for (Eigen::Index k = 0; k < 6; ++k) {
-      check.covariance(i, k) = rows.at(static_cast<std::size_t>(i)).at(static_cast<std::size_t>(k));
-    }
-  }
-  for (std::size_t i = 0; i < kLensNames.size(); ++i) {
-    const nlohmann::json& error = json.at("lens").at(kLensNames.at(i));
-    check.lensErrors.at(i) = error.is_null() ? kUnknown : error.get<double>();
-  }
-  // Three for each photograph that is used, less the six unknowns.
-  check.freedom = 3 * json.at("used").get<double>() - 6;
-  check.chartMetres = MedianDistance(result.at("photographs"));
-  const double t95 = json.at("t95").get<double>();
-  for (const nlohmann::json& at : json.at("onScreen")) {
-    if (!at.at("pixels").is_null()) {
-      check.onScreen.push_back(
-          {at.at("distanceMetres").get<double>(), at.at("pixels").get<double>() / t95});
-    }
-  }
-  return check;
 }
 
 ComparedResult Parse(const nlohmann::json& json, const std::string& file) {
@@ -112,7 +76,10 @@ ComparedResult Parse(const nlohmann::json& json, const std::string& file) {
     throw InputError("its transformCamTc is no rotation and translation");
   }
   result.Transform_Cam_Tc = PoseOfRows(transform);
-  result.check = CheckOf(json);
+  if (const auto stored = CalibrationIn(json)) {
+    result.calibration = stored->calibration;
+  }
+  result.chartMetres = MedianDistance(json.at("photographs"));
   for (const nlohmann::json& photograph : json.at("photographs")) {
     const nlohmann::json& check = photograph.at("crossCheck");
     if (!check.is_null()) {
@@ -150,68 +117,149 @@ struct PixelsApart {
   double worst = 0;
 };
 
-// At the middles of columns and rows of equal parts of the image, and for the worst also at its
-// corners. A point that one of the lenses does not show is left out.
-PixelsApart ApartAt(double metres, int columns, int rows, const crosscheck::Lens& lensA,
-                    const Pose& a, const crosscheck::Lens& lensB, const Pose& b) {
-  const auto distanceAt = [&](double x, double y) {
-    const Eigen::Vector2d pixel(x * lensA.width, y * lensA.height);
-    const auto ray = Ray(lensA, pixel);
-    if (!ray) {
-      return kUnknown;
-    }
-    const Eigen::Vector3d point = b * (a.inverse() * (metres * ray->homogeneous()));
-    return point.z() > 0 ? (Project(lensB, point) - pixel).norm() : kUnknown;
-  };
-  PixelsApart apart;
-  int count = 0;
+// Transform_Cam_Tc with its lens.
+struct Camera {
+  crosscheck::Lens lens;
+  Pose Transform_Cam_Tc;
+};
+
+// Nothing if one of the cameras does not show what the first sees there.
+std::optional<Eigen::Vector2d> Apart(const Eigen::Vector2d& pixel, double metres, const Camera& a,
+                                     const Camera& b) {
+  const auto ray = Ray(a.lens, pixel);
+  if (!ray) {
+    return std::nullopt;
+  }
+  const Eigen::Vector3d point =
+      b.Transform_Cam_Tc * (a.Transform_Cam_Tc.inverse() * (metres * ray->homogeneous()));
+  if (!(point.z() > 0)) {
+    return std::nullopt;
+  }
+  const Eigen::Vector2d apart = Project(b.lens, point) - pixel;
+  return apart.allFinite() ? std::optional(apart) : std::nullopt;
+}
+
+// Spread evenly over the image.
+std::vector<Eigen::Vector2d> PlacesIn(const crosscheck::Lens& lens, int columns, int rows) {
+  std::vector<Eigen::Vector2d> places;
   for (int row = 0; row < rows; ++row) {
     for (int column = 0; column < columns; ++column) {
-      const double pixels = distanceAt((column + 0.5) / columns, (row + 0.5) / rows);
-      if (std::isfinite(pixels)) {
-        apart.rms += pixels * pixels;
-        apart.worst = std::max(apart.worst, pixels);
-        ++count;
-      }
+      places.emplace_back((column + 0.5) / columns * lens.width, (row + 0.5) / rows * lens.height);
+    }
+  }
+  return places;
+}
+
+// The root mean square over the image, and the largest there or at its corners.
+PixelsApart ApartAt(double metres, const Camera& a, const Camera& b) {
+  PixelsApart apart;
+  int count = 0;
+  for (const Eigen::Vector2d& place : PlacesIn(a.lens, 32, 18)) {
+    if (const auto pixels = Apart(place, metres, a, b)) {
+      apart.rms += pixels->squaredNorm();
+      apart.worst = std::max(apart.worst, pixels->norm());
+      ++count;
     }
   }
   apart.rms = count == 0 ? kUnknown : std::sqrt(apart.rms / count);
   for (const double x : {0.0, 1.0}) {
     for (const double y : {0.0, 1.0}) {
-      const double pixels = distanceAt(x, y);
-      apart.worst = std::isfinite(pixels) ? std::max(apart.worst, pixels) : apart.worst;
+      if (const auto pixels = Apart({x * a.lens.width, y * a.lens.height}, metres, a, b)) {
+        apart.worst = std::max(apart.worst, pixels->norm());
+      }
     }
   }
   return apart;
 }
 
-// As a function of 1 / distance the error is convex, so between two distances a straight line is
-// not below it. Nearer, it grows no faster than 1 / distance.
-double ErrorAt(double metres, const std::vector<std::array<double, 2>>& onScreen) {
-  if (onScreen.empty()) {
-    return kUnknown;
-  }
-  const auto [nearest, atNearest] = onScreen.front();
-  if (metres <= nearest) {
-    return atNearest * nearest / metres;
-  }
-  for (std::size_t i = 1; i < onScreen.size(); ++i) {
-    const auto [near, atNear] = onScreen[i - 1];
-    const auto [far, atFar] = onScreen[i];
-    if (metres <= far) {
-      const double share = (1 / metres - 1 / far) / (1 / near - 1 / far);
-      return share * atNear + (1 - share) * atFar;
+// Uncertainty: of the lens's parameters in their order, and of the left twist of Transform_Cam_Tc.
+
+constexpr Eigen::Index kLens = crosscheck::kAllLensParameters;
+using Uncertain = Eigen::Matrix<double, kLens + 6, 1>;
+using UncertainBoth = Eigen::Matrix<double, kLens + 6, kLens + 6>;
+
+UncertainBoth CovarianceOf(const crosscheck::Calibration& calibration) {
+  std::vector<Eigen::Index> from;  // in the calibration
+  std::vector<Eigen::Index> to;
+  for (std::size_t i = 0; i < calibration.parameters.size(); ++i) {
+    if (calibration.parameters[i] < kLens) {
+      from.push_back(static_cast<Eigen::Index>(i));
+      to.push_back(calibration.parameters[i]);
     }
   }
-  return onScreen.back()[1];
+  for (Eigen::Index i = 0; i < 6; ++i) {
+    from.push_back(static_cast<Eigen::Index>(calibration.parameters.size()) + 1 + i);
+    to.push_back(kLens + i);
+  }
+  UncertainBoth covariance = UncertainBoth::Zero();
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    for (std::size_t k = 0; k < from.size(); ++k) {
+      covariance(to[i], to[k]) = calibration.covariance(from[i], from[k]);
+    }
+  }
+  return covariance;
 }
 
-// The errors are the standard errors in the worst direction. The mean square over both directions
-// is at most twice as large, and few large values are likeliest if one direction has it all.
-double TailOnScreen(double rms, double metres, const ComparedCheck& a, const ComparedCheck& b,
-                    double freedom) {
-  const double error = std::hypot(ErrorAt(metres, a.onScreen), ErrorAt(metres, b.onScreen));
-  return crosscheck::StudentTail(rms / (std::sqrt(2.0) * error), freedom);
+Uncertain DifferenceOf(const crosscheck::Calibration& a, const crosscheck::Calibration& b) {
+  const auto lens = [](const crosscheck::Calibration& calibration) -> Eigen::VectorXd {
+    return crosscheck::CornerModel{calibration.lens, calibration.board}.Parameters().head<kLens>();
+  };
+  Uncertain difference;
+  difference << lens(b) - lens(a),
+      crosscheck::Log(b.Transform_Cam_Tc * a.Transform_Cam_Tc.inverse());
+  return difference;
+}
+
+Camera Changed(const Camera& camera, const Uncertain& by) {
+  crosscheck::CornerModel model{camera.lens, {}};
+  crosscheck::CornerVector parameters = model.Parameters();
+  parameters.head<kLens>() += by.head<kLens>();
+  model.SetParameters(parameters);
+  return {model.lens, crosscheck::Exp(by.tail<6>()) * camera.Transform_Cam_Tc};
+}
+
+// The rms over the image by what is uncertain. Each column of the covariance's root is a change
+// that is independent of the others.
+double ByChance(double metres, const Camera& camera, const UncertainBoth& covariance) {
+  const Eigen::MatrixXd root = crosscheck::SquareRoot(covariance);
+  const std::vector<Eigen::Vector2d> places = PlacesIn(camera.lens, 8, 6);
+  double squares = 0;
+  int seen = 0;
+  for (const Eigen::Vector2d& place : places) {
+    for (Eigen::Index i = 0; i < root.cols(); ++i) {
+      if (const auto apart = Apart(place, metres, camera, Changed(camera, root.col(i)))) {
+        squares += apart->squaredNorm();
+        ++seen;
+      }
+    }
+  }
+  const double most = static_cast<double>(places.size()) * static_cast<double>(root.cols());
+  return seen == 0 ? kUnknown
+                   : std::sqrt(squares * most / seen / static_cast<double>(places.size()));
+}
+
+// Of what at least one of the calibrations has solved for.
+double JointTail(const Uncertain& difference, const UncertainBoth& covariance, double freedom) {
+  std::vector<Eigen::Index> solved;
+  for (Eigen::Index i = 0; i < covariance.rows(); ++i) {
+    if (covariance(i, i) > 0) {
+      solved.push_back(i);
+    }
+  }
+  const auto size = static_cast<Eigen::Index>(solved.size());
+  Eigen::MatrixXd scaled(size, size);  // the parameters differ in size by orders of magnitude
+  Eigen::VectorXd values(size);
+  for (Eigen::Index i = 0; i < size; ++i) {
+    const Eigen::Index own = solved[static_cast<std::size_t>(i)];
+    values[i] = difference[own] / std::sqrt(covariance(own, own));
+    for (Eigen::Index k = 0; k < size; ++k) {
+      const Eigen::Index other = solved[static_cast<std::size_t>(k)];
+      scaled(i, k) =
+          covariance(own, other) / std::sqrt(covariance(own, own) * covariance(other, other));
+    }
+  }
+  return crosscheck::HotellingTail(values.dot(scaled.ldlt().solve(values)),
+                                   static_cast<double>(size), freedom);
 }
 
 // Comparing.
@@ -238,32 +286,24 @@ void FillTransform(const Pose& first, const Pose& second, Comparison::Transform&
   transform.offDegrees = degrees.norm();
 }
 
-// Nothing is known of a difference that is not tested.
-void FillTails(const ComparedCheck& a, const ComparedCheck& b, const ComparedResult& first,
-               const ComparedResult& second, Comparison& comparison) {
+void FillTails(const crosscheck::Calibration& a, const crosscheck::Calibration& b,
+               Comparison& comparison) {
   const double freedom = std::min(a.freedom, b.freedom);
-  const Pose& before = a.Transform_Cam_Tc;
-  const Pose& after = b.Transform_Cam_Tc;
+  const UncertainBoth covariance = CovarianceOf(a) + CovarianceOf(b);
+  const Uncertain difference = DifferenceOf(a, b);
+  comparison.p = JointTail(difference, covariance, freedom);
   comparison.transform.p = crosscheck::HotellingTail(
-      crosscheck::SquaredDistance(crosscheck::Log(after * before.inverse()),
-                                  a.covariance + b.covariance),
-      6, freedom);
-  double leastOfLens = 1;
+      crosscheck::SquaredDistance(difference.tail<6>(), covariance.bottomRightCorner<6, 6>()), 6,
+      freedom);
   for (std::size_t i = 0; i < comparison.lens.size(); ++i) {
     Comparison::LensValue& value = comparison.lens.at(i);
+    const auto parameter = static_cast<Eigen::Index>(i);
     value.p = crosscheck::StudentTail(
-        (value.second - value.first) / std::hypot(a.lensErrors.at(i), b.lensErrors.at(i)), freedom);
-    leastOfLens = value.p < leastOfLens ? value.p : leastOfLens;
+        (value.second - value.first) / std::sqrt(covariance(parameter, parameter)), freedom);
   }
-  constexpr int kPerSide = 3;  // as for the errors
   for (Comparison::OnScreen& at : comparison.onScreen) {
-    const PixelsApart apart =
-        ApartAt(at.distanceMetres, kPerSide, kPerSide, first.lens, before, second.lens, after);
-    at.p = TailOnScreen(apart.rms, at.distanceMetres, a, b, freedom);
+    at.byChance = ByChance(at.distanceMetres, {a.lens, a.Transform_Cam_Tc}, covariance);
   }
-  const auto values = static_cast<double>(comparison.lens.size());
-  comparison.p =
-      std::min(1.0, 2 * std::min(comparison.transform.p, std::min(1.0, values * leastOfLens)));
 }
 
 void KeepOnlyWhatIsCertain(Comparison& comparison) {
@@ -276,18 +316,16 @@ void KeepOnlyWhatIsCertain(Comparison& comparison) {
     keep(value.p);
   }
   for (Comparison::OnScreen& at : comparison.onScreen) {
-    keep(at.p);
+    at.byChance = kUnknown;
   }
 }
 
 // That of the chart and those of the result file.
 std::vector<double> DistancesOf(const ComparedResult& first, const ComparedResult& second) {
-  std::vector<double> distances = {1, 2, 5, 10};
-  if (first.check && second.check) {
-    const double chart = (first.check->chartMetres + second.check->chartMetres) / 2;
-    if (std::isfinite(chart) && chart > 0) {
-      distances.insert(distances.begin(), chart);
-    }
+  std::vector<double> distances = {2, 4, 10};
+  const double chart = (first.chartMetres + second.chartMetres) / 2;
+  if (std::isfinite(chart) && chart > 0) {
+    distances.insert(distances.begin(), chart);
   }
   return distances;
 }
@@ -332,18 +370,16 @@ Comparison Compare(const ComparedResult& first, const ComparedResult& second) {
     comparison.lens.at(i) = {kLensNames.at(i), before.at(i), after.at(i), kUnknown};
   }
   for (const double metres : DistancesOf(first, second)) {
-    constexpr int kColumns = 32;
-    constexpr int kRows = 18;
-    const PixelsApart apart = ApartAt(metres, kColumns, kRows, first.lens, first.Transform_Cam_Tc,
-                                      second.lens, second.Transform_Cam_Tc);
+    const PixelsApart apart = ApartAt(metres, {first.lens, first.Transform_Cam_Tc},
+                                      {second.lens, second.Transform_Cam_Tc});
     comparison.onScreen.push_back({metres, apart.rms, apart.worst, kUnknown});
   }
   comparison.shared = CountShared(first, second);
   comparison.transform.p = comparison.p = kUnknown;
   comparison.isSame =
       before == after && first.Transform_Cam_Tc.isApprox(second.Transform_Cam_Tc, 0);
-  if (first.check && second.check) {
-    FillTails(*first.check, *second.check, first, second, comparison);
+  if (first.calibration && second.calibration) {
+    FillTails(*first.calibration, *second.calibration, comparison);
     if (comparison.shared > 0) {
       KeepOnlyWhatIsCertain(comparison);
     }
@@ -385,10 +421,10 @@ nlohmann::ordered_json ComparisonJson(const ComparedResult& first, const Compare
   }
   Ordered onScreen = Ordered::array();
   for (const Comparison::OnScreen& at : comparison.onScreen) {
-    onScreen.push_back(WithTail({{"distanceMetres", at.distanceMetres},
-                                 {"rmsPixels", NumberJson(at.rmsPixels)},
-                                 {"worstPixels", NumberJson(at.worstPixels)}},
-                                at.p));
+    onScreen.push_back({{"distanceMetres", at.distanceMetres},
+                        {"rmsPixels", NumberJson(at.rmsPixels)},
+                        {"worstPixels", NumberJson(at.worstPixels)},
+                        {"byChancePixels", NumberJson(at.byChance)}});
   }
   const Comparison::Transform& transform = comparison.transform;
   return WithTail({{"first", first.file},

@@ -13,20 +13,11 @@
 #include <Eigen/Core>
 #include <nlohmann/json_fwd.hpp>
 
+#include "crosscheck/calibration.h"
 #include "crosscheck/observations.h"
 #include "crosscheck/twist.h"
 
 namespace trackedcam::host {
-
-/// What the cross-check of a result found.
-struct ComparedCheck {
-  crosscheck::Pose Transform_Cam_Tc;
-  crosscheck::Matrix6d covariance;              // of the left twist
-  std::array<double, 6> lensErrors = {};        // standard errors of fx, fy, cx, cy, k1, k2
-  double freedom = 0;                           // degrees of freedom of the covariance
-  double chartMetres = 0;                       // distance of the chart, median
-  std::vector<std::array<double, 2>> onScreen;  // distance, metres; standard error, pixels
-};
 
 /// What is compared of a result file.
 struct ComparedResult {
@@ -36,7 +27,9 @@ struct ComparedResult {
   double squareMetres = 0;
   crosscheck::Lens lens;
   crosscheck::Pose Transform_Cam_Tc;
-  std::optional<ComparedCheck> check;    // nothing if the shoot does not determine the transform
+  /// Of the cross-check, with its uncertainty; nothing if the shoot does not determine it.
+  std::optional<crosscheck::Calibration> calibration;
+  double chartMetres = 0;                // distance of the chart, median; NaN if not known
   std::vector<std::string> photographs;  // the corners found in each, as text
 };
 
@@ -44,7 +37,7 @@ struct ComparedResult {
 ComparedResult ReadComparedResult(const std::filesystem::path& file);
 
 /// Values of the second result minus those of the first. p is the probability of a difference this
-/// large by chance; NaN if it is not known.
+/// large by chance; it and byChance are NaN if they are not known.
 struct Comparison {
   struct Transform {
     std::array<double, 3> mm = {};       // along the first camera's axes
@@ -63,7 +56,7 @@ struct Comparison {
     double distanceMetres = 0;
     double rmsPixels = 0;    // over the image
     double worstPixels = 0;  // in the image
-    double p = 0;            // an upper bound
+    double byChance = 0;     // rmsPixels of two results of the same camera, on average
   };
   Transform transform;
   std::array<LensValue, 6> lens = {};
@@ -74,8 +67,8 @@ struct Comparison {
 };
 
 /// Tests the solutions of both cross-checks, because the uncertainty is theirs. Results that share
-/// photographs share errors: what is certain for independent ones is certain for them too, and
-/// every other p is NaN.
+/// photographs share errors: what is certain for independent ones is certain for them too; every
+/// other p, and byChance, is NaN.
 /// @throws InputError if the results have different image sizes or charts.
 Comparison Compare(const ComparedResult& first, const ComparedResult& second);
 

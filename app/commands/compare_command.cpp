@@ -61,10 +61,11 @@ void PrintComparison(std::ostream& out, const host::ComparedResult& first,
               Fixed(value.second - value.first, decimals), Certainty(value.p)});
   }
   out << "\nIn the image, px\n";
-  PrintRow(out, "", {"rms", "worst"});
+  PrintRow(out, "", {"rms", "worst", "rms by chance"});
   for (const host::Comparison::OnScreen& at : comparison.onScreen) {
     PrintRow(out, "at " + Fixed(at.distanceMetres, 1) + " m",
-             {Fixed(at.rmsPixels, 2), Fixed(at.worstPixels, 2), Certainty(at.p)});
+             {Fixed(at.rmsPixels, 2), Fixed(at.worstPixels, 2),
+              std::isfinite(at.byChance) ? Fixed(at.byChance, 2) : "unknown"});
   }
   out << '\n' << Conclusion(comparison) << '\n';
 }

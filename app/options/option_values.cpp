@@ -425,9 +425,10 @@ void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& s
   AddValue(command, "--scale-uncertainty", scaleUncertainty, ParsePercent, "PERCENT",
            "How accurately the squares are known against\nthe trackers' lengths (default: 0.1%)")
       ->group(group);
-  AddValue(command, "--at", atMetres, ParseDistances, "DISTANCES",
-           "Distances at which the error in the image is\ngiven, such as 4m,8m (default: the "
-           "chart's, 2m,4m,10m)")
+  AddValue(
+      command, "--at", atMetres, ParseDistances, "DISTANCES",
+      "Distances at which the error in the image is\ngiven, such as 4m,8m (default: the chart's,\n"
+      "2m,4m,10m)")
       ->group(group);
 }
 

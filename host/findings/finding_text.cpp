@@ -340,10 +340,18 @@ struct Writer : InputWriter {
     return {Name(fault),
             "The lens has a distortion that the calibrated lens leaves out (" +
                 (part("p1", fault.p1) + part("p2", fault.p2) + part("k3", fault.k3)).substr(2) +
-                "): the transform alone is off by " + Offset(fault.movedMm, fault.movedDegrees) +
-                ", but lens and transform together by " + Fixed(fault.pixels, 2) + " pixels at " +
-                Fixed(fault.distanceMetres, 0) + " m.",
+                "): " + LeftOutDoes(fault),
             "Use this lens and this transform together, and neither with another one."};
+  }
+
+  // A verification holds the transform, and knows the photographs only.
+  static std::string LeftOutDoes(const crosscheck::LensModel& fault) {
+    const std::string pixels = Fixed(fault.pixels, 2) + " pixels";
+    return std::isnan(fault.movedMm)
+               ? "it moves the corners in the photographs by " + pixels + " (root mean square)."
+               : "the transform alone is off by " + Offset(fault.movedMm, fault.movedDegrees) +
+                     ", but lens and transform together by " + pixels + " at " +
+                     Fixed(fault.distanceMetres, 0) + " m.";
   }
 
   Sentences operator()(const crosscheck::LensNotSeen& fault) const {

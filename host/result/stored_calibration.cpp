@@ -163,6 +163,33 @@ nlohmann::ordered_json CalibrationJson(const crosscheck::Calibration& calibratio
   return json;
 }
 
+std::optional<StoredCalibration> CalibrationIn(const ParsedJson& result) {
+  const auto crossCheck = result.find("crossCheck");
+  if (crossCheck == result.end() || !crossCheck->is_object()) {
+    return std::nullopt;
+  }
+  const ParsedJson calibration = crossCheck->value("calibration", ParsedJson());
+  if (calibration.is_null()) {
+    return std::nullopt;
+  }
+  if (!calibration.is_object() || calibration.value("form", ParsedJson()) != ParsedJson(kForm)) {
+    throw InputError("it is of another form than this version reads." + std::string(kAgain));
+  }
+  if (calibration.value(kChecksum, ParsedJson()) != ParsedJson(ChecksumOf(calibration))) {
+    throw InputError("it was edited after the calibration: use a copy, or calibrate again.");
+  }
+  StoredCalibration stored;
+  try {
+    stored = ParseCalibration(calibration);
+  } catch (const std::exception& error) {
+    throw InputError(std::string(error.what()) + "." + kAgain);
+  }
+  if (!crosscheck::IsSound(stored.calibration)) {
+    throw InputError("its values are not those of a calibration." + std::string(kAgain));
+  }
+  return stored;
+}
+
 StoredCalibration ReadCalibration(const std::filesystem::path& result) {
   const ParsedJson json = ReadResultObject(result);
   const std::string name = result.u8string();
@@ -176,37 +203,27 @@ StoredCalibration ReadCalibration(const std::filesystem::path& result) {
     throw InputError(name + " holds no result that can be verified: " + origin.message + kAgain);
   }
   const auto crossCheck = json.find("crossCheck");
-  const bool isChecked = crossCheck != json.end() && crossCheck->is_object();
-  if (!isChecked || !crossCheck->contains("calibration")) {
+  if (crossCheck == json.end() || !crossCheck->is_object() ||
+      !crossCheck->contains("calibration")) {
     throw InputError(name +
                      " is of an older form, without what later photographs are tested "
                      "against." +
                      kAgain);
   }
-  const ParsedJson& calibration = crossCheck->at("calibration");
-  if (calibration.is_null()) {
+  std::optional<StoredCalibration> stored;
+  try {
+    stored = CalibrationIn(json);
+  } catch (const std::exception& error) {
+    throw InputError(name + " cannot be verified: " + error.what());
+  }
+  if (!stored) {
     throw InputError(name +
                      " cannot be verified: its shoot did not determine transform and "
                      "mounting, or a tracker moved during it." +
                      kAgain);
   }
-  if (!calibration.is_object() || calibration.value("form", ParsedJson()) != ParsedJson(kForm)) {
-    throw InputError(name + " is of another form than this version reads." + kAgain);
-  }
-  const ParsedJson checksum = calibration.value(kChecksum, ParsedJson());
-  if (checksum != ParsedJson(ChecksumOf(calibration))) {
-    throw InputError(name + " was edited after the calibration: use a copy, or calibrate again.");
-  }
-  try {
-    StoredCalibration stored = ParseCalibration(calibration);
-    if (!crosscheck::IsSound(stored.calibration)) {
-      throw std::runtime_error("its values are not those of a calibration");
-    }
-    stored.time = origin.time;
-    return stored;
-  } catch (const std::exception& error) {
-    throw InputError(name + " cannot be verified: " + error.what() + "." + kAgain);
-  }
+  stored->time = origin.time;
+  return *stored;
 }
 
 }  // namespace trackedcam::host

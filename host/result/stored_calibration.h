@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include <nlohmann/json_fwd.hpp>
@@ -21,6 +22,11 @@ struct StoredCalibration {
 /// @param inputs Of the calibration: for the axes of its data file.
 nlohmann::ordered_json CalibrationJson(const crosscheck::Calibration& calibration,
                                        const Inputs& inputs);
+
+/// What a result holds of it; without the time. Nothing if the result is of an older form, or its
+/// shoot does not determine it.
+/// @throws InputError if it was edited or is of another form.
+std::optional<StoredCalibration> CalibrationIn(const nlohmann::json& result);
 
 /// @throws InputError if the file is no result file, is of an older form, is cut or edited, or is
 ///         of a calibration that is wrong or failed; it says what to do.

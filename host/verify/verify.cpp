@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr double kNotablePixels = 0.5;  // of what the calibrated lens leaves out
+
 std::string SizeText(std::uint64_t width, std::uint64_t height) {
   return std::to_string(width) + " x " + std::to_string(height);
 }
@@ -207,6 +209,11 @@ VerifyReport Verify(const VerifyInputs& inputs) {
   }
   report.verification = crosscheck::Verify(old, photographs, {inputs.chartRemounted, otherBoard});
   EnterVerification(report);
+  if (const auto& lensModel = report.verification.lensModel) {
+    const bool matters = lensModel->pixels >= kNotablePixels;
+    report.findings.push_back({matters ? Severity::kWarning : Severity::kNote, *lensModel, {}});
+    SortFindings(report.findings);
+  }
   return report;
 }
 

@@ -544,13 +544,13 @@ enum trackedcam_answer {
 /// How to verify. Fill it with trackedcam_verify_options_init. Later versions add members at the
 /// end.
 typedef struct trackedcam_verify_options {
-  uint32_t struct_size;     ///< Bytes. trackedcam_verify_options_init sets it.
-  int32_t chart_remounted;  ///< 1: the chart was mounted anew, or is another one.
-  int32_t board_columns;    ///< Of another chart: inner corners along a row; 0: the result's.
-  int32_t board_rows;       ///< Of another chart: inner corners along a column; 0: the result's.
-  double square_m;          ///< Of another chart: edge of one square; 0: the result's.
-  int32_t silent;    ///< 0 or 1, without effect: no run writes to standard output.
-  int32_t reserved;  ///< 0.
+  uint32_t struct_size;        ///< Bytes. trackedcam_verify_options_init sets it.
+  int32_t chart_remounted;     ///< 1: the chart was mounted anew, or is another one.
+  int32_t board_columns;       ///< Of another chart: inner corners along a row; 0: the result's.
+  int32_t board_rows;          ///< Of another chart: inner corners along a column; 0: the result's.
+  double square_m;             ///< Of another chart: edge of one square; 0: the result's.
+  int32_t silent;              ///< 0 or 1, without effect: no run writes to standard output.
+  int32_t reserved;            ///< 0.
   const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
 } trackedcam_verify_options;
 

@@ -168,6 +168,18 @@ TEST_F(VerifyTest, FindsAnotherDistortion) {
   EXPECT_TRUE(found.lens->hasDistortion);
 }
 
+TEST_F(VerifyTest, FindsADistortionThatTheCalibrationHasNoParametersFor) {
+  Between between;
+  between.later = 12;
+  EXPECT_FALSE(VerifyAfter(between).lensModel);
+  between.lens = [](simulator::Lens& lens) { lens.p1 = 0.002; };
+  const Verification found = VerifyAfter(between);
+  ASSERT_TRUE(found.lensModel);
+  EXPECT_NEAR(found.lensModel->p1, 0.002, 0.0004);
+  EXPECT_EQ(found.lensModel->k3, 0);
+  EXPECT_GT(found.lensModel->pixels, 0.1);
+}
+
 TEST_F(VerifyTest, FindsLensAndTracker) {
   Between between;
   between.cameraMove = DrawMove(6, 10, 1);

@@ -18,7 +18,10 @@ with tempfile.TemporaryDirectory() as name:
     os.environ["LD_LIBRARY_PATH"] = str(library.parent)
     example = scratch / "Calibrate.exe"
     run(mcs, "-warnaserror", f"-out:{example}", root / "examples/05_csharp/Calibrate.cs")
-    expected, found = run(print_layout), run(mono, example, "--layout")
+    found = run(mono, example, "--layout")
+    declared = {line.split()[0].split(".")[0] for line in found.splitlines()}
+    expected = "".join(line for line in run(print_layout).splitlines(keepends=True)
+                       if line.split()[0].split(".")[0] in declared)
     if found != expected:
         sys.exit(f"the layout of the structs in C# is\n{found}and in the header\n{expected}")
 
