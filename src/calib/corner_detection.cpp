@@ -1,11 +1,11 @@
 #include "calib/corner_detection.h"
 
 #include <cmath>
-#include <iostream>
 
 #include <opencv2/calib3d.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "core/console.h"
 #include "core/number_text.h"
 #include "core/per_photograph.h"
 #include "io/load_image.h"
@@ -104,7 +104,7 @@ cv::Size RefinementWindow(const Corners& corners, cv::Size boardSize) {
 void CountUnusablePhotograph(std::size_t index, int& Num_TrackerData) {
   if (static_cast<long long>(index) < Num_TrackerData) {
     --Num_TrackerData;
-    std::cout << "Num_TrackerData - 1, Num_TrackerData = " + std::to_string(Num_TrackerData) + '\n';
+    Print("Num_TrackerData - 1, Num_TrackerData = " + std::to_string(Num_TrackerData) + '\n');
   }
 }
 
@@ -119,7 +119,7 @@ ResultCode DetectCorners(RunLog log, cv::Size& imageSize, std::vector<std::strin
     WriteRunLogLine(log, "Process : " + path);
     const cv::Mat image = LoadImageOrNone(path);
     if (image.empty()) {
-      std::cout << path;
+      Print(path);
       WriteRunLogLine(log, path + " Not exist!");
       CountUnusablePhotograph(i, Num_TrackerData);
       continue;

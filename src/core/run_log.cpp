@@ -1,8 +1,8 @@
 #include "core/run_log.h"
 
 #include <array>
-#include <iostream>
 
+#include "core/console.h"
 #include "core/platform.h"
 #include "core/utf8.h"
 
@@ -34,7 +34,7 @@ void WriteRunLogLine(const RunLog& log, const std::string& message) {
     std::fwrite(line.data(), 1, line.size(), file.get());
     std::fputc('\n', file.get());
   }
-  std::cout << line << std::endl;
+  PrintLine(line);
 }
 
 }  // namespace trackedcam

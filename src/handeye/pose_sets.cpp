@@ -1,12 +1,12 @@
 #include "handeye/pose_sets.h"
 
 #include <algorithm>
-#include <iostream>
 #include <sstream>
 
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core/eigen.hpp>
 
+#include "core/console.h"
 #include "core/precision.h"
 #include "geometry/quaternion.h"
 
@@ -64,7 +64,7 @@ void PrintMatrix(const Eigen::Matrix3d& matrix) {
   std::ostringstream text;
   text.imbue(std::locale::classic());
   text << matrix << '\n';
-  std::cout << text.str();
+  Print(text.str());
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 #include "io/load_image.h"
 
-#include <iostream>
+#include <sstream>
 #include <vector>
 
 #include <opencv2/imgcodecs.hpp>
 
+#include "core/console.h"
 #include "core/platform.h"
 #include "core/utf8.h"
 
@@ -16,7 +17,9 @@ File OpenImage(const std::string& path) {
   File file = OpenFile(widePath, "rb");
   if (!file) {
     // The address, because a narrow stream cannot print wide text.
-    std::cout << "Failed to open " << static_cast<const void*>(widePath.c_str()) << '\n';
+    std::ostringstream text;
+    text << "Failed to open " << static_cast<const void*>(widePath.c_str()) << '\n';
+    Print(text.str());
   }
   return file;
 }

@@ -1,9 +1,9 @@
 #include "io/tracker_data.h"
 
 #include <array>
-#include <iostream>
 #include <sstream>
 
+#include "core/console.h"
 #include "core/number_text.h"
 #include "core/platform.h"
 #include "core/utf8.h"
@@ -90,7 +90,7 @@ ResultCode ReadTrackerData(RunLog log, const std::string& dataPath,
     if (isFirst) {
       RemoveByteOrderMark(line);
     }
-    std::cout << "str_line:" << line << '\n';
+    Print("str_line:" + line + '\n');
     if (!line.empty() && line.front() == 'T') {
       continue;
     }
