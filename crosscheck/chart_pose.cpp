@@ -55,15 +55,13 @@ std::optional<Pose> PoseOfHomography(Eigen::Matrix3d homography) {
   return pose;
 }
 
-using PixelByTwist = Eigen::Matrix<double, 2, 6>;
+}  // namespace
 
 PixelByTwist ByTwist(const Projection& seen, const Eigen::Vector3d& point) {
   PixelByTwist rows;
   rows << -seen.byPoint * Cross(point), seen.byPoint;
   return rows;
 }
-
-}  // namespace
 
 Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board) {
   Pose pose(RotationAbout(2, 180));

@@ -17,6 +17,10 @@ namespace trackedcam::crosscheck {
 /// Transform_Chart_Reversed: the chart's frame if its corners are counted from the last one.
 Pose ReversedBoard(const std::vector<Eigen::Vector3d>& board);
 
+/// The pixel by the left twist of the pose that brings the point into frame Cam.
+using PixelByTwist = Eigen::Matrix<double, 2, 6>;
+PixelByTwist ByTwist(const Projection& seen, const Eigen::Vector3d& point);
+
 /// The normal equations of one photograph's corners, for the left twist of Transform_Cam_Chart.
 struct PoseEquations {
   Matrix6d byPose;     // pose by pose, pixels²

@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "crosscheck/chart_pose.h"
 #include "crosscheck/corner_flaws.h"
 #include "crosscheck/corner_model.h"
 #include "crosscheck/statistics.h"
@@ -47,12 +48,6 @@ Eigen::MatrixXd PixelByNuisances(const Evidence& evidence, const Eigen::Vector3d
   return by;
 }
 
-Eigen::Matrix<double, 2, 6> ByTwist(const Projection& seen, const Eigen::Vector3d& point) {
-  Eigen::Matrix<double, 2, 6> by;
-  by << -seen.byPoint * Cross(point), seen.byPoint;
-  return by;
-}
-
 // Where a distance is seen through a pixel, what the solution's uncertainty does there.
 PlaceError ErrorAt(const Eigen::Vector2d& pixel, double distanceMetres, const Evidence& evidence,
                    const Solution& solution) {
@@ -63,7 +58,7 @@ PlaceError ErrorAt(const Eigen::Vector2d& pixel, double distanceMetres, const Ev
   }
   const Eigen::Vector3d point = distanceMetres * ray->homogeneous();
   const Projection seen = ProjectWithDerivative(lens, point);
-  const Eigen::Matrix<double, 2, 6> byTwist = ByTwist(seen, point);
+  const PixelByTwist byTwist = ByTwist(seen, point);
   // The lens moves the image itself and, through the solve, the transform: mostly back.
   const Eigen::MatrixXd byNuisances =
       byTwist * solution.byNuisances.topRows<6>() + PixelByNuisances(evidence, point);
