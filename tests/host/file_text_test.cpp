@@ -103,10 +103,10 @@ TEST_F(FileTextTest, RespectsWriteProtection) {
 }
 
 TEST_F(FileTextTest, IsNoneOfTheSystem) {
-  const fs::path& systemFile = test::SystemFiles().front();
+  const std::vector<fs::path> systemFiles = test::SystemFiles();
   std::error_code error;
-  fs::create_symlink(systemFile, folder.Path() / "link", error);
-  for (const fs::path& path : test::SystemFiles()) {
+  fs::create_symlink(systemFiles.front(), folder.Path() / "link", error);
+  for (const fs::path& path : systemFiles) {
     EXPECT_THROW(OutputTarget(path), std::runtime_error) << path;
   }
   if (!error) {
