@@ -25,6 +25,18 @@ class BinaryOutput {
 /// no file that is opened later gets its number.
 void PrepareForWriting();
 
+/// While it exists, Ctrl-C does not end the process. One at a time.
+class Interrupts {
+ public:
+  Interrupts();
+  ~Interrupts();
+  Interrupts(const Interrupts&) = delete;
+  Interrupts& operator=(const Interrupts&) = delete;
+
+  /// Ctrl-C was pressed, or the process was asked to end.
+  static bool HasCome();
+};
+
 /// Limits OpenBLAS to the caller's thread. Its threads wait for each other by spinning: on a busy
 /// machine a lens takes many times as long, and on an idle one they gain nothing. Setting
 /// OPENBLAS_NUM_THREADS here would be too late: OpenBLAS reads it when it is loaded.

@@ -30,6 +30,31 @@ void PrepareForWriting() {
   }
 }
 
+namespace {
+
+volatile std::sig_atomic_t hasInterruptCome = 0;
+
+void NoteInterrupt(int /*signal*/) {
+  hasInterruptCome = 1;
+}
+
+}  // namespace
+
+Interrupts::Interrupts() {
+  hasInterruptCome = 0;
+  std::signal(SIGINT, NoteInterrupt);
+  std::signal(SIGTERM, NoteInterrupt);
+}
+
+Interrupts::~Interrupts() {
+  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
+}
+
+bool Interrupts::HasCome() {
+  return hasInterruptCome != 0;
+}
+
 void HoldBlasToOneThread() {
   // Only if the BLAS of this machine is OpenBLAS does the function exist.
   using SetThreads = void (*)(int);

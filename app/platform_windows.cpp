@@ -1,5 +1,7 @@
+#include <atomic>
 #include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 
 #include "app/platform.h"
 
@@ -20,6 +22,30 @@ BinaryOutput::~BinaryOutput() {
 }
 
 void PrepareForWriting() {}  // not needed: writes fail, and files get no numbers of streams
+
+namespace {
+
+std::atomic<bool> hasInterruptCome = false;
+
+BOOL WINAPI NoteInterrupt(DWORD event) {
+  hasInterruptCome = true;
+  return event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT ? TRUE : FALSE;
+}
+
+}  // namespace
+
+Interrupts::Interrupts() {
+  hasInterruptCome = false;
+  SetConsoleCtrlHandler(NoteInterrupt, TRUE);
+}
+
+Interrupts::~Interrupts() {
+  SetConsoleCtrlHandler(NoteInterrupt, FALSE);
+}
+
+bool Interrupts::HasCome() {
+  return hasInterruptCome;
+}
 
 void HoldBlasToOneThread() {}  // the OpenBLAS of the DLL is built without threads
 

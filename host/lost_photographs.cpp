@@ -14,7 +14,6 @@ namespace {
 
 // Of a simulated shoot it is 0.02 to 0.1 pixels.
 constexpr double kUnusualLensError = 0.25;  // pixels, at 720 rows
-constexpr double kUnsharpWidth = 8;         // pixels, at 720 rows: there corners are lost
 constexpr double kRows = 720;               // in which the library searches
 
 bool IsLost(const PhotographEntry& entry) {
@@ -102,9 +101,7 @@ std::vector<Finding> ExplainLostPhotographs(Report& report) {
     if (isIncomplete && (!sharpness || sharpness->repeatsLastRow)) {
       entry.reason = "the file is cut short";
       cutShort.push_back(entry.name);
-    } else if (isLensUncertain && sharpness &&
-               sharpness->edgeWidthPixels.value_or(0) >
-                   kUnsharpWidth * std::max<double>(sharpness->heightPixels, kRows) / kRows) {
+    } else if (isLensUncertain && sharpness && IsUnsharp(*sharpness)) {
       unsharp.emplace_back(*sharpness->edgeWidthPixels, entry.name);
       entry.reason = isLost ? "board not found: not sharp" : entry.reason;
     }

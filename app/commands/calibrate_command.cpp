@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/commands/config_file.h"
+#include "app/commands/watch_shoot.h"
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
 #include "app/platform.h"
@@ -203,6 +204,10 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   if (!options.truth.empty()) {
     truth = host::ReadTruth(options.truth, inputs.sensorMm);
   }
+  if (options.watch) {
+    PrepareOutput(options, InputFiles(options, configFile, {}));
+    WatchShoot(inputs, options.until.value_or(inputs.goodEnough));
+  }
   const host::ShootData shoot = host::ReadShootData(inputs);
   PrepareOutput(options, InputFiles(options, configFile, shoot.rows));
   fs::current_path(inputs.workingFolder);  // relative paths of photographs begin there
@@ -276,6 +281,16 @@ void AddCalibrateOptions(CLI::App& command, CalibrateOptions& options) {
       ->check(RequireFolder)
       ->group("Shoot");
   AddExclude(command, options.inputs.exclude, "Shoot");
+  CLI::Option* watch = command
+                           .add_flag("--watch", options.watch,
+                                     "Follow the shoot while it is photographed: say\n"
+                                     "what each new row adds; Ctrl-C calibrates")
+                           ->group("Shoot");
+  AddValue(command, "--until", options.until, ParseGoodEnough, "MM,DEGREES",
+           "With --watch: how accurately the transform\nmust be known (default: that of "
+           "--good-enough)")
+      ->needs(watch)
+      ->group("Shoot");
   AddValue(command, "--expected-records", options.inputs.expectedRecords, ParseCount, "N",
            "Number of recorded rows\n(default: all rows of the data file)")
       ->group("Shoot");

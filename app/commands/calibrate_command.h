@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ struct CalibrateOptions {
   bool withoutReport = false;
   bool hasFullPhotographs = false;  // in the report page
   bool verbose = false;
+  bool watch = false;
+  std::optional<host::Accuracy> until;  // while watching; nothing: that of inputs.goodEnough
 };
 
 /// Adds the options to the command. Parsing checks and stores them, paths as absolute paths.

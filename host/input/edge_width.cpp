@@ -163,4 +163,11 @@ std::optional<Sharpness> MeasureSharpness(const std::filesystem::path& file, int
   return sharpness;
 }
 
+bool IsUnsharp(const Sharpness& sharpness) {
+  constexpr double kUnsharpWidth = 8;  // pixels, at the 720 rows in which the library searches
+  constexpr double kSearchedRows = 720;
+  return sharpness.edgeWidthPixels.value_or(0) >
+         kUnsharpWidth * std::max<double>(sharpness.heightPixels, kSearchedRows) / kSearchedRows;
+}
+
 }  // namespace trackedcam::host

@@ -23,4 +23,7 @@ struct Sharpness {
 std::optional<Sharpness> MeasureSharpness(const std::filesystem::path& file, int columns,
                                           const std::vector<std::array<double, 2>>& corners);
 
+/// Wider edges than those at which corners are lost.
+bool IsUnsharp(const Sharpness& sharpness);
+
 }  // namespace trackedcam::host

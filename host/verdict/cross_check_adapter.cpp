@@ -11,6 +11,10 @@ crosscheck::TrackerPose PoseAt(const std::array<double, 15>& row, std::size_t be
           {row[begin + 3], row[begin + 4], row[begin + 5], row[begin + 6]}};
 }
 
+crosscheck::TrackerPose PoseOfRow(const TrackerPose& pose) {
+  return {{pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5], pose[6]}};
+}
+
 crosscheck::Photograph PhotographOf(const Photograph& photograph) {
   const RawData& raw = *photograph.raw;
   crosscheck::Photograph observed = {
@@ -102,6 +106,14 @@ std::optional<crosscheck::Observations> ObservationsOf(const LibraryRun& run,
     observations.library = TransformOf(transform);
   }
   return observations;
+}
+
+crosscheck::Photograph PhotographOf(const DataRow& row,
+                                    const std::vector<Eigen::Vector2d>& corners) {
+  const std::vector<std::string_view> fields = SplitFields(row.text);
+  const std::array<TrackerPose, 2> poses = PosesIn(fields);
+  return {row.photograph, PoseOfRow(poses[0]), PoseOfRow(poses[1]), NumberIn(fields.front()),
+          corners};
 }
 
 std::vector<Finding> FindingsOf(const crosscheck::CrossCheck& crossCheck,

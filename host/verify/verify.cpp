@@ -6,8 +6,9 @@
 #include "host/findings/finding_text.h"
 #include "host/input/image_header.h"
 #include "host/input/photograph_checks.h"
+#include "host/run/library_stages.h"
 #include "host/text/text.h"
-#include "host/verify/board_corners.h"
+#include "host/verdict/cross_check_adapter.h"
 
 namespace trackedcam::host {
 namespace {
@@ -107,18 +108,6 @@ void RequireSameSize(const VerifyInputs& inputs, const crosscheck::Lens& lens,
                                         static_cast<std::uint64_t>(lens.height)),
            "Set the camera as it was then, or calibrate again.");
   }
-}
-
-crosscheck::TrackerPose PoseOfRow(const TrackerPose& pose) {
-  return {{pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5], pose[6]}};
-}
-
-crosscheck::Photograph PhotographOf(const DataRow& row,
-                                    const std::vector<Eigen::Vector2d>& corners) {
-  const std::vector<std::string_view> fields = SplitFields(row.text);
-  const std::array<TrackerPose, 2> poses = PosesIn(fields);
-  return {row.photograph, PoseOfRow(poses[0]), PoseOfRow(poses[1]), NumberIn(fields.front()),
-          corners};
 }
 
 fs::path PathOf(const DataRow& row, const VerifyInputs& inputs) {
