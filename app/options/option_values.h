@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <optional>
@@ -37,10 +38,11 @@ class HelpFormatter : public CLI::Formatter {
                                          "\n\n");
   }
 
-  // Without "Excludes: --no-report", which breaks the column: the text of the option says it.
+  // Without "Excludes: --no-report" and "Needs: --watch", which break the column: the text of the
+  // option says it.
   std::string make_option_opts(const CLI::Option* option) const override {
     const std::string text = Formatter::make_option_opts(option);
-    return text.substr(0, text.find(" Excludes:"));
+    return text.substr(0, std::min(text.find(" Excludes:"), text.find(" Needs:")));
   }
 };
 
