@@ -11,6 +11,30 @@ Eigen::Index CovarianceSize(const std::vector<Eigen::Index>& parameters) {
   return static_cast<Eigen::Index>(parameters.size()) + 1 + kTwistsOfBoth;
 }
 
+CameraCovariance CovarianceOfCamera(const Calibration& calibration) {
+  std::vector<Eigen::Index> from;  // in the calibration
+  std::vector<Eigen::Index> to;
+  const auto count = static_cast<Eigen::Index>(calibration.parameters.size());
+  for (Eigen::Index i = 0; i < count; ++i) {
+    const Eigen::Index parameter = calibration.parameters[static_cast<std::size_t>(i)];
+    if (parameter < kAllLensParameters) {
+      from.push_back(i);
+      to.push_back(parameter);
+    }
+  }
+  for (Eigen::Index i = 0; i < 6; ++i) {
+    from.push_back(count + 1 + i);
+    to.push_back(kAllLensParameters + i);
+  }
+  CameraCovariance covariance = CameraCovariance::Zero();
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    for (std::size_t k = 0; k < from.size(); ++k) {
+      covariance(to[i], to[k]) = calibration.covariance(from[i], from[k]);
+    }
+  }
+  return covariance;
+}
+
 bool IsSound(const Calibration& calibration) {
   const auto isRigid = [](const Pose& pose) {
     const Eigen::Matrix3d rotation = pose.linear();

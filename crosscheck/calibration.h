@@ -45,6 +45,13 @@ struct Calibration {
 /// The number of values in its covariance's diagonal.
 Eigen::Index CovarianceSize(const std::vector<Eigen::Index>& parameters);
 
+/// Of the lens's nine parameters and the left twist of Transform_Cam_Tc, in this order.
+constexpr Eigen::Index kCameraUncertain = kAllLensParameters + 6;
+using CameraCovariance = Eigen::Matrix<double, kCameraUncertain, kCameraUncertain>;
+
+/// 0 for parameters that were not solved for.
+CameraCovariance CovarianceOfCamera(const Calibration& calibration);
+
 /// Whether all values are finite and possible, and the covariance is one.
 bool IsSound(const Calibration& calibration);
 

@@ -287,7 +287,7 @@ void Fill(const Observations& observations, const Evidence& evidence,
   }
   FillMounting(observations, evidence, solution, free, check);
   check.imageCells = CellsOf(observations, evidence);
-  for (const double distance : DistancesOf(observations, evidence.loops)) {
+  for (const double distance : DistancesOf(observations.atMetres, evidence.loops)) {
     check.onScreen.push_back(OnScreenAt(distance, evidence, solution, check.imageCells, library));
   }
   inputs.lensNotSeen = FindLensNotSeen(evidence, check.imageCells);

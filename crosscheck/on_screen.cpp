@@ -35,39 +35,37 @@ std::vector<Eigen::Vector3d> PointsAt(double distance, const Lens& lens) {
   return points;
 }
 
-// Through the lens only: what the board's shape and the scale change, they change in the poses.
-Eigen::MatrixXd PixelByNuisances(const Evidence& evidence, const Eigen::Vector3d& point) {
-  const auto byLens = PixelByLens(evidence.corners.model.lens, point);
-  Eigen::MatrixXd by = Eigen::MatrixXd::Zero(2, evidence.nuisanceCovariance.cols());
-  for (std::size_t i = 0; i < evidence.corners.parameters.size(); ++i) {
-    const Eigen::Index parameter = evidence.corners.parameters[i];
-    if (parameter < kAllLensParameters) {
-      by.col(static_cast<Eigen::Index>(i)) = byLens.col(parameter);
+// The lens moves the image itself and, through the solve, the transform: mostly back. What the
+// board's shape and the scale change, they change in the transform.
+CameraCovariance CovarianceOf(const Evidence& evidence, const Solution& solution) {
+  const std::vector<Eigen::Index>& parameters = evidence.corners.parameters;
+  Eigen::MatrixXd byNuisances =
+      Eigen::MatrixXd::Zero(kCameraUncertain, evidence.nuisanceCovariance.cols());
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (parameters[i] < kAllLensParameters) {
+      byNuisances(parameters[i], static_cast<Eigen::Index>(i)) = 1;
     }
   }
-  return by;
+  byNuisances.bottomRows<6>() = solution.byNuisances.topRows<6>();
+  CameraCovariance covariance = byNuisances * evidence.nuisanceCovariance * byNuisances.transpose();
+  covariance.bottomRightCorner<6, 6>() +=
+      solution.inflation * solution.covariance.topLeftCorner<6, 6>();
+  return covariance;
 }
 
-// Where a distance is seen through a pixel, what the solution's uncertainty does there.
-PlaceError ErrorAt(const Eigen::Vector2d& pixel, double distanceMetres, const Evidence& evidence,
-                   const Solution& solution) {
-  const Lens& lens = evidence.corners.model.lens;
+// Where a distance is seen through a pixel.
+PlaceError ErrorAt(const Eigen::Vector2d& pixel, double distanceMetres, const Lens& lens,
+                   const CameraCovariance& ofCamera, double freedom) {
   const auto ray = Ray(lens, pixel);
   if (!ray) {
     return {kUnknown, kUnknown};
   }
   const Eigen::Vector3d point = distanceMetres * ray->homogeneous();
   const Projection seen = ProjectWithDerivative(lens, point);
-  const PixelByTwist byTwist = ByTwist(seen, point);
-  // The lens moves the image itself and, through the solve, the transform: mostly back.
-  const Eigen::MatrixXd byNuisances =
-      byTwist * solution.byNuisances.topRows<6>() + PixelByNuisances(evidence, point);
-  const Eigen::Matrix2d covariance =
-      byTwist * (solution.inflation * solution.covariance.topLeftCorner<6, 6>()) *
-          byTwist.transpose() +
-      byNuisances * evidence.nuisanceCovariance * byNuisances.transpose();
+  Eigen::Matrix<double, 2, kCameraUncertain> by;
+  by << PixelByLens(lens, point), ByTwist(seen, point);
+  const Eigen::Matrix2d covariance = by * ofCamera * by.transpose();
   const Eigen::Matrix2d wallByPixel = seen.byPoint.leftCols<2>().inverse();
-  const double freedom = Freedom(solution.Used());
   return {PlaneRadius95(covariance, freedom),
           kMmPerMetre * PlaneRadius95(wallByPixel * covariance * wallByPixel.transpose(), freedom)};
 }
@@ -195,11 +193,10 @@ double PixelsApart(double distanceMetres, const Evidence& evidence, const Soluti
   return std::sqrt(squares / static_cast<double>(points.size()));
 }
 
-OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
-                    const ImageCells& cells, const std::optional<Pose>& library) {
-  const Lens& lens = evidence.corners.model.lens;
+OnScreen OnScreenAt(double distanceMetres, const Lens& lens, const CameraCovariance& covariance,
+                    double freedom) {
   const auto errorAt = [&](const Eigen::Vector2d& pixel) {
-    return ErrorAt(pixel, distanceMetres, evidence, solution);
+    return ErrorAt(pixel, distanceMetres, lens, covariance, freedom);
   };
   OnScreen onScreen;
   onScreen.distanceMetres = distanceMetres;
@@ -211,8 +208,18 @@ OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solut
       onScreen.worstCorner = part;
     }
   }
+  return onScreen;
+}
+
+OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
+                    const ImageCells& cells, const std::optional<Pose>& library) {
+  const Lens& lens = evidence.corners.model.lens;
+  const CameraCovariance covariance = CovarianceOf(evidence, solution);
+  const double freedom = Freedom(solution.Used());
+  OnScreen onScreen = OnScreenAt(distanceMetres, lens, covariance, freedom);
   for (const Eigen::Vector2d& middle : MiddlesOf(cells, lens)) {
-    onScreen.cellPixels.push_back(errorAt(middle).pixels);
+    onScreen.cellPixels.push_back(
+        ErrorAt(middle, distanceMetres, lens, covariance, freedom).pixels);
   }
   if (library) {
     onScreen.libraryApart =
@@ -221,8 +228,8 @@ OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solut
   return onScreen;
 }
 
-std::vector<double> DistancesOf(const Observations& observations, const Loops& loops) {
-  std::vector<double> distances = observations.atMetres;
+std::vector<double> DistancesOf(const std::vector<double>& askedFor, const Loops& loops) {
+  std::vector<double> distances = askedFor;
   if (distances.empty()) {
     distances = {MeanDistance(loops), 2, 4, 10};
   }

@@ -7,6 +7,7 @@
 
 #include <Eigen/Core>
 
+#include "crosscheck/calibration.h"
 #include "crosscheck/evidence.h"
 #include "crosscheck/observations.h"
 #include "crosscheck/result.h"
@@ -26,12 +27,18 @@ double PixelsApart(double distanceMetres, const Evidence& evidence, const Soluti
                    const Lens& lens, const Pose& Transform_Cam_Tc);
 
 /// For things on a wall across the optical axis that does not move relative to the tracking system.
+/// Without cells.
+/// @param freedom Degrees of freedom of the covariance.
+OnScreen OnScreenAt(double distanceMetres, const Lens& lens, const CameraCovariance& covariance,
+                    double freedom);
+
+/// The same of a solution, with cells.
 /// @param library Transform_Cam_Tc of the library.
 OnScreen OnScreenAt(double distanceMetres, const Evidence& evidence, const Solution& solution,
                     const ImageCells& cells, const std::optional<Pose>& library);
 
 /// The distances asked for, or else the chart's own and three of common walls; the nearest first.
-std::vector<double> DistancesOf(const Observations& observations, const Loops& loops);
+std::vector<double> DistancesOf(const std::vector<double>& askedFor, const Loops& loops);
 
 /// Where no board was, and the lens may be off by more than it matters if it has a distortion that
 /// k1 and k2 leave out. Nothing if there is no such place.

@@ -9,6 +9,7 @@
 
 #include "crosscheck/corner_flaws.h"
 #include "crosscheck/evidence.h"
+#include "crosscheck/on_screen.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/uncertainty.h"
 
@@ -134,6 +135,11 @@ class Verifier {
     }
     found.noiseFactor = std::sqrt(noise_);
     MeasurePower(*nothing, found);
+    const Calibration& old = shoot_.Old();
+    for (const double distance : DistancesOf(options_.atMetres, shoot_.OldLoops())) {
+      found.onScreen.push_back(
+          OnScreenAt(distance, old.lens, CovarianceOfCamera(old), old.freedom));
+    }
     double least = 1;
     for (const Freed& freed : {kCamera, kChart, kLens}) {
       const std::optional<ShootFit> fit = Fit(freed);
@@ -304,6 +310,9 @@ class Verifier {
 
   void Describe(const ShootFit& fit, Verification& found) const {
     const Calibration& old = shoot_.Old();
+    if (found.answer != Answer::kHolds && found.answer != Answer::kChartTrackerMoved) {
+      found.onScreen.clear();
+    }
     const bool isKnown = found.answer != Answer::kUnrelated && found.answer != Answer::kTooFew;
     if (isKnown) {
       Eigen::Index next = 0;

@@ -87,6 +87,8 @@ struct Verification {
   Detectable cameraDetectable;
   Detectable chartDetectable;  // NaN if the chart was mounted anew
   double focalDetectablePercent = 0;
+  /// What the calibration is worth in the image; empty if the camera has changed.
+  std::vector<OnScreen> onScreen;
   double noiseFactor = 1;  // of the trackers, now against then; above 1 only if it is certain
   double cornerNoisePixels = 0;
   Diversity diversity;                       // of the new photographs
@@ -99,6 +101,7 @@ struct Verification {
 struct VerifyOptions {
   bool chartRemounted = false;      // its mounting is unknown
   std::optional<Board> otherBoard;  // than that of the calibration; only if remounted
+  std::vector<double> atMetres;     // distances for errors in the image; empty: the usual ones
 };
 
 /// The photographs' rows are read as those of the calibration were.

@@ -172,33 +172,12 @@ PixelsApart ApartAt(double metres, const Camera& a, const Camera& b) {
   return apart;
 }
 
-// Uncertainty: of the lens's parameters in their order, and of the left twist of Transform_Cam_Tc.
+// Uncertainty.
+
+using crosscheck::CameraCovariance;
 
 constexpr Eigen::Index kLens = crosscheck::kAllLensParameters;
-using Uncertain = Eigen::Matrix<double, kLens + 6, 1>;
-using UncertainBoth = Eigen::Matrix<double, kLens + 6, kLens + 6>;
-
-UncertainBoth CovarianceOf(const crosscheck::Calibration& calibration) {
-  std::vector<Eigen::Index> from;  // in the calibration
-  std::vector<Eigen::Index> to;
-  for (std::size_t i = 0; i < calibration.parameters.size(); ++i) {
-    if (calibration.parameters[i] < kLens) {
-      from.push_back(static_cast<Eigen::Index>(i));
-      to.push_back(calibration.parameters[i]);
-    }
-  }
-  for (Eigen::Index i = 0; i < 6; ++i) {
-    from.push_back(static_cast<Eigen::Index>(calibration.parameters.size()) + 1 + i);
-    to.push_back(kLens + i);
-  }
-  UncertainBoth covariance = UncertainBoth::Zero();
-  for (std::size_t i = 0; i < from.size(); ++i) {
-    for (std::size_t k = 0; k < from.size(); ++k) {
-      covariance(to[i], to[k]) = calibration.covariance(from[i], from[k]);
-    }
-  }
-  return covariance;
-}
+using Uncertain = Eigen::Matrix<double, crosscheck::kCameraUncertain, 1>;
 
 Uncertain DifferenceOf(const crosscheck::Calibration& a, const crosscheck::Calibration& b) {
   const auto lens = [](const crosscheck::Calibration& calibration) -> Eigen::VectorXd {
@@ -220,7 +199,7 @@ Camera Changed(const Camera& camera, const Uncertain& by) {
 
 // The rms over the image by what is uncertain. Each column of the covariance's root is a change
 // that is independent of the others.
-double ByChance(double metres, const Camera& camera, const UncertainBoth& covariance) {
+double ByChance(double metres, const Camera& camera, const CameraCovariance& covariance) {
   const Eigen::MatrixXd root = crosscheck::SquareRoot(covariance);
   const std::vector<Eigen::Vector2d> places = PlacesIn(camera.lens, 8, 6);
   double squares = 0;
@@ -239,7 +218,7 @@ double ByChance(double metres, const Camera& camera, const UncertainBoth& covari
 }
 
 // Of what at least one of the calibrations has solved for.
-double JointTail(const Uncertain& difference, const UncertainBoth& covariance, double freedom) {
+double JointTail(const Uncertain& difference, const CameraCovariance& covariance, double freedom) {
   std::vector<Eigen::Index> solved;
   for (Eigen::Index i = 0; i < covariance.rows(); ++i) {
     if (covariance(i, i) > 0) {
@@ -289,7 +268,7 @@ void FillTransform(const Pose& first, const Pose& second, Comparison::Transform&
 void FillTails(const crosscheck::Calibration& a, const crosscheck::Calibration& b,
                Comparison& comparison) {
   const double freedom = std::min(a.freedom, b.freedom);
-  const UncertainBoth covariance = CovarianceOf(a) + CovarianceOf(b);
+  const CameraCovariance covariance = CovarianceOfCamera(a) + CovarianceOfCamera(b);
   const Uncertain difference = DifferenceOf(a, b);
   comparison.p = JointTail(difference, covariance, freedom);
   comparison.transform.p = crosscheck::HotellingTail(

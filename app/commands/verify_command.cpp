@@ -14,6 +14,7 @@
 #include "app/options/option_values.h"
 #include "app/options/outputs.h"
 #include "app/terminal/output.h"
+#include "app/terminal/summary.h"
 #include "host/findings/finding_text.h"
 #include "host/silenced_stdout.h"
 #include "host/text/files.h"
@@ -81,6 +82,7 @@ void PrintVerification(std::ostream& out, const host::VerifyReport& report) {
   for (const std::string& detail : host::Details(report.verification)) {
     out << "  " << detail << '\n';
   }
+  PrintOnScreen(out, report.verification.onScreen);
   out << "Next: " << host::AdviceText(report.verification) << '\n';
 }
 
@@ -157,6 +159,7 @@ void AddVerifyCommand(CLI::App& program, int& status) {
   AddValue(command, "--quaternion-order", inputs.hasQuaternionsXyzw, ParseQuaternionOrder, "ORDER",
            "The same");
   command.add_flag("--invert-tracker-quaternions", options->invertTrackerQuaternions, "The same");
+  AddDistances(command, inputs.atMetres);
   AddPath(command, "--out", options->out, "FILE.json", "File with all values as JSON");
   command.add_flag("--json", options->json, "All values as JSON on standard output");
   command.callback(

@@ -417,6 +417,16 @@ void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std:
       ->group(group);
 }
 
+void AddDistances(CLI::App& command, std::vector<double>& atMetres, const std::string& group) {
+  CLI::Option* option = AddValue(
+      command, "--at", atMetres, ParseDistances, "DISTANCES",
+      "Distances at which the error in the image is\ngiven, such as 4m,8m (default: the chart's,\n"
+      "2m,4m,10m)");
+  if (!group.empty()) {
+    option->group(group);
+  }
+}
+
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
                         std::vector<double>& atMetres, const std::string& group) {
   AddValue(command, "--good-enough", goodEnough, ParseGoodEnough, "MM,DEGREES",
@@ -425,11 +435,7 @@ void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& s
   AddValue(command, "--scale-uncertainty", scaleUncertainty, ParsePercent, "PERCENT",
            "How accurately the squares are known against\nthe trackers' lengths (default: 0.1%)")
       ->group(group);
-  AddValue(
-      command, "--at", atMetres, ParseDistances, "DISTANCES",
-      "Distances at which the error in the image is\ngiven, such as 4m,8m (default: the chart's,\n"
-      "2m,4m,10m)")
-      ->group(group);
+  AddDistances(command, atMetres, group);
 }
 
 void AddMountingOptions(CLI::App& command, MountingOptions& options, const std::string& standard,

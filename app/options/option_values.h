@@ -182,6 +182,9 @@ void AddPagePhotographs(CLI::App& command, bool& areFull, const std::string& gro
 /// Adds --exclude, for calibrate and crosscheck. Given several times, its lists are joined.
 void AddExclude(CLI::App& command, std::vector<std::string>& exclude, const std::string& group);
 
+/// Adds --at.
+void AddDistances(CLI::App& command, std::vector<double>& atMetres, const std::string& group = "");
+
 /// Adds --good-enough, --scale-uncertainty and --at, for calibrate and crosscheck.
 void AddAccuracyOptions(CLI::App& command, host::Accuracy& goodEnough, double& scaleUncertainty,
                         std::vector<double>& atMetres, const std::string& group);

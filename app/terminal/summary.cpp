@@ -180,22 +180,6 @@ std::vector<double> RowByRow(const Eigen::Matrix4d& transform) {
   return {rows.data(), rows.data() + rows.size()};
 }
 
-void PrintOnScreen(std::ostream& out, const std::vector<crosscheck::OnScreen>& onScreen) {
-  if (onScreen.empty()) {
-    return;
-  }
-  PrintRow(out, "error in the image (95 %)",
-           std::vector<std::string>{"middle", "", "worst corner", ""});
-  for (const crosscheck::OnScreen& at : onScreen) {
-    std::vector<std::string> values;
-    for (const crosscheck::PlaceError& error : {at.middle, at.corner}) {
-      values.push_back(Fixed(error.pixels, 1) + " px");
-      values.push_back(Fixed(error.mm, 1) + " mm");
-    }
-    PrintRow(out, "  at " + Fixed(at.distanceMetres, 2) + " m", values);
-  }
-}
-
 void PrintCrossCheck(std::ostream& out, const Report& report, const CalibrationOutputs* truth) {
   const CrossCheck& check = *report.crossCheck;
   out << "\nCross-check: transform and mounting solved together, " << check.used << " of "
@@ -355,6 +339,22 @@ void PrintFirstRun(std::ostream& out, const Report& first, const CalibrationOutp
 }
 
 }  // namespace
+
+void PrintOnScreen(std::ostream& out, const std::vector<crosscheck::OnScreen>& onScreen) {
+  if (onScreen.empty()) {
+    return;
+  }
+  PrintRow(out, "error in the image (95 %)",
+           std::vector<std::string>{"middle", "", "worst corner", ""});
+  for (const crosscheck::OnScreen& at : onScreen) {
+    std::vector<std::string> values;
+    for (const crosscheck::PlaceError& error : {at.middle, at.corner}) {
+      values.push_back(Fixed(error.pixels, 1) + " px");
+      values.push_back(Fixed(error.mm, 1) + " mm");
+    }
+    PrintRow(out, "  at " + Fixed(at.distanceMetres, 2) + " m", values);
+  }
+}
 
 void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutputs* truth,
                   const std::filesystem::path& page) {

@@ -5,7 +5,9 @@
 
 #include <filesystem>
 #include <ostream>
+#include <vector>
 
+#include "crosscheck/result.h"
 #include "host/report.h"
 #include "host/run/calibration_outputs.h"
 
@@ -18,6 +20,9 @@ namespace trackedcam::app {
 /// @param page The report page; empty if there is none.
 void PrintSummary(std::ostream& out, const host::Report& report,
                   const host::CalibrationOutputs* truth, const std::filesystem::path& page = {});
+
+/// The error in the image and on a wall at each distance; nothing if there are none.
+void PrintOnScreen(std::ostream& out, const std::vector<crosscheck::OnScreen>& onScreen);
 
 /// One line of error or warning, unless the verdict is good: the text of the finding that decides
 /// it, or the verdict itself. And one for each output of the library that could not be written.

@@ -121,20 +121,6 @@ Json ImageCellsJson(const crosscheck::ImageCells& cells) {
   return {{"columns", cells.columns}, {"rows", cells.rows}, {"seen", cells.seen}};
 }
 
-Json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
-  Json list = Json::array();
-  for (const crosscheck::OnScreen& at : onScreen) {
-    Json corner = PlaceErrorJson(at.corner);
-    corner["part"] = Name(at.worstCorner);
-    list.push_back({{"distanceMetres", at.distanceMetres},
-                    {"middle", PlaceErrorJson(at.middle)},
-                    {"corner", std::move(corner)},
-                    {"cellPixels", NumbersJson(at.cellPixels)},
-                    {"libraryApart", NumberJson(at.libraryApart)}});
-  }
-  return list;
-}
-
 void AddView(Json& json, const crosscheck::View& view) {
   json["tiltDegrees"] = NumberJson(view.tiltDegrees);
   json["tiltDirectionDegrees"] = NumberJson(view.tiltDirectionDegrees);
@@ -380,6 +366,20 @@ Json RunJson(const Report& report) {
 }
 
 }  // namespace
+
+nlohmann::ordered_json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
+  Json list = Json::array();
+  for (const crosscheck::OnScreen& at : onScreen) {
+    Json corner = PlaceErrorJson(at.corner);
+    corner["part"] = Name(at.worstCorner);
+    list.push_back({{"distanceMetres", at.distanceMetres},
+                    {"middle", PlaceErrorJson(at.middle)},
+                    {"corner", std::move(corner)},
+                    {"cellPixels", NumbersJson(at.cellPixels)},
+                    {"libraryApart", NumberJson(at.libraryApart)}});
+  }
+  return list;
+}
 
 Json ResultJson(const Report& report) {
   Json json = RunJson(report);

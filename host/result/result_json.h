@@ -1,7 +1,10 @@
 #pragma once
 
+#include <vector>
+
 #include <nlohmann/json_fwd.hpp>
 
+#include "crosscheck/result.h"
 #include "host/report.h"
 
 namespace trackedcam::host {
@@ -9,5 +12,8 @@ namespace trackedcam::host {
 /// The result file: every value of a calibration at full precision. A value that is not finite, or
 /// that the run did not reach, is null.
 nlohmann::ordered_json ResultJson(const Report& report);
+
+/// A value that is not known is null.
+nlohmann::ordered_json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen);
 
 }  // namespace trackedcam::host

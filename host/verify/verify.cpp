@@ -196,7 +196,8 @@ VerifyReport Verify(const VerifyInputs& inputs) {
     photographs.push_back(PhotographOf(shoot.rows[entry.index], corners[i]));
     report.corners.push_back(corners[i]);
   }
-  report.verification = crosscheck::Verify(old, photographs, {inputs.chartRemounted, otherBoard});
+  report.verification =
+      crosscheck::Verify(old, photographs, {inputs.chartRemounted, otherBoard, inputs.atMetres});
   EnterVerification(report);
   if (const auto& lensModel = report.verification.lensModel) {
     const bool matters = lensModel->pixels >= kNotablePixels;

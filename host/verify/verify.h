@@ -29,6 +29,7 @@ struct VerifyInputs {
   std::optional<std::array<int, 2>> board;
   std::optional<double> squareMetres;
   bool chartRemounted = false;
+  std::vector<double> atMetres;  // distances for errors in the image; empty: the usual ones
 };
 
 struct VerifyReport {

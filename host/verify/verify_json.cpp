@@ -4,6 +4,7 @@
 
 #include "host/findings/finding_json.h"
 #include "host/result/result_file.h"
+#include "host/result/result_json.h"
 #include "host/text/files.h"
 #include "host/verify/verify_text.h"
 
@@ -136,6 +137,7 @@ Json VerifyJson(const VerifyReport& report) {
        {{"cameraTracker", DetectableJson(found.cameraDetectable)},
         {"chartTracker", DetectableJson(found.chartDetectable)},
         {"focalPercent", NumberJson(found.focalDetectablePercent)}}},
+      {"onScreen", OnScreenJson(found.onScreen)},
       {"noiseFactor", NumberJson(found.noiseFactor)},
       {"cornerNoisePixels", NumberJson(found.cornerNoisePixels)},
       {"imageSize", {old.lens.width, old.lens.height}},

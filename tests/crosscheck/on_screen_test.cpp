@@ -88,6 +88,19 @@ TEST(OnScreenTest, TheTrueErrorIsWithinTheStatedOne) {
   }
 }
 
+// What is stored of a calibration for later says the same.
+TEST(OnScreenTest, IsThatOfTheStoredCalibration) {
+  test::KnownShoot shoot = test::MakeShoot(test::FortyNoisy(43), kQuietCorners);
+  shoot.observations.atMetres = {4};
+  const CrossCheck check = Check(shoot.observations);
+  const Calibration& stored = check.calibration.value();
+  const OnScreen again = OnScreenAt(4, stored.lens, CovarianceOfCamera(stored), stored.freedom);
+  EXPECT_NEAR(again.middle.pixels, check.onScreen.front().middle.pixels,
+              0.05 * again.middle.pixels);
+  EXPECT_NEAR(again.corner.mm, check.onScreen.front().corner.mm, 0.05 * again.corner.mm);
+  EXPECT_EQ(again.worstCorner, check.onScreen.front().worstCorner);
+}
+
 TEST(LensNotSeenTest, ACarefulShootLeavesNothing) {
   EXPECT_FALSE(
       Has<LensNotSeen>(Check(test::MakeShoot(test::FortyNoisy(43), kQuietCorners).observations)));
