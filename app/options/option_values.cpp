@@ -170,6 +170,9 @@ std::string RequireFolder(const std::string& path) {
 }
 
 std::filesystem::path ParsePath(const std::string& option, const std::string& text) {
+  if (text.empty()) {
+    Reject(option, "the path is empty");
+  }
   const auto path = std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
   if (host::HasControlCharacter(path.u8string())) {
     Reject(option, kControlCharacter);

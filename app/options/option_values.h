@@ -66,7 +66,7 @@ CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value,
 }
 
 /// An absolute path without "." and "..".
-/// @throws CLI::ValidationError if it has a line ending or another control character.
+/// @throws CLI::ValidationError if it is empty, or has a line ending or another control character.
 std::filesystem::path ParsePath(const std::string& option, const std::string& text);
 
 /// Between the paths of an option for several: a control character, which no path may have.

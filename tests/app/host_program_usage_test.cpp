@@ -39,6 +39,14 @@ class HostProgramUsage : public testing::Test {
   test::TemporaryFolder folder;
 };
 
+TEST_F(HostProgramUsage, RefusesEmptyPaths) {
+  const std::string data = folder.File("data.csv");
+  ExpectUsageError({"simulate", ""}, "FOLDER: the path is empty");
+  ExpectUsageError(
+      Calibrate({"--data", data, "--board", "9x6", "--square", "30mm", "--result", ""}),
+      "--result: the path is empty");
+}
+
 // Neither can such a path look like another line of the output.
 TEST_F(HostProgramUsage, RefusesPathsWithControlCharacters) {
   const std::string message = "the path has a line ending or another control character";
