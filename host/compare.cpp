@@ -49,6 +49,7 @@ ComparedResult Parse(const nlohmann::json& json, const std::string& file) {
   ComparedResult result;
   result.file = file;
   result.verdict = json.at("verdict").at("message").get<std::string>();
+  result.isWrong = json.at("verdict").at("level") == Name(Level::kWrong);
   const nlohmann::json& inputs = json.at("inputs");
   result.board = inputs.at("board").get<std::array<int, 2>>();
   result.squareMetres = inputs.at("squareMetres").get<double>();
@@ -324,6 +325,28 @@ nlohmann::ordered_json WithTail(nlohmann::ordered_json json, double p) {
   return json;
 }
 
+std::string DifferenceText(const Comparison& comparison) {
+  if (comparison.isSame) {
+    return "The results are the same.";
+  }
+  const std::string by = Fixed(comparison.transform.offMm, 2) + " mm and " +
+                         Fixed(comparison.transform.offDegrees, 3) + " deg";
+  switch (crosscheck::CertaintyOf(comparison.p)) {
+    case crosscheck::Certainty::kIsCertain:
+      return "The results differ, and not by chance: by " + by + '.';
+    case crosscheck::Certainty::kIsLikely:
+      return "The results differ by " + by + ", which is probably not by chance.";
+    case crosscheck::Certainty::kMayBeChance:
+      return "The results differ by " + by + ", which may be chance.";
+    case crosscheck::Certainty::kIsUnknown:
+      break;
+  }
+  return "The results differ by " + by + "; whether that is chance cannot be told, because " +
+         (comparison.shared > 0
+              ? std::to_string(comparison.shared) + " photographs are in both of them."
+              : "one of them has no cross-check that determines its transform.");
+}
+
 }  // namespace
 
 ComparedResult ReadComparedResult(const std::filesystem::path& file) {
@@ -353,6 +376,11 @@ Comparison Compare(const ComparedResult& first, const ComparedResult& second) {
                                       {second.lens, second.Transform_Cam_Tc});
     comparison.onScreen.push_back({metres, apart.rms, apart.worst, kUnknown});
   }
+  for (const ComparedResult* result : {&first, &second}) {
+    if (result->isWrong) {
+      comparison.wrong.push_back(result->file);
+    }
+  }
   comparison.shared = CountShared(first, second);
   comparison.transform.p = comparison.p = kUnknown;
   comparison.isSame =
@@ -367,25 +395,11 @@ Comparison Compare(const ComparedResult& first, const ComparedResult& second) {
 }
 
 std::string Conclusion(const Comparison& comparison) {
-  if (comparison.isSame) {
-    return "The results are the same.";
+  std::string text = DifferenceText(comparison);
+  for (const std::string& file : comparison.wrong) {
+    text += " The result of " + file + " is certainly wrong: a comparison says nothing about it.";
   }
-  const std::string by = Fixed(comparison.transform.offMm, 2) + " mm and " +
-                         Fixed(comparison.transform.offDegrees, 3) + " deg";
-  switch (crosscheck::CertaintyOf(comparison.p)) {
-    case crosscheck::Certainty::kIsCertain:
-      return "The results differ, and not by chance: by " + by + '.';
-    case crosscheck::Certainty::kIsLikely:
-      return "The results differ by " + by + ", which is probably not by chance.";
-    case crosscheck::Certainty::kMayBeChance:
-      return "The results differ by " + by + ", which may be chance.";
-    case crosscheck::Certainty::kIsUnknown:
-      break;
-  }
-  return "The results differ by " + by + "; whether that is chance cannot be told, because " +
-         (comparison.shared > 0
-              ? std::to_string(comparison.shared) + " photographs are in both of them."
-              : "one of them has no cross-check that determines its transform.");
+  return text;
 }
 
 nlohmann::ordered_json ComparisonJson(const ComparedResult& first, const ComparedResult& second,
@@ -409,6 +423,7 @@ nlohmann::ordered_json ComparisonJson(const ComparedResult& first, const Compare
   return WithTail({{"first", first.file},
                    {"second", second.file},
                    {"conclusion", Conclusion(comparison)},
+                   {"certainlyWrong", comparison.wrong},
                    {"transform", WithTail({{"mm", transform.mm},
                                            {"degrees", transform.degrees},
                                            {"offMm", transform.offMm},

@@ -23,6 +23,7 @@ namespace trackedcam::host {
 struct ComparedResult {
   std::string file;
   std::string verdict;            // its message
+  bool isWrong = false;           // certainly, by its verdict
   std::array<int, 2> board = {};  // inner corners
   double squareMetres = 0;
   crosscheck::Lens lens;
@@ -64,6 +65,7 @@ struct Comparison {
   std::size_t shared = 0;          // photographs that both results are from
   double p = 0;                    // of transform and lens together
   bool isSame = false;             // equal to the last digit
+  std::vector<std::string> wrong;  // files of results that are certainly wrong by their verdicts
 };
 
 /// Tests the solutions of both cross-checks, because the uncertainty is theirs. Results that share
@@ -72,7 +74,7 @@ struct Comparison {
 /// @throws InputError if the results have different image sizes or charts.
 Comparison Compare(const ComparedResult& first, const ComparedResult& second);
 
-/// One sentence: whether they differ, and why that cannot be told if it cannot.
+/// Whether they differ, and why that cannot be told if it cannot; and which of them is wrong.
 std::string Conclusion(const Comparison& comparison);
 
 nlohmann::ordered_json ComparisonJson(const ComparedResult& first, const ComparedResult& second,

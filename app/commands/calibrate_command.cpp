@@ -36,10 +36,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string RequireFolder(const std::string& path) {
-  return fs::is_directory(fs::u8path(path)) ? "" : "there is no folder " + path;
-}
-
 constexpr const char* kCalibrateFooter = R"(Examples:
   A simulated shoot:
     trackedcam calibrate --config shoot/shoot.toml
@@ -241,25 +237,24 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
   return status == 0 && !(isExported && written.errors.empty()) ? 1 : status;
 }
 
-// Of several values the parser makes lines, and so does the configuration file.
-std::vector<std::string> Lines(const std::string& text) {
-  std::vector<std::string> lines;
+std::vector<std::string> PathsIn(const std::string& text) {
+  std::vector<std::string> paths;
   std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) {
-    lines.push_back(line);
+  for (std::string path; std::getline(stream, path, kBetweenPaths);) {
+    paths.push_back(path);
   }
-  return lines.empty() ? std::vector<std::string>{text} : lines;
+  return paths.empty() ? std::vector<std::string>{text} : paths;
 }
 
 // The first one, and those that continue it.
 CLI::Option* AddData(CLI::App& command, host::Inputs& inputs) {
   const auto store = [&inputs](const std::string& text) {
     inputs.moreData.clear();
-    for (const std::string& line : Lines(text)) {
-      if (const std::string error = RequireFile(line); !error.empty()) {
+    for (const std::string& path : PathsIn(text)) {
+      if (const std::string error = RequireFile(path); !error.empty()) {
         throw CLI::ValidationError("--data", error);
       }
-      inputs.moreData.push_back(fs::absolute(fs::u8path(line)).lexically_normal());
+      inputs.moreData.push_back(ParsePath("--data", path));
     }
     inputs.data = inputs.moreData.front();
     inputs.moreData.erase(inputs.moreData.begin());
@@ -269,7 +264,7 @@ CLI::Option* AddData(CLI::App& command, host::Inputs& inputs) {
                                         "Tracker data file: a row for each photograph;\n"
                                         "again for each file that continues the shoot")
       ->type_name("FILE")
-      ->multi_option_policy(CLI::MultiOptionPolicy::Join);
+      ->join(kBetweenPaths);
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ int StatusOf(const host::Comparison& comparison) {
   }
   switch (crosscheck::CertaintyOf(comparison.p)) {
     case crosscheck::Certainty::kMayBeChance:
-      return 0;
+      return comparison.wrong.empty() ? 0 : kCannotBeTold;
     case crosscheck::Certainty::kIsCertain:
       return kDiffer;
     case crosscheck::Certainty::kIsLikely:

@@ -6,6 +6,7 @@
 #include "app/commands/toml_file.h"
 #include "app/options/option_values.h"
 #include "host/input/inputs.h"
+#include "host/text/text.h"
 
 namespace trackedcam::app {
 namespace {
@@ -26,24 +27,22 @@ std::vector<TomlSection> Read(const fs::path& path) {
 
 // A path in double quotes, such as "D:\takes", has a tab in place of \t.
 std::string PathText(const std::string& text, const std::string& name, const fs::path& folder) {
-  const auto isControl = [](char character) { return character >= 0 && character < ' '; };
-  if (std::any_of(text.begin(), text.end(), isControl)) {
+  if (host::HasControlCharacter(text)) {
     Reject(name + " has a control character; " + kPathsInToml);
   }
   return (folder / fs::u8path(text)).u8string();
 }
 
-// An option for several paths takes them as lines.
 std::string PathsText(const CLI::Option& option, const TomlOption& given, const std::string& name,
                       const fs::path& folder) {
   if (option.get_multi_option_policy() != CLI::MultiOptionPolicy::Join) {
     return PathText(given.value, name, folder);
   }
-  std::string lines;
+  std::string paths;
   for (const std::string& path : given.elements) {
-    lines += (lines.empty() ? "" : "\n") + PathText(path, name, folder);
+    paths += (paths.empty() ? "" : std::string(1, kBetweenPaths)) + PathText(path, name, folder);
   }
-  return lines;
+  return paths;
 }
 
 CLI::App* FindCommand(CLI::App& program, const std::string& name) {

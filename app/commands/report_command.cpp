@@ -27,6 +27,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::size_t kMostPictures = 5000;  // 60 MB of small ones
+
 constexpr const char* kReportFooter = R"(Example:
   trackedcam report --result shoot/result.json --out report.html
 
@@ -42,7 +44,8 @@ struct ReportOptions {
 
 /// Reads the pictures that a result names. The result may be a stranger's, and the page is made to
 /// be passed on, so only pictures of the shoot are embedded: those beside or below the result file,
-/// the log of the run or the tracker data.
+/// the log of the run or the tracker data. It may also name one picture any number of times, so
+/// their number is limited.
 class PicturesOfShoot {
  public:
   PicturesOfShoot(const fs::path& resultFile, const nlohmann::ordered_json& result) {
@@ -64,14 +67,29 @@ class PicturesOfShoot {
     for (const fs::path& folder : folders_) {
       if (std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first ==
           folder.end()) {
-        return host::ReadPhotograph(real);
+        ++read_;
+        return read_ <= kMostPictures ? host::ReadPhotograph(real) : std::string();
       }
     }
     outside_.insert(file);
     return {};
   }
 
-  std::size_t Outside() const { return outside_.size(); }
+  /// What the user should know about the pictures; empty if all are on the page.
+  std::string Warning() const {
+    std::string text;
+    if (!outside_.empty()) {
+      text +=
+          "trackedcam: warning: pictures that the page does not show, because they are not below "
+          "the folder of the result, of its log or of its tracker data: " +
+          std::to_string(outside_.size()) + '\n';
+    }
+    if (read_ > kMostPictures) {
+      text += "trackedcam: warning: the page does not show pictures after the first " +
+              std::to_string(kMostPictures) + '\n';
+    }
+    return text;
+  }
 
  private:
   // Of a file that exists, and not everything below the root.
@@ -85,20 +103,21 @@ class PicturesOfShoot {
 
   std::vector<fs::path> folders_;  // without links
   std::set<fs::path> outside_;
+  std::size_t read_ = 0;
 };
 
 void WriteReport(const ReportOptions& options, const fs::path& configFile) {
   PrepareOutputFile({"--out", options.out, "a report page of trackedcam", host::IsReportPage},
                     {options.result, configFile});
   std::string page;
-  std::size_t outside = 0;
+  std::string warning;
   try {
     const auto result = host::ReadJson<nlohmann::ordered_json>(options.result);
     PicturesOfShoot pictures(options.result, result);
     const auto read = [&](const fs::path& file) { return pictures.Read(file); };
     page = report::Page(result, report::MakeThumbnails(result, read, options.hasFullPhotographs),
                         options.out.parent_path(), report::MakeUndistorted(result, read));
-    outside = pictures.Outside();
+    warning = pictures.Warning();
   } catch (const std::exception& error) {
     throw host::InputError(options.result.u8string() +
                            " is not a result file of trackedcam: " + error.what());
@@ -106,11 +125,7 @@ void WriteReport(const ReportOptions& options, const fs::path& configFile) {
   WriteOutput(options.out, page);
   TextBeside(options.out) << "Report: " << options.out.u8string() << ", "
                           << host::Fixed(static_cast<double>(page.size()) / 1e6, 1) << " MB\n";
-  if (outside > 0) {
-    std::cerr << "trackedcam: warning: pictures that the page does not show, because they are not "
-                 "below the folder of the result, of its log or of its tracker data: "
-              << outside << '\n';
-  }
+  std::cerr << warning;
 }
 
 }  // namespace

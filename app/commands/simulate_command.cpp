@@ -230,11 +230,13 @@ void Write(const simulator::Shoot& shoot, const fs::path& folder) {
 }  // namespace
 
 void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
+  const auto store = [&options](const std::string& text) {
+    ParsePath("FOLDER", text);
+    options.folder = std::filesystem::u8path(text);  // the next command names it as it was written
+  };
   command
-      .add_option_function<std::string>(
-          "FOLDER",
-          [&options](const std::string& text) { options.folder = std::filesystem::u8path(text); },
-          "Folder of the shoot; created if it is missing")
+      .add_option_function<std::string>("FOLDER", store,
+                                        "Folder of the shoot; created if it is missing")
       ->type_name("")
       ->required();
   command.add_flag("--force", options.force,

@@ -26,6 +26,10 @@ using host::Shortest;
 
 constexpr double kFarthestMounting = 3;  // metres; a tracker is on its chart or near it
 
+// Without the path: it could look like another line of the message.
+constexpr const char* kControlCharacter =
+    "the path has a line ending or another control character; rename the file or folder";
+
 [[noreturn]] void Reject(const std::string& option, const std::string& reason) {
   throw CLI::ValidationError(option, reason);
 }
@@ -150,8 +154,34 @@ CLI::App& AddCommand(CLI::App& program, const std::string& name, const std::stri
 }
 
 std::string RequireFile(const std::string& path) {
+  if (host::HasControlCharacter(path)) {
+    return kControlCharacter;
+  }
   const bool isFile = std::filesystem::is_regular_file(std::filesystem::u8path(path));
   return isFile ? "" : "there is no file " + path;
+}
+
+std::string RequireFolder(const std::string& path) {
+  if (host::HasControlCharacter(path)) {
+    return kControlCharacter;
+  }
+  const bool isFolder = std::filesystem::is_directory(std::filesystem::u8path(path));
+  return isFolder ? "" : "there is no folder " + path;
+}
+
+std::filesystem::path ParsePath(const std::string& option, const std::string& text) {
+  if (text.empty()) {
+    Reject(option, "the path is empty");
+  }
+  const auto path = std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
+  if (host::HasControlCharacter(path.u8string())) {
+    Reject(option, kControlCharacter);
+  }
+  return path;
+}
+
+std::filesystem::path ParseOutput(const std::string& option, const std::string& text) {
+  return text == "-" ? std::filesystem::path(text) : ParsePath(option, text);
 }
 
 std::array<double, 2> ParseSensor(const std::string& option, const std::string& text) {

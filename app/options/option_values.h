@@ -65,26 +65,27 @@ CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value,
   return command.add_option_function<std::string>(name, store, description)->type_name(form);
 }
 
-/// Adds an option for a path, which is stored as an absolute path without "." and "..".
+/// An absolute path without "." and "..".
+/// @throws CLI::ValidationError if it is empty, or has a line ending or another control character.
+std::filesystem::path ParsePath(const std::string& option, const std::string& text);
+
+/// Between the paths of an option for several: a control character, which no path may have.
+constexpr char kBetweenPaths = '\x1F';
+
+/// The path of a file that is written; "-" is standard output.
+std::filesystem::path ParseOutput(const std::string& option, const std::string& text);
+
+/// Adds an option for a path.
 /// @param form FILE or FOLDER at the beginning: IsPath recognises these options by it.
 inline CLI::Option* AddPath(CLI::App& command, const std::string& name, std::filesystem::path& path,
                             const std::string& form, const std::string& description) {
-  const auto store = [&path](const std::string& text) {
-    path = std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
-  };
-  return command.add_option_function<std::string>(name, store, description)->type_name(form);
+  return AddValue(command, name, path, ParsePath, form, description);
 }
 
-/// The path of a file that is written; "-" is standard output.
 inline CLI::Option* AddOutput(CLI::App& command, const std::string& name,
                               std::filesystem::path& path, const std::string& form,
                               const std::string& description) {
-  const auto store = [&path](const std::string& text) {
-    path = text == "-"
-               ? std::filesystem::path(text)
-               : std::filesystem::absolute(std::filesystem::u8path(text)).lexically_normal();
-  };
-  return command.add_option_function<std::string>(name, store, description)->type_name(form);
+  return AddValue(command, name, path, ParseOutput, form, description);
 }
 
 inline bool IsPath(const CLI::Option& option) {
@@ -92,8 +93,9 @@ inline bool IsPath(const CLI::Option& option) {
   return form.rfind("FILE", 0) == 0 || form.rfind("FOLDER", 0) == 0;
 }
 
-/// A check of an option: empty if the path is that of a file, otherwise the error.
+/// Checks of an option: empty if the path is that of a file or a folder, otherwise the error.
 std::string RequireFile(const std::string& path);
+std::string RequireFolder(const std::string& path);
 
 // Parsers of values. An error names the option and says how to write the value.
 // All throw CLI::ValidationError if the text is invalid.

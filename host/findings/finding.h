@@ -87,7 +87,7 @@ struct Utf16Text {};
 using ImageSize = std::array<std::uint64_t, 2>;  // width, height
 
 struct PhotographFault {
-  enum class Kind { kNotAFile, kUnreadable, kCostly, kOtherFormat, kUnknownFormat, kCutShort };
+  enum class Kind { kNotAFile, kUnreadable, kCostly, kOtherFormat, kCutShort };
   Kind kind = Kind::kNotAFile;
   std::size_t count = 0;
   std::size_t all = 0;  // photographs of the shoot

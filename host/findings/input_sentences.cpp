@@ -206,13 +206,9 @@ Sentences InputWriter::operator()(const PhotographFault& fault) const {
               "Save them again, as JPEG or PNG: a file has many times the bytes of its pixels, or "
               "a JPEG more than 64 scans."};
     case PhotographFault::Kind::kOtherFormat:
-      return {"otherFormat", "Images of an unsupported format are left out: " + names + '.',
+      return {"otherFormat",
+              "Files that are not images of a supported format are left out: " + names + '.',
               kFormats};
-    case PhotographFault::Kind::kUnknownFormat:
-      return {
-          "unknownFormat",
-          "Files are not images of a known format, so their sizes are not checked: " + names + '.',
-          kFormats};
     case PhotographFault::Kind::kCutShort:
       return {"cutShortPhotographs", "Files of photographs are cut short: " + names + '.',
               "Copy them again, and check the free space on the disk."};

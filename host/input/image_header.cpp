@@ -1,6 +1,7 @@
 #include "host/input/image_header.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <fstream>
 #include <string>
@@ -379,28 +380,17 @@ Header ParsePhotographHeader(std::string_view bytes) {
   });
 }
 
-FileKind KindOfFile(const ReadBytes& read) {
-  const std::string begin = read(0, 132);
-  const auto has = [&](std::size_t offset, std::string_view mark) {
-    return Part(begin, offset, mark.size()) == mark;
-  };
+bool BeginsAsPhotograph(const ReadBytes& read) {
   using namespace std::string_view_literals;
-  if (has(0, "\xFF\xD8\xFF") || has(0, "\x89PNG") || has(0, "BM") || has(0, "RIFF") ||
-      has(0, "II*\0"sv) || has(0, "MM\0*"sv) || has(0, "II+\0"sv) || has(0, "MM\0+"sv)) {
-    return FileKind::kPhotograph;
-  }
-  const bool isPortableMap = begin.size() > 2 && begin[0] == 'P' &&
-                             std::string_view("1234567Ff").find(begin[1]) != std::string_view::npos;
-  // JPEG 2000, Sun raster, radiance, OpenEXR, GIF, the family of HEIF, JPEG XL, DICOM.
-  const bool isOther = has(0, "\0\0\0\x0CjP  "sv) || has(0, "\xFF\x4F\xFF\x51") ||
-                       has(0, "\x59\xA6\x6A\x95") || has(0, "#?") || has(0, "\x76\x2F\x31\x01") ||
-                       has(0, "GIF8") || has(4, "ftyp") || has(0, "\xFF\x0A") ||
-                       has(0, "\0\0\0\x0CJXL "sv) || has(128, "DICM");
-  return isPortableMap || isOther ? FileKind::kOtherPicture : FileKind::kText;
+  constexpr std::array kMarks = {"\xFF\xD8\xFF"sv, "\x89PNG"sv, "BM"sv,    "RIFF"sv,
+                                 "II*\0"sv,        "MM\0*"sv,   "II+\0"sv, "MM\0+"sv};
+  const std::string begin = read(0, 4);
+  return std::any_of(kMarks.begin(), kMarks.end(),
+                     [&](std::string_view mark) { return Part(begin, 0, mark.size()) == mark; });
 }
 
-FileKind KindOfFile(const std::filesystem::path& file) {
-  return OfFile(file, [](const ReadBytes& read) { return KindOfFile(read); });
+bool BeginsAsPhotograph(const std::filesystem::path& file) {
+  return OfFile(file, [](const ReadBytes& read) { return BeginsAsPhotograph(read); });
 }
 
 Header ReadPhotographHeader(const std::filesystem::path& file) {

@@ -15,6 +15,7 @@ namespace trackedcam::host {
 /// Reads up to `count` bytes from an offset; fewer at the end of the file.
 using ReadBytes = std::function<std::string(std::uint64_t offset, std::size_t count)>;
 
+/// The formats that photographs may have. A decoder also knows others, whose sizes are not checked.
 enum class PhotographFormat { kJpeg, kPng, kBmp, kTiff, kWebp };
 
 struct PhotographHeader {
@@ -41,15 +42,9 @@ std::optional<PhotographHeader> ReadPhotographHeader(const std::filesystem::path
 bool HasMoreScans(const ReadBytes& read, int most);
 bool HasMoreScans(const std::filesystem::path& file, int most);
 
-/// What the first bytes of a file look like.
-enum class FileKind {
-  kText,          // no image that a decoder accepts
-  kPhotograph,    // one of the formats above
-  kOtherPicture,  // another image format, of unknown size
-};
-
-FileKind KindOfFile(const ReadBytes& read);
-FileKind KindOfFile(const std::filesystem::path& file);
+/// Whether the first bytes are those of one of the formats above, even without a complete header.
+bool BeginsAsPhotograph(const ReadBytes& read);
+bool BeginsAsPhotograph(const std::filesystem::path& file);
 
 /// False for an image file that is missing, empty or cut short, as on a full disk. Reads its
 /// beginning and its end only; a format without an end mark is complete if it is not empty.

@@ -21,10 +21,12 @@ bool AreFinite(const std::array<double, N>& numbers) {
                      [](double number) { return std::isfinite(number); });
 }
 
-// The library takes paths as UTF-8.
-void RequireUtf8(const char* what, const std::filesystem::path& folder) {
-  Require(IsUtf8(folder.u8string()), std::string("the path of the ") + what + " is not UTF-8: " +
-                                         folder.u8string() + "; rename the folder");
+// The library takes paths as UTF-8, and writes them into lines of its log.
+void RequirePlainPath(const std::string& what, const std::filesystem::path& path) {
+  const std::string text = path.u8string();
+  Require(IsUtf8(text), "the path of the " + what + " is not UTF-8: " + text + "; rename it");
+  Require(!HasControlCharacter(text),
+          "the path of the " + what + " has a line ending or another control character; rename it");
 }
 
 }  // namespace
@@ -45,8 +47,8 @@ void RequirePossible(const Accuracy& goodEnough, double scaleUncertainty,
 }
 
 void RequirePossible(const Inputs& inputs) {
-  RequireUtf8("working folder", inputs.workingFolder);
-  RequireUtf8("log folder", inputs.logFolder);
+  RequirePlainPath("working folder", inputs.workingFolder);
+  RequirePlainPath("log folder", inputs.logFolder);
   const auto [width, height] = inputs.sensorMm;
   Require(AreFinite(inputs.sensorMm) && width > 0 && height > 0,
           "sensor of " + Shortest(width) + " x " + Shortest(height) +

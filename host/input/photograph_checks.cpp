@@ -83,7 +83,7 @@ struct Image {
 };
 
 struct Sorted {
-  Names missing, noFile, unreadable, unknown, otherFormat, costly;
+  Names missing, noFile, unreadable, otherFormat, costly;
   std::vector<Image> huge;
   std::vector<Image> images;
   std::size_t without = 0;  // rows without an image
@@ -93,22 +93,6 @@ struct Sorted {
 bool HasBytes(const fs::path& file) {
   std::error_code error;
   return fs::file_size(file, error) > 0 && !error;
-}
-
-// An image whose size is not known may be one of gigabytes. No decoder takes other files.
-bool SortWithoutHeader(const fs::path& file, const std::string& name, Sorted& sorted) {
-  switch (KindOfFile(file)) {
-    case FileKind::kPhotograph:
-      sorted.unreadable.push_back(name);
-      return false;
-    case FileKind::kOtherPicture:
-      sorted.otherFormat.push_back(name);
-      return false;
-    case FileKind::kText:
-      break;
-  }
-  sorted.unknown.push_back(name);
-  return ++sorted.without <= kMostMissing;
 }
 
 // False for what the library must not be given.
@@ -135,8 +119,9 @@ bool Sort(const DataRow& row, const fs::path& workingFolder, Sorted& sorted) {
     return false;
   }
   const auto header = ReadPhotographHeader(file);
-  if (!header) {
-    return SortWithoutHeader(file, name, sorted);
+  if (!header) {  // an image whose size is not known may be one of gigabytes
+    (BeginsAsPhotograph(file) ? sorted.unreadable : sorted.otherFormat).push_back(name);
+    return false;
   }
   if (IsHuge(*header)) {
     sorted.huge.push_back({name, *header});
@@ -237,7 +222,6 @@ void AddFiles(const Sorted& sorted, const Inputs& inputs, std::vector<Finding>& 
   }
   add(Kind::kUnreadable, sorted.unreadable, severity(sorted.unreadable));
   add(Kind::kOtherFormat, sorted.otherFormat, severity(sorted.otherFormat));
-  add(Kind::kUnknownFormat, sorted.unknown, Severity::kNote);
 }
 
 // The size that most have; if several are equally common, the one that comes first.

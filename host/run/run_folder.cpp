@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -33,8 +34,52 @@ int LastNumber(const fs::path& logFolder, const std::string& prefix) {
   return last;
 }
 
+// Without any file, in its subfolders neither: its run was killed before it had begun.
+bool IsLeftover(const fs::path& folder, fs::file_time_type now) {
+  std::error_code error;
+  if (!fs::is_directory(fs::symlink_status(folder, error)) || !IsOld(folder, now)) {
+    return false;
+  }
+  RemoveLeftParts(folder, now);
+  fs::recursive_directory_iterator entry(folder, error);
+  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+    if (!fs::is_directory(entry->symlink_status())) {
+      return false;
+    }
+  }
+  return !error;
+}
+
+// The deepest first. A folder in which something was created meanwhile stays.
+void RemoveFolders(const fs::path& folder) {
+  std::error_code error;
+  std::vector<fs::path> folders = {folder};
+  for (const auto& entry : fs::recursive_directory_iterator(folder, error)) {
+    folders.push_back(entry.path());
+  }
+  for (auto last = folders.rbegin(); last != folders.rend() && !error; ++last) {
+    fs::remove(*last, error);
+  }
+}
+
+// So that runs that are killed, for example by a host's time limit, do not fill the log folder.
+void RemoveLeftovers(const fs::path& logFolder, const std::string& prefix) {
+  const fs::file_time_type now = fs::file_time_type::clock::now();
+  try {
+    std::vector<fs::path> leftovers;
+    for (const fs::directory_entry& entry : fs::directory_iterator(logFolder)) {
+      if (NumberOf(entry.path().filename().u8string(), prefix) > 0 && IsLeftover(entry, now)) {
+        leftovers.push_back(entry.path());
+      }
+    }
+    std::for_each(leftovers.begin(), leftovers.end(), RemoveFolders);
+  } catch (const std::system_error&) {  // another run may be removing the same ones
+  }
+}
+
 fs::path CreateNext(const fs::path& logFolder, const std::string& prefix) {
   fs::create_directories(logFolder);
+  RemoveLeftovers(logFolder, prefix);
   for (int next = LastNumber(logFolder, prefix) + 1;; ++next) {
     std::string number = std::to_string(next);
     number.insert(0, kDigits - std::min(kDigits, number.size()), '0');
@@ -43,13 +88,6 @@ fs::path CreateNext(const fs::path& logFolder, const std::string& prefix) {
       return folder;
     }
   }
-}
-
-// A folder can be created on a disk that is full, or kept from being written in.
-void RequireWritable(const fs::path& folder) {
-  const fs::path trial = folder / "trial";
-  WriteFile(trial, std::string(4096, ' '));
-  fs::remove(trial);
 }
 
 // The library takes what follows the last backslash of the photograph's name, folders and all.

@@ -12,7 +12,8 @@
 namespace trackedcam::host {
 
 /// Creates the next folder that does not exist yet: run_001, run_002 and so on. Two runs never
-/// share one, so the log in it is that of this run alone.
+/// share one, so the log in it is that of this run alone. Folders without a file, of runs that were
+/// killed before they began, are removed first.
 /// @param logFolder Created if missing.
 /// @throws InputError if nothing can be written there: without a log there is no record of a run.
 std::filesystem::path CreateRunFolder(const std::filesystem::path& logFolder);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <random>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <thread>
 
@@ -21,13 +22,30 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
+constexpr std::string_view kPartBegin = ".trackedcam-";
+constexpr std::string_view kPartEnd = ".part";
+
 // A name of fixed length: the file's own name may have the longest length that is possible.
 fs::path NameBeside(const fs::path& file) {
   std::random_device random;
   const std::uint64_t number = (static_cast<std::uint64_t>(random()) << 32) | random();
   std::array<char, 16> digits = {};
   const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16);
-  return file.parent_path() / (".trackedcam-" + std::string(digits.data(), result.ptr) + ".part");
+  return file.parent_path() /
+         std::string(kPartBegin).append(digits.data(), result.ptr).append(kPartEnd);
+}
+
+bool IsPart(const fs::path& file) {
+  const std::string text = file.filename().u8string();
+  std::string_view name = text;
+  if (name.size() <= kPartBegin.size() + kPartEnd.size() ||
+      name.substr(0, kPartBegin.size()) != kPartBegin ||
+      name.substr(name.size() - kPartEnd.size()) != kPartEnd) {
+    return false;
+  }
+  name.remove_prefix(kPartBegin.size());
+  name.remove_suffix(kPartEnd.size());
+  return name.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
 // If the name exists, another one is tried: another process may be writing, or may have been
@@ -97,12 +115,13 @@ void KeepPermissions(const fs::path& from, const fs::path& to) {
 }
 
 constexpr std::uintmax_t kMostBytes = 64 << 20;
-constexpr int kDeepest = 100;
+constexpr std::size_t kDeepest = 100;
+constexpr int kMostKeys = 1000;  // of one object: an ordered one takes quadratic time
 
 // Not by the parser's callback: with one, a list of objects takes quadratic time. The text is read
 // as the parser reads it up to its first error.
-void RequireShallow(const std::string& text) {
-  int depth = 0;
+void RequireBounded(const std::string& text) {
+  std::vector<int> keys;  // of each object that is open; of a list 0
   bool isInString = false;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char character = text[i];
@@ -112,11 +131,16 @@ void RequireShallow(const std::string& text) {
     } else if (character == '"') {
       isInString = true;
     } else if (character == '[' || character == '{') {
-      ++depth;
+      keys.push_back(0);
+    } else if (keys.empty()) {
+      continue;
     } else if (character == ']' || character == '}') {
-      --depth;
+      keys.pop_back();
+    } else if (character == ':' && ++keys.back() > kMostKeys) {
+      throw std::runtime_error("one of its objects has more than " + std::to_string(kMostKeys) +
+                               " keys");
     }
-    if (depth > kDeepest) {
+    if (keys.size() > kDeepest) {
       throw std::runtime_error("it is nested too deep: more than " + std::to_string(kDeepest) +
                                " levels");
     }
@@ -185,11 +209,47 @@ void WriteFile(const fs::path& file, const std::string& content) {
     RefuseOutput(file, error.message());
   }
   FlushFolder(target.parent_path());
+  const fs::file_time_type now = fs::last_write_time(target, error);
+  if (!error) {
+    RemoveLeftParts(target.parent_path(), now);
+  }
+}
+
+void RequireWritable(const fs::path& folder) {
+  std::error_code error;
+  const fs::path trial = WriteBeside(folder / "trial", std::string(4096, ' '), error);
+  std::error_code ignored;
+  fs::remove(trial, ignored);
+  if (error) {
+    RefuseOutput(folder, error.message());
+  }
+}
+
+bool IsOld(const fs::path& path, fs::file_time_type now) {
+  std::error_code error;
+  const fs::file_time_type changed = fs::last_write_time(path, error);
+  return !error && now - changed > std::chrono::minutes(1);
+}
+
+void RemoveLeftParts(const fs::path& folder, fs::file_time_type now) {
+  std::error_code error;
+  std::vector<fs::path> parts;
+  for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (IsPart(entry->path()) && entry->symlink_status(ignored).type() == fs::file_type::regular &&
+        IsOld(entry->path(), now)) {
+      parts.push_back(entry->path());
+    }
+  }
+  for (const fs::path& part : parts) {
+    fs::remove(part, error);
+  }
 }
 
 template <class Parsed>
 Parsed ParseJson(const std::string& text) {
-  RequireShallow(text);
+  RequireBounded(text);
   return Parsed::parse(text);
 }
 

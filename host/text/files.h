@@ -25,11 +25,24 @@ std::filesystem::path OutputTarget(const std::filesystem::path& file);
 /// @throws std::runtime_error if the file cannot be written, as OutputTarget.
 void WriteFile(const std::filesystem::path& file, const std::string& content);
 
+/// Creates a file there and removes it.
+/// @throws std::runtime_error if that is not possible, for example because the disk is full.
+void RequireWritable(const std::filesystem::path& folder);
+
+/// Removes files that WriteFile had not renamed yet when its process was killed, unless they are so
+/// new that it may still be writing.
+/// @param now Of the clock of the folder's disk.
+void RemoveLeftParts(const std::filesystem::path& folder, std::filesystem::file_time_type now);
+
+/// Long enough after its last change that nothing is being written any more.
+bool IsOld(const std::filesystem::path& path, std::filesystem::file_time_type now);
+
 // JSON.
 
 /// The content of a file, as nlohmann::json or, in the order of the file, as ordered_json.
-/// @throws std::exception if the file cannot be read, is not JSON, or is larger or nested deeper
-///         than any file of this system. Such a file could use up the memory.
+/// @throws std::exception if the file cannot be read, is not JSON, or is larger, nested deeper or
+///         has more keys in one object than any file of this system. Such a file could use up
+///         memory or time.
 template <class Json>
 Json ReadJson(const std::filesystem::path& file);
 

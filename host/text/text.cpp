@@ -1,5 +1,6 @@
 #include "host/text/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -67,6 +68,12 @@ std::size_t CharacterLength(std::string_view text) {
     return isValid && follows(1) && follows(2) && follows(3) ? 4 : 0;
   }
   return 0;
+}
+
+bool HasControlCharacter(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char character) {
+    return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+  });
 }
 
 bool IsUtf8(std::string_view text) {

@@ -24,6 +24,10 @@ std::string Shortest(double number);
 /// False for overlong forms and surrogates too.
 bool IsUtf8(std::string_view text);
 
+/// A line ending, a tab or another control character of ASCII, which lists of paths, logs and
+/// tables cannot hold.
+bool HasControlCharacter(std::string_view text);
+
 /// The number of bytes of the text's first character; 0 if the text is empty or does not begin with
 /// a character.
 std::size_t CharacterLength(std::string_view text);

@@ -39,6 +39,31 @@ class HostProgramUsage : public testing::Test {
   test::TemporaryFolder folder;
 };
 
+TEST_F(HostProgramUsage, RefusesEmptyPaths) {
+  const std::string data = folder.File("data.csv");
+  ExpectUsageError({"simulate", ""}, "FOLDER: the path is empty");
+  ExpectUsageError(
+      Calibrate({"--data", data, "--board", "9x6", "--square", "30mm", "--result", ""}),
+      "--result: the path is empty");
+}
+
+// Neither can such a path look like another line of the output.
+TEST_F(HostProgramUsage, RefusesPathsWithControlCharacters) {
+  const std::string message = "the path has a line ending or another control character";
+  const std::string name = folder.File("a\ntrackedcam: b");
+  ExpectUsageError({"calibrate", "--data", name}, message);
+  ExpectUsageError({"calibrate", "--config", name}, message);
+  ExpectUsageError({"report", "--result", name, "--out", "page.html"}, message);
+  ExpectUsageError({"simulate", name}, message);
+  ExpectUsageError(Calibrate({"--data", folder.File("data.csv"), "--board", "9x6", "--square",
+                              "30mm", "--result", name}),
+                   message);
+  ExpectUsageError(Calibrate({"--data", folder.File("data.csv"), "--board", "9x6", "--square",
+                              "30mm", "--working-folder", name}),
+                   message);
+  EXPECT_FALSE(std::filesystem::exists(name));
+}
+
 // Every line fits a terminal of 80 columns, and every text begins at the same one.
 TEST_F(HostProgramUsage, HelpHasTwoColumns) {
   for (const char* command :

@@ -6,7 +6,7 @@ import struct
 import unittest
 import zlib
 
-from shoot import GIGABYTE, SANITIZED, Shoot
+from shoot import GIGABYTE, SANITIZED, Shoot, run
 
 # Seconds of processor time, which does not depend on other work on the machine.
 MINUTE = 60
@@ -73,7 +73,8 @@ class HostileInput(Shoot):
 
     def test_pictures_of_formats_without_a_bound(self):
         for content in [b"P6\n60000 60000\n255\n" + bytes(100), b"#?RADIANCE\n\n-Y 60000 +X 60000\n",
-                        b"\x76\x2f\x31\x01\2\0\0\0" + bytes(100), b"GIF89a" + bytes(100)]:
+                        b"\x76\x2f\x31\x01\2\0\0\0" + bytes(100), b"GIF89a" + bytes(100),
+                        b"SIMPLE  =                    T" + bytes(100), b"no picture"]:
             with self.subTest(content[:4]):
                 self.replace_first(content)
                 self.assert_named(r"are left out: \S*img_000\.jpg\.", 0)
@@ -87,6 +88,41 @@ class HostileInput(Shoot):
         done = self.calibrate("--result", "/dev/null")
         self.assertEqual(done.returncode, 2, done.stderr)
         self.assertTrue(os.path.exists("/dev/null") and not os.path.isfile("/dev/null"))
+
+    def report(self, result):
+        """The time of the page of a stranger's result is proportional to the size of its file."""
+        file = self.home / "stranger.json"
+        file.write_text(result)
+        return run("report", "--result", file, "--out", self.home / "page.html", limits=LIMITS)
+
+    def test_a_result_with_very_many_photographs(self):
+        done = self.report('{"photographs":[' + ",".join(['{"path":"a.jpg"}'] * 40000) + "]}")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        page = (self.home / "page.html").read_text(encoding="utf-8")
+        self.assertGreater(page.count("<li class=\"photograph "), 39999)
+
+    def test_a_result_with_very_many_keys(self):
+        done = self.report("{" + ",".join(f'"{key}":0' for key in range(1000000)) + "}")
+        self.assertEqual(done.returncode, 2)
+        self.assertRegex(done.stderr, "one of its objects has more than 1000 keys")
+
+    def test_a_result_that_names_one_picture_very_often(self):
+        picture = self.folder / "photos" / "img_000.jpg"
+        (self.home / "a.jpg").write_bytes(picture.read_bytes())
+        path = str(self.home / "a.jpg")
+        done = self.report('{"photographs":[' + ",".join(['{"path":"%s"}' % path] * 6000) + "]}")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertRegex(done.stderr, "does not show pictures after the first 5000")
+        page = (self.home / "page.html").read_text(encoding="utf-8")
+        self.assertEqual(page.count("data:image/jpeg;base64,"), 5000)
+
+    def test_paths_with_a_line_ending(self):
+        place = self.home / "a\nb"
+        (self.folder).rename(place)
+        done = run("calibrate", "--config", place / "shoot.toml", limits=LIMITS)
+        self.assertEqual(done.returncode, 2)
+        self.assertRegex(done.stderr, "has a line ending or another control character")
+        self.assertEqual(done.stderr.count("\n"), 1)
 
     def test_boards_that_nobody_can_search(self):
         self.assert_named("--board: 5000x5000 is too large", 2, "--board", "5000x5000")

@@ -1,5 +1,6 @@
 """Whenever the program is stopped, its files are complete: either the old ones or the new ones."""
 
+import json
 import os
 import random
 import resource
@@ -36,20 +37,71 @@ class Signals(Shoot):
             old = new
         print(f"{number.name} {times} times, seed {SEED}: {outcomes}")
 
-    def test_kill(self):
-        self.interrupt(signal.SIGKILL, 50)
-
     def test_term(self):
         self.interrupt(signal.SIGTERM, 8)
 
     def test_hangup(self):
         self.interrupt(signal.SIGHUP, 8)
 
-    def test_leftovers_of_a_kill_do_no_harm(self):
-        for number in range(3):
-            (self.folder / f".trackedcam-{number}.part").write_text("half")
-        self.assertEqual(self.calibrate().returncode, 0)
-        self.assertEqual(self.read_result()["code"], 0)
+
+class Kills(Shoot):
+    """Many kills in a row, as of a host with a time limit. Each run has two runs of the library."""
+
+    photographs = 12
+    refined = ["--refine-mounting", "--chart-rotation=0,0,0", "--chart-translation=0.2,0.1,0.1"]
+
+    def complete_files(self):
+        """The content of each file that the program writes; none may be incomplete. The images are the library's."""
+        contents = {}
+        for path in self.folder.rglob("*"):
+            if path.name.startswith(".trackedcam-") or not path.is_file() or "photos" in path.parts:
+                continue
+            content = path.read_bytes()
+            if path.suffix == ".json":
+                json.loads(content)
+            elif path.suffix == ".html":
+                self.assertTrue(content.rstrip().endswith(b"</html>"), path)
+            elif path.name in ["tracker_data.csv", "calibrate.toml"]:
+                self.assertTrue(content.endswith(b"\n"), path)
+            else:
+                continue
+            contents[path] = content
+        return contents
+
+    def test_200_kills(self):
+        random.seed(SEED)
+        began = time.monotonic()
+        done = self.calibrate(*self.refined)
+        duration = time.monotonic() - began
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIsNotNone(self.read_result()["firstRun"])
+        files = self.complete_files()
+        command = [PROGRAM, "calibrate", "--config", self.folder / "shoot.toml", *self.refined]
+        finished = 0
+        for trial in range(200):
+            process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            # Half of them in the first tenth and in the last, where the files are written.
+            moment = random.choice([random.uniform(0, 1.1), random.uniform(0, 0.1), random.uniform(0.9, 1.1)])
+            time.sleep(moment * duration)
+            process.kill()
+            finished += process.wait(timeout=SECONDS) == 0
+            with self.subTest(seed=SEED, trial=trial):
+                now = self.complete_files()
+                old_runs = [path for path in files if path.parent != self.folder]
+                self.assertEqual([path for path in old_runs if now.get(path) != files[path]], [])
+                self.assertIn(self.result, now)
+                files = now
+        print(f"200 kills, seed {SEED}: {finished} runs had finished")
+        self.assert_no_leftovers()
+
+    def assert_no_leftovers(self):
+        """As a later run finds them, all is removed that the kills left incomplete."""
+        for path in [*self.folder.rglob("*"), self.log_folder]:
+            os.utime(path, (time.time() - 3600,) * 2)
+        self.assertEqual(self.calibrate(*self.refined).returncode, 0)
+        self.assertEqual([path for path in self.folder.rglob("*.part")], [])
+        for run in self.log_folder.glob("run_*"):
+            self.assertTrue(any(path.is_file() for path in run.rglob("*")), run)
 
 
 @unittest.skipIf(SANITIZED, "a sanitizer reserves terabytes of addresses")

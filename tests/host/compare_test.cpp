@@ -237,6 +237,20 @@ TEST_F(CompareTest, CannotTellWithoutACrossCheck) {
   EXPECT_THAT(Conclusion(comparison), HasSubstr("no cross-check"));
 }
 
+TEST_F(CompareTest, NamesResultsThatAreCertainlyWrong) {
+  Report wrong = ReportOf(WithNoise(1));
+  wrong.verdict.level = Level::kWrong;
+  const ComparedResult first = Read(ResultJson(wrong));
+  ComparedResult second = ResultOf(WithNoise(2));
+  second.file = "second.json";
+  EXPECT_TRUE(Compare(second, second).wrong.empty());
+  const Comparison comparison = Compare(first, second);
+  EXPECT_THAT(comparison.wrong, testing::ElementsAre(first.file));
+  EXPECT_THAT(Conclusion(comparison), HasSubstr(first.file + " is certainly wrong"));
+  EXPECT_THAT(Conclusion(comparison), testing::Not(HasSubstr("second.json")));
+  EXPECT_EQ(ComparisonJson(first, second, comparison).at("certainlyWrong").size(), 1U);
+}
+
 TEST_F(CompareTest, RefusesOtherImagesAndCharts) {
   const ComparedResult first = ResultOf(WithNoise(1));
   const auto refusalOf = [&](const std::function<void(ComparedResult&)>& change) {

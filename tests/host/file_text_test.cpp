@@ -1,3 +1,4 @@
+#include <chrono>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -38,6 +39,23 @@ TEST_F(FileTextTest, StaysWhereWritingFails) {
   EXPECT_TRUE(fs::is_directory(file));
   EXPECT_EQ(Files(), 1U);
   EXPECT_THROW(WriteFile(folder.Path() / "missing" / "file", ""), std::runtime_error);
+}
+
+TEST_F(FileTextTest, RemovesWhatKilledProcessesLeft) {
+  const auto left = fs::file_time_type::clock::now() - std::chrono::minutes(5);
+  const std::vector<std::string> stay = {".trackedcam-.part", ".trackedcam-mine.part",
+                                         "trackedcam-1f.part", ".trackedcam-1f.part.txt"};
+  for (const std::string& name : stay) {
+    test::WriteFile(folder.File(name), "not of WriteFile");
+    fs::last_write_time(folder.Path() / name, left);
+  }
+  test::WriteFile(folder.File(".trackedcam-1f.part"), "half");
+  fs::last_write_time(folder.Path() / ".trackedcam-1f.part", left);
+  test::WriteFile(folder.File(".trackedcam-2f.part"), "being written");
+  WriteFile(file, "content");
+  EXPECT_FALSE(fs::exists(folder.Path() / ".trackedcam-1f.part"));
+  EXPECT_TRUE(fs::exists(folder.Path() / ".trackedcam-2f.part"));
+  EXPECT_EQ(Files(), stay.size() + 2);
 }
 
 TEST_F(FileTextTest, SaysWhyItCannotBeWritten) {

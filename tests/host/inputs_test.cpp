@@ -54,6 +54,14 @@ TEST(RequirePossibleTest, RefusesEachValueThatIsNot) {
   ExpectRefused([](Inputs& inputs) { inputs.expectedRecords = -1; });
 }
 
+// The library writes them into lines.
+TEST(RequirePossibleTest, RefusesFoldersWithControlCharacters) {
+  for (const char* name : {"/a\nb", "/a\rb", "/a\tb", "/a\x1b[2J", "/a\x7F"}) {
+    ExpectRefused([&](Inputs& inputs) { inputs.workingFolder = name; });
+    ExpectRefused([&](Inputs& inputs) { inputs.logFolder = name; });
+  }
+}
+
 TEST(RequirePossibleTest, RefusesFoldersThatAreNotUtf8) {
   if (!test::kPathsAreBytes) {
     GTEST_SKIP() << "each path is UTF-16 here";

@@ -92,6 +92,19 @@ TEST_F(ResultFileTest, MustFitIntoMemory) {
   EXPECT_THAT(ErrorOf<InputError>(std::string(65 << 20, ' ')), HasSubstr("too large"));
 }
 
+// Each key of an object is compared with those before it.
+TEST_F(ResultFileTest, MustNotHaveManyKeysInOneObject) {
+  const auto keys = [](int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+      text += (i == 0 ? "\"" : ",\"") + std::to_string(i) + "\": [{\"a,:\": 0}, 0]";
+    }
+    return '{' + text + '}';
+  };
+  EXPECT_THAT(ErrorOf<InputError>(keys(1001)), HasSubstr("more than 1000 keys"));
+  EXPECT_THAT(ErrorOf<InputError>(keys(1000)), testing::Not(HasSubstr("keys")));
+}
+
 TEST_F(ResultFileTest, MustBeAResult) {
   for (const std::string& content :
        {std::string(), std::string("[]"), std::string("{}"), With("99", "\"0\""),

@@ -1,5 +1,6 @@
 #include "host/run/run_folder.h"
 
+#include <chrono>
 #include <set>
 #include <thread>
 
@@ -36,6 +37,33 @@ TEST_F(RunFolderTest, ComesAfterTheLastOne) {
   EXPECT_EQ(Create(), "run_1000");
   fs::create_directories(logFolder / "run_2147483647");
   EXPECT_EQ(Create(), "run_1001");
+}
+
+TEST_F(RunFolderTest, TakesThePlaceOfOnesThatWereLeftEmpty) {
+  const auto begun = fs::file_time_type::clock::now() - std::chrono::minutes(5);
+  const auto left = [&](const std::string& name) {
+    fs::create_directories(logFolder / name / "photos" / "day 1");
+    test::WriteFile((logFolder / name / ".trackedcam-7f.part").u8string(), "half");
+    for (const char* inside : {".trackedcam-7f.part", "photos", ""}) {
+      fs::last_write_time(logFolder / name / inside, begun);
+    }
+  };
+  left("run_003");
+  test::WriteFile((logFolder / "run_003" / "photos" / "day 1" / "a.jpg").u8string(), "a picture");
+  left("run_004");
+  left("run_005");
+  left("my run_006");
+  EXPECT_EQ(Create(), "run_004");
+  EXPECT_TRUE(fs::exists(logFolder / "run_003" / "photos" / "day 1" / "a.jpg"));
+  EXPECT_FALSE(fs::exists(logFolder / "run_005"));
+  EXPECT_TRUE(fs::exists(logFolder / "my run_006"));
+}
+
+// Another process may just have created it.
+TEST_F(RunFolderTest, LeavesNewEmptyOnes) {
+  fs::create_directories(logFolder / "run_001");
+  EXPECT_EQ(Create(), "run_002");
+  EXPECT_TRUE(fs::exists(logFolder / "run_001"));
 }
 
 TEST_F(RunFolderTest, IsNeverShared) {

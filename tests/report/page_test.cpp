@@ -375,6 +375,17 @@ TEST(Uncertainty, SaysWhatAnErrorOfTheLengthsDoes) {
                 "adds 0.7 mm and 0.01° to the transform."));
 }
 
+// Its values would be typed into an engine.
+TEST(Answer, OffersNothingToCopyOfAResultThatIsWrong) {
+  Json result = WholeResult();
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("Copy the 16 numbers"));
+  EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("<h3>Exports</h3>"));
+  result["verdict"]["level"] = "wrong";
+  const std::string wrong = BodyOf(PageOf(result));
+  EXPECT_THAT(wrong, testing::Not(HasSubstr("Copy the 16 numbers")));
+  EXPECT_THAT(wrong, testing::Not(HasSubstr("<h3>Exports</h3>")));
+}
+
 // In the words of the result file, which are those of the terminal.
 TEST(Answer, SaysWhatIsCertainInTheWordsOfTheResult) {
   Json result = WholeResult();
