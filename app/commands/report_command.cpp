@@ -4,9 +4,11 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -55,7 +57,8 @@ class PicturesOfShoot {
     }
   }
 
-  std::string Read(const fs::path& file) {
+  /// May be called on several threads.
+  report::Picture Read(const fs::path& file) {
     std::error_code error;
     const fs::path real = fs::canonical(file, error);
     if (error) {
@@ -64,9 +67,11 @@ class PicturesOfShoot {
     for (const fs::path& folder : folders_) {
       if (std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first ==
           folder.end()) {
-        return host::ReadPhotograph(real);
+        host::PhotographFile photograph = host::ReadPhotograph(real);
+        return {std::move(photograph.bytes), photograph.isLarge};
       }
     }
+    const std::lock_guard<std::mutex> lock(mutex_);
     outside_.insert(file);
     return {};
   }
@@ -84,6 +89,7 @@ class PicturesOfShoot {
   }
 
   std::vector<fs::path> folders_;  // without links
+  std::mutex mutex_;
   std::set<fs::path> outside_;
 };
 

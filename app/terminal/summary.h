@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 
 #include "host/report.h"
@@ -18,6 +19,10 @@ namespace trackedcam::app {
 /// @param page The report page; empty if there is none.
 void PrintSummary(std::ostream& out, const host::Report& report,
                   const host::CalibrationOutputs* truth, const std::filesystem::path& page = {});
+
+/// How long library, cross-check and page took, in one line.
+void PrintSeconds(std::ostream& out, const host::PartSeconds& seconds,
+                  const std::optional<double>& page);
 
 /// One line of error or warning, unless the verdict is good: the text of the finding that decides
 /// it, or the verdict itself. And one for each output of the library that could not be written.

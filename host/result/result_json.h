@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <nlohmann/json_fwd.hpp>
 
 #include "host/report.h"
@@ -8,6 +10,8 @@ namespace trackedcam::host {
 
 /// The result file: every value of a calibration at full precision. A value that is not finite, or
 /// that the run did not reach, is null.
-nlohmann::ordered_json ResultJson(const Report& report);
+/// @param pageSeconds How long the pictures of the report page took; nothing without a page.
+nlohmann::ordered_json ResultJson(const Report& report,
+                                  const std::optional<double>& pageSeconds = std::nullopt);
 
 }  // namespace trackedcam::host
