@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "host/calibrate.h"
 #include "host/input/photograph_file.h"
@@ -190,9 +191,13 @@ std::string Report::PageText(const fs::path& folder) const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return result_;
   }();
-  return report::Page(result, report::MakeThumbnails(result, host::ReadPhotograph),
+  const auto read = [](const fs::path& file) -> report::Picture {
+    host::PhotographFile photograph = host::ReadPhotograph(file);
+    return {std::move(photograph.bytes), photograph.isLarge};
+  };
+  return report::Page(result, report::MakeThumbnails(result, read),
                       folder.empty() ? report_.run.folder : folder,
-                      report::MakeUndistorted(result, host::ReadPhotograph));
+                      report::MakeUndistorted(result, read));
 }
 
 // Returns no copy: the destructor of a copy needs memory, and would end the process without it.

@@ -1,6 +1,7 @@
 #include "host/calibrate.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -38,6 +39,22 @@ void AddOthers(std::vector<Finding>& findings, const std::vector<Finding>& more)
   }
 }
 
+// Adds the time from its construction to its destruction.
+class Stopwatch {
+ public:
+  explicit Stopwatch(std::optional<double>& seconds) : seconds_(seconds) {}
+  ~Stopwatch() {
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin_;
+    seconds_ = seconds_.value_or(0) + passed.count();
+  }
+  Stopwatch(const Stopwatch&) = delete;
+  Stopwatch& operator=(const Stopwatch&) = delete;
+
+ private:
+  std::optional<double>& seconds_;
+  const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+};
+
 void CrossCheckRun(Report& report, bool hasResult) {
   auto observations = ObservationsOf(report.run, report.inputs);
   const auto addReason = [&](const std::string& reason) {
@@ -55,6 +72,7 @@ void CrossCheckRun(Report& report, bool hasResult) {
     observations->library = std::nullopt;
   }
   try {
+    const Stopwatch stopwatch(report.seconds.crossCheck);
     report.crossCheck = crosscheck::Check(*observations);
   } catch (const std::invalid_argument& error) {
     addReason(error.what());  // such as a lens of nan in a log
@@ -129,6 +147,7 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
                    const std::vector<Finding>& ofInput, const ProgressListener& listener,
                    const Report* first = nullptr) {
   Report report;
+  report.seconds = first == nullptr ? PartSeconds() : first->seconds;
   report.inputs = inputs;
   report.photographs = std::move(list);
   const std::vector<std::size_t> given = ToRun(report.photographs);
@@ -137,8 +156,12 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
   for (const std::size_t entry : given) {
     givenRows.push_back(rows[report.photographs[entry].index]);
   }
-  report.run = RunLibrary(inputs, givenRows, inputs.mounting.value_or(Mounting{}),
-                          CreateRunFolder(inputs.logFolder), listener);
+  const std::filesystem::path folder = CreateRunFolder(inputs.logFolder);
+  {
+    const Stopwatch stopwatch(report.seconds.library);
+    report.run =
+        RunLibrary(inputs, givenRows, inputs.mounting.value_or(Mounting{}), folder, listener);
+  }
   EnterRun(report.run, given, report.photographs);
   Judge(report, ofInput, inputs.mounting.has_value(), first);
   return report;
@@ -223,6 +246,7 @@ Report Calibrate(const Inputs& inputs, const ShootData& shoot, const ProgressLis
     Report second = RunAndJudge(InputsOfSecondRun(first), shoot.rows,
                                 PhotographsOfSecondRun(first, list), ofInput, listener, &first);
     if (!IsUsable(second.run)) {
+      first.seconds = second.seconds;
       return WithoutSecondRun(std::move(first), {second.verdict.summary, second.verdict.advice});
     }
     second.mountingIsStated = first.mountingIsStated;

@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <utility>
 
 #include "host/input/edge_width.h"
 #include "host/input/image_header.h"
+#include "host/input/photograph_file.h"
+#include "host/parallel.h"
 
 namespace trackedcam::host {
 namespace {
@@ -38,12 +41,40 @@ std::filesystem::path FileOf(const PhotographEntry& entry, const Report& report)
   }
 }
 
-std::optional<Sharpness> SharpnessOf(const PhotographEntry& entry, const Report& report) {
+// What the pixels of a photograph say, if they are asked.
+struct Looked {
+  bool isIncomplete = false;
+  std::optional<Sharpness> sharpness;
+};
+
+std::optional<Sharpness> SharpnessOf(const PhotographEntry& entry, const Report& report,
+                                     std::mutex& large) {
   const RunRecord& record = report.run.record;
+  const auto header = ReadPhotographHeader(FileOf(entry, report));
+  const auto alone = header && IsLarge(*header) ? std::unique_lock<std::mutex>(large)
+                                                : std::unique_lock<std::mutex>();
   const auto& raw = record.photographs.at(*entry.inRun).raw;
   const std::vector<std::array<double, 2>> none;
   return MeasureSharpness(FileOf(entry, report), record.board ? record.board->columns : 0,
                           raw ? raw->corners : none);
+}
+
+// On all processors: each photograph is decoded once.
+std::vector<Looked> LookAt(const PhotographList& list, const Report& report, bool isLensUncertain) {
+  std::vector<Looked> all(list.size());
+  std::mutex large;
+  ForEachInParallel(list.size(), [&](std::size_t i) {
+    const PhotographEntry& entry = list[i];
+    if (!entry.inRun || !(IsLost(entry) || isLensUncertain)) {
+      return;
+    }
+    all[i].isIncomplete = IsLost(entry) && ReadPhotographHeader(FileOf(entry, report)) &&
+                          !IsCompleteImage(FileOf(entry, report));
+    if (all[i].isIncomplete || isLensUncertain) {
+      all[i].sharpness = SharpnessOf(entry, report, large);
+    }
+  });
+  return all;
 }
 
 void AddCutShort(std::vector<std::string> names, std::size_t all, std::vector<Finding>& findings) {
@@ -87,23 +118,16 @@ std::vector<Finding> ExplainLostPhotographs(Report& report) {
   const bool isLensUncertain = IsLensUncertain(report);
   std::vector<std::string> cutShort;
   std::vector<std::pair<double, std::string>> unsharp;
-  for (PhotographEntry& entry : list) {
-    const bool isLost = IsLost(entry);
-    if (!entry.inRun || !(isLost || isLensUncertain)) {
-      continue;
-    }
-    const bool isIncomplete = isLost && ReadPhotographHeader(FileOf(entry, report)) &&
-                              !IsCompleteImage(FileOf(entry, report));
-    if (!isIncomplete && !isLensUncertain) {
-      continue;
-    }
-    const std::optional<Sharpness> sharpness = SharpnessOf(entry, report);
+  const std::vector<Looked> looked = LookAt(list, report, isLensUncertain);
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    PhotographEntry& entry = list[i];
+    const auto& [isIncomplete, sharpness] = looked[i];
     if (isIncomplete && (!sharpness || sharpness->repeatsLastRow)) {
       entry.reason = "the file is cut short";
       cutShort.push_back(entry.name);
     } else if (isLensUncertain && sharpness && IsUnsharp(*sharpness)) {
       unsharp.emplace_back(*sharpness->edgeWidthPixels, entry.name);
-      entry.reason = isLost ? "board not found: not sharp" : entry.reason;
+      entry.reason = IsLost(entry) ? "board not found: not sharp" : entry.reason;
     }
   }
   AddUnsharp(std::move(unsharp), report, findings);

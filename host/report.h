@@ -17,6 +17,12 @@
 
 namespace trackedcam::host {
 
+/// How long each part took, of both runs together.
+struct PartSeconds {
+  std::optional<double> library;     // nothing if only a log was read
+  std::optional<double> crossCheck;  // nothing if there was none
+};
+
 struct Report {
   Inputs inputs;  // of this run: with the mounting that it used
   bool mountingIsStated = true;
@@ -28,6 +34,7 @@ struct Report {
   Verdict verdict;
   std::vector<EngineExport> exports;       // as requested
   std::shared_ptr<const Report> firstRun;  // null if there was only one
+  PartSeconds seconds;
 };
 
 }  // namespace trackedcam::host

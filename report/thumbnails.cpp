@@ -1,12 +1,14 @@
 #include "report/thumbnails.h"
 
 #include <filesystem>
+#include <mutex>
 
 #include <nlohmann/json.hpp>
 #include <opencv2/core/utility.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "host/parallel.h"
 #include "report/result_values.h"
 
 namespace trackedcam::report {
@@ -36,39 +38,59 @@ std::string Encoded(const cv::Mat& image, const Form& form) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Empty if the file cannot be read: a page does without it.
-std::string ImageOf(const std::string& path, const ReadPicture& read, const Form& form) {
-  try {
-    const std::string bytes = path.empty() ? path : read(fs::u8path(path));
-    const cv::Mat image = bytes.empty()
-                              ? cv::Mat()
-                              : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,
-                                                     const_cast<char*>(bytes.data())),
-                                             form.decoding);
-    return image.empty() ? std::string() : Encoded(image, form);
-  } catch (const std::exception&) {
-    return {};
-  }
-}
+class Maker {
+ public:
+  Maker(const ReadPicture& read, bool areFull) : read_(read), areFull_(areFull) {}
 
-Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph, const ReadPicture& read) {
-  std::string reprojected = ImageOf(TextAt(photograph, "/reprojectedImage"), read, kSmall);
-  if (!reprojected.empty()) {
-    return {std::move(reprojected), true};
+  Thumbnail ThumbnailOf(const nlohmann::ordered_json& photograph) {
+    const std::string path = TextAt(photograph, "/path");
+    if (std::string full = areFull_ ? ImageOf(path, kFull) : std::string(); !full.empty()) {
+      return {std::move(full), false};
+    }
+    std::string reprojected = ImageOf(TextAt(photograph, "/reprojectedImage"), kSmall);
+    if (!reprojected.empty()) {
+      return {std::move(reprojected), true};
+    }
+    return {ImageOf(path, kSmall), false};
   }
-  return {ImageOf(TextAt(photograph, "/path"), read, kSmall), false};
-}
+
+ private:
+  // Empty if the file cannot be read: a page does without it.
+  std::string ImageOf(const std::string& path, const Form& form) {
+    try {
+      const Picture picture = path.empty() ? Picture() : read_(fs::u8path(path));
+      if (picture.bytes.empty()) {
+        return {};
+      }
+      const auto alone =
+          picture.isLarge ? std::unique_lock<std::mutex>(large_) : std::unique_lock<std::mutex>();
+      const cv::Mat image = cv::imdecode(cv::Mat(1, static_cast<int>(picture.bytes.size()), CV_8U,
+                                                 const_cast<char*>(picture.bytes.data())),
+                                         form.decoding);
+      return image.empty() ? std::string() : Encoded(image, form);
+    } catch (const std::exception&) {
+      return {};
+    }
+  }
+
+  const ReadPicture& read_;
+  const bool areFull_;
+  std::mutex large_;
+};
 
 }  // namespace
 
 std::vector<Thumbnail> MakeThumbnails(const nlohmann::ordered_json& result, const ReadPicture& read,
                                       bool areFull) {
-  std::vector<Thumbnail> thumbnails;
+  std::vector<const nlohmann::ordered_json*> photographs;
   for (const nlohmann::ordered_json& photograph : ValueAt(result, "/photographs")) {
-    std::string full = areFull ? ImageOf(TextAt(photograph, "/path"), read, kFull) : std::string();
-    thumbnails.push_back(full.empty() ? ThumbnailOf(photograph, read)
-                                      : Thumbnail{std::move(full), false});
+    photographs.push_back(&photograph);
   }
+  std::vector<Thumbnail> thumbnails(photographs.size());
+  Maker maker(read, areFull);
+  host::ForEachInParallel(photographs.size(), [&](std::size_t i) {
+    thumbnails[i] = maker.ThumbnailOf(*photographs[i]);
+  });
   return thumbnails;
 }
 

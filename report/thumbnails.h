@@ -15,12 +15,18 @@ struct Thumbnail {
   bool isReprojected = false;  // of the reprojected image, which has the corners drawn in
 };
 
-/// Reads a picture that a result names: its bytes, empty if it must not be decoded or embedded. The
-/// result may be a stranger's, so the caller decides.
-using ReadPicture = std::function<std::string(const std::filesystem::path& file)>;
+/// The file of a picture, to decode.
+struct Picture {
+  std::string bytes;     // empty if it must not be decoded or embedded
+  bool isLarge = false;  // takes so much memory that only one such picture is decoded at a time
+};
+
+/// Reads a picture that a result names. The result may be a stranger's, so the caller decides. It
+/// is called on several threads at the same time.
+using ReadPicture = std::function<Picture(const std::filesystem::path& file)>;
 
 /// One for each entry of `photographs`, in its order: of the reprojected image, or of the
-/// photograph if the entry names none or it cannot be read.
+/// photograph if the entry names none or it cannot be read. Works on all processors.
 /// @param result A result file.
 /// @param areFull Of the photograph, at most 1920 pixels wide and without corners drawn in, which
 /// shows its sharpness; otherwise 360 pixels wide.

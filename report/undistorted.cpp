@@ -86,7 +86,7 @@ std::optional<std::size_t> FarthestOut(const Json& photographs, const cv::Size& 
 }
 
 cv::Mat Decoded(const std::string& path, const ReadPicture& read) {
-  const std::string bytes = path.empty() ? path : read(std::filesystem::u8path(path));
+  const std::string bytes = path.empty() ? path : read(std::filesystem::u8path(path)).bytes;
   return bytes.empty() ? cv::Mat()
                        : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,
                                               const_cast<char*>(bytes.data())),

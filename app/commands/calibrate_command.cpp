@@ -1,5 +1,6 @@
 #include "app/commands/calibrate_command.h"
 
+#include <chrono>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <sstream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -145,8 +147,35 @@ fs::path Write(const fs::path& file, bool isNamed, WrittenFiles& written,
   }
 }
 
-WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report) {
-  const nlohmann::ordered_json result = host::ResultJson(report);
+// The pictures of the page, and how long they took.
+struct Pictures {
+  std::vector<report::Thumbnail> thumbnails;
+  report::UndistortedPhotograph undistorted;
+  std::optional<double> seconds;
+};
+
+Pictures MakePictures(const CalibrateOptions& options, const host::Report& report) {
+  const auto begin = std::chrono::steady_clock::now();
+  const auto read = [](const fs::path& file) -> report::Picture {
+    host::PhotographFile photograph = host::ReadPhotograph(file);
+    return {std::move(photograph.bytes), photograph.isLarge};
+  };
+  Pictures pictures;
+  try {
+    const nlohmann::ordered_json result = host::ResultJson(report);
+    pictures.thumbnails = report::MakeThumbnails(result, read, options.hasFullPhotographs);
+    pictures.undistorted = report::MakeUndistorted(result, read);
+  } catch (const std::exception&) {
+    // A page does without them.
+  }
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
+  pictures.seconds = passed.count();
+  return pictures;
+}
+
+WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& report,
+                        const Pictures& pictures) {
+  const nlohmann::ordered_json result = host::ResultJson(report, pictures.seconds);
   std::string text = host::JsonText(result);
   WrittenFiles written;
   if (!options.result.empty()) {
@@ -160,9 +189,7 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(
-          result, report::MakeThumbnails(result, host::ReadPhotograph, options.hasFullPhotographs),
-          page.parent_path(), report::MakeUndistorted(result, host::ReadPhotograph));
+      return report::Page(result, pictures.thumbnails, page.parent_path(), pictures.undistorted);
     });
   }
   return written;
@@ -215,12 +242,14 @@ int Calibrate(CalibrateOptions options, const std::string& commandLine,
     report.verdict.commands =
         ExportCommands(ResultFileOf(options, report), options.exports, options.parentAxes);
   }
-  const WrittenFiles written = WriteFiles(options, report);
+  const Pictures pictures = options.withoutReport ? Pictures() : MakePictures(options, report);
+  const WrittenFiles written = WriteFiles(options, report, pictures);
   std::ostream& out = TextBeside(options.result);
   PrintSummary(out, report, truth ? &*truth : nullptr, written.page);
   if (!written.result.empty()) {
     out << "Result: " << written.result.u8string() << '\n';
   }
+  PrintSeconds(out, report.seconds, pictures.seconds);
   out.flush();
   PrintWarning(std::cerr, report);
   for (const std::string& warning : written.warnings) {

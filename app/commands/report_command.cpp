@@ -1,12 +1,15 @@
 #include "app/commands/report_command.h"
 
+#include <atomic>
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -58,7 +61,8 @@ class PicturesOfShoot {
     }
   }
 
-  std::string Read(const fs::path& file) {
+  /// May be called on several threads.
+  report::Picture Read(const fs::path& file) {
     std::error_code error;
     const fs::path real = fs::canonical(file, error);
     if (error) {
@@ -67,10 +71,14 @@ class PicturesOfShoot {
     for (const fs::path& folder : folders_) {
       if (std::mismatch(folder.begin(), folder.end(), real.begin(), real.end()).first ==
           folder.end()) {
-        ++read_;
-        return read_ <= kMostPictures ? host::ReadPhotograph(real) : std::string();
+        if (++read_ > kMostPictures) {
+          return {};
+        }
+        host::PhotographFile photograph = host::ReadPhotograph(real);
+        return {std::move(photograph.bytes), photograph.isLarge};
       }
     }
+    const std::lock_guard<std::mutex> lock(mutex_);
     outside_.insert(file);
     return {};
   }
@@ -102,8 +110,9 @@ class PicturesOfShoot {
   }
 
   std::vector<fs::path> folders_;  // without links
+  std::mutex mutex_;
   std::set<fs::path> outside_;
-  std::size_t read_ = 0;
+  std::atomic<std::size_t> read_ = 0;
 };
 
 void WriteReport(const ReportOptions& options, const fs::path& configFile) {

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cmath>
 #include <iomanip>
+#include <sstream>
 #include <string_view>
 
 #include "host/text/text.h"
@@ -135,17 +138,86 @@ std::streambuf* PlainOutput(std::ostream& stream) {
   return plain == nullptr ? stream.rdbuf() : static_cast<std::streambuf*>(plain);
 }
 
-std::string ProgressText(const host::Progress& progress) {
-  constexpr std::size_t kStageWidth = 22;
-  constexpr std::size_t kCells = 30;
+namespace {
+
+// Characters that are not ASCII may take two.
+std::size_t ColumnsOf(std::string_view character) {
+  return character.size() == 1 ? 1 : 2;
+}
+
+std::size_t Columns(std::string_view text) {
+  std::size_t columns = 0;
+  while (!text.empty()) {
+    const std::size_t length = std::max<std::size_t>(1, host::CharacterLength(text));
+    columns += ColumnsOf(text.substr(0, length));
+    text.remove_prefix(length);
+  }
+  return columns;
+}
+
+// The name without its folder; of a long one the end, where the numbers are.
+std::string ShortName(const std::string& photograph) {
+  constexpr std::size_t kMostColumns = 16;
+  std::ostringstream escaped;
+  {
+    EscapedOutput escapes(escaped);
+    escaped << photograph.substr(photograph.find_last_of("/\\") + 1);
+  }
+  std::string name = escaped.str();
+  std::replace_if(
+      name.begin(), name.end(), [](char character) { return Byte(character) < 0x20; }, ' ');
+  if (Columns(name) <= kMostColumns) {
+    return name;
+  }
+  while (Columns(name) > kMostColumns - 3) {
+    name.erase(0, std::max<std::size_t>(1, host::CharacterLength(name)));
+  }
+  return "..." + name;
+}
+
+// Rounded so that it does not change with every photograph.
+std::string LeftText(double seconds) {
+  const auto whole = static_cast<long>(std::ceil(seconds));
+  return whole < 100 ? std::to_string(whole) + " s" : std::to_string((whole + 59) / 60) + " min";
+}
+
+}  // namespace
+
+std::optional<double> TimeLeft::At(const host::Progress& progress, double now) {
+  constexpr std::size_t kLeastPhotographs = 5;
+  constexpr double kLeastSeconds = 1;
+  if (progress.stage != stage_ || progress.done < done_) {
+    stage_ = progress.stage;
+    begin_ = now;
+  }
+  done_ = progress.done;
+  const double passed = now - begin_;
+  if (done_ < kLeastPhotographs || done_ >= progress.all || passed < kLeastSeconds) {
+    return std::nullopt;
+  }
+  return passed / static_cast<double>(done_) * static_cast<double>(progress.all - done_);
+}
+
+std::string ProgressText(const host::Progress& progress, const std::optional<double>& secondsLeft) {
+  constexpr std::size_t kStageWidth = 20;
+  constexpr std::size_t kCells = 10;
   std::string text = progress.stage;
   if (progress.all == 0) {
-    return text + " ...";
+    return text + " (how long is not known) ...";
   }
   text.resize(std::max(text.size(), kStageWidth), ' ');
   const std::size_t filled = kCells * std::min(progress.done, progress.all) / progress.all;
-  return text + '[' + std::string(filled, '#') + std::string(kCells - filled, '.') + "] " +
-         std::to_string(progress.done) + " of " + std::to_string(progress.all) + " photographs";
+  text += '[' + std::string(filled, '#') + std::string(kCells - filled, '.') + "] " +
+          std::to_string(progress.done) + " of " + std::to_string(progress.all);
+  if (secondsLeft) {
+    text += ", " + LeftText(*secondsLeft) + " left";
+  }
+  return progress.photograph.empty() ? text : text + ": " + ShortName(progress.photograph);
+}
+
+void ProgressBar::Show(const host::Progress& progress) {
+  const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
+  Draw(ProgressText(progress, left_.At(progress, now.count())));
 }
 
 ProgressBar::~ProgressBar() {
@@ -156,9 +228,10 @@ ProgressBar::~ProgressBar() {
 
 void ProgressBar::Draw(const std::string& text) {
   // Blanks overwrite the rest of a longer text.
-  const std::size_t blanks = width_ - std::min(width_, text.size());
+  const std::size_t width = Columns(text);
+  const std::size_t blanks = width_ - std::min(width_, width);
   terminal_ << '\r' << text << std::string(blanks, ' ') << (text.empty() ? "\r" : "") << std::flush;
-  width_ = text.size();
+  width_ = width;
 }
 
 }  // namespace trackedcam::app

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -43,8 +44,25 @@ class EscapedOutput : private std::streambuf {
 /// The stream's buffer without escapes: for the progress bar.
 std::streambuf* PlainOutput(std::ostream& stream);
 
-/// The text of the bar: the stage and, if it goes through the photographs, how many are done.
-std::string ProgressText(const host::Progress& progress);
+/// How long a stage still takes, from the mean time of its photographs so far. Later stages are not
+/// in it: how long the solve takes depends on what it finds.
+class TimeLeft {
+ public:
+  /// @param now Seconds from any origin.
+  /// @returns Nothing before five photographs and one second, or without photographs to come.
+  std::optional<double> At(const host::Progress& progress, double now);
+
+ private:
+  std::string stage_;
+  double begin_ = 0;
+  std::size_t done_ = 0;
+};
+
+/// The text of the bar, at most 79 columns: the stage and, if it goes through the photographs, how
+/// many are done, the one in work and the seconds left. What could control the terminal is shown as
+/// escapes.
+std::string ProgressText(const host::Progress& progress,
+                         const std::optional<double>& secondsLeft = {});
 
 /// One line on a terminal, which is overwritten by each step and cleared at the end.
 class ProgressBar {
@@ -54,13 +72,14 @@ class ProgressBar {
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  void Show(const host::Progress& progress) { Draw(ProgressText(progress)); }
+  void Show(const host::Progress& progress);
 
  private:
   void Draw(const std::string& text);
 
   std::ostream& terminal_;
-  std::size_t width_ = 0;
+  std::size_t width_ = 0;  // columns
+  TimeLeft left_;
 };
 
 }  // namespace trackedcam::app

@@ -373,6 +373,19 @@ void PrintSummary(std::ostream& out, const Report& report, const CalibrationOutp
   PrintFiles(out, report, page);
 }
 
+void PrintSeconds(std::ostream& out, const host::PartSeconds& seconds,
+                  const std::optional<double>& page) {
+  std::string text;
+  for (const auto& [part, time] :
+       {std::pair("library", seconds.library), std::pair("cross-check", seconds.crossCheck),
+        std::pair("page", page)}) {
+    if (time) {
+      text += (text.empty() ? "" : ", ") + std::string(part) + ' ' + host::Fixed(*time, 1) + " s";
+    }
+  }
+  out << "Time: " << text << '\n';
+}
+
 void PrintWarning(std::ostream& out, const Report& report) {
   const Level level = report.verdict.level;
   const std::string reason = level == Level::kGood ? "" : ReasonText(report);

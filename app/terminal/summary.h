@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 #include <vector>
 
@@ -23,6 +24,10 @@ void PrintSummary(std::ostream& out, const host::Report& report,
 
 /// The error in the image and on a wall at each distance; nothing if there are none.
 void PrintOnScreen(std::ostream& out, const std::vector<crosscheck::OnScreen>& onScreen);
+
+/// How long library, cross-check and page took, in one line.
+void PrintSeconds(std::ostream& out, const host::PartSeconds& seconds,
+                  const std::optional<double>& page);
 
 /// One line of error or warning, unless the verdict is good: the text of the finding that decides
 /// it, or the verdict itself. And one for each output of the library that could not be written.

@@ -564,7 +564,7 @@ std::string Text(const crosscheck::SuggestedView& view) {
   const auto eighth =
       static_cast<std::size_t>(std::lround(view.tiltDirectionDegrees / 45) % 8 + 8) % 8;
   return std::to_string(view.views) + (view.views == 1 ? " photograph" : " photographs") +
-         " from " + Fixed(view.distanceMetres, 1) + " m, the chart tilted by " +
+         " from " + Fixed(view.distanceMetres, 2) + " m, the chart tilted by " +
          Fixed(view.tiltDegrees, 0) + " deg to face the " + kDirections.at(eighth) +
          " of the image and rotated by " + Fixed(view.rollDegrees, 0) + " deg in it";
 }

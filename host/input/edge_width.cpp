@@ -141,7 +141,7 @@ std::optional<Sharpness> MeasureSharpness(const std::filesystem::path& file, int
                                           const std::vector<std::array<double, 2>>& corners) {
   cv::Mat image;
   try {
-    const std::string bytes = ReadPhotograph(file);
+    const std::string bytes = ReadPhotograph(file).bytes;
     const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8U,
                           const_cast<char*>(bytes.data()));
     image = bytes.empty() ? cv::Mat() : cv::imdecode(encoded, cv::IMREAD_GRAYSCALE);

@@ -10,6 +10,7 @@ namespace trackedcam::host {
 namespace {
 
 constexpr std::uint64_t kMostPhotographPixels = 200000000;
+constexpr std::uint64_t kMostPixelsInParallel = 50000000;
 constexpr std::uint64_t kLongestSide = 1 << 20;  // a longer one ends the decoder, and so the run
 
 constexpr int kMostScans = 64;
@@ -30,11 +31,15 @@ bool IsCostly(const std::filesystem::path& file, const PhotographHeader& header)
          (header.format == PhotographFormat::kJpeg && HasMoreScans(file, kMostScans));
 }
 
-std::string ReadPhotograph(const std::filesystem::path& file) {
+bool IsLarge(const PhotographHeader& header) {
+  return header.width > kMostPixelsInParallel / header.height;
+}
+
+PhotographFile ReadPhotograph(const std::filesystem::path& file) {
   try {
     const auto header = ReadPhotographHeader(file);
     const bool isTaken = header && !IsHuge(*header) && !IsCostly(file, *header);
-    return isTaken ? ReadFile(file) : std::string();
+    return isTaken ? PhotographFile{ReadFile(file), IsLarge(*header)} : PhotographFile();
   } catch (const std::exception&) {
     return {};
   }

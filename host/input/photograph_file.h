@@ -16,7 +16,14 @@ bool IsHuge(const PhotographHeader& header);
 /// which goes over the whole image again. Cameras write about ten.
 bool IsCostly(const std::filesystem::path& file, const PhotographHeader& header);
 
-/// The bytes of a photograph, to decode; empty if it is huge, costly or cannot be read.
-std::string ReadPhotograph(const std::filesystem::path& file);
+/// More than 50 megapixels: only one such photograph is decoded at a time.
+bool IsLarge(const PhotographHeader& header);
+
+struct PhotographFile {
+  std::string bytes;  // to decode; empty if it is huge, costly or cannot be read
+  bool isLarge = false;
+};
+
+PhotographFile ReadPhotograph(const std::filesystem::path& file);
 
 }  // namespace trackedcam::host

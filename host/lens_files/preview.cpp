@@ -17,7 +17,7 @@ namespace trackedcam::host {
 namespace {
 
 cv::Mat Decoded(const std::filesystem::path& photograph) {
-  const std::string bytes = ReadPhotograph(photograph);
+  const std::string bytes = ReadPhotograph(photograph).bytes;
   try {
     return bytes.empty() ? cv::Mat()
                          : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,

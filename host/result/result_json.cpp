@@ -1,5 +1,7 @@
 #include "host/result/result_json.h"
 
+#include <cmath>
+
 #include <nlohmann/json.hpp>
 
 #include "host/findings/finding_json.h"
@@ -365,6 +367,11 @@ Json RunJson(const Report& report) {
   };
 }
 
+// To the millisecond.
+Json SecondsJson(const std::optional<double>& seconds) {
+  return seconds ? Json(std::round(1000 * *seconds) / 1000) : Json(nullptr);
+}
+
 }  // namespace
 
 nlohmann::ordered_json OnScreenJson(const std::vector<crosscheck::OnScreen>& onScreen) {
@@ -381,9 +388,12 @@ nlohmann::ordered_json OnScreenJson(const std::vector<crosscheck::OnScreen>& onS
   return list;
 }
 
-Json ResultJson(const Report& report) {
+Json ResultJson(const Report& report, const std::optional<double>& pageSeconds) {
   Json json = RunJson(report);
   json["mountingIsStated"] = report.mountingIsStated;
+  json["seconds"] = {{"library", SecondsJson(report.seconds.library)},
+                     {"crossCheck", SecondsJson(report.seconds.crossCheck)},
+                     {"page", SecondsJson(pageSeconds)}};
   json["firstRun"] = report.firstRun ? RunJson(*report.firstRun) : Json(nullptr);
   return json;
 }

@@ -226,7 +226,8 @@ void RunLogReader::ReadPhotographs(const std::string& message) {
     return;
   }
   if (const auto path = After("Process : ", message)) {
-    ShowDone(photographs.size());
+    const std::size_t index = photographs.size();
+    ShowDone(index, index < photographs_.size() ? photographs_[index] : *path);
     photographs.push_back({*path, std::nullopt, std::nullopt});
   } else if (message == "RAW DATA START") {
     section_ = Section::kRawData;
@@ -355,7 +356,8 @@ void RunLogReader::ReadTrackers(const std::string& message) {
     isSecondSolve_ = true;
     BeginStage("Writing the images", UsedPhotographs(record_).size());
   } else if (ReadImageError(message)) {
-    ShowDone(progress_.done + 1);
+    const Photograph* next = InUse(static_cast<int>(progress_.done) + 1);
+    ShowDone(progress_.done + 1, next == nullptr ? "" : next->path);
   } else if (const auto index = After("Remove index : ", message)) {
     if (Photograph* outlier = InUse(ParseInteger(*index).value_or(-1))) {
       outlier->dropped = DropReason::kOutlier;
@@ -410,8 +412,9 @@ void RunLogReader::BeginStage(const char* stage, std::size_t photographs) {
   listener_(progress_);
 }
 
-void RunLogReader::ShowDone(std::size_t photographs) {
+void RunLogReader::ShowDone(std::size_t photographs, const std::string& inWork) {
   progress_.done = photographs;
+  progress_.photograph = inWork;
   listener_(progress_);
 }
 

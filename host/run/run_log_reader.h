@@ -80,8 +80,9 @@ bool IsBoardNowhere(const RunRecord& record);
 
 struct Progress {
   std::string stage;
-  std::size_t done;  // photographs
-  std::size_t all;   // 0 in a stage that does not go through the photographs
+  std::size_t done;             // photographs
+  std::size_t all;              // 0 in a stage that does not go through the photographs
+  std::string photograph = {};  // the one in work, as the data file names it; empty: not known
 };
 
 using ProgressListener = std::function<void(const Progress&)>;
@@ -120,7 +121,7 @@ class RunLogReader {
   void EndRawData();
   void NamePhotographs();
   void BeginStage(const char* stage, std::size_t photographs);
-  void ShowDone(std::size_t photographs);
+  void ShowDone(std::size_t photographs, const std::string& inWork = {});
 
   std::vector<std::string> photographs_;
   ProgressListener listener_;

@@ -119,11 +119,14 @@ TEST_F(HostProgramShoot, IsCalibratedThroughItsConfigurationFile) {
   EXPECT_THAT(run.out,
               AllOf(HasSubstr("found        truth"), HasSubstr("\n  differs from the truth by "),
                     HasSubstr("(missing or not an image)"), HasSubstr("(board not found)"),
-                    HasSubstr("\nResult: ")));
+                    HasSubstr("\nResult: "), HasSubstr("\nTime: library ")));
 
   const Json result = Read("result.json");
   const Json truth = Read("truth.json");
   EXPECT_EQ(result["code"], 0);
+  for (const char* part : {"library", "crossCheck", "page"}) {
+    EXPECT_GT(result["seconds"][part], 0) << part;
+  }
   EXPECT_EQ(result["imageSize"], truth["imageSize"]);
   EXPECT_NEAR(result["normFocal"][0], truth["normFocal"][0].get<double>(), 0.005);
   EXPECT_NEAR(result["normCenter"][1], truth["normCenter"][1].get<double>(), 0.005);

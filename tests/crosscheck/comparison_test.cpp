@@ -123,7 +123,9 @@ TEST(CheckTest, SuggestedViewsAreWorthMoreThanTheLastOnes) {
 }
 
 TEST(CheckTest, SaysHowManyPhotographsHalveTheUncertainty) {
-  const CrossCheck check = Check(test::MakeShoot(test::FortyNoisy(43), 0.05).observations);
+  Observations observations = test::MakeShoot(test::FortyNoisy(43), 0.05).observations;
+  observations.scaleUncertainty = 1e-4;
+  const CrossCheck check = Check(observations);
   ASSERT_TRUE(check.photographsToHalve);
   EXPECT_EQ(*check.photographsToHalve % 5, 0);
   // Three times as many like those that are there would do, and the best views do better.
@@ -133,6 +135,38 @@ TEST(CheckTest, SaysHowManyPhotographsHalveTheUncertainty) {
     ofThreeViews *= view.gain;
   }
   EXPECT_EQ(ofThreeViews >= 2, *check.photographsToHalve <= 15);
+}
+
+// An error of the scale is in every photograph.
+TEST(CheckTest, PromisesNoHalfOfWhatPhotographsCannotReduce) {
+  Observations observations = test::MakeShoot(test::FortyNoisy(43), 0.05).observations;
+  observations.scaleUncertainty = 0.01;
+  const CrossCheck check = Check(observations);
+  EXPECT_FALSE(check.photographsToHalve);
+  for (const SuggestedView& view : check.suggestedViews) {
+    EXPECT_LT(view.gain, 1.2);
+  }
+}
+
+// All of the paper in the image, and the roll within what a detector reads from the first corner.
+TEST(CheckTest, SuggestedViewsCanBePhotographed) {
+  for (const std::uint64_t seed : {43, 44, 45}) {
+    const test::KnownShoot shoot = test::MakeShoot(test::FortyNoisy(seed), 0.05);
+    const simulator::Chart chart = test::FortyNoisy(seed).chart;
+    const Lens& lens = shoot.observations.lens;
+    const CrossCheck check = Check(shoot.observations);
+    ASSERT_FALSE(check.suggestedViews.empty());
+    for (const SuggestedView& view : check.suggestedViews) {
+      EXPECT_LE(view.tiltDegrees, 38);
+      EXPECT_LE(std::abs(view.rollDegrees), 35);
+      for (const Eigen::Vector3d& point : chart.PaperOutline()) {
+        const Eigen::Vector2d pixel = Project(lens, PoseOfView(view, chart.Corners()) * point);
+        EXPECT_GT(pixel.minCoeff(), 0);
+        EXPECT_LT(pixel.x(), lens.width);
+        EXPECT_LT(pixel.y(), lens.height);
+      }
+    }
+  }
 }
 
 TEST(CheckTest, WhatIsOffOnScreenIsTheLibrarysDistance) {

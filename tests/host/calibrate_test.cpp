@@ -118,6 +118,9 @@ TEST_F(CalibrateTest, CalibratesWithTheMountingThatItFound) {
   EXPECT_FALSE(report.mountingIsStated);
   ASSERT_NE(report.firstRun, nullptr);
   ASSERT_TRUE(report.inputs.mounting);
+  EXPECT_GT(report.seconds.library.value(), report.firstRun->seconds.library.value());
+  EXPECT_GT(report.seconds.crossCheck.value(), report.firstRun->seconds.crossCheck.value());
+  EXPECT_GT(report.firstRun->seconds.library.value(), 0);
   EXPECT_NE(report.verdict.level, Level::kFailed);
   EXPECT_NE(report.run.folder, report.firstRun->run.folder);
 }

@@ -187,8 +187,8 @@ TEST_F(PhotographChecksTest, LeaveOutJpegsOfManyScans) {
   ExpectTheFinding("costlyPhotograph", Severity::kError,
                    {"photos/6.jpg", "photos/7.jpg", "photos/8.jpg"});
   EXPECT_THAT(Check().leaveOut, ElementsAre(5U, 6U, 7U));
-  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "6.jpg"), "");
-  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg"), withScans(20));
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "6.jpg").bytes, "");
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg").bytes, withScans(20));
 }
 
 TEST_F(PhotographChecksTest, LeaveOutFilesOfManyTimesTheirPixels) {
@@ -197,7 +197,7 @@ TEST_F(PhotographChecksTest, LeaveOutFilesOfManyTimesTheirPixels) {
   EXPECT_THAT(Check().findings, IsEmpty());
   std::filesystem::resize_file(folder.Path() / "photos" / "5.jpg", 65 << 20);
   EXPECT_STREQ(Id(TheFinding()), "costlyPhotograph");
-  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg"), "");
+  EXPECT_EQ(ReadPhotograph(folder.Path() / "photos" / "5.jpg").bytes, "");
 }
 
 // Their size, however large, cannot be read.

@@ -91,6 +91,15 @@ TEST(ResultJson, ListsPhotographsAndFiles) {
   EXPECT_EQ(json["versions"]["program"], TRACKEDCAM_VERSION);
 }
 
+TEST(ResultJson, SaysHowLongEachPartTook) {
+  Report report = GoodReport();
+  EXPECT_EQ(ResultJson(report)["seconds"].dump(),
+            R"({"library":null,"crossCheck":null,"page":null})");
+  report.seconds = {12.34567, 0.0004};
+  EXPECT_EQ(ResultJson(report, 2.0)["seconds"].dump(),
+            R"({"library":12.346,"crossCheck":0.0,"page":2.0})");
+}
+
 TEST(ResultJson, HasNullForWhatIsNoNumber) {
   Report report = GoodReport();
   report.run.outputs.normFocal[0] = std::numeric_limits<double>::quiet_NaN();

@@ -231,6 +231,22 @@ TEST_F(RunLogReaderTest, ShowsStagesAndPhotographs) {
                                  "Writing the images 0/1", "Writing the images 1/1"));
 }
 
+TEST_F(RunLogReaderTest, NamesThePhotographInWork) {
+  Lines inWork;
+  reader.~RunLogReader();
+  new (&reader)
+      RunLogReader({"a", "b", "c"}, [&](const Progress& now) { inWork.push_back(now.photograph); });
+  LogToThePhotographs();
+  Log({"Process : a", "Process : b", "b Not exist!", "Process : c"});
+  EXPECT_THAT(inWork, ElementsAre("", "a", "b", "c"));
+  LogRawData({"a", "c"});
+  LogLens();
+  inWork.clear();
+  Log({"Finish Calculate_Transform_Cam_Tc.", "Image 0 reprojection error : 1.000000 pixels.",
+       "Image 1 reprojection error : 1.000000 pixels."});
+  EXPECT_THAT(inWork, ElementsAre("", "c", ""));
+}
+
 // The first pass counts all, the second what the filter kept.
 TEST_F(RunLogReaderTest, ReadsTheErrorOfEachPhotograph) {
   LogToThePhotographs();

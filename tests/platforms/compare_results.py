@@ -35,9 +35,10 @@ def difference(a, b, where="result"):
 
 
 def read_result(folder):
-    """The result without its time, and with paths that do not depend on folder and system."""
+    """The result without its time and durations, and with paths that do not depend on folder and system."""
     result = json.loads((folder / "result.json").read_text(encoding="utf-8"))
     result.pop("time")
+    result.pop("seconds")
     return same_paths(result, folder)
 
 

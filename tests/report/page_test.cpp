@@ -103,6 +103,7 @@ Json WholeResult() {
          {{"rotationDegrees", {90, 0, 180}}, {"translationMetres", {-0.1, -0.02, 0.05}}}},
         {"mountingAxes", "fixed"}}},
       {"time", "2026-11-21 14:05:09"},
+      {"seconds", {{"library", 5.312}, {"crossCheck", 0.42}, {"page", nullptr}}},
       {"crossCheck",
        {{"photographs", 1},
         {"used", 1},
@@ -154,7 +155,8 @@ TEST(Page, ShowsTheAnswer) {
   const std::string page = PageOf(WholeResult());
   for (const char* text :
        {"It is good.", "Go on.", "do it", "A note.", "Note it.", "10.00", "20.00", "30.00",
-        "48.600", "± 2.50", "shoot/data.csv", "board not found", "Tilt it.", "1.29", "35"}) {
+        "48.600", "± 2.50", "shoot/data.csv", "library 5.31 s, cross-check 0.42 s</td>",
+        "board not found", "Tilt it.", "1.29", "35"}) {
     EXPECT_THAT(page, HasSubstr(text));
   }
   EXPECT_THAT(BodyOf(page), Not(HasSubstr("{{")));

@@ -15,8 +15,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // As a caller that embeds every file.
-std::string PictureBytes(const std::filesystem::path& file) {
-  return std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : "";
+Picture PictureBytes(const std::filesystem::path& file) {
+  return {std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : ""};
 }
 
 const cv::Scalar kRed(0, 0, 255);
@@ -81,8 +81,29 @@ TEST_F(ThumbnailsTest, ForOneMissingReprojectedImageOnlyThatOneShowsItsPhotograp
 
 TEST_F(ThumbnailsTest, ReadOnlyWhatTheCallerGivesThem) {
   const Json result = {{"photographs", {{{"path", Image("a.png", kRed)}}}}};
-  const auto nothing = [](const std::filesystem::path& /*file*/) { return std::string(); };
+  const auto nothing = [](const std::filesystem::path& /*file*/) { return Picture(); };
   EXPECT_EQ(MakeThumbnails(result, nothing).at(0).bytes, "");
+}
+
+// The memory of a decoder must not grow with the processors.
+TEST_F(ThumbnailsTest, OfLargePicturesAreTheSame) {
+  Json photographs = Json::array();
+  for (int i = 0; i < 9; ++i) {
+    photographs.push_back(
+        {{"path", Image(std::to_string(i) + ".png", cv::Scalar(25 * i, 200 - 20 * i, 90))}});
+  }
+  const auto large = [](const std::filesystem::path& file) {
+    return Picture{PictureBytes(file).bytes, true};
+  };
+  const Json result = {{"photographs", photographs}};
+  const auto one = MakeThumbnails(result, PictureBytes);
+  const auto other = MakeThumbnails(result, large);
+  ASSERT_EQ(one.size(), 9U);
+  for (int i = 0; i < 9; ++i) {
+    const Thumbnail& thumbnail = one[static_cast<std::size_t>(i)];
+    EXPECT_TRUE(IsOf(cv::Scalar(25 * i, 200 - 20 * i, 90), thumbnail)) << i;
+    EXPECT_EQ(thumbnail.bytes, other.at(static_cast<std::size_t>(i)).bytes) << i;
+  }
 }
 
 TEST_F(ThumbnailsTest, NeedNoKeyOfTheResult) {

@@ -43,8 +43,8 @@ Json Corners(double reach) {
 }
 
 // As a caller that embeds every file.
-std::string PhotographBytes(const std::filesystem::path& file) {
-  return std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : "";
+Picture PhotographBytes(const std::filesystem::path& file) {
+  return {std::filesystem::is_regular_file(file) ? test::ReadFile(file.u8string()) : ""};
 }
 
 Json Entry(const std::string& path, const std::string& state, double reach) {
