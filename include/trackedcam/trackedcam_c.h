@@ -133,11 +133,20 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_continue(trackedcam_shoot* s
 /// @param photograph Path of the photograph, without commas.
 /// @param camera Pose of the tracker on the camera.
 /// @param chart Pose of the tracker on the chart.
-/// @return TRACKEDCAM_OK or an error status.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for an infinite or NaN value, for
+///   a quaternion of length 0 and for a photograph with a comma.
 TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_add(trackedcam_shoot* shoot, double time_s,
                                                         const char* photograph,
                                                         const trackedcam_pose* camera,
                                                         const trackedcam_pose* chart);
+
+/// Writes the rows of a shoot from trackedcam_shoot_create to a tracker data file, in the axes, the
+/// unit and the order in which they were added. An existing file is replaced.
+/// @param shoot The shoot.
+/// @param data_file Path of the file.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_save(trackedcam_shoot* shoot,
+                                                         const char* data_file);
 
 /// Frees a shoot. Runs that were started with it continue.
 /// @param shoot The shoot, or NULL.
@@ -198,8 +207,8 @@ typedef struct trackedcam_settings {
   /// 1: if the cross-check finds another mounting or bad photographs, calibrate again with the
   /// mounting found and without those photographs.
   int32_t refine_mounting;
-  int32_t silent;            ///< 0 or 1, without effect: no run writes to standard output.
   int32_t quaternion_order;  ///< One of trackedcam_quaternion_order.
+  int32_t at_count;          ///< Number of distances in at_m; at most 100.
   /// Folder of relative paths of photographs. NULL: the folder of the data file; for rows in
   /// memory, the working directory of the process.
   const char* working_folder;
@@ -213,6 +222,9 @@ typedef struct trackedcam_settings {
   /// Photographs to leave out, separated by commas: paths as in the data file or the ends of them,
   /// with or without the file's ending, such as "img_003,img_007". NULL: none.
   const char* exclude;
+  /// Distances at which the error in the image is stated, metres. If at_count is 0: the chart's, 2,
+  /// 4 and 10.
+  const double* at_m;
 } trackedcam_settings;
 
 /// Sets all members to their defaults. Required members become 0 or NULL, with which no run starts.
@@ -301,9 +313,9 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_run_free(trackedcam_run* run);
 
 /// Cross-checks a calibration from the log that the library wrote, in any host.
 /// @param log_file Path of the log.
-/// @param settings For the mounting that the host passed to the library, for what is good enough
-///   and for the photographs to leave out; the other members are ignored. NULL for the defaults, if
-///   the mounting is not known.
+/// @param settings For the mounting that the host passed to the library, for what is good enough,
+///   for the photographs to leave out and for the distances of at_m; the other members are ignored.
+///   NULL for the defaults, if the mounting is not known.
 /// @param[out] report Free it with trackedcam_report_free. It cannot be exported.
 /// @return TRACKEDCAM_OK or an error status.
 TRACKEDCAM_C_API trackedcam_status trackedcam_crosscheck(const char* log_file,
@@ -549,8 +561,6 @@ typedef struct trackedcam_verify_options {
   int32_t board_columns;       ///< Of another chart: inner corners along a row; 0: the result's.
   int32_t board_rows;          ///< Of another chart: inner corners along a column; 0: the result's.
   double square_m;             ///< Of another chart: edge of one square; 0: the result's.
-  int32_t silent;              ///< 0 or 1, without effect: no run writes to standard output.
-  int32_t reserved;            ///< 0.
   const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
 } trackedcam_verify_options;
 

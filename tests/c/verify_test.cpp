@@ -42,7 +42,6 @@ class VerifyTest : public testing::Test {
   static trackedcam_verify_options Options() {
     trackedcam_verify_options options;
     EXPECT_EQ(trackedcam_verify_options_init(&options, sizeof options), TRACKEDCAM_OK);
-    options.silent = 1;
     return options;
   }
 
