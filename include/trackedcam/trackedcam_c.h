@@ -604,6 +604,36 @@ TRACKEDCAM_C_API trackedcam_status
 trackedcam_verification_free(trackedcam_verification* verification);
 
 /// @}
+/// @defgroup c_compare Comparison
+/// What two results of one camera differ by, and whether by chance.
+/// @{
+
+/// What two results differ by.
+typedef struct trackedcam_comparison trackedcam_comparison;
+
+/// Compares two results, the second minus the first.
+/// @param first_file Path of a result file.
+/// @param second_file Path of another one.
+/// @param[out] comparison Free it with trackedcam_comparison_free.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for a file without a result, and
+///   for results with photographs or a chart of another size.
+TRACKEDCAM_C_API trackedcam_status trackedcam_compare(const char* first_file,
+                                                      const char* second_file,
+                                                      trackedcam_comparison** comparison);
+
+/// Returns all values as JSON text, as trackedcam compare --json prints them.
+/// @param comparison The comparison.
+/// @param[out] json The text. It is valid until the comparison is freed.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_comparison_json(trackedcam_comparison* comparison,
+                                                              const char** json);
+
+/// Frees a comparison and its text.
+/// @param comparison The comparison, or NULL.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_comparison_free(trackedcam_comparison* comparison);
+
+/// @}
 
 #ifdef __cplusplus
 }  // extern "C"

@@ -116,6 +116,9 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_verify": [c_char_p, c_char_p, POINTER(VerifyOptions), POINTER(c_void_p)],
     "trackedcam_verification_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_verification_free": [c_void_p],
+    "trackedcam_compare": [c_char_p, c_char_p, POINTER(c_void_p)],
+    "trackedcam_comparison_json": [c_void_p, POINTER(c_char_p)],
+    "trackedcam_comparison_free": [c_void_p],
 }
 
 

@@ -1,4 +1,4 @@
-"""Verifies that a calibration still holds."""
+"""Verifies that a calibration still holds, and compares calibrations."""
 
 from __future__ import annotations
 
@@ -66,3 +66,35 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
     call("trackedcam_verify", encoded(result), encoded(data), ctypes.byref(options), ctypes.byref(handle.pointer))
     call("trackedcam_verification_json", handle.pointer, ctypes.byref(text))
     return Verification(json.loads((text.value or b"").decode()))
+
+
+class Comparison:
+    """What two results of one camera differ by: the second minus the first.
+
+    Attributes:
+        conclusion: whether they differ, and whether by chance, one sentence.
+        data: all values, as `trackedcam compare --json` prints them.
+    """
+
+    def __init__(self, data: dict[str, Any]) -> None:
+        self.data = data
+        self.conclusion: str = data["conclusion"]
+
+    def __repr__(self) -> str:
+        return f"<Comparison: {self.conclusion}>"
+
+
+def compare(first: Path, second: Path) -> Comparison:
+    """Compares two results.
+
+    Args:
+        first: a result file.
+        second: another one.
+
+    Raises:
+        InputError: a file has no result, or the photographs or the charts have different sizes.
+    """
+    handle, text = Handle("trackedcam_comparison_free"), ctypes.c_char_p()
+    call("trackedcam_compare", encoded(first), encoded(second), ctypes.byref(handle.pointer))
+    call("trackedcam_comparison_json", handle.pointer, ctypes.byref(text))
+    return Comparison(json.loads((text.value or b"").decode()))

@@ -268,3 +268,13 @@ def test_the_photographs_of_the_shoot_fit_its_result(report, perfect, tmp_path):
     assert found.data["old"] == found.data["new"]
     with pytest.raises(trackedcam.InputError, match="7 x 5.*9 x 6"):
         trackedcam.verify(result, data, board=(7, 5))
+
+
+def test_a_result_does_not_differ_from_itself(report, perfect, tmp_path):
+    result = tmp_path / "result.json"
+    report.save(json_file=result)
+    compared = trackedcam.compare(result, result)
+    assert compared.data["transform"]["offMm"] == 0 and compared.conclusion == compared.data["conclusion"]
+    assert compared.data["sharedPhotographs"] > 12
+    with pytest.raises(trackedcam.InputError, match="tracker_data.csv"):
+        trackedcam.compare(result, perfect.data)
