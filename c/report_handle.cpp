@@ -41,11 +41,12 @@ bool AddNumbers(const Json& json, std::vector<double>& numbers) {
   return true;
 }
 
-// The library leaves a list empty if the run ended before it.
-std::vector<double> ListOf(const Report& report, const char* pointer, std::size_t count) {
+// The library leaves a list empty if the run ended before it. Why is the verdict's message.
+std::vector<double> ListOf(Report& report, const char* pointer, std::size_t count) {
   std::vector<double> numbers = report.Numbers(pointer);
   if (numbers.size() != count) {
-    ThrowNotFound(std::string("The library found no ") + (pointer + 1) + '.');
+    ThrowNotFound(std::string("There is no ") + (pointer + 1) + ": " +
+                  report.Text("/verdict/message") + ' ' + report.Text("/verdict/advice"));
   }
   return numbers;
 }

@@ -1,5 +1,8 @@
 #include "c/shoot_handle.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "host/input/continued_data.h"
 #include "host/input/reported_axes.h"
 #include "host/run/run_folder.h"
@@ -9,11 +12,33 @@ namespace trackedcam::c {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+void RequirePose(const char* tracker, const host::TrackerPose& pose) {
+  const auto isFinite = [](double number) { return std::isfinite(number); };
+  const auto isZero = [](double number) { return number == 0; };
+  if (!std::all_of(pose.begin(), pose.end(), isFinite)) {
+    throw host::InputError("the pose of the " + std::string(tracker) +
+                           "'s tracker contains an infinite or NaN value");
+  }
+  if (std::all_of(pose.begin() + 3, pose.end(), isZero)) {
+    throw host::InputError("the quaternion of the " + std::string(tracker) +
+                           "'s tracker is zero: leave out photographs without tracking");
+  }
+}
+
+}  // namespace
+
 void Shoot::Add(host::RecordedRow row) {
   if (!dataFile_.empty()) {
     throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "Rows cannot be added to a shoot from a data file.");
   }
   host::RequireName(row.photograph);
+  if (!std::isfinite(row.timeSeconds)) {
+    throw host::InputError("the time of " + row.photograph + " is infinite or NaN");
+  }
+  RequirePose("camera", row.camera);
+  RequirePose("chart", row.chart);
   const std::lock_guard<std::mutex> lock(mutex_);
   rows_.push_back(std::move(row));
 }
@@ -29,6 +54,17 @@ fs::path Shoot::DataFile(const fs::path& logFolder) const {
   fs::path file = host::CreateNumberedFolder(logFolder, "shoot") / "tracker_data.csv";
   host::WriteFile(file, host::DataText(rows_));
   return file;
+}
+
+void Shoot::Save(const fs::path& file) const {
+  if (!dataFile_.empty()) {
+    throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "The shoot is a data file already.");
+  }
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (rows_.empty()) {
+    throw host::InputError("the shoot has no photographs");
+  }
+  host::WriteFile(file, host::DataText(rows_));
 }
 
 void Shoot::Continue(fs::path dataFile) {
@@ -54,6 +90,8 @@ Handles<trackedcam_shoot, Shoot>& Shoots() {
 }
 
 namespace {
+
+constexpr std::int32_t kMostDistances = 100;  // so that no wild count is read
 
 host::TrackerPose PoseOf(const trackedcam_pose& pose) {
   const double* const position = pose.position;
@@ -95,8 +133,11 @@ void RequireSettings(const trackedcam_settings* settings) {
   RequireOneOf(settings->tracker_unit, TRACKEDCAM_UNIT_INCHES, "tracker_unit");
   RequireOneOf(settings->invert_tracker_quaternions, 1, "invert_tracker_quaternions");
   RequireOneOf(settings->refine_mounting, 1, "refine_mounting");
-  RequireOneOf(settings->silent, 1, "silent");
   RequireOneOf(settings->quaternion_order, TRACKEDCAM_QUATERNION_XYZW, "quaternion_order");
+  RequireOneOf(settings->at_count, kMostDistances, "at_count");
+  if (settings->at_count > 0) {
+    RequirePointer(settings->at_m, "at_m");
+  }
 }
 
 std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings) {
@@ -130,6 +171,10 @@ std::vector<std::string> ExcludeOf(const trackedcam_settings& settings) {
   return names;
 }
 
+std::vector<double> AtMetresOf(const trackedcam_settings& settings) {
+  return {settings.at_m, settings.at_m + settings.at_count};
+}
+
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   const std::string logFolder = RequireText(settings.log_folder, "log_folder");
   const std::string workingFolder = OptionalText(settings.working_folder, "working_folder");
@@ -139,6 +184,7 @@ host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   host::Inputs inputs;
   inputs.trackerFrame = FrameOf(settings);
   inputs.exclude = ExcludeOf(settings);
+  inputs.atMetres = AtMetresOf(settings);
   inputs.workingFolder = workingFolder.empty() ? shoot.WorkingFolder() : Absolute(workingFolder);
   inputs.sensorMm = {settings.sensor_width_mm, settings.sensor_height_mm};
   inputs.board = {settings.board_columns, settings.board_rows};
@@ -201,6 +247,17 @@ trackedcam_status trackedcam_shoot_add(trackedcam_shoot* shoot, double time_s,
     RequirePointer(camera, "camera");
     RequirePointer(chart, "chart");
     to->Add({time_s, name, PoseOf(*camera), PoseOf(*chart)});
+  });
+}
+
+trackedcam_status trackedcam_shoot_save(trackedcam_shoot* shoot, const char* data_file) {
+  return Guarded([&] {
+    const auto saved = Shoots().Get(shoot);
+    const std::string file = RequireText(data_file, "data_file");
+    if (file.empty()) {
+      throw Refusal(TRACKEDCAM_INVALID_ARGUMENT, "data_file is empty.");
+    }
+    saved->Save(Absolute(file));
   });
 }
 

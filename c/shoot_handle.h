@@ -21,7 +21,7 @@ class Shoot {
   /// Of a data file.
   explicit Shoot(std::filesystem::path dataFile) : dataFile_(std::move(dataFile)) {}
 
-  /// @throws Refusal if the shoot is a data file.
+  /// @throws Refusal if the shoot is a data file, host::InputError for a pose that cannot be.
   void Add(host::RecordedRow row);
 
   /// @throws Refusal if the rows are in memory.
@@ -30,6 +30,10 @@ class Shoot {
 
   /// The data file. Rows in memory are written to one below the log folder.
   std::filesystem::path DataFile(const std::filesystem::path& logFolder) const;
+
+  /// Writes the rows in memory to a data file.
+  /// @throws Refusal if the shoot is a data file, host::InputError if it has no rows.
+  void Save(const std::filesystem::path& file) const;
 
   /// Folder of relative paths of photographs, unless the host sets another.
   std::filesystem::path WorkingFolder() const;
@@ -54,6 +58,7 @@ std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
 host::Accuracy GoodEnoughOf(const trackedcam_settings& settings);
 double ScaleUncertaintyOf(const trackedcam_settings& settings);
 std::vector<std::string> ExcludeOf(const trackedcam_settings& settings);
+std::vector<double> AtMetresOf(const trackedcam_settings& settings);
 
 /// All paths are absolute. Rows in memory are written to a data file.
 /// @throws Refusal, host::InputError

@@ -1,4 +1,4 @@
-// Verifications: their values as JSON.
+// Verifications and comparisons: their values as JSON.
 
 #include <array>
 #include <filesystem>
@@ -10,6 +10,7 @@
 
 #include "c/handles.h"
 #include "c/status.h"
+#include "host/compare.h"
 #include "host/text/files.h"
 #include "host/verify/verify.h"
 #include "host/verify/verify_json.h"
@@ -37,6 +38,15 @@ struct Verification {
 
 Handles<trackedcam_verification, Verification>& Verifications() {
   static auto* const all = new Handles<trackedcam_verification, Verification>("verification");
+  return *all;
+}
+
+struct Comparison {
+  std::string json;
+};
+
+Handles<trackedcam_comparison, Comparison>& Comparisons() {
+  static auto* const all = new Handles<trackedcam_comparison, Comparison>("comparison");
   return *all;
 }
 
@@ -116,4 +126,30 @@ trackedcam_status trackedcam_verification_json(trackedcam_verification* verifica
 
 trackedcam_status trackedcam_verification_free(trackedcam_verification* verification) {
   return Guarded([&] { Verifications().Free(verification); });
+}
+
+trackedcam_status trackedcam_compare(const char* first_file, const char* second_file,
+                                     trackedcam_comparison** comparison) {
+  return Guarded([&] {
+    const auto firstFile = AbsolutePathOf(RequireText(first_file, "first_file"), "first_file");
+    const auto secondFile = AbsolutePathOf(RequireText(second_file, "second_file"), "second_file");
+    RequirePointer(comparison, "comparison");
+    const auto first = trackedcam::host::ReadComparedResult(firstFile);
+    const auto second = trackedcam::host::ReadComparedResult(secondFile);
+    const auto found = trackedcam::host::Compare(first, second);
+    *comparison = Comparisons().Add(std::make_shared<Comparison>(Comparison{
+        trackedcam::host::JsonText(trackedcam::host::ComparisonJson(first, second, found))}));
+  });
+}
+
+trackedcam_status trackedcam_comparison_json(trackedcam_comparison* comparison, const char** json) {
+  return Guarded([&] {
+    const auto asked = Comparisons().Get(comparison);
+    RequirePointer(json, "json");
+    *json = asked->json.c_str();
+  });
+}
+
+trackedcam_status trackedcam_comparison_free(trackedcam_comparison* comparison) {
+  return Guarded([&] { Comparisons().Free(comparison); });
 }

@@ -279,9 +279,11 @@ host::Accuracy ParseGoodEnough(const std::string& option, const std::string& tex
 
 std::vector<double> ParseDistances(const std::string& option, const std::string& text) {
   std::vector<double> distances;
-  std::istringstream parts(text);
+  std::istringstream parts(text + ',');
   for (std::string part; std::getline(parts, part, ',');) {
-    const auto metres = ParseMetres(part);
+    const std::string_view length = Trim(part);
+    const auto metres =
+        UnitOf(length).empty() ? ParseNumber(WithoutUnit(length, "m")) : ParseMetres(length);
     if (!metres || !std::isfinite(*metres) || *metres <= 0) {
       Reject(option, text +
                          " is not a list of distances in metres, such as 2,4.5, or with a unit, "

@@ -40,14 +40,15 @@ static class Native {
     public int tracker_unit;
     public int invert_tracker_quaternions;
     public int refine_mounting;
-    public int silent;
     public int quaternion_order;
+    public int at_count;
     public IntPtr working_folder;
     public IntPtr log_folder;
     public double good_enough_mm;
     public double good_enough_deg;
     public double scale_uncertainty_percent;
     public IntPtr exclude;
+    public IntPtr at_m;
   }
 
   [StructLayout(LayoutKind.Sequential)]
@@ -179,7 +180,6 @@ static class Program {
       settings.board_columns = 9;
       settings.board_rows = 6;
       settings.square_m = 0.03;
-      settings.silent = 1;
       settings.log_folder = pinned.AddrOfPinnedObject();
       Native.Check(Native.trackedcam_shoot_open(Native.Utf8(data), out shoot));
       Native.Check(Native.trackedcam_start(shoot, ref settings, out run));

@@ -133,11 +133,20 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_continue(trackedcam_shoot* s
 /// @param photograph Path of the photograph, without commas.
 /// @param camera Pose of the tracker on the camera.
 /// @param chart Pose of the tracker on the chart.
-/// @return TRACKEDCAM_OK or an error status.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for an infinite or NaN value, for
+///   a quaternion of length 0 and for a photograph with a comma.
 TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_add(trackedcam_shoot* shoot, double time_s,
                                                         const char* photograph,
                                                         const trackedcam_pose* camera,
                                                         const trackedcam_pose* chart);
+
+/// Writes the rows of a shoot from trackedcam_shoot_create to a tracker data file, in the axes, the
+/// unit and the order in which they were added. An existing file is replaced.
+/// @param shoot The shoot.
+/// @param data_file Path of the file.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_shoot_save(trackedcam_shoot* shoot,
+                                                         const char* data_file);
 
 /// Frees a shoot. Runs that were started with it continue.
 /// @param shoot The shoot, or NULL.
@@ -198,8 +207,8 @@ typedef struct trackedcam_settings {
   /// 1: if the cross-check finds another mounting or bad photographs, calibrate again with the
   /// mounting found and without those photographs.
   int32_t refine_mounting;
-  int32_t silent;            ///< 0 or 1, without effect: no run writes to standard output.
   int32_t quaternion_order;  ///< One of trackedcam_quaternion_order.
+  int32_t at_count;          ///< Number of distances in at_m; at most 100.
   /// Folder of relative paths of photographs. NULL: the folder of the data file; for rows in
   /// memory, the working directory of the process.
   const char* working_folder;
@@ -213,6 +222,9 @@ typedef struct trackedcam_settings {
   /// Photographs to leave out, separated by commas: paths as in the data file or the ends of them,
   /// with or without the file's ending, such as "img_003,img_007". NULL: none.
   const char* exclude;
+  /// Distances at which the error in the image is stated, metres. If at_count is 0: the chart's, 2,
+  /// 4 and 10.
+  const double* at_m;
 } trackedcam_settings;
 
 /// Sets all members to their defaults. Required members become 0 or NULL, with which no run starts.
@@ -301,9 +313,9 @@ TRACKEDCAM_C_API trackedcam_status trackedcam_run_free(trackedcam_run* run);
 
 /// Cross-checks a calibration from the log that the library wrote, in any host.
 /// @param log_file Path of the log.
-/// @param settings For the mounting that the host passed to the library, for what is good enough
-///   and for the photographs to leave out; the other members are ignored. NULL for the defaults, if
-///   the mounting is not known.
+/// @param settings For the mounting that the host passed to the library, for what is good enough,
+///   for the photographs to leave out and for the distances of at_m; the other members are ignored.
+///   NULL for the defaults, if the mounting is not known.
 /// @param[out] report Free it with trackedcam_report_free. It cannot be exported.
 /// @return TRACKEDCAM_OK or an error status.
 TRACKEDCAM_C_API trackedcam_status trackedcam_crosscheck(const char* log_file,
@@ -549,8 +561,6 @@ typedef struct trackedcam_verify_options {
   int32_t board_columns;       ///< Of another chart: inner corners along a row; 0: the result's.
   int32_t board_rows;          ///< Of another chart: inner corners along a column; 0: the result's.
   double square_m;             ///< Of another chart: edge of one square; 0: the result's.
-  int32_t silent;              ///< 0 or 1, without effect: no run writes to standard output.
-  int32_t reserved;            ///< 0.
   const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
 } trackedcam_verify_options;
 
@@ -592,6 +602,36 @@ trackedcam_verification_json(trackedcam_verification* verification, const char**
 /// @return TRACKEDCAM_OK or an error status.
 TRACKEDCAM_C_API trackedcam_status
 trackedcam_verification_free(trackedcam_verification* verification);
+
+/// @}
+/// @defgroup c_compare Comparison
+/// What two results of one camera differ by, and whether by chance.
+/// @{
+
+/// What two results differ by.
+typedef struct trackedcam_comparison trackedcam_comparison;
+
+/// Compares two results, the second minus the first.
+/// @param first_file Path of a result file.
+/// @param second_file Path of another one.
+/// @param[out] comparison Free it with trackedcam_comparison_free.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for a file without a result, and
+///   for results with photographs or a chart of another size.
+TRACKEDCAM_C_API trackedcam_status trackedcam_compare(const char* first_file,
+                                                      const char* second_file,
+                                                      trackedcam_comparison** comparison);
+
+/// Returns all values as JSON text, as trackedcam compare --json prints them.
+/// @param comparison The comparison.
+/// @param[out] json The text. It is valid until the comparison is freed.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_comparison_json(trackedcam_comparison* comparison,
+                                                              const char** json);
+
+/// Frees a comparison and its text.
+/// @param comparison The comparison, or NULL.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_comparison_free(trackedcam_comparison* comparison);
 
 /// @}
 

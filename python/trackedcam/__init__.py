@@ -15,8 +15,9 @@ from ._calibrate import Progress, Run, Shoot, calibrate, crosscheck, start
 from ._library import VERSION as __version__
 from ._library import InputError
 from ._report import CalibrationError, CalibrationWarning, CrossCheck, Finding, Lens, Photograph, Report
-from ._verify import Verification, verify
+from ._verify import Comparison, Verification, compare, verify
 
-__all__ = ["CalibrationError", "CalibrationWarning", "CrossCheck", "Finding", "InputError", "Lens", "Photograph",
-           "Progress", "Report", "Run", "Shoot", "Verification", "__version__", "calibrate", "crosscheck", "start",
+__all__ = ["CalibrationError", "CalibrationWarning", "Comparison", "CrossCheck", "Finding", "InputError", "Lens", "Photograph",
+           "Progress", "Report", "Run", "Shoot", "Verification", "__version__", "calibrate", "compare", "crosscheck",
+           "start",
            "verify"]

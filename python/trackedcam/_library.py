@@ -40,14 +40,15 @@ class Settings(ctypes.Structure):
         ("tracker_unit", c_int32),
         ("invert_tracker_quaternions", c_int32),
         ("refine_mounting", c_int32),
-        ("silent", c_int32),
         ("quaternion_order", c_int32),
+        ("at_count", c_int32),
         ("working_folder", c_char_p),
         ("log_folder", c_char_p),
         ("good_enough_mm", c_double),
         ("good_enough_deg", c_double),
         ("scale_uncertainty_percent", c_double),
         ("exclude", c_char_p),
+        ("at_m", POINTER(c_double)),
     ]
 
 
@@ -70,8 +71,6 @@ class VerifyOptions(ctypes.Structure):
         ("board_columns", c_int32),
         ("board_rows", c_int32),
         ("square_m", c_double),
-        ("silent", c_int32),
-        ("reserved", c_int32),
         ("working_folder", c_char_p),
     ]
 
@@ -92,6 +91,7 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_shoot_open": [c_char_p, POINTER(c_void_p)],
     "trackedcam_shoot_continue": [c_void_p, c_char_p],
     "trackedcam_shoot_add": [c_void_p, c_double, c_char_p, POINTER(Pose), POINTER(Pose)],
+    "trackedcam_shoot_save": [c_void_p, c_char_p],
     "trackedcam_shoot_free": [c_void_p],
     "trackedcam_settings_init": [POINTER(Settings), c_size_t],
     "trackedcam_start": [c_void_p, POINTER(Settings), POINTER(c_void_p)],
@@ -116,6 +116,9 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_verify": [c_char_p, c_char_p, POINTER(VerifyOptions), POINTER(c_void_p)],
     "trackedcam_verification_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_verification_free": [c_void_p],
+    "trackedcam_compare": [c_char_p, c_char_p, POINTER(c_void_p)],
+    "trackedcam_comparison_json": [c_void_p, POINTER(c_char_p)],
+    "trackedcam_comparison_free": [c_void_p],
 }
 
 
@@ -188,6 +191,10 @@ class Handle:
     def __init__(self, free: str) -> None:
         self.pointer = c_void_p()
         self._free = getattr(LIBRARY, free)
+
+    def __deepcopy__(self, memo: dict[int, Any]) -> Handle:
+        # What a handle stands for does not change, so copies of its owner share it.
+        return self
 
     def __del__(self) -> None:
         if self.pointer:

@@ -9,7 +9,7 @@ import json
 import os
 import pathlib
 import warnings
-from typing import Any, Optional, Union
+from typing import Any, Optional, TypeVar, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -19,6 +19,7 @@ from ._library import call, encoded
 
 Path = Union[str, "os.PathLike[str]"]
 Array = npt.NDArray[np.float64]
+Value = TypeVar("Value")
 LEVELS = ("good", "doubt", "wrong", "failed")
 
 
@@ -201,14 +202,29 @@ class Report:
         return values if shape is None else values.reshape(shape)
 
     @property
-    def transform_cam_tc(self) -> Optional[Array]:
-        """4×4, translation in metres: takes coordinates in the camera's tracker into its optical frame; None if the
-        library found none."""
-        return self.numbers("/transformCamTc", (4, 4))
+    def transform_cam_tc(self) -> Array:
+        """4×4, translation in metres: takes coordinates in the camera's tracker into its optical frame.
+
+        Raises:
+            CalibrationError: the library found none.
+        """
+        return self._found(self.numbers("/transformCamTc", (4, 4)))
 
     @property
-    def lens(self) -> Optional[Lens]:
-        """The lens; None if the library found none."""
+    def lens(self) -> Lens:
+        """The lens.
+
+        Raises:
+            CalibrationError: the library found none.
+        """
+        return self._found(self._lens())
+
+    def _found(self, value: Optional[Value]) -> Value:
+        if value is None:
+            raise CalibrationError(self)
+        return value
+
+    def _lens(self) -> Optional[Lens]:
         lens = _library.LensStruct()
         try:
             call("trackedcam_report_lens", self._handle.pointer, ctypes.byref(lens), ctypes.sizeof(lens))
@@ -329,6 +345,9 @@ class Report:
 
         Args:
             folder: of the page, for its links to log and images; None: that of the run.
+
+        Raises:
+            MemoryError: there is not enough memory.
         """
         text = ctypes.c_char_p()
         place = None if folder is None else encoded(folder)
@@ -336,12 +355,16 @@ class Report:
         return _decoded(text)
 
     def save(self, json_file: Optional[Path] = None, page_file: Optional[Path] = None) -> None:
-        """Writes the result file and the report page, each if its path is given."""
+        """Writes the result file and the report page, each if its path is given.
+
+        Raises:
+            RuntimeError: a file cannot be written; an existing one stays unchanged.
+        """
         call("trackedcam_report_save", self._handle.pointer, None if json_file is None else encoded(json_file),
              None if page_file is None else encoded(page_file))
 
     def __repr__(self) -> str:
-        lens = self.lens
+        lens = self._lens()
         focal_length = "" if lens is None else f", {lens.focal_length_mm:.2f} mm"
         used = sum(photograph.state == "used" for photograph in self.photographs)
         return f"<trackedcam.Report {self.level}, code {self.code}, {used} photographs used{focal_length}>"
@@ -350,7 +373,7 @@ class Report:
         rows = [("Verdict", html.escape(f"{self.level}: {self.message}"))]
         if self.advice:
             rows.append(("Advice", html.escape(self.advice)))
-        lens, transform = self.lens, self.transform_cam_tc
+        lens, transform = self._lens(), self.numbers("/transformCamTc", (4, 4))
         if lens is not None:
             k = lens.camera_matrix
             rows.append(("Lens", f"{lens.focal_length_mm:.3f} mm; fx {k[0, 0]:.2f}, fy {k[1, 1]:.2f}, "

@@ -1,14 +1,14 @@
-"""Verifies that a calibration still holds."""
+"""Verifies that a calibration still holds, and compares calibrations."""
 
 from __future__ import annotations
 
 import ctypes
 import json
-from collections.abc import Sequence
 from typing import Any, Optional
 
 from . import _library
 from ._library import Handle, call, encoded
+from ._numbers import Numbers, whole_numbers
 from ._report import Path
 
 
@@ -37,9 +37,8 @@ class Verification:
         return f"<Verification {self.answer}: {self.message}>"
 
 
-def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Optional[Sequence[int]] = None,
-           square_m: Optional[float] = None, working_folder: Optional[Path] = None,
-           silent: bool = False) -> Verification:
+def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Optional[Numbers] = None,
+           square_m: Optional[float] = None, working_folder: Optional[Path] = None) -> Verification:
     """Tests new photographs against a calibration.
 
     Args:
@@ -49,7 +48,6 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
         board: inner corners of another chart, along a row and along a column; None: the result's.
         square_m: edge of one square of another chart, metres; None: the result's.
         working_folder: folder of relative paths of photographs; None: that of the data file.
-        silent: without effect; no run writes to standard output.
 
     Raises:
         InputError: the result is of an older form, cut, edited or wrong, or the photographs, the board or the squares
@@ -59,13 +57,44 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
     call("trackedcam_verify_options_init", ctypes.byref(options), ctypes.sizeof(options))
     options.chart_remounted = int(chart_remounted)
     if board is not None:
-        options.board_columns, options.board_rows = (int(count) for count in board)
+        options.board_columns, options.board_rows = whole_numbers("board", board, 2)
     if square_m is not None:
         options.square_m = square_m
     if working_folder is not None:
         options.working_folder = encoded(working_folder)
-    options.silent = int(silent)
     handle, text = Handle("trackedcam_verification_free"), ctypes.c_char_p()
     call("trackedcam_verify", encoded(result), encoded(data), ctypes.byref(options), ctypes.byref(handle.pointer))
     call("trackedcam_verification_json", handle.pointer, ctypes.byref(text))
     return Verification(json.loads((text.value or b"").decode()))
+
+
+class Comparison:
+    """What two results of one camera differ by: the second minus the first.
+
+    Attributes:
+        conclusion: whether they differ, and whether by chance, one sentence.
+        data: all values, as `trackedcam compare --json` prints them.
+    """
+
+    def __init__(self, data: dict[str, Any]) -> None:
+        self.data = data
+        self.conclusion: str = data["conclusion"]
+
+    def __repr__(self) -> str:
+        return f"<Comparison: {self.conclusion}>"
+
+
+def compare(first: Path, second: Path) -> Comparison:
+    """Compares two results.
+
+    Args:
+        first: a result file.
+        second: another one.
+
+    Raises:
+        InputError: a file has no result, or the photographs or the charts have different sizes.
+    """
+    handle, text = Handle("trackedcam_comparison_free"), ctypes.c_char_p()
+    call("trackedcam_compare", encoded(first), encoded(second), ctypes.byref(handle.pointer))
+    call("trackedcam_comparison_json", handle.pointer, ctypes.byref(text))
+    return Comparison(json.loads((text.value or b"").decode()))

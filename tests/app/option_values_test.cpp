@@ -110,6 +110,17 @@ TEST(OptionValues, APercentageMayHaveItsSign) {
   }
 }
 
+TEST(OptionValues, DistancesAreInMetresOrHaveAUnit) {
+  EXPECT_THAT(ParseDistances("", "4"), ElementsAre(4));
+  EXPECT_THAT(ParseDistances("", "4m,80cm, 2500 mm"), ElementsAre(4, 0.8, 2.5));
+  for (const char* text : {"4,", ",4", "4,,8", "0", "4,-1m", "nan", "inf", "4;8", "4 km", "far"}) {
+    EXPECT_EQ(ErrorOf(ParseDistances, text),
+              "--option: " + std::string(text) +
+                  " is not a list of distances in metres, such as 2,4.5, or with a unit, such as "
+                  "4m,80cm");
+  }
+}
+
 TEST(OptionValues, TranslationMayHaveUnits) {
   EXPECT_THAT(ParseTranslation("", "0.1,-0.05,0.02"), ElementsAre(0.1, -0.05, 0.02));
   EXPECT_THAT(ParseTranslation("", "100mm,-50mm,20mm"), ElementsAre(0.1, -0.05, 0.02));

@@ -1,6 +1,7 @@
 // The same shoot gives the same values through every interface, to the last bit.
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <regex>
 #include <thread>
@@ -86,7 +87,6 @@ TEST_F(CalibrateTest, JsonTextIsThatOfTheProgram) {
   // Photographs keep their relative names only for a process that works in their folder.
   const test::WorkingFolder there(shoot);
   trackedcam_settings settings = SettingsFor(log);
-  settings.silent = 1;
   const OwnedReport report = Calibrated(OpenedShoot(), settings);
   EXPECT_EQ(trackedcam_report_export(report.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_OK);
   EXPECT_EQ(trackedcam_report_export(report.Get(), "unreal", nullptr, nullptr), TRACKEDCAM_OK);
@@ -191,25 +191,22 @@ TEST_F(CalibrateTest, ReportsProgressOnTheCallersThread) {
 
 TEST_F(CalibrateTest, LeavesStandardOutputToTheHost) {
   const OwnedShoot shoot = OpenedShoot();
-  for (const std::int32_t silent : {0, 1}) {
-    trackedcam_settings settings = SettingsFor(log);
-    settings.silent = silent;
-    testing::internal::CaptureStdout();
-    OwnedRun run;
-    ASSERT_EQ(trackedcam_start(shoot.Get(), &settings, run.Fill()), TRACKEDCAM_OK);
-    std::int32_t isDone = 0;
-    while (isDone == 0) {
-      trackedcam_run_wait(run.Get(), 20, &isDone);
-      std::printf(".");
-      std::fflush(stdout);
-    }
-    OwnedReport report;
-    ASSERT_EQ(trackedcam_run_report(run.Get(), report.Fill()), TRACKEDCAM_OK);
-    EXPECT_EQ(trackedcam_report_export(report.Get(), "ue5", nullptr, nullptr), TRACKEDCAM_OK);
-    const std::string out = testing::internal::GetCapturedStdout();
-    EXPECT_GT(out.size(), 1U);
-    EXPECT_EQ(out, std::string(out.size(), '.'));
+  trackedcam_settings settings = SettingsFor(log);
+  testing::internal::CaptureStdout();
+  OwnedRun run;
+  ASSERT_EQ(trackedcam_start(shoot.Get(), &settings, run.Fill()), TRACKEDCAM_OK);
+  std::int32_t isDone = 0;
+  while (isDone == 0) {
+    trackedcam_run_wait(run.Get(), 20, &isDone);
+    std::printf(".");
+    std::fflush(stdout);
   }
+  OwnedReport report;
+  ASSERT_EQ(trackedcam_run_report(run.Get(), report.Fill()), TRACKEDCAM_OK);
+  EXPECT_EQ(trackedcam_report_export(report.Get(), "ue5", nullptr, nullptr), TRACKEDCAM_OK);
+  const std::string out = testing::internal::GetCapturedStdout();
+  EXPECT_GT(out.size(), 1U);
+  EXPECT_EQ(out, std::string(out.size(), '.'));
 }
 
 TEST_F(CalibrateTest, IsTheSameWhateverTheHostHasSet) {
@@ -271,6 +268,29 @@ TEST_F(CalibrateTest, ChecksALogAsTheProgramDoes) {
   OwnedReport without;
   ASSERT_EQ(trackedcam_crosscheck(logFile.c_str(), nullptr, without.Fill()), TRACKEDCAM_OK);
   EXPECT_EQ(TextAt(without, "/log"), logFile);
+}
+
+TEST_F(CalibrateTest, StatesTheErrorInTheImageAtTheDistancesAskedFor) {
+  const std::array<double, 2> at = {7.5, 3};
+  trackedcam_settings settings = SettingsFor(log);
+  settings.at_m = at.data();
+  settings.at_count = 2;
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  OwnedReport checked;
+  const std::string logFile = TextAt(report, "/log");
+  ASSERT_EQ(trackedcam_crosscheck(logFile.c_str(), &settings, checked.Fill()), TRACKEDCAM_OK);
+  for (trackedcam_report* const each : {report.Get(), checked.Get()}) {
+    std::size_t count = 0;
+    EXPECT_EQ(trackedcam_report_count(each, "/crossCheck/onScreen", &count), TRACKEDCAM_OK);
+    EXPECT_EQ(count, 2U);
+    for (const auto& [pointer, metres] :
+         {std::pair("/crossCheck/onScreen/0/distanceMetres", 3.0),
+          std::pair("/crossCheck/onScreen/1/distanceMetres", 7.5)}) {
+      double value = 0;
+      EXPECT_EQ(trackedcam_report_numbers(each, pointer, &value, 1, &count), TRACKEDCAM_OK);
+      EXPECT_EQ(value, metres);
+    }
+  }
 }
 
 }  // namespace

@@ -27,14 +27,15 @@ int main(void) {
   AT(trackedcam_settings, tracker_unit);
   AT(trackedcam_settings, invert_tracker_quaternions);
   AT(trackedcam_settings, refine_mounting);
-  AT(trackedcam_settings, silent);
   AT(trackedcam_settings, quaternion_order);
+  AT(trackedcam_settings, at_count);
   AT(trackedcam_settings, working_folder);
   AT(trackedcam_settings, log_folder);
   AT(trackedcam_settings, good_enough_mm);
   AT(trackedcam_settings, good_enough_deg);
   AT(trackedcam_settings, scale_uncertainty_percent);
   AT(trackedcam_settings, exclude);
+  AT(trackedcam_settings, at_m);
   SIZE(trackedcam_export_options);
   AT(trackedcam_export_options, struct_size);
   AT(trackedcam_export_options, even_if_wrong);
@@ -49,8 +50,6 @@ int main(void) {
   AT(trackedcam_verify_options, board_columns);
   AT(trackedcam_verify_options, board_rows);
   AT(trackedcam_verify_options, square_m);
-  AT(trackedcam_verify_options, silent);
-  AT(trackedcam_verify_options, reserved);
   AT(trackedcam_verify_options, working_folder);
   SIZE(trackedcam_progress);
   AT(trackedcam_progress, stage);

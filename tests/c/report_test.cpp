@@ -322,10 +322,13 @@ TEST(FailedReport, HasNeitherLensNorTransform) {
   EXPECT_EQ(level, TRACKEDCAM_FAILED);
   EXPECT_EQ(trackedcam_report_code(report.Get(), &code), TRACKEDCAM_OK);
   EXPECT_EQ(code, 4);
+  const std::string message = TextAt(report, "/verdict/message");
   trackedcam_lens lens;
   double transform[16];
   EXPECT_EQ(trackedcam_report_lens(report.Get(), &lens, sizeof lens), TRACKEDCAM_NOT_FOUND);
+  EXPECT_THAT(trackedcam_last_error(), testing::HasSubstr(message));
   EXPECT_EQ(trackedcam_report_transform_cam_tc(report.Get(), transform), TRACKEDCAM_NOT_FOUND);
+  EXPECT_THAT(trackedcam_last_error(), testing::HasSubstr(message));
   EXPECT_EQ(trackedcam_report_export(report.Get(), "ue4", nullptr, nullptr), TRACKEDCAM_NOT_FOUND);
   const char* text = nullptr;
   EXPECT_EQ(trackedcam_report_lens_file(report.Get(), nullptr, "a", &text), TRACKEDCAM_NOT_FOUND);

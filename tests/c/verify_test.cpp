@@ -1,11 +1,13 @@
 // Verifications of a simulated shoot.
 
+#include <filesystem>
 #include <sstream>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
 #include "simulated_shoot.h"
+#include "support/platform.h"
 
 namespace trackedcam::c {
 namespace {
@@ -42,7 +44,6 @@ class VerifyTest : public testing::Test {
   static trackedcam_verify_options Options() {
     trackedcam_verify_options options;
     EXPECT_EQ(trackedcam_verify_options_init(&options, sizeof options), TRACKEDCAM_OK);
-    options.silent = 1;
     return options;
   }
 
@@ -110,6 +111,44 @@ TEST_F(VerifyTest, RefusesWrongUse) {
   EXPECT_EQ(trackedcam_verification_answer(none, nullptr), TRACKEDCAM_INVALID_ARGUMENT);
   EXPECT_EQ(trackedcam_verification_json(nullptr, nullptr), TRACKEDCAM_INVALID_ARGUMENT);
   EXPECT_EQ(trackedcam_verification_free(nullptr), TRACKEDCAM_OK);
+  EXPECT_EQ(none, nullptr);
+}
+
+TEST_F(VerifyTest, ComparesResultsAsTheProgramDoes) {
+  const std::string log = folder->File("without");
+  const std::string other = folder->File("other.json");
+  trackedcam_settings settings = SettingsFor(log);
+  settings.exclude = "img_003,img_004,img_005";
+  const OwnedReport report = Calibrated(OpenedShoot(), settings);
+  ASSERT_EQ(trackedcam_report_save(report.Get(), other.c_str(), nullptr), TRACKEDCAM_OK);
+
+  Owned<trackedcam_comparison, trackedcam_comparison_free> comparison;
+  ASSERT_EQ(trackedcam_compare(ResultFile().c_str(), other.c_str(), comparison.Fill()),
+            TRACKEDCAM_OK)
+      << trackedcam_last_error();
+  const char* text = "";
+  ASSERT_EQ(trackedcam_comparison_json(comparison.Get(), &text), TRACKEDCAM_OK);
+  EXPECT_EQ(Json::parse(text)["lens"]["fx"]["second"].get<double>(),
+            Json::parse(test::ReadFile(other))["normFocal"][0].get<double>() *
+                Json::parse(test::ReadFile(other))["imageSize"][0].get<double>());
+  test::RunProgram(std::filesystem::absolute(TRACKEDCAM_HOST_PROGRAM),
+                   {"compare", "--json", ResultFile(), other}, folder->Path(),
+                   folder->Path() / "out", folder->Path() / "error");
+  EXPECT_EQ(Json::parse(text), Json::parse(test::ReadFile(folder->File("out"))));
+}
+
+TEST_F(VerifyTest, RefusesToCompareWhatIsNoResult) {
+  const std::string result = ResultFile();
+  const std::string data = DataFile(5);
+  trackedcam_comparison* none = nullptr;
+  EXPECT_EQ(trackedcam_compare(nullptr, result.c_str(), &none), TRACKEDCAM_INVALID_ARGUMENT);
+  EXPECT_EQ(trackedcam_compare(result.c_str(), "", &none), TRACKEDCAM_INVALID_ARGUMENT);
+  EXPECT_EQ(trackedcam_compare(result.c_str(), result.c_str(), nullptr),
+            TRACKEDCAM_INVALID_ARGUMENT);
+  EXPECT_EQ(trackedcam_compare(result.c_str(), data.c_str(), &none), TRACKEDCAM_BAD_INPUT);
+  EXPECT_THAT(trackedcam_last_error(), HasSubstr(data));
+  EXPECT_EQ(trackedcam_comparison_json(nullptr, nullptr), TRACKEDCAM_INVALID_ARGUMENT);
+  EXPECT_EQ(trackedcam_comparison_free(nullptr), TRACKEDCAM_OK);
   EXPECT_EQ(none, nullptr);
 }
 

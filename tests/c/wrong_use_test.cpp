@@ -1,6 +1,9 @@
 // Wrong use of every function: a status, a sentence, and no output parameter set.
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <thread>
 
@@ -66,10 +69,30 @@ TEST_F(WrongUse, OfShoots) {
   EXPECT_EQ(trackedcam_shoot_add(rows.Get(), 0, "", &pose, &pose), TRACKEDCAM_BAD_INPUT);
   EXPECT_EQ(trackedcam_shoot_add(rows.Get(), 0, "a,b.jpg", &pose, &pose), TRACKEDCAM_BAD_INPUT);
 
+  trackedcam_pose nowhere = pose;
+  nowhere.position[1] = std::numeric_limits<double>::quiet_NaN();
+  trackedcam_pose noRotation = pose;
+  std::fill_n(noRotation.quaternion_wxyz, 4, 0.0);
+  for (const trackedcam_pose* bad : {&nowhere, &noRotation}) {
+    EXPECT_EQ(trackedcam_shoot_add(rows.Get(), 0, "a.jpg", bad, &pose), TRACKEDCAM_BAD_INPUT);
+    EXPECT_EQ(trackedcam_shoot_add(rows.Get(), 0, "a.jpg", &pose, bad), TRACKEDCAM_BAD_INPUT);
+    EXPECT_THAT(trackedcam_last_error(), HasSubstr("chart's tracker"));
+  }
+  EXPECT_EQ(trackedcam_shoot_add(rows.Get(), HUGE_VAL, "a.jpg", &pose, &pose),
+            TRACKEDCAM_BAD_INPUT);
+
   trackedcam_report* report = nullptr;
   EXPECT_EQ(trackedcam_calibrate(rows.Get(), &settings, nullptr, nullptr, &report),
             TRACKEDCAM_BAD_INPUT);
   EXPECT_THAT(trackedcam_last_error(), HasSubstr("no photographs"));
+
+  const std::string file = folder.File("rows.csv");
+  EXPECT_INVALID(trackedcam_shoot_save(nullptr, file.c_str()));
+  EXPECT_INVALID(trackedcam_shoot_save(rows.Get(), nullptr));
+  EXPECT_INVALID(trackedcam_shoot_save(rows.Get(), ""));
+  EXPECT_INVALID(trackedcam_shoot_save(shoot.Get(), file.c_str()));
+  EXPECT_EQ(trackedcam_shoot_save(rows.Get(), file.c_str()), TRACKEDCAM_BAD_INPUT);  // no rows
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::u8path(file)));
 }
 
 TEST_F(WrongUse, OfHandles) {
@@ -241,7 +264,9 @@ TEST_F(WrongUse, OfSettings) {
       [](Settings& s) { s.tracker_unit = std::numeric_limits<std::int32_t>::min(); },
       [](Settings& s) { s.invert_tracker_quaternions = 7; },
       [](Settings& s) { s.refine_mounting = -1; },
-      [](Settings& s) { s.silent = 2; },
+      [](Settings& s) { s.at_count = 1; },  // without at_m
+      [](Settings& s) { s.at_count = -1; },
+      [](Settings& s) { s.at_count = 101; },
       [](Settings& s) { s.quaternion_order = 2; },
       [](Settings& s) { s.log_folder = nullptr; },
       [](Settings& s) { s.log_folder = ""; },
@@ -251,7 +276,12 @@ TEST_F(WrongUse, OfSettings) {
   for (const auto change : invalid) {
     EXPECT_EQ(statusOf(change), TRACKEDCAM_INVALID_ARGUMENT) << trackedcam_last_error();
   }
+  static const double kNoDistance = 0;
   void (*const impossible[])(Settings&) = {
+      [](Settings& s) {
+        s.at_count = 1;
+        s.at_m = &kNoDistance;
+      },
       [](Settings& s) { s.board_columns = 0; },
       [](Settings& s) { s.board_rows = std::numeric_limits<std::int32_t>::max(); },
       [](Settings& s) { s.sensor_width_mm = std::numeric_limits<double>::quiet_NaN(); },

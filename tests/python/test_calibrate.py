@@ -1,5 +1,7 @@
 """A perfect shoot gives its true values, and the same values as the program."""
 
+import copy
+import inspect
 import json
 import os
 import pathlib
@@ -18,7 +20,7 @@ from conftest import CHART, PROGRAM
 @pytest.fixture(scope="module")
 def report(perfect, tmp_path_factory):
     log = tmp_path_factory.mktemp("log")
-    return trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log, silent=True)
+    return trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log)
 
 
 def test_lens_and_transform_are_those_of_the_truth(report, perfect):
@@ -58,7 +60,7 @@ def test_the_result_is_the_programs(perfect, tmp_path, monkeypatch):
                     "--result", result, "--export", "ue5", "--no-report"], check=True, stdout=subprocess.DEVNULL)
     shutil.rmtree(log)
     monkeypatch.chdir(perfect.folder)
-    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log, silent=True)
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=log)
     exported = report.export("ue5")
     assert exported["code"] == 0 and len(exported["quaternionXyzw"]) == 4
     assert without_time(report.json) == without_time(result.read_text(encoding="utf-8"))
@@ -92,7 +94,7 @@ def test_takes_a_shoot_that_was_continued(report, perfect, tmp_path):
     parts = [tmp_path / "first.csv", tmp_path / "second.csv"]
     for part, own in zip(parts, [rows[:10], rows[10:]]):
         part.write_text("\n".join([header, *own]), encoding="utf-8")
-    settings = {**CHART, **perfect.mounting, "log_folder": tmp_path, "working_folder": perfect.folder, "silent": True}
+    settings = {**CHART, **perfect.mounting, "log_folder": tmp_path, "working_folder": perfect.folder}
     continued = trackedcam.calibrate(parts, **settings)
     assert (continued.transform_cam_tc == report.transform_cam_tc).all()
     with pytest.raises(trackedcam.InputError, match="both have"):
@@ -100,14 +102,14 @@ def test_takes_a_shoot_that_was_continued(report, perfect, tmp_path):
 
 
 def test_leaves_out_photographs(perfect, tmp_path):
-    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path,
                                   exclude=["img_003", pathlib.Path("photos/img_007.jpg")])
     left_out = [photograph.name for photograph in report.photographs if photograph.state == "leftOutByUser"]
     assert left_out == ["photos/img_003.jpg", "photos/img_007.jpg"]
     checked = trackedcam.crosscheck(report.log, exclude="img_004")
     assert sum(photograph.state == "leftOutByUser" for photograph in checked.photographs) == 1
     with pytest.raises(trackedcam.InputError, match="img_999"):
-        trackedcam.start(perfect.data, **CHART, log_folder=tmp_path, silent=True, exclude=["img_999"]).report()
+        trackedcam.start(perfect.data, **CHART, log_folder=tmp_path, exclude=["img_999"]).report()
 
 
 def test_shows_itself(report):
@@ -157,10 +159,49 @@ def test_rows_from_memory(report, perfect, tmp_path):
         time, photograph, *numbers = line.split(",")
         n = [float(number) for number in numbers]
         shoot.add(photograph, n[0:3], n[3:7], n[7:10], n[10:14], time_s=float(time))
-    again = trackedcam.calibrate(shoot, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+    again = trackedcam.calibrate(shoot, **CHART, **perfect.mounting, log_folder=tmp_path,
                                  working_folder=perfect.folder)
     assert (again.transform_cam_tc == report.transform_cam_tc).all()
     assert (tmp_path / "shoot_001/tracker_data.csv").is_file()
+
+
+def test_arrays_make_the_rows_of_the_data_file(perfect, tmp_path):
+    lines = [line.split(",") for line in perfect.data.read_text(encoding="utf-8").splitlines()[1:]]
+    photographs = [line[1] for line in lines]
+    poses = np.array([line[2:] for line in lines], dtype=float)
+    times = np.array([line[0] for line in lines], dtype=float)
+    shoot = trackedcam.Shoot.from_arrays(photographs, poses[:, 0:3], poses[:, 3:7], poses[:, 7:10], poses[:, 10:14],
+                                         times)
+    shoot.save(tmp_path / "rows.csv")
+    saved = [line.split(",") for line in (tmp_path / "rows.csv").read_text(encoding="utf-8").splitlines()[1:]]
+    assert [line[1] for line in saved] == photographs
+    assert (np.array([line[2:16] for line in saved], dtype=float) == poses).all()
+    assert (np.array([line[0] for line in saved], dtype=float) == times).all()
+
+
+def test_takes_arrays_and_distances(perfect, tmp_path):
+    report = trackedcam.calibrate(perfect.data, sensor_mm=np.array([36, 20.25]), board=np.array([9, 6]),
+                                  square_m=np.float64(0.03), log_folder=tmp_path, at_m=np.array([8, 3]),
+                                  **{name: np.array(value) for name, value in perfect.mounting.items()})
+    assert [at["distanceMetres"] for at in report.data["crossCheck"]["onScreen"]] == [3, 8]
+    checked = trackedcam.crosscheck(report.log, at_m=(5,))
+    assert [at["distanceMetres"] for at in checked.data["crossCheck"]["onScreen"]] == [5]
+
+
+def test_arguments_are_named_with_their_units():
+    arguments = inspect.signature(trackedcam.calibrate).parameters
+    assert [name for name, argument in arguments.items() if argument.default is argument.empty] == [
+        "data", "sensor_mm", "board", "square_m", "log_folder"]
+    assert set(arguments) - {"progress"} == set(inspect.signature(trackedcam.start).parameters)
+    for name in arguments:
+        assert f"        {name}" in trackedcam.calibrate.__doc__, name
+
+
+def test_a_copy_outlives_its_report(report):
+    copied = copy.deepcopy(report)
+    assert copied.data == report.data and copied.data is not report.data
+    assert (copied.lens.camera_matrix == report.lens.camera_matrix).all()
+    assert copied.json == report.json
 
 
 def test_reports_progress_on_the_callers_thread(perfect, tmp_path):
@@ -169,7 +210,7 @@ def test_reports_progress_on_the_callers_thread(perfect, tmp_path):
     def listen(progress):
         seen.append((threading.get_ident(), progress))
 
-    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path,
                          progress=listen)
     assert {thread for thread, _ in seen} == {threading.get_ident()}
     # A short stage may pass between two polls.
@@ -178,15 +219,14 @@ def test_reports_progress_on_the_callers_thread(perfect, tmp_path):
 
 
 def test_shows_a_progress_bar_if_there_is_one(perfect, tmp_path):
-    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True, progress=True)
+    trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, progress=True)
 
 
 def test_two_threads_at_once(report, perfect, tmp_path):
     found = {}
 
     def work(name):
-        found[name] = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path / name,
-                                           silent=True).transform_cam_tc
+        found[name] = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path / name).transform_cam_tc
 
     threads = [threading.Thread(target=work, args=(name,)) for name in "ab"]
     for thread in threads:
@@ -199,7 +239,7 @@ def test_two_threads_at_once(report, perfect, tmp_path):
 
 
 def test_runs_in_the_background(perfect, tmp_path):
-    run = trackedcam.start(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+    run = trackedcam.start(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path)
     assert not run.wait(0)
     assert not run.is_done
     assert run.wait()
@@ -207,15 +247,14 @@ def test_runs_in_the_background(perfect, tmp_path):
 
 
 def test_standard_output_is_the_hosts(perfect, tmp_path):
-    script = ("import sys, trackedcam\n"
+    script = ("import trackedcam\n"
               f"run = trackedcam.start({str(perfect.data)!r}, sensor_mm=(36, 20.25), board=(9, 6), square_m=0.03,\n"
-              f"  log_folder={str(tmp_path)!r}, silent=bool(int(sys.argv[1])))\n"
+              f"  log_folder={str(tmp_path)!r})\n"
               "print('during', flush=True)\n"
               "run.wait()\n"
               "print('after')\n")
-    for silent in "01":
-        done = subprocess.run([sys.executable, "-c", script, silent], check=True, capture_output=True, text=True)
-        assert done.stdout == "during\nafter\n"
+    done = subprocess.run([sys.executable, "-c", script], check=True, capture_output=True, text=True)
+    assert done.stdout == "during\nafter\n"
 
 
 def test_the_photographs_of_the_shoot_fit_its_result(report, perfect, tmp_path):
@@ -223,9 +262,19 @@ def test_the_photographs_of_the_shoot_fit_its_result(report, perfect, tmp_path):
     report.save(json_file=result)
     rows = perfect.data.read_text(encoding="utf-8").splitlines(keepends=True)
     data.write_text("".join(rows[:6]), encoding="utf-8")
-    found = trackedcam.verify(result, data, working_folder=perfect.folder, silent=True)
+    found = trackedcam.verify(result, data, working_folder=perfect.folder)
     assert found.holds and found.answer == "holds"
     assert len(found.data["photographs"]) == 5
     assert found.data["old"] == found.data["new"]
     with pytest.raises(trackedcam.InputError, match="7 x 5.*9 x 6"):
-        trackedcam.verify(result, data, board=(7, 5), silent=True)
+        trackedcam.verify(result, data, board=(7, 5))
+
+
+def test_a_result_does_not_differ_from_itself(report, perfect, tmp_path):
+    result = tmp_path / "result.json"
+    report.save(json_file=result)
+    compared = trackedcam.compare(result, result)
+    assert compared.data["transform"]["offMm"] == 0 and compared.conclusion == compared.data["conclusion"]
+    assert compared.data["sharedPhotographs"] > 12
+    with pytest.raises(trackedcam.InputError, match="tracker_data.csv"):
+        trackedcam.compare(result, perfect.data)

@@ -7,6 +7,7 @@ import subprocess
 import sys
 import warnings
 
+import numpy as np
 import pytest
 import trackedcam
 from conftest import CHART, SimulatedShoot
@@ -14,12 +15,14 @@ from conftest import CHART, SimulatedShoot
 
 def test_a_failed_calibration_raises_with_report_and_advice(perfect, tmp_path):
     with pytest.raises(trackedcam.CalibrationError, match="12") as caught:
-        trackedcam.calibrate(perfect.data, **{**CHART, "board": (5, 4)}, **perfect.mounting, log_folder=tmp_path,
-                             silent=True)
+        trackedcam.calibrate(perfect.data, **{**CHART, "board": (5, 4)}, **perfect.mounting, log_folder=tmp_path)
     report = caught.value.report
     assert report.code == 4 and report.level == "failed"
     assert caught.value.advice == report.advice != ""
-    assert report.lens is None and report.transform_cam_tc is None and report.cross_check is None
+    assert report.cross_check is None
+    for read in (lambda: report.lens, lambda: report.transform_cam_tc):
+        with pytest.raises(trackedcam.CalibrationError):
+            read()
     with pytest.raises(trackedcam.CalibrationError):
         report.export("ue4")
     assert "failed" in repr(report) and "Advice" in report._repr_html_()
@@ -27,7 +30,7 @@ def test_a_failed_calibration_raises_with_report_and_advice(perfect, tmp_path):
 
 def test_expecting_no_records_is_a_failure_of_the_library(perfect, tmp_path):
     with pytest.raises(trackedcam.CalibrationError) as caught:
-        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True,
+        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path,
                              expected_records=0)
     assert caught.value.report.code == 7
 
@@ -36,7 +39,7 @@ def test_a_wrong_mounting_warns(tmp_path):
     shoot = SimulatedShoot(tmp_path / "shoot", "--photographs", "24", "--mounting-error-mm", "30",
                            "--mounting-error-degrees", "2")
     with pytest.warns(trackedcam.CalibrationWarning, match="mounting"):
-        report = trackedcam.calibrate(shoot.data, **CHART, **shoot.mounting, log_folder=tmp_path, silent=True)
+        report = trackedcam.calibrate(shoot.data, **CHART, **shoot.mounting, log_folder=tmp_path)
     assert report.level == "wrong"
     assert "mountingOff" in {finding.id for finding in report.findings}
     # It is not exported unless asked for, and then warns.
@@ -55,7 +58,7 @@ def test_a_wrong_mounting_warns(tmp_path):
 def test_a_good_one_does_not_warn(perfect, tmp_path):
     with warnings.catch_warnings():
         warnings.simplefilter("error")
-        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+        trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path)
 
 
 def test_invalid_values_raise(perfect, tmp_path):
@@ -67,6 +70,9 @@ def test_invalid_values_raise(perfect, tmp_path):
             ({"good_enough": (0, 0.2)}, "good enough"),
             ({"board": (1, 6)}, "corners"),
             ({"board": (9, 6, 1)}, "3 numbers"),
+            ({"board": (9.5, 6)}, "9.5, expected whole numbers"),
+            ({"board": 9}, "board is 9, expected 2 numbers"),
+            ({"at_m": (4, -1)}, "-1 m"),
             ({"sensor_mm": (0, 1)}, "sensor"),
             ({"chart_rotation_deg": None}, "rotation and translation"),
             ({"tracker_axes": "maya"}, "'maya'"),
@@ -84,10 +90,21 @@ def test_invalid_values_raise(perfect, tmp_path):
         shoot.add("a,b.jpg", (0, 0, 0), (1, 0, 0, 0), (0, 0, 0), (1, 0, 0, 0))
     with pytest.raises(trackedcam.InputError, match="2 numbers"):
         shoot.add("a.jpg", (0, 0), (1, 0, 0, 0), (0, 0, 0), (1, 0, 0, 0))
+    with pytest.raises(trackedcam.InputError, match="chart's tracker.*NaN"):
+        shoot.add("a.jpg", (0, 0, 0), (1, 0, 0, 0), (0, float("nan"), 0), (1, 0, 0, 0))
+    with pytest.raises(trackedcam.InputError, match="quaternion of the camera's tracker is zero"):
+        shoot.add("a.jpg", (0, 0, 0), (0, 0, 0, 0), (0, 0, 0), (1, 0, 0, 0))
+    with pytest.raises(trackedcam.InputError, match="no photographs"):  # none was added
+        shoot.save(tmp_path / "rows.csv")
+    positions, quaternions = np.zeros((2, 3)), np.ones((2, 4))
+    with pytest.raises(trackedcam.InputError, match=r"chart_positions has the shape \(3, 2\)"):
+        trackedcam.Shoot.from_arrays(["a.jpg", "b.jpg"], positions, quaternions, positions.reshape(3, 2), quaternions)
+    with pytest.raises(trackedcam.InputError, match="1 photographs, but 2, 2, 2, 2 rows"):
+        trackedcam.Shoot.from_arrays(["a.jpg"], positions, quaternions, positions, quaternions)
 
 
 def test_a_log_can_be_cross_checked(perfect, tmp_path):
-    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path, silent=True)
+    report = trackedcam.calibrate(perfect.data, **CHART, **perfect.mounting, log_folder=tmp_path)
     checked = trackedcam.crosscheck(report.log, **perfect.mounting)
     assert checked.level == "good" and checked.cross_check is not None
     with pytest.raises(trackedcam.InputError, match="log"):
@@ -102,7 +119,7 @@ def test_ctrl_c_raises_at_once_and_the_run_ends_in_the_background(tmp_path):
     script = ("import sys, time, trackedcam\n"
               "try:\n"
               f"  trackedcam.calibrate({str(shoot.data)!r}, sensor_mm=(36, 20.25), board=(9, 6), square_m=0.03,\n"
-              f"    log_folder={str(log)!r}, silent=False,\n"
+              f"    log_folder={str(log)!r},\n"
               "    progress=lambda p: print('seen', file=sys.stderr, flush=True))\n"
               "except KeyboardInterrupt:\n"
               "  print('raised', file=sys.stderr, flush=True)\n")

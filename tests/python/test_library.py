@@ -4,12 +4,15 @@ import ctypes
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 
+import pytest
 import trackedcam
 from trackedcam import _library
 
-HEADER = pathlib.Path(os.environ["TRACKEDCAM_SOURCE"]) / "include/trackedcam/trackedcam_c.h"
+SOURCE = pathlib.Path(os.environ["TRACKEDCAM_SOURCE"])
+HEADER = SOURCE / "include/trackedcam/trackedcam_c.h"
 
 
 def test_structs_have_the_layout_of_the_header():
@@ -40,6 +43,16 @@ def test_functions_take_what_the_header_says():
 def test_statuses_are_those_of_the_header():
     declared = dict(re.findall(r"TRACKEDCAM_(\w+) = (\d)", HEADER.read_text(encoding="utf-8").split("enum ")[1]))
     assert {name: str(getattr(_library, name)) for name in declared} == declared
+
+
+@pytest.mark.skipif(shutil.which("mypy") is None, reason="mypy is missing")
+def test_the_readmes_snippet_has_types(tmp_path):
+    readme = (SOURCE / "README.md").read_text(encoding="utf-8")
+    snippet, = re.findall(r"```python\n(.*?)```", readme, re.DOTALL)
+    (tmp_path / "host.py").write_text(snippet, encoding="utf-8")
+    checked = subprocess.run(["mypy", "--strict", "--cache-dir", tmp_path / "cache", tmp_path / "host.py"],
+                             env={**os.environ, "MYPYPATH": str(SOURCE / "python")}, capture_output=True, text=True)
+    assert checked.returncode == 0, checked.stdout
 
 
 def test_version():

@@ -79,7 +79,6 @@ int main(int argc, char** argv) {
   settings.board_columns = 9;
   settings.board_rows = 6;
   settings.square_m = 0.03;
-  settings.silent = 1;
   settings.log_folder = argv[2];
   if (trackedcam_start(shoot, &settings, &run) != TRACKEDCAM_OK) {
     std::fprintf(stderr, "%s\n", trackedcam_last_error());

@@ -42,7 +42,6 @@ static trackedcam_status calibrate(void) {
     settings.board_columns = 9;
     settings.board_rows = 6;
     settings.square_m = 0.03;
-    settings.silent = 1;
     settings.log_folder = "log";
     status = trackedcam_shoot_open("tracker_data.csv", &shoot);
   }
