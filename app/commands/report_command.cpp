@@ -1,7 +1,7 @@
 #include "app/commands/report_command.h"
 
-#include <atomic>
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <iostream>
 #include <memory>
