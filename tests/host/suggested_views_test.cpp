@@ -12,7 +12,7 @@
 #include "crosscheck/kit/known_shoot.h"
 #include "crosscheck/kit/lens_solve.h"
 #include "crosscheck/views.h"
-#include "host/verify/board_corners.h"
+#include "host/run/library_stages.h"
 #include "simulator/random.h"
 #include "simulator/rendering.h"
 #include "simulator/tracking.h"
