@@ -268,9 +268,15 @@ class PageTest(unittest.TestCase):
         self.assertIsNone(pixels[4])
         self.assertEqual(self.run_script("trackedcamBars.values"), pixels)
         self.assertEqual(json.loads(self.run_script("document.getElementById('data').textContent")), result)
+
+    def test_engines_are_offered_unless_the_result_is_wrong(self):
+        script = "[...document.querySelectorAll('.engine .copy')].map((e) => e.dataset.copy)"
+        result = self.open("noisy")
+        self.assertTrue(result["exports"])
         for engine in result["exports"].values():
-            copies = self.run_script("[...document.querySelectorAll('.engine .copy')].map((e) => e.dataset.copy)")
-            self.assertIn(" ".join(json.dumps(n) for n in engine["translationCm"]), copies)
+            self.assertIn(" ".join(json.dumps(n) for n in engine["translationCm"]), self.run_script(script))
+        self.assertTrue(self.open("mounting-off")["exports"])
+        self.assertEqual(self.run_script(script), [])
 
     def test_a_failed_run_says_which_photographs_failed_and_why(self):
         result = self.open("failed")
