@@ -8,7 +8,6 @@
 #include <ostream>
 #include <vector>
 
-#include "crosscheck/result.h"
 #include "host/report.h"
 #include "host/run/calibration_outputs.h"
 
