@@ -1,10 +1,10 @@
 #include "host/input/continued_data.h"
 
 #include <gmock/gmock.h>
-#include <opencv2/imgcodecs.hpp>
 
 #include "host/input/data_file.h"
 #include "host/input/input_error.h"
+#include "support/image_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {
@@ -75,11 +75,11 @@ TEST_F(ContinuedDataTest, RefusesOtherData) {
 }
 
 TEST_F(ContinuedDataTest, RefusesPhotographsOfAnotherSize) {
-  cv::imwrite(folder.File("1.jpg"), cv::Mat(36, 64, CV_8UC3));
-  cv::imwrite(folder.File("3.jpg"), cv::Mat(72, 128, CV_8UC3));
+  test::WriteImage(folder.File("1.jpg"), cv::Mat(36, 64, CV_8UC3));
+  test::WriteImage(folder.File("3.jpg"), cv::Mat(72, 128, CV_8UC3));
   EXPECT_THAT(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg")),
               AllOf(HasSubstr("128x72"), HasSubstr("64x36")));
-  cv::imwrite(folder.File("3.jpg"), cv::Mat(36, 64, CV_8UC3));
+  test::WriteImage(folder.File("3.jpg"), cv::Mat(36, 64, CV_8UC3));
   EXPECT_EQ(RefusalOf(kRecorderHeader + RecordedRowOf("3.jpg")), "not refused");
 }
 

@@ -1,5 +1,7 @@
 #include "host/input/excluded.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "host/input/input_error.h"
@@ -65,8 +67,8 @@ TEST(Excluded, HasTheShortestName) {
 TEST(Excluded, HasNoFindings) {
   const test::TemporaryFolder folder;
   const std::string lost = ",nan,0,0,1,0,0,0,1,2,3,0.5,0.5,0.5,0.5\n";
-  const std::string data = folder.File("data.csv");
-  test::WriteFile(data, "Time,\n0,a.jpg" + lost + "1,b.jpg" + lost);
+  const std::filesystem::path data = folder.Path() / "data.csv";
+  test::WriteFile(data.u8string(), "Time,\n0,a.jpg" + lost + "1,b.jpg" + lost);
   EXPECT_THAT(ReadShootData(data, {}).leaveOut, ElementsAre(0, 1));
   const ShootData shoot = ReadShootData(data, {}, {"a"});
   EXPECT_THAT(shoot.excluded, ElementsAre(0));
@@ -79,8 +81,8 @@ TEST(Excluded, HasNoFindings) {
 // The separator is what must be corrected, not the name.
 TEST(Excluded, IsNotTheErrorOfAFileThatCannotBeRead) {
   const test::TemporaryFolder folder;
-  const std::string data = folder.File("data.csv");
-  test::WriteFile(data, "0;a.jpg;0;0;0;1;0;0;0;1;2;3;1;0;0;0\n");
+  const std::filesystem::path data = folder.Path() / "data.csv";
+  test::WriteFile(data.u8string(), "0;a.jpg;0;0;0;1;0;0;0;1;2;3;1;0;0;0\n");
   try {
     ReadShootData(data, {}, {"a"});
     FAIL() << "not refused";

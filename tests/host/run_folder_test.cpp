@@ -45,7 +45,8 @@ TEST_F(RunFolderTest, TakesThePlaceOfOnesThatWereLeftEmpty) {
     fs::create_directories(logFolder / name / "photos" / "day 1");
     test::WriteFile((logFolder / name / ".trackedcam-7f.part").u8string(), "half");
     for (const char* inside : {".trackedcam-7f.part", "photos", ""}) {
-      fs::last_write_time(logFolder / name / inside, begun);
+      std::error_code error;
+      fs::last_write_time(logFolder / name / inside, begun, error);
     }
   };
   left("run_003");
@@ -53,6 +54,9 @@ TEST_F(RunFolderTest, TakesThePlaceOfOnesThatWereLeftEmpty) {
   left("run_004");
   left("run_005");
   left("my run_006");
+  if (fs::last_write_time(logFolder / "run_004") > begun + std::chrono::minutes(1)) {
+    GTEST_SKIP() << "this system sets no times of folders";
+  }
   EXPECT_EQ(Create(), "run_004");
   EXPECT_TRUE(fs::exists(logFolder / "run_003" / "photos" / "day 1" / "a.jpg"));
   EXPECT_FALSE(fs::exists(logFolder / "run_005"));

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <opencv2/imgcodecs.hpp>
 
 #include "crosscheck/cross_check.h"
 #include "crosscheck/kit/known_shoot.h"
@@ -16,6 +15,7 @@
 #include "simulator/random.h"
 #include "simulator/rendering.h"
 #include "simulator/tracking.h"
+#include "support/image_file.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {
@@ -53,7 +53,7 @@ class Photographer {
     const simulator::PhotographRenderer renderer(now);
     for (int i = 0; i < view.views; ++i) {
       files.push_back(folder.Path() / (std::to_string(i) + ".png"));
-      cv::imwrite(files.back().u8string(), renderer.Render(i));
+      test::WriteImage(files.back().u8string(), renderer.Render(i));
     }
     testing::internal::CaptureStdout();
     const auto boards = FindBoards(files, {options.chart.cols, options.chart.rows});
