@@ -16,6 +16,7 @@ struct EmbeddedFile {
 };
 
 extern const EmbeddedFile kPageHtml;
+extern const EmbeddedFile kVerifyHtml;
 extern const EmbeddedFile kWatchHtml;
 extern const EmbeddedFile kPageCss;
 extern const EmbeddedFile kPageJs;

@@ -1126,16 +1126,52 @@ const makeScreen = () => {
       layout: {padding: {right: 8}},
       plugins: {
         legend: {position: 'top', align: 'start', labels: {color: colour('ink'), boxWidth: 34, boxHeight: 0, padding: 18}},
-        tooltip: {callbacks: {title: ([item]) => `at ${item.parsed.x} m`, label: (item) => `${item.dataset.label}: ${fixed(item.parsed.y, 2)} px`}},
+        tooltip: {callbacks: {title: ([item]) => `at ${fixed(item.parsed.x, 2)} m`, label: (item) => `${item.dataset.label}: ${fixed(item.parsed.y, 2)} px`}},
       },
       scales: {
         x: scale('distance, m', {min: rows[0]?.distanceMetres, max: rows[rows.length - 1]?.distanceMetres, type: rows.length > 1 && rows.every(({distanceMetres}) => distanceMetres > 0) ? 'logarithmic' : 'linear',
-          ticks: {color: colour('soft'), autoSkip: false, maxRotation: 0, callback: (value) => rows.some(({distanceMetres}) => distanceMetres === value) ? String(value) : ''},
+          ticks: {color: colour('soft'), autoSkip: false, maxRotation: 0, callback: (value) => rows.some(({distanceMetres}) => distanceMetres === value) ? String(Number(value.toFixed(2))) : ''},
           afterBuildTicks: (axis) => { axis.ticks = rows.map(({distanceMetres}) => ({value: distanceMetres})); }}),
         y: scale('error, px', {beginAtZero: true}),
       },
     },
   });
+};
+
+let shownDistance = null;  // an index of the result's distances
+const drawScreenMap = () => {
+  const {columns, rows, seen} = cross.imageCells || {};
+  const distances = cross.onScreen || [];
+  const isWhole = ({cellPixels}) => Array.isArray(cellPixels) && cellPixels.length === columns * rows;
+  if (!(columns > 0 && rows > 0 && columns * rows <= 1000 && distances.length && distances.every(isWhole))) return;
+  const middle = distances.findIndex(({distanceMetres}) => distanceMetres >= 2);
+  shownDistance = shownDistance ?? Math.max(middle, 0);
+  byId('screen-by-place').hidden = false;
+  for (const button of document.querySelectorAll('[data-screen]')) {
+    button.setAttribute('aria-pressed', String(Number(button.dataset.screen) === shownDistance));
+    button.onclick = () => {
+      shownDistance = Number(button.dataset.screen);
+      drawScreenMap();
+    };
+  }
+  const {distanceMetres, cellPixels} = distances[shownDistance];
+  const most = Math.max(...distances.flatMap((at) => at.cellPixels.filter(isNumber)), 1e-9);
+  const svg = byId('screen-map');
+  frameOf(svg);
+  const [w, h] = [width / columns, height / rows];
+  const pattern = svgElement('pattern', {id: 'not-seen', width: w / 5, height: w / 5, patternUnits: 'userSpaceOnUse', patternTransform: 'rotate(45)'}, svgElement('defs', {}, svg));
+  svgElement('rect', {width: w / 14, height: w / 5, fill: colour('limit'), opacity: .6}, pattern);
+  cellPixels.forEach((pixels, i) => {
+    const [x, y] = [i % columns * w, Math.floor(i / columns) * h];
+    const box = {x, y, width: w, height: h};
+    svgElement('rect', {...box, fill: colour('kept'), opacity: isNumber(pixels) ? .08 + .6 * pixels / most : 0}, svg);
+    if (!(seen || [])[i]) svgElement('rect', {...box, fill: 'url(#not-seen)'}, svg);
+    const text = svgElement('text', {x: x + w / 2, y: y + h / 2, 'text-anchor': 'middle', 'dominant-baseline': 'central'}, svg, fixed(pixels, 1));
+    text.style.fontSize = `${w / 3.2}px`;
+    text.style.fill = colour('ink');
+  });
+  byId('screen-note').textContent = `Pixels within which things at ${fixed(distanceMetres, 2)} m appear (95 %), by their place in the image.`
+    + ((seen || []).every((cell) => cell) ? '' : ' Hatched: no chart was there, and a distortion that the lens model leaves out would not show.');
 };
 
 
@@ -1155,7 +1191,7 @@ const redrawCharts = () => {
 const redraw = () => {
   attempt(drawGallery);
   if (!cross) return;
-  [drawCoverage, drawPicture, drawTilts].forEach(attempt);
+  [drawCoverage, drawPicture, drawTilts, drawScreenMap].forEach(attempt);
   Chart.defaults.font.family = getComputedStyle(document.body).fontFamily;
   Chart.defaults.font.size = 12;
   redrawCharts();

@@ -265,7 +265,8 @@ Json Comparison(const Json& comparison) {
 Json OnScreen(const Json& list) {
   Json rows = Json::array();
   for (const Json& row : list) {
-    rows.push_back({{"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
+    rows.push_back({{"index", rows.size()},
+                    {"distance", Fixed(NumberAt(row, "/distanceMetres"), 2)},
                     {"middlePixels", Fixed(NumberAt(row, "/middle/pixels"), 2)},
                     {"middleMm", Fixed(NumberAt(row, "/middle/mm"), 1)},
                     {"cornerPixels", Fixed(NumberAt(row, "/corner/pixels"), 2)},

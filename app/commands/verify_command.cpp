@@ -16,12 +16,14 @@
 #include "app/terminal/output.h"
 #include "app/terminal/summary.h"
 #include "host/findings/finding_text.h"
+#include "host/result/result_file.h"
 #include "host/silenced_stdout.h"
 #include "host/text/files.h"
 #include "host/text/text.h"
 #include "host/verify/verify.h"
 #include "host/verify/verify_json.h"
 #include "host/verify/verify_text.h"
+#include "report/verify_page.h"
 
 namespace trackedcam::app {
 namespace {
@@ -45,7 +47,8 @@ Exit status:
 struct VerifyOptions {
   host::VerifyInputs inputs;
   bool invertTrackerQuaternions = false;
-  std::filesystem::path out;  // empty: none
+  std::filesystem::path out;     // empty: none
+  std::filesystem::path report;  // empty: none
   bool json = false;
 };
 
@@ -91,6 +94,41 @@ host::VerifyReport RunSilenced(const host::VerifyInputs& inputs) {
   return host::Verify(inputs);
 }
 
+void PrepareOutputs(const VerifyOptions& options, const std::filesystem::path& configFile) {
+  if (options.out.empty() && options.report.empty()) {
+    return;
+  }
+  std::vector<std::filesystem::path> files = host::PhotographsOf(options.inputs);
+  files.insert(files.end(), {options.inputs.result, options.inputs.data, configFile});
+  if (!options.out.empty()) {
+    PrepareOutputFile({"--out", options.out, "a file of trackedcam verify", host::IsVerifyFile},
+                      files);
+    files.push_back(options.out);
+  }
+  if (!options.report.empty()) {
+    PrepareOutputFile(
+        {"--report", options.report, "a report page of trackedcam", host::IsReportPage}, files);
+  }
+}
+
+// False if it could not be written.
+bool Write(const std::filesystem::path& file, const std::string& content, const char* name,
+           bool isNamed) {
+  if (file.empty()) {
+    return true;
+  }
+  try {
+    host::WriteFile(file, content);
+    if (isNamed) {
+      std::cout << name << file.u8string() << '\n';
+    }
+    return true;
+  } catch (const std::exception& error) {
+    std::cerr << "trackedcam: error: " << error.what() << '\n';
+    return false;
+  }
+}
+
 int Verify(VerifyOptions options, const std::filesystem::path& configFile) {
   host::VerifyInputs& inputs = options.inputs;
   if (options.invertTrackerQuaternions) {
@@ -99,30 +137,22 @@ int Verify(VerifyOptions options, const std::filesystem::path& configFile) {
   if (inputs.workingFolder.empty()) {
     inputs.workingFolder = inputs.data.parent_path();
   }
-  if (!options.out.empty()) {
-    std::vector<std::filesystem::path> files = host::PhotographsOf(inputs);
-    files.insert(files.end(), {inputs.result, inputs.data, configFile});
-    PrepareOutputFile({"--out", options.out, "a file of trackedcam verify", host::IsVerifyFile},
-                      files);
-  }
+  PrepareOutputs(options, configFile);
   const host::VerifyReport report = RunSilenced(inputs);
-  const std::string json = host::JsonText(host::VerifyJson(report));
+  const nlohmann::ordered_json values = host::VerifyJson(report);
+  const std::string json = host::JsonText(values);
   if (options.json) {
     std::cout << json;
   } else {
     PrintVerification(std::cout, report);
   }
   int status = host::StatusOf(report.verification.answer);
-  if (!options.out.empty()) {
-    try {
-      host::WriteFile(options.out, json);
-      if (!options.json) {
-        std::cout << "Result: " << options.out.u8string() << '\n';
-      }
-    } catch (const std::exception& error) {
-      std::cerr << "trackedcam: error: " << error.what() << '\n';
-      status = status == 0 ? 1 : status;
-    }
+  const bool isResultWritten = Write(options.out, json, "Result: ", !options.json);
+  const bool isPageWritten =
+      options.report.empty() ||
+      Write(options.report, report::VerifyPage(values), "Report: ", !options.json);
+  if (status == 0 && !(isResultWritten && isPageWritten)) {
+    status = 1;
   }
   std::cout.flush();
   if (status != 0) {
@@ -161,6 +191,7 @@ void AddVerifyCommand(CLI::App& program, int& status) {
   command.add_flag("--invert-tracker-quaternions", options->invertTrackerQuaternions, "The same");
   AddDistances(command, inputs.atMetres);
   AddPath(command, "--out", options->out, "FILE.json", "File with all values as JSON");
+  AddPath(command, "--report", options->report, "FILE.html", "Page with the answer and pictures");
   command.add_flag("--json", options->json, "All values as JSON on standard output");
   command.callback(
       [options, &program, &status] { status = Verify(*options, ConfigFile(program)); });

@@ -269,6 +269,16 @@ class PageTest(unittest.TestCase):
         self.assertEqual(self.run_script("trackedcamBars.values"), pixels)
         self.assertEqual(json.loads(self.run_script("document.getElementById('data').textContent")), result)
 
+    def test_a_map_shows_the_error_at_each_distance(self):
+        result = self.open("noisy")
+        hatched = "document.querySelectorAll('#screen-map rect[fill=\"url(#not-seen)\"]').length"
+        self.assertEqual(self.run_script(hatched), result["crossCheck"]["imageCells"]["seen"].count(False))
+        for index, at in enumerate(result["crossCheck"]["onScreen"]):
+            self.browser.find_element(By.CSS_SELECTOR, f"[data-screen='{index}']").click()
+            self.assertEqual(self.texts("#screen-map text"), [f"{p:.1f}" for p in at["cellPixels"]])
+            self.assertIn(f"{at['distanceMetres']:.2f} m", self.texts("#screen-note")[0])
+            self.assertEqual(self.texts("[data-screen][aria-pressed='true']"), [f"{at['distanceMetres']:.2f} m"])
+
     def test_engines_are_offered_unless_the_result_is_wrong(self):
         script = "[...document.querySelectorAll('.engine .copy')].map((e) => e.dataset.copy)"
         result = self.open("noisy")
