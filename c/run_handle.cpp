@@ -248,7 +248,8 @@ trackedcam_status trackedcam_crosscheck(const char* log_file, const trackedcam_s
                                         ? trackedcam::host::Inputs().scaleUncertainty
                                         : ScaleUncertaintyOf(*settings);
     const auto exclude = settings == nullptr ? std::vector<std::string>() : ExcludeOf(*settings);
-    const auto atMetres = settings == nullptr ? std::vector<double>() : AtMetresOf(*settings);
+    const auto atMetres = settings == nullptr ? std::vector<double>()
+                                              : AtMetresOf(settings->at_m, settings->at_count);
     *report = Reports().Add(std::make_shared<Report>(
         trackedcam::host::CheckLog(std::filesystem::absolute(std::filesystem::u8path(log)),
                                    mounting, goodEnough, scaleUncertainty, exclude, atMetres),

@@ -134,10 +134,7 @@ void RequireSettings(const trackedcam_settings* settings) {
   RequireOneOf(settings->invert_tracker_quaternions, 1, "invert_tracker_quaternions");
   RequireOneOf(settings->refine_mounting, 1, "refine_mounting");
   RequireOneOf(settings->quaternion_order, TRACKEDCAM_QUATERNION_XYZW, "quaternion_order");
-  RequireOneOf(settings->at_count, kMostDistances, "at_count");
-  if (settings->at_count > 0) {
-    RequirePointer(settings->at_m, "at_m");
-  }
+  AtMetresOf(settings->at_m, settings->at_count);
 }
 
 std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings) {
@@ -171,8 +168,12 @@ std::vector<std::string> ExcludeOf(const trackedcam_settings& settings) {
   return names;
 }
 
-std::vector<double> AtMetresOf(const trackedcam_settings& settings) {
-  return {settings.at_m, settings.at_m + settings.at_count};
+std::vector<double> AtMetresOf(const double* at, std::int32_t count) {
+  RequireOneOf(count, kMostDistances, "at_count");
+  if (count > 0) {
+    RequirePointer(at, "at_m");
+  }
+  return {at, at + count};
 }
 
 host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
@@ -184,7 +185,7 @@ host::Inputs InputsOf(const Shoot& shoot, const trackedcam_settings& settings) {
   host::Inputs inputs;
   inputs.trackerFrame = FrameOf(settings);
   inputs.exclude = ExcludeOf(settings);
-  inputs.atMetres = AtMetresOf(settings);
+  inputs.atMetres = AtMetresOf(settings.at_m, settings.at_count);
   inputs.workingFolder = workingFolder.empty() ? shoot.WorkingFolder() : Absolute(workingFolder);
   inputs.sensorMm = {settings.sensor_width_mm, settings.sensor_height_mm};
   inputs.board = {settings.board_columns, settings.board_rows};

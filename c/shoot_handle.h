@@ -58,7 +58,7 @@ std::optional<host::Mounting> MountingOf(const trackedcam_settings& settings);
 host::Accuracy GoodEnoughOf(const trackedcam_settings& settings);
 double ScaleUncertaintyOf(const trackedcam_settings& settings);
 std::vector<std::string> ExcludeOf(const trackedcam_settings& settings);
-std::vector<double> AtMetresOf(const trackedcam_settings& settings);
+std::vector<double> AtMetresOf(const double* at, std::int32_t count);
 
 /// All paths are absolute. Rows in memory are written to a data file.
 /// @throws Refusal, host::InputError

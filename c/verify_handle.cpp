@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "c/handles.h"
+#include "c/shoot_handle.h"
 #include "c/status.h"
 #include "host/compare.h"
 #include "host/text/files.h"
@@ -66,6 +67,7 @@ void Apply(const trackedcam_verify_options& options, host::VerifyInputs& inputs)
   if (options.square_m != 0) {
     inputs.squareMetres = options.square_m;
   }
+  inputs.atMetres = AtMetresOf(options.at_m, options.at_count);
   const std::string folder = OptionalText(options.working_folder, "working_folder");
   if (!folder.empty()) {
     inputs.workingFolder = AbsolutePathOf(folder, "working_folder");

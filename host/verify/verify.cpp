@@ -162,6 +162,7 @@ std::vector<fs::path> PhotographsOf(const VerifyInputs& inputs) {
 }
 
 VerifyReport Verify(const VerifyInputs& inputs) {
+  RequirePossible(Accuracy(), Inputs().scaleUncertainty, inputs.atMetres);
   VerifyReport report;
   report.inputs = inputs;
   report.stored = ReadCalibration(inputs.result);

@@ -562,6 +562,9 @@ typedef struct trackedcam_verify_options {
   int32_t board_rows;          ///< Of another chart: inner corners along a column; 0: the result's.
   double square_m;             ///< Of another chart: edge of one square; 0: the result's.
   const char* working_folder;  ///< Of relative photographs; NULL: the folder of the data file.
+  const double* at_m;          ///< As in trackedcam_settings.
+  int32_t at_count;            ///< Number of distances in at_m; at most 100.
+  int32_t reserved;            ///< 0.
 } trackedcam_verify_options;
 
 /// Sets all members to their defaults.

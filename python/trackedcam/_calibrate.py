@@ -10,7 +10,7 @@ from typing import Any, Callable, NamedTuple, Optional, Union
 
 from . import _library
 from ._library import Handle, call, encoded
-from ._numbers import Numbers, Rows, floats, table, whole_numbers
+from ._numbers import Numbers, Rows, floats, state_distances, table, whole_numbers
 from ._report import CalibrationError, CalibrationWarning, Path, Report
 
 _POLL_MS = 50
@@ -209,7 +209,7 @@ def start(data: Union[Path, Sequence[Path], Shoot], *, sensor_mm: Numbers, board
     settings.good_enough_mm, settings.good_enough_deg = floats("good_enough", good_enough, 2)
     settings.scale_uncertainty_percent = scale_uncertainty_percent
     settings.exclude = _names(exclude)
-    _state_distances(settings, at_m)
+    state_distances(settings, at_m)
     if expected_records is not None:
         # For the library, -1 means: do not check.
         settings.expected_records = int(expected_records) if expected_records >= 0 else -2
@@ -313,7 +313,7 @@ def crosscheck(log: Path, *, chart_rotation_deg: Optional[Numbers] = None,
     settings.good_enough_mm, settings.good_enough_deg = floats("good_enough", good_enough, 2)
     settings.scale_uncertainty_percent = scale_uncertainty_percent
     settings.exclude = _names(exclude)
-    _state_distances(settings, at_m)
+    state_distances(settings, at_m)
     handle = Handle("trackedcam_report_free")
     call("trackedcam_crosscheck", encoded(log), ctypes.byref(settings), ctypes.byref(handle.pointer))
     return Report(handle)
@@ -341,12 +341,6 @@ def _state_mounting(settings: _library.Settings, rotation: Optional[Numbers],
 def _names(exclude: Sequence[Path]) -> bytes:
     names = [exclude] if isinstance(exclude, (str, bytes)) else exclude
     return b",".join(encoded(name) for name in names)
-
-
-def _state_distances(settings: _library.Settings, at_m: Numbers) -> None:
-    distances = floats("at_m", at_m, len(at_m))
-    settings.at_count = len(distances)
-    settings.at_m = (ctypes.c_double * len(distances))(*distances)
 
 
 def _index(name: str, known: Sequence[Optional[str]], value: Optional[str]) -> int:

@@ -72,6 +72,9 @@ class VerifyOptions(ctypes.Structure):
         ("board_rows", c_int32),
         ("square_m", c_double),
         ("working_folder", c_char_p),
+        ("at_m", POINTER(c_double)),
+        ("at_count", c_int32),
+        ("reserved", c_int32),
     ]
 
 

@@ -2,12 +2,14 @@
 
 from __future__ import annotations
 
+import ctypes
 from collections.abc import Sequence
 from typing import Any, Union
 
 import numpy as np
 import numpy.typing as npt
 
+from . import _library
 from ._library import InputError
 
 Numbers = Union[Sequence[float], "npt.NDArray[np.floating[Any]]", "npt.NDArray[np.integer[Any]]"]
@@ -40,6 +42,13 @@ def whole_numbers(name: str, numbers: Numbers, count: int) -> list[int]:
         if not value.is_integer():
             raise InputError(f"{name} contains {value}, expected whole numbers")
     return [int(value) for value in values]
+
+
+def state_distances(settings: Union[_library.Settings, _library.VerifyOptions], at_m: Numbers) -> None:
+    """Sets the distances at which the error in the image is stated, metres."""
+    distances = floats("at_m", at_m, len(at_m))
+    settings.at_count = len(distances)
+    settings.at_m = (ctypes.c_double * len(distances))(*distances)
 
 
 def table(name: str, rows: Rows, width: int) -> npt.NDArray[np.float64]:

@@ -8,7 +8,7 @@ from typing import Any, Optional
 
 from . import _library
 from ._library import Handle, call, encoded
-from ._numbers import Numbers, whole_numbers
+from ._numbers import Numbers, state_distances, whole_numbers
 from ._report import Path
 
 
@@ -38,7 +38,8 @@ class Verification:
 
 
 def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Optional[Numbers] = None,
-           square_m: Optional[float] = None, working_folder: Optional[Path] = None) -> Verification:
+           square_m: Optional[float] = None, working_folder: Optional[Path] = None,
+           at_m: Numbers = ()) -> Verification:
     """Tests new photographs against a calibration.
 
     Args:
@@ -48,6 +49,8 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
         board: inner corners of another chart, along a row and along a column; None: the result's.
         square_m: edge of one square of another chart, metres; None: the result's.
         working_folder: folder of relative paths of photographs; None: that of the data file.
+        at_m: distances at which the error in the image is stated, metres, such as (4, 8); empty: the chart's, 2, 4
+            and 10.
 
     Raises:
         InputError: the result is of an older form, cut, edited or wrong, or the photographs, the board or the squares
@@ -62,6 +65,7 @@ def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Op
         options.square_m = square_m
     if working_folder is not None:
         options.working_folder = encoded(working_folder)
+    state_distances(options, at_m)
     handle, text = Handle("trackedcam_verification_free"), ctypes.c_char_p()
     call("trackedcam_verify", encoded(result), encoded(data), ctypes.byref(options), ctypes.byref(handle.pointer))
     call("trackedcam_verification_json", handle.pointer, ctypes.byref(text))

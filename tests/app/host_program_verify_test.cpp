@@ -124,6 +124,17 @@ TEST_F(HostProgramVerify, SaysThatACalibrationHolds) {
   EXPECT_EQ(json["old"], json["new"]);
 }
 
+TEST_F(HostProgramVerify, WritesAPage) {
+  const ProgramRun run = Verify(Data(), {"--report", "verified.html", "--at", "3m"});
+  EXPECT_EQ(run.status, 0) << run.error;
+  EXPECT_THAT(run.out, AllOf(HasSubstr("verified.html"), HasSubstr("at 3.00 m")));
+  EXPECT_THAT(test::ReadFile(shoot_->File("verified.html")),
+              AllOf(HasSubstr("The calibration still holds."), HasSubstr("img_03")));
+  test::WriteFile(shoot_->File("mine.html"), "own words");
+  EXPECT_EQ(Verify(Data(), {"--report", "mine.html"}).status, 2);
+  EXPECT_EQ(test::ReadFile(shoot_->File("mine.html")), "own words");
+}
+
 TEST_F(HostProgramVerify, FindsTheTrackerThatMoved) {
   const auto run = Verify(Data([](Fields& row) {
                             Displace(row, kCamera, {3, 0, 4}, 1);

@@ -51,6 +51,9 @@ int main(void) {
   AT(trackedcam_verify_options, board_rows);
   AT(trackedcam_verify_options, square_m);
   AT(trackedcam_verify_options, working_folder);
+  AT(trackedcam_verify_options, at_m);
+  AT(trackedcam_verify_options, at_count);
+  AT(trackedcam_verify_options, reserved);
   SIZE(trackedcam_progress);
   AT(trackedcam_progress, stage);
   AT(trackedcam_progress, photographs_done);

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <sstream>
 
+#include <array>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -68,6 +70,36 @@ TEST_F(VerifyTest, SaysThatTheShootsOwnPhotographsFit) {
   const Json json = Json::parse(text);
   EXPECT_EQ(json["answer"], "holds");
   EXPECT_EQ(json["photographs"].size(), 5U);
+}
+
+TEST_F(VerifyTest, StatesTheErrorAtDistances) {
+  const std::string photographs = SimulatedShoot::Get().Folder().u8string();
+  constexpr std::array<double, 2> kAt = {7, 3};
+  trackedcam_verify_options options = Options();
+  options.working_folder = photographs.c_str();
+  options.at_m = kAt.data();
+  options.at_count = 2;
+  OwnedVerification verification;
+  ASSERT_EQ(
+      trackedcam_verify(ResultFile().c_str(), DataFile(5).c_str(), &options, verification.Fill()),
+      TRACKEDCAM_OK)
+      << trackedcam_last_error();
+  const char* text = nullptr;
+  ASSERT_EQ(trackedcam_verification_json(verification.Get(), &text), TRACKEDCAM_OK);
+  const Json onScreen = Json::parse(text)["onScreen"];
+  ASSERT_EQ(onScreen.size(), 2U);
+  EXPECT_EQ(onScreen[0]["distanceMetres"], 3);
+  EXPECT_GT(onScreen[1]["corner"]["pixels"], 0);
+
+  options.at_m = nullptr;
+  trackedcam_verification* none = nullptr;
+  EXPECT_EQ(trackedcam_verify(ResultFile().c_str(), DataFile(5).c_str(), &options, &none),
+            TRACKEDCAM_INVALID_ARGUMENT);
+  constexpr double kBehind = -1;
+  options.at_m = &kBehind;
+  options.at_count = 1;
+  EXPECT_EQ(trackedcam_verify(ResultFile().c_str(), DataFile(5).c_str(), &options, &none),
+            TRACKEDCAM_BAD_INPUT);
 }
 
 TEST_F(VerifyTest, SaysThatTwoAreTooFew) {
