@@ -1,9 +1,8 @@
 // Verifications of a simulated shoot.
 
+#include <array>
 #include <filesystem>
 #include <sstream>
-
-#include <array>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
