@@ -14,6 +14,7 @@
 #include "crosscheck/findings.h"
 #include "crosscheck/flaw_findings.h"
 #include "crosscheck/misread.h"
+#include "crosscheck/not_still.h"
 #include "crosscheck/on_screen.h"
 #include "crosscheck/photographs.h"
 #include "crosscheck/reported_poses.h"
@@ -297,6 +298,8 @@ void Fill(const Observations& observations, const Evidence& evidence,
   inputs.result = ResultOffset(observations, evidence, solution, check);
   if (!inputs.loose && !check.step && check.diversity.amplification <= kMostAmplification) {
     inputs.flaw = ClearestFlaw(check, evidence, solution);
+    inputs.notStill = FindNotStill(observations, check.perPhotograph);
+    check.delayKnownToSeconds = DelayKnownToSeconds(evidence.loops, solution);
   }
   if (inputs.flaw || !evidence.corners.flaws.empty()) {
     inputs.withoutFlaws = TakeFlawsAway(observations, evidence, solution, inputs.flaw, library);

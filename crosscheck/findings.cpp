@@ -239,6 +239,15 @@ std::optional<Finding> NotSeenFinding(const FindingInputs& inputs) {
   return Finding{isMuch ? Severity::kWarning : Severity::kNote, *inputs.lensNotSeen};
 }
 
+// The clearer name of the two is that of a delay.
+std::optional<Finding> MotionFinding(const FindingInputs& inputs) {
+  if (!inputs.notStill || (inputs.flaw && inputs.flaw->flaw == TrackerFlaw::kDelay)) {
+    return std::nullopt;
+  }
+  const bool isNotable = inputs.notStill->mm >= kNotableMm;
+  return Finding{isNotable ? Severity::kWarning : Severity::kNote, *inputs.notStill};
+}
+
 std::optional<Finding> NoiseFinding(const CrossCheck& check) {
   if (!check.step &&
       (check.trackerNoiseMm > kNoisyMm || check.trackerNoiseDegrees > kNoisyDegrees)) {
@@ -284,7 +293,7 @@ std::vector<Finding> FindingsInOrder(const CrossCheck& check, const Evidence& ev
   }
   findings.insert(findings.end(), flaws.begin(), flaws.end());
   add(NotSeenFinding(inputs));
-  bool isNamed = inputs.flaw.has_value();
+  bool isNamed = add(MotionFinding(inputs)) || inputs.flaw;
   if (inputs.loose) {
     isNamed = add(LooseFinding(*inputs.loose));
   }

@@ -20,7 +20,8 @@ struct FindingInputs {
   std::optional<Solution> solution;  // with the step or the size of the squares that was found
   std::optional<TrackerLoose> loose;
   std::optional<TrackerFlawTest> flaw;  // of the trackers
-  WithoutFlaws withoutFlaws;            // if that or a flaw of chart or lens was found
+  std::optional<NotStill> notStill;
+  WithoutFlaws withoutFlaws;     // if that or a flaw of chart or lens was found
   std::optional<Offset> result;  // of the library's transform, or of what the stated mounting gives
   std::optional<OnScreen> atChart;  // at the chart's own distance
   std::optional<LensNotSeen> lensNotSeen;

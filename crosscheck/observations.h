@@ -41,6 +41,9 @@ struct Photograph {
   double seconds = std::numeric_limits<double>::quiet_NaN();  // when it was taken, of any clock
   /// Row by row, columns fastest; pixels.
   std::vector<Eigen::Vector2d> corners;
+  /// How wide the borders between squares are that run along rows, and along columns; pixels. Only
+  /// where they were measured.
+  std::optional<std::array<double, 2>> edgeWidths = std::nullopt;
 };
 
 /// How accurate a result must be.

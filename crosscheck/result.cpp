@@ -25,6 +25,7 @@ struct NameOfKind {
   const char* operator()(const TrackerErrors& errors) const {
     return errors.follow ? Name(*errors.follow) : "structuredErrors";
   }
+  const char* operator()(const NotStill&) const { return "notStill"; }
   const char* operator()(const TrackerLoose&) const { return "trackerLoose"; }
 };
 

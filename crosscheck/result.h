@@ -378,6 +378,14 @@ struct TrackerErrors {
   double movedDegrees = 0;
 };
 
+/// Camera or chart moved while photographs were taken: the errors follow the blur.
+struct NotStill {
+  double p = 1;
+  double widerPixels = 0;  // by which the edges are wider along the motion, root mean square
+  double pixels = 0;       // by which the errors are larger along it, root mean square
+  double mm = 0;           // the same at the chart
+};
+
 /// A tracker that has two seats on its mount.
 struct TrackerLoose {
   Tracker tracker = Tracker::kCamera;
@@ -390,11 +398,11 @@ using FindingKind =
     std::variant<NoAgreement, MisreadRows, TooLittleRotation, TrackerMoved, MountingOff,
                  BadPhotographs, SquareSizeOff, HalvesDiffer, LensUncertain, TrackersUncertain,
                  TrackersNoisy, LibraryApart, ChartNotFlat, ChartStretched, LensModel, LensNotSeen,
-                 TrackerErrors, TrackerLoose>;
+                 TrackerErrors, NotStill, TrackerLoose>;
 
 /// noAgreement, reading, tooLittleRotation, trackerMoved, mountingOff, badPhotographs, squareSize,
 /// halvesDiffer, lensUncertain, trackersUncertain, trackersNoisy, libraryApart, chartNotFlat,
-/// chartStretched, lensModel, lensNotSeen, trackerLoose; mountSags, volumeBent,
+/// chartStretched, lensModel, lensNotSeen, notStill, trackerLoose; mountSags, volumeBent,
 /// poseDependentErrors, delay or structuredErrors
 const char* Name(const FindingKind& kind);
 
@@ -439,6 +447,9 @@ struct CrossCheck {
   Scale scale;
   SquareSize square;
   std::optional<Step> step;
+  /// How accurately the rows show a delay of the poses, 95 %; nothing above 0.02 s, as if they are
+  /// far apart in time, have no times, or nothing moved.
+  std::optional<double> delayKnownToSeconds;
   std::optional<Offset> halves;
   ImageCells imageCells;
   std::vector<OnScreen> onScreen;             // the nearest first

@@ -92,7 +92,6 @@ Columns ByRotation(const Loop& loop) {
 // Poses that are late, or early: what they miss of the motion to the next row, or from the one
 // before. Nothing is known of it if that row is too far away in time.
 Columns ByDelay(const Loops& loops, std::size_t index, bool isLate, const Solution& solution) {
-  constexpr double kMostSeconds = 3;  // a hand hardly moves evenly for longer
   Columns columns = Columns::Zero(6, 1);
   if (isLate ? index + 1 == loops.size() : index == 0) {
     return columns;
@@ -100,7 +99,7 @@ Columns ByDelay(const Loops& loops, std::size_t index, bool isLate, const Soluti
   const Loop& before = loops[isLate ? index : index - 1];
   const Loop& after = loops[isLate ? index + 1 : index];
   const double seconds = after.seconds - before.seconds;
-  if (seconds > 0 && seconds <= kMostSeconds) {
+  if (seconds > 0 && seconds <= kMostSecondsOfMotion) {
     columns = Adjoint(solution.Transform_Cam_Tc) *
               Log(after.Transform_Tc_Tr * before.Transform_Tc_Tr.inverse()) / seconds;
   }
@@ -220,6 +219,7 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
   test.degrees = std::sqrt(degrees / used) / kDegree;
   if (flaw == TrackerFlaw::kDelay) {
     test.delaySeconds = flawed[0];
+    test.delayError = best.elements > 0 ? scale[0] * std::sqrt(best.covariance(0, 0)) : HUGE_VAL;
   }
   const Eigen::MatrixXd byFlaw = -solution.covariance * shared.transpose() * scale.asDiagonal();
   test.moved = byFlaw * best.value;
@@ -228,6 +228,17 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
 }
 
 }  // namespace
+
+std::optional<double> DelayKnownToSeconds(const Loops& loops, const Solution& solution) {
+  constexpr double kUseful = 0.02;  // less accurately it might as well not be known
+  double least = HUGE_VAL;
+  for (const bool isLate : {true, false}) {
+    const auto columnsOf = [&](std::size_t i) { return ByDelay(loops, i, isLate, solution); };
+    least = std::min(least, Test(TrackerFlaw::kDelay, columnsOf, loops, solution).delayError);
+  }
+  const double known = StudentHalfWidth95(Freedom(solution.Used())) * least;
+  return known <= kUseful ? std::optional(known) : std::nullopt;
+}
 
 std::vector<TrackerFlawTest> TestTrackers(const Loops& loops, const Solution& solution) {
   const Volume volume = VolumeOf(loops);

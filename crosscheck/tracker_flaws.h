@@ -12,11 +12,15 @@
 
 namespace trackedcam::crosscheck {
 
+/// A hand hardly moves evenly for longer, from one row to the next.
+constexpr double kMostSecondsOfMotion = 3;
+
 /// What an error of the trackers follows, tested with all other unknowns following it.
 struct TrackerFlawTest {
   TrackerFlaw flaw = TrackerFlaw::kSag;
   double p = 1;
   double delaySeconds = 0;    // for kDelay
+  double delayError = 0;      // its standard error; infinite if it is not determined
   double mm = 0;              // root mean square over the photographs
   double degrees = 0;         // the same
   std::vector<Twist> byLoop;  // its part of the residuals, one for each loop
@@ -26,5 +30,8 @@ struct TrackerFlawTest {
 
 /// All flaws, for the loops in use.
 std::vector<TrackerFlawTest> TestTrackers(const Loops& loops, const Solution& solution);
+
+/// How accurately the loops show a delay of the poses, 95 %; nothing if they hardly do.
+std::optional<double> DelayKnownToSeconds(const Loops& loops, const Solution& solution);
 
 }  // namespace trackedcam::crosscheck

@@ -9,11 +9,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "crosscheck/not_still.h"
 #include "host/findings/finding_text.h"
 #include "host/input/excluded.h"
 #include "host/input/inputs.h"
 #include "host/input/photograph_checks.h"
 #include "host/lost_photographs.h"
+#include "host/motion_blur.h"
 #include "host/run/library_run.h"
 #include "host/run/run_folder.h"
 #include "host/second_run.h"
@@ -73,6 +75,9 @@ void CrossCheckRun(Report& report, bool hasResult) {
   }
   try {
     const Stopwatch stopwatch(report.seconds.crossCheck);
+    if (!crosscheck::AreRowsOfAFilm(*observations)) {
+      MeasureMotionBlur(report, *observations);
+    }
     report.crossCheck = crosscheck::Check(*observations);
   } catch (const std::invalid_argument& error) {
     addReason(error.what());  // such as a lens of nan in a log

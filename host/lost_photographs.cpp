@@ -11,6 +11,7 @@
 #include "host/input/image_header.h"
 #include "host/input/photograph_file.h"
 #include "host/parallel.h"
+#include "host/photograph_pixels.h"
 
 namespace trackedcam::host {
 namespace {
@@ -32,32 +33,11 @@ bool IsLensUncertain(const Report& report) {
          *record.lensError > kUnusualLensError * std::max(rows, kRows) / kRows;
 }
 
-// Empty for a name that is no path on this system.
-std::filesystem::path FileOf(const PhotographEntry& entry, const Report& report) {
-  try {
-    return report.inputs.workingFolder / std::filesystem::u8path(entry.name);
-  } catch (const std::exception&) {
-    return {};
-  }
-}
-
 // What the pixels of a photograph say, if they are asked.
 struct Looked {
   bool isIncomplete = false;
   std::optional<Sharpness> sharpness;
 };
-
-std::optional<Sharpness> SharpnessOf(const PhotographEntry& entry, const Report& report,
-                                     std::mutex& large) {
-  const RunRecord& record = report.run.record;
-  const auto header = ReadPhotographHeader(FileOf(entry, report));
-  const auto alone = header && IsLarge(*header) ? std::unique_lock<std::mutex>(large)
-                                                : std::unique_lock<std::mutex>();
-  const auto& raw = record.photographs.at(*entry.inRun).raw;
-  const std::vector<std::array<double, 2>> none;
-  return MeasureSharpness(FileOf(entry, report), record.board ? record.board->columns : 0,
-                          raw ? raw->corners : none);
-}
 
 // On all processors: each photograph is decoded once.
 std::vector<Looked> LookAt(const PhotographList& list, const Report& report, bool isLensUncertain) {

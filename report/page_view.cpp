@@ -320,6 +320,10 @@ Json CrossCheck(const Json& crossCheck, const std::string& level) {
           {"cornerNoise", known("/cornerNoisePixels", 3)},
           {"amplification", known("/diversity/amplification", 2)},
           {"photographsToHalve", known("/photographsToHalve", 0)},
+          {"delaySeen", known("/delayKnownToMs", 0)},
+          {"isDelayUnseen", ValueAt(crossCheck, "/solved") == true &&
+                                crossCheck.contains("delayKnownToMs") &&
+                                !NumberAt(crossCheck, "/delayKnownToMs")},
           {"scale", Scale(ValueAt(crossCheck, "/scale"))},
           {"squareFactor", known("/square/factor", 4)},
           {"squareError", known("/square/standardError", 4)},

@@ -12,7 +12,16 @@ namespace trackedcam::simulator {
 
 /// The purpose of random numbers. Each purpose has its own sequence, so that more noise, for
 /// example, does not move the camera.
-enum class Draw : std::uint32_t { kRig, kFlaws, kPose, kTrackers, kPicture, kSeat, kFrozen };
+enum class Draw : std::uint32_t {
+  kRig,
+  kFlaws,
+  kPose,
+  kTrackers,
+  kPicture,
+  kSeat,
+  kFrozen,
+  kTremor
+};
 
 class Random {
  public:

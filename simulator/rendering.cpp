@@ -188,7 +188,7 @@ cv::Mat PhotographRenderer::Render(int index) const {
 
   cv::Mat picture = Background({options.imageWidth, options.imageHeight}, random);
   if (photograph.flaw != Flaw::kWithoutChart) {
-    painter_.Paint(picture, photograph.Transform_Cam_Chart);
+    Expose(picture, index);
   }
   LightUnevenly(picture, options.unevenLight, random);
   Blur(picture, options.blurPixels);
@@ -196,6 +196,21 @@ cv::Mat PhotographRenderer::Render(int index) const {
   cv::Mat grey;
   picture.convertTo(grey, CV_8U);
   return grey;
+}
+
+// What moves during an exposure is the mean of where it is.
+void PhotographRenderer::Expose(cv::Mat& picture, int index) const {
+  const double exposure = shoot_.options.exposureMs;
+  const int instants = exposure > 0 ? 9 : 1;  // a pixel or two apart
+  const cv::Mat background = picture.clone();
+  cv::Mat sum = cv::Mat::zeros(picture.size(), picture.type());
+  for (int i = 0; i < instants; ++i) {
+    background.copyTo(picture);
+    const double before = exposure * ((i + 0.5) / instants - 0.5);
+    painter_.Paint(picture, ChartBefore(shoot_, static_cast<std::size_t>(index), before));
+    sum += picture;
+  }
+  picture = sum / instants;
 }
 
 }  // namespace trackedcam::simulator

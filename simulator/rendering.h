@@ -56,6 +56,8 @@ class PhotographRenderer {
   cv::Mat Render(int index) const;
 
  private:
+  void Expose(cv::Mat& picture, int index) const;
+
   const Shoot& shoot_;
   ChartPainter painter_;
 };

@@ -235,6 +235,18 @@ std::vector<Eigen::Matrix4d> Shoot::Matrices(Eigen::Isometry3d Photograph::*tran
   return matrices;
 }
 
+Eigen::Isometry3d ChartBefore(const Shoot& shoot, std::size_t photograph, double milliseconds) {
+  const auto posesAt = [&](std::size_t i) {
+    const Photograph& at = shoot.photographs.at(i);
+    return TrackerPoses{at.Transform_Base_Tc, at.Transform_Base_Tr};
+  };
+  const auto previous = photograph == 0 ? std::nullopt : std::optional(posesAt(photograph - 1));
+  const TrackerPoses before = PosesBefore(shoot.options, static_cast<int>(photograph),
+                                          posesAt(photograph), previous, milliseconds);
+  return shoot.Transform_Cam_Tc * before.Transform_Base_Tc.inverse() * before.Transform_Base_Tr *
+         shoot.trueMounting.Transform();
+}
+
 Shoot SimulateShoot(const ShootOptions& options) {
   CheckOptions(options);
   Random random(options.seed, Draw::kRig);

@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,9 @@ struct Shoot {
   /// One of the transforms for all photographs: Matrices(&Photograph::Transform_Cam_Chart).
   std::vector<Eigen::Matrix4d> Matrices(Eigen::Isometry3d Photograph::*transform) const;
 };
+
+/// Transform_Cam_Chart so long before a photograph, or after it if the time is negative.
+Eigen::Isometry3d ChartBefore(const Shoot& shoot, std::size_t photograph, double milliseconds);
 
 /// Simulates the geometry. It is fast, because no image is rendered.
 /// @throws std::invalid_argument if the shoot cannot be simulated; the text says what to change.

@@ -102,7 +102,9 @@ void CheckOptions(const ShootOptions& options) {
   RequireWithin("volumeBendMm", options.volumeBendMm, -100, 100);
   RequireAtLeast("poseErrorMm", options.poseErrorMm, 0);
   RequireAtLeast("poseErrorDegrees", options.poseErrorDegrees, 0);
-  RequireWithin("delayMs", options.delayMs, 0, 1000 * kSecondsBetweenPhotographs);
+  RequireWithin("delayMs", options.delayMs, 0, kMsBetweenPhotographs);
+  RequireWithin("exposureMs", options.exposureMs, 0, kMsBetweenPhotographs);
+  RequireAtLeast("tremorMmPerSecond", options.tremorMmPerSecond, 0);
   RequireAtLeast("sagMm", options.sagMm, 0);
   RequireAtLeast("looseMm", options.looseMm, 0);
   RequireWithin("frozenRows", options.frozenRows, 0, options.photographs - 1);

@@ -11,6 +11,7 @@
 namespace trackedcam::simulator {
 
 constexpr double kSecondsBetweenPhotographs = 2.5;
+constexpr double kMsBetweenPhotographs = 1e3 * kSecondsBetweenPhotographs;
 
 struct ShootOptions {
   std::uint64_t seed = 1;  // of all random numbers
@@ -45,6 +46,8 @@ struct ShootOptions {
   double poseErrorMm = 0;          // root mean square along each axis; it belongs to the pose
   double poseErrorDegrees = 0;     // root mean square about each axis; it belongs to the pose
   double delayMs = 0;              // of the reported poses, while the hands move
+  double exposureMs = 0;           // of a photograph, while the hands move
+  double tremorMmPerSecond = 0;    // of each hand along each axis, instead of moving evenly
   double sagMm = 0;                // of the camera's tracker on its mount, downwards
   double looseMm = 0;              // between two seats of the camera's tracker
   int frozenRows = 0;              // in a row, with the poses of the row before them

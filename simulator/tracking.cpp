@@ -7,8 +7,6 @@
 namespace trackedcam::simulator {
 namespace {
 
-constexpr double kSecondsPerMs = 1e-3;
-
 Eigen::Isometry3d RotationBy(const Eigen::Vector3d& rotation) {
   Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
   if (const double angle = rotation.norm(); angle > 0) {
@@ -28,6 +26,14 @@ Eigen::Isometry3d OnTheWayBack(const Eigen::Isometry3d& from, const Eigen::Isome
   return pose;
 }
 
+// A hand turns by as much as an arm of this length needs.
+Eigen::Isometry3d Trembled(const Eigen::Isometry3d& pose, double metres, Random& random) {
+  constexpr double kArmMetres = 0.3;
+  const Eigen::Vector3d along = random.NormalVector();
+  const Eigen::Vector3d about = random.NormalVector();
+  return pose * Eigen::Translation3d(metres * along) * RotationBy(metres / kArmMetres * about);
+}
+
 // An error that belongs to a pose and changes smoothly from one to another, as that of a measuring
 // arm. Each element has a root mean square of about 1.
 Eigen::Vector3d SmoothError(const Eigen::Isometry3d& pose, double phase) {
@@ -44,8 +50,26 @@ Eigen::Vector3d SmoothError(const Eigen::Isometry3d& pose, double phase) {
 
 }  // namespace
 
+TrackerPoses PosesBefore(const ShootOptions& options, int photograph, const TrackerPoses& at,
+                         const std::optional<TrackerPoses>& previous, double milliseconds) {
+  if (options.tremorMmPerSecond > 0) {
+    Random random(options.seed, Draw::kTremor, photograph);
+    const double metres = options.tremorMmPerSecond * 1e-6 * milliseconds;
+    TrackerPoses before;
+    before.Transform_Base_Tc = Trembled(at.Transform_Base_Tc, metres, random);
+    before.Transform_Base_Tr = Trembled(at.Transform_Base_Tr, metres, random);
+    return before;
+  }
+  if (milliseconds == 0 || !previous) {
+    return at;
+  }
+  const double share = milliseconds / kMsBetweenPhotographs;
+  return {OnTheWayBack(at.Transform_Base_Tc, previous->Transform_Base_Tc, share),
+          OnTheWayBack(at.Transform_Base_Tr, previous->Transform_Base_Tr, share)};
+}
+
 TrackerPoses Tracking::Report(const TrackerPoses& truth, Random& random) {
-  const TrackerPoses seen = Delayed(truth);
+  const TrackerPoses seen = PosesBefore(options_, photograph_, truth, before_, options_.delayMs);
   TrackerPoses reported;
   reported.Transform_Base_Tc =
       WithNoise(Distorted(Mounted(seen.Transform_Base_Tc)), noiseOfTc_, random);
@@ -53,16 +77,6 @@ TrackerPoses Tracking::Report(const TrackerPoses& truth, Random& random) {
   before_ = truth;
   ++photograph_;
   return reported;
-}
-
-// The hands move evenly from one photograph to the next.
-TrackerPoses Tracking::Delayed(const TrackerPoses& truth) const {
-  if (options_.delayMs == 0 || !before_) {
-    return truth;
-  }
-  const double share = options_.delayMs * kSecondsPerMs / kSecondsBetweenPhotographs;
-  return {OnTheWayBack(truth.Transform_Base_Tc, before_->Transform_Base_Tc, share),
-          OnTheWayBack(truth.Transform_Base_Tr, before_->Transform_Base_Tr, share)};
 }
 
 // Where the camera's tracker is on its mount, which bends under its weight and has two seats.

@@ -21,6 +21,11 @@ struct TrackerPoses {
   Eigen::Isometry3d Transform_Base_Tr = Eigen::Isometry3d::Identity();
 };
 
+/// Where both trackers were so long before a photograph, or will be if the time is negative. The
+/// hands move evenly from the photograph before, if there is one; or hold still and tremble.
+TrackerPoses PosesBefore(const ShootOptions& options, int photograph, const TrackerPoses& at,
+                         const std::optional<TrackerPoses>& previous, double milliseconds);
+
 class Tracking {
  public:
   /// The options must outlive the object.
@@ -36,7 +41,6 @@ class Tracking {
     Eigen::Vector3d translation;  // metres
   };
 
-  TrackerPoses Delayed(const TrackerPoses& truth) const;
   Eigen::Isometry3d Mounted(const Eigen::Isometry3d& Transform_Base_Tc) const;
   Eigen::Isometry3d Distorted(const Eigen::Isometry3d& pose) const;
   Eigen::Isometry3d WithNoise(const Eigen::Isometry3d& pose, std::optional<Noise>& noise,

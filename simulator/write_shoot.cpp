@@ -100,6 +100,8 @@ Json FlawsJson(const ShootOptions& options) {
           {"poseErrorMm", options.poseErrorMm},
           {"poseErrorDegrees", options.poseErrorDegrees},
           {"delayMs", options.delayMs},
+          {"exposureMs", options.exposureMs},
+          {"tremorMmPerSecond", options.tremorMmPerSecond},
           {"sagMm", options.sagMm},
           {"looseMm", options.looseMm},
           {"frozenRows", options.frozenRows},

@@ -167,6 +167,10 @@ void AddFlaws(Group group, SimulateOptions& options) {
                   "Error of a tracker's rotation that depends on\nits pose, about each axis");
   group.AddNumber("--delay-ms", shoot.delayMs, "MS",
                   "Delay of the reported poses in milliseconds,\nwhile the hands move");
+  group.AddNumber("--exposure-ms", shoot.exposureMs, "MS",
+                  "Exposure of a photograph in milliseconds,\nwhile the hands move");
+  group.AddNumber("--tremor", shoot.tremorMmPerSecond, "MM/S",
+                  "Speed at which the hands tremble along each\naxis, instead of moving evenly");
   group.AddNumber("--sag-mm", shoot.sagMm, "MM",
                   "Sag of the camera's tracker on its mount,\nalways downwards");
   group.AddNumber("--loose-mm", shoot.looseMm, "MM",

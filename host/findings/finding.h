@@ -203,7 +203,8 @@ using FindingKind =
                  crosscheck::SquareSizeOff, crosscheck::HalvesDiffer, crosscheck::LensUncertain,
                  crosscheck::TrackersUncertain, crosscheck::TrackersNoisy, crosscheck::LibraryApart,
                  crosscheck::ChartNotFlat, crosscheck::ChartStretched, crosscheck::LensModel,
-                 crosscheck::LensNotSeen, crosscheck::TrackerErrors, crosscheck::TrackerLoose>;
+                 crosscheck::LensNotSeen, crosscheck::TrackerErrors, crosscheck::NotStill,
+                 crosscheck::TrackerLoose>;
 
 struct Finding {
   Severity severity = Severity::kNote;

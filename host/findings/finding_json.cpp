@@ -228,6 +228,13 @@ Json ValuesOf(const crosscheck::TrackerErrors& fault) {
   return values;
 }
 
+Json ValuesOf(const crosscheck::NotStill& fault) {
+  return {{"p", NumberJson(fault.p)},
+          {"widerPixels", NumberJson(fault.widerPixels)},
+          {"pixels", NumberJson(fault.pixels)},
+          {"mm", NumberJson(fault.mm)}};
+}
+
 Json ValuesOf(const crosscheck::TrackerLoose& fault) {
   return {{"tracker", Name(fault.tracker)},
           {"mm", NumberJson(fault.mm)},

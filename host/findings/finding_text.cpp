@@ -409,6 +409,16 @@ struct Writer : InputWriter {
     return {};
   }
 
+  Sentences operator()(const crosscheck::NotStill& fault) const {
+    return {Name(fault),
+            "Camera or chart moved while photographs were taken: where the edges of the squares "
+            "are blurred along one direction, the corners are further off along it too, by " +
+                Fixed(fault.mm, 1) + " mm (" + Fixed(fault.pixels, 1) +
+                " pixels, root mean square). The poses are of another instant.",
+            "Hold camera and chart still in each photograph, with the pose taken at the same "
+            "instant."};
+  }
+
   Sentences operator()(const crosscheck::TrackerLoose& fault) const {
     return {Name(fault),
             std::string("The tracker on the ") + Name(fault.tracker) +

@@ -79,9 +79,8 @@ std::optional<double> WidthBetween(const cv::Mat& image, const cv::Point2d& a,
   return std::isfinite(width) ? std::optional(width) : std::nullopt;
 }
 
-// A motion blurs the edges across it only: the wider ones of both directions of the board.
-std::optional<double> WidthAtCorners(const cv::Mat& image, int columns,
-                                     const std::vector<std::array<double, 2>>& corners) {
+std::array<std::optional<double>, 2> WidthsAtCorners(
+    const cv::Mat& image, int columns, const std::vector<std::array<double, 2>>& corners) {
   std::array<std::vector<double>, 2> widths;
   const auto count = static_cast<int>(corners.size());
   const auto at = [&](int i) {
@@ -100,7 +99,7 @@ std::optional<double> WidthAtCorners(const cv::Mat& image, int columns,
       }
     }
   }
-  return std::max(Median(widths[0]), Median(widths[1]));
+  return {Median(widths[0]), Median(widths[1])};
 }
 
 // A blurred step of the contrast c has the slope c / (sigma * sqrt(2 pi)); from 10 % to 90 % it is
@@ -153,9 +152,15 @@ std::optional<Sharpness> MeasureSharpness(const std::filesystem::path& file, int
   }
   Sharpness sharpness;
   sharpness.heightPixels = image.rows;
-  sharpness.edgeWidthPixels = corners.empty() || columns < 2
-                                  ? WidthOfStrongEdges(image)
-                                  : WidthAtCorners(image, columns, corners);
+  if (corners.empty() || columns < 2) {
+    sharpness.edgeWidthPixels = WidthOfStrongEdges(image);
+  } else {
+    const auto [ofRows, ofColumns] = WidthsAtCorners(image, columns, corners);
+    sharpness.edgeWidthPixels = std::max(ofRows, ofColumns);
+    if (ofRows && ofColumns) {
+      sharpness.byDirection = {*ofRows, *ofColumns};
+    }
+  }
   constexpr int kBlock = 16;  // rows that a decoder fills at once
   sharpness.repeatsLastRow =
       image.rows > kBlock &&

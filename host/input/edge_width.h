@@ -14,6 +14,9 @@ struct Sharpness {
   int heightPixels = 0;
   /// From 10 % to 90 % of the contrast, the median; nothing without strong edges.
   std::optional<double> edgeWidthPixels;
+  /// At the corners of a board: of the borders along its rows, and along its columns. A motion
+  /// blurs those across it only.
+  std::optional<std::array<double, 2>> byDirection;
   bool repeatsLastRow = false;  // the rows above it are the same, as where a file is cut short
 };
 

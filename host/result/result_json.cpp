@@ -328,6 +328,8 @@ Json CrossCheckJson(const Report& report) {
   json["imageCells"] = ImageCellsJson(check.imageCells);
   json["onScreen"] = OnScreenJson(check.onScreen);
   json["suggestedViews"] = SuggestedViewsJson(check.suggestedViews);
+  json["delayKnownToMs"] =
+      check.delayKnownToSeconds ? NumberJson(1e3 * *check.delayKnownToSeconds) : Json(nullptr);
   json["photographsToHalve"] =
       check.photographsToHalve ? Json(*check.photographsToHalve) : Json(nullptr);
   json["calibration"] =

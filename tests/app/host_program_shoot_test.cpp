@@ -77,6 +77,10 @@ TEST_F(HostProgramShoot, SimulateMakesWhatTheCalibrationDoesNotModel) {
                                              "0.25",
                                              "--delay-ms",
                                              "20",
+                                             "--exposure-ms",
+                                             "5",
+                                             "--tremor",
+                                             "40",
                                              "--sag-mm",
                                              "1",
                                              "--pose-error-degrees",
@@ -97,7 +101,8 @@ TEST_F(HostProgramShoot, SimulateMakesWhatTheCalibrationDoesNotModel) {
   const Json truth = Read("truth.json");
   EXPECT_EQ(truth["flaws"], Json::parse(R"({
     "printStretch": 0.005, "chartBowMetres": 0.002, "noiseCorrelation": 0.5, "trackerScale": 1.005,
-    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "sagMm": 1,
+    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "exposureMs": 5,
+    "tremorMmPerSecond": 40, "sagMm": 1,
     "looseMm": 2, "frozenRows": 4, "heldPoses": 5, "repeatedRows": true, "turntable": true})"));
   EXPECT_EQ(truth["frozen"].size(), 4U);
   // Of the default lens k1 and k2 remain.

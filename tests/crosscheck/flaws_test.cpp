@@ -14,6 +14,8 @@
 #include "crosscheck/kit/known_shoot.h"
 #include "crosscheck/kit/reported.h"
 #include "crosscheck/kit/shoot_flaws.h"
+#include "crosscheck/not_still.h"
+#include "simulator/random.h"
 #include "simulator/shoot.h"
 
 namespace trackedcam::crosscheck {
@@ -284,6 +286,76 @@ TEST(TrackerFlawsTest, PosesThatAreLateAreNamedWithTheDelay) {
     EXPECT_FALSE(Has<TrackerErrors>(other) &&
                  Get<TrackerErrors>(other).follow == TrackerFlaw::kDelay);
   }
+}
+
+// Edges as they are blurred by the optics and by the motion during an exposure; 10 % to 90 % of the
+// contrast are 2.56 standard deviations of the one, and 80 % of the other's length.
+void BlurEdges(const simulator::Shoot& simulated, double exposureMs, Observations& observations) {
+  simulator::Random random(simulated.options.seed, simulator::Draw::kSeat);
+  const auto columns = static_cast<std::size_t>(observations.boardColumns);
+  for (std::size_t i = 0; i < observations.photographs.size(); ++i) {
+    Photograph& photograph = observations.photographs[i];
+    const auto middleAt = [&](double milliseconds) {
+      const auto pose = simulator::ChartBefore(simulated, i, milliseconds);
+      return simulated.lens.Project(pose * simulated.options.chart.Corners()[22]);
+    };
+    const Eigen::Vector2d motion = middleAt(-exposureMs / 2) - middleAt(exposureMs / 2);
+    const auto widthAcross = [&](const Eigen::Vector2d& edge) {
+      const double length = std::abs(Eigen::Vector2d(-edge.y(), edge.x()).normalized().dot(motion));
+      return std::hypot(2.56, 0.8 * length) * (1 + 0.03 * random.Normal());
+    };
+    const auto& corners = photograph.corners;
+    photograph.edgeWidths = {widthAcross(corners[columns - 1] - corners.front()),
+                             widthAcross(corners[corners.size() - columns] - corners.front())};
+  }
+}
+
+CrossCheck CheckBlurred(double delayMs, std::uint64_t seed) {
+  simulator::ShootOptions options = FortyNoisy(seed);
+  options.tremorMmPerSecond = 50;
+  options.delayMs = delayMs;
+  const simulator::Shoot simulated = simulator::SimulateShoot(options);
+  KnownShoot shoot = MakeShoot(simulated, kCornerNoise);
+  BlurEdges(simulated, 10, shoot.observations);
+  return CheckWithLibrary(shoot);
+}
+
+TEST(NotStillTest, ErrorsThatFollowTheBlurAreNamed) {
+  for (std::uint64_t seed = 31; seed < 36; ++seed) {
+    SCOPED_TRACE(seed);
+    const CrossCheck check = CheckBlurred(30, seed);
+    ASSERT_TRUE(Has<NotStill>(check));
+    EXPECT_LT(Get<NotStill>(check).p, 1e-3);
+    EXPECT_GT(Get<NotStill>(check).mm, 1);
+  }
+}
+
+TEST(NotStillTest, BlurWithoutErrorsIsNot) {
+  for (std::uint64_t seed = 31; seed < 51; ++seed) {
+    EXPECT_FALSE(Has<NotStill>(CheckBlurred(0, seed))) << "seed " << seed;
+  }
+}
+
+TEST(NotStillTest, RowsThatAreCloseInTimeShowADelay) {
+  const KnownShoot shoot = MakeShoot(FortyNoisy(31), kCornerNoise);
+  EXPECT_FALSE(AreRowsOfAFilm(shoot.observations));
+  const CrossCheck check = CheckWithLibrary(shoot);
+  ASSERT_TRUE(check.delayKnownToSeconds);
+  EXPECT_GT(*check.delayKnownToSeconds, 0.0005);
+  EXPECT_LT(*check.delayKnownToSeconds, 0.02);
+  for (const double scale : {10.0, 0.0, -1.0, std::nan("")}) {
+    KnownShoot apart = shoot;
+    for (Photograph& photograph : apart.observations.photographs) {
+      photograph.seconds *= scale;
+    }
+    EXPECT_FALSE(CheckWithLibrary(apart).delayKnownToSeconds) << scale;
+    EXPECT_FALSE(AreRowsOfAFilm(apart.observations)) << scale;
+  }
+  KnownShoot film = shoot;
+  for (Photograph& photograph : film.observations.photographs) {
+    photograph.seconds /= 10;
+  }
+  EXPECT_TRUE(AreRowsOfAFilm(film.observations));
 }
 
 TEST(TrackerFlawsTest, ALooseTrackerIsNamedWithThePhotographsOfItsSecondSeat) {

@@ -404,5 +404,27 @@ TEST_F(CalibrateTest, NamesFilesThatAreCutShort) {
   EXPECT_EQ(Find<UnsharpPhotographs>(report), nullptr);
 }
 
+// The hands tremble, and the poses are those of 30 ms before: only the pictures show it.
+TEST_F(CalibrateTest, NamesPhotographsThatWereTakenInMotion) {
+  simulator::ShootOptions options = Small(24);
+  options.imageWidth = 960;
+  options.imageHeight = 540;
+  options.trackerNoiseMm = 0.3;
+  options.trackerNoiseDegrees = 0.05;
+  options.exposureMs = 20;
+  options.tremorMmPerSecond = 60;
+  for (const double delayMs : {30.0, 0.0}) {
+    SCOPED_TRACE(delayMs);
+    options.delayMs = delayMs;
+    const Report report = WithMounting(Simulate(options));
+    const Finding* motion = Find<crosscheck::NotStill>(report);
+    ASSERT_EQ(motion != nullptr, delayMs != 0);
+    if (motion != nullptr) {
+      EXPECT_GT(std::get<crosscheck::NotStill>(motion->kind).mm, 1);
+      EXPECT_EQ(report.verdict.level, Level::kDoubtful);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace trackedcam::host

@@ -128,6 +128,7 @@ std::vector<Finding> CrossCheckSamples() {
   kinds.emplace_back(crosscheck::ChartStretched{-0.00495, 2.1, 0.02});
   kinds.emplace_back(crosscheck::LensModel{0.001, -0.00012, 0, 0.3, 0.21, 0.19, 4});
   kinds.emplace_back(crosscheck::LensModel{0, 0, -0.29, 0.1, 0.01, 0.4, 4});
+  kinds.emplace_back(crosscheck::NotStill{1e-5, 3.2, 2.41, 1.23});
   kinds.emplace_back(crosscheck::LensNotSeen{0.062, 5.31, {crosscheck::ImagePart::kUpperRight}});
   kinds.emplace_back(crosscheck::LensNotSeen{0.41, kNaN, UpTo(crosscheck::ImagePart::kLowerRight)});
   kinds.emplace_back(crosscheck::TrackerErrors{std::nullopt, 0.0005, 0, kNaN, kNaN, kNaN, kNaN});

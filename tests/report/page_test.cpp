@@ -378,6 +378,18 @@ TEST(Uncertainty, SaysWhatAnErrorOfTheLengthsDoes) {
 }
 
 // Its values would be typed into an engine.
+TEST(Uncertainty, SaysWhetherTheRowsShowADelay) {
+  const auto delayOf = [](const Json& knownToMs) {
+    Json result = WholeResult();
+    result["crossCheck"]["solved"] = true;
+    result["crossCheck"]["delayKnownToMs"] = knownToMs;
+    const Json view = PageView(result, {}, "")["crossCheck"];
+    return std::make_pair(view["delaySeen"], view["isDelayUnseen"]);
+  };
+  EXPECT_EQ(delayOf(12.4), std::make_pair(Json("12"), Json(false)));
+  EXPECT_EQ(delayOf(nullptr), std::make_pair(Json(), Json(true)));
+}
+
 TEST(Answer, OffersNothingToCopyOfAResultThatIsWrong) {
   Json result = WholeResult();
   EXPECT_THAT(BodyOf(PageOf(result)), HasSubstr("Copy the 16 numbers"));

@@ -89,6 +89,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Refusal{"poseErrorMm", [](auto& o) { o.poseErrorMm = -1; }},
                     Refusal{"poseErrorDegrees", [](auto& o) { o.poseErrorDegrees = -1; }},
                     Refusal{"delayMs must be from 0 to 2500", [](auto& o) { o.delayMs = 2501; }},
+                    Refusal{"exposureMs", [](auto& o) { o.exposureMs = -1; }},
+                    Refusal{"tremorMmPerSecond", [](auto& o) { o.tremorMmPerSecond = -1; }},
                     Refusal{"sagMm", [](auto& o) { o.sagMm = -1; }},
                     Refusal{"looseMm", [](auto& o) { o.looseMm = -1; }},
                     Refusal{"frozenRows must be from 0 to 19", [](auto& o) { o.frozenRows = 20; }},

@@ -55,7 +55,8 @@ TEST_F(TruthTextTest, HoldsTheWholeDistortion) {
 TEST_F(TruthTextTest, HoldsWhatTheCalibrationDoesNotModel) {
   EXPECT_EQ(truth["flaws"], json::parse(R"({
     "printStretch": 0, "chartBowMetres": 0, "noiseCorrelation": 0, "trackerScale": 1,
-    "volumeBendMm": 0, "poseErrorMm": 0, "poseErrorDegrees": 0, "delayMs": 0, "sagMm": 0,
+    "volumeBendMm": 0, "poseErrorMm": 0, "poseErrorDegrees": 0, "delayMs": 0, "exposureMs": 0,
+    "tremorMmPerSecond": 0, "sagMm": 0,
     "looseMm": 0, "frozenRows": 0, "heldPoses": 1, "repeatedRows": false, "turntable": false})"));
   EXPECT_EQ(truth["frozen"], json::array());
 
@@ -67,6 +68,8 @@ TEST_F(TruthTextTest, HoldsWhatTheCalibrationDoesNotModel) {
   options.poseErrorMm = 0.25;
   options.poseErrorDegrees = 0.125;
   options.delayMs = 20;
+  options.exposureMs = 5;
+  options.tremorMmPerSecond = 40;
   options.sagMm = 1;
   options.looseMm = 2;
   options.frozenRows = 2;
@@ -76,7 +79,8 @@ TEST_F(TruthTextTest, HoldsWhatTheCalibrationDoesNotModel) {
   truth = json::parse(TruthText(shoot));
   EXPECT_EQ(truth["flaws"], json::parse(R"({
     "printStretch": 0.005, "chartBowMetres": 0.002, "noiseCorrelation": 0.5, "trackerScale": 1.004,
-    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "sagMm": 1,
+    "volumeBendMm": 3, "poseErrorMm": 0.25, "poseErrorDegrees": 0.125, "delayMs": 20, "exposureMs": 5,
+    "tremorMmPerSecond": 40, "sagMm": 1,
     "looseMm": 2, "frozenRows": 2, "heldPoses": 4, "repeatedRows": true, "turntable": true})"));
   json frozen = json::array();
   for (const Photograph& photograph : shoot.photographs) {
