@@ -19,7 +19,6 @@
 #include "crosscheck/photographs.h"
 #include "crosscheck/reported_poses.h"
 #include "crosscheck/solve.h"
-#include "crosscheck/start.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/step.h"
 #include "crosscheck/tracker_flaws.h"
@@ -29,8 +28,6 @@
 
 namespace trackedcam::crosscheck {
 namespace {
-
-constexpr int kStartSamples = 100;
 
 void Require(bool holds, const char* message) {
   if (!holds) {
@@ -84,28 +81,6 @@ void CheckObservations(const Observations& observations) {
   Require(std::all_of(observations.atMetres.begin(), observations.atMetres.end(),
                       [](double metres) { return metres > 0 && std::isfinite(metres); }),
           "Distances must be positive and finite.");
-}
-
-std::optional<Solution> SolveShoot(const Evidence& evidence) {
-  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kStartSamples);
-  if (!start || !evidence.nuisanceCovariance.allFinite()) {
-    return std::nullopt;
-  }
-  Solution from;
-  from.Transform_Cam_Tc = start->Transform_Cam_Tc;
-  from.Transform_Tr_Chart = start->Transform_Tr_Chart;
-  // The noise converges from any start within some orders of magnitude.
-  const double metres = std::max(start->medianMetres, 1e-5);
-  from.noise = {metres * metres, metres * metres, false};
-  from.nuisanceRoot = evidence.nuisanceRoot;
-  SolveOptions options;
-  options.first = start->closest;
-  auto solution = Solve(evidence.loops, from, options);
-  const bool isFinite = solution && solution->covariance.allFinite() &&
-                        solution->byNuisances.allFinite() &&
-                        solution->Transform_Cam_Tc.matrix().allFinite() &&
-                        solution->Transform_Tr_Chart.matrix().allFinite();
-  return isFinite ? solution : std::nullopt;
 }
 
 std::size_t UsedPhotographs(const Loops& loops, const Solution& solution) {

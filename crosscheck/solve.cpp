@@ -6,6 +6,7 @@
 
 #include <Eigen/Cholesky>
 
+#include "crosscheck/start.h"
 #include "crosscheck/statistics.h"
 #include "crosscheck/symmetric.h"
 
@@ -365,6 +366,29 @@ std::optional<Solution> Solve(const Loops& loops, Solution from, const SolveOpti
     solution.used = used;
   }
   return solution;
+}
+
+std::optional<Solution> SolveShoot(const Evidence& evidence) {
+  constexpr int kSamples = 100;
+  const auto start = FindStart(evidence.loops, BoardDistance(evidence), kSamples);
+  if (!start || !evidence.nuisanceCovariance.allFinite()) {
+    return std::nullopt;
+  }
+  Solution from;
+  from.Transform_Cam_Tc = start->Transform_Cam_Tc;
+  from.Transform_Tr_Chart = start->Transform_Tr_Chart;
+  // The noise converges from any start within some orders of magnitude.
+  const double metres = std::max(start->medianMetres, 1e-5);
+  from.noise = {metres * metres, metres * metres, false};
+  from.nuisanceRoot = evidence.nuisanceRoot;
+  SolveOptions options;
+  options.first = start->closest;
+  auto solution = Solve(evidence.loops, from, options);
+  const bool isFinite = solution && solution->covariance.allFinite() &&
+                        solution->byNuisances.allFinite() &&
+                        solution->Transform_Cam_Tc.matrix().allFinite() &&
+                        solution->Transform_Tr_Chart.matrix().allFinite();
+  return isFinite ? solution : std::nullopt;
 }
 
 }  // namespace trackedcam::crosscheck

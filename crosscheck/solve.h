@@ -99,4 +99,7 @@ double Freedom(std::size_t used);
 /// @return Nothing if the loops do not determine the unknowns.
 std::optional<Solution> Solve(const Loops& loops, Solution from, const SolveOptions& options);
 
+/// Of a whole shoot, from the first solution that random samples give. Nothing if there is none.
+std::optional<Solution> SolveShoot(const Evidence& evidence);
+
 }  // namespace trackedcam::crosscheck

@@ -14,8 +14,6 @@
 namespace trackedcam::crosscheck {
 namespace {
 
-using Columns = Eigen::Matrix<double, 6, Eigen::Dynamic>;  // of the residual, a left twist
-
 // The positions of all trackers: their centre, and their root mean square distance from it.
 struct Volume {
   Eigen::Vector3d centre = Eigen::Vector3d::Zero();
@@ -106,8 +104,6 @@ Columns ByDelay(const Loops& loops, std::size_t index, bool isLate, const Soluti
   return columns;
 }
 
-using ColumnsOf = std::function<Columns(std::size_t)>;  // by the index of the loop
-
 // Columns that explain a part of the residuals.
 struct Explanation {
   Eigen::VectorXd value;       // of each column
@@ -156,15 +152,24 @@ Explanation ByOne(const Eigen::MatrixXd& left, const Eigen::VectorXd& towards) {
   return best;
 }
 
-TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& loops,
-                     const Solution& solution) {
+// Of all columns, each in units of its own size.
+struct Equations {
+  Eigen::VectorXd scale;
+  Eigen::MatrixXd left;     // by each other, without what the unknowns take up
+  Eigen::VectorXd towards;  // by the residuals
+  Eigen::MatrixXd shared;   // by the unknowns, not in these units
+  double squares = 0;       // of all residuals
+};
+
+Equations EquationsOf(const ColumnsOf& columnsOf, const Loops& loops, const Solution& solution) {
   const Eigen::Index size = columnsOf(0).cols();
   const Eigen::Index unknowns = solution.covariance.rows();
   Eigen::MatrixXd information = Eigen::MatrixXd::Zero(size, size);
-  Eigen::MatrixXd shared = Eigen::MatrixXd::Zero(size, unknowns);
   Eigen::VectorXd towards = Eigen::VectorXd::Zero(size);
   Eigen::MatrixXd sharedByNuisances = Eigen::MatrixXd::Zero(size, solution.nuisanceShift.size());
-  double squares = solution.nuisanceShift.squaredNorm();
+  Equations equations;
+  equations.shared = Eigen::MatrixXd::Zero(size, unknowns);
+  equations.squares = solution.nuisanceShift.squaredNorm();
   for (std::size_t i = 0; i < loops.size(); ++i) {
     if (!solution.used[i]) {
       continue;
@@ -173,34 +178,42 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
     const Eigen::MatrixXd weighted =
         columns.transpose() * Inverse(CovarianceOf(loops[i], solution, solution.noise));
     information += weighted * columns;
-    shared += weighted * DesignOf(loops[i], i, solution);
+    equations.shared += weighted * DesignOf(loops[i], i, solution);
     sharedByNuisances += weighted * OwnOfNuisances(loops[i], i, solution);
     towards += weighted * Remaining(loops[i], i, solution);
-    squares += solution.disagreement[i];
+    equations.squares += solution.disagreement[i];
   }
-  TrackerFlawTest test;
-  test.flaw = flaw;
   // Some directions are those of the transforms or of the lens, which have taken them up.
   const Eigen::MatrixXd left =
-      information - shared * solution.covariance * shared.transpose() -
+      information - equations.shared * solution.covariance * equations.shared.transpose() -
       sharedByNuisances * solution.nuisanceLeft * sharedByNuisances.transpose();
-  const Eigen::VectorXd scale = information.diagonal().cwiseMax(1e-30).cwiseSqrt().cwiseInverse();
-  const Eigen::MatrixXd scaledLeft = scale.asDiagonal() * left * scale.asDiagonal();
-  const Eigen::VectorXd scaledTowards = scale.cwiseProduct(towards);
-  Explanation best = ByAll(scaledLeft, scaledTowards);
+  equations.scale = information.diagonal().cwiseMax(1e-30).cwiseSqrt().cwiseInverse();
+  equations.left = equations.scale.asDiagonal() * left * equations.scale.asDiagonal();
+  equations.towards = equations.scale.cwiseProduct(towards);
+  return equations;
+}
+
+TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& loops,
+                     const Solution& solution) {
+  const auto [scale, left, towards, shared, squares] = EquationsOf(columnsOf, loops, solution);
+  const double allSquares = squares;  // lambdas of C++17 cannot capture structured bindings
+  const Eigen::Index unknowns = solution.covariance.rows();
+  TrackerFlawTest test;
+  test.flaw = flaw;
+  Explanation best = ByAll(left, towards);
   const auto pOf = [&](const Explanation& explanation) {
     const double freedom = 6.0 * static_cast<double>(solution.Used()) -
                            static_cast<double>(unknowns) - explanation.elements;
-    const double rest = squares - explanation.gain;
+    const double rest = allSquares - explanation.gain;
     return explanation.elements > 0 && freedom > 0 && rest > 0
                ? HotellingTail(explanation.gain * freedom / rest, explanation.elements, freedom)
                : 1;
   };
   test.p = pOf(best);
-  if (size > 1) {
+  if (left.cols() > 1) {
     // A flaw that is mostly one of the columns is seen more surely in that one alone.
-    const Explanation one = ByOne(scaledLeft, scaledTowards);
-    const double pOfOne = std::min(1.0, static_cast<double>(size) * pOf(one));
+    const Explanation one = ByOne(left, towards);
+    const double pOfOne = std::min(1.0, static_cast<double>(left.cols()) * pOf(one));
     best = pOfOne < test.p ? one : best;
     test.p = std::min(1.0, 2 * std::min(pOfOne, test.p));  // two were tried
   }
@@ -228,6 +241,13 @@ TrackerFlawTest Test(TrackerFlaw flaw, const ColumnsOf& columnsOf, const Loops& 
 }
 
 }  // namespace
+
+ColumnFit FitColumns(const ColumnsOf& columnsOf, const Loops& loops, const Solution& solution) {
+  const Equations equations = EquationsOf(columnsOf, loops, solution);
+  const Explanation all = ByAll(equations.left, equations.towards);
+  const auto scale = equations.scale.asDiagonal();
+  return {scale * all.value, scale * all.covariance * scale, all.elements == all.value.size()};
+}
 
 std::optional<double> DelayKnownToSeconds(const Loops& loops, const Solution& solution) {
   constexpr double kUseful = 0.02;  // less accurately it might as well not be known

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -27,6 +29,19 @@ struct TrackerFlawTest {
   Eigen::VectorXd moved;      // the unknowns of the solution if the flaw were taken away
   Eigen::MatrixXd covarianceOfMoved;
 };
+
+/// Columns of the residual of a loop, a left twist, by the loop's index.
+using Columns = Eigen::Matrix<double, 6, Eigen::Dynamic>;
+using ColumnsOf = std::function<Columns(std::size_t)>;
+
+/// What is left of the residuals as a sum of columns, with all unknowns following it.
+struct ColumnFit {
+  Eigen::VectorXd value;       // of each column
+  Eigen::MatrixXd covariance;  // of the values
+  bool isDetermined = false;   // all are; otherwise the others are 0
+};
+
+ColumnFit FitColumns(const ColumnsOf& columnsOf, const Loops& loops, const Solution& solution);
 
 /// All flaws, for the loops in use.
 std::vector<TrackerFlawTest> TestTrackers(const Loops& loops, const Solution& solution);

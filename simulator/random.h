@@ -20,7 +20,11 @@ enum class Draw : std::uint32_t {
   kPicture,
   kSeat,
   kFrozen,
-  kTremor
+  kTremor,
+  kRoad,
+  kHands,
+  kStream,
+  kDropped
 };
 
 class Random {
