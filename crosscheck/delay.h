@@ -12,14 +12,14 @@
 namespace trackedcam::crosscheck {
 
 struct Delay {
-  double seconds = 0;           // by which poses of a later time fit better, at the mean time
-  double error = 0;             // standard error
-  double drift = 0;             // seconds of delay per second
-  double driftError = 0;        // standard error
-  double meanSeconds = 0;       // of the photographs that are used
-  double t95 = 0;               // standard errors times this: half the width of the 95 % interval
-  std::size_t used = 0;         // photographs
-  double trackerNoiseMm = 0;    // along each axis
+  double seconds = 0;         // by which poses of a later time fit better, at the mean time
+  double error = 0;           // standard error
+  double drift = 0;           // seconds of delay per second
+  double driftError = 0;      // standard error
+  double meanSeconds = 0;     // of the photographs that are used
+  double t95 = 0;             // standard errors times this: half the width of the 95 % interval
+  std::size_t used = 0;       // photographs
+  double trackerNoiseMm = 0;  // along each axis
   double trackerNoiseDegrees = 0;
 };
 

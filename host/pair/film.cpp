@@ -1,0 +1,143 @@
+#include "host/pair/film.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <string_view>
+
+#include "host/input/data_file.h"
+#include "host/input/input_error.h"
+#include "host/text/files.h"
+
+namespace trackedcam::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kMostFrames = 1000000;
+
+bool IsPicture(const fs::path& file) {
+  static const std::set<std::string> kExtensions = {".jpg",  ".jpeg", ".png", ".bmp",
+                                                    ".tiff", ".tif",  ".webp"};
+  std::string extension = file.extension().u8string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return kExtensions.count(extension) != 0;
+}
+
+std::string_view WithoutZeros(std::string_view digits) {
+  const std::size_t first = digits.find_first_not_of('0');
+  return first == std::string_view::npos ? std::string_view() : digits.substr(first);
+}
+
+// frame9 before frame10.
+bool IsBeforeByNumbers(const std::string& a, const std::string& b) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < a.size() && j < b.size()) {
+    if (isDigit(a[i]) && isDigit(b[j])) {
+      const std::size_t beginA = i;
+      const std::size_t beginB = j;
+      while (i < a.size() && isDigit(a[i])) {
+        ++i;
+      }
+      while (j < b.size() && isDigit(b[j])) {
+        ++j;
+      }
+      const auto numberA = WithoutZeros(std::string_view(a).substr(beginA, i - beginA));
+      const auto numberB = WithoutZeros(std::string_view(b).substr(beginB, j - beginB));
+      if (numberA.size() != numberB.size()) {
+        return numberA.size() < numberB.size();
+      }
+      if (numberA != numberB) {
+        return numberA < numberB;
+      }
+    } else if (a[i] != b[j]) {
+      return a[i] < b[j];
+    } else {
+      ++i;
+      ++j;
+    }
+  }
+  return a.size() - i < b.size() - j || (a.size() - i == b.size() - j && a < b);
+}
+
+std::vector<std::string> PicturesIn(const fs::path& folder) {
+  std::error_code error;
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+    if (names.size() < kMostFrames && IsPicture(entry.path()) && entry.is_regular_file(error)) {
+      names.push_back(entry.path().filename().u8string());
+    }
+  }
+  if (names.empty()) {
+    throw InputError(folder.u8string() + " has no pictures: name the folder of the film's frames");
+  }
+  std::sort(names.begin(), names.end(), IsBeforeByNumbers);
+  return names;
+}
+
+[[noreturn]] void ThrowAt(const fs::path& file, std::size_t line, const std::string& reason) {
+  throw InputError(file.u8string() + ", line " + std::to_string(line) + ": " + reason);
+}
+
+}  // namespace
+
+Film ReadFilm(const fs::path& folder, const fs::path& times) {
+  const std::vector<std::string> names = PicturesIn(folder);
+  const std::set<std::string> pictures(names.begin(), names.end());
+  Film film;
+  film.folder = folder;
+  std::set<std::string> timed;
+  std::set<double> seconds;
+  std::size_t line = 0;
+  const std::string content = ReadDataContent(times);
+  for (std::size_t begin = 0; begin < content.size();) {
+    const std::size_t end = std::min(content.find('\n', begin), content.size());
+    const std::string_view text = Trim(std::string_view(content).substr(begin, end - begin));
+    begin = end + 1;
+    ++line;
+    if (text.empty()) {
+      continue;
+    }
+    const std::vector<std::string_view> fields = SplitFields(text);
+    if (line == 1) {
+      if (fields.size() < 2 || Trim(fields[0]) != "frame" || Trim(fields[1]) != "time") {
+        ThrowAt(times, 1, "the header must be frame,time");
+      }
+      continue;
+    }
+    if (fields.size() < 2 || KindOf(fields[1]) != FieldKind::kNumber) {
+      ThrowAt(times, line, "expected a frame and its time in seconds");
+    }
+    const std::string name(Trim(fields[0]));
+    const double at = NumberIn(fields[1]);
+    if (pictures.count(name) == 0) {
+      ++film.timesWithoutFrame;
+    } else if (!timed.insert(name).second || !seconds.insert(at).second) {
+      ++film.repeatedTimes;
+    } else {
+      film.frames.push_back({name, at});
+    }
+  }
+  if (film.frames.empty()) {
+    throw InputError(times.u8string() + " names no frame of " + folder.u8string() + ": its first " +
+                     "column must have the names of the files, such as " + names.front());
+  }
+  film.framesWithoutTime = names.size() - timed.size();
+  std::sort(film.frames.begin(), film.frames.end(),
+            [](const FilmFrame& a, const FilmFrame& b) { return a.seconds < b.seconds; });
+  return film;
+}
+
+Film ReadFilm(const fs::path& folder, double framesPerSecond) {
+  Film film;
+  film.folder = folder;
+  for (const std::string& name : PicturesIn(folder)) {
+    film.frames.push_back({name, static_cast<double>(film.frames.size()) / framesPerSecond});
+  }
+  return film;
+}
+
+}  // namespace trackedcam::host
