@@ -15,6 +15,7 @@
 #include "app/commands/config_file.h"
 #include "app/commands/crosscheck_command.h"
 #include "app/commands/export_command.h"
+#include "app/commands/pair_command.h"
 #include "app/commands/report_command.h"
 #include "app/commands/simulate_command.h"
 #include "app/commands/verify_command.h"
@@ -66,6 +67,7 @@ int Run(int argc, char** argv) {
   trackedcam::app::AddCompareCommand(program, status);
   trackedcam::app::AddCrosscheckCommand(program, commandLine, status);
   trackedcam::app::AddExportCommand(program, status);
+  trackedcam::app::AddPairCommand(program, status);
   trackedcam::app::AddReportCommand(program, status);
   trackedcam::app::AddSimulateCommand(program, status);
   trackedcam::app::AddVerifyCommand(program, status);

@@ -130,8 +130,8 @@ std::optional<CoarseDelay> FindCoarseDelay(const std::vector<SeenFrame>& frames,
     places.push_back(std::lround((speed.seconds - film.front().seconds) / kStep));
   }
   std::vector<double> correlations;  // by the shift, from the least on
-  for (std::ptrdiff_t shift = -places.back();
-       shift < static_cast<std::ptrdiff_t>(trackers.size()); ++shift) {
+  for (std::ptrdiff_t shift = -places.back(); shift < static_cast<std::ptrdiff_t>(trackers.size());
+       ++shift) {
     correlations.push_back(Correlation(film, places, trackers, shift));
   }
   const auto isLess = [](double a, double b) { return std::isnan(a) || (!std::isnan(b) && a < b); };
@@ -144,7 +144,8 @@ std::optional<CoarseDelay> FindCoarseDelay(const std::vector<SeenFrame>& frames,
   const auto shift = (best - correlations.begin()) - places.back();
   coarse.seconds = first + static_cast<double>(shift) * kStep - film.front().seconds;
   for (auto other = correlations.begin(); other != correlations.end(); ++other) {
-    if (std::abs(static_cast<double>(other - best)) * kStep > kOtherPlace && *other > coarse.nextBest) {
+    if (std::abs(static_cast<double>(other - best)) * kStep > kOtherPlace &&
+        *other > coarse.nextBest) {
       coarse.nextBest = *other;
     }
   }

@@ -16,7 +16,7 @@ namespace trackedcam::host {
 
 /// A frame in which the board was found.
 struct SeenFrame {
-  double seconds = 0;                          // of the film's clock
+  double seconds = 0;  // of the film's clock
   BoardCorners corners;
   crosscheck::Pose Transform_Cam_Chart;
 };
@@ -40,7 +40,7 @@ struct Clock {
 struct RelativePose {
   crosscheck::TrackerPose camera;  // as recorded
   crosscheck::TrackerPose chart;
-  crosscheck::Twist perSecond;     // left twist of Transform_Tc_Tr, in the axes of the model
+  crosscheck::Twist perSecond;  // left twist of Transform_Tc_Tr, in the axes of the model
 };
 
 /// As the trackers report it.

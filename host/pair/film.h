@@ -16,10 +16,10 @@ struct FilmFrame {
 
 struct Film {
   std::filesystem::path folder;
-  std::vector<FilmFrame> frames;       // by rising time
-  std::size_t framesWithoutTime = 0;   // left out
-  std::size_t timesWithoutFrame = 0;   // left out
-  std::size_t repeatedTimes = 0;       // left out: frames with the time of another one
+  std::vector<FilmFrame> frames;      // by rising time
+  std::size_t framesWithoutTime = 0;  // left out
+  std::size_t timesWithoutFrame = 0;  // left out
+  std::size_t repeatedTimes = 0;      // left out: frames with the time of another one
 };
 
 /// @param times A CSV file with the header "frame,time": names of files in the folder, seconds.

@@ -45,9 +45,9 @@ std::vector<Informed> InformationOf(const std::vector<Candidate>& candidates,
     const double metres = 1e-3 * candidate.errorMm;
     const crosscheck::Noise noise = {radians * radians, metres * metres, true};
     const auto design = DesignOf(loop, i, solution);
-    all.push_back({loop.photographs.front(),
-                   design.transpose() *
-                       crosscheck::Inverse(CovarianceOf(loop, solution, noise)) * design});
+    all.push_back(
+        {loop.photographs.front(),
+         design.transpose() * crosscheck::Inverse(CovarianceOf(loop, solution, noise)) * design});
   }
   return all;
 }

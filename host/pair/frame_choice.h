@@ -12,7 +12,7 @@ namespace trackedcam::host {
 /// A frame with the poses of its time, and by how much they may be wrong.
 struct Candidate {
   crosscheck::Photograph photograph;
-  double errorMm = 0;       // of each tracker along each axis: noise, motion times the delay's error
+  double errorMm = 0;  // of each tracker along each axis: noise, motion times the delay's error
   double errorDegrees = 0;  // about each axis
 };
 

@@ -45,9 +45,8 @@ struct Streams {
 
 Streams StreamsOf(const PairInputs& inputs) {
   const double origin = inputs.camera.firstStamp;
-  return {PoseStream(inputs.camera, origin), inputs.chart
-                                                 ? PoseStream(*inputs.chart, origin)
-                                                 : PoseStream(Pose(Pose::Identity()))};
+  return {PoseStream(inputs.camera, origin),
+          inputs.chart ? PoseStream(*inputs.chart, origin) : PoseStream(Pose(Pose::Identity()))};
 }
 
 StreamQuality QualityOf(const PoseRecording& recording, const PoseStream& stream) {
@@ -93,9 +92,9 @@ std::array<int, 2> CommonSize(const std::vector<SearchedFrame>& searched) {
       ++counts[frame.size];
     }
   }
-  const auto most = std::max_element(counts.begin(), counts.end(), [](const auto& a, const auto& b) {
-    return a.second < b.second;
-  });
+  const auto most =
+      std::max_element(counts.begin(), counts.end(),
+                       [](const auto& a, const auto& b) { return a.second < b.second; });
   return most == counts.end() ? std::array<int, 2>{} : most->first;
 }
 
@@ -106,19 +105,20 @@ std::vector<Found> SearchFilm(const PairInputs& inputs, const PairProgress& prog
   for (const std::size_t index : indices) {
     files.push_back(FileOf(inputs.film, index));
   }
-  std::vector<SearchedFrame> searched = SearchBoards(
-      files, inputs.board, [&](std::size_t done) { progress(done, indices.size()); });
+  std::vector<SearchedFrame> searched =
+      SearchBoards(files, inputs.board, [&](std::size_t done) { progress(done, indices.size()); });
   report.imageSize = CommonSize(searched);
   std::vector<Found> found;
   for (std::size_t i = 0; i < indices.size(); ++i) {
     FrameState& state = report.frames[indices[i]];
-    const bool isReadable = searched[i].size[0] > 0 && (report.imageSize[0] == 0 ||
-                                                        searched[i].size == report.imageSize);
+    const bool isReadable = searched[i].size[0] > 0 &&
+                            (report.imageSize[0] == 0 || searched[i].size == report.imageSize);
     state = isReadable ? FrameState::kNoBoard : FrameState::kUnreadable;
     if (isReadable && !searched[i].corners.empty()) {
       state = FrameState::kNotChosen;
-      found.push_back({indices[i], {inputs.film.frames[indices[i]].seconds,
-                                    std::move(searched[i].corners), Pose::Identity()}});
+      found.push_back({indices[i],
+                       {inputs.film.frames[indices[i]].seconds, std::move(searched[i].corners),
+                        Pose::Identity()}});
     }
   }
   if (found.size() < kLeastWithBoard) {
@@ -147,8 +147,9 @@ Observations BoardOf(const PairInputs& inputs, const std::vector<BoardCorners>& 
   const crosscheck::Board board = {inputs.board[0], inputs.board[1], inputs.squareMetres, {}};
   const auto lens = SolveLens(Some(corners, kMostForLens), board, imageSize);
   if (!lens) {
-    throw InputError("the frames do not determine the lens: tilt and turn the chart while filming, "
-                     "near and far");
+    throw InputError(
+        "the frames do not determine the lens: tilt and turn the chart while filming, "
+        "near and far");
   }
   Observations observations;
   observations.boardColumns = board.columns;
@@ -195,18 +196,18 @@ CoarseDelay FindCoarse(const PairInputs& inputs, const std::vector<Found>& found
     throw InputError(
         "film and recording do not overlap enough: the frames are from " +
         Span(frames.front().seconds, frames.back().seconds) + ", the poses " +
-        (first < last
-             ? "from " + Span(origin + first, origin + last)
-             : "of the camera's tracker from " +
-                   Span(origin + streams.camera.First(), origin + streams.camera.Last()) +
-                   " and of the chart's from " +
-                   Span(origin + streams.chart.First(), origin + streams.chart.Last())) +
+        (first < last ? "from " + Span(origin + first, origin + last)
+                      : "of the camera's tracker from " +
+                            Span(origin + streams.camera.First(), origin + streams.camera.Last()) +
+                            " and of the chart's from " +
+                            Span(origin + streams.chart.First(), origin + streams.chart.Last())) +
         "; record both at the same time");
   }
   if (coarse->correlation < kLeastCorrelation) {
-    throw InputError("the delay is not determined: camera and chart do not turn in the recording "
-                     "as they do in the film; " + std::string(kNod) +
-                     ", and check that film and recording are of the same time");
+    throw InputError(
+        "the delay is not determined: camera and chart do not turn in the recording "
+        "as they do in the film; " +
+        std::string(kNod) + ", and check that film and recording are of the same time");
   }
   if (coarse->correlation < coarse->nextBest + kClearly) {
     throw InputError("the delay is not determined: the same motion comes again; " +
@@ -246,8 +247,9 @@ void RequireNotSwapped(const std::vector<SeenFrame>& frames, const Streams& stre
   }
   const auto swapped = FitClock(frames, streams.chart, streams.camera, board, delay);
   if (swapped && (!clock || swapped->trackerNoiseMm < 0.3 * clock->trackerNoiseMm)) {
-    throw InputError("the two recordings are swapped: --camera-poses has the poses of the tracker "
-                     "on the chart");
+    throw InputError(
+        "the two recordings are swapped: --camera-poses has the poses of the tracker "
+        "on the chart");
   }
 }
 
@@ -289,9 +291,8 @@ std::pair<double, double> StillAround(const PoseStream& stream, double seconds) 
 // Over the time in which both stand still, if it is long enough.
 bool Average(const Streams& streams, double seconds, RelativePose& relative) {
   const auto [cameraFrom, cameraTo] = StillAround(streams.camera, seconds);
-  const auto [chartFrom, chartTo] =
-      streams.chart.IsFixed() ? std::pair(cameraFrom, cameraTo)
-                              : StillAround(streams.chart, seconds);
+  const auto [chartFrom, chartTo] = streams.chart.IsFixed() ? std::pair(cameraFrom, cameraTo)
+                                                            : StillAround(streams.chart, seconds);
   const double from = std::max(cameraFrom, chartFrom);
   const double to = std::min(cameraTo, chartTo);
   if (to - from < kLeastStill) {

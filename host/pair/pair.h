@@ -48,10 +48,10 @@ struct StreamQuality {
 };
 
 struct PairReport {
-  Clock clock;                // the poses' from their first stamp on
-  double firstStamp = 0;      // of the camera's tracker
-  double correlation = 0;     // of the speeds of rotation
-  std::size_t forDelay = 0;   // frames of which the delay was found
+  Clock clock;               // the poses' from their first stamp on
+  double firstStamp = 0;     // of the camera's tracker
+  double correlation = 0;    // of the speeds of rotation
+  std::size_t forDelay = 0;  // frames of which the delay was found
   std::array<int, 2> imageSize = {};
   StreamQuality camera;
   std::optional<StreamQuality> chart;

@@ -18,9 +18,9 @@ using crosscheck::Pose;
 using crosscheck::Twist;
 
 constexpr std::size_t kLeastPoses = 10;
-constexpr double kReach = 5;           // intervals to each side that a parabola goes through
+constexpr double kReach = 5;             // intervals to each side that a parabola goes through
 constexpr std::size_t kLeastOnSide = 2;  // of the samples of a parabola
-constexpr double kGap = 3.5;           // intervals
+constexpr double kGap = 3.5;             // intervals
 constexpr std::size_t kLeastFrozen = 6;  // poses in a row
 // A step is a jump if it is this many times as long as those around it, and not small.
 constexpr double kJumpTimes = 8;
@@ -125,8 +125,7 @@ PoseStream::PoseStream(const PoseRecording& recording, double origin) {
     piece.clear();
   };
   for (std::size_t i = 0; i < samples.size(); ++i) {
-    const bool isAfterGap =
-        i > 0 && samples[i].seconds - samples[i - 1].seconds > kGap * interval_;
+    const bool isAfterGap = i > 0 && samples[i].seconds - samples[i - 1].seconds > kGap * interval_;
     const bool isAfterJump = i > 0 && !isAfterGap && !frozen[i] && steps.IsJump(i - 1);
     gaps += isAfterGap ? 1 : 0;
     jumps += isAfterJump ? 1 : 0;
@@ -147,9 +146,9 @@ PoseStream::PoseStream(const Pose& fixed)
       last_(std::numeric_limits<double>::infinity()) {}
 
 const PoseStream::Piece* PoseStream::PieceAt(double seconds) const {
-  const auto after = std::upper_bound(
-      pieces_.begin(), pieces_.end(), seconds,
-      [](double at, const Piece& piece) { return at < piece.front().seconds; });
+  const auto after =
+      std::upper_bound(pieces_.begin(), pieces_.end(), seconds,
+                       [](double at, const Piece& piece) { return at < piece.front().seconds; });
   if (after == pieces_.begin() || std::prev(after)->back().seconds < seconds) {
     return nullptr;
   }
@@ -206,8 +205,7 @@ std::optional<Pose> PoseStream::MeanOver(double from, double to) const {
       ++count;
     }
   }
-  return reference ? std::optional<Pose>(*reference * crosscheck::Exp(sum / count))
-                   : std::nullopt;
+  return reference ? std::optional<Pose>(*reference * crosscheck::Exp(sum / count)) : std::nullopt;
 }
 
 }  // namespace trackedcam::host

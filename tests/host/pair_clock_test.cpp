@@ -1,9 +1,8 @@
-#include "host/pair/clock.h"
-
 #include <cmath>
 
 #include <gtest/gtest.h>
 
+#include "host/pair/clock.h"
 #include "simulator/random.h"
 #include "simulator/recording.h"
 
@@ -62,7 +61,7 @@ RecordingOptions Noisy(std::uint64_t seed) {
   return options;
 }
 
-// The true delay at the clock's mean time, by which its own is off; in standard intervals.
+// A clock, and how far it is from the truth at its mean time.
 struct Found {
   Clock clock;
   double offMs = 0;
@@ -77,15 +76,12 @@ std::optional<Found> FindClock(const RecordingOptions& options) {
   if (!coarse) {
     return std::nullopt;
   }
-  std::printf("DBG coarse %.4f corr %.3f next %.3f\n", coarse->seconds, coarse->correlation, coarse->nextBest);
   const auto clock =
       FitClock(SeenIn(recording, 10), camera, chart, BoardOf(recording), coarse->seconds);
   if (!clock) {
     return std::nullopt;
   }
   const double truth = simulator::StampAt(options, clock->meanSeconds) - origin;
-  std::printf("DBG off %.4f ms half %.4f ms drift %.1f ppm half %.1f noise %.3f mm %.4f deg\n",
-    1e3 * (clock->PoseTime(clock->meanSeconds) - truth), 1e3 * clock->delayHalf, 1e6*clock->drift, 1e6*clock->driftHalf, clock->trackerNoiseMm, clock->trackerNoiseDegrees);
   return Found{*clock, 1e3 * (clock->PoseTime(clock->meanSeconds) - truth)};
 }
 
@@ -111,6 +107,51 @@ TEST(ClockTest, FindsADriftAndClocksThatAreFarApart) {
   ASSERT_TRUE(found);
   EXPECT_LT(std::abs(found->offMs), 1.5e3 * found->clock.delayHalf);
   EXPECT_NEAR(found->clock.drift, 300e-6, 1.5 * found->clock.driftHalf);
+}
+
+// Between two noisy samples the noise averages most in the middle, which pulls the times of frames
+// there, if the samples always lie alike.
+TEST(ClockTest, IsNotBiasedWhereRatesAreMultiples) {
+  double sum = 0;
+  constexpr int kRecordings = 6;
+  for (int seed = 0; seed < kRecordings; ++seed) {
+    RecordingOptions options = Noisy(static_cast<std::uint64_t>(50 + seed));
+    options.framesPerSecond = 12;
+    options.delayMs = 4;  // a quarter of a period of the poses from a sample
+    const auto found = FindClock(options);
+    ASSERT_TRUE(found);
+    sum += found->offMs;
+  }
+  EXPECT_LT(std::abs(sum / kRecordings), 0.25);
+}
+
+TEST(ClockTest, TakesRoughStamps) {
+  RecordingOptions options = Noisy(3);
+  options.delayMs = -30;
+  options.droppedFraction = 0.1;
+  options.stampStepMs = 1;
+  const auto found = FindClock(options);
+  ASSERT_TRUE(found);
+  EXPECT_LT(std::abs(found->offMs), 1);
+}
+
+TEST(CoarseDelayTest, OfRecordingsThatDoNotOverlapIsNothing) {
+  const Recording recording = simulator::SimulateRecording(Noisy(4));
+  const std::vector<SeenFrame> frames = SeenIn(recording, 2);
+  PoseRecording begun = RecordingOf(recording.camera);
+  begun.poses.resize(begun.poses.size() / 4);
+  const PoseStream camera(begun, 0);
+  EXPECT_FALSE(FindCoarseDelay(frames, camera, PoseStream(RecordingOf(recording.chart), 0)));
+  EXPECT_FALSE(FindCoarseDelay({}, camera, camera));
+}
+
+TEST(FitClockTest, OfTooFewFramesIsNothing) {
+  const Recording recording = simulator::SimulateRecording(Noisy(5));
+  const PoseStream camera(RecordingOf(recording.camera), 0);
+  const PoseStream chart(RecordingOf(recording.chart), 0);
+  std::vector<SeenFrame> frames = SeenIn(recording, 10);
+  frames.resize(2);
+  EXPECT_FALSE(FitClock(frames, camera, chart, BoardOf(recording), 0));
 }
 
 }  // namespace
