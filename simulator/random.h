@@ -12,7 +12,19 @@ namespace trackedcam::simulator {
 
 /// The purpose of random numbers. Each purpose has its own sequence, so that more noise, for
 /// example, does not move the camera.
-enum class Draw : std::uint32_t { kRig, kFlaws, kPose, kTrackers, kPicture, kSeat, kFrozen, kRoad, kHands, kStream, kDropped };
+enum class Draw : std::uint32_t {
+  kRig,
+  kFlaws,
+  kPose,
+  kTrackers,
+  kPicture,
+  kSeat,
+  kFrozen,
+  kRoad,
+  kHands,
+  kStream,
+  kDropped
+};
 
 class Random {
  public:

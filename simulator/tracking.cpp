@@ -44,6 +44,14 @@ Eigen::Vector3d SmoothError(const Eigen::Isometry3d& pose, double phase) {
 
 }  // namespace
 
+Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
+  Eigen::Matrix3d axes;
+  axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
+  Eigen::Isometry3d reported = pose;
+  reported.linear() = pose.linear() * axes;
+  return reported;
+}
+
 TrackerPoses Tracking::Report(const TrackerPoses& truth, Random& random) {
   const TrackerPoses seen = Delayed(truth);
   TrackerPoses reported;
