@@ -31,6 +31,8 @@ struct RecordingOptions {
   double stampStepMs = 0;      // stamps are rounded to multiples of it; 0: they are not
 };
 
+/// As Photograph::trackedTc and trackedTr: in the axes of frames Tc and Tr. The files have those of
+/// the tracking system.
 struct RecordedPose {
   double stamp;            // of the pose clock, seconds
   Eigen::Isometry3d pose;  // Base <- tracker, as reported, with noise

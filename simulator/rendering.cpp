@@ -61,6 +61,15 @@ void AddNoise(cv::Mat& picture, double greyLevels, Random& random) {
   }
 }
 
+// What the sensor makes of the light.
+cv::Mat Sensed(cv::Mat& picture, const ShootOptions& options, Random& random) {
+  Blur(picture, options.blurPixels);
+  AddNoise(picture, options.noiseGreyLevels, random);
+  cv::Mat grey;
+  picture.convertTo(grey, CV_8U);
+  return grey;
+}
+
 }  // namespace
 
 ChartPainter::ChartPainter(const Chart& chart, const Lens& lens, int imageWidth, int imageHeight)
@@ -74,7 +83,8 @@ ChartPainter::ChartPainter(const Chart& chart, const Lens& lens, int imageWidth,
   }
 }
 
-void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart) const {
+void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart,
+                         cv::Range rows) const {
   // `plane` maps the chart, in squares, to the plane z = 1; its inverse maps rays to the chart.
   Eigen::Matrix3d plane;
   plane << Transform_Cam_Chart.linear().leftCols<2>() * chart_.squareMetres,
@@ -85,7 +95,10 @@ void ChartPainter::Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Ca
   // in the plane, in homogeneous coordinates of the chart.
   const Eigen::Vector3d perMetre = homography * Transform_Cam_Chart.linear().col(2);
 
-  const cv::Rect area = PaintedArea(Transform_Cam_Chart);
+  cv::Rect area = PaintedArea(Transform_Cam_Chart);
+  if (rows != cv::Range::all()) {
+    area &= cv::Rect(0, rows.start, size_.width, rows.size());
+  }
   std::vector<ChartPoint> upper(area.width + 1);
   std::vector<ChartPoint> lower(area.width + 1);
   const auto rays = [&](int row) {
@@ -191,11 +204,66 @@ cv::Mat PhotographRenderer::Render(int index) const {
     Expose(picture, index);
   }
   LightUnevenly(picture, options.unevenLight, random);
-  Blur(picture, options.blurPixels);
-  AddNoise(picture, options.noiseGreyLevels, random);
-  cv::Mat grey;
-  picture.convertTo(grey, CV_8U);
-  return grey;
+  return Sensed(picture, options, random);
+}
+
+FrameRenderer::FrameRenderer(const Recording& recording)
+    : recording_(recording),
+      path_(PathOf(recording.options)),
+      painter_(recording.options.shoot.chart, recording.lens, recording.options.shoot.imageWidth,
+               recording.options.shoot.imageHeight) {
+  const ShootOptions& shoot = recording.options.shoot;
+  Random random(shoot.seed, Draw::kPicture);
+  background_ = Background({shoot.imageWidth, shoot.imageHeight}, random);
+}
+
+cv::Mat FrameRenderer::Render(int index) const {
+  const ShootOptions& shoot = recording_.options.shoot;
+  cv::Mat picture = Exposed(recording_.frames.at(static_cast<std::size_t>(index)).time);
+  Random light(shoot.seed, Draw::kPicture);  // the same in each frame
+  LightUnevenly(picture, shoot.unevenLight, light);
+  Random random(shoot.seed, Draw::kPicture, index + 1);
+  return Sensed(picture, shoot, random);
+}
+
+// How far the chart moves in the image in this time around the middle of the frame's exposure.
+double FrameRenderer::PixelsWithin(double frameTime, double seconds) const {
+  const Eigen::Isometry3d before = path_.At(frameTime - seconds / 2).Transform_Cam_Chart;
+  const Eigen::Isometry3d after = path_.At(frameTime + seconds / 2).Transform_Cam_Chart;
+  double most = 0;
+  for (const Eigen::Vector3d& corner : recording_.options.shoot.chart.Corners()) {
+    const Eigen::Vector2d way =
+        recording_.lens.Project(after * corner) - recording_.lens.Project(before * corner);
+    most = std::max(most, way.norm());
+  }
+  return most;
+}
+
+// The mean over moments of the exposure, in bands of rows that are exposed together. The chart
+// moves less than half a pixel from one moment or band to the next, unless it moves very fast.
+cv::Mat FrameRenderer::Exposed(double frameTime) const {
+  constexpr double kMostPixels = 0.5;
+  constexpr int kMost = 64;
+  const RecordingOptions& options = recording_.options;
+  const auto parts = [&](double seconds) {
+    return std::min(kMost, 1 + static_cast<int>(PixelsWithin(frameTime, seconds) / kMostPixels));
+  };
+  const int bands = parts(options.readoutSeconds);
+  const int moments = parts(options.exposureSeconds);
+  const int height = background_.rows;
+  cv::Mat sum(background_.size(), CV_32F, cv::Scalar(0));
+  cv::Mat picture;
+  for (int moment = 0; moment < moments; ++moment) {
+    background_.copyTo(picture);
+    const double late = ((moment + 0.5) / moments - 0.5) * options.exposureSeconds;
+    for (int band = 0; band < bands; ++band) {
+      const cv::Range rows(height * band / bands, height * (band + 1) / bands);
+      const double time = TimeOfRow(options, frameTime, (rows.start + rows.end - 1) / 2.0) + late;
+      painter_.Paint(picture, path_.At(time).Transform_Cam_Chart, rows);
+    }
+    sum += picture;
+  }
+  return sum / moments;
 }
 
 // What moves during an exposure is the mean of where it is.

@@ -1,4 +1,4 @@
-// The photographs of a simulated shoot.
+// The photographs of a simulated shoot, and the frames of a recording.
 
 #pragma once
 
@@ -10,6 +10,7 @@
 
 #include "simulator/chart.h"
 #include "simulator/lens.h"
+#include "simulator/recording.h"
 #include "simulator/shoot.h"
 
 namespace trackedcam::simulator {
@@ -19,8 +20,10 @@ class ChartPainter {
  public:
   ChartPainter(const Chart& chart, const Lens& lens, int imageWidth, int imageHeight);
 
-  /// Sets each pixel that sees the paper (CV_32F, grey levels) to the mean over its area.
-  void Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart) const;
+  /// Sets each pixel in these rows that sees the paper (CV_32F, grey levels) to the mean over its
+  /// area.
+  void Paint(cv::Mat& picture, const Eigen::Isometry3d& Transform_Cam_Chart,
+             cv::Range rows = cv::Range::all()) const;
 
  private:
   struct Point {
@@ -60,6 +63,25 @@ class PhotographRenderer {
 
   const Shoot& shoot_;
   ChartPainter painter_;
+};
+
+/// Renders the frames of a recording: blurred by the motion during their exposure, and with a
+/// rolling shutter if it has one. The recording must outlive the renderer.
+class FrameRenderer {
+ public:
+  explicit FrameRenderer(const Recording& recording);
+
+  /// A grey image (CV_8U). It depends on the recording and the index only, not on earlier calls.
+  cv::Mat Render(int index) const;
+
+ private:
+  cv::Mat Exposed(double frameTime) const;
+  double PixelsWithin(double frameTime, double seconds) const;
+
+  const Recording& recording_;
+  Path path_;
+  ChartPainter painter_;
+  cv::Mat background_;
 };
 
 }  // namespace trackedcam::simulator

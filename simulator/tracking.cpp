@@ -68,6 +68,14 @@ TrackerPoses PosesBefore(const ShootOptions& options, int photograph, const Trac
           OnTheWayBack(at.Transform_Base_Tr, previous->Transform_Base_Tr, share)};
 }
 
+Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
+  Eigen::Matrix3d axes;
+  axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
+  Eigen::Isometry3d reported = pose;
+  reported.linear() = pose.linear() * axes;
+  return reported;
+}
+
 TrackerPoses Tracking::Report(const TrackerPoses& truth, Random& random) {
   const TrackerPoses seen = PosesBefore(options_, photograph_, truth, before_, options_.delayMs);
   TrackerPoses reported;

@@ -15,6 +15,10 @@ namespace trackedcam::simulator {
 /// About where the chart is held, in frame Base, whose y axis points up; metres.
 inline const Eigen::Vector3d kMiddleOfVolume(0.4, 1.1, -1.8);
 
+/// The pose as the files of the tracking system have it. It reports other axes of a tracker: its
+/// x, y, z are -x, -z, -y here.
+Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose);
+
 /// The poses of both trackers.
 struct TrackerPoses {
   Eigen::Isometry3d Transform_Base_Tc = Eigen::Isometry3d::Identity();

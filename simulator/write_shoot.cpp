@@ -1,25 +1,16 @@
 #include "simulator/write_shoot.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <nlohmann/json.hpp>
-#include <opencv2/imgcodecs.hpp>
 
 #include "simulator/decimals.h"
 #include "simulator/mounting.h"
 #include "simulator/rendering.h"
+#include "simulator/simulated_files.h"
+#include "simulator/tracking.h"
 
 namespace trackedcam::simulator {
 namespace {
@@ -32,15 +23,6 @@ constexpr const char* kHeader =
     "Tc x,Tc y,Tc z,Tc qw,Tc qx,Tc qy,Tc qz,"
     "Tr x,Tr y,Tr z,Tr qw,Tr qx,Tr qy,Tr qz";
 constexpr const char* kByteOrderMark = "\xEF\xBB\xBF";
-
-// The tracking system reports other axes of a tracker: its x, y, z are -x, -z, -y here.
-Eigen::Isometry3d InReportedAxes(const Eigen::Isometry3d& pose) {
-  Eigen::Matrix3d axes;
-  axes << -1, 0, 0, 0, 0, -1, 0, -1, 0;
-  Eigen::Isometry3d reported = pose;
-  reported.linear() = pose.linear() * axes;
-  return reported;
-}
 
 std::string PoseText(const Eigen::Isometry3d& pose, bool invertedQuaternion) {
   const Eigen::Isometry3d reported = InReportedAxes(pose);
@@ -148,120 +130,8 @@ void ListPhotographs(const Shoot& shoot, Json& truth) {
   }
 }
 
-constexpr const char* kListName = "simulated.txt";
-constexpr const char* kPartName = ".simulated.part";
-
-// FNV-1a. It detects changes, not forgeries.
-std::string HashOf(std::istream& content) {
-  constexpr std::uint64_t kPrime = 1099511628211U;
-  std::uint64_t hash = 14695981039346656037U;
-  std::array<char, 65536> piece = {};
-  while (content) {
-    content.read(piece.data(), static_cast<std::streamsize>(piece.size()));
-    for (std::streamsize i = 0; i < content.gcount(); ++i) {
-      hash = (hash ^ static_cast<unsigned char>(piece[static_cast<std::size_t>(i)])) * kPrime;
-    }
-  }
-  std::array<char, 17> digits = {};
-  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(hash));
-  return digits.data();
-}
-
-std::string HashOf(const std::string& content) {
-  std::istringstream stream(content);
-  return HashOf(stream);
-}
-
-// The lines of the list of what was simulated: a hash, two blanks and a name.
-std::set<std::string> ReadList(const fs::path& folder) {
-  std::ifstream file(folder / kListName, std::ios::binary);
-  std::set<std::string> lines;
-  for (std::string line; std::getline(file, line);) {
-    lines.insert(line);
-  }
-  return lines;
-}
-
-std::string LineOf(const std::string& hash, const std::string& name) {
-  return hash + "  " + name;
-}
-
-// Beside the file and then in its place, so that its other names (hard links) keep what they had.
-// Binary, so that line ends are not converted.
-void WriteFile(const fs::path& path, const std::string& content) {
-  const fs::path part = path.parent_path() / kPartName;
-  std::error_code error;
-  fs::remove(part, error);
-  std::ofstream file(part, std::ios::binary);
-  file << content;
-  file.close();
-  if (file) {
-    fs::rename(part, path, error);
-  }
-  if (!file || error) {
-    fs::remove(part, error);
-    throw std::runtime_error("Cannot write " + path.u8string() +
-                             ": check the folder's permissions and the free disk space.");
-  }
-}
-
-/// Writes the files of a shoot, and the list of them: each is listed before it exists, so that an
-/// incomplete shoot is recognised too.
-class ShootFiles {
- public:
-  explicit ShootFiles(const fs::path& folder) : folder_(folder), earlier_(ReadList(folder)) {
-    WriteFile(folder / kListName, ListOf(earlier_));
-  }
-
-  void Write(const std::string& name, const std::string& content) {
-    const std::string line = LineOf(HashOf(content), name);
-    std::ofstream list(folder_ / kListName, std::ios::binary | std::ios::app);
-    list << line << '\n' << std::flush;
-    WriteFile(folder_ / fs::u8path(name), content);
-    written_[name] = line;
-  }
-
-  void Remove(const std::string& name) { fs::remove(folder_ / fs::u8path(name)); }
-
-  /// With those files of an earlier shoot that this one did not replace.
-  void Finish() {
-    std::set<std::string> lines;
-    for (const std::string& line : earlier_) {
-      if (line.size() > kNamePlace && written_.count(line.substr(kNamePlace)) == 0) {
-        lines.insert(line);
-      }
-    }
-    for (const auto& [name, line] : written_) {
-      lines.insert(line);
-    }
-    WriteFile(folder_ / kListName, ListOf(lines));
-  }
-
- private:
-  static constexpr std::size_t kNamePlace = 18;  // in a line
-
-  static std::string ListOf(const std::set<std::string>& lines) {
-    std::string list;
-    for (const std::string& line : lines) {
-      list += line + '\n';
-    }
-    return list;
-  }
-
-  fs::path folder_;
-  std::set<std::string> earlier_;               // lines
-  std::map<std::string, std::string> written_;  // name and line
-};
-
-// Encoded in memory, because the image library cannot open every path.
-std::string Jpeg(const cv::Mat& picture, int quality) {
-  std::vector<unsigned char> bytes;
-  cv::imencode(".jpg", picture, bytes, {cv::IMWRITE_JPEG_QUALITY, quality});
-  return {bytes.begin(), bytes.end()};
-}
-
 void WritePhotograph(const Shoot& shoot, const PhotographRenderer& renderer, int index,
-                     ShootFiles& files) {
+                     SimulatedFiles& files) {
   const Photograph& photograph = shoot.photographs[index];
   switch (photograph.flaw) {
     case Flaw::kMissing:
@@ -282,7 +152,7 @@ void WriteShoot(const Shoot& shoot, const fs::path& folder,
   fs::create_directories(folder / "photos");
   // First, because the program recognises a simulated shoot by these two files, also an incomplete
   // one.
-  ShootFiles files(folder);
+  SimulatedFiles files(folder);
   files.Write("truth.json", TruthText(shoot));
   files.Write("shoot.toml", ConfigText(shoot));
   files.Write("tracker_data.csv", TrackerDataText(shoot));
@@ -296,27 +166,6 @@ void WriteShoot(const Shoot& shoot, const fs::path& folder,
     }
   }
   files.Finish();
-}
-
-std::vector<std::string> ChangedFiles(const fs::path& folder) {
-  const std::set<std::string> lines = ReadList(folder);
-  std::vector<std::string> names = {"shoot.toml", "tracker_data.csv", "truth.json"};
-  if (fs::is_directory(folder / "photos")) {
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder / "photos")) {
-      names.push_back("photos/" + entry.path().filename().u8string());
-    }
-  }
-  std::sort(names.begin(), names.end());
-  std::vector<std::string> changed;
-  for (const std::string& name : names) {
-    const fs::path path = folder / fs::u8path(name);
-    std::ifstream file(path, std::ios::binary);
-    if (fs::is_regular_file(path) && path.filename() != kPartName &&
-        lines.count(LineOf(HashOf(file), name)) == 0) {
-      changed.push_back(name);
-    }
-  }
-  return changed;
 }
 
 std::string TrackerDataText(const Shoot& shoot) {

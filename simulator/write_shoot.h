@@ -19,10 +19,6 @@ namespace trackedcam::simulator {
 void WriteShoot(const Shoot& shoot, const std::filesystem::path& folder,
                 const std::function<void(int done, int all)>& progress = {});
 
-/// The files in the folder of a simulated shoot that have the names of simulated files but not
-/// their content, such as own rows in tracker_data.csv. All, if there is no simulated.txt.
-std::vector<std::string> ChangedFiles(const std::filesystem::path& folder);
-
 /// The tracker data file: a header, then one row for each photograph: time (seconds), path, and for
 /// Tc, then Tr, the position (metres) and the quaternion w, x, y, z in frame Base.
 std::string TrackerDataText(const Shoot& shoot);

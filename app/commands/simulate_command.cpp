@@ -11,6 +11,7 @@
 #include "app/terminal/output.h"
 #include "host/text/text.h"
 #include "simulator/shoot.h"
+#include "simulator/simulated_files.h"
 #include "simulator/write_shoot.h"
 
 namespace trackedcam::app {

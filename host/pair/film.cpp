@@ -7,7 +7,7 @@
 
 #include "host/input/data_file.h"
 #include "host/input/input_error.h"
-#include "host/text/files.h"
+#include "host/text/text.h"
 
 namespace trackedcam::host {
 namespace {
@@ -78,6 +78,20 @@ std::vector<std::string> PicturesIn(const fs::path& folder) {
   return names;
 }
 
+// As the table has it: the name of a file, or its number in the order of the folder, from 1. Empty
+// if there is no such frame.
+std::string NameOf(std::string_view field, const std::vector<std::string>& names,
+                   const std::set<std::string>& pictures) {
+  const std::string name(field);
+  const auto number = ParseInteger(field);
+  if (pictures.count(name) != 0) {
+    return name;
+  }
+  return number && *number >= 1 && static_cast<std::size_t>(*number) <= names.size()
+             ? names[static_cast<std::size_t>(*number) - 1]
+             : std::string();
+}
+
 [[noreturn]] void ThrowAt(const fs::path& file, std::size_t line, const std::string& reason) {
   throw InputError(file.u8string() + ", line " + std::to_string(line) + ": " + reason);
 }
@@ -111,9 +125,9 @@ Film ReadFilm(const fs::path& folder, const fs::path& times) {
     if (fields.size() < 2 || KindOf(fields[1]) != FieldKind::kNumber) {
       ThrowAt(times, line, "expected a frame and its time in seconds");
     }
-    const std::string name(Trim(fields[0]));
+    const std::string name = NameOf(Trim(fields[0]), names, pictures);
     const double at = NumberIn(fields[1]);
-    if (pictures.count(name) == 0) {
+    if (name.empty()) {
       ++film.timesWithoutFrame;
     } else if (!timed.insert(name).second || !seconds.insert(at).second) {
       ++film.repeatedTimes;

@@ -22,7 +22,8 @@ struct Film {
   std::size_t repeatedTimes = 0;      // left out: frames with the time of another one
 };
 
-/// @param times A CSV file with the header "frame,time": names of files in the folder, seconds.
+/// @param times A CSV file with the header "frame,time": names of files in the folder, or their
+///              numbers in its order from 1; seconds.
 /// @throws InputError if the folder has no frames, or the file is not of this form.
 Film ReadFilm(const std::filesystem::path& folder, const std::filesystem::path& times);
 

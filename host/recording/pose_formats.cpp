@@ -19,14 +19,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kMostBytes = std::uintmax_t{2} << 30;
+constexpr std::uintmax_t kMostRecordingBytes = std::uintmax_t{2} << 30;
 constexpr std::size_t kMostPoses = 10'000'000;  // more than 11 hours at 240 Hz
-constexpr std::size_t kLongestLine = 1 << 16;
+constexpr std::size_t kLongestPoseLine = 1 << 16;
 
 // The lines of a file, one in memory at a time.
 class Lines {
  public:
-  explicit Lines(const fs::path& file) : buffer_(kLongestLine, '\0') {
+  explicit Lines(const fs::path& file) : buffer_(kLongestPoseLine, '\0') {
     std::error_code error;
     if (!fs::exists(file, error)) {
       throw InputError("file not found");
@@ -34,8 +34,8 @@ class Lines {
     if (!fs::is_regular_file(file, error)) {
       throw InputError("not a regular file");
     }
-    if (fs::file_size(file, error) > kMostBytes) {
-      throw InputError("larger than " + std::to_string(kMostBytes >> 30) +
+    if (fs::file_size(file, error) > kMostRecordingBytes) {
+      throw InputError("larger than " + std::to_string(kMostRecordingBytes >> 30) +
                        " GB: cut out the part that belongs to the film");
     }
     stream_.open(file, std::ios::binary);
@@ -70,7 +70,7 @@ class Lines {
     }
     if (stream_.fail() && count > 0) {
       throw InputError("line " + std::to_string(number_) + ": longer than " +
-                       std::to_string(kLongestLine) + " characters");
+                       std::to_string(kLongestPoseLine) + " characters");
     }
     if (stream_.fail()) {
       return false;
@@ -97,7 +97,7 @@ constexpr std::array<const char*, kValues> kValueNames = {"time", "x",  "y",  "z
                                                           "qw",   "qx", "qy", "qz"};
 
 /// Which field of a line has which value.
-struct Layout {
+struct FieldLayout {
   std::array<std::size_t, kValues> places;  // in the order of kValueNames
   std::size_t fields = kValues;             // of a line
   char separator = ',';                     // a blank for any number of blanks and tabs
@@ -200,7 +200,7 @@ std::optional<std::size_t> OnlyField(const std::vector<std::string_view>& fields
   return static_cast<std::size_t>(found - fields.begin());
 }
 
-void ReadUnits(const std::vector<std::string_view>& titles, Layout& layout) {
+void ReadUnits(const std::vector<std::string_view>& titles, FieldLayout& layout) {
   layout.timeUnit = ParseTimeUnit(TitleOf(titles[layout.places[0]]).unit);
   const std::string length = TitleOf(titles[layout.places[1]]).unit;
   for (const TrackerUnit& unit : kTrackerUnits) {
@@ -210,8 +210,8 @@ void ReadUnits(const std::vector<std::string_view>& titles, Layout& layout) {
 
 // The layout of a table in which each value has one title for which this holds.
 template <class Predicate>
-std::optional<Layout> LayoutWith(std::string_view header, const Predicate& isTitleOf) {
-  Layout layout;
+std::optional<FieldLayout> LayoutWith(std::string_view header, const Predicate& isTitleOf) {
+  FieldLayout layout;
   const std::string_view text = WithoutCommentSign(header);
   layout.separator = SeparatorIn(text);
   const std::vector<std::string_view> titles = Split(text, layout.separator);
@@ -228,7 +228,7 @@ std::optional<Layout> LayoutWith(std::string_view header, const Predicate& isTit
   return layout;
 }
 
-std::optional<Layout> LayoutOf(std::string_view header, const PoseFormat& format) {
+std::optional<FieldLayout> LayoutOf(std::string_view header, const PoseFormat& format) {
   if (!format.columns) {
     return LayoutWith(header, [](std::string_view title, std::size_t value) {
       return IsNamed(TitleOf(title), value);
@@ -260,7 +260,7 @@ bool IsEurocHeader(std::string_view line) {
   return isHeader;
 }
 
-Layout EurocLayout(std::string_view firstLine) {
+FieldLayout EurocLayout(std::string_view firstLine) {
   const std::vector<std::string_view> fields = Split(firstLine, ',');
   if (fields.size() < kValues) {
     throw InputError(std::to_string(fields.size()) + " values, expected at least 8");
@@ -268,7 +268,7 @@ Layout EurocLayout(std::string_view firstLine) {
   return {{0, 1, 2, 3, 4, 5, 6, 7}, fields.size(), ',', TimeUnit::kNanoseconds, nullptr};
 }
 
-Layout TumLayout() {
+FieldLayout TumLayout() {
   return {{0, 1, 2, 3, 7, 4, 5, 6}, kValues, ' ', std::nullopt, nullptr};
 }
 
@@ -282,7 +282,7 @@ bool IsTum(std::string_view line) {
 /// Reads lines with one value in each field.
 class FieldReader {
  public:
-  FieldReader(const Layout& layout, const PoseFormat& format)
+  FieldReader(const FieldLayout& layout, const PoseFormat& format)
       : layout_(layout),
         timeUnit_(format.timeUnit.value_or(layout.timeUnit.value_or(TimeUnit::kSeconds))) {
     const TrackerUnit* unit = format.unit != nullptr ? format.unit : layout.unit;
@@ -326,7 +326,7 @@ class FieldReader {
     return std::string(text.substr(0, kMost)) + (text.size() > kMost ? "..." : "");
   }
 
-  Layout layout_;
+  FieldLayout layout_;
   TimeUnit timeUnit_;
   double unitsPerMetre_ = 1;
 };
@@ -340,7 +340,7 @@ struct Opened {
   bool isTimeUnitAssumed = false;  // nobody states it
 };
 
-Opened WithLayout(const Layout& layout, bool hasHeader, const PoseFormat& format) {
+Opened WithLayout(const FieldLayout& layout, bool hasHeader, const PoseFormat& format) {
   Opened opened;
   opened.read = [reader = FieldReader(layout, format)](std::string_view line) {
     return reader.Read(line);

@@ -55,6 +55,14 @@ TEST_F(FilmTest, ReadsTimesInAnyOrderAndCountsWhatDoesNotFit) {
   EXPECT_EQ(film.framesWithoutTime, 1U);
 }
 
+TEST_F(FilmTest, TakesNumbersForNames) {
+  MakeFrames({"f9.jpg", "f10.jpg", "f11.jpg"});
+  const Film film = WithTimes("frame,time\n1,5\n3,7\n0,8\n4,9\n");
+  EXPECT_THAT(Names(film), ElementsAre("f9.jpg", "f11.jpg"));
+  EXPECT_EQ(film.timesWithoutFrame, 2U);
+  EXPECT_EQ(film.framesWithoutTime, 1U);
+}
+
 TEST_F(FilmTest, CountsFramesByTheNumbersInTheirNames) {
   MakeFrames({"f10.jpg", "f9.jpg", "f009b.jpg", "f1.jpg", "times.csv"});
   const Film film = ReadFilm(folder.Path(), 50);

@@ -6,6 +6,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include "simulator/rendering.h"
+#include "simulator/simulated_files.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::simulator {
