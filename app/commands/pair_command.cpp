@@ -96,8 +96,8 @@ void CheckOptions(const PairOptions& options) {
   std::error_code error;
   if (std::filesystem::exists(options.out, error) &&
       !std::filesystem::is_empty(options.out, error)) {
-    throw CLI::ValidationError("--out", options.out.u8string() +
-                                            " exists and is not empty; name another folder");
+    throw CLI::ValidationError(
+        "--out", options.out.u8string() + " exists and is not empty; name another folder");
   }
 }
 
@@ -135,8 +135,8 @@ int PairFilm(const PairOptions& options) {
     std::cout << line << '\n';
   }
   host::WritePairedShoot(inputs, report, options.settings, options.out);
-  std::cout << "\nNext: trackedcam calibrate --config "
-            << (options.out / "shoot.toml").u8string() << '\n';
+  std::cout << "\nNext: trackedcam calibrate --config " << (options.out / "shoot.toml").u8string()
+            << '\n';
   return 0;
 }
 

@@ -17,7 +17,7 @@ namespace {
 using crosscheck::Observations;
 using crosscheck::Pose;
 
-constexpr double kSearchedPerSecond = 12;  // so that motion is seen from one frame to the next
+constexpr double kSearchedPerSecond = 15;  // so that motion is seen from one frame to the next
 constexpr std::size_t kLeastWithBoard = 20;
 constexpr std::size_t kMostForLens = 60;
 constexpr double kApartForDelay = 0.3;  // seconds, so that no sample of a tracker counts twice

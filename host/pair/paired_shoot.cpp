@@ -48,8 +48,7 @@ Json PairingJson(const PairInputs& inputs, const PairReport& report) {
           {"driftHalfPpm", NumberJson(kPerMillion * clock.driftHalf)},
           {"correlation", report.correlation},
           {"framesForDelay", report.forDelay},
-          {"trackerNoise",
-           {{"mm", clock.trackerNoiseMm}, {"degrees", clock.trackerNoiseDegrees}}},
+          {"trackerNoise", {{"mm", clock.trackerNoiseMm}, {"degrees", clock.trackerNoiseDegrees}}},
           {"averagedRows", report.averaged},
           {"cameraPoses", StreamJson(report.camera)},
           {"chartPoses", report.chart ? StreamJson(*report.chart) : Json(nullptr)},
@@ -70,8 +69,9 @@ std::string ConfigText(const PairInputs& inputs, const PairReport& report,
   const double aspect = static_cast<double>(report.imageSize[1]) / report.imageSize[0];
   const std::array<double, 2> sensor =
       settings.sensorMm.value_or(std::array<double, 2>{kUsualWidthMm, kUsualWidthMm * aspect});
-  std::string text = "# Paired from a film and a recording. Run it with: trackedcam calibrate "
-                     "--config shoot.toml\n[calibrate]\ndata = \"tracker_data.csv\"\n";
+  std::string text =
+      "# Paired from a film and a recording. Run it with: trackedcam calibrate "
+      "--config shoot.toml\n[calibrate]\ndata = \"tracker_data.csv\"\n";
   if (!settings.sensorMm) {
     text += "# Not stated: millimetres of focal length follow it, pixels and angles do not.\n";
   }
@@ -110,10 +110,10 @@ std::string DelayText(const PairReport& report) {
 
 std::string DriftText(const Clock& clock) {
   return clock.drift == 0
-             ? "Drift: none is sure" + (std::isfinite(clock.driftHalf)
-                                            ? ", +/- " + Fixed(kPerMillion * clock.driftHalf, 0) +
-                                                  " millionths (95 %)"
-                                            : std::string())
+             ? "Drift: none is sure" +
+                   (std::isfinite(clock.driftHalf)
+                        ? ", +/- " + Fixed(kPerMillion * clock.driftHalf, 0) + " millionths (95 %)"
+                        : std::string())
              : "Drift: the clock of the poses runs " +
                    Fixed(kPerMillion * std::abs(clock.drift), 0) + " millionths " +
                    (clock.drift < 0 ? "slower" : "faster") + ", +/- " +

@@ -14,8 +14,8 @@ namespace trackedcam::host {
 
 /// What a calibration of the shoot needs besides.
 struct ShootSettings {
-  std::optional<std::array<double, 2>> sensorMm;               // otherwise one 36 mm wide
-  std::optional<std::array<double, 3>> chartRotationDegrees;   // of the mounting
+  std::optional<std::array<double, 2>> sensorMm;                // otherwise one 36 mm wide
+  std::optional<std::array<double, 3>> chartRotationDegrees;    // of the mounting
   std::optional<std::array<double, 3>> chartTranslationMetres;  // of the mounting
 };
 

@@ -1,0 +1,195 @@
+#include "host/pair/pair.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "host/calibrate.h"
+#include "host/input/shoot_data.h"
+#include "host/pair/paired_shoot.h"
+#include "host/recording/pose_formats.h"
+#include "simulator/recording.h"
+#include "simulator/write_recording.h"
+#include "support/stage_test.h"
+
+namespace trackedcam::host {
+namespace {
+
+using testing::HasSubstr;
+using Json = nlohmann::json;
+
+// A film of 24 s in 300 small frames, and what was recorded with it.
+class PairTest : public testing::Test {
+ protected:
+  static simulator::RecordingOptions Small() {
+    simulator::RecordingOptions options;
+    options.shoot.seed = 7;
+    options.shoot.imageWidth = 640;
+    options.shoot.imageHeight = 360;
+    options.shoot.trackerNoiseMm = 0.3;
+    options.shoot.trackerNoiseDegrees = 0.05;
+    options.seconds = 24;
+    options.framesPerSecond = 12.5;
+    options.delayMs = 60;
+    return options;
+  }
+
+  static void SetUpTestSuite() {
+    shared_ = new test::TemporaryFolder;
+    options_ = new simulator::RecordingOptions(Small());
+    recording_ = new simulator::Recording(simulator::SimulateRecording(*options_));
+    simulator::WriteRecording(*recording_, shared_->Path() / "film");
+  }
+
+  static void TearDownTestSuite() {
+    delete recording_;
+    delete options_;
+    delete shared_;
+  }
+
+  static PairInputs Inputs() {
+    const auto film = shared_->Path() / "film";
+    PairInputs inputs;
+    inputs.film = ReadFilm(film / "frames", film / "frames" / "times.csv");
+    inputs.camera = ReadPoseRecording(film / "camera_poses.txt");
+    inputs.chart = ReadPoseRecording(film / "chart_poses.txt");
+    inputs.board = {options_->shoot.chart.cols, options_->shoot.chart.rows};
+    inputs.squareMetres = options_->shoot.chart.squareMetres;
+    return inputs;
+  }
+
+  static PairReport Run(const PairInputs& inputs) {
+    return Pair(inputs, [](std::size_t, std::size_t) {});
+  }
+
+  static std::string ErrorOf(const PairInputs& inputs) {
+    try {
+      Run(inputs);
+    } catch (const InputError& error) {
+      return error.what();
+    }
+    return "";
+  }
+
+  static test::TemporaryFolder* shared_;
+  static simulator::RecordingOptions* options_;
+  static simulator::Recording* recording_;
+  test::TemporaryFolder folder;
+};
+
+test::TemporaryFolder* PairTest::shared_;
+simulator::RecordingOptions* PairTest::options_;
+simulator::Recording* PairTest::recording_;
+
+TEST_F(PairTest, GivesAShootThatCalibratesToTheTransform) {
+  const PairInputs inputs = Inputs();
+  const PairReport report = Run(inputs);
+  WritePairedShoot(inputs, report, {}, folder.Path() / "shoot");
+  host::Inputs calibration;
+  calibration.data = folder.Path() / "shoot" / "tracker_data.csv";
+  calibration.workingFolder = calibration.data.parent_path();
+  calibration.logFolder = folder.Path() / "logs";
+  calibration.sensorMm = {36, 20.25};
+  calibration.board = inputs.board;
+  calibration.squareMetres = inputs.squareMetres;
+  const Report result =
+      Calibrate(calibration, ReadShootData(calibration.data, {}, {}), [](const Progress&) {});
+  ASSERT_TRUE(result.crossCheck);
+  const Eigen::Vector3d off = result.crossCheck->Transform_Cam_Tc.topRightCorner<3, 1>() -
+                              recording_->Transform_Cam_Tc.translation();
+  EXPECT_LT(1e3 * off.norm(), 4);
+}
+
+TEST_F(PairTest, GivesAnAccountOfEachFrame) {
+  PairInputs inputs = Inputs();
+  inputs.photographs = 15;
+  // A second without poses of the chart.
+  std::vector<TimedPose>& poses = inputs.chart->poses;
+  poses.erase(poses.begin() + 1000, poses.begin() + 1120);
+  const PairReport report = Run(inputs);
+  EXPECT_EQ(report.chart->gaps, 1U);
+  EXPECT_EQ(report.camera.gaps, 0U);
+  EXPECT_THAT(report.rows, testing::SizeIs(15));
+  ASSERT_EQ(report.frames.size(), inputs.film.frames.size());
+  for (std::size_t i = 0; i < report.frames.size(); ++i) {
+    const double stamp = report.clock.PoseTime(inputs.film.frames[i].seconds);
+    const double begin = inputs.chart->firstStamp - report.firstStamp;
+    if (stamp > begin + poses[999].seconds && stamp < begin + poses[1000].seconds) {
+      EXPECT_THAT(report.frames[i],
+                  testing::AnyOf(FrameState::kNoPoses, FrameState::kNoBoard)) << i;
+    }
+  }
+  WritePairedShoot(inputs, report, {}, folder.Path() / "shoot");
+  const auto json = Json::parse(test::ReadFile(folder.File("shoot/pairing.json")));
+  EXPECT_NEAR(json["delaySeconds"].get<double>(), 0.060, 0.002);
+  EXPECT_LT(json["delayHalfMs"].get<double>(), 2);
+  EXPECT_EQ(json["chartPoses"]["gaps"], 1);
+  EXPECT_EQ(json["frames"].size(), report.frames.size());
+  std::size_t chosen = 0;
+  for (const Json& frame : json["frames"]) {
+    chosen += frame["state"] == "chosen" ? 1 : 0;
+  }
+  EXPECT_EQ(chosen, 15U);
+}
+
+TEST_F(PairTest, WritesWhatACalibrationNeedsBesides) {
+  const PairInputs inputs = Inputs();
+  const PairReport report = Run(inputs);
+  ShootSettings settings;
+  settings.sensorMm = {23.5, 13.2};
+  settings.chartRotationDegrees = {12, -8, 5};
+  settings.chartTranslationMetres = {0.1, -0.05, 0.02};
+  WritePairedShoot(inputs, report, settings, folder.Path() / "shoot");
+  const std::string config = test::ReadFile(folder.File("shoot/shoot.toml"));
+  EXPECT_THAT(config, HasSubstr("sensor = \"23.5x13.2\""));
+  EXPECT_THAT(config, HasSubstr("chart-rotation = \"12,-8,5\""));
+  EXPECT_THAT(config, HasSubstr("chart-translation = \"0.1,-0.05,0.02\""));
+}
+
+TEST_F(PairTest, SaysThatTheFilesAreSwapped) {
+  PairInputs inputs = Inputs();
+  std::swap(inputs.camera, *inputs.chart);
+  EXPECT_THAT(ErrorOf(inputs), HasSubstr("swapped"));
+}
+
+TEST_F(PairTest, PrintsBothSpansWhereTheyDoNotOverlap) {
+  PairInputs inputs = Inputs();
+  inputs.camera.poses.resize(inputs.camera.poses.size() / 4);
+  EXPECT_THAT(ErrorOf(inputs), testing::AllOf(HasSubstr("overlap"), HasSubstr("1.00 to 24.92 s"),
+                                              HasSubstr("to 6.5")));
+}
+
+TEST_F(PairTest, SaysThatTheMotionIsAnother) {
+  simulator::RecordingOptions other = *options_;
+  other.shoot.seed = 8;
+  PairInputs inputs = Inputs();
+  const simulator::Recording recorded = simulator::SimulateRecording(other);
+  for (std::size_t i = 0; i < inputs.camera.poses.size(); ++i) {
+    const Eigen::Quaterniond q(recorded.camera[i].pose.linear());
+    inputs.camera.poses[i].pose.quaternionWxyz << q.w(), q.x(), q.y(), q.z();
+  }
+  EXPECT_THAT(ErrorOf(inputs), HasSubstr("nod the camera three times"));
+}
+
+TEST_F(PairTest, SaysThatNothingMoves) {
+  PairInputs inputs = Inputs();
+  const auto seen = std::find_if(recording_->frames.begin(), recording_->frames.end(),
+                                 [](const auto& frame) { return frame.isChartInside; });
+  const std::string name =
+      inputs.film.frames[static_cast<std::size_t>(seen - recording_->frames.begin())].name;
+  for (FilmFrame& frame : inputs.film.frames) {
+    frame.name = name;
+  }
+  EXPECT_THAT(ErrorOf(inputs), HasSubstr("nod the camera three times"));
+}
+
+TEST_F(PairTest, SaysThatTheBoardIsNotThere) {
+  PairInputs inputs = Inputs();
+  inputs.board = {7, 5};
+  EXPECT_THAT(ErrorOf(inputs), HasSubstr("--board"));
+}
+
+}  // namespace
+}  // namespace trackedcam::host
