@@ -4,6 +4,7 @@
 #include <cctype>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "host/input/data_file.h"
 #include "host/input/input_error.h"
@@ -15,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMostFrames = 1000000;
+constexpr std::string_view kTimestamps = "# timecode format v2";
 
 bool IsPicture(const fs::path& file) {
   static const std::set<std::string> kExtensions = {".jpg",  ".jpeg", ".png", ".bmp",
@@ -96,17 +98,55 @@ std::string NameOf(std::string_view field, const std::vector<std::string>& names
   throw InputError(file.u8string() + ", line " + std::to_string(line) + ": " + reason);
 }
 
+// Puts each frame into a film once, if it has a time of its own.
+class FilmOfTimes {
+ public:
+  FilmOfTimes(const fs::path& folder, std::vector<std::string> names) : names_(std::move(names)) {
+    film_.folder = folder;
+  }
+
+  const std::vector<std::string>& Names() const { return names_; }
+
+  /// @param name Empty: there is no such frame.
+  void Add(const std::string& name, double seconds) {
+    if (name.empty()) {
+      ++film_.timesWithoutFrame;
+    } else if (!timed_.insert(name).second || !seconds_.insert(seconds).second) {
+      ++film_.repeatedTimes;
+    } else {
+      film_.frames.push_back({name, seconds});
+    }
+  }
+
+  Film Finish(const fs::path& times) {
+    if (film_.frames.empty()) {
+      throw InputError(times.u8string() + " names no frame of " + film_.folder.u8string() +
+                       ": its first column must have the names of the files, such as " +
+                       names_.front());
+    }
+    film_.framesWithoutTime = names_.size() - timed_.size();
+    std::sort(film_.frames.begin(), film_.frames.end(),
+              [](const FilmFrame& a, const FilmFrame& b) { return a.seconds < b.seconds; });
+    return std::move(film_);
+  }
+
+ private:
+  Film film_;
+  std::vector<std::string> names_;
+  std::set<std::string> timed_;
+  std::set<double> seconds_;
+};
+
 }  // namespace
 
 Film ReadFilm(const fs::path& folder, const fs::path& times) {
-  const std::vector<std::string> names = PicturesIn(folder);
+  FilmOfTimes film(folder, PicturesIn(folder));
+  const std::vector<std::string>& names = film.Names();
   const std::set<std::string> pictures(names.begin(), names.end());
-  Film film;
-  film.folder = folder;
-  std::set<std::string> timed;
-  std::set<double> seconds;
-  std::size_t line = 0;
   const std::string content = ReadDataContent(times);
+  bool isOfTimestamps = false;
+  std::size_t line = 0;
+  std::size_t frame = 0;  // of timestamps
   for (std::size_t begin = 0; begin < content.size();) {
     const std::size_t end = std::min(content.find('\n', begin), content.size());
     const std::string_view text = Trim(std::string_view(content).substr(begin, end - begin));
@@ -117,32 +157,25 @@ Film ReadFilm(const fs::path& folder, const fs::path& times) {
     }
     const std::vector<std::string_view> fields = SplitFields(text);
     if (line == 1) {
-      if (fields.size() < 2 || Trim(fields[0]) != "frame" || Trim(fields[1]) != "time") {
+      isOfTimestamps = text.substr(0, kTimestamps.size()) == kTimestamps;
+      if (!isOfTimestamps &&
+          (fields.size() < 2 || Trim(fields[0]) != "frame" || Trim(fields[1]) != "time")) {
         ThrowAt(times, 1, "the header must be frame,time");
       }
       continue;
     }
-    if (fields.size() < 2 || KindOf(fields[1]) != FieldKind::kNumber) {
+    const std::string_view time = isOfTimestamps ? fields[0] : fields[fields.size() < 2 ? 0 : 1];
+    if ((!isOfTimestamps && fields.size() < 2) || KindOf(time) != FieldKind::kNumber) {
       ThrowAt(times, line, "expected a frame and its time in seconds");
     }
-    const std::string name = NameOf(Trim(fields[0]), names, pictures);
-    const double at = NumberIn(fields[1]);
-    if (name.empty()) {
-      ++film.timesWithoutFrame;
-    } else if (!timed.insert(name).second || !seconds.insert(at).second) {
-      ++film.repeatedTimes;
+    if (isOfTimestamps) {
+      film.Add(frame < names.size() ? names[frame] : std::string(), 1e-3 * NumberIn(time));
+      ++frame;
     } else {
-      film.frames.push_back({name, at});
+      film.Add(NameOf(Trim(fields[0]), names, pictures), NumberIn(time));
     }
   }
-  if (film.frames.empty()) {
-    throw InputError(times.u8string() + " names no frame of " + folder.u8string() + ": its first " +
-                     "column must have the names of the files, such as " + names.front());
-  }
-  film.framesWithoutTime = names.size() - timed.size();
-  std::sort(film.frames.begin(), film.frames.end(),
-            [](const FilmFrame& a, const FilmFrame& b) { return a.seconds < b.seconds; });
-  return film;
+  return film.Finish(times);
 }
 
 Film ReadFilm(const fs::path& folder, double framesPerSecond) {

@@ -23,7 +23,8 @@ struct Film {
 };
 
 /// @param times A CSV file with the header "frame,time": names of files in the folder, or their
-///              numbers in its order from 1; seconds.
+///              numbers in its order from 1; seconds. Or a "timecode format v2": one time in
+///              milliseconds for each frame in order.
 /// @throws InputError if the folder has no frames, or the file is not of this form.
 Film ReadFilm(const std::filesystem::path& folder, const std::filesystem::path& times);
 

@@ -98,6 +98,35 @@ std::array<int, 2> CommonSize(const std::vector<SearchedFrame>& searched) {
   return most == counts.end() ? std::array<int, 2>{} : most->first;
 }
 
+// Evenly over all, at most so many.
+template <class Value>
+std::vector<Value> Some(const std::vector<Value>& all, std::size_t most) {
+  const std::size_t step = all.size() / most + (all.size() % most != 0 ? 1 : 0);
+  std::vector<Value> some;
+  for (std::size_t i = 0; i < all.size(); i += std::max<std::size_t>(step, 1)) {
+    some.push_back(all[i]);
+  }
+  return some;
+}
+
+[[noreturn]] void ThrowWithoutBoard(std::size_t with, std::size_t searched) {
+  throw InputError("the board was found in " + std::to_string(with) + " of " +
+                   std::to_string(searched) +
+                   " frames: name its inner corners with --board, and film it so that the whole "
+                   "chart is seen, sharp and well lit");
+}
+
+// Searching a board that is not there takes longest.
+void RequireBoardInSome(const PairInputs& inputs, const std::vector<std::filesystem::path>& files) {
+  constexpr std::size_t kTried = 40;
+  const std::vector<std::filesystem::path> some = Some(files, kTried);
+  const std::vector<SearchedFrame> searched = SearchBoards(some, inputs.board, [](std::size_t) {});
+  if (std::all_of(searched.begin(), searched.end(),
+                  [](const SearchedFrame& frame) { return frame.corners.empty(); })) {
+    ThrowWithoutBoard(0, some.size());
+  }
+}
+
 std::vector<Found> SearchFilm(const PairInputs& inputs, const PairProgress& progress,
                               PairReport& report) {
   const std::vector<std::size_t> indices = ToSearch(inputs.film);
@@ -105,6 +134,7 @@ std::vector<Found> SearchFilm(const PairInputs& inputs, const PairProgress& prog
   for (const std::size_t index : indices) {
     files.push_back(FileOf(inputs.film, index));
   }
+  RequireBoardInSome(inputs, files);
   std::vector<SearchedFrame> searched =
       SearchBoards(files, inputs.board, [&](std::size_t done) { progress(done, indices.size()); });
   report.imageSize = CommonSize(searched);
@@ -122,23 +152,9 @@ std::vector<Found> SearchFilm(const PairInputs& inputs, const PairProgress& prog
     }
   }
   if (found.size() < kLeastWithBoard) {
-    throw InputError("the board was found in " + std::to_string(found.size()) + " of " +
-                     std::to_string(indices.size()) +
-                     " frames: name its inner corners with --board, and film it so that the whole "
-                     "chart is seen, sharp and well lit");
+    ThrowWithoutBoard(found.size(), indices.size());
   }
   return found;
-}
-
-// Evenly over all, at most so many.
-template <class Value>
-std::vector<Value> Some(const std::vector<Value>& all, std::size_t most) {
-  const std::size_t step = all.size() / most + (all.size() % most != 0 ? 1 : 0);
-  std::vector<Value> some;
-  for (std::size_t i = 0; i < all.size(); i += std::max<std::size_t>(step, 1)) {
-    some.push_back(all[i]);
-  }
-  return some;
 }
 
 // Board and lens; without photographs.

@@ -63,6 +63,15 @@ TEST_F(FilmTest, TakesNumbersForNames) {
   EXPECT_EQ(film.framesWithoutTime, 1U);
 }
 
+TEST_F(FilmTest, TakesTimestampsInTheOrderOfTheFrames) {
+  MakeFrames({"1.jpg", "2.jpg", "3.jpg"});
+  const Film film = WithTimes("# timecode format v2\n0\n33\n66.7\n100\n");
+  ASSERT_THAT(Names(film), ElementsAre("1.jpg", "2.jpg", "3.jpg"));
+  EXPECT_DOUBLE_EQ(film.frames[1].seconds, 0.033);
+  EXPECT_DOUBLE_EQ(film.frames[2].seconds, 0.0667);
+  EXPECT_EQ(film.timesWithoutFrame, 1U);
+}
+
 TEST_F(FilmTest, CountsFramesByTheNumbersInTheirNames) {
   MakeFrames({"f10.jpg", "f9.jpg", "f009b.jpg", "f1.jpg", "times.csv"});
   const Film film = ReadFilm(folder.Path(), 50);

@@ -117,8 +117,8 @@ TEST_F(PairTest, GivesAnAccountOfEachFrame) {
     const double stamp = report.clock.PoseTime(inputs.film.frames[i].seconds);
     const double begin = inputs.chart->firstStamp - report.firstStamp;
     if (stamp > begin + poses[999].seconds && stamp < begin + poses[1000].seconds) {
-      EXPECT_THAT(report.frames[i],
-                  testing::AnyOf(FrameState::kNoPoses, FrameState::kNoBoard)) << i;
+      EXPECT_THAT(report.frames[i], testing::AnyOf(FrameState::kNoPoses, FrameState::kNoBoard))
+          << i;
     }
   }
   WritePairedShoot(inputs, report, {}, folder.Path() / "shoot");
