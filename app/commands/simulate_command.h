@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "simulator/shoot_options.h"
+#include "simulator/recording.h"
 
 namespace trackedcam::app {
 
@@ -13,6 +13,8 @@ struct SimulateOptions {
   std::filesystem::path folder;
   bool force = false;  // also into a folder with other files
   simulator::ShootOptions shoot;
+  bool isRecording = false;               // not a shoot
+  simulator::RecordingOptions recording;  // without its shoot and delay, which are above
   // Of the lens, whether it is stated or the default one.
   std::array<double, 2> tangential = {};  // p1, p2
   double k3 = 0;
