@@ -53,6 +53,8 @@ ShootOptions Continuous(ShootOptions options) {
   options.delayMs = usual.delayMs;
   options.looseMm = usual.looseMm;
   options.frozenRows = usual.frozenRows;
+  options.exposureMs = usual.exposureMs;
+  options.tremorMmPerSecond = usual.tremorMmPerSecond;
   return options;
 }
 

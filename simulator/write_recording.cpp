@@ -77,7 +77,7 @@ std::string TimesText(const Recording& recording) {
 }
 
 std::string PosesText(const std::vector<RecordedPose>& poses, const RecordingOptions& options) {
-  std::string text = std::string(kRecordingBegin) + " t x y z qx qy qz qw\n";
+  std::string text = "# A simulated recording: t x y z qx qy qz qw\n";
   for (const RecordedPose& recorded : poses) {
     const Eigen::Isometry3d pose = InReportedAxes(recorded.pose);
     Eigen::Quaterniond rotation(pose.linear());

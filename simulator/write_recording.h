@@ -10,9 +10,6 @@
 
 namespace trackedcam::simulator {
 
-/// How each file of poses begins.
-constexpr const char* kRecordingBegin = "# A simulated recording:";
-
 /// Writes frames/000001.jpg and so on, frames/times.csv, camera_poses.txt, chart_poses.txt,
 /// truth.json and simulated.txt, the list of the others. Creates the folder, and replaces the files
 /// of an earlier recording in it.

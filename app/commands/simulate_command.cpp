@@ -12,6 +12,7 @@
 #include "host/text/text.h"
 #include "simulator/shoot.h"
 #include "simulator/simulated_files.h"
+#include "simulator/write_recording.h"
 #include "simulator/write_shoot.h"
 
 namespace trackedcam::app {
@@ -39,12 +40,14 @@ class Group {
         ->group(name_);
   }
 
-  void AddMillimetres(const std::string& name, double& metres, const std::string& description) {
-    constexpr double kMillimetresPerMetre = 1e3;
-    const auto store = [&metres](double mm) { metres = mm / kMillimetresPerMetre; };
+  /// In millimetres, or in milliseconds.
+  void AddThousandths(const std::string& name, double& value, const std::string& unit,
+                      const std::string& description) {
+    constexpr double kThousandths = 1e3;
+    const auto store = [&value](double thousandths) { value = thousandths / kThousandths; };
     command_.add_option_function<double>(name, store, description)
-        ->default_str(Shortest(metres * kMillimetresPerMetre))
-        ->type_name("MM")
+        ->default_str(Shortest(value * kThousandths))
+        ->type_name(unit)
         ->group(name_);
   }
 
@@ -148,7 +151,7 @@ void AddFlaws(Group group, SimulateOptions& options) {
   ShootOptions& shoot = options.shoot;
   group.AddNumber("--print-stretch", shoot.chart.stretch, "SHARE",
                   "Squares wider than high, by this share:\n0.005 is 0.5 %");
-  group.AddMillimetres("--chart-bow-mm", shoot.chart.bowMetres,
+  group.AddThousandths("--chart-bow-mm", shoot.chart.bowMetres, "MM",
                        "Depth of the chart's middle behind its four\noutermost inner corners");
   group.AddValue("--tangential", "P1,P2", "0,0", "Tangential distortion of the lens",
                  [&options](const std::string& text) {
@@ -168,8 +171,9 @@ void AddFlaws(Group group, SimulateOptions& options) {
                   "Error of a tracker's rotation that depends on\nits pose, about each axis");
   group.AddNumber("--delay-ms", shoot.delayMs, "MS",
                   "Delay of the reported poses in milliseconds,\nwhile the hands move");
-  group.AddNumber("--exposure-ms", shoot.exposureMs, "MS",
-                  "Exposure of a photograph in milliseconds,\nwhile the hands move");
+  group.AddNumber(
+      "--exposure-ms", options.exposureMs, "MS",
+      "Exposure of a photograph in milliseconds,\nwhile the hands move (a recording: 5)");
   group.AddNumber("--tremor", shoot.tremorMmPerSecond, "MM/S",
                   "Speed at which the hands tremble along each\naxis, instead of moving evenly");
   group.AddNumber("--sag-mm", shoot.sagMm, "MM",
@@ -183,27 +187,91 @@ void AddDataFile(Group group, ShootOptions& shoot) {
   group.AddFlag("--byte-order-mark", shoot.byteOrderMark, "Byte-order mark at the beginning");
 }
 
+void AddRecording(Group group, SimulateOptions& options) {
+  simulator::RecordingOptions& recording = options.recording;
+  group.AddFlag("--recording", options.isRecording,
+                "A film and both trackers as streams of poses,\ninstead of photographs");
+  group.AddNumber("--seconds", recording.seconds, "S", "Length of the film in seconds");
+  group.AddNumber("--fps", recording.framesPerSecond, "HZ", "Frames per second");
+  group.AddNumber("--pose-rate", recording.posesPerSecond, "HZ",
+                  "Poses of each tracker per second");
+  group.AddValue("--motion", "HOW", "handheld",
+                 "handheld: camera and chart in hands;\ntripod: camera at rest",
+                 [&recording](const std::string& text) {
+                   if (text != "handheld" && text != "tripod") {
+                     throw CLI::ValidationError("--motion", text + " is not handheld or tripod");
+                   }
+                   recording.motion =
+                       text == "tripod" ? simulator::Motion::kTripod : simulator::Motion::kHandheld;
+                 });
+  group.AddThousandths("--readout-ms", recording.readoutSeconds, "MS",
+                       "Time from the first to the last row of a\nrolling shutter");
+  group.AddNumber("--drift-ppm", recording.driftPpm, "PPM",
+                  "How much faster the clock of the poses is than\nthat of the frames");
+  group.AddNumber("--drop", recording.droppedFraction, "SHARE",
+                  "Share of the poses that are missing");
+  group.AddNumber("--stamp-step-ms", recording.stampStepMs, "MS",
+                  "Step to which the times of the poses are\nrounded (0: they are not)");
+}
+
+// What one of the two kinds does not have is refused, because it would be ignored.
+void SeparateKinds(CLI::App& command) {
+  CLI::Option* recording = command.get_option("--recording");
+  for (const char* option : {"--seconds", "--fps", "--pose-rate", "--motion", "--readout-ms",
+                             "--drift-ppm", "--drop", "--stamp-step-ms"}) {
+    command.get_option(option)->needs(recording);
+  }
+  for (const char* option :
+       {"--photographs", "--missing", "--not-an-image", "--without-chart", "--outliers",
+        "--held-poses", "--repeated-rows", "--turntable", "--slip-mm", "--slip-degrees",
+        "--frozen-rows", "--loose-mm", "--tremor", "--windows-line-ends", "--byte-order-mark"}) {
+    recording->excludes(command.get_option(option));
+  }
+}
+
 constexpr const char* kSimulateFooter = R"(Examples:
   trackedcam simulate shoot
   trackedcam simulate shoot --photographs 30 --missing 1 --outliers 3 \
       --tracker-noise-mm 0.5
   trackedcam calibrate --config shoot/shoot.toml
+  trackedcam simulate film --recording --seconds 30 --delay-ms 80
 
 The folder gets photos/, tracker_data.csv, truth.json, shoot.toml and
-simulated.txt, a list of the others. An earlier simulated shoot in it is
-replaced; any other or changed file is refused without --force.
+simulated.txt, a list of the others. With --recording, it gets frames/ with
+times.csv, camera_poses.txt, chart_poses.txt, truth.json and simulated.txt. An
+earlier one of the same kind in it is replaced; any other or changed file is
+refused without --force.
 
 Exit status: 0 written, 1 failed, 2 wrong usage.)";
 
-simulator::Shoot Simulate(const SimulateOptions& options) {
+ShootOptions WithLens(const SimulateOptions& options) {
   ShootOptions shoot = options.shoot;
+  shoot.exposureMs = options.exposureMs.value_or(shoot.exposureMs);
   simulator::Lens lens = simulator::LensOf(shoot);
   lens.p1 = options.tangential[0];
   lens.p2 = options.tangential[1];
   lens.k3 = options.k3;
   shoot.lens = lens;
+  return shoot;
+}
+
+simulator::Shoot SimulateShoot(const SimulateOptions& options) {
   try {
-    return simulator::SimulateShoot(shoot);
+    return simulator::SimulateShoot(WithLens(options));
+  } catch (const std::invalid_argument& error) {
+    throw CLI::ValidationError(error.what());
+  }
+}
+
+simulator::Recording SimulateRecording(const SimulateOptions& options) {
+  simulator::RecordingOptions recording = options.recording;
+  recording.shoot = WithLens(options);
+  recording.delayMs = options.shoot.delayMs;
+  if (options.exposureMs) {
+    recording.exposureSeconds = *options.exposureMs / 1e3;
+  }
+  try {
+    return simulator::SimulateRecording(recording);
   } catch (const std::invalid_argument& error) {
     throw CLI::ValidationError(error.what());
   }
@@ -221,15 +289,50 @@ void RequireUnchanged(const fs::path& folder) {
   }
 }
 
-void Write(const simulator::Shoot& shoot, const fs::path& folder) {
+template <class Work>
+void WithProgress(const Work& work) {
   std::ostream terminal(PlainOutput(std::cerr));
   ProgressBar bar(terminal);
   const bool isShown = IsTerminal(stderr);
-  simulator::WriteShoot(shoot, folder, [&](int done, int all) {
+  work([&](int done, int all) {
     if (isShown) {
       bar.Show({"Simulating", static_cast<std::size_t>(done), static_cast<std::size_t>(all)});
     }
   });
+}
+
+void RunShoot(const SimulateOptions& options) {
+  const simulator::Shoot shoot = SimulateShoot(options);
+  if (!options.force) {
+    RequireShootFolder(options.folder);
+    RequireUnchanged(options.folder);
+  }
+  WithProgress(
+      [&](const auto& progress) { simulator::WriteShoot(shoot, options.folder, progress); });
+  std::cout << "Wrote a shoot of " << shoot.photographs.size() << " photographs to "
+            << options.folder.u8string() << '\n'
+            << "Next: trackedcam calibrate --config " << (options.folder / "shoot.toml").u8string()
+            << '\n';
+}
+
+void RunRecording(const SimulateOptions& options) {
+  const simulator::Recording recording = SimulateRecording(options);
+  if (!options.force) {
+    RequireRecordingFolder(options.folder);
+    RequireUnchanged(options.folder);
+  }
+  WithProgress([&](const auto& progress) {
+    simulator::WriteRecording(recording, options.folder, progress);
+  });
+  std::cout << "Wrote a recording of " << recording.frames.size() << " frames to "
+            << options.folder.u8string() << '\n'
+            << "Next: trackedcam pair --camera-poses "
+            << (options.folder / "camera_poses.txt").u8string() << " --chart-poses "
+            << (options.folder / "chart_poses.txt").u8string() << " --frames "
+            << (options.folder / "frames").u8string() << " --times "
+            << (options.folder / "frames" / "times.csv").u8string() << " --board "
+            << options.shoot.chart.cols << 'x' << options.shoot.chart.rows << " --square "
+            << Shortest(options.shoot.chart.squareMetres) << " --out shoot\n";
 }
 
 }  // namespace
@@ -241,7 +344,7 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
   };
   command
       .add_option_function<std::string>("FOLDER", store,
-                                        "Folder of the shoot; created if it is missing")
+                                        "Folder to write; created if it is missing")
       ->type_name("")
       ->required();
   command.add_flag("--force", options.force,
@@ -253,24 +356,21 @@ void AddSimulateOptions(CLI::App& command, SimulateOptions& options) {
   AddTrackers({command, "Trackers"}, options.shoot);
   AddFlaws({command, "What the calibration does not model"}, options);
   AddDataFile({command, "Data file"}, options.shoot);
+  AddRecording({command, "Recording"}, options);
+  SeparateKinds(command);
 }
 
 void AddSimulateCommand(CLI::App& program, int& status) {
   CLI::App& command =
-      AddCommand(program, "simulate", "Write a simulated shoot and its truth", kSimulateFooter);
+      AddCommand(program, "simulate", "Write a simulated shoot or recording", kSimulateFooter);
   const auto options = std::make_shared<SimulateOptions>();
   AddSimulateOptions(command, *options);
   command.callback([options, &status] {
-    const simulator::Shoot shoot = Simulate(*options);
-    if (!options->force) {
-      RequireShootFolder(options->folder);
-      RequireUnchanged(options->folder);
+    if (options->isRecording) {
+      RunRecording(*options);
+    } else {
+      RunShoot(*options);
     }
-    Write(shoot, options->folder);
-    std::cout << "Wrote a shoot of " << shoot.photographs.size() << " photographs to "
-              << options->folder.u8string() << '\n'
-              << "Next: trackedcam calibrate --config "
-              << (options->folder / "shoot.toml").u8string() << '\n';
     status = 0;
   });
 }

@@ -2,10 +2,11 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 
 #include <CLI/CLI.hpp>
 
-#include "simulator/shoot_options.h"
+#include "simulator/recording.h"
 
 namespace trackedcam::app {
 
@@ -13,6 +14,9 @@ struct SimulateOptions {
   std::filesystem::path folder;
   bool force = false;  // also into a folder with other files
   simulator::ShootOptions shoot;
+  bool isRecording = false;               // not a shoot
+  simulator::RecordingOptions recording;  // without its shoot, delay and exposure
+  std::optional<double> exposureMs;       // otherwise that of the kind
   // Of the lens, whether it is stated or the default one.
   std::array<double, 2> tangential = {};  // p1, p2
   double k3 = 0;

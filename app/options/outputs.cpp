@@ -38,7 +38,7 @@ bool IsSameFile(const fs::path& a, const fs::path& b) {
          (a.filename() == b.filename() && AreEquivalent(FolderOf(a), FolderOf(b)));
 }
 
-[[noreturn]] void RejectShootFolder(const fs::path& folder, const std::string& reason) {
+[[noreturn]] void RejectFolder(const fs::path& folder, const std::string& reason) {
   throw CLI::ValidationError("FOLDER", folder.u8string() + ' ' + reason +
                                            "; name another folder, or write into it with --force");
 }
@@ -53,9 +53,18 @@ bool IsNumbered(std::string_view name, std::string_view before, std::string_view
   return name.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-bool IsSimulatedShoot(const fs::path& folder) {
-  constexpr std::string_view kBegin = "# A simulated shoot.";
-  return host::BeginningOf(folder / "shoot.toml", kBegin.size()) == kBegin &&
+/// What simulate writes into a folder.
+struct Simulated {
+  const char* what;
+  const char* file;  // begins with this text
+  std::string_view begin;
+  bool (*isPart)(const fs::path& path);
+  const char* pictures;  // a subfolder
+  bool (*isPicture)(const fs::path& path);
+};
+
+bool IsSimulated(const fs::path& folder, const Simulated& kind) {
+  return host::BeginningOf(folder / kind.file, kind.begin.size()) == kind.begin &&
          host::IsTruthFile(folder / "truth.json");
 }
 
@@ -77,12 +86,50 @@ bool IsPhotographOfShoot(const fs::path& path) {
   return !fs::is_symlink(path) && (IsNumbered(name, "img_", ".jpg") || name == kPartOfSimulate);
 }
 
-void RequireAll(const fs::path& folder, bool (*isPart)(const fs::path& path)) {
+bool IsPartOfRecording(const fs::path& path) {
+  static const std::set<std::string> kNames = {"frames",     "camera_poses.txt", "chart_poses.txt",
+                                               "truth.json", kPartOfSimulate,    "simulated.txt"};
+  return !fs::is_symlink(path) && kNames.count(path.filename().u8string()) > 0;
+}
+
+bool IsFrameOfRecording(const fs::path& path) {
+  const std::string name = path.filename().u8string();
+  return !fs::is_symlink(path) &&
+         (IsNumbered(name, "", ".jpg") || name == "times.csv" || name == kPartOfSimulate);
+}
+
+constexpr Simulated kShoot = {"a simulated shoot", "shoot.toml", "# A simulated shoot.",
+                              IsPartOfShoot,       "photos",     IsPhotographOfShoot};
+constexpr Simulated kRecording = {
+    "a simulated recording", "camera_poses.txt", "# A simulated recording:",
+    IsPartOfRecording,       "frames",           IsFrameOfRecording};
+
+void RequireAll(const fs::path& folder, const Simulated& kind,
+                bool (*isPart)(const fs::path& path)) {
   for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
     if (!isPart(entry.path())) {
-      RejectShootFolder(folder, "has " + entry.path().filename().u8string() +
-                                    ", which is not part of a simulated shoot");
+      RejectFolder(folder, "has " + entry.path().filename().u8string() + ", which is not part of " +
+                               kind.what);
     }
+  }
+}
+
+void RequireSimulated(const fs::path& folder, const Simulated& kind) {
+  if (!fs::exists(fs::symlink_status(folder))) {
+    return;
+  }
+  if (!fs::is_directory(folder)) {
+    throw CLI::ValidationError("FOLDER", folder.u8string() + " is not a folder");
+  }
+  if (fs::is_empty(folder)) {
+    return;
+  }
+  if (!IsSimulated(folder, kind)) {
+    RejectFolder(folder, std::string("has files that are not ") + kind.what);
+  }
+  RequireAll(folder, kind, kind.isPart);
+  if (fs::is_directory(folder / kind.pictures)) {
+    RequireAll(folder / kind.pictures, kind, kind.isPicture);
   }
 }
 
@@ -144,22 +191,11 @@ void PrepareOutputFolder(const std::string& option, const fs::path& folder) {
 }
 
 void RequireShootFolder(const fs::path& folder) {
-  if (!fs::exists(fs::symlink_status(folder))) {
-    return;
-  }
-  if (!fs::is_directory(folder)) {
-    throw CLI::ValidationError("FOLDER", folder.u8string() + " is not a folder");
-  }
-  if (fs::is_empty(folder)) {
-    return;
-  }
-  if (!IsSimulatedShoot(folder)) {
-    RejectShootFolder(folder, "has files that are not a simulated shoot");
-  }
-  RequireAll(folder, IsPartOfShoot);
-  if (fs::is_directory(folder / "photos")) {
-    RequireAll(folder / "photos", IsPhotographOfShoot);
-  }
+  RequireSimulated(folder, kShoot);
+}
+
+void RequireRecordingFolder(const fs::path& folder) {
+  RequireSimulated(folder, kRecording);
 }
 
 }  // namespace trackedcam::app

@@ -46,4 +46,7 @@ void PrepareOutputFolder(const std::string& option, const std::filesystem::path&
 /// @throws CLI::ValidationError unless the folder is missing, empty or such an earlier shoot.
 void RequireShootFolder(const std::filesystem::path& folder);
 
+/// The same for a simulated recording.
+void RequireRecordingFolder(const std::filesystem::path& folder);
+
 }  // namespace trackedcam::app

@@ -169,5 +169,28 @@ TEST_F(HostProgramOverwrite, SimulateKeepsARealShoot) {
   EXPECT_NE(Read("real/photos/img_000.jpg"), "real");
 }
 
+TEST_F(HostProgramOverwrite, SimulateReplacesASimulatedRecordingAlone) {
+  const std::vector<std::string> film = {"simulate", "film",      "--recording", "--image",
+                                         "320x180",  "--seconds", "0.2"};
+  EXPECT_EQ(Run(film).status, 0);
+  EXPECT_EQ(Run(film).status, 0);
+  EXPECT_TRUE(fs::exists(folder.Path() / "film" / "frames" / "000005.jpg"));
+  ExpectRefused("film/truth.json", {"simulate", "film", "--photographs", "12"},
+                "film has files that are not a simulated shoot");
+  ExpectRefused("shoot/truth.json", {"simulate", "shoot", "--recording"},
+                "shoot has files that are not a simulated recording");
+
+  test::WriteFile(folder.File("film/frames/000002.jpg"), "own picture");
+  ExpectRefused("film/frames/000002.jpg", film, "has frames/000002.jpg, not as it was simulated");
+  test::WriteFile(folder.File("film/frames/notes.txt"), "mine");
+  ExpectRefused("film/frames/notes.txt", film,
+                "has notes.txt, which is not part of a simulated recording");
+  std::vector<std::string> force = film;
+  force.push_back("--force");
+  EXPECT_EQ(Run(force).status, 0);
+  EXPECT_NE(Read("film/frames/000002.jpg"), "own picture");
+  EXPECT_EQ(Read("film/frames/notes.txt"), "mine");
+}
+
 }  // namespace
 }  // namespace trackedcam::app

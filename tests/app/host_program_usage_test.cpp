@@ -165,6 +165,16 @@ TEST_F(HostProgramUsage, NeverOverwritesItsInput) {
   EXPECT_TRUE(std::filesystem::exists(folder.Path() / "data.csv"));
 }
 
+TEST_F(HostProgramUsage, SimulateSeparatesShootsAndRecordings) {
+  ExpectUsageError({"simulate", "film", "--fps", "10"}, "--fps requires --recording");
+  ExpectUsageError({"simulate", "film", "--recording", "--outliers", "2"},
+                   "--outliers excludes --recording");
+  ExpectUsageError({"simulate", "film", "--recording", "--motion", "drone"},
+                   "--motion: drone is not handheld or tripod");
+  ExpectUsageError({"simulate", "film", "--recording", "--drop", "1"},
+                   "droppedFraction must be from 0 to 0.95");
+}
+
 TEST_F(HostProgramUsage, SimulateNamesWhatCannotBe) {
   ExpectUsageError({"simulate", "shoot", "--photographs", "0"}, "photographs must be at least 1");
   ExpectUsageError({"simulate", "shoot", "--board", "9by6"}, "--board: 9by6 is not");

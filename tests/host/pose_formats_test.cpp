@@ -10,6 +10,7 @@
 
 #include "host/input/input_error.h"
 #include "host/lens_files/opentrackio.h"
+#include "simulator/write_recording.h"
 #include "support/stage_test.h"
 
 namespace trackedcam::host {
@@ -68,6 +69,26 @@ TEST_F(PoseFormatsTest, ReadsTum) {
   ExpectPose(recording.poses[0], 0, {1, 2, 3}, {0.25, 0.5, -0.5, 0.5});
   ExpectPose(recording.poses[1], 0.008333334, {1.5, 2, -3}, {2, 0, 0, 0});
   ExpectLeftOut(recording, 0, 0, 0);
+}
+
+// The simulation reports other axes of a tracker: its -x, -z, -y.
+TEST_F(PoseFormatsTest, ReadsASimulatedRecording) {
+  simulator::RecordingOptions options;
+  options.seconds = 1;
+  options.firstStamp = 1700000000;
+  const simulator::Recording simulated = simulator::SimulateRecording(options);
+  const PoseRecording recording = Read(simulator::PosesText(simulated.camera, options));
+  ASSERT_EQ(recording.poses.size(), simulated.camera.size());
+  for (std::size_t i = 0; i < recording.poses.size(); ++i) {
+    const auto& [seconds, pose] = recording.poses[i];
+    const Eigen::Isometry3d& truth = simulated.camera[i].pose;
+    EXPECT_NEAR(recording.firstStamp + seconds, simulated.camera[i].stamp, 1e-6);
+    EXPECT_LT((pose.position - truth.translation()).norm(), 1e-11);
+    const Eigen::Quaterniond rotation(pose.quaternionWxyz[0], pose.quaternionWxyz[1],
+                                      pose.quaternionWxyz[2], pose.quaternionWxyz[3]);
+    EXPECT_LT((rotation * Vector3d::UnitX() + truth.linear().col(0)).norm(), 1e-10);
+    EXPECT_LT((rotation * Vector3d::UnitY() + truth.linear().col(2)).norm(), 1e-10);
+  }
 }
 
 TEST_F(PoseFormatsTest, ReadsEuroc) {
