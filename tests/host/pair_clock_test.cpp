@@ -2,64 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include "host/known_recording.h"
 #include "host/pair/clock.h"
-#include "simulator/random.h"
-#include "simulator/recording.h"
 
 namespace trackedcam::host {
 namespace {
 
 using simulator::Recording;
 using simulator::RecordingOptions;
-
-PoseRecording RecordingOf(const std::vector<simulator::RecordedPose>& stream) {
-  PoseRecording recording;
-  recording.firstStamp = stream.front().stamp;
-  for (const simulator::RecordedPose& recorded : stream) {
-    const Eigen::Quaterniond q(recorded.pose.linear());
-    recording.poses.push_back({recorded.stamp - recording.firstStamp,
-                               {recorded.pose.translation(), {q.w(), q.x(), q.y(), q.z()}}});
-  }
-  return recording;
-}
-
-// The frames whose corners are seen, with noise of 0.05 pixels.
-std::vector<SeenFrame> SeenIn(const Recording& recording, std::size_t every) {
-  simulator::Random random(recording.options.shoot.seed, simulator::Draw::kPicture);
-  std::vector<SeenFrame> seen;
-  for (std::size_t i = 0; i < recording.frames.size(); i += every) {
-    const simulator::RecordedFrame& frame = recording.frames[i];
-    if (frame.isChartInside) {
-      SeenFrame& own = seen.emplace_back();
-      own.seconds = frame.time;
-      own.Transform_Cam_Chart = frame.Transform_Cam_Chart;
-      for (const Eigen::Vector2d& corner : frame.corners) {
-        own.corners.push_back(corner + 0.05 * random.NormalVector().head<2>());
-      }
-    }
-  }
-  return seen;
-}
-
-crosscheck::Observations BoardOf(const Recording& recording) {
-  const simulator::ShootOptions& shoot = recording.options.shoot;
-  const simulator::Lens& lens = recording.lens;
-  crosscheck::Observations board;
-  board.boardColumns = shoot.chart.cols;
-  board.boardRows = shoot.chart.rows;
-  board.square = shoot.chart.squareMetres;
-  board.lens = {shoot.imageWidth, shoot.imageHeight, lens.fx, lens.fy,
-                lens.cx,          lens.cy,           lens.k1, lens.k2};
-  return board;
-}
-
-RecordingOptions Noisy(std::uint64_t seed) {
-  RecordingOptions options;
-  options.shoot.seed = seed;
-  options.shoot.trackerNoiseMm = 0.3;
-  options.shoot.trackerNoiseDegrees = 0.05;
-  return options;
-}
+using test::BoardOf;
+using test::NoisyRecording;
+using test::RecordingOf;
+using test::SeenIn;
 
 // A clock, and how far it is from the truth at its mean time.
 struct Found {
@@ -88,7 +42,7 @@ std::optional<Found> FindClock(const RecordingOptions& options) {
 TEST(ClockTest, FindsADelayOfEitherSign) {
   for (const double delayMs : {-80.0, 0.0, 80.0}) {
     SCOPED_TRACE(delayMs);
-    RecordingOptions options = Noisy(1);
+    RecordingOptions options = NoisyRecording(1);
     options.delayMs = delayMs;
     const auto found = FindClock(options);
     ASSERT_TRUE(found);
@@ -99,7 +53,7 @@ TEST(ClockTest, FindsADelayOfEitherSign) {
 }
 
 TEST(ClockTest, FindsADriftAndClocksThatAreFarApart) {
-  RecordingOptions options = Noisy(2);
+  RecordingOptions options = NoisyRecording(2);
   options.delayMs = 40;
   options.driftPpm = 300;
   options.firstStamp = 1.7e9;
@@ -115,7 +69,7 @@ TEST(ClockTest, IsNotBiasedWhereRatesAreMultiples) {
   double sum = 0;
   constexpr int kRecordings = 6;
   for (int seed = 0; seed < kRecordings; ++seed) {
-    RecordingOptions options = Noisy(static_cast<std::uint64_t>(50 + seed));
+    RecordingOptions options = NoisyRecording(static_cast<std::uint64_t>(50 + seed));
     options.framesPerSecond = 12;
     options.delayMs = 4;  // a quarter of a period of the poses from a sample
     const auto found = FindClock(options);
@@ -126,7 +80,7 @@ TEST(ClockTest, IsNotBiasedWhereRatesAreMultiples) {
 }
 
 TEST(ClockTest, TakesRoughStamps) {
-  RecordingOptions options = Noisy(3);
+  RecordingOptions options = NoisyRecording(3);
   options.delayMs = -30;
   options.droppedFraction = 0.1;
   options.stampStepMs = 1;
@@ -136,7 +90,7 @@ TEST(ClockTest, TakesRoughStamps) {
 }
 
 TEST(CoarseDelayTest, OfRecordingsThatDoNotOverlapIsNothing) {
-  const Recording recording = simulator::SimulateRecording(Noisy(4));
+  const Recording recording = simulator::SimulateRecording(NoisyRecording(4));
   const std::vector<SeenFrame> frames = SeenIn(recording, 2);
   PoseRecording begun = RecordingOf(recording.camera);
   begun.poses.resize(begun.poses.size() / 4);
@@ -146,7 +100,7 @@ TEST(CoarseDelayTest, OfRecordingsThatDoNotOverlapIsNothing) {
 }
 
 TEST(FitClockTest, OfTooFewFramesIsNothing) {
-  const Recording recording = simulator::SimulateRecording(Noisy(5));
+  const Recording recording = simulator::SimulateRecording(NoisyRecording(5));
   const PoseStream camera(RecordingOf(recording.camera), 0);
   const PoseStream chart(RecordingOf(recording.chart), 0);
   std::vector<SeenFrame> frames = SeenIn(recording, 10);
