@@ -1,9 +1,10 @@
 """Draws the diagrams of docs/ that show data. Needs matplotlib (package python3-matplotlib).
 
-Usage: draw.py TRUTH
+Usage: draw.py TRUTH FILM PAIRING
 
 TRUTH is truth.json of `trackedcam simulate FOLDER`; views.svg shows its photographs. mounting-error.svg shows
-mounting.csv in the folder of this script.
+mounting.csv in the folder of this script. FILM is a folder of `trackedcam simulate FILM --recording`, and PAIRING the
+pairing.json of it; pairing.svg shows how fast the chart turns in front of the camera, by both clocks.
 """
 
 import csv
@@ -13,6 +14,7 @@ import sys
 
 import matplotlib
 import matplotlib.pyplot as plt
+import numpy
 
 here = pathlib.Path(__file__).parent
 images = here.parent / "images"
@@ -72,5 +74,50 @@ def rectangle(photograph, lens, left, top, right, bottom):
     return pixels
 
 
+def turn_speeds(times, rotations):
+    """Degrees per second between neighbouring rotations, 3x3, and the times in between."""
+    cosines = (numpy.einsum("nij,nij->n", rotations[1:], rotations[:-1]) - 1) / 2
+    angles = numpy.degrees(numpy.arccos(numpy.clip(cosines, -1, 1)))
+    return (times[1:] + times[:-1]) / 2, angles / numpy.diff(times)
+
+
+def rotations_of(poses):
+    """3x3 matrices from the rows of a TUM file."""
+    x, y, z, w = poses[:, 4:8].T
+    return numpy.stack([1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w),
+                        2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w),
+                        2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y)],
+                       axis=-1).reshape(-1, 3, 3)
+
+
+def draw_pairing(film, pairing):
+    """Draws the speeds of rotation of film and trackers, as recorded and by the delay found."""
+    frames = numpy.loadtxt(film / "frames/times.csv", delimiter=",", skiprows=1)
+    truth = json.loads((film / "truth.json").read_text())
+    seen = numpy.array([frame["transformCamChart"] for frame in truth["photographs"]])
+    step = 2  # frames, as pairing searches them
+    seen_times, seen_speeds = turn_speeds(frames[::step, 1],
+                                          seen.reshape(-1, 4, 4)[::step, :3, :3])
+    camera, chart = (numpy.loadtxt(film / name) for name in ("camera_poses.txt",
+                                                             "chart_poses.txt"))
+    window = 8  # poses, against their noise
+    times = camera[::window, 0]
+    nearest = numpy.abs(chart[:, :1] - times).argmin(axis=0)
+    relative = numpy.einsum("nji,njk->nik", rotations_of(camera[::window]),
+                            rotations_of(chart[nearest]))
+    pose_times, pose_speeds = turn_speeds(times, relative)
+    figure, panels = plt.subplots(2, 1, figsize=(8, 4), layout="constrained", sharex=True)
+    for axes, delay, title in ((panels[0], 0, "as recorded"),
+                               (panels[1], pairing["delaySeconds"], "by the delay that was found")):
+        axes.plot(pose_times - delay, pose_speeds, color="#1f5fa8", label="trackers")
+        axes.plot(seen_times, seen_speeds, ".", color="#c8321e", markersize=4, label="film")
+        axes.set(title=title, xlim=(1, 9), ylim=(0, None), ylabel="turns by, °/s")
+        axes.grid(alpha=0.3)
+    panels[1].set_xlabel("time of the film, s")
+    panels[0].legend(frameon=False, loc="upper right")
+    save(figure, "pairing.svg")
+
+
 draw_mounting_error()
 draw_views(json.loads(pathlib.Path(sys.argv[1]).read_text()))
+draw_pairing(pathlib.Path(sys.argv[2]), json.loads(pathlib.Path(sys.argv[3]).read_text()))
