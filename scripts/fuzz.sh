@@ -13,7 +13,7 @@ scripts/install_packages.sh build host tests
 cmake --preset asan
 cmake --build --preset fuzz
 
-[ $# -gt 0 ] || set -- numbers utf8 data_file image exports result truth command_line config options run_log observations
+[ $# -gt 0 ] || set -- numbers utf8 data_file image exports result truth command_line config options run_log observations pose_formats
 findings=build/fuzz/findings
 mkdir -p "$findings"
 export ASAN_OPTIONS=allocator_may_return_null=1:detect_odr_violation=0

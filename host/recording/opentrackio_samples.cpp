@@ -12,7 +12,7 @@
 namespace trackedcam::host {
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 const Json& Member(const Json& json, const char* key) {
   static const Json kNone;

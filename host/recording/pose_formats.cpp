@@ -405,7 +405,7 @@ Opened Open(std::string_view firstLine, const PoseFormat& format) {
   return opened;
 }
 
-bool IsUsable(const crosscheck::TrackerPose& pose) {
+bool IsTracked(const crosscheck::TrackerPose& pose) {
   return pose.position.allFinite() && pose.quaternionWxyz.allFinite() &&
          !pose.quaternionWxyz.isZero(0);
 }
@@ -414,7 +414,7 @@ bool IsUsable(const crosscheck::TrackerPose& pose) {
 class Recorder {
  public:
   void Add(const std::optional<StampedPose>& stamped) {
-    if (!stamped || !IsUsable(stamped->pose)) {
+    if (!stamped || !IsTracked(stamped->pose)) {
       ++recording_.unreadable;
     } else if (recording_.poses.empty()) {
       first_ = stamped->nanoseconds;

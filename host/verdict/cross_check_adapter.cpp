@@ -29,12 +29,10 @@ Eigen::Matrix4d TransformOf(const std::vector<double>& rowByRow) {
   return Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(rowByRow.data());
 }
 
-using Names = std::vector<std::string>;
-
 // Most kinds name no photograph and stay as they are.
 struct ToHost {
   const crosscheck::CrossCheck& crossCheck;
-  const Names& photographs;
+  const std::vector<std::string>& photographs;
   Finding& finding;
 
   template <class Kind>
@@ -117,7 +115,7 @@ crosscheck::Photograph PhotographOf(const DataRow& row,
 }
 
 std::vector<Finding> FindingsOf(const crosscheck::CrossCheck& crossCheck,
-                                const Names& photographs) {
+                                const std::vector<std::string>& photographs) {
   std::vector<Finding> findings;
   for (const crosscheck::Finding& found : crossCheck.findings) {
     Finding finding;
