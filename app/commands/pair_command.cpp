@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 
 #include "app/options/option_values.h"
 #include "app/platform.h"
@@ -89,16 +88,10 @@ void CheckOptions(const PairOptions& options) {
       options.settings.chartTranslationMetres.has_value()) {
     throw CLI::ValidationError("state --chart-rotation and --chart-translation, or neither");
   }
-  constexpr int kLeast = 12;
-  if (options.photographs < kLeast) {
+  if (options.photographs < host::kLeastPairedPhotographs) {
     throw CLI::ValidationError("--photographs", "must be at least 12");
   }
-  std::error_code error;
-  if (std::filesystem::exists(options.out, error) &&
-      !std::filesystem::is_empty(options.out, error)) {
-    throw CLI::ValidationError(
-        "--out", options.out.u8string() + " exists and is not empty; name another folder");
-  }
+  host::RequireEmpty(options.out);
 }
 
 host::PairInputs ReadInputs(const PairOptions& options) {

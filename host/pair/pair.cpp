@@ -7,6 +7,7 @@
 
 #include "crosscheck/chart_pose.h"
 #include "host/input/input_error.h"
+#include "host/input/inputs.h"
 #include "host/pair/board_search.h"
 #include "host/pair/frame_choice.h"
 #include "host/text/text.h"
@@ -25,7 +26,7 @@ constexpr std::size_t kMostForDelay = 150;
 constexpr double kLeastCorrelation = 0.5;
 constexpr double kClearly = 0.05;        // above the correlation at another delay
 constexpr double kMostDelayHalf = 0.01;  // seconds
-constexpr double kSwappedNoiseMm = 5;    // from there on, files that are swapped are looked for
+constexpr double kUsualNoiseMm = 1;      // of trackers; above it, the files may be swapped
 constexpr const char* kNod = "nod the camera three times at the beginning";
 
 // One candidate for a photograph in each such time: where camera and chart moved least.
@@ -258,7 +259,7 @@ std::vector<SeenFrame> FramesForDelay(const PairInputs& inputs, const std::vecto
 
 void RequireNotSwapped(const std::vector<SeenFrame>& frames, const Streams& streams,
                        const Observations& board, double delay, const std::optional<Clock>& clock) {
-  if (clock && clock->trackerNoiseMm < kSwappedNoiseMm) {
+  if (clock && clock->trackerNoiseMm < kUsualNoiseMm && clock->delayHalf <= kMostDelayHalf) {
     return;
   }
   const auto swapped = FitClock(frames, streams.chart, streams.camera, board, delay);
@@ -398,6 +399,11 @@ const char* Name(FrameState state) {
 }
 
 PairReport Pair(const PairInputs& inputs, const PairProgress& progress) {
+  if (std::min(inputs.board[0], inputs.board[1]) < kLeastInnerCorners ||
+      std::max(inputs.board[0], inputs.board[1]) > kMostInnerCorners ||
+      !(inputs.squareMetres > 0 && inputs.squareMetres < 1)) {
+    throw InputError("a board has 3 to 100 inner corners along each side, and squares below 1 m");
+  }
   PairReport report;
   report.firstStamp = inputs.camera.firstStamp;
   report.frames.assign(inputs.film.frames.size(), FrameState::kNotSearched);

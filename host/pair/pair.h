@@ -18,6 +18,8 @@
 
 namespace trackedcam::host {
 
+constexpr int kLeastPairedPhotographs = 12;  // fewer are no calibration
+
 struct PairInputs {
   Film film;
   PoseRecording camera;                // of the tracker on the camera

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/input/input_error.h"
 #include "host/text/files.h"
 #include "host/text/text.h"
 
@@ -37,25 +38,6 @@ Json FramesJson(const Film& film, const PairReport& report) {
                       {"state", Name(report.frames[i])}});
   }
   return frames;
-}
-
-Json PairingJson(const PairInputs& inputs, const PairReport& report) {
-  const Clock& clock = report.clock;
-  return {{"delaySeconds", report.DelaySeconds()},
-          {"delayHalfMs", NumberJson(kMs * clock.delayHalf)},
-          {"atSeconds", clock.meanSeconds},
-          {"driftPpm", kPerMillion * clock.drift},
-          {"driftHalfPpm", NumberJson(kPerMillion * clock.driftHalf)},
-          {"correlation", report.correlation},
-          {"framesForDelay", report.forDelay},
-          {"trackerNoise", {{"mm", clock.trackerNoiseMm}, {"degrees", clock.trackerNoiseDegrees}}},
-          {"averagedRows", report.averaged},
-          {"cameraPoses", StreamJson(report.camera)},
-          {"chartPoses", report.chart ? StreamJson(*report.chart) : Json(nullptr)},
-          {"framesWithoutTime", inputs.film.framesWithoutTime},
-          {"timesWithoutFrame", inputs.film.timesWithoutFrame},
-          {"repeatedTimes", inputs.film.repeatedTimes},
-          {"frames", FramesJson(inputs.film, report)}};
 }
 
 std::string Triple(const std::array<double, 3>& numbers) {
@@ -138,8 +120,40 @@ std::string FramesText(const PairInputs& inputs, const PairReport& report) {
 
 }  // namespace
 
+void RequireEmpty(const fs::path& folder) {
+  std::error_code error;
+  if (fs::exists(folder, error) && !fs::is_empty(folder, error)) {
+    throw InputError(folder.u8string() + " exists and is not empty; name another folder");
+  }
+}
+
+Json PairingJson(const PairInputs& inputs, const PairReport& report) {
+  const Clock& clock = report.clock;
+  Json text = Json::array();
+  for (const std::string& line : PairingText(inputs, report)) {
+    text.push_back(line);
+  }
+  return {{"text", text},
+          {"delaySeconds", report.DelaySeconds()},
+          {"delayHalfMs", NumberJson(kMs * clock.delayHalf)},
+          {"atSeconds", clock.meanSeconds},
+          {"driftPpm", kPerMillion * clock.drift},
+          {"driftHalfPpm", NumberJson(kPerMillion * clock.driftHalf)},
+          {"correlation", report.correlation},
+          {"framesForDelay", report.forDelay},
+          {"trackerNoise", {{"mm", clock.trackerNoiseMm}, {"degrees", clock.trackerNoiseDegrees}}},
+          {"averagedRows", report.averaged},
+          {"cameraPoses", StreamJson(report.camera)},
+          {"chartPoses", report.chart ? StreamJson(*report.chart) : Json(nullptr)},
+          {"framesWithoutTime", inputs.film.framesWithoutTime},
+          {"timesWithoutFrame", inputs.film.timesWithoutFrame},
+          {"repeatedTimes", inputs.film.repeatedTimes},
+          {"frames", FramesJson(inputs.film, report)}};
+}
+
 void WritePairedShoot(const PairInputs& inputs, const PairReport& report,
                       const ShootSettings& settings, const fs::path& folder) {
+  RequireEmpty(folder);
   std::vector<RecordedRow> rows = report.rows;
   for (RecordedRow& row : rows) {
     RequireName(row.photograph);

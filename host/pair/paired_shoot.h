@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "host/pair/pair.h"
 
 namespace trackedcam::host {
@@ -19,12 +21,18 @@ struct ShootSettings {
   std::optional<std::array<double, 3>> chartTranslationMetres;  // of the mounting
 };
 
-/// Writes photos/, tracker_data.csv, shoot.toml and pairing.json into a folder that is empty or
-/// does not exist.
+/// @throws InputError if the folder exists and is not empty.
+void RequireEmpty(const std::filesystem::path& folder);
+
+/// Writes photos/, tracker_data.csv, shoot.toml and pairing.json.
+/// @param folder Empty or missing.
 /// @throws std::runtime_error if a file cannot be read or written; InputError for the name of a
-///         frame that a data file cannot hold.
+///         frame that a data file cannot hold, and as RequireEmpty.
 void WritePairedShoot(const PairInputs& inputs, const PairReport& report,
                       const ShootSettings& settings, const std::filesystem::path& folder);
+
+/// The content of pairing.json.
+nlohmann::ordered_json PairingJson(const PairInputs& inputs, const PairReport& report);
 
 /// The delay, the drift, the frames and the streams; one line each.
 std::vector<std::string> PairingText(const PairInputs& inputs, const PairReport& report);

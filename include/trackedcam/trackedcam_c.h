@@ -607,6 +607,63 @@ TRACKEDCAM_C_API trackedcam_status
 trackedcam_verification_free(trackedcam_verification* verification);
 
 /// @}
+/// @defgroup c_pair Pairing
+/// A shoot from a film and a continuous recording of both trackers.
+/// @{
+
+/// What a pairing found.
+typedef struct trackedcam_pairing trackedcam_pairing;
+
+/// What to pair. Fill it with trackedcam_pair_options_init. Later versions add members at the end.
+typedef struct trackedcam_pair_options {
+  uint32_t struct_size;      ///< Bytes. trackedcam_pair_options_init sets it.
+  int32_t board_columns;     ///< Inner corners along a row.
+  int32_t board_rows;        ///< Inner corners along a column.
+  int32_t photographs;       ///< How many frames are chosen, at most; default 40.
+  double square_m;           ///< Edge of one square.
+  const char* camera_poses;  ///< File with the poses of the tracker on the camera.
+  const char* chart_poses;   ///< The same on the chart; NULL: the chart did not move.
+  const char* frames;        ///< Folder with the frames as pictures.
+  const char* times;         ///< File with their times; NULL: frames_per_second says them.
+  double frames_per_second;  ///< Without times.
+  const char* pose_format;   ///< "tum", "euroc", "opentrackio", "csv"; NULL: recognised.
+  const char* columns;       ///< Of a CSV file: "time=t,x=px,..."; NULL: recognised.
+  const char* pose_unit;     ///< "m", "cm", "mm" or "in"; NULL: the header's, otherwise m.
+  const char* time_unit;     ///< "s", "ms", "us" or "ns"; NULL: the header's or the format's.
+  double sensor_width_mm;    ///< For shoot.toml; 0: 36.
+  double sensor_height_mm;   ///< For shoot.toml; 0: by the shape of the frames.
+  const char* out_folder;    ///< Folder for the shoot: empty or missing.
+} trackedcam_pair_options;
+
+/// Sets all members to their defaults.
+/// @param[out] options The options.
+/// @param struct_size sizeof(trackedcam_pair_options).
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_pair_options_init(trackedcam_pair_options* options,
+                                                                size_t struct_size);
+
+/// Finds the delay between film and recording, chooses frames, and writes a shoot: photos/,
+/// tracker_data.csv, shoot.toml and pairing.json.
+/// @param options What to pair.
+/// @param[out] pairing Free it with trackedcam_pairing_free.
+/// @return TRACKEDCAM_OK or an error status: TRACKEDCAM_BAD_INPUT for files that cannot be read, a
+///   folder that is not empty, and a recording that cannot be paired.
+TRACKEDCAM_C_API trackedcam_status trackedcam_pair(const trackedcam_pair_options* options,
+                                                   trackedcam_pairing** pairing);
+
+/// Returns the content of pairing.json: the delay with its interval, and what became of each frame.
+/// @param pairing The pairing.
+/// @param[out] json The text. It is valid until the pairing is freed.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_pairing_json(trackedcam_pairing* pairing,
+                                                           const char** json);
+
+/// Frees a pairing and its text.
+/// @param pairing The pairing, or NULL.
+/// @return TRACKEDCAM_OK or an error status.
+TRACKEDCAM_C_API trackedcam_status trackedcam_pairing_free(trackedcam_pairing* pairing);
+
+/// @}
 /// @defgroup c_compare Comparison
 /// What two results of one camera differ by, and whether by chance.
 /// @{

@@ -14,10 +14,10 @@ on the chart, Chart the chessboard. transform_a_b takes coordinates given in fra
 from ._calibrate import Progress, Run, Shoot, calibrate, crosscheck, start
 from ._library import VERSION as __version__
 from ._library import InputError
+from ._pair import Pairing, pair
 from ._report import CalibrationError, CalibrationWarning, CrossCheck, Finding, Lens, Photograph, Report
 from ._verify import Comparison, Verification, compare, verify
 
-__all__ = ["CalibrationError", "CalibrationWarning", "Comparison", "CrossCheck", "Finding", "InputError", "Lens", "Photograph",
-           "Progress", "Report", "Run", "Shoot", "Verification", "__version__", "calibrate", "compare", "crosscheck",
-           "start",
-           "verify"]
+__all__ = ["CalibrationError", "CalibrationWarning", "Comparison", "CrossCheck", "Finding", "InputError", "Lens", "Pairing",
+           "Photograph", "Progress", "Report", "Run", "Shoot", "Verification", "__version__", "calibrate", "compare",
+           "crosscheck", "pair", "start", "verify"]

@@ -78,6 +78,28 @@ class VerifyOptions(ctypes.Structure):
     ]
 
 
+class PairOptions(ctypes.Structure):
+    _fields_ = [
+        ("struct_size", c_uint32),
+        ("board_columns", c_int32),
+        ("board_rows", c_int32),
+        ("photographs", c_int32),
+        ("square_m", c_double),
+        ("camera_poses", c_char_p),
+        ("chart_poses", c_char_p),
+        ("frames", c_char_p),
+        ("times", c_char_p),
+        ("frames_per_second", c_double),
+        ("pose_format", c_char_p),
+        ("columns", c_char_p),
+        ("pose_unit", c_char_p),
+        ("time_unit", c_char_p),
+        ("sensor_width_mm", c_double),
+        ("sensor_height_mm", c_double),
+        ("out_folder", c_char_p),
+    ]
+
+
 class ProgressStruct(ctypes.Structure):
     _fields_ = [("stage", ctypes.c_char * 64), ("photographs_done", c_int32), ("photographs_in_all", c_int32)]
 
@@ -119,6 +141,10 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_verify": [c_char_p, c_char_p, POINTER(VerifyOptions), POINTER(c_void_p)],
     "trackedcam_verification_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_verification_free": [c_void_p],
+    "trackedcam_pair_options_init": [POINTER(PairOptions), c_size_t],
+    "trackedcam_pair": [POINTER(PairOptions), POINTER(c_void_p)],
+    "trackedcam_pairing_json": [c_void_p, POINTER(c_char_p)],
+    "trackedcam_pairing_free": [c_void_p],
     "trackedcam_compare": [c_char_p, c_char_p, POINTER(c_void_p)],
     "trackedcam_comparison_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_comparison_free": [c_void_p],

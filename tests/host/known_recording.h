@@ -25,7 +25,8 @@ inline host::PoseRecording RecordingOf(const std::vector<simulator::RecordedPose
 }
 
 // The frames whose corners are seen, with noise of 0.05 pixels.
-inline std::vector<host::SeenFrame> SeenIn(const simulator::Recording& recording, std::size_t every) {
+inline std::vector<host::SeenFrame> SeenIn(const simulator::Recording& recording,
+                                           std::size_t every) {
   simulator::Random random(recording.options.shoot.seed, simulator::Draw::kPicture);
   std::vector<host::SeenFrame> seen;
   for (std::size_t i = 0; i < recording.frames.size(); i += every) {

@@ -20,6 +20,7 @@ def test_structs_have_the_layout_of_the_header():
     for name, struct in [("pose", _library.Pose), ("settings", _library.Settings),
                          ("export_options", _library.ExportOptions),
                          ("verify_options", _library.VerifyOptions),
+                         ("pair_options", _library.PairOptions),
                          ("progress", _library.ProgressStruct), ("lens", _library.LensStruct)]:
         lines.append(f"trackedcam_{name} {ctypes.sizeof(struct)}")
         lines += [f"trackedcam_{name}.{field[0]} {getattr(struct, field[0]).offset}" for field in struct._fields_]

@@ -58,9 +58,9 @@ std::optional<Outcome> Run(const RecordingOptions& options) {
   const host::PoseStream chart(test::RecordingOf(recording.chart), options.firstStamp);
   const auto coarse = FindCoarseDelay(test::SeenIn(recording, 2), camera, chart);
   const std::vector<host::SeenFrame> frames = test::SeenIn(recording, 10);
-  const auto clock = coarse ? FitClock(frames, camera, chart, test::BoardOf(recording),
-                                       coarse->seconds)
-                            : std::nullopt;
+  const auto clock =
+      coarse ? FitClock(frames, camera, chart, test::BoardOf(recording), coarse->seconds)
+             : std::nullopt;
   if (!clock) {
     return std::nullopt;
   }
@@ -108,15 +108,15 @@ void Print(const StudyRow& row, int recordings) {
 
 int main(int count, char** arguments) {
   const int recordings = count > 1 ? std::atoi(arguments[1]) : 200;
-  std::printf("| Recording | Found | Off, ms | Interval, +/- ms | Holds | Drift found | "
-              "Transform off, mm | The same with the true delay |\n"
-              "|---|---:|---:|---:|---:|---:|---:|---:|\n");
+  std::printf(
+      "| Recording | Found | Off, ms | Interval, +/- ms | Holds | Drift found | "
+      "Transform off, mm | The same with the true delay |\n"
+      "|---|---:|---:|---:|---:|---:|---:|---:|\n");
   const std::vector<StudyRow> rows = {
       {"handheld", [](RecordingOptions&) {}},
       {"tripod", [](RecordingOptions& o) { o.motion = simulator::Motion::kTripod; }},
       {"drift of 200 millionths", [](RecordingOptions& o) { o.driftPpm = 200; }},
-      {"frames and poses at 12 and 120 Hz",
-       [](RecordingOptions& o) { o.framesPerSecond = 12; }},
+      {"frames and poses at 12 and 120 Hz", [](RecordingOptions& o) { o.framesPerSecond = 12; }},
       {"10 % of the poses missing, stamps of 1 ms",
        [](RecordingOptions& o) {
          o.droppedFraction = 0.1;
