@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path data = argv[1];
-  const std::filesystem::path log_folder = argv[2];
+  const std::filesystem::path logFolder = argv[2];
   // docs/other-languages.md begin
   try {
     trackedcam::Settings settings;
@@ -20,14 +20,14 @@ int main(int argc, char** argv) {
     settings.board_columns = 9;
     settings.board_rows = 6;
     settings.square_m = 0.03;
-    settings.log_folder = log_folder;
+    settings.log_folder = logFolder;
     const trackedcam::Report report = trackedcam::Calibrate(trackedcam::Shoot(data), settings);
     std::printf("%s %s\n", report.Message().c_str(), report.Advice().c_str());
-    if (const auto transform_cam_tc = report.TransformCamTc()) {  // row by row, metres
-      const auto& t = *transform_cam_tc;
+    if (const auto transformCamTc = report.TransformCamTc()) {  // row by row, metres
+      const auto& t = *transformCamTc;
       std::printf("camera tracker at %.4f %.4f %.4f m\n", t[3], t[7], t[11]);
     }
-    report.Save(log_folder / "result.json", log_folder / "report.html");
+    report.Save(logFolder / "result.json", logFolder / "report.html");
   } catch (const trackedcam::Error& error) {
     std::fprintf(stderr, "%s\n", error.what());
   }

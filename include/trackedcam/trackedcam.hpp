@@ -54,14 +54,16 @@ class Error : public std::runtime_error {
 namespace detail {
 
 inline void Check(trackedcam_status status) {
-  if (status != TRACKEDCAM_OK)
+  if (status != TRACKEDCAM_OK) {
     throw Error(status, trackedcam_last_error());
+  }
 }
 
 /// Whether there is such a value.
 inline bool Found(trackedcam_status status) {
-  if (status != TRACKEDCAM_NOT_FOUND)
+  if (status != TRACKEDCAM_NOT_FOUND) {
     Check(status);
+  }
   return status == TRACKEDCAM_OK;
 }
 
@@ -78,8 +80,9 @@ inline const char* OrNull(const std::string& text) {
 
 inline std::string Joined(const std::vector<std::string>& names) {
   std::string list;
-  for (const std::string& name : names)
+  for (const std::string& name : names) {
     list += (list.empty() ? "" : ",") + name;
+  }
   return list;
 }
 
@@ -116,6 +119,7 @@ inline std::string Version() {
   return trackedcam_c_version();
 }
 
+// NOLINTBEGIN(readability-identifier-naming): the members have the names that they have in C
 /// How to calibrate: the members of trackedcam_settings with their defaults. Those that are texts
 /// or lists in C are hidden by members of C++.
 struct Settings : trackedcam_settings {
@@ -149,17 +153,19 @@ struct VerifyOptions : trackedcam_verify_options {
   std::vector<double> at_m;              ///< Empty: the chart's distance, 2, 4 and 10.
 };
 
+// NOLINTEND(readability-identifier-naming)
+
 namespace detail {
 
 /// Options as C takes them; they point to the texts and lists beside them.
 struct SettingsInC {
   explicit SettingsInC(const Settings& settings)
       : c(settings),
-        log_folder(Utf8(settings.log_folder)),
-        working_folder(Utf8(settings.working_folder)),
+        logFolder(Utf8(settings.log_folder)),
+        workingFolder(Utf8(settings.working_folder)),
         exclude(Joined(settings.exclude)) {
-    c.log_folder = OrNull(log_folder);
-    c.working_folder = OrNull(working_folder);
+    c.log_folder = OrNull(logFolder);
+    c.working_folder = OrNull(workingFolder);
     c.exclude = OrNull(exclude);
     c.at_m = settings.at_m.data();
     c.at_count = static_cast<std::int32_t>(settings.at_m.size());
@@ -168,26 +174,26 @@ struct SettingsInC {
   const trackedcam_settings* Get() const { return &c; }
 
   trackedcam_settings c;
-  std::string log_folder, working_folder, exclude;
+  std::string logFolder, workingFolder, exclude;
 };
 
 struct ExportOptionsInC {
   explicit ExportOptionsInC(const ExportOptions& options)
-      : c(options), parent_axes(options.parent_axes), preview_file(Utf8(options.preview_file)) {
-    c.parent_axes = OrNull(parent_axes);
-    c.preview_file = OrNull(preview_file);
+      : c(options), parentAxes(options.parent_axes), previewFile(Utf8(options.preview_file)) {
+    c.parent_axes = OrNull(parentAxes);
+    c.preview_file = OrNull(previewFile);
   }
   ExportOptionsInC(const ExportOptionsInC&) = delete;
   const trackedcam_export_options* Get() const { return &c; }
 
   trackedcam_export_options c;
-  std::string parent_axes, preview_file;
+  std::string parentAxes, previewFile;
 };
 
 struct VerifyOptionsInC {
   explicit VerifyOptionsInC(const VerifyOptions& options)
-      : c(options), working_folder(Utf8(options.working_folder)) {
-    c.working_folder = OrNull(working_folder);
+      : c(options), workingFolder(Utf8(options.working_folder)) {
+    c.working_folder = OrNull(workingFolder);
     c.at_m = options.at_m.data();
     c.at_count = static_cast<std::int32_t>(options.at_m.size());
   }
@@ -195,7 +201,7 @@ struct VerifyOptionsInC {
   const trackedcam_verify_options* Get() const { return &c; }
 
   trackedcam_verify_options c;
-  std::string working_folder;
+  std::string workingFolder;
 };
 
 }  // namespace detail
@@ -207,25 +213,25 @@ class Shoot {
   Shoot() : handle_(detail::Made<trackedcam_shoot>(trackedcam_shoot_create)) {}
 
   /// From a tracker data file, which is read when a run starts.
-  explicit Shoot(const std::filesystem::path& data_file)
+  explicit Shoot(const std::filesystem::path& dataFile)
       : handle_(detail::Made<trackedcam_shoot>(trackedcam_shoot_open,
-                                               detail::Utf8(data_file).c_str())) {}
+                                               detail::Utf8(dataFile).c_str())) {}
 
   /// Adds a data file in which the shoot was continued.
-  void Continue(const std::filesystem::path& data_file) {
-    detail::Check(trackedcam_shoot_continue(Get(), detail::Utf8(data_file).c_str()));
+  void Continue(const std::filesystem::path& dataFile) {
+    detail::Check(trackedcam_shoot_continue(Get(), detail::Utf8(dataFile).c_str()));
   }
 
   /// Adds a row.
-  void Add(double time_s, const std::filesystem::path& photograph, const trackedcam_pose& camera,
+  void Add(double timeS, const std::filesystem::path& photograph, const trackedcam_pose& camera,
            const trackedcam_pose& chart) {
     detail::Check(
-        trackedcam_shoot_add(Get(), time_s, detail::Utf8(photograph).c_str(), &camera, &chart));
+        trackedcam_shoot_add(Get(), timeS, detail::Utf8(photograph).c_str(), &camera, &chart));
   }
 
   /// Writes the rows to a tracker data file.
-  void Save(const std::filesystem::path& data_file) const {
-    detail::Check(trackedcam_shoot_save(Get(), detail::Utf8(data_file).c_str()));
+  void Save(const std::filesystem::path& dataFile) const {
+    detail::Check(trackedcam_shoot_save(Get(), detail::Utf8(dataFile).c_str()));
   }
 
   trackedcam_shoot* Get() const { return handle_.get(); }
@@ -249,8 +255,9 @@ class Report {
   /// The library's result code; empty if an exception ended its call.
   std::optional<int> Code() const {
     std::int32_t code = 0;
-    if (!detail::Found(trackedcam_report_code(Get(), &code)))
+    if (!detail::Found(trackedcam_report_code(Get(), &code))) {
       return std::nullopt;
+    }
     return code;
   }
 
@@ -262,8 +269,9 @@ class Report {
 
   std::optional<trackedcam_lens> Lens() const {
     trackedcam_lens lens = {};
-    if (!detail::Found(trackedcam_report_lens(Get(), &lens, sizeof lens)))
+    if (!detail::Found(trackedcam_report_lens(Get(), &lens, sizeof lens))) {
       return std::nullopt;
+    }
     return lens;
   }
 
@@ -284,8 +292,9 @@ class Report {
     std::size_t count = 0;
     const trackedcam_status status =
         trackedcam_report_numbers(Get(), pointer.c_str(), nullptr, 0, &count);
-    if (status != TRACKEDCAM_TOO_SMALL && !detail::Found(status))
+    if (status != TRACKEDCAM_TOO_SMALL && !detail::Found(status)) {
       return std::nullopt;
+    }
     std::vector<double> numbers(count);
     detail::Check(trackedcam_report_numbers(Get(), pointer.c_str(), numbers.data(), count, &count));
     return numbers;
@@ -294,8 +303,9 @@ class Report {
   /// The text at a place of the JSON text, such as "/findings/0/text".
   std::optional<std::string> Text(const std::string& pointer) const {
     const char* text = nullptr;
-    if (!detail::Found(trackedcam_report_text(Get(), pointer.c_str(), &text)))
+    if (!detail::Found(trackedcam_report_text(Get(), pointer.c_str(), &text))) {
       return std::nullopt;
+    }
     return text;
   }
 
@@ -314,22 +324,22 @@ class Report {
     return detail::TextOf(trackedcam_report_export, Get(), format.c_str(), nullptr);
   }
   std::string Export(const std::string& format, const ExportOptions& options) const {
-    const detail::ExportOptionsInC in_c(options);
-    return detail::TextOf(trackedcam_report_export_with, Get(), format.c_str(), in_c.Get());
+    const detail::ExportOptionsInC inC(options);
+    return detail::TextOf(trackedcam_report_export_with, Get(), format.c_str(), inC.Get());
   }
 
   /// Writes the file of an export.
   void ExportFile(const std::string& format, const std::filesystem::path& file,
                   const ExportOptions& options = {}) const {
-    const detail::ExportOptionsInC in_c(options);
-    detail::Check(trackedcam_report_export_file(Get(), format.c_str(), in_c.Get(),
+    const detail::ExportOptionsInC inC(options);
+    detail::Check(trackedcam_report_export_file(Get(), format.c_str(), inC.Get(),
                                                 detail::Utf8(file).c_str()));
   }
 
   /// The content of a .ulens file for the Unreal editor, without the pose.
-  /// @param parent_axes Empty: the default.
-  std::string LensFile(const std::string& name, const std::string& parent_axes = {}) const {
-    return detail::TextOf(trackedcam_report_lens_file, Get(), detail::OrNull(parent_axes),
+  /// @param parentAxes Empty: the default.
+  std::string LensFile(const std::string& name, const std::string& parentAxes = {}) const {
+    return detail::TextOf(trackedcam_report_lens_file, Get(), detail::OrNull(parentAxes),
                           name.c_str());
   }
 
@@ -340,9 +350,9 @@ class Report {
   }
 
   /// Writes the result file and the report page, each if its path is not empty.
-  void Save(const std::filesystem::path& json_file,
-            const std::filesystem::path& page_file = {}) const {
-    const std::string json = detail::Utf8(json_file), page = detail::Utf8(page_file);
+  void Save(const std::filesystem::path& jsonFile,
+            const std::filesystem::path& pageFile = {}) const {
+    const std::string json = detail::Utf8(jsonFile), page = detail::Utf8(pageFile);
     detail::Check(trackedcam_report_save(Get(), detail::OrNull(json), detail::OrNull(page)));
   }
 
@@ -367,23 +377,23 @@ class Run {
                                              detail::SettingsInC(settings).Get())) {}
 
   bool IsDone() const {
-    std::int32_t is_done = 0;
-    detail::Check(trackedcam_run_poll(Get(), &is_done, nullptr, 0));
-    return is_done != 0;
+    std::int32_t isDone = 0;
+    detail::Check(trackedcam_run_poll(Get(), &isDone, nullptr, 0));
+    return isDone != 0;
   }
 
   /// Where the run is.
   trackedcam_progress Progress() const {
-    std::int32_t is_done = 0;
+    std::int32_t isDone = 0;
     trackedcam_progress progress = {};
-    detail::Check(trackedcam_run_poll(Get(), &is_done, &progress, sizeof progress));
+    detail::Check(trackedcam_run_poll(Get(), &isDone, &progress, sizeof progress));
     return progress;
   }
 
   /// Waits for the end.
   void Wait() const {
-    std::int32_t is_done = 0;
-    detail::Check(trackedcam_run_wait(Get(), -1, &is_done));
+    std::int32_t isDone = 0;
+    detail::Check(trackedcam_run_wait(Get(), -1, &isDone));
   }
 
   /// Waits for the end or for a time, at most 24 days.
@@ -391,9 +401,9 @@ class Run {
   bool WaitFor(std::chrono::milliseconds time) const {
     const auto ms =
         std::clamp<std::int64_t>(time.count(), 0, (std::numeric_limits<std::int32_t>::max)());
-    std::int32_t is_done = 0;
-    detail::Check(trackedcam_run_wait(Get(), static_cast<std::int32_t>(ms), &is_done));
-    return is_done != 0;
+    std::int32_t isDone = 0;
+    detail::Check(trackedcam_run_wait(Get(), static_cast<std::int32_t>(ms), &isDone));
+    return isDone != 0;
   }
 
   /// The report of a run that has ended; before, throws Error with TRACKEDCAM_NOT_DONE.
@@ -424,8 +434,9 @@ inline Report Calibrate(const Shoot& shoot, const Settings& settings,
   const auto tell = [](const trackedcam_progress* now, void* user) {
     Listener& told = *static_cast<Listener*>(user);
     try {
-      if (told.call && !told.thrown)
+      if (told.call && !told.thrown) {
         told.call(*now);
+      }
     } catch (...) {
       told.thrown = std::current_exception();
     }
@@ -434,15 +445,16 @@ inline Report Calibrate(const Shoot& shoot, const Settings& settings,
   const trackedcam_status status = trackedcam_calibrate(
       shoot.Get(), detail::SettingsInC(settings).Get(), tell, &listener, &made);
   detail::Handle<trackedcam_report> report(made);
-  if (listener.thrown)
+  if (listener.thrown) {
     std::rethrow_exception(listener.thrown);
+  }
   detail::Check(status);
   return Report(std::move(report));
 }
 
 /// Cross-checks a calibration from the log that the library wrote, in any host.
-inline Report CrossCheck(const std::filesystem::path& log_file, const Settings& settings = {}) {
-  const std::string log = detail::Utf8(log_file);
+inline Report CrossCheck(const std::filesystem::path& logFile, const Settings& settings = {}) {
+  const std::string log = detail::Utf8(logFile);
   return Report(detail::Made<trackedcam_report>(trackedcam_crosscheck, log.c_str(),
                                                 detail::SettingsInC(settings).Get()));
 }
@@ -450,10 +462,10 @@ inline Report CrossCheck(const std::filesystem::path& log_file, const Settings& 
 /// Whether a calibration still holds, from new photographs.
 class Verification {
  public:
-  Verification(const std::filesystem::path& result_file, const std::filesystem::path& data_file,
+  Verification(const std::filesystem::path& resultFile, const std::filesystem::path& dataFile,
                const VerifyOptions& options = {})
       : handle_(detail::Made<trackedcam_verification>(
-            trackedcam_verify, detail::Utf8(result_file).c_str(), detail::Utf8(data_file).c_str(),
+            trackedcam_verify, detail::Utf8(resultFile).c_str(), detail::Utf8(dataFile).c_str(),
             detail::VerifyOptionsInC(options).Get())) {}
 
   trackedcam_answer Answer() const {
@@ -474,10 +486,10 @@ class Verification {
 /// What two results of one camera differ by, the second minus the first.
 class Comparison {
  public:
-  Comparison(const std::filesystem::path& first_file, const std::filesystem::path& second_file)
+  Comparison(const std::filesystem::path& firstFile, const std::filesystem::path& secondFile)
       : handle_(detail::Made<trackedcam_comparison>(trackedcam_compare,
-                                                    detail::Utf8(first_file).c_str(),
-                                                    detail::Utf8(second_file).c_str())) {}
+                                                    detail::Utf8(firstFile).c_str(),
+                                                    detail::Utf8(secondFile).c_str())) {}
 
   /// All values.
   std::string Json() const { return detail::TextOf(trackedcam_comparison_json, Get()); }
