@@ -22,6 +22,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/trackedcam/trackedcam.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/trackedcam)
 if(TARGET trackedcam_c)
   install(FILES ${PROJECT_SOURCE_DIR}/include/trackedcam/trackedcam_c.h
+                ${PROJECT_SOURCE_DIR}/include/trackedcam/trackedcam.hpp
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/trackedcam)
 endif()
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/README.md

@@ -19,6 +19,6 @@ case "${1:-}" in
     exit 2
     ;;
 esac
-files=$(git ls-files "*.h" "*.c" "*.cpp")  # fails outside a git repository
+files=$(git ls-files "*.h" "*.hpp" "*.c" "*.cpp")  # fails outside a git repository
 # shellcheck disable=SC2086  # one word for each option and file
 clang-format $mode $files

@@ -35,7 +35,8 @@ packages_of() {
       # Sanitizers and fuzzers.
       echo clang libclang-rt-14-dev
       # The Python package and its wheel; a C# program and a C# recorder.
-      echo python3-numpy python3-pytest python3-build python3-hatchling mypy mono-mcs mono-runtime
+      echo python3-numpy python3-matplotlib python3-pytest python3-build python3-hatchling mypy
+      echo mono-mcs mono-runtime
       # The programs for which lens files are written, and their schema; a compiler of shaders.
       echo camera-calibration-parsers-tools colmap python3-openimageio python3-opencv
       echo python3-jsonschema python3-yaml glslang-tools

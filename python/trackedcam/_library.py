@@ -104,12 +104,6 @@ class ProgressStruct(ctypes.Structure):
     _fields_ = [("stage", ctypes.c_char * 64), ("photographs_done", c_int32), ("photographs_in_all", c_int32)]
 
 
-class LensStruct(ctypes.Structure):
-    _fields_ = [(name, c_double) for name in (
-        "image_width_px", "image_height_px", "fx_px", "fy_px", "cx_px", "cy_px", "k1", "k2", "p1", "p2", "k3",
-        "horizontal_fov_deg", "vertical_fov_deg", "focal_length_mm")]
-
-
 # The arguments of each function; each returns a status.
 FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_shoot_create": [POINTER(c_void_p)],
@@ -125,9 +119,6 @@ FUNCTIONS: dict[str, list[Any]] = {
     "trackedcam_run_report": [c_void_p, POINTER(c_void_p)],
     "trackedcam_run_free": [c_void_p],
     "trackedcam_crosscheck": [c_char_p, POINTER(Settings), POINTER(c_void_p)],
-    "trackedcam_report_level": [c_void_p, POINTER(c_int32)],
-    "trackedcam_report_code": [c_void_p, POINTER(c_int32)],
-    "trackedcam_report_lens": [c_void_p, POINTER(LensStruct), c_size_t],
     "trackedcam_report_json": [c_void_p, POINTER(c_char_p)],
     "trackedcam_report_numbers": [c_void_p, c_char_p, POINTER(c_double), c_size_t, POINTER(c_size_t)],
     "trackedcam_export_options_init": [POINTER(ExportOptions), c_size_t],

@@ -14,13 +14,14 @@ from typing import Any, Optional, TypeVar, Union
 import numpy as np
 import numpy.typing as npt
 
-from . import _library
-from ._library import call, encoded
+from . import _library, _plot
+from ._library import InputError, call, encoded
 
 Path = Union[str, "os.PathLike[str]"]
 Array = npt.NDArray[np.float64]
 Value = TypeVar("Value")
-LEVELS = ("good", "doubt", "wrong", "failed")
+# What every result file has.
+_KEYS = {"code", "verdict", "findings", "photographs", "transformCamTc", "crossCheck", "log", "versions"}
 
 
 class CalibrationError(RuntimeError):
@@ -136,15 +137,46 @@ class Report:
     Values equal those of the library to the last bit. Several threads may read a report.
     """
 
-    def __init__(self, handle: _library.Handle) -> None:
-        self._handle = handle
+    def __init__(self, source: Union[_library.Handle, str]) -> None:
+        # The handle of a calibration of this process, or the JSON text of an earlier one.
+        self._source = source
         self._data: dict[str, Any] = json.loads(self.json)
+
+    @classmethod
+    def load(cls, path: Path) -> "Report":
+        """Loads a result file: of the program, or of save. It has all values and drawings. It cannot be exported or
+        saved and has no page; for those use the commands `trackedcam export` and `trackedcam report`.
+
+        Args:
+            path: the result file.
+
+        Raises:
+            InputError: it is not a result file, or of an older form.
+            OSError: it cannot be read.
+        """
+        wrong = f"{os.fspath(path)} is not a result file of this version of trackedcam"
+        try:
+            report = cls(pathlib.Path(path).read_text(encoding="utf-8"))
+        except (ValueError, RecursionError) as error:
+            raise InputError(f"{wrong}: {error}") from error
+        if not isinstance(report.data, dict) or not _KEYS <= report.data.keys():
+            raise InputError(wrong)
+        return report
+
+    @property
+    def _handle(self) -> _library.Handle:
+        if isinstance(self._source, str):
+            raise RuntimeError("a report that was loaded from a file cannot be exported or saved and has no page: use "
+                               "the commands trackedcam export and trackedcam report")
+        return self._source
 
     @property
     def json(self) -> str:
         """The report as JSON text, as in the program's result file."""
+        if isinstance(self._source, str):
+            return self._source
         text = ctypes.c_char_p()
-        call("trackedcam_report_json", self._handle.pointer, ctypes.byref(text))
+        call("trackedcam_report_json", self._source.pointer, ctypes.byref(text))
         return _decoded(text)
 
     @property
@@ -155,9 +187,7 @@ class Report:
     @property
     def level(self) -> str:
         """The verdict: "good", "doubt", "wrong" or "failed"."""
-        level = ctypes.c_int32()
-        call("trackedcam_report_level", self._handle.pointer, ctypes.byref(level))
-        return LEVELS[level.value]
+        return str(self._data["verdict"]["level"])
 
     @property
     def code(self) -> Optional[int]:
@@ -185,18 +215,10 @@ class Report:
         Returns:
             A new array; None if there is no such place or it contains anything but numbers.
         """
-        count = ctypes.c_size_t()
-        arguments = self._handle.pointer, encoded(pointer)
-        try:
-            call("trackedcam_report_numbers", *arguments, None, 0, ctypes.byref(count))
-        except _library.StatusError as error:
-            if error.status == _library.NOT_FOUND:
-                return None
-            if error.status != _library.TOO_SMALL:
-                raise
-        values = np.empty(count.value, dtype=np.float64)
-        place = values.ctypes.data_as(ctypes.POINTER(ctypes.c_double))
-        call("trackedcam_report_numbers", *arguments, place, values.size, ctypes.byref(count))
+        values = (_numbers_of(self._data, pointer) if isinstance(self._source, str) else
+                  _numbers_from(self._source, pointer))
+        if values is None:
+            return None
         if shape is not None and values.size != np.prod(shape):
             return None
         return values if shape is None else values.reshape(shape)
@@ -225,17 +247,15 @@ class Report:
         return value
 
     def _lens(self) -> Optional[Lens]:
-        lens = _library.LensStruct()
-        try:
-            call("trackedcam_report_lens", self._handle.pointer, ctypes.byref(lens), ctypes.sizeof(lens))
-        except _library.StatusError as error:
-            if error.status == _library.NOT_FOUND:
-                return None
-            raise
-        return Lens((int(lens.image_width_px), int(lens.image_height_px)),
-                    np.array([[lens.fx_px, 0, lens.cx_px], [0, lens.fy_px, lens.cy_px], [0, 0, 1]]),
-                    np.array([lens.k1, lens.k2, lens.p1, lens.p2, lens.k3]),
-                    (lens.horizontal_fov_deg, lens.vertical_fov_deg), lens.focal_length_mm)
+        size, focal, centre = (self.numbers(f"/{key}", (2,)) for key in ("imageSize", "normFocal", "normCenter"))
+        distortion, focal_length = self.numbers("/distortion", (5,)), self.numbers("/focalLengthMm", (1,))
+        field_of_view = self.numbers("/fieldOfView", (2,))
+        if (size is None or focal is None or centre is None or distortion is None or focal_length is None
+                or field_of_view is None):
+            return None
+        (fx, fy), (cx, cy) = focal * size, centre * size
+        return Lens((int(size[0]), int(size[1])), np.array([[fx, 0, cx], [0, fy, cy], [0, 0, 1]]), distortion,
+                    (float(field_of_view[0]), float(field_of_view[1])), float(focal_length[0]))
 
     @property
     def cross_check(self) -> Optional[CrossCheck]:
@@ -363,6 +383,49 @@ class Report:
         call("trackedcam_report_save", self._handle.pointer, None if json_file is None else encoded(json_file),
              None if page_file is None else encoded(page_file))
 
+    def plot_photographs(self, ax: Optional[Any] = None) -> Any:
+        """Draws the library's reprojection error of each photograph as a bar, in the order of the rows.
+
+        Args:
+            ax: axes of matplotlib to draw into; None: those of a new figure.
+
+        Returns:
+            The axes.
+
+        Raises:
+            ImportError: matplotlib is not installed.
+        """
+        return _plot.photographs(self.photographs, ax)
+
+    def plot_views(self, ax: Optional[Any] = None) -> Any:
+        """Draws how the chart was tilted in each photograph (degrees), its distance (metres) as colour, and the views
+        that the cross-check suggests.
+
+        Args:
+            ax: axes of matplotlib to draw into; None: those of a new figure.
+
+        Returns:
+            The axes.
+
+        Raises:
+            CalibrationError: there is no cross-check.
+            ImportError: matplotlib is not installed.
+        """
+        self._found(self.cross_check)
+        return _plot.views(self._data, ax)
+
+    def plot_uncertainty(self, ax: Optional[Any] = None) -> Any:
+        """Draws the half-widths of the 95 % intervals of transform_cam_tc: millimetres along the axes of Cam, and
+        degrees about them on a second scale. Args, Returns and Raises as for plot_views."""
+        return _plot.uncertainty(self._found(self.cross_check), ax)
+
+    def plot_corners(self, ax: Optional[Any] = None) -> Any:
+        """Draws an arrow at each corner that the cross-check has, from where it was found to where trackers and
+        solution predict it. The arrows are enlarged; their colour is the length in pixels. Args, Returns and
+        Raises as for plot_views."""
+        self._found(self.cross_check)
+        return _plot.corners(self._data, ax)
+
     def __repr__(self) -> str:
         lens = self._lens()
         focal_length = "" if lens is None else f", {lens.focal_length_mm:.2f} mm"
@@ -373,7 +436,8 @@ class Report:
         rows = [("Verdict", html.escape(f"{self.level}: {self.message}"))]
         if self.advice:
             rows.append(("Advice", html.escape(self.advice)))
-        lens, transform = self._lens(), self.numbers("/transformCamTc", (4, 4))
+        rows.append(("Photographs", html.escape(self._data["photographCounts"]["text"])))
+        lens, transform, check = self._lens(), self.numbers("/transformCamTc", (4, 4)), self.cross_check
         if lens is not None:
             k = lens.camera_matrix
             rows.append(("Lens", f"{lens.focal_length_mm:.3f} mm; fx {k[0, 0]:.2f}, fy {k[1, 1]:.2f}, "
@@ -382,6 +446,10 @@ class Report:
         if transform is not None:
             lines = "\n".join(" ".join(f"{number:10.6f}" for number in row) for row in transform)
             rows.append(("Transform_Cam_Tc (metres)", f"<pre>{lines}</pre>"))
+        if check is not None:
+            mm, degrees = (", ".join(f"{check.t95 * number:.{digits}f}" for number in numbers) for numbers, digits in
+                           [(check.standard_error_mm, 2), (check.standard_error_deg, 3)])
+            rows.append(("Known to, ± 95 %", f"x, y, z: {mm} mm; {degrees} degrees"))
         body = "".join(f"<tr><th>{name}</th><td>{value}</td></tr>" for name, value in rows)
         return f"<table>{body}</table>"
 
@@ -396,6 +464,45 @@ def _export_options(parent_axes: Optional[str], overscan: Optional[float],
         # For the library, 0 means: as large as it must be.
         options.overscan = overscan if overscan != 0 else -1
     return options
+
+
+def _numbers_from(handle: _library.Handle, pointer: str) -> Optional[Array]:
+    count = ctypes.c_size_t()
+    arguments = handle.pointer, encoded(pointer)
+    try:
+        call("trackedcam_report_numbers", *arguments, None, 0, ctypes.byref(count))
+    except _library.StatusError as error:
+        if error.status == _library.NOT_FOUND:
+            return None
+        if error.status != _library.TOO_SMALL:
+            raise
+    values = np.empty(count.value, dtype=np.float64)
+    place = values.ctypes.data_as(ctypes.POINTER(ctypes.c_double))
+    call("trackedcam_report_numbers", *arguments, place, values.size, ctypes.byref(count))
+    return values
+
+
+def _numbers_of(data: Any, pointer: str) -> Optional[Array]:
+    """The same of a report that was loaded."""
+    for key in pointer.split("/")[1:]:
+        try:
+            if isinstance(data, list) and not key.isdecimal():
+                return None
+            data = data[int(key)] if isinstance(data, list) else data[key.replace("~1", "/").replace("~0", "~")]
+        except (IndexError, KeyError, TypeError):
+            return None
+    numbers: list[float] = []
+    return np.array(numbers) if data is not None and _add_numbers(data, numbers) else None
+
+
+def _add_numbers(data: Any, numbers: list[float]) -> bool:
+    """Whether there are only numbers, which are added, and lists of them."""
+    if isinstance(data, list):
+        return all(_add_numbers(element, numbers) for element in data)
+    if data is not None and (isinstance(data, bool) or not isinstance(data, (int, float))):
+        return False
+    numbers.append(float("nan") if data is None else float(data))
+    return True
 
 
 def _path(text: Optional[str]) -> Optional[pathlib.Path]:

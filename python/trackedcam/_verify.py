@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import ctypes
+import html
 import json
 from typing import Any, Optional
 
@@ -35,6 +36,11 @@ class Verification:
 
     def __repr__(self) -> str:
         return f"<Verification {self.answer}: {self.message}>"
+
+    def _repr_html_(self) -> str:
+        rows = [("Answer", self.message), *(("", detail) for detail in self.details), ("Advice", self.advice)]
+        body = "".join(f"<tr><th>{name}</th><td>{html.escape(text)}</td></tr>" for name, text in rows if text)
+        return f"<table>{body}</table>"
 
 
 def verify(result: Path, data: Path, *, chart_remounted: bool = False, board: Optional[Numbers] = None,

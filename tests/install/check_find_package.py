@@ -7,7 +7,7 @@ import pathlib
 import re
 import tempfile
 
-from stranger import SOURCE, check_c_example, check_examples, check_loading, install, run
+from stranger import SOURCE, check_c_examples, check_examples, check_loading, install, run
 
 with tempfile.TemporaryDirectory() as name:
     scratch = pathlib.Path(name)
@@ -22,7 +22,7 @@ with tempfile.TemporaryDirectory() as name:
     run("cmake", "-S", SOURCE / "examples", "-B", build, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
     run("cmake", "--build", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
-    check_c_example(build, scratch)
+    check_c_examples(build, scratch)
     check_loading(build, prefix / "lib/libtrackedcam.so.1", scratch)
 
     # find_package refuses other versions and unknown components.

@@ -16,6 +16,7 @@ FILES = {
     "bin/trackedcam",
     "include/trackedcam/trackedcam.h",
     "include/trackedcam/trackedcam_c.h",
+    "include/trackedcam/trackedcam.hpp",
     "lib/libtrackedcam_c.so",
     "lib/libtrackedcam_c.so.1",
     "lib/pkgconfig/trackedcam_c.pc",

@@ -10,7 +10,7 @@ import tempfile
 import zipfile
 
 from notices import check_notices
-from stranger import BUILD, SOURCE, check_c_example, check_examples, check_loading, run
+from stranger import BUILD, SOURCE, check_c_examples, check_examples, check_loading, run
 
 FILES = {
     "bin/trackedcam.dll",
@@ -18,6 +18,7 @@ FILES = {
     "bin/trackedcam_c.dll",
     "include/trackedcam/trackedcam.h",
     "include/trackedcam/trackedcam_c.h",
+    "include/trackedcam/trackedcam.hpp",
     "lib/trackedcam_c.lib",
     "lib/libtrackedcam_c.dll.a",
     "lib/libtrackedcam.dll.a",
@@ -48,6 +49,6 @@ with tempfile.TemporaryDirectory() as name:
     shutil.copy(prefix / "bin/trackedcam.dll", build)
     shutil.copy(prefix / "bin/trackedcam_c.dll", build)
     check_examples(build, prefix / "bin/trackedcam", scratch)
-    check_c_example(build, scratch)
+    check_c_examples(build, scratch)
     check_loading(build, prefix / "bin/trackedcam.dll", scratch)
 print("the zip holds what it should, and the examples build and run")

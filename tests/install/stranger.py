@@ -43,11 +43,16 @@ def check_examples(folder, program, scratch):
             sys.exit(f"02_export_to_engine does not print {line} but\n{exported}")
 
 
-def check_c_example(folder, scratch):
-    """Runs the built example in C on the shoot of the other examples; it finds the mounting itself."""
-    printed = run_program(folder / "example_04_from_c", "tracker_data.csv", scratch / "log_c", cwd=scratch / "shoot")
-    if not re.search(r"^camera tracker at 0\.01\d\d -0\.10\d\d -0\.04\d\d m$", printed, re.MULTILINE):
-        sys.exit(f"04_from_c prints\n{printed}")
+def check_c_examples(folder, scratch):
+    """Runs the built examples of the C library on the shoot of the others; they find the mounting themselves."""
+    for example in ["04_from_c", "06_from_cpp"]:
+        printed = run_program(folder / f"example_{example}", "tracker_data.csv", scratch / f"log_{example}",
+                              cwd=scratch / "shoot")
+        if not re.search(r"^camera tracker at 0\.01\d\d -0\.10\d\d -0\.04\d\d m$", printed, re.MULTILINE):
+            sys.exit(f"{example} prints\n{printed}")
+    for file in ["result.json", "report.html"]:
+        if not (scratch / "log_06_from_cpp" / file).is_file():
+            sys.exit(f"06_from_cpp writes no {file}")
 
 
 def check_loading(folder, library, scratch):

@@ -28,7 +28,7 @@ own = {*homes, "trackedcam"}
 files = 0
 for folder, allowed in directions.items():
     for path in sorted(homes[folder].rglob("*")):
-        if path.suffix not in {".h", ".cpp"}:
+        if path.suffix not in {".h", ".hpp", ".cpp"}:
             continue
         files += 1
         text = path.read_text(encoding="utf-8")

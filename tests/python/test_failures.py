@@ -116,20 +116,25 @@ def test_ctrl_c_raises_at_once_and_the_run_ends_in_the_background(tmp_path):
     # Enough photographs that the run is not over before the signal.
     shoot = SimulatedShoot(tmp_path / "shoot", "--photographs", "60")
     log = tmp_path / "log"
-    script = ("import sys, time, trackedcam\n"
+    ended = "Average reprojection error"
+    # It goes on: with Python, and with the library while the run uses it.
+    script = ("import pathlib, sys, trackedcam\n"
               "try:\n"
               f"  trackedcam.calibrate({str(shoot.data)!r}, sensor_mm=(36, 20.25), board=(9, 6), square_m=0.03,\n"
               f"    log_folder={str(log)!r},\n"
               "    progress=lambda p: print('seen', file=sys.stderr, flush=True))\n"
               "except KeyboardInterrupt:\n"
-              "  print('raised', file=sys.stderr, flush=True)\n")
+              f"  logs = ''.join(log.read_text() for log in pathlib.Path({str(log)!r}).glob('run_*/log_*.txt'))\n"
+              f"  print('after' if {ended!r} in logs else 'before', 'the end', file=sys.stderr, flush=True)\n"
+              "  trackedcam.Shoot().add('a.png', (1, 2, 3), (1, 0, 0, 0), (1, 2, 3), (1, 0, 0, 0))\n"
+              "  print('went on', file=sys.stderr, flush=True)\n")
     process = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
                                text=True)
     assert process.stderr.readline() == "seen\n"
     process.send_signal(signal.SIGINT)
     rest = process.stderr.read().replace("seen\n", "")
-    assert rest == "raised\n"
+    assert rest == "before the end\nwent on\n"
     assert process.wait() == 0
     logs = list(pathlib.Path(log).glob("run_*/log_*.txt"))
     assert logs and "Camera and Tracker Calibration" in logs[0].read_text(encoding="utf-8")
-    assert "Average reprojection error" in logs[0].read_text(encoding="utf-8")
+    assert ended in logs[0].read_text(encoding="utf-8")
