@@ -24,6 +24,7 @@
 #include "app/platform.h"
 #include "app/terminal/next_commands.h"
 #include "app/terminal/output.h"
+#include "app/version.h"
 #include "host/input/inputs.h"
 
 namespace {
@@ -54,7 +55,8 @@ int Run(int argc, char** argv) {
   program.allow_windows_style_options(false);  // a path may begin with a slash
   // Before the commands, which take the help flag from the program.
   program.set_help_flag("-h,--help", "Help of the program or of a command");
-  program.set_version_flag("--version", "trackedcam " TRACKEDCAM_VERSION, "Version of the program");
+  program.set_version_flag("--version", trackedcam::app::kVersion,
+                           "Version, commit and libraries of the program");
   program.add_flag_callback("--licenses", PrintLicences,
                             "Licences of the program and of its contents");
   program.formatter(std::make_shared<trackedcam::app::HelpFormatter>());

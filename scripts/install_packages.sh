@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the Debian 12 packages that the parts of the project need.
-# Usage: scripts/install_packages.sh [PART...]   (default: all but the last two)
+# Usage: scripts/install_packages.sh [PART...]   (default: all but the last three)
 #   build         the library
 #   host          the program
 #   tests         the tests and the packaging
@@ -8,6 +8,7 @@
 #   docs          the API reference
 #   python        the scripts that draw and measure
 #   windows       the Windows DLL; needs build and host as well
+#   release       scripts/release.sh; needs build, host and windows as well
 #   newer-opencv  scripts/newer_opencv.sh; needs build, host and tests as well
 set -eu
 
@@ -44,6 +45,9 @@ packages_of() {
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;
     python) echo python3 python3-matplotlib ;;
+    release)
+      echo dpkg-dev file lowdown python3-build python3-hatchling python3-venv python3-numpy
+      ;;
     newer-opencv)
       echo dpkg-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libopenblas-serial-dev liblapacke-dev
       ;;

@@ -1,3 +1,4 @@
+#include <regex>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -111,7 +112,13 @@ TEST_F(HostProgramUsage, HelpOfACommandNamesItsOptions) {
 TEST_F(HostProgramUsage, VersionIsShown) {
   const ProgramRun run = Run({"--version"});
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.out, "trackedcam " TRACKEDCAM_VERSION "\n");
+  // Sources from an archive have no commit.
+  EXPECT_THAT(run.out, StartsWith("trackedcam " TRACKEDCAM_VERSION "\ncommit "));
+  EXPECT_TRUE(std::regex_match(
+      run.out, std::regex("trackedcam [0-9.]+\ncommit ([0-9a-f]{40}|unknown)\n"
+                          "built with OpenCV 4\\.[0-9.]+, Eigen 3\\.[0-9.]+, Boost 1\\.[0-9.]+, "
+                          "CLI11 [0-9.]+, nlohmann-json [0-9.]+(, cairo [0-9.]+)?\n")))
+      << run.out;
 }
 
 TEST_F(HostProgramUsage, NeedsAKnownCommand) {
