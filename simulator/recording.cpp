@@ -101,13 +101,12 @@ bool IsChartInside(const Recording& recording, const Eigen::Isometry3d& Transfor
 }
 
 // When its row is exposed depends on where it is then.
-Eigen::Vector2d SeenAt(const Recording& recording, const Path& path, double frameTime,
+Eigen::Vector2d SeenAt(const Recording& recording, const Path& path, const RecordedFrame& frame,
                        const Eigen::Vector3d& corner) {
-  constexpr int kRounds = 4;
-  double time = frameTime;
-  Eigen::Vector2d pixel = recording.lens.Project(path.At(time).Transform_Cam_Chart * corner);
+  constexpr int kRounds = 3;
+  Eigen::Vector2d pixel = recording.lens.Project(frame.Transform_Cam_Chart * corner);
   for (int i = 0; i < kRounds && recording.options.readoutSeconds > 0; ++i) {
-    time = TimeOfRow(recording.options, frameTime, pixel.y());
+    const double time = TimeOfRow(recording.options, frame.time, pixel.y());
     pixel = recording.lens.Project(path.At(time).Transform_Cam_Chart * corner);
   }
   return pixel;
@@ -122,7 +121,7 @@ void Film(Recording& recording, const Path& path) {
     frame.Transform_Cam_Chart = path.At(frame.time).Transform_Cam_Chart;
     frame.isChartInside = IsChartInside(recording, frame.Transform_Cam_Chart);
     for (const Eigen::Vector3d& corner : corners) {
-      frame.corners.push_back(SeenAt(recording, path, frame.time, corner));
+      frame.corners.push_back(SeenAt(recording, path, frame, corner));
     }
     recording.frames.push_back(frame);
   }
