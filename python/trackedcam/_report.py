@@ -317,6 +317,7 @@ class Report:
         Raises:
             InputError: the name, the axes or an option are invalid.
             CalibrationError: the calibration failed, or its result is certainly wrong.
+            RuntimeError: the report was loaded from a file.
         """
         options = _export_options(parent_axes, overscan, even_if_wrong)
         text = ctypes.c_char_p()
@@ -368,6 +369,7 @@ class Report:
 
         Raises:
             MemoryError: there is not enough memory.
+            RuntimeError: the report was loaded from a file.
         """
         text = ctypes.c_char_p()
         place = None if folder is None else encoded(folder)
@@ -378,7 +380,8 @@ class Report:
         """Writes the result file and the report page, each if its path is given.
 
         Raises:
-            RuntimeError: a file cannot be written; an existing one stays unchanged.
+            RuntimeError: a file cannot be written, and an existing one stays unchanged; or the report was loaded from
+                a file.
         """
         call("trackedcam_report_save", self._handle.pointer, None if json_file is None else encoded(json_file),
              None if page_file is None else encoded(page_file))
