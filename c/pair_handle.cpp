@@ -75,9 +75,8 @@ host::PairInputs PairInputsOf(const trackedcam_pair_options& options) {
   const std::filesystem::path frames = PairPath(options.frames, "frames");
   const host::PoseFormat format = FormatOf(options);
   host::PairInputs inputs;
-  inputs.film = options.times == nullptr
-                    ? host::ReadFilm(frames, options.frames_per_second)
-                    : host::ReadFilm(frames, PairPath(options.times, "times"));
+  inputs.film = options.times == nullptr ? host::ReadFilm(frames, options.frames_per_second)
+                                         : host::ReadFilm(frames, PairPath(options.times, "times"));
   inputs.camera = ReadPoseRecording(PairPath(options.camera_poses, "camera_poses"), format);
   if (options.chart_poses != nullptr) {
     inputs.chart = ReadPoseRecording(PairPath(options.chart_poses, "chart_poses"), format);

@@ -225,10 +225,15 @@ struct VerifyOptionsInC {
 
 struct PairOptionsInC {
   explicit PairOptionsInC(const PairOptions& options)
-      : c(options),
-        texts{Utf8(options.camera_poses), Utf8(options.chart_poses), Utf8(options.frames),
-              Utf8(options.times),        Utf8(options.out_folder),  options.pose_format,
-              options.columns,            options.pose_unit,         options.time_unit} {
+      : c(options), texts{Utf8(options.camera_poses),
+                          Utf8(options.chart_poses),
+                          Utf8(options.frames),
+                          Utf8(options.times),
+                          Utf8(options.out_folder),
+                          options.pose_format,
+                          options.columns,
+                          options.pose_unit,
+                          options.time_unit} {
     const char** const members[] = {&c.camera_poses, &c.chart_poses, &c.frames,
                                     &c.times,        &c.out_folder,  &c.pose_format,
                                     &c.columns,      &c.pose_unit,   &c.time_unit};
