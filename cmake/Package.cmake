@@ -25,4 +25,5 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 # OpenBLAS without threads has no locks, and programs may call it from several threads.
 set(CPACK_DEBIAN_UNSPECIFIED_PACKAGE_RECOMMENDS libopenblas0-pthread)
 
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/same_dates.cmake)
 include(CPack)

@@ -103,7 +103,7 @@ def check(file, folder, programs, headers):
         printed = run(WINE, folder / "trackedcam/from_c.exe", "tracker_data.csv", "../log", cwd=folder / "shoot")
         check_transform_line(printed, folder)
     else:
-        run(sys.executable, "-m", "venv", "--system-site-packages", "venv", cwd=folder)
+        run("/usr/bin/python3", "-m", "venv", "--system-site-packages", "venv", cwd=folder)
         python = folder / "venv/bin/python"
         run(python, "-m", "pip", "install", "--no-index", "--no-deps", file, cwd=folder)
         simulate(folder, programs)

@@ -56,8 +56,8 @@ package() {
   cmake --build --preset "$1" --target trackedcam_wheel
   rm -rf "build/$1/packages"
   cpack --preset "$1" -B "$PWD/build/$1/packages"
-  find "build/$1/packages" -maxdepth 1 -type f -exec cp {} "$2" ';'
-  cp "build/$1"/python/*.whl "$2"
+  find "build/$1/packages" -maxdepth 1 -type f -exec install -m 644 {} "$2" ';'
+  install -m 644 "build/$1"/python/*.whl "$2"
   cp "build/$1/THIRD_PARTY_NOTICES" "$2/THIRD_PARTY_NOTICES-$3"
 }
 
