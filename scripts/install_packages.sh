@@ -41,6 +41,8 @@ packages_of() {
       # The programs for which lens files are written, and their schema; a compiler of shaders.
       echo camera-calibration-parsers-tools colmap python3-openimageio python3-opencv
       echo python3-jsonschema python3-yaml glslang-tools
+      # Cuts a film into frames, as the documentation shows.
+      echo ffmpeg
       ;;
     lint) echo clang clang-format clang-tidy shellcheck git ;;
     docs) echo doxygen lowdown ;;

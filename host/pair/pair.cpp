@@ -33,12 +33,6 @@ constexpr const char* kNod = "nod the camera three times at the beginning";
 constexpr double kCandidateSeconds = 0.5;
 // What a picture averages over, about.
 constexpr double kExposure = 0.005;
-// A tracker stands still below these.
-constexpr double kStillMetres = 0.004;   // per second
-constexpr double kStillRadians = 0.007;  // per second
-constexpr double kStillReach = 0.5;      // seconds to each side that are averaged at most
-constexpr double kLeastStill = 0.1;      // seconds
-
 struct Streams {
   PoseStream camera;
   PoseStream chart;
@@ -284,44 +278,17 @@ Clock FindClock(const std::vector<SeenFrame>& frames, const Streams& streams,
   return *clock;
 }
 
-// The longest time around in which a tracker stands still.
-std::pair<double, double> StillAround(const PoseStream& stream, double seconds) {
-  constexpr double kStep = 0.02;
-  const auto isStill = [&](double at) {
-    const auto pose = stream.At(at);
-    return pose && pose->perSecond.head<3>().norm() < kStillRadians &&
-           pose->perSecond.tail<3>().norm() < kStillMetres;
-  };
-  double from = seconds;
-  double to = seconds;
-  if (isStill(seconds)) {
-    while (seconds - from < kStillReach && isStill(from - kStep)) {
-      from -= kStep;
-    }
-    while (to - seconds < kStillReach && isStill(to + kStep)) {
-      to += kStep;
-    }
-  }
-  return {from, to};
-}
-
-// Over the time in which both stand still, if it is long enough.
+// Each tracker that stood still; whether one did.
 bool Average(const Streams& streams, double seconds, RelativePose& relative) {
-  const auto [cameraFrom, cameraTo] = StillAround(streams.camera, seconds);
-  const auto [chartFrom, chartTo] = streams.chart.IsFixed() ? std::pair(cameraFrom, cameraTo)
-                                                            : StillAround(streams.chart, seconds);
-  const double from = std::max(cameraFrom, chartFrom);
-  const double to = std::min(cameraTo, chartTo);
-  if (to - from < kLeastStill) {
-    return false;
-  }
-  const auto camera = streams.camera.MeanOver(from, to);
-  const auto chart = streams.chart.MeanOver(from, to);
-  if (camera && chart) {
+  const auto camera = streams.camera.StillAround(seconds);
+  const auto chart = streams.chart.StillAround(seconds);
+  if (camera) {
     relative.camera = RecordedPose(*camera);
+  }
+  if (chart && !streams.chart.IsFixed()) {
     relative.chart = RecordedPose(*chart);
   }
-  return camera && chart;
+  return camera || (chart && !streams.chart.IsFixed());
 }
 
 // A candidate, and where it comes from.

@@ -60,7 +60,7 @@ struct PairReport {
   std::vector<FrameState> frames;  // one for each of the film
   /// In order of time; the names are those of the frames.
   std::vector<RecordedRow> rows;
-  std::size_t averaged = 0;  // rows with poses that are means over a time of stillness
+  std::size_t averaged = 0;  // rows with a pose that is the mean over a time of stillness
 
   /// What the clock of the poses shows when that of the film shows 0; seconds.
   double DelaySeconds() const { return firstStamp + clock.delay; }

@@ -115,7 +115,7 @@ std::string FramesText(const PairInputs& inputs, const PairReport& report) {
          Counted(inputs.film.timesWithoutFrame, "times without a frame") +
          Counted(inputs.film.repeatedTimes, "repeated") + "; chosen " +
          std::to_string(report.rows.size()) +
-         Counted(report.averaged, "of them with poses averaged where both stood still");
+         Counted(report.averaged, "of them with a pose averaged where a tracker stood still");
 }
 
 }  // namespace

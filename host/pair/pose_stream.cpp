@@ -26,6 +26,9 @@ constexpr std::size_t kLeastFrozen = 6;  // poses in a row
 constexpr double kJumpTimes = 8;
 constexpr double kJumpMetres = 0.005;
 constexpr double kJumpDegrees = 0.5;
+// Less is no motion, however small the noise is.
+constexpr double kRoundedMetres = 1e-5;
+constexpr double kRoundedRadians = 2e-5;
 
 bool AreEqual(const crosscheck::TrackerPose& a, const crosscheck::TrackerPose& b) {
   return a.position == b.position && a.quaternionWxyz == b.quaternionWxyz;
@@ -138,6 +141,7 @@ PoseStream::PoseStream(const PoseRecording& recording, double origin) {
     }
   }
   end();
+  MeasureNoise();
 }
 
 PoseStream::PoseStream(const Pose& fixed)
@@ -187,25 +191,65 @@ std::optional<SmoothPose> PoseStream::At(double seconds) const {
   return SmoothPose{reference * crosscheck::Exp(value), parabola.row(1).transpose() / reach};
 }
 
-std::optional<Pose> PoseStream::MeanOver(double from, double to) const {
+std::optional<Pose> PoseStream::StillAround(double seconds) const {
+  constexpr double kMostReach = 0.5;  // seconds
+  constexpr double kLeastReach = 0.15;
+  constexpr std::size_t kLeastSamples = 10;
+  constexpr double kDeviations = 3;  // of the scatter of noise
   if (IsFixed()) {
     return fixed_;
   }
-  const Piece* piece = PieceAt(from);
-  if (piece == nullptr || piece != PieceAt(to)) {
-    return std::nullopt;
-  }
-  std::optional<Pose> reference;
-  Twist sum = Twist::Zero();
-  double count = 0;
-  for (const Sample& sample : *piece) {
-    if (sample.seconds >= from && sample.seconds <= to) {
-      reference = reference ? reference : sample.pose;
-      sum += Log(reference->inverse() * sample.pose);
-      ++count;
+  const Piece* piece = PieceAt(seconds);
+  for (double reach = kMostReach; piece != nullptr && reach >= kLeastReach; reach *= 0.8) {
+    if (piece != PieceAt(seconds - reach) || piece != PieceAt(seconds + reach)) {
+      continue;
+    }
+    const auto isBefore = [](const Sample& sample, double at) { return sample.seconds < at; };
+    const auto begin = std::lower_bound(piece->begin(), piece->end(), seconds - reach, isBefore);
+    const auto end = std::lower_bound(begin, piece->end(), seconds + reach, isBefore);
+    const auto count = static_cast<std::size_t>(end - begin);
+    if (count < kLeastSamples) {
+      break;
+    }
+    const Pose reference = begin->pose;
+    Twist sum = Twist::Zero();
+    for (auto sample = begin; sample != end; ++sample) {
+      sum += Log(reference.inverse() * sample->pose);
+    }
+    const Pose mean = reference * crosscheck::Exp(sum / static_cast<double>(count));
+    Twist squares = Twist::Zero();
+    for (auto sample = begin; sample != end; ++sample) {
+      squares += Log(mean.inverse() * sample->pose).cwiseAbs2();
+    }
+    const Twist scatter = (squares / static_cast<double>(count - 1)).cwiseSqrt();
+    const double times = 1 + kDeviations / std::sqrt(2 * static_cast<double>(count));
+    if (scatter.tail<3>().maxCoeff() <= std::max(times * metres_, kRoundedMetres) &&
+        scatter.head<3>().maxCoeff() <= std::max(times * radians_, kRoundedRadians)) {
+      return mean;
     }
   }
-  return reference ? std::optional<Pose>(*reference * crosscheck::Exp(sum / count)) : std::nullopt;
+  return std::nullopt;
+}
+
+// From second differences, in which motion is far smaller than noise; the median, because fast
+// motion is not.
+void PoseStream::MeasureNoise() {
+  std::vector<double> metres;
+  std::vector<double> radians;
+  for (const Piece& piece : pieces_) {
+    for (std::size_t i = 1; i + 1 < piece.size(); ++i) {
+      const Twist to = Log(piece[i].pose.inverse() * piece[i + 1].pose);
+      const Twist from = Log(piece[i].pose.inverse() * piece[i - 1].pose);
+      radians.push_back((to + from).head<3>().norm());
+      metres.push_back((to + from).tail<3>().norm());
+    }
+  }
+  // Of the length of three normal values of variance 6, the median.
+  constexpr double kMedian = 1.5382 * 2.4495;
+  if (!metres.empty()) {
+    metres_ = crosscheck::Median(std::move(metres)) / kMedian;
+    radians_ = crosscheck::Median(std::move(radians)) / kMedian;
+  }
 }
 
 }  // namespace trackedcam::host

@@ -31,9 +31,10 @@ class PoseStream {
   /// jump or frozen poses, and at the ends.
   std::optional<SmoothPose> At(double seconds) const;
 
-  /// The mean of all poses from one time to another, for a tracker that stood still. Nothing over
-  /// a gap, a jump or frozen poses.
-  std::optional<crosscheck::Pose> MeanOver(double from, double to) const;
+  /// The mean of the poses around, for up to half a second to each side, as long as they scatter no
+  /// more than the noise from sample to sample: the tracker stood still. Nothing if it did not for
+  /// 0.3 s, and over a gap, a jump or frozen poses.
+  std::optional<crosscheck::Pose> StillAround(double seconds) const;
 
   bool IsFixed() const { return interval_ == 0; }
   double First() const { return first_; }
@@ -52,12 +53,15 @@ class PoseStream {
   using Piece = std::vector<Sample>;  // without an interruption
 
   const Piece* PieceAt(double seconds) const;
+  void MeasureNoise();
 
   std::vector<Piece> pieces_;
   crosscheck::Pose fixed_ = crosscheck::Pose::Identity();
   double first_ = 0;
   double last_ = 0;
   double interval_ = 0;
+  double metres_ = 0;   // noise of a sample, standard deviation along each axis
+  double radians_ = 0;  // the same about each axis
 };
 
 }  // namespace trackedcam::host

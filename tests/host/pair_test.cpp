@@ -148,6 +148,26 @@ TEST_F(PairTest, WritesWhatACalibrationNeedsBesides) {
   EXPECT_THAT(config, HasSubstr("chart-translation = \"0.1,-0.05,0.02\""));
 }
 
+// The camera as the chart's tracker sees it: as if that had never moved.
+TEST_F(PairTest, TakesAChartThatDidNotMove) {
+  PairInputs inputs = Inputs();
+  inputs.chart.reset();
+  const simulator::Path path = PathOf(*options_);
+  for (TimedPose& timed : inputs.camera.poses) {
+    const double stamp = inputs.camera.firstStamp + timed.seconds;
+    const simulator::Moment moment = path.At(stamp - 1e-3 * options_->delayMs);
+    const Eigen::Isometry3d pose = moment.Transform_Base_Tr.inverse() * moment.Transform_Base_Tc;
+    const Eigen::Quaterniond q(pose.linear());
+    timed.pose = {pose.translation(), {q.w(), q.x(), q.y(), q.z()}};
+  }
+  const PairReport report = Run(inputs);
+  EXPECT_FALSE(report.chart);
+  EXPECT_NEAR(report.DelaySeconds(), 0.060, 0.002);
+  for (const RecordedRow& row : report.rows) {
+    EXPECT_EQ(row.chart, (TrackerPose{0, 0, 0, 1, 0, 0, 0}));
+  }
+}
+
 TEST_F(PairTest, SaysThatTheFilesAreSwapped) {
   PairInputs inputs = Inputs();
   std::swap(inputs.camera, *inputs.chart);
