@@ -20,11 +20,11 @@ enum class Draw : std::uint32_t {
   kPicture,
   kSeat,
   kFrozen,
-  kTremor,
   kRoad,
   kHands,
   kStream,
-  kDropped
+  kDropped,
+  kTremor
 };
 
 class Random {

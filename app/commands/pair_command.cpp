@@ -136,8 +136,8 @@ int PairFilm(const PairOptions& options) {
 }  // namespace
 
 void AddPairCommand(CLI::App& program, int& status) {
-  CLI::App& command = AddCommand(
-      program, "pair", "Make a shoot of a film and a recording of both trackers", kPairFooter);
+  CLI::App& command =
+      AddCommand(program, "pair", "Make a shoot of a film and recorded poses", kPairFooter);
   const auto options = std::make_shared<PairOptions>();
   AddPath(command, "--camera-poses", options->cameraPoses, "FILE",
           "Poses of the tracker on the camera")

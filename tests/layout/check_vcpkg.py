@@ -12,7 +12,7 @@ root = pathlib.Path(sys.argv[1])
 # The port of each package that CMake looks for, then packages that need none.
 PORTS = {"OpenCV": "opencv4", "Eigen3": "eigen3", "CLI11": "cli11", "nlohmann_json": "nlohmann-json",
          "googletest": "gtest", "tomlplusplus": "tomlplusplus", "Boost": "boost-math", "ZLIB": "zlib"}
-NONE = {"Threads", "Python3", "Doxygen", "PkgConfig", "trackedcam"}
+NONE = {"Threads", "Python3", "Doxygen", "Git", "PkgConfig", "trackedcam"}
 NAME = r"[a-z0-9]+(-[a-z0-9]+)*"
 FIELDS = {"$comment", "name", "version", "dependencies", "builtin-baseline", "overrides", "features"}
 DEPENDENCY_FIELDS = {"name", "default-features", "features", "host", "platform", "version>="}
