@@ -46,7 +46,7 @@ TEST(ClockTest, FindsADelayOfEitherSign) {
     options.delayMs = delayMs;
     const auto found = FindClock(options);
     ASSERT_TRUE(found);
-    EXPECT_LT(std::abs(found->offMs), 1.5e3 * found->clock.delayHalf);
+    EXPECT_LT(std::abs(found->offMs), 1);
     EXPECT_LT(found->clock.delayHalf, 0.001);
     EXPECT_EQ(found->clock.drift, 0);
   }
@@ -59,8 +59,8 @@ TEST(ClockTest, FindsADriftAndClocksThatAreFarApart) {
   options.firstStamp = 1.7e9;
   const auto found = FindClock(options);
   ASSERT_TRUE(found);
-  EXPECT_LT(std::abs(found->offMs), 1.5e3 * found->clock.delayHalf);
-  EXPECT_NEAR(found->clock.drift, 300e-6, 1.5 * found->clock.driftHalf);
+  EXPECT_LT(std::abs(found->offMs), 1);
+  EXPECT_NEAR(found->clock.drift, 300e-6, 50e-6);
 }
 
 // Between two noisy samples the noise averages most in the middle, which pulls the times of frames
