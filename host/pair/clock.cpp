@@ -177,7 +177,7 @@ std::optional<Clock> FitClock(const std::vector<SeenFrame>& frames, const PoseSt
     clock.trackerNoiseDegrees = step->trackerNoiseDegrees;
     const double change = std::abs(step->seconds) +
                           std::abs(step->drift) * (frames.back().seconds - frames.front().seconds);
-    if (change > kConverged && change > 1e-3 * step->error) {
+    if (change > kConverged && change > 1e-2 * step->error) {
       continue;
     }
     if (withDrift) {
