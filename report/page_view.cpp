@@ -517,4 +517,17 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
   };
 }
 
+Json RunsView(const Json& beside) {
+  Json runs = Json::array();
+  for (const Json& run : ValueAt(beside, "/runs")) {
+    runs.push_back({{"name", TextAt(run, "/name")},
+                    {"time", TextAt(run, "/time")},
+                    {"level", TextAt(run, "/level")},
+                    {"pixels", Fixed(NumberAt(run, "/pixels"), 2)},
+                    {"mm", Fixed(NumberAt(run, "/mm"), 2)},
+                    {"degrees", Fixed(NumberAt(run, "/degrees"), 3)}});
+  }
+  return runs.empty() ? Json() : Json{{"text", TextAt(beside, "/text")}, {"runs", runs}};
+}
+
 }  // namespace trackedcam::report
