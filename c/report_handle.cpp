@@ -7,6 +7,7 @@
 
 #include "host/calibrate.h"
 #include "host/input/photograph_file.h"
+#include "host/result/earlier_runs.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/text/files.h"
@@ -196,9 +197,9 @@ std::string Report::PageText(const fs::path& folder) const {
     host::PhotographFile photograph = host::ReadPhotograph(file);
     return {std::move(photograph.bytes), photograph.isLarge};
   };
-  return report::Page(result, report::MakeThumbnails(result, read),
-                      folder.empty() ? report_.run.folder : folder,
-                      report::MakeUndistorted(result, read));
+  return report::Page(
+      result, report::MakeThumbnails(result, read), folder.empty() ? report_.run.folder : folder,
+      report::MakeUndistorted(result, read), host::RunsBeside(report_.run.folder, result));
 }
 
 // Returns no copy: the destructor of a copy needs memory, and would end the process without it.

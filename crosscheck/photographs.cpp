@@ -26,18 +26,39 @@ void MeasureDistance(const Loop& loop, const Solution& solution, PerPhotograph& 
   photograph.degrees = RotationDegrees(camera);
 }
 
-void PredictCorners(const Pose& predicted, const Evidence& evidence,
-                    const std::vector<Eigen::Vector2d>& corners, PerPhotograph& photograph) {
-  photograph.predicted.clear();
+// Where the corners of a photograph should be, and how far they are from there.
+struct Predictions {
+  std::vector<Eigen::Vector2d> corners;  // pixels
+  double pixels = 0;                     // root mean square
+};
+
+Predictions Predict(const Pose& Transform_Cam_Chart, const Lens& lens,
+                    const std::vector<Eigen::Vector3d>& board,
+                    const std::vector<Eigen::Vector2d>& corners) {
+  Predictions predictions;
   double squares = 0;
-  for (std::size_t i = 0; i < evidence.corners.board.size(); ++i) {
-    const Eigen::Vector3d point = predicted * evidence.corners.board[i];
-    const Eigen::Vector2d pixel = point.z() > 1e-6 ? Project(evidence.corners.model.lens, point)
-                                                   : Eigen::Vector2d::Constant(kNan);
-    photograph.predicted.push_back(pixel);
+  for (std::size_t i = 0; i < board.size(); ++i) {
+    const Eigen::Vector3d point = Transform_Cam_Chart * board[i];
+    const Eigen::Vector2d pixel =
+        point.z() > 1e-6 ? Project(lens, point) : Eigen::Vector2d::Constant(kNan);
+    predictions.corners.push_back(pixel);
     squares += (pixel - corners[i]).squaredNorm();
   }
-  photograph.predictedPixels = std::sqrt(squares / static_cast<double>(corners.size()));
+  predictions.pixels = std::sqrt(squares / static_cast<double>(corners.size()));
+  return predictions;
+}
+
+// As a result does that takes board and mounting for what they are stated to be.
+std::optional<Predictions> PredictByResult(const Observations& observations,
+                                           const Evidence& evidence, const Loop& loop,
+                                           const std::vector<Eigen::Vector2d>& corners) {
+  if (!observations.library || !observations.library->allFinite() || !observations.mounting) {
+    return std::nullopt;
+  }
+  const Board stated = {observations.boardColumns, observations.boardRows, observations.square, {}};
+  return Predict(
+      PoseOf(*observations.library) * loop.Transform_Tc_Tr * TransformOf(*observations.mounting),
+      evidence.libraryLens, stated.Points(), corners);
 }
 
 // Why a photograph contradicts the others, if it would fit otherwise.
@@ -100,8 +121,16 @@ void ComparePhotographs(const Observations& observations, const Evidence& eviden
       PerPhotograph& photograph = photographs[index];
       photograph.used = solution.used[i];
       MeasureDistance(loop, solution, photograph);
-      PredictCorners(Predicted(loop, i, solution), evidence,
-                     observations.photographs[index].corners, photograph);
+      const std::vector<Eigen::Vector2d>& corners = observations.photographs[index].corners;
+      const Predictions predictions =
+          Predict(Predicted(loop, i, solution), evidence.corners.model.lens, evidence.corners.board,
+                  corners);
+      photograph.predicted = predictions.corners;
+      photograph.predictedPixels = predictions.pixels;
+      if (const auto byResult = PredictByResult(observations, evidence, loop, corners)) {
+        photograph.byResult = byResult->corners;
+        photograph.resultPixels = byResult->pixels;
+      }
       if (!photograph.used) {
         Explain(i, evidence, solution, photograph);
       }

@@ -239,6 +239,10 @@ struct PerPhotograph {
   Eigen::Matrix4d Transform_Cam_Chart = Eigen::Matrix4d::Identity();
   Eigen::Matrix4d Transform_Tc_Tr = Eigen::Matrix4d::Identity();
   std::vector<Eigen::Vector2d> predicted;  // corners by trackers and solution, pixels
+  /// The same by the result that is checked, with its lens and the stated mounting; empty and NaN
+  /// without one.
+  std::vector<Eigen::Vector2d> byResult;
+  double resultPixels = std::numeric_limits<double>::quiet_NaN();
   View view;
 };
 

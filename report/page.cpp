@@ -34,12 +34,13 @@ std::string SizeText(std::size_t bytes) {
 }  // namespace
 
 std::string Page(const Json& result, const std::vector<Thumbnail>& thumbnails,
-                 const std::filesystem::path& pageFolder,
-                 const UndistortedPhotograph& undistorted) {
+                 const std::filesystem::path& pageFolder, const UndistortedPhotograph& undistorted,
+                 const Json& beside) {
   if (!result.is_object()) {
     throw std::invalid_argument("it is not a JSON object");
   }
   Json values = PageView(result, thumbnails, pageFolder, undistorted);
+  values["beside"] = RunsView(beside);
   values["policy"] = Policy();
   values["style"] = kPageCss.Text();
   values["threeJs"] = kThreeJs.Text();

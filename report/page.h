@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json_fwd.hpp>
+#include <nlohmann/json.hpp>
 
 #include "report/thumbnails.h"
 #include "report/undistorted.h"
@@ -20,9 +20,12 @@ namespace trackedcam::report {
 ///   place empty.
 /// @param pageFolder Folder of the page. Links to images and the log are relative to it.
 /// @param undistorted Of the result. Without an image its place is left out.
+/// @param beside Other runs to compare with: "text", and "runs" with "name", "time", "level",
+///   "pixels", "mm", "degrees"; null: none.
 /// @throws std::invalid_argument if the result is not an object.
 std::string Page(const nlohmann::ordered_json& result, const std::vector<Thumbnail>& thumbnails,
                  const std::filesystem::path& pageFolder,
-                 const UndistortedPhotograph& undistorted = {});
+                 const UndistortedPhotograph& undistorted = {},
+                 const nlohmann::ordered_json& beside = nullptr);
 
 }  // namespace trackedcam::report

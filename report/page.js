@@ -25,11 +25,17 @@ const photographs = [...document.querySelectorAll('.photograph')].map((element, 
   isReprojected: element.dataset.reprojected === 'true',
   check: cross && (result.photographs[i] || {}).crossCheck || null,
 }));
+// Each detected corner, where the result predicts it, and where the cross-check does. Without a
+// result, or in an older file, both are the cross-check's.
 const pairsOf = ({check}) => {
-  const {corners, predicted} = check || {};
-  return (corners || []).map((corner, i) => [corner, (predicted || [])[i]])
+  const {corners, predicted, byResult} = check || {};
+  const shown = byResult?.length ? byResult : predicted || [];
+  return (corners || []).map((corner, i) => [corner, shown[i], (predicted || [])[i]])
       .filter(([corner]) => isList(corner, 2));
 };
+const pixelsOf = ({check}) => check && isNumber(check.resultPixels) ? check.resultPixels : check?.predictedPixels;
+// The result and the cross-check predict the corners so far from each other that it is seen.
+const areApart = ({check}) => check && isNumber(check.resultPixels) && Math.abs(check.resultPixels - check.predictedPixels) > .25;
 const stateTexts = {
   kept: 'agrees', spare: 'agrees, left out by the filter', apart: 'does not agree',
   out: 'left out of the second run', unused: 'not used', missing: 'not usable',
@@ -37,7 +43,8 @@ const stateTexts = {
 const stateText = ({state, reason}) => stateTexts[state] + (reason && state !== 'spare' ? ': ' + reason : '');
 const valuesText = (photograph) => {
   const {check, state} = photograph;
-  const parts = check ? [fixed(check.predictedPixels, 2) + ' px', fixed(check.mm, 2) + ' mm', fixed(check.degrees, 3) + '°'] : [];
+  const ofCheck = check && isNumber(check.resultPixels) ? `cross-check: ${fixed(check.predictedPixels, 2)} px` : [];
+  const parts = check ? [fixed(pixelsOf(photograph), 2) + ' px'].concat(ofCheck, fixed(check.mm, 2) + ' mm', fixed(check.degrees, 3) + '°') : [];
   if (state !== 'kept' || check) parts.push(stateText(photograph));
   return parts.join(' · ');
 };
@@ -108,6 +115,10 @@ const drawCorners = (svg, photograph, size) => {
   svgElement('path', {...line, stroke: colour('missing'), d: known.map(([a, b]) => segment(a, b)).join('')}, svg);
   svgElement('path', {...line, stroke: colour('kept'), d: pairs.map(([a]) => circle(a, size)).join('')}, svg);
   svgElement('path', {...line, stroke: colour('apart'), d: known.map(([, b]) => cross2(b, size * .7)).join('')}, svg);
+  if (areApart(photograph)) {
+    const checked = pairs.filter(([,, c]) => isList(c, 2));
+    svgElement('path', {fill: colour('select'), class: 'by-check', d: checked.map(([,, c]) => circle(c, size * .35)).join('')}, svg);
+  }
 };
 
 
@@ -195,7 +206,7 @@ const enlarge = () => {
   byId('enlarged-number').textContent = selected.number;
   byId('enlarged-title').textContent = selected.name;
   byId('enlarged-values').textContent = valuesText(selected)
-    + (check ? '. Circles: detected corners; crosses: where trackers and solution predict them.' : '');
+    + (check ? '. Circles: detected corners; crosses: where the result predicts them' + (areApart(selected) ? '; dots: where the cross-check does.' : '.') : '');
   showImage(selected);
   applyView();
   byId('enlarged-overlay').style.display = byId('enlarged-corners').checked ? '' : 'none';
@@ -260,6 +271,10 @@ for (const box of document.querySelectorAll('.leave-out')) box.onchange = showLe
 
 // The selected photograph next to the scene.
 
+const directions = ['right', 'lower right', 'bottom', 'lower left', 'left', 'upper left', 'top', 'upper right'];
+// From the right, by the bottom.
+const directionText = (degrees) => directions[(Math.round(degrees / 45) % 8 + 8) % 8];
+
 const showChosen = () => {
   if (!byId('chosen')) return;
   byId('chosen').hidden = !selected;
@@ -275,9 +290,10 @@ const showChosen = () => {
   byId('chosen-name').textContent = selected.name.split(/[\\/]/).pop();
   byId('chosen-state').textContent = stateText(selected);
   byId('chosen-state').className = selected.state;
-  byId('chosen-pixels').textContent = fixed(check.predictedPixels, 2) + ' px';
+  byId('chosen-pixels').textContent = fixed(pixelsOf(selected), 2) + ' px';
+  byId('chosen-check').textContent = fixed(check.predictedPixels, 2) + ' px';
   byId('chosen-difference').textContent = `${fixed(check.mm, 2)} mm, ${fixed(check.degrees, 3)}°`;
-  byId('chosen-tilt').textContent = `${fixed(check.tiltDegrees, 0)}° towards ${fixed(check.tiltDirectionDegrees, 0)}°`;
+  byId('chosen-tilt').textContent = `${fixed(check.tiltDegrees, 0)}°${isNumber(check.tiltDirectionDegrees) ? ' to the ' + directionText(check.tiltDirectionDegrees) : ''}`;
   byId('chosen-roll').textContent = fixed(check.rollDegrees, 0) + '°';
   byId('chosen-distance').textContent = fixed(check.distanceMetres, 2) + ' m';
 };
@@ -505,6 +521,8 @@ const makeScene = () => {
   // The camera's tracker, small at each camera and large at the selected one.
   const trackers = new THREE.Group();
   chart.add(trackers);
+  const cameraTrackers = new THREE.Group();
+  trackers.add(cameraTrackers);
   const at = (pose, x, y, z) => new THREE.Vector3(x, y, z).applyMatrix4(pose);
   const tie = new THREE.LineBasicMaterial({transparent: true, opacity: .6});
   paint(() => tie.color.set(colour('missing')));
@@ -513,8 +531,8 @@ const makeScene = () => {
     const small = depth * .3;
     const poses = cameras.map(({pose}) => pose.clone().multiply(found));
     [[1, 0, 0], [0, 1, 0], [0, 0, 1]].forEach((axis, i) =>
-      lines(poses.flatMap((pose) => [at(pose, 0, 0, 0), at(pose, ...axis.map((n) => n * small))]), axisMaterials[i], trackers));
-    lines(cameras.flatMap(({pose}, i) => [at(pose, 0, 0, 0), at(poses[i], 0, 0, 0)]), tie, trackers);
+      lines(poses.flatMap((pose) => [at(pose, 0, 0, 0), at(pose, ...axis.map((n) => n * small))]), axisMaterials[i], cameraTrackers));
+    lines(cameras.flatMap(({pose}, i) => [at(pose, 0, 0, 0), at(poses[i], 0, 0, 0)]), tie, cameraTrackers);
   }
 
   // The chart's tracker: as found, and as stated.
@@ -550,12 +568,15 @@ const makeScene = () => {
   canvas.addEventListener('pointerdown', () => { controls.enableZoom = true; canvas.focus({preventScroll: true}); });
   canvas.addEventListener('blur', () => { controls.enableZoom = false; });
   controls.addEventListener('change', scene.request);
-  // The view from a camera hides that camera.
-  let through = null;
+  // The view from a camera shows what its photograph does: the chart, and no camera in front of it.
+  const showCameras = (areShown) => {
+    cameras.forEach(({group}) => { group.visible = areShown; });
+    cameraTrackers.visible = areShown;
+    if (selectedTracker) selectedTracker.visible = areShown;
+  };
   const stepOut = () => {
     camera.fov = 36;
-    if (through) through.group.visible = true;
-    through = null;
+    showCameras(true);
   };
   controls.addEventListener('start', stepOut);
   world.updateMatrixWorld(true);
@@ -590,8 +611,7 @@ const makeScene = () => {
     const item = cameras.find(({photograph}) => photograph === selected) || cameras[0];
     if (selected !== item.photograph) select(item.photograph);
     stepOut();
-    through = item;
-    item.group.visible = false;
+    showCameras(false);
     item.group.updateMatrixWorld(true);
     const facing = new THREE.Matrix4().makeRotationX(Math.PI);
     item.group.matrixWorld.clone().multiply(facing).decompose(camera.position, camera.quaternion, new THREE.Vector3());
@@ -660,6 +680,7 @@ const makeScene = () => {
   // Where a camera's frame is on the canvas: tests click there.
   window.trackedcamScene = {
     selected: scene.selectedNumber,
+    shownCameras: () => cameras.filter(({group}) => group.visible).length,
     place(number) {
       const item = cameras.find(({photograph}) => photograph.number === number);
       const place = new THREE.Vector3(0, 0, depth * .6).applyMatrix4(item.group.matrixWorld).project(camera);
@@ -710,6 +731,20 @@ const scale = (title, more = {}) => ({
   grid: {color: colour('line'), borderColor: colour('line')},
   ticks: {color: colour('soft')}, ...more,
 });
+// The least of 1, 2, 5, 10, ... that is not below a value.
+const roundUp = (value) => {
+  const power = 10 ** Math.floor(Math.log10(value));
+  return power * [1, 2, 5, 10].find((n) => n * power >= value * .999);
+};
+const tickText = (value) => String(Number(value.toPrecision(3))).replace('-', '−');
+// An axis from 0, or around it, with a number at two places besides 0 whatever its range.
+const evenAxis = (title, most, least = 0) => {
+  const step = roundUp(most / (least < 0 ? 2 : 5));
+  const ticks = [];
+  for (let k = Math.ceil(least / step - 1e-9); k * step <= most * 1.0001; ++k) ticks.push({value: k * step});
+  return scale(title, {min: least, max: most, afterBuildTicks: (axis) => { axis.ticks = ticks; },
+    ticks: {color: colour('soft'), autoSkip: false, maxRotation: 0, callback: (value) => tickText(value)}});
+};
 const hatch = (stroke) => {
   const picture = document.createElement('canvas');
   picture.width = picture.height = 8;
@@ -733,14 +768,16 @@ const limits = result.limits || {};
 const times = (limit, scale) => isNumber(limit) ? limit * scale : null;
 const doubtAbove = (name, scale) => times((limits[name] || {}).doubt, scale);
 const measures = {
-  predictedPixels: {title: 'error, px', decimals: 2, unit: ' px', limit: doubtAbove('reprojectionErrorPixels', 1), of: 'of the mean error'},
-  mm: {title: 'distance, mm', decimals: 2, unit: ' mm', limit: doubtAbove('translationSpreadMetres', 1000), of: 'of the spread'},
-  degrees: {title: 'angle, deg', decimals: 3, unit: '°', limit: times(limits.photographAngleDegrees, 1), of: 'of the axis of a photograph'},
+  predictedPixels: {title: 'error, px', unit: ' px', limit: doubtAbove('reprojectionErrorPixels', 1), of: 'of the mean error'},
+  mm: {title: 'distance, mm', unit: ' mm', limit: doubtAbove('translationSpreadMetres', 1000), of: 'of the spread'},
+  degrees: {title: 'angle, deg', unit: '°', limit: times(limits.photographAngleDegrees, 1), of: 'of the axis of a photograph'},
 };
 const makeAgreement = () => {
   const canvas = byId('agreement-chart');
-  const {title, decimals, unit, limit, of} = measures[measure];
-  const values = photographs.map(({check}) => check && isNumber(check[measure]) ? check[measure] : null);
+  const {title, unit, limit, of} = measures[measure];
+  const ofCheck = photographs.map(({check}) => check && isNumber(check[measure]) ? check[measure] : null);
+  const isOfResult = measure === 'predictedPixels' && photographs.some(({check}) => check && isNumber(check.resultPixels));
+  const values = isOfResult ? photographs.map((photograph) => pixelsOf(photograph) ?? null) : ofCheck;
   const known = values.filter(isNumber);
   const keptMost = Math.max(0, ...values.filter((value, i) => isNumber(value) && photographs[i].state !== 'apart'));
   const most = Math.max(0, ...known);
@@ -784,6 +821,16 @@ const makeAgreement = () => {
         ctx.fillText(text, chartArea.right - 4, y - 6);
       }
       ctx.setLineDash([]);
+      if (isOfResult) {
+        ctx.strokeStyle = colour('select');
+        ctx.lineWidth = 3;
+        const half = Math.min(9, (chartArea.right - chartArea.left) / photographs.length / 2);
+        ofCheck.forEach((value, i) => {
+          if (value === null || value > top) return;
+          const [x, y] = [scales.x.getPixelForValue(i), scales.y.getPixelForValue(value)];
+          ctx.stroke(new Path2D(segment([x - half, y], [x + half, y])));
+        });
+      }
       ctx.textAlign = 'center';
       photographs.forEach(({state}, i) => {
         const x = scales.x.getPixelForValue(i);
@@ -849,14 +896,14 @@ const makeAgreement = () => {
       },
       scales: {
         x: scale('photograph, in the order of the shoot', {grid: {display: false}, ticks: {color: colour('soft'), autoSkipPadding: 8, maxRotation: 0}}),
-        y: scale(title, {beginAtZero: true, max: top, ticks: {color: colour('soft'), maxTicksLimit: 7, callback: (value, i, ticks) => i === ticks.length - 1 ? '' : Number(value.toFixed(decimals))}}),
+        y: evenAxis(title, top),
       },
     },
     plugins: [marks],
   });
   window.trackedcamBars = {
     place: (number) => [chart.scales.x.getPixelForValue(number - 1), (chart.chartArea.top + chart.chartArea.bottom) / 2],
-    values,
+    values, ofCheck,
   };
   canvas.onkeydown = selectByKeys;
   selectionListeners.bars = () => chart.draw();
@@ -1076,7 +1123,7 @@ const makeErrors = () => {
     const known = (value) => isNumber(value) ? value : NaN;
     const rows = cross.comparison[transform][part].map(({axis, difference, half}) => ({
       axis, difference: known(difference), half: known(half)}));
-    const reach = Math.max(...rows.flatMap(({difference, half}) => [Math.abs(difference), half]).filter(Number.isFinite), 1e-6) * 1.15;
+    const reach = 2 * roundUp(Math.max(...rows.flatMap(({difference, half}) => [Math.abs(difference), half]).filter(Number.isFinite), 1e-6) * .56);
     newChart(canvas, {
       data: {
         labels: rows.map(({axis}) => axis),
@@ -1095,7 +1142,7 @@ const makeErrors = () => {
         animation: false, maintainAspectRatio: false, indexAxis: 'y',
         plugins: {legend: {display: false}, tooltip: {enabled: false}},
         scales: {
-          x: scale('', {type: 'linear', position: 'bottom', min: -reach, max: reach, ticks: {color: colour('soft'), maxTicksLimit: 7, callback: (value, i, ticks) => i === 0 || i === ticks.length - 1 ? '' : String(Number(value.toPrecision(3))).replace('-', '−')},
+          x: Object.assign(evenAxis('', reach, -reach), {type: 'linear', position: 'bottom',
             grid: {color: (context) => colour(context.tick && context.tick.value === 0 ? 'soft' : 'line'), borderColor: colour('line')}}),
           y: scale('', {type: 'category', labels: rows.map(({axis}) => axis), offset: true, grid: {display: false}}),
         },

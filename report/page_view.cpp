@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -397,6 +398,37 @@ const Json& FirstOf(const Json& engine, const char* path, const char* other) {
   return value.is_null() ? ValueAt(engine, other) : value;
 }
 
+/// The lens as the engine names it, in the order of the export; without the size of the image,
+/// which is not typed in.
+Json EngineLens(const Json& lens) {
+  static const std::map<std::string, std::string> kNames = {{"filmbackMm", "filmback (mm)"},
+                                                            {"focalLengthMm", "focal length (mm)"},
+                                                            {"fxFy", "Fx, Fy"},
+                                                            {"imageCenter", "image center"},
+                                                            {"sensorSize", "sensor size (mm)"},
+                                                            {"focalLength", "focal length (mm)"},
+                                                            {"lensShift", "lens shift"}};
+  Json rows = Json::array();
+  const auto add = [&](const std::string& name, const Json& value) {
+    Json row = List(value.is_number() ? Json::array({value}) : value, 6);
+    if (row.is_object()) {
+      row["name"] = name;
+      rows.push_back(row);
+    }
+  };
+  for (const auto& [key, value] : lens.items()) {
+    const auto name = kNames.find(key);
+    if (name != kNames.end()) {
+      add(name->second, value);
+    } else if (key == "distortion") {
+      for (const auto& [parameter, number] : value.items()) {
+        add(parameter, number);
+      }
+    }
+  }
+  return rows;
+}
+
 Json Engines(const Json& exports) {
   Json engines = Json::array();
   for (const auto& [name, engine] : exports.items()) {
@@ -417,6 +449,7 @@ Json Engines(const Json& exports) {
          {"rotation", List(FirstOf(engine, "/rotationDeg", "/localEulerAngles"), 4)},
          {"quaternion", List(FirstOf(engine, "/quaternionXyzw", "/localRotationXyzw"), 7)},
          {"fieldOfView", List(ValueAt(engine, "/fovX"), 4)},
+         {"lens", EngineLens(ValueAt(engine, "/lens"))},
          {"lensCentre", List(ValueAt(engine, "/lensCentre"), 6)}});
   }
   return engines;
@@ -465,6 +498,8 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"), level)},
       {"undistorted", Undistorted(undistorted)},
       {"photographs", photographs},
+      {"isOfResult", std::any_of(photographs.begin(), photographs.end(),
+                                 [](const Json& one) { return one["resultPixels"].is_string(); })},
       {"photographCount", photographs.size()},
       {"canBeRepeated", CanBeRepeated(result)},
       {"others", TextAt(result, "/photographCounts/others")},
@@ -480,6 +515,19 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"libraryVersion", TextAt(result, "/versions/library")},
       {"programVersion", TextAt(result, "/versions/program")},
   };
+}
+
+Json RunsView(const Json& beside) {
+  Json runs = Json::array();
+  for (const Json& run : ValueAt(beside, "/runs")) {
+    runs.push_back({{"name", TextAt(run, "/name")},
+                    {"time", TextAt(run, "/time")},
+                    {"level", TextAt(run, "/level")},
+                    {"pixels", Fixed(NumberAt(run, "/pixels"), 2)},
+                    {"mm", Fixed(NumberAt(run, "/mm"), 2)},
+                    {"degrees", Fixed(NumberAt(run, "/degrees"), 3)}});
+  }
+  return runs.empty() ? Json() : Json{{"text", TextAt(beside, "/text")}, {"runs", runs}};
 }
 
 }  // namespace trackedcam::report

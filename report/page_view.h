@@ -19,4 +19,7 @@ nlohmann::ordered_json PageView(const nlohmann::ordered_json& result,
                                 const std::filesystem::path& pageFolder,
                                 const UndistortedPhotograph& undistorted = {});
 
+/// Other runs, as Page takes them; null if there are none.
+nlohmann::ordered_json RunsView(const nlohmann::ordered_json& beside);
+
 }  // namespace trackedcam::report

@@ -54,6 +54,7 @@ Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& 
   const std::string name = TextAt(photograph, "/name");
   const std::string state = StateOf(photograph);
   const std::string type(ImageType(thumbnail.bytes));
+  const auto ofResult = NumberAt(check, "/resultPixels");
   return {{"row", Fixed(NumberAt(photograph, "/row"), 0)},
           {"name", name},
           {"shortName", ShortName(name)},
@@ -67,7 +68,8 @@ Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& 
           {"isChecked", check.is_object()},
           {"millimetres", Fixed(NumberAt(check, "/mm"), 2)},
           {"degrees", Fixed(NumberAt(check, "/degrees"), 3)},
-          {"pixels", Fixed(NumberAt(check, "/predictedPixels"), 2)}};
+          {"pixels", Fixed(NumberAt(check, "/predictedPixels"), 2)},
+          {"resultPixels", ofResult ? Json(Fixed(ofResult, 2)) : Json()}};
 }
 
 }  // namespace

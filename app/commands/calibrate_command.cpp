@@ -24,6 +24,7 @@
 #include "host/calibrate.h"
 #include "host/input/continued_data.h"
 #include "host/input/photograph_file.h"
+#include "host/result/earlier_runs.h"
 #include "host/result/result_file.h"
 #include "host/result/result_json.h"
 #include "host/silenced_stdout.h"
@@ -189,7 +190,8 @@ WrittenFiles WriteFiles(const CalibrateOptions& options, const host::Report& rep
     const bool isNamed = !options.report.empty();
     const fs::path page = isNamed ? options.report : report.run.folder / "report.html";
     written.page = Write(page, isNamed, written, [&] {
-      return report::Page(result, pictures.thumbnails, page.parent_path(), pictures.undistorted);
+      return report::Page(result, pictures.thumbnails, page.parent_path(), pictures.undistorted,
+                          host::RunsBeside(report.run.folder, result));
     });
   }
   return written;

@@ -531,7 +531,7 @@ const char* MistakeText(MountingMistake mistake) {
     case MountingMistake::kAngleSigns:
       return "an angle has the wrong sign";
     case MountingMistake::kAngleOrder:
-      return "the angles were composed in another order than Rx * Ry * Rz";
+      return "the three rotations were combined in another order than x, y, z";
     case MountingMistake::kMillimetres:
       return "millimetres were given as metres";
     case MountingMistake::kCentimetres:

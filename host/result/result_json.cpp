@@ -158,10 +158,12 @@ Json CheckedJson(const crosscheck::PerPhotograph& photograph,
                {"mm", NumberJson(photograph.mm)},
                {"degrees", NumberJson(photograph.degrees)},
                {"predictedPixels", NumberJson(photograph.predictedPixels)},
+               {"resultPixels", NumberJson(photograph.resultPixels)},
                {"transformCamChart", RowByRow(photograph.Transform_Cam_Chart)},
                {"transformTcTr", RowByRow(photograph.Transform_Tc_Tr)},
                {"corners", PointsJson(corners)},
-               {"predicted", PointsJson(photograph.predicted)}};
+               {"predicted", PointsJson(photograph.predicted)},
+               {"byResult", PointsJson(photograph.byResult)}};
   AddView(json, photograph.view);
   return json;
 }

@@ -264,10 +264,54 @@ class PageTest(unittest.TestCase):
         self.assertEqual(self.texts("h1"), [result["verdict"]["message"]])
         self.assertEqual(self.texts(".finding-text"), [finding["text"] for finding in result["findings"]])
         self.assertEqual(self.run_script("[...document.querySelectorAll('.band .copy')].map((e) => e.dataset.copy)"), result["verdict"]["commands"])
-        pixels = [p["crossCheck"] and p["crossCheck"]["predictedPixels"] for p in result["photographs"]]
-        self.assertIsNone(pixels[4])
-        self.assertEqual(self.run_script("trackedcamBars.values"), pixels)
+        for key, bars in [("resultPixels", "values"), ("predictedPixels", "ofCheck")]:
+            pixels = [p["crossCheck"] and p["crossCheck"][key] for p in result["photographs"]]
+            self.assertIsNone(pixels[4])
+            self.assertEqual(self.run_script(f"trackedcamBars.{bars}"), pixels)
         self.assertEqual(json.loads(self.run_script("document.getElementById('data').textContent")), result)
+
+    def test_crosses_are_the_results_and_the_cross_checks_beside_them(self):
+        result = self.open("mounting-off")
+        checks = [p["crossCheck"] for p in result["photographs"] if p["crossCheck"]]
+        apart = [abs(c["resultPixels"] - c["predictedPixels"]) > 0.25 for c in checks]
+        self.assertIn(True, apart)
+        dots = self.run_script("document.querySelectorAll('.gallery .by-check').length")
+        drawn = self.run_script("document.querySelectorAll('.gallery svg').length")
+        self.assertTrue(0 < dots <= drawn)
+        first = checks[0]
+        self.assertIn(f"{first['resultPixels']:.2f} px; cross-check: {first['predictedPixels']:.2f} px",
+                      self.texts(".photograph .small")[0])
+        self.open("perfect")
+        self.assertEqual(self.run_script("document.querySelectorAll('.gallery .by-check').length"), 0)
+
+    def test_every_axis_has_two_numbers_besides_zero(self):
+        for name in make_results.SHOOTS:
+            if not self.open(name)["crossCheck"]:
+                continue
+            for canvas in ["agreement-chart", *self.run_script(
+                    "[...document.querySelectorAll('[data-errors]')].map((e) => e.id = 'errors-' + e.dataset.errors.replace(' ', '-'))")]:
+                axis = "y" if canvas == "agreement-chart" else "x"
+                ticks = self.run_script(f"Chart.getChart(arguments[0]).scales.{axis}.ticks.map((t) => t.label)", canvas)
+                self.assertGreaterEqual(len([t for t in ticks if t not in ("", "0")]), 2, f"{name}: {canvas}: {ticks}")
+
+    def test_the_view_from_a_camera_shows_no_other_one(self):
+        self.open("noisy")
+        everything = self.run_script("trackedcamScene.shownCameras()")
+        self.assertGreater(everything, 10)
+        self.browser.find_element(By.CSS_SELECTOR, "[data-view='camera']").click()
+        self.assertEqual(self.run_script("trackedcamScene.shownCameras()"), 0)
+        self.browser.find_element(By.CSS_SELECTOR, "[data-view='all']").click()
+        self.assertEqual(self.run_script("trackedcamScene.shownCameras()"), everything)
+
+    def test_what_only_an_expert_reads_is_folded(self):
+        self.open("noisy")
+        shown = self.run_script("""(() => {
+            const page = document.querySelector('main').cloneNode(true);
+            page.querySelectorAll('details, script').forEach((e) => e.remove());
+            return page.textContent;
+        })()""")
+        for word in ["mplification", "Rx", "axis fix", "towards"]:
+            self.assertNotIn(word, shown)
 
     def test_a_map_shows_the_error_at_each_distance(self):
         result = self.open("noisy")

@@ -158,11 +158,14 @@ def result(seed, count, noise_mm, noise_deg, stated=None, outliers=(), lost=(), 
         predicted_pose = product(product(found_x, tracker), found_y)
         corners = [[n + rng.gauss(0, 0.06) for n in project(pose, c)] for c in CORNERS]
         predicted = [project(predicted_pose, c) for c in CORNERS]
-        pixels = sum(math.dist(a, b) for a, b in zip(corners, predicted)) / len(corners)
+        by_result = [project(product(product(library_x, tracker), stated_y), c) for c in CORNERS]
+        mean_error = lambda to: sum(math.dist(a, b) for a, b in zip(corners, to)) / len(corners)
+        pixels = mean_error(predicted)
         used = index not in outliers
         photographs[-1]["crossCheck"] = {
             "used": used, "mm": distance_between(pose, predicted_pose),
             "degrees": angle_between(pose, predicted_pose), "predictedPixels": pixels,
+            "resultPixels": mean_error(by_result), "byResult": by_result,
             "transformCamChart": flat(pose), "transformTcTr": flat(tracker), "corners": corners,
             "predicted": predicted, **angles}
         photographs[-1]["libraryErrorPixels"] = 1.02 * pixels
