@@ -3,8 +3,8 @@
 # runs each file of it as a user would.
 # Usage: scripts/release.sh [--untagged] [--check-reproducible] [VERSION]
 #   VERSION               default: the version of the project
-#   --untagged            also from a commit without the tag vVERSION, and with a changelog that calls the
-#                         version unreleased: to try things, or to get the program before it is released
+#   --untagged            also from a tree with changes or without the tag vVERSION, and with a changelog that
+#                         calls the version unreleased: to try things, or to get the program before it is released
 #   --check-reproducible  package everything again and compare the bytes
 set -eu
 cd "$(dirname "$0")/.."
@@ -29,10 +29,10 @@ done
 
 [ "$version" = "$project" ] ||
   fail "this is version $project, not $version: set VERSION in CMakeLists.txt, or check out v$version"
-[ -z "$(git status --porcelain)" ] ||
-  fail "the tree has changes, and a release is built from a commit: commit them, or 'git stash -u'"
 heading=$(grep "^## $version," CHANGELOG.md) || fail "CHANGELOG.md has no section '## $version, DATE': write it"
 if ! $untagged; then
+  [ -z "$(git status --porcelain)" ] ||
+    fail "the tree has changes, and a release is built from a commit: commit them, or 'git stash -u'"
   [ "${heading#*, }" != unreleased ] ||
     fail "CHANGELOG.md calls $version unreleased: write the date there and commit, or pass --untagged"
   git tag --points-at HEAD | grep -qx "v$version" ||

@@ -23,7 +23,7 @@ constexpr std::size_t kMostRuns = 20;
 std::optional<double> NumberIn(const Json& json, const char* pointer) {
   const Json::json_pointer at(pointer);
   return json.contains(at) && json[at].is_number() ? std::optional(json[at].get<double>())
-                                                    : std::nullopt;
+                                                   : std::nullopt;
 }
 
 std::string TextIn(const Json& json, const char* pointer) {
@@ -110,8 +110,7 @@ Json RunsBeside(const fs::path& runFolder, const Json& result) {
   if (runs.empty()) {
     return nullptr;
   }
-  const std::string text =
-      ComparedText(RunJson(runFolder.filename().u8string(), result), runs);
+  const std::string text = ComparedText(RunJson(runFolder.filename().u8string(), result), runs);
   return {{"text", text}, {"runs", runs}};
 }
 

@@ -12,13 +12,14 @@ using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
 Json ResultOf(const std::string& level, double mm) {
-  return {{"time", "2026-11-21 14:05:09"},
-          {"verdict", {{"level", level}}},
-          {"reprojectionErrorPixels", 1.5},
-          {"crossCheck",
-           {{"t95", 2},
-            {"standardErrorCamTc",
-             {{"translationMm", {mm / 4, mm / 2, mm / 8}}, {"rotationDegrees", {0.01, 0.02, 0.01}}}}}}};
+  return {
+      {"time", "2026-11-21 14:05:09"},
+      {"verdict", {{"level", level}}},
+      {"reprojectionErrorPixels", 1.5},
+      {"crossCheck",
+       {{"t95", 2},
+        {"standardErrorCamTc",
+         {{"translationMm", {mm / 4, mm / 2, mm / 8}}, {"rotationDegrees", {0.01, 0.02, 0.01}}}}}}};
 }
 
 class EarlierRunsTest : public testing::Test {
