@@ -43,7 +43,7 @@ const stateTexts = {
 const stateText = ({state, reason}) => stateTexts[state] + (reason && state !== 'spare' ? ': ' + reason : '');
 const valuesText = (photograph) => {
   const {check, state} = photograph;
-  const ofCheck = check && isNumber(check.resultPixels) ? `cross-check: ${fixed(check.predictedPixels, 2)} px` : [];
+  const ofCheck = areApart(photograph) ? `cross-check: ${fixed(check.predictedPixels, 2)} px` : [];
   const parts = check ? [fixed(pixelsOf(photograph), 2) + ' px'].concat(ofCheck, fixed(check.mm, 2) + ' mm', fixed(check.degrees, 3) + '°') : [];
   if (state !== 'kept' || check) parts.push(stateText(photograph));
   return parts.join(' · ');

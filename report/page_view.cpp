@@ -429,6 +429,14 @@ Json EngineLens(const Json& lens) {
   return rows;
 }
 
+/// True if the errors of the photographs are those of the result. Without a result, and in older
+/// files, they are those of the cross-check.
+bool IsOfResult(const Json& photographs) {
+  return std::any_of(photographs.begin(), photographs.end(), [](const Json& photograph) {
+    return NumberAt(photograph, "/crossCheck/resultPixels").has_value();
+  });
+}
+
 Json Engines(const Json& exports) {
   Json engines = Json::array();
   for (const auto& [name, engine] : exports.items()) {
@@ -498,8 +506,7 @@ Json PageView(const Json& result, const std::vector<Thumbnail>& thumbnails,
       {"crossCheck", CrossCheck(ValueAt(result, "/crossCheck"), level)},
       {"undistorted", Undistorted(undistorted)},
       {"photographs", photographs},
-      {"isOfResult", std::any_of(photographs.begin(), photographs.end(),
-                                 [](const Json& one) { return one["resultPixels"].is_string(); })},
+      {"isOfResult", IsOfResult(ValueAt(result, "/photographs"))},
       {"photographCount", photographs.size()},
       {"canBeRepeated", CanBeRepeated(result)},
       {"others", TextAt(result, "/photographCounts/others")},

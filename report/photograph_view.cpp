@@ -1,5 +1,6 @@
 #include "report/photograph_view.h"
 
+#include <cmath>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -48,13 +49,19 @@ bool CanBeLeftOut(const std::string& state) {
   return state != "missing" && state != "out";
 }
 
+// From here on, corners by the result and by the cross-check are seen to differ.
+constexpr double kPixelsThatShow = 0.25;
+
 /// @param check What the cross-check says about the photograph.
 Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& thumbnail,
                     const fs::path& pageFolder) {
   const std::string name = TextAt(photograph, "/name");
   const std::string state = StateOf(photograph);
   const std::string type(ImageType(thumbnail.bytes));
-  const auto ofResult = NumberAt(check, "/resultPixels");
+  const auto pixels = NumberAt(check, "/resultPixels");
+  const auto pixelsOfCheck = NumberAt(check, "/predictedPixels");
+  const bool areApart =
+      pixels && pixelsOfCheck && std::abs(*pixels - *pixelsOfCheck) > kPixelsThatShow;
   return {{"row", Fixed(NumberAt(photograph, "/row"), 0)},
           {"name", name},
           {"shortName", ShortName(name)},
@@ -68,8 +75,8 @@ Json PhotographView(const Json& photograph, const Json& check, const Thumbnail& 
           {"isChecked", check.is_object()},
           {"millimetres", Fixed(NumberAt(check, "/mm"), 2)},
           {"degrees", Fixed(NumberAt(check, "/degrees"), 3)},
-          {"pixels", Fixed(NumberAt(check, "/predictedPixels"), 2)},
-          {"resultPixels", ofResult ? Json(Fixed(ofResult, 2)) : Json()}};
+          {"pixels", Fixed(pixels ? pixels : pixelsOfCheck, 2)},
+          {"pixelsOfCheck", areApart ? Json(Fixed(pixelsOfCheck, 2)) : Json()}};
 }
 
 }  // namespace

@@ -67,7 +67,7 @@ std::string ComparedText(const Json& own, const Json& others) {
     }
   }
   if (best == nullptr) {
-    return "None of the others has a result to compare with.";
+    return "No other run has a result that can be used.";
   }
   const std::string name = (*best)["name"];
   const double theirs = (*best)["mm"];

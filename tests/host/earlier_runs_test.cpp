@@ -65,7 +65,7 @@ TEST_F(EarlierRunsTest, AreNoneWhereNothingIsAResult) {
   const Json beside = BesideThird(ResultOf("good", 1));
   ASSERT_EQ(beside["runs"].size(), 1U);
   EXPECT_TRUE(beside["runs"][0]["mm"].is_null());
-  EXPECT_THAT(beside["text"].get<std::string>(), HasSubstr("None of the others"));
+  EXPECT_THAT(beside["text"].get<std::string>(), HasSubstr("No other run"));
 }
 
 TEST_F(EarlierRunsTest, AreAtMostTwenty) {

@@ -279,8 +279,9 @@ class PageTest(unittest.TestCase):
         drawn = self.run_script("document.querySelectorAll('.gallery svg').length")
         self.assertTrue(0 < dots <= drawn)
         first = checks[0]
-        self.assertIn(f"{first['resultPixels']:.2f} px; cross-check: {first['predictedPixels']:.2f} px",
-                      self.texts(".photograph .small")[0])
+        shown = self.texts(".photograph .small")[0]
+        self.assertIn(f"{first['resultPixels']:.2f} px · ", shown)
+        self.assertIn(f"cross-check: {first['predictedPixels']:.2f} px", shown)
         self.open("perfect")
         self.assertEqual(self.run_script("document.querySelectorAll('.gallery .by-check').length"), 0)
 
