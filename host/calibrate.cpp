@@ -153,6 +153,8 @@ Report RunAndJudge(const Inputs& inputs, const std::vector<DataRow>& rows, Photo
                    const Report* first = nullptr) {
   Report report;
   report.seconds = first == nullptr ? PartSeconds() : first->seconds;
+  report.sharpness =
+      first == nullptr ? std::make_shared<SharpnessList>(rows.size()) : first->sharpness;
   report.inputs = inputs;
   report.photographs = std::move(list);
   const std::vector<std::size_t> given = ToRun(report.photographs);

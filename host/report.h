@@ -10,6 +10,7 @@
 #include "crosscheck/cross_check.h"
 #include "host/engines/engine.h"
 #include "host/findings/finding.h"
+#include "host/input/edge_width.h"
 #include "host/input/inputs.h"
 #include "host/photograph_list.h"
 #include "host/run/library_run.h"
@@ -23,6 +24,9 @@ struct PartSeconds {
   std::optional<double> crossCheck;  // nothing if there was none
 };
 
+/// By PhotographEntry::index; nothing for those that were not decoded.
+using SharpnessList = std::vector<std::optional<Sharpness>>;
+
 struct Report {
   Inputs inputs;  // of this run: with the mounting that it used
   bool mountingIsStated = true;
@@ -35,6 +39,7 @@ struct Report {
   std::vector<EngineExport> exports;       // as requested
   std::shared_ptr<const Report> firstRun;  // null if there was only one
   PartSeconds seconds;
+  std::shared_ptr<SharpnessList> sharpness;  // of both runs; null if only a log was read
 };
 
 }  // namespace trackedcam::host

@@ -138,15 +138,7 @@ std::optional<double> WidthOfStrongEdges(const cv::Mat& image) {
 
 std::optional<Sharpness> MeasureSharpness(const std::filesystem::path& file, int columns,
                                           const std::vector<std::array<double, 2>>& corners) {
-  cv::Mat image;
-  try {
-    const std::string bytes = ReadPhotograph(file).bytes;
-    const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8U,
-                          const_cast<char*>(bytes.data()));
-    image = bytes.empty() ? cv::Mat() : cv::imdecode(encoded, cv::IMREAD_GRAYSCALE);
-  } catch (const std::exception&) {
-    return std::nullopt;
-  }
+  const cv::Mat image = DecodePhotograph(file, cv::IMREAD_GRAYSCALE);
   if (image.empty()) {
     return std::nullopt;
   }

@@ -4,6 +4,8 @@
 #include <exception>
 #include <system_error>
 
+#include <opencv2/imgcodecs.hpp>
+
 #include "host/text/files.h"
 
 namespace trackedcam::host {
@@ -40,6 +42,18 @@ PhotographFile ReadPhotograph(const std::filesystem::path& file) {
     const auto header = ReadPhotographHeader(file);
     const bool isTaken = header && !IsHuge(*header) && !IsCostly(file, *header);
     return isTaken ? PhotographFile{ReadFile(file), IsLarge(*header)} : PhotographFile();
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+cv::Mat DecodePhotograph(const std::filesystem::path& file, int mode) {
+  try {
+    std::string bytes = ReadPhotograph(file).bytes;
+    return bytes.empty()
+               ? cv::Mat()
+               : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U, bytes.data()),
+                              mode);
   } catch (const std::exception&) {
     return {};
   }

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 
+#include <opencv2/core/mat.hpp>
+
 #include "host/input/image_header.h"
 
 namespace trackedcam::host {
@@ -25,5 +27,9 @@ struct PhotographFile {
 };
 
 PhotographFile ReadPhotograph(const std::filesystem::path& file);
+
+/// Empty if it must not or cannot be decoded.
+/// @param mode One of cv::ImreadModes.
+cv::Mat DecodePhotograph(const std::filesystem::path& file, int mode);
 
 }  // namespace trackedcam::host

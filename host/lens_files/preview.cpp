@@ -16,18 +16,6 @@
 namespace trackedcam::host {
 namespace {
 
-cv::Mat Decoded(const std::filesystem::path& photograph) {
-  const std::string bytes = ReadPhotograph(photograph).bytes;
-  try {
-    return bytes.empty() ? cv::Mat()
-                         : cv::imdecode(cv::Mat(1, static_cast<int>(bytes.size()), CV_8U,
-                                                const_cast<char*>(bytes.data())),
-                                        cv::IMREAD_COLOR);
-  } catch (const cv::Exception&) {
-    return {};
-  }
-}
-
 // Where the pixels come from, as the image library counts them: from the first one's centre.
 cv::Mat Places(const StMap& map, const cv::Size& source) {
   cv::Mat places(map.height, map.width, CV_32FC2);
@@ -66,7 +54,7 @@ std::string UndistortedPng(const LensModel& lens, const std::array<int, 2>& undi
   const bool isSize =
       header && header->width * header->height == static_cast<std::uint64_t>(lens.width) *
                                                       static_cast<std::uint64_t>(lens.height);
-  const cv::Mat image = isSize ? Decoded(photograph) : cv::Mat();
+  const cv::Mat image = isSize ? DecodePhotograph(photograph, cv::IMREAD_COLOR) : cv::Mat();
   if (!header || (isSize && image.empty())) {
     throw std::runtime_error(photograph.u8string() + " is not a photograph that can be read");
   }

@@ -30,32 +30,21 @@ cv::ImreadModes ModeOf(int reduction) {
 SearchedFrame Search(const std::filesystem::path& file, const cv::Size& board) {
   SearchedFrame searched;
   const auto header = ReadPhotographHeader(file);
-  const std::string bytes = header ? ReadPhotograph(file).bytes : std::string();
-  if (bytes.empty()) {
+  const cv::Mat image = header ? DecodePhotograph(file, ModeOf(ReductionFor(*header))) : cv::Mat();
+  if (image.empty()) {
     return searched;
   }
-  const int reduction = ReductionFor(*header);
-  cv::Mat image;
   std::vector<cv::Point2f> corners;
   try {
-    const cv::Mat encoded(1, static_cast<int>(bytes.size()), CV_8U,
-                          const_cast<char*>(bytes.data()));
-    image = cv::imdecode(encoded, ModeOf(reduction));
-    const bool isFound =
-        !image.empty() &&
-        cv::findChessboardCorners(
-            image, board, corners,
-            cv::CALIB_CB_ADAPTIVE_THRESH | cv::CALIB_CB_NORMALIZE_IMAGE | cv::CALIB_CB_FAST_CHECK);
-    if (isFound) {
+    if (cv::findChessboardCorners(image, board, corners,
+                                  cv::CALIB_CB_ADAPTIVE_THRESH | cv::CALIB_CB_NORMALIZE_IMAGE |
+                                      cv::CALIB_CB_FAST_CHECK)) {
       cv::cornerSubPix(image, corners, {4, 4}, {-1, -1},
                        {cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 20, 0.01});
     } else {
       corners.clear();
     }
   } catch (const cv::Exception&) {
-    return searched;
-  }
-  if (image.empty()) {
     return searched;
   }
   const bool isTurned = header->IsRotated();

@@ -125,6 +125,15 @@ TEST_F(CalibrateTest, CalibratesWithTheMountingThatItFound) {
   EXPECT_NE(report.run.folder, report.firstRun->run.folder);
 }
 
+TEST_F(CalibrateTest, DecodesPhotographsOnceForBothRuns) {
+  const Report report = WithoutMounting(Small(14));
+  ASSERT_NE(report.firstRun, nullptr);
+  EXPECT_EQ(report.sharpness, report.firstRun->sharpness);
+  for (const PhotographEntry& entry : report.photographs) {
+    EXPECT_TRUE(report.sharpness->at(entry.index)) << entry.name;
+  }
+}
+
 // What the first run left out keeps its row and place, and says why.
 TEST_F(CalibrateTest, ListsEveryRowInTheSecondRun) {
   simulator::ShootOptions options = Small(20);
