@@ -401,13 +401,14 @@ const Json& FirstOf(const Json& engine, const char* path, const char* other) {
 /// The lens as the engine names it, in the order of the export; without the size of the image,
 /// which is not typed in.
 Json EngineLens(const Json& lens) {
-  static const std::map<std::string, std::string> kNames = {{"filmbackMm", "filmback (mm)"},
-                                                            {"focalLengthMm", "focal length (mm)"},
-                                                            {"fxFy", "Fx, Fy"},
-                                                            {"imageCenter", "image center"},
-                                                            {"sensorSize", "sensor size (mm)"},
-                                                            {"focalLength", "focal length (mm)"},
-                                                            {"lensShift", "lens shift"}};
+  static const std::map<std::string, std::string> kNames = {
+      {"filmbackMm", "filmback (mm)"},
+      {"focalLengthMm", "focal length by width (mm)"},
+      {"fxFy", "Fx, Fy"},
+      {"imageCenter", "image center"},
+      {"sensorSize", "sensor size (mm)"},
+      {"focalLength", "focal length by width (mm)"},
+      {"lensShift", "lens shift"}};
   Json rows = Json::array();
   const auto add = [&](const std::string& name, const Json& value) {
     Json row = List(value.is_number() ? Json::array({value}) : value, 6);

@@ -74,7 +74,7 @@ void PrintUnity(std::ostream& out, const host::UnityValues& values) {
   const EngineLens& lens = values.lens->values;
   out << "  Physical Camera, for " << lens.imageSize[0] << 'x' << lens.imageSize[1] << '\n';
   PrintPair(out, "sensorSize, mm", lens.filmbackMm, 4);
-  PrintRow(out, "focalLength, mm", {lens.focalLengthMm}, 4);
+  PrintRow(out, "focalLength by width, mm", {lens.focalLengthMm}, 4);
   PrintPair(out, "lensShift", values.lens->lensShift, 7);
   PrintRow(out, "gateFit", {"None"});
   out << "  Brown-Conrady distortion, which Unity does not draw by itself\n";

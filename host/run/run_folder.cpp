@@ -149,6 +149,14 @@ NameAndImage ForLibrary(const std::string& photograph, const fs::path& workingFo
   }
 }
 
+// A path that this system made absolute may hold what ends a field of the data file.
+void RequireReadable(const std::string& name) {
+  if (name.find_first_of(",\r\n") != std::string::npos) {
+    throw InputError("the library reads a path up to the first comma or line ending, and that of " +
+                     name + " has one: rename its folder, or start in the working folder");
+  }
+}
+
 template <class Numbers>
 std::string NumbersText(const Numbers& numbers) {
   std::string text;
@@ -198,6 +206,9 @@ RunData WriteRunData(const std::vector<DataRow>& rows, const fs::path& workingFo
   std::string text = "Time,photograph,and both trackers\n";
   for (const DataRow& row : rows) {
     auto [name, image] = ForLibrary(row.photograph, workingFolder, worksThere, runFolder);
+    if (name != row.photograph) {
+      RequireReadable(name);
+    }
     text += WithPhotograph(row, name) + '\n';
     data.photographs.push_back(std::move(name));
     data.images.push_back(std::move(image));

@@ -33,6 +33,7 @@ struct RunData {
 /// becomes of the file that they came from; and the folders of the images, since the library
 /// creates none. A photograph gets its absolute path if the library would not find it by its name,
 /// or if the name would lead the image out of the folder.
+/// @throws InputError if an absolute path has a comma or a line ending, which end a field.
 /// @throws std::runtime_error if the file cannot be written.
 RunData WriteRunData(const std::vector<DataRow>& rows, const std::filesystem::path& workingFolder,
                      const std::filesystem::path& runFolder);

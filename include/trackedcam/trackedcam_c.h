@@ -247,7 +247,7 @@ typedef struct trackedcam_report trackedcam_report;
 /// Progress of a run. With refine_mounting, a second pass starts over.
 typedef struct trackedcam_progress {
   char stage[64];              ///< In English, such as "Finding the board"; empty at the start.
-  int32_t photographs_done;    ///< In this stage.
+  int32_t photographs_done;    ///< In this stage: the index of the photograph that it is at.
   int32_t photographs_in_all;  ///< 0 in a stage that does not go through the photographs.
 } trackedcam_progress;
 

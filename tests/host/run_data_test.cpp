@@ -51,6 +51,14 @@ TEST_F(RunDataTest, NamesPhotographsInFullIfTheProcessWorksElsewhere) {
               HasSubstr("1," + data.photographs[0] + ",2,3\n"));
 }
 
+TEST_F(RunDataTest, RefusesAFolderThatNoRowCanName) {
+  shoot = folder.Path() / "camera A, lens 35";
+  fs::create_directories(shoot);
+  EXPECT_THROW(Write({"a.jpg"}), InputError);
+  const test::WorkingFolder there(shoot);
+  EXPECT_THAT(Write({"a.jpg"}).photographs, ElementsAre("a.jpg"));
+}
+
 TEST_F(RunDataTest, KeepsEveryImageInTheRunFolder) {
   std::string up;
   for (int levels = 1; levels <= 8; ++levels) {

@@ -258,7 +258,7 @@ class PageTest(unittest.TestCase):
                     for a, b in zip(shown, axes, strict=True):
                         self.assertAlmostEqual(a, b[key], delta=0.501 * 10 ** -decimals)
         self.assertIn(f"{library['offMm']:.2f} mm and {library['offDegrees']:.3f}°", self.texts("#fact-transform")[0])
-        self.assertEqual(self.texts("#fact-lens .big"), [f"{result['focalLengthMm'][0]:.3f} mm"])
+        self.assertEqual(self.texts("#fact-lens .big"), [f"{result['focalLengthMm'][0]:.3f} mm by height"])
         self.assertEqual(self.texts("#fact-agreement .big"), [f"{result['reprojectionErrorPixels']:.2f} px"])
         self.assertEqual(self.texts("#fact-photographs .big"), [f"{sum(p['state'] == 'used' for p in result['photographs'])} of 40 used"])
         self.assertEqual(self.texts("h1"), [result["verdict"]["message"]])
