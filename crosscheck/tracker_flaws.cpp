@@ -68,7 +68,7 @@ Columns ByBend(const Loop& loop, const Solution& solution, const Volume& volume)
                                               Squares(loop.Transform_Base_Tc.translation(), volume);
   const Eigen::Matrix3d fromBase = FromBase(loop, solution);
   Eigen::Matrix3Xd translation(3, 18);
-  for (int k = 0; k < 6; ++k) {
+  for (Eigen::Index k = 0; k < 6; ++k) {
     translation.middleCols<3>(3 * k) = between[k] * fromBase;
   }
   return OfTranslation(translation);
@@ -79,7 +79,7 @@ Columns ByRotation(const Loop& loop) {
   const Eigen::Matrix3d& rotation = loop.Transform_Cam_Chart.linear();
   const double roll = std::atan2(rotation(1, 0), rotation(0, 0));
   Columns columns(6, 24);
-  int k = 0;
+  Eigen::Index k = 0;
   for (const double along : {rotation(0, 2), rotation(1, 2), std::cos(roll), std::sin(roll)}) {
     columns.middleCols<6>(6 * k) = along * Matrix6d::Identity();
     ++k;

@@ -49,7 +49,9 @@ std::optional<double> WidthBetween(const cv::Mat& image, const cv::Point2d& a,
   const double length = cv::norm(along);
   const cv::Point2d across(-along.y / length, along.x / length);
   std::vector<double> profile;
-  for (double offset = -kReach * length; offset <= kReach * length; offset += kStep) {
+  const auto steps = static_cast<int>(kReach * length / kStep);
+  for (int step = -steps; step <= steps; ++step) {
+    const double offset = step * kStep;
     double sum = 0;  // of neighbouring lines, against noise
     for (const double place : {0.4, 0.45, 0.5, 0.55, 0.6}) {
       sum += GreyAt(image, a + place * along + offset * across);

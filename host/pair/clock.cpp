@@ -39,9 +39,11 @@ std::vector<Speed> SpeedsIn(const std::vector<SeenFrame>& frames) {
 // Of the trackers, every kStep seconds from `first` on; NaN where a stream has nothing.
 std::vector<double> SpeedsOf(const PoseStream& camera, const PoseStream& chart, double first,
                              double last) {
+  const auto steps = static_cast<std::size_t>((last - first) / kStep);
   std::vector<double> speeds;
-  for (double seconds = first; seconds <= last; seconds += kStep) {
-    const auto relative = RelativeAt(camera, chart, seconds);
+  speeds.reserve(steps + 1);
+  for (std::size_t step = 0; step <= steps; ++step) {
+    const auto relative = RelativeAt(camera, chart, first + kStep * static_cast<double>(step));
     speeds.push_back(relative ? relative->perSecond.head<3>().norm() : std::nan(""));
   }
   return speeds;
@@ -126,6 +128,7 @@ std::optional<CoarseDelay> FindCoarseDelay(const std::vector<SeenFrame>& frames,
   }
   const std::vector<double> trackers = SpeedsOf(camera, chart, first, last);
   std::vector<std::ptrdiff_t> places;  // of the film's speeds, with the first at 0
+  places.reserve(film.size());
   for (const Speed& speed : film) {
     places.push_back(std::lround((speed.seconds - film.front().seconds) / kStep));
   }

@@ -84,7 +84,7 @@ std::vector<std::string> PicturesIn(const fs::path& folder) {
 // if there is no such frame.
 std::string NameOf(std::string_view field, const std::vector<std::string>& names,
                    const std::set<std::string>& pictures) {
-  const std::string name(field);
+  std::string name(field);
   const auto number = ParseInteger(field);
   if (pictures.count(name) != 0) {
     return name;

@@ -126,6 +126,7 @@ std::vector<Found> SearchFilm(const PairInputs& inputs, const PairProgress& prog
                               PairReport& report) {
   const std::vector<std::size_t> indices = ToSearch(inputs.film);
   std::vector<std::filesystem::path> files;
+  files.reserve(indices.size());
   for (const std::size_t index : indices) {
     files.push_back(FileOf(inputs.film, index));
   }
@@ -186,6 +187,7 @@ void AddChartPoses(const Observations& board, std::vector<Found>& found) {
 
 std::vector<SeenFrame> SeenOf(const std::vector<Found>& found) {
   std::vector<SeenFrame> seen;
+  seen.reserve(found.size());
   for (const Found& frame : found) {
     seen.push_back(frame.seen);
   }
@@ -238,6 +240,7 @@ std::vector<SeenFrame> FramesForDelay(const PairInputs& inputs, const std::vecto
   }
   apart = Some(apart, kMostForDelay);
   std::vector<std::filesystem::path> files;
+  files.reserve(apart.size());
   for (const Found& frame : apart) {
     files.push_back(FileOf(inputs.film, frame.index));
   }
@@ -336,12 +339,8 @@ std::vector<Paired> CandidatesOf(const std::vector<Found>& found, const Streams&
 
 TrackerPose FieldsOf(const crosscheck::TrackerPose& pose) {
   TrackerPose fields;
-  for (int i = 0; i < 3; ++i) {
-    fields.at(static_cast<std::size_t>(i)) = pose.position[i];
-  }
-  for (int i = 0; i < 4; ++i) {
-    fields.at(static_cast<std::size_t>(3 + i)) = pose.quaternionWxyz[i];
-  }
+  std::copy_n(pose.position.data(), 3, fields.begin());
+  std::copy_n(pose.quaternionWxyz.data(), 4, fields.begin() + 3);
   return fields;
 }
 
@@ -382,6 +381,7 @@ PairReport Pair(const PairInputs& inputs, const PairProgress& progress) {
 
   std::vector<Found> found = SearchFilm(inputs, progress, report);
   std::vector<BoardCorners> corners;
+  corners.reserve(found.size());
   for (const Found& frame : found) {
     corners.push_back(frame.seen.corners);
   }
@@ -401,6 +401,7 @@ PairReport Pair(const PairInputs& inputs, const PairProgress& progress) {
 
   const std::vector<Paired> paired = CandidatesOf(found, streams, report.clock, report);
   std::vector<Candidate> candidates;
+  candidates.reserve(paired.size());
   for (const Paired& one : paired) {
     candidates.push_back(one.candidate);
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include <Eigen/Cholesky>
 
@@ -144,8 +145,8 @@ PoseStream::PoseStream(const PoseRecording& recording, double origin) {
   MeasureNoise();
 }
 
-PoseStream::PoseStream(const Pose& fixed)
-    : fixed_(fixed),
+PoseStream::PoseStream(Pose fixed)
+    : fixed_(std::move(fixed)),
       first_(-std::numeric_limits<double>::infinity()),
       last_(std::numeric_limits<double>::infinity()) {}
 

@@ -24,7 +24,7 @@ class PoseStream {
   PoseStream(const PoseRecording& recording, double origin);
 
   /// A tracker that never moved.
-  explicit PoseStream(const crosscheck::Pose& fixed);
+  explicit PoseStream(crosscheck::Pose fixed);
 
   /// By a parabola through the samples around, weighted smoothly: between two samples alone the
   /// noise would be averaged most in the middle, which makes times wrong. Nothing next to a gap, a

@@ -541,12 +541,13 @@ PoseColumns ParsePoseColumns(const std::string& text) {
     const std::size_t equals = std::min(part.find('='), part.size());
     const std::string_view value = Trim(part.substr(0, equals));
     const std::string_view name = equals < part.size() ? Trim(part.substr(equals + 1)) : "";
-    const auto found = std::find(kValueNames.begin(), kValueNames.end(), value);
-    if (found == kValueNames.end() || name.empty()) {
+    const auto place = static_cast<std::size_t>(std::distance(
+        kValueNames.begin(), std::find(kValueNames.begin(), kValueNames.end(), value)));
+    if (place == kValueNames.size() || name.empty()) {
       throw InputError('"' + std::string(part) +
                        "\" is not a column such as time=Time, x=Cam.X or qw=Cam.QW");
     }
-    std::string& column = *names[static_cast<std::size_t>(found - kValueNames.begin())];
+    std::string& column = *names.at(place);
     if (!column.empty()) {
       throw InputError("two columns for " + std::string(value));
     }

@@ -234,18 +234,19 @@ struct PairOptionsInC {
                           options.columns,
                           options.pose_unit,
                           options.time_unit} {
-    const char** const members[] = {&c.camera_poses, &c.chart_poses, &c.frames,
-                                    &c.times,        &c.out_folder,  &c.pose_format,
-                                    &c.columns,      &c.pose_unit,   &c.time_unit};
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-      *members[i] = OrNull(texts[i]);
+    const std::array<const char**, kTexts> members = {
+        &c.camera_poses, &c.chart_poses, &c.frames,    &c.times,    &c.out_folder,
+        &c.pose_format,  &c.columns,     &c.pose_unit, &c.time_unit};
+    for (std::size_t i = 0; i < kTexts; ++i) {
+      *members.at(i) = OrNull(texts.at(i));
     }
   }
   PairOptionsInC(const PairOptionsInC&) = delete;
   const trackedcam_pair_options* Get() const { return &c; }
 
   trackedcam_pair_options c;
-  std::array<std::string, 9> texts;
+  static constexpr std::size_t kTexts = 9;
+  std::array<std::string, kTexts> texts;
 };
 
 }  // namespace detail

@@ -24,39 +24,39 @@ using Json = nlohmann::json;
 class PairTest : public testing::Test {
  protected:
   static simulator::RecordingOptions Small() {
-    simulator::RecordingOptions options;
-    options.shoot.seed = 7;
-    options.shoot.imageWidth = 640;
-    options.shoot.imageHeight = 360;
-    options.shoot.trackerNoiseMm = 0.3;
-    options.shoot.trackerNoiseDegrees = 0.05;
-    options.seconds = 24;
-    options.framesPerSecond = 12.5;
-    options.delayMs = 60;
-    return options;
+    simulator::RecordingOptions small;
+    small.shoot.seed = 7;
+    small.shoot.imageWidth = 640;
+    small.shoot.imageHeight = 360;
+    small.shoot.trackerNoiseMm = 0.3;
+    small.shoot.trackerNoiseDegrees = 0.05;
+    small.seconds = 24;
+    small.framesPerSecond = 12.5;
+    small.delayMs = 60;
+    return small;
   }
 
   static void SetUpTestSuite() {
-    shared_ = new test::TemporaryFolder;
-    options_ = new simulator::RecordingOptions(Small());
-    recording_ = new simulator::Recording(simulator::SimulateRecording(*options_));
-    simulator::WriteRecording(*recording_, shared_->Path() / "film");
+    shared = new test::TemporaryFolder;
+    options = new simulator::RecordingOptions(Small());
+    recording = new simulator::Recording(simulator::SimulateRecording(*options));
+    simulator::WriteRecording(*recording, shared->Path() / "film");
   }
 
   static void TearDownTestSuite() {
-    delete recording_;
-    delete options_;
-    delete shared_;
+    delete recording;
+    delete options;
+    delete shared;
   }
 
   static PairInputs Inputs() {
-    const auto film = shared_->Path() / "film";
+    const auto film = shared->Path() / "film";
     PairInputs inputs;
     inputs.film = ReadFilm(film / "frames", film / "frames" / "times.csv");
     inputs.camera = ReadPoseRecording(film / "camera_poses.txt");
     inputs.chart = ReadPoseRecording(film / "chart_poses.txt");
-    inputs.board = {options_->shoot.chart.cols, options_->shoot.chart.rows};
-    inputs.squareMetres = options_->shoot.chart.squareMetres;
+    inputs.board = {options->shoot.chart.cols, options->shoot.chart.rows};
+    inputs.squareMetres = options->shoot.chart.squareMetres;
     return inputs;
   }
 
@@ -73,15 +73,15 @@ class PairTest : public testing::Test {
     return "";
   }
 
-  static test::TemporaryFolder* shared_;
-  static simulator::RecordingOptions* options_;
-  static simulator::Recording* recording_;
+  static test::TemporaryFolder* shared;
+  static simulator::RecordingOptions* options;
+  static simulator::Recording* recording;
   test::TemporaryFolder folder;
 };
 
-test::TemporaryFolder* PairTest::shared_;
-simulator::RecordingOptions* PairTest::options_;
-simulator::Recording* PairTest::recording_;
+test::TemporaryFolder* PairTest::shared;
+simulator::RecordingOptions* PairTest::options;
+simulator::Recording* PairTest::recording;
 
 TEST_F(PairTest, GivesAShootThatCalibratesToTheTransform) {
   const PairInputs inputs = Inputs();
@@ -98,7 +98,7 @@ TEST_F(PairTest, GivesAShootThatCalibratesToTheTransform) {
       Calibrate(calibration, ReadShootData(calibration.data, {}, {}), [](const Progress&) {});
   ASSERT_TRUE(result.crossCheck);
   const Eigen::Vector3d off = result.crossCheck->Transform_Cam_Tc.topRightCorner<3, 1>() -
-                              recording_->Transform_Cam_Tc.translation();
+                              recording->Transform_Cam_Tc.translation();
   EXPECT_LT(1e3 * off.norm(), 4);
 }
 
@@ -152,10 +152,10 @@ TEST_F(PairTest, WritesWhatACalibrationNeedsBesides) {
 TEST_F(PairTest, TakesAChartThatDidNotMove) {
   PairInputs inputs = Inputs();
   inputs.chart.reset();
-  const simulator::Path path = PathOf(*options_);
+  const simulator::Path path = PathOf(*options);
   for (TimedPose& timed : inputs.camera.poses) {
     const double stamp = inputs.camera.firstStamp + timed.seconds;
-    const simulator::Moment moment = path.At(stamp - 1e-3 * options_->delayMs);
+    const simulator::Moment moment = path.At(stamp - 1e-3 * options->delayMs);
     const Eigen::Isometry3d pose = moment.Transform_Base_Tr.inverse() * moment.Transform_Base_Tc;
     const Eigen::Quaterniond q(pose.linear());
     timed.pose = {pose.translation(), {q.w(), q.x(), q.y(), q.z()}};
@@ -182,7 +182,7 @@ TEST_F(PairTest, PrintsBothSpansWhereTheyDoNotOverlap) {
 }
 
 TEST_F(PairTest, SaysThatTheMotionIsAnother) {
-  simulator::RecordingOptions other = *options_;
+  simulator::RecordingOptions other = *options;
   other.shoot.seed = 8;
   PairInputs inputs = Inputs();
   const simulator::Recording recorded = simulator::SimulateRecording(other);
@@ -195,10 +195,10 @@ TEST_F(PairTest, SaysThatTheMotionIsAnother) {
 
 TEST_F(PairTest, SaysThatNothingMoves) {
   PairInputs inputs = Inputs();
-  const auto seen = std::find_if(recording_->frames.begin(), recording_->frames.end(),
+  const auto seen = std::find_if(recording->frames.begin(), recording->frames.end(),
                                  [](const auto& frame) { return frame.isChartInside; });
   const std::string name =
-      inputs.film.frames[static_cast<std::size_t>(seen - recording_->frames.begin())].name;
+      inputs.film.frames[static_cast<std::size_t>(seen - recording->frames.begin())].name;
   for (FilmFrame& frame : inputs.film.frames) {
     frame.name = name;
   }

@@ -22,15 +22,15 @@ using Eigen::Vector4d;
 class PoseFormatsTest : public testing::Test {
  protected:
   PoseRecording Read(const std::string& content, const PoseFormat& format = {}) const {
-    test::WriteFile(folder_.File("poses"), content);
-    return ReadPoseRecording(folder_.Path() / "poses", format);
+    test::WriteFile(folder.File("poses"), content);
+    return ReadPoseRecording(folder.Path() / "poses", format);
   }
 
   std::string Refusal(const std::string& content, const PoseFormat& format = {}) const {
     try {
       Read(content, format);
     } catch (const InputError& error) {
-      const std::string file = (folder_.Path() / "poses").u8string() + ": ";
+      const std::string file = (folder.Path() / "poses").u8string() + ": ";
       const std::string text = error.what();
       EXPECT_EQ(text.substr(0, file.size()), file);
       return text.substr(file.size());
@@ -38,7 +38,7 @@ class PoseFormatsTest : public testing::Test {
     return "none";
   }
 
-  test::TemporaryFolder folder_;
+  test::TemporaryFolder folder;
 };
 
 void ExpectPose(const TimedPose& pose, double seconds, const Vector3d& position,
@@ -347,14 +347,14 @@ TEST_F(PoseFormatsTest, RefusesWhatIsNoRecording) {
   EXPECT_EQ(Refusal("1 1 2 3 0 0 0 1\n1 1 2 3 0 0 0 1\n2 1 2 3 0 0 0 0\n"),
             "has one pose only, expected a recording; left out: 1 with missing or invalid values; "
             "left out: 1 with a repeated time");
-  const std::string missing = (folder_.Path() / "missing").u8string();
+  const std::string missing = (folder.Path() / "missing").u8string();
   try {
-    ReadPoseRecording(folder_.Path() / "missing");
+    ReadPoseRecording(folder.Path() / "missing");
     ADD_FAILURE();
   } catch (const InputError& error) {
     EXPECT_EQ(error.what(), missing + ": file not found");
   }
-  EXPECT_THROW(ReadPoseRecording(folder_.Path()), InputError);
+  EXPECT_THROW(ReadPoseRecording(folder.Path()), InputError);
 }
 
 // A pose every 8 s, unless these are milliseconds.
