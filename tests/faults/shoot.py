@@ -17,6 +17,13 @@ PROGRAM = os.environ["TRACKEDCAM_PROGRAM"]
 SANITIZED = os.environ.get("TRACKEDCAM_SANITIZED", "")  # a sanitizer reserves terabytes of addresses
 SECONDS = 1800  # a longer run hangs, even on a busy machine
 GIGABYTE = 1 << 30
+COUNTERS = tempfile.TemporaryDirectory(prefix="trackedcam_counters_")
+
+
+def own_counters():
+    """The environment of a process that may end while it writes the counters of the lines that it covered.
+    They go into a folder of their own: other processes could not add to files that are cut."""
+    return {**os.environ, "GCOV_PREFIX": tempfile.mkdtemp(dir=COUNTERS.name)}
 
 
 def run(*arguments, limits=(), **options):
@@ -24,7 +31,8 @@ def run(*arguments, limits=(), **options):
     def limit():
         for which, value in limits:
             resource.setrlimit(which, (value, value))
-    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "env": own_counters() if limits else None,
+               **options}
     return subprocess.run([PROGRAM, *map(str, arguments)], preexec_fn=limit, timeout=SECONDS,
                           encoding="utf-8", errors="surrogateescape", check=False, **options)
 

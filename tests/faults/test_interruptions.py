@@ -9,7 +9,7 @@ import subprocess
 import time
 import unittest
 
-from shoot import GIGABYTE, PROGRAM, SANITIZED, SECONDS, Shoot, ended_by_signal
+from shoot import GIGABYTE, PROGRAM, SANITIZED, SECONDS, Shoot, ended_by_signal, own_counters
 
 SEED = int(os.environ.get("TRACKEDCAM_SEED", time.time_ns() % 2**32))
 
@@ -23,9 +23,10 @@ class Signals(Shoot):
         duration = time.monotonic() - began
         old = self.read_result()
         outcomes = {"old": 0, "new": 0}
+        environment = own_counters()
         for trial in range(times):
             process = subprocess.Popen([PROGRAM, "calibrate", "--config", self.folder / "shoot.toml"],
-                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=environment)
             time.sleep(random.uniform(0, 1.2 * duration))
             process.send_signal(number)
             process.wait(timeout=SECONDS)
@@ -78,8 +79,9 @@ class Kills(Shoot):
         files = self.complete_files()
         command = [PROGRAM, "calibrate", "--config", self.folder / "shoot.toml", *self.refined]
         finished = 0
+        environment = own_counters()
         for trial in range(200):
-            process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=environment)
             # Half of them in the first tenth and in the last, where the files are written.
             moment = random.choice([random.uniform(0, 1.1), random.uniform(0, 0.1), random.uniform(0.9, 1.1)])
             time.sleep(moment * duration)
