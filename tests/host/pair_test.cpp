@@ -26,8 +26,8 @@ class PairTest : public testing::Test {
   static simulator::RecordingOptions Small() {
     simulator::RecordingOptions small;
     small.shoot.seed = 7;
-    small.shoot.imageWidth = 640;
-    small.shoot.imageHeight = 360;
+    small.shoot.imageWidth = 480;
+    small.shoot.imageHeight = 270;
     small.shoot.trackerNoiseMm = 0.3;
     small.shoot.trackerNoiseDegrees = 0.05;
     small.seconds = 24;
